@@ -1,0 +1,13 @@
+find_package(Threads REQUIRED)
+find_package(PkgConfig REQUIRED)
+find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Xml Widgets Network Test)
+
+pkg_check_modules(GST REQUIRED IMPORTED_TARGET gstreamer-1.0 gstreamer-app-1.0 gstreamer-video-1.0)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm)
+pkg_check_modules(MICROHTTPD REQUIRED IMPORTED_TARGET libmicrohttpd)
+
+find_library(YUV_LIBRARY yuv REQUIRED)
+find_path(YUV_INCLUDE_DIR libyuv.h REQUIRED)
+add_library(korvia_yuv INTERFACE)
+target_include_directories(korvia_yuv SYSTEM INTERFACE ${YUV_INCLUDE_DIR})
+target_link_libraries(korvia_yuv INTERFACE ${YUV_LIBRARY})

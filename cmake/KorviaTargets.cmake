@@ -1,0 +1,32 @@
+# korvia_library(NAME KIND sources...): a library with the project's flags and precompiled headers.
+function(korvia_library name kind)
+  add_library(${name} ${kind} ${ARGN})
+  target_link_libraries(${name} PRIVATE korvia_flags)
+  target_precompile_headers(${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/pch_${KORVIA_PCH}.h)
+endfunction()
+
+# korvia_test(NAME [LABELS label...] [ENVIRONMENT VAR=value...] SOURCES ... LIBRARIES ...):
+# a QtTest program registered with CTest on the offscreen platform.
+function(korvia_test name)
+  cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} Qt5::Test korvia_flags)
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+  add_test(NAME ${name} COMMAND ${name})
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
+  set_tests_properties(${name} PROPERTIES
+    TIMEOUT ${arg_TIMEOUT}
+    LABELS "${arg_LABELS}"
+    ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${KORVIA_TEST_ENVIRONMENT};${arg_ENVIRONMENT}")
+endfunction()
+
+set(KORVIA_TEST_ENVIRONMENT
+  "QT_LOGGING_RULES=qt.*=false"
+  # gst-plugin-scanner would run uninstrumented plugins under the sanitizers' preload
+  "ASAN_OPTIONS=detect_leaks=1:fast_unwind_on_malloc=1:detect_stack_use_after_return=0"
+  "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
+  "UBSAN_OPTIONS=print_stacktrace=1"
+  "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/tsan.supp:ignore_noninstrumented_modules=1:halt_on_error=0:exitcode=66")

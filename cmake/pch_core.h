@@ -1,0 +1,25 @@
+// Headers that nearly every file without widgets reads.
+#pragma once
+#include <QByteArray>
+#include <QColor>
+#include <QDebug>
+#include <QImage>
+#include <QList>
+#include <QLoggingCategory>
+#include <QObject>
+#include <QString>
+#include <QVariant>
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>

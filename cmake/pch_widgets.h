@@ -1,0 +1,5 @@
+// Headers that nearly every file of the console reads.
+#pragma once
+#include "pch_core.h"
+
+#include <QtWidgets>

@@ -1,0 +1,17 @@
+// Root of all interfaces between modules. There is no reference count: one holder, one release().
+// The order of the operations is the order of the table that other modules call through.
+#pragma once
+#include "Identifier.h"
+
+class IUnknownEx {
+ public:
+  /// Readiness of the object; true for everything in this program.
+  virtual bool isValid() = 0;
+  /// Deletes the object when it is valid. Returns true in any case; the pointer is gone afterwards.
+  virtual bool release() = 0;
+  /// The interface pointer for an identifier and a packed version, or null.
+  virtual void* queryInterface(const Identifier* id, unsigned version) = 0;
+
+ protected:
+  virtual ~IUnknownEx() = default;
+};
