@@ -1,0 +1,58 @@
+// What stands behind the show facade: a real, a silent or a scripted engine.
+#pragma once
+#include <QImage>
+#include <QVariant>
+
+#include "IKorviaShowEngineSink.h"
+#include "IKorviaShowSource.h"
+#include "KorviaShowThread.h"
+#include "tagKorviaOutputStatistics.h"
+#include "tagKorviaShowAudioLevel.h"
+#include "tagKorviaShowEngineFigures.h"
+#include "tagKorviaShowSourceInfo.h"
+#include "tagKorviaShowSourceStatisticsItem.h"
+#include "tagKorviaSourceState.h"
+
+namespace korvia {
+
+/// What a backend may ask of the facade. Engine thread.
+class IShowBackendHost {
+ public:
+  virtual void postResult(quint64 eventId, const QVariant& a1 = {}, const QVariant& a2 = {},
+                          const QVariant& a3 = {}, const QVariant& a4 = {}) = 0;
+  virtual void setFrameRate(int numerator, int denominator) = 0;
+  /// Null when nobody listens.
+  virtual IKorviaShowEngineSink* engineSink() = 0;
+
+ protected:
+  ~IShowBackendHost() = default;
+};
+
+class IShowBackend {
+ public:
+  virtual ~IShowBackend() = default;
+
+  // Engine thread.
+  virtual void begin(IShowBackendHost& host) = 0;
+  virtual void end() = 0;
+  virtual void handleEvent(const ShowEvent& event) = 0;
+  virtual void frameStep(const FrameTick& tick) = 0;
+
+  // Console thread. Sources belong to the backend.
+  virtual IKorviaShowSource* openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,
+                                        const tagKorviaFormatInfo& format, IUnknownEx* host) = 0;
+  virtual void closeSource(KorviaShowObjectID id) = 0;
+  virtual IKorviaShowSource* getSource(KorviaShowObjectID id) = 0;
+  virtual void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state) = 0;
+  virtual void getSourceState(tagKorviaShowSourceStatisticsItem* items) = 0;
+  virtual void getOutputState(tagKorviaOutputStatistics* statistics) = 0;
+  virtual tagKorviaShowAudioLevel& getAudioLevel() = 0;
+  virtual void getFigures(tagKorviaShowEngineFigures& figures) = 0;
+  virtual void commitGrabImage(const QImage& image) = 0;
+  virtual void setGrabImageValid(bool valid) = 0;
+  virtual void commitPaintPadImage(const QImage& image) = 0;
+  virtual void setPaintPadValid(bool valid) = 0;
+  virtual void pausePGMImage(bool pause) = 0;
+};
+
+}  // namespace korvia

@@ -1,0 +1,67 @@
+// The engine as the console sees it: events, sources, statistics. A facade over the engine that
+// KORVIA_ENGINE names. Console thread, but for what KorviaShowThread says.
+#pragma once
+#include <QImage>
+#include <memory>
+
+#include "IKorviaShowSource.h"
+#include "KorviaShowEvents.h"
+#include "KorviaShowObjectID.h"
+#include "KorviaShowThread.h"
+#include "tagKorviaOutputStatistics.h"
+#include "tagKorviaShowAudioLevel.h"
+#include "tagKorviaShowEngineFigures.h"
+#include "tagKorviaShowSourceInfo.h"
+#include "tagKorviaShowSourceStatisticsItem.h"
+#include "tagKorviaSourceState.h"
+
+namespace korvia {
+class IShowBackend;
+}
+
+class KorviaShowEngine : public KorviaShowThread {
+  Q_OBJECT
+
+ public:
+  KorviaShowEngine();
+  ~KorviaShowEngine() override;
+
+  void start(IKorviaShowThreadSink* sink, KorviaShowThreadMode mode) override;
+  void stop() override;
+
+  /// Creates or replaces the source of the object and returns at once; what fails later shows in its state.
+  IKorviaShowSource* openSource(KorviaShowObjectID id, tagKorviaShowSourceInfo& info,
+                                tagKorviaFormatInfo& format, IUnknownEx* host);
+  void closeSource(KorviaShowObjectID id);
+  /// Source of a media channel, by 1 + index or 0x10 + index, or of the karaoke. Null when none.
+  IKorviaShowSource* getSource(KorviaShowObjectID id);
+  void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state);
+  /// `items`: one for each of the eight media channels.
+  void getSourceState(tagKorviaShowSourceStatisticsItem* items);
+  void getOutputState(tagKorviaOutputStatistics* statistics);
+  tagKorviaShowAudioLevel& getAudioLevel();
+  /// How the engine keeps its time, for the status page and for measuring.
+  void getFigures(tagKorviaShowEngineFigures& figures);
+
+  void commitGrabImage(const QImage& image);
+  void setGrabImageValid(bool valid);
+  void commitPaintPadImage(const QImage& image);
+  void setPaintPadValid(bool valid);
+  void pausePGMImage(bool pause);
+
+ protected:
+  void onThreadBegin() override;
+  void onThreadEnd() override;
+  void onThreadEvent(const korvia::ShowEvent& event) override;
+  void doFrameStep(const korvia::FrameTick& tick) override;
+
+ private:
+  class Host;
+  class TracedSource;
+  TracedSource* traced(KorviaShowObjectID id, IKorviaShowSource* source);
+
+  std::unique_ptr<Host> host_;
+  std::unique_ptr<korvia::IShowBackend> backend_;
+  // One for each object that can hold a source; they outlive the calls made on them.
+  std::unique_ptr<TracedSource> tracedSources_[kMediaChannelMax + 1];
+};

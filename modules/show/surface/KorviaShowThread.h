@@ -1,0 +1,80 @@
+// The engine's thread and its event queue. Made and driven from the console thread; the virtuals named
+// onThread… and doFrameStep run on the engine thread.
+#pragma once
+#include <QObject>
+#include <QVariant>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+#include "IKorviaShowThreadSink.h"
+
+enum KorviaShowThreadMode : int { ShowThreadNormal = 0 };
+
+namespace korvia {
+
+struct ShowEvent {
+  quint64 id = 0;
+  QVariant args[4];
+};
+
+/// One step of the frame clock. `missed` frames went by since the last step without a step of their own.
+struct FrameTick {
+  qint64 number = 0;
+  int missed = 0;
+};
+
+}  // namespace korvia
+
+class KorviaShowThread : public QObject {
+  Q_OBJECT
+
+ public:
+  explicit KorviaShowThread(QObject* parent = nullptr);
+  ~KorviaShowThread() override;
+
+  /// Frames per second of the engine's step; values that are not positive and finite are ignored.
+  virtual void setFps(float fps);
+  virtual void start(IKorviaShowThreadSink* sink, KorviaShowThreadMode mode);
+  /// Handles what was posted before, ends the thread and returns.
+  virtual void stop();
+  /// Queues an event for the next frame boundary. Any thread.
+  void postEvent(quint64 eventId, QVariant a1 = QVariant(), QVariant a2 = QVariant(),
+                 QVariant a3 = QVariant(), QVariant a4 = QVariant());
+
+ protected:
+  virtual void onThreadRun();
+  virtual void onThreadBegin() {}
+  virtual void onThreadEnd() {}
+  virtual void onThreadStep(const korvia::FrameTick& tick);
+  virtual void onThreadEvent(const korvia::ShowEvent& event) = 0;
+  virtual void doFrameStep(const korvia::FrameTick& tick) = 0;
+
+  /// Exact rate of the frame step, restarting the clock. Engine thread.
+  void setFrameRate(int numerator, int denominator);
+  /// Hands a result to the sink. Engine thread.
+  void postResult(quint64 eventId, quint64 result, const QVariant& a1, const QVariant& a2,
+                  const QVariant& a3, const QVariant& a4);
+  IKorviaShowThreadSink* threadSink() const { return sink_; }
+
+ private:
+  /// Sleeps to the next deadline and says which frame is due; false when the thread is to end.
+  bool waitForTick(korvia::FrameTick& tick);
+  void drainEvents();
+
+  IKorviaShowThreadSink* sink_ = nullptr;
+  std::thread thread_;
+
+  std::mutex mutex_;
+  std::condition_variable wake_;        // with mutex_
+  std::deque<korvia::ShowEvent> events_;  // guarded by mutex_
+  bool stopRequested_ = false;          // guarded by mutex_
+  qint64 rateNumerator_ = 25;           // guarded by mutex_
+  qint64 rateDenominator_ = 1;          // guarded by mutex_
+  bool clockRestart_ = true;            // guarded by mutex_
+
+  std::chrono::steady_clock::time_point epoch_;  // engine thread
+  qint64 clockFrame_ = 0;                        // engine thread; frames since epoch_
+  qint64 frameNumber_ = 0;                       // engine thread; frames since the start
+};
