@@ -1,0 +1,20 @@
+// What the host holds of the console. Host's GUI thread.
+#pragma once
+#include <QString>
+
+#include "IProgressSink.h"
+#include "IUnknownEx.h"
+
+struct tagKorviaProductInfo;
+
+class IKorviaSarnhawk : public IUnknownEx {
+ public:
+  /// Builds the console. `product` is copied; `rootPath` ends in a separator; `progress` may be null.
+  virtual bool create(void* reserved1, IProgressSink* progress, void* reserved2,
+                      const tagKorviaProductInfo* product, const QString& rootPath) = 0;
+  /// Must come before release().
+  virtual void close() = 0;
+};
+
+/// Signature of the export "CreateKorviaSarnhawk". Throws a wide string when it cannot deliver.
+using CreateKorviaSarnhawkFunction = void* (*)(const Identifier*, unsigned);
