@@ -4,6 +4,7 @@
 
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
+#include "engine/ThreadName.h"
 #include "engine/source/FilmSource.h"
 #include "engine/source/SourceFactory.h"
 #include "tagKorviaShowEngineInfo.h"
@@ -32,11 +33,12 @@ FrameSize renderSize(const tagKorviaVideoFormat& format) {
 
 }  // namespace
 
-SoftwareBackend::SoftwareBackend() : outputs_(janitor_) {}
+SoftwareBackend::SoftwareBackend() : monitors_(stages_), outputs_(janitor_) {}
 
 SoftwareBackend::~SoftwareBackend() { closeSources(); }
 
 void SoftwareBackend::begin(IShowBackendHost& host) {
+  nameThread("kv-engine");
   host_ = &host;
   sink_ = host.engineSink();
 }
@@ -240,10 +242,7 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
     if (!programPaused_ || !program_)
       program_ = mixProgram();
   }
-  {
-    StageClock::Scope stage(stages_, StageClock::Monitors);
-    showMonitors();
-  }
+  showMonitors();
   {
     StageClock::Scope stage(stages_, StageClock::HandOver);
     if (tick.missed > 0)

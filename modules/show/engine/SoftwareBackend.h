@@ -90,11 +90,11 @@ class SoftwareBackend final : public IShowBackend {
   ProgramSwitch switch_;             // engine thread
   FrameRef program_;                 // engine thread
   std::atomic<bool> programPaused_{false};
+  StageClock stages_;
+  Janitor janitor_;
   MonitorHub monitors_;
   OutputRack outputs_;
   SnapshotWriter snapshots_;
-  StageClock stages_;
-  Janitor janitor_;
 
   mutable std::mutex figuresMutex_;
   tagKorviaShowEngineFigures figures_;  // guarded by figuresMutex_

@@ -7,7 +7,7 @@
 
 using korvia::BlackBox;
 
-class KorviaShowEngine::Host : public korvia::IShowBackendHost {
+class KorviaShowEngine::Host final : public korvia::IShowBackendHost {
  public:
   explicit Host(KorviaShowEngine& engine) : engine_(engine) {}
 
