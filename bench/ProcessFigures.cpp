@@ -8,7 +8,9 @@
 
 namespace {
 
-double seconds(const timeval& time) { return static_cast<double>(time.tv_sec) + time.tv_usec * 1e-6; }
+double seconds(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + time.tv_usec * 1e-6;
+}
 
 QByteArray firstLine(const QString& path) {
   QFile file(path);

@@ -107,7 +107,7 @@ void startRecording(KorviaShowEngine& engine, const ShowBenchOptions& options) {
                                       {"mkv", EncapsulationMkv},
                                       {"mov", EncapsulationMov}};
   tagKorviaShowOutputParam param;
-  tagKorviaShowOutputItem& item = param.outputItem[OutputSlotRecord];
+  tagKorviaShowOutputItem& item = param.items[OutputSlotRecord];
   item.kind = OutputKindRecord;
   item.recordActive = 1;
   item.recordPath = file.absolutePath() + '/';

@@ -51,9 +51,10 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   QApplication application(argc, argv);
   QCommandLineParser parser;
-  parser.setApplicationDescription("Measures the show engine.\n\n"
-                                   "  show     plays films, takes and records, and tells how time was kept\n"
-                                   "  kernels  times each kernel on a 1080p frame against copying it");
+  parser.setApplicationDescription(
+      "Measures the show engine.\n\n"
+      "  show     plays films, takes and records, and tells how time was kept\n"
+      "  kernels  times each kernel on a 1080p frame against copying it");
   parser.addHelpOption();
   parser.addPositionalArgument("what", "show or kernels");
   parser.addOptions({{"input", "Film to play; repeatable. Without it the demo clips.", "FILE"},

@@ -24,7 +24,8 @@ constexpr int kSourceEndMs = 3000;
 FrameSize renderSize(const tagKorviaVideoFormat& format) {
   const int width = format.width;
   const int height = format.height;
-  if (width < kRenderSizeMin || height < kRenderSizeMin || width > kRenderSizeMax || height > kRenderSizeMax) {
+  if (width < kRenderSizeMin || height < kRenderSizeMin || width > kRenderSizeMax ||
+      height > kRenderSizeMax) {
     qCWarning(logEngine, "render size %d x %d is out of range, taking 1920 x 1080", width, height);
     return {1920, 1080};
   }
@@ -35,7 +36,9 @@ FrameSize renderSize(const tagKorviaVideoFormat& format) {
 
 SoftwareBackend::SoftwareBackend() : monitors_(stages_), outputs_(janitor_) {}
 
-SoftwareBackend::~SoftwareBackend() { closeSources(); }
+SoftwareBackend::~SoftwareBackend() {
+  closeSources();
+}
 
 void SoftwareBackend::begin(IShowBackendHost& host) {
   nameThread("kv-engine");
@@ -283,9 +286,11 @@ void SoftwareBackend::showMonitors() {
   monitors_.show(MonitorHub::Pgm, program_);
   monitors_.show(MonitorHub::Pvm, channelFrame(buses_.pvmChannel()));
   for (int i = 0; i < kMediaChannelMax; ++i)
-    monitors_.show(static_cast<MonitorHub::Window>(MonitorHub::FirstMedia + i), channelFrame(MediaChannel + i));
+    monitors_.show(static_cast<MonitorHub::Window>(MonitorHub::FirstMedia + i),
+                   channelFrame(MediaChannel + i));
   for (int i = 0; i < kStageChannelMax; ++i)
-    monitors_.show(static_cast<MonitorHub::Window>(MonitorHub::FirstStage + i), channelFrame(StageChannel + i));
+    monitors_.show(static_cast<MonitorHub::Window>(MonitorHub::FirstStage + i),
+                   channelFrame(StageChannel + i));
   monitors_.show(MonitorHub::Karaoke, channelFrame(0));
   monitors_.commit();
 }
@@ -301,9 +306,8 @@ void SoftwareBackend::keepFigures(const FrameTick& tick) {
   figures_.switchPosition = static_cast<float>(switch_.position());
   figures_.pvmChannel = buses_.pvmChannel();
   figures_.pgmChannel = buses_.pgmChannel();
-  figures_.sourceCount = static_cast<int>(std::count_if(active_.begin(), active_.end(), [](const auto& source) {
-    return source != nullptr;
-  }));
+  figures_.sourceCount = static_cast<int>(
+      std::count_if(active_.begin(), active_.end(), [](const auto& source) { return source != nullptr; }));
 }
 
 IKorviaShowSource* SoftwareBackend::openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,
@@ -378,7 +382,9 @@ void SoftwareBackend::getFigures(tagKorviaShowEngineFigures& figures) {
   figures.streaming = outputs_.isRunning(OutputSlotStream);
 }
 
-void SoftwareBackend::pausePGMImage(bool pause) { programPaused_ = pause; }
+void SoftwareBackend::pausePGMImage(bool pause) {
+  programPaused_ = pause;
+}
 
 // Screen cut and paint pad have no layer of their own yet.
 void SoftwareBackend::commitGrabImage(const QImage&) {}

@@ -73,16 +73,16 @@ class SoftwareBackend final : public IShowBackend {
   Show show() const;
   void closeSources();
 
-  IShowBackendHost* host_ = nullptr;             // engine thread
+  IShowBackendHost* host_ = nullptr;  // engine thread
   std::atomic<IKorviaShowEngineSink*> sink_{nullptr};
-  bool open_ = false;                            // engine thread
+  bool open_ = false;  // engine thread
 
   mutable std::mutex showMutex_;
   Show show_;  // guarded by showMutex_
 
   SourceSet sources_;
-  SourceArray active_;              // engine thread: what sources_ held at the last change
-  quint64 sourcesVersion_ = 0;      // engine thread
+  SourceArray active_;                             // engine thread: what sources_ held at the last change
+  quint64 sourcesVersion_ = 0;                     // engine thread
   std::array<FrameRef, kSourceSlotCount> frames_;  // engine thread
 
   std::unique_ptr<FramePool> pool_;  // engine thread
@@ -97,9 +97,9 @@ class SoftwareBackend final : public IShowBackend {
   SnapshotWriter snapshots_;
 
   mutable std::mutex figuresMutex_;
-  tagKorviaShowEngineFigures figures_;  // guarded by figuresMutex_
+  tagKorviaShowEngineFigures figures_;                // guarded by figuresMutex_
   std::chrono::steady_clock::time_point firstFrame_;  // engine thread
-  tagKorviaShowAudioLevel levels_;      // silent until the mixer has sound
+  tagKorviaShowAudioLevel levels_;                    // silent until the mixer has sound
 };
 
 }  // namespace korvia

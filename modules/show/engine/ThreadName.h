@@ -5,6 +5,8 @@
 namespace korvia {
 
 /// Names the calling thread; at most 15 characters count.
-inline void nameThread(const char* name) { pthread_setname_np(pthread_self(), name); }
+inline void nameThread(const char* name) {
+  pthread_setname_np(pthread_self(), name);
+}
 
 }  // namespace korvia

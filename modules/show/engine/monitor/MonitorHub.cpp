@@ -4,7 +4,9 @@
 
 namespace korvia {
 
-MonitorHub::~MonitorHub() { close(); }
+MonitorHub::~MonitorHub() {
+  close();
+}
 
 void MonitorHub::open(const tagKorviaShowWindowPackInfo& windows) {
   close();

@@ -58,17 +58,17 @@ class MonitorHub {
 
   StageClock& stages_;
   std::mutex mutex_;
-  std::condition_variable wake_;           // with mutex_
-  std::array<Slot, WindowCount> slots_;    // guarded by mutex_
-  bool committed_ = false;                 // guarded by mutex_
-  bool stop_ = false;                      // guarded by mutex_
+  std::condition_variable wake_;              // with mutex_
+  std::array<Slot, WindowCount> slots_;       // guarded by mutex_
+  bool committed_ = false;                    // guarded by mutex_
+  bool stop_ = false;                         // guarded by mutex_
   std::array<FrameRef, WindowCount> staged_;  // engine thread
   std::array<bool, WindowCount> wanted_{};    // engine thread
   std::thread thread_;
   std::atomic<qint64> dropped_{0};
 
-  std::unique_ptr<MonitorSurfaceFactory> factory_;                        // monitor thread
-  std::array<std::unique_ptr<MonitorSurface>, WindowCount> surfaces_;     // monitor thread
+  std::unique_ptr<MonitorSurfaceFactory> factory_;                     // monitor thread
+  std::array<std::unique_ptr<MonitorSurface>, WindowCount> surfaces_;  // monitor thread
 };
 
 }  // namespace korvia
