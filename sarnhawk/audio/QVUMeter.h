@@ -3,6 +3,8 @@
 #include <QColor>
 #include <QWidget>
 
+class QPainter;
+
 class QVUMeter : public QWidget {
   Q_OBJECT
   Q_PROPERTY(QColor colorBg READ colorBg WRITE setColorBg)
