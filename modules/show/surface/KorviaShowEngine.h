@@ -17,6 +17,7 @@
 
 namespace korvia {
 class IShowBackend;
+class TracedSource;
 }
 
 class KorviaShowEngine : public KorviaShowThread {
@@ -57,11 +58,10 @@ class KorviaShowEngine : public KorviaShowThread {
 
  private:
   class Host;
-  class TracedSource;
-  TracedSource* traced(KorviaShowObjectID id, IKorviaShowSource* source);
+  korvia::TracedSource* traced(KorviaShowObjectID id, IKorviaShowSource* source);
 
   std::unique_ptr<Host> host_;
   std::unique_ptr<korvia::IShowBackend> backend_;
   // One for each object that can hold a source; they outlive the calls made on them.
-  std::unique_ptr<TracedSource> tracedSources_[kMediaChannelMax + 1];
+  std::unique_ptr<korvia::TracedSource> tracedSources_[korvia::kSourceSlotCount];
 };

@@ -38,3 +38,21 @@ inline int getObjectKind(int id, int& outIndex) {
     return BusObjectKind;
   return MediaObjectKind;
 }
+
+namespace korvia {
+
+/// Objects that can hold a source: the media channels and the karaoke.
+inline constexpr int kSourceSlotCount = kMediaChannelMax + 1;
+inline constexpr int kKaraokeSlot = kMediaChannelMax;
+
+/// Slot of the object's source: 0 to 7 for a media channel in either form of its id, 8 for the karaoke, -1 for
+/// anything that holds no source.
+inline int sourceIndexOf(int id) {
+  if (id >= SourceObject && id < SourceObject + kMediaChannelMax)
+    return id - SourceObject;
+  if (id >= MediaChannel && id < MediaChannel + kMediaChannelMax)
+    return id - MediaChannel;
+  return id == KaraokeObject ? kKaraokeSlot : -1;
+}
+
+}  // namespace korvia

@@ -1,0 +1,73 @@
+#include "Frame.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "FramePool.h"
+
+namespace korvia {
+
+namespace {
+
+// Widest vector of the kernels, and a cache line.
+constexpr int kAlignment = 64;
+
+int alignedStride(int width) { return (width + kAlignment - 1) / kAlignment * kAlignment; }
+
+void fillPlane(Frame& frame, int plane, int value) {
+  std::memset(frame.writablePlane(plane), value,
+              static_cast<std::size_t>(frame.stride(plane)) * frame.planeHeight(plane));
+}
+
+}  // namespace
+
+Frame::Frame(FrameSize size, bool alpha) : size_(size), memory_(nullptr, std::free) {
+  const int planes = alpha ? 4 : 3;
+  std::size_t offset[4] = {};
+  std::size_t total = 0;
+  for (int i = 0; i < planes; ++i) {
+    stride_[i] = alignedStride(planeWidth(i));
+    offset[i] = total;
+    total += static_cast<std::size_t>(stride_[i]) * planeHeight(i);
+  }
+  memory_.reset(static_cast<std::uint8_t*>(std::aligned_alloc(kAlignment, total + kAlignment)));
+  for (int i = 0; i < planes; ++i)
+    data_[i] = memory_.get() + offset[i];
+}
+
+Frame::Frame(FrameSize size, const External& external)
+    : size_(size), memory_(nullptr, std::free), external_(external) {
+  for (int i = 0; i < 4; ++i) {
+    // External memory is never written: writablePlane() is only for frames that are being made.
+    data_[i] = const_cast<std::uint8_t*>(external.data[i]);
+    stride_[i] = external.stride[i];
+  }
+}
+
+Frame::~Frame() {
+  if (external_.release)
+    external_.release(external_.opaque);
+}
+
+void Frame::fillBlack() {
+  fillPlane(*this, Y, 16);
+  fillPlane(*this, U, 128);
+  fillPlane(*this, V, 128);
+  if (hasAlpha())
+    fillPlane(*this, A, 255);
+}
+
+void Frame::drop() {
+  if (std::shared_ptr<FramePoolState> home = std::move(home_))
+    home->giveBack(this);
+  else
+    delete this;
+}
+
+void FrameRef::reset() {
+  Frame* frame = std::exchange(frame_, nullptr);
+  if (frame && frame->references_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+    frame->drop();
+}
+
+}  // namespace korvia

@@ -1,0 +1,55 @@
+#include "FramePool.h"
+
+namespace korvia {
+
+void FramePoolState::giveBack(Frame* frame) {
+  {
+    std::lock_guard lock(mutex);
+    if (open) {
+      idle.push_back(frame);
+      return;
+    }
+  }
+  delete frame;
+}
+
+FramePool::FramePool(FrameSize size, bool alpha)
+    : size_(size), alpha_(alpha), state_(std::make_shared<FramePoolState>()) {}
+
+FramePool::~FramePool() {
+  std::vector<Frame*> idle;
+  {
+    std::lock_guard lock(state_->mutex);
+    state_->open = false;
+    idle.swap(state_->idle);
+  }
+  for (Frame* frame : idle)
+    delete frame;
+}
+
+MutableFrame FramePool::acquire() {
+  Frame* frame = nullptr;
+  {
+    std::lock_guard lock(state_->mutex);
+    if (!state_->idle.empty()) {
+      frame = state_->idle.back();
+      state_->idle.pop_back();
+    }
+  }
+  if (!frame)
+    frame = new Frame(size_, alpha_);
+  frame->home_ = state_;
+  return MutableFrame(frame);
+}
+
+FrameRef FramePool::black() {
+  std::lock_guard lock(blackMutex_);
+  if (!black_) {
+    MutableFrame frame = acquire();
+    frame->fillBlack();
+    black_ = std::move(frame).publish();
+  }
+  return black_;
+}
+
+}  // namespace korvia

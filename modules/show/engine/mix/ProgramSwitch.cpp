@@ -1,0 +1,103 @@
+#include "ProgramSwitch.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Easing.h"
+#include "TransitionCatalog.h"
+
+namespace korvia {
+
+namespace {
+
+constexpr double kDurationMax = 600;
+
+// Exactly 1 is the end of a take and is reported by nothing else.
+float reportedPosition(double position) {
+  const float value = static_cast<float>(position);
+  return position < 1 && value >= 1.0F ? std::nextafter(1.0F, 0.0F) : value;
+}
+
+}  // namespace
+
+const Transition* ProgramSwitch::transition() const {
+  return transitionFor(mode_ == Mode::Lever ? lastEffect_ : take_.effect);
+}
+
+void ProgramSwitch::take(const Take& take, double framesPerSecond) {
+  if (isRunning() && take.to == take_.to && mode_ == Mode::Auto)
+    return;
+  const bool fromLever = mode_ == Mode::Lever && take.to == take_.to;
+  const int from = fromLever ? take_.from : take.from;
+  start_ = fromLever ? position_ : 0;
+  take_ = take;
+  take_.from = from;
+  lastEffect_ = take.effect;
+  const double seconds = std::isfinite(take.duration) ? std::clamp(take.duration, 0.0, kDurationMax) : 0;
+  totalFrames_ = std::llround(seconds * framesPerSecond);
+  elapsedFrames_ = 0;
+  mode_ = Mode::Auto;
+  if (totalFrames_ < 1 || take.effect == kEffectNone || take.from == take.to)
+    complete();
+}
+
+void ProgramSwitch::moveLever(float position, int from, int to) {
+  if (std::isnan(position))
+    return;
+  const double p = std::clamp(static_cast<double>(position), 0.0, 1.0);
+  if (!isRunning()) {
+    take_ = {from, to, lastEffect_, 0, 0};
+  }
+  mode_ = Mode::Lever;
+  if (p >= 1) {
+    complete();
+    return;
+  }
+  setPosition(p);
+  if (p <= 0)
+    mode_ = Mode::Idle;
+}
+
+void ProgramSwitch::step(int frames) {
+  if (mode_ != Mode::Auto)
+    return;
+  elapsedFrames_ += frames;
+  if (elapsedFrames_ >= totalFrames_) {
+    complete();
+    return;
+  }
+  const double progress = static_cast<double>(elapsedFrames_) / static_cast<double>(totalFrames_);
+  setPosition(start_ + (1 - start_) * easedProgress(take_.easing, progress));
+}
+
+void ProgramSwitch::finish() {
+  if (isRunning())
+    complete();
+}
+
+void ProgramSwitch::abandon() {
+  if (!isRunning())
+    return;
+  mode_ = Mode::Idle;
+  setPosition(0);
+}
+
+void ProgramSwitch::setPosition(double position) {
+  position_ = position;
+  outcome_.moved = true;
+  outcome_.position = reportedPosition(position);
+}
+
+void ProgramSwitch::complete() {
+  mode_ = Mode::Idle;
+  position_ = 0;
+  outcome_ = {true, 1.0F, take_.to};
+}
+
+ProgramSwitch::Outcome ProgramSwitch::takeOutcome() {
+  const Outcome outcome = outcome_;
+  outcome_ = {};
+  return outcome;
+}
+
+}  // namespace korvia

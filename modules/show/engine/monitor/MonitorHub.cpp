@@ -1,0 +1,127 @@
+#include "MonitorHub.h"
+
+namespace korvia {
+
+MonitorHub::~MonitorHub() { close(); }
+
+void MonitorHub::open(const tagKorviaShowWindowPackInfo& windows) {
+  close();
+  const auto set = [this](int window, const tagKorviaWindowInfo& info) {
+    slots_[window].info = info;
+    slots_[window].changed = true;
+    wanted_[window] = info.winId != 0;
+  };
+  set(Pgm, windows.pgm);
+  set(Pvm, windows.pvm);
+  for (int i = 0; i < static_cast<int>(windows.media.size()); ++i)
+    set(FirstMedia + i, windows.media[i]);
+  for (int i = 0; i < static_cast<int>(windows.stage.size()); ++i)
+    set(FirstStage + i, windows.stage[i]);
+  set(Karaoke, windows.karaoke);
+  stop_ = false;
+  thread_ = std::thread([this] { run(); });
+}
+
+void MonitorHub::close() {
+  if (!thread_.joinable())
+    return;
+  {
+    std::lock_guard lock(mutex_);
+    stop_ = true;
+  }
+  wake_.notify_all();
+  thread_.join();
+  for (Slot& slot : slots_)
+    slot = {};
+  staged_ = {};
+  wanted_ = {};
+}
+
+void MonitorHub::resize(Window window, const tagKorviaWindowInfo& info) {
+  if (info.winId == 0)
+    return;
+  wanted_[window] = true;
+  std::lock_guard lock(mutex_);
+  slots_[window].info = info;
+  slots_[window].changed = true;
+}
+
+void MonitorHub::show(Window window, const FrameRef& picture) {
+  if (wanted_[window])
+    staged_[window] = picture;
+}
+
+void MonitorHub::commit() {
+  if (!thread_.joinable())
+    return;
+  {
+    std::lock_guard lock(mutex_);
+    for (int i = 0; i < WindowCount; ++i) {
+      if (!staged_[i])
+        continue;
+      // The last picture has not been fetched yet: a strip's is replaced, and counts as left out.
+      if (slots_[i].next && i >= FirstMedia)
+        dropped_.fetch_add(1, std::memory_order_relaxed);
+      slots_[i].next = std::move(staged_[i]);
+    }
+    committed_ = true;
+  }
+  wake_.notify_all();
+}
+
+void MonitorHub::run() {
+  factory_ = createMonitorSurfaceFactory();
+  std::array<FrameRef, WindowCount> pictures;
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    wake_.wait(lock, [this] { return stop_ || committed_; });
+    if (stop_)
+      break;
+    committed_ = false;
+    for (int i = 0; i < WindowCount; ++i) {
+      Slot& slot = slots_[i];
+      pictures[i] = std::move(slot.next);
+      if (!slot.changed)
+        continue;
+      slot.changed = false;
+      const tagKorviaWindowInfo info = slot.info;
+      lock.unlock();
+      if (info.winId == 0)
+        surfaces_[i].reset();
+      else if (surfaces_[i])
+        surfaces_[i]->resize(info);
+      else
+        surfaces_[i] = factory_->create(info);
+      lock.lock();
+    }
+    lock.unlock();
+    showPictures(pictures);
+    lock.lock();
+  }
+  lock.unlock();
+  for (std::unique_ptr<MonitorSurface>& surface : surfaces_)
+    surface.reset();
+  factory_.reset();
+}
+
+void MonitorHub::showPictures(std::array<FrameRef, WindowCount>& pictures) {
+  for (int i = 0; i < WindowCount; ++i) {
+    if (pictures[i] && surfaces_[i])
+      surfaces_[i]->show(*pictures[i]);
+    // Program and preview have been shown; when the next frame is here already, the strips wait for it.
+    pictures[i].reset();
+    if (i + 1 >= FirstMedia && i + 1 < WindowCount && pictures[i + 1]) {
+      std::lock_guard lock(mutex_);
+      if (!committed_)
+        continue;
+      for (int rest = i + 1; rest < WindowCount; ++rest) {
+        dropped_.fetch_add(pictures[rest] ? 1 : 0, std::memory_order_relaxed);
+        pictures[rest].reset();
+      }
+      break;
+    }
+  }
+  factory_->flush();
+}
+
+}  // namespace korvia

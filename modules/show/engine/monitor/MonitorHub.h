@@ -1,0 +1,71 @@
+// All monitor windows. The engine thread leaves the newest picture of each window here; a thread of its own
+// scales and shows them. Strips give way first when that thread cannot keep up.
+#pragma once
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+#include "engine/frame/Frame.h"
+#include "engine/monitor/MonitorSurface.h"
+#include "tagKorviaWindowInfo.h"
+
+namespace korvia {
+
+class MonitorHub {
+ public:
+  /// Windows in the order in which they give way, last first.
+  enum Window : int {
+    Pgm = 0,
+    Pvm = 1,
+    FirstMedia = 2,
+    FirstStage = FirstMedia + 8,
+    Karaoke = FirstStage + 4,
+    WindowCount = Karaoke + 1,
+  };
+
+  MonitorHub() = default;
+  ~MonitorHub();
+  MonitorHub(const MonitorHub&) = delete;
+  MonitorHub& operator=(const MonitorHub&) = delete;
+
+  // Engine thread.
+  void open(const tagKorviaShowWindowPackInfo& windows);
+  void close();
+  /// A window without a handle stays as it is.
+  void resize(Window window, const tagKorviaWindowInfo& info);
+  /// Leaves a picture for a window. Nothing is done for a window that does not exist.
+  void show(Window window, const FrameRef& picture);
+  /// All pictures of this frame are there: shows them.
+  void commit();
+
+  /// Strip pictures that were left out. Any thread.
+  qint64 droppedPictures() const { return dropped_.load(std::memory_order_relaxed); }
+
+ private:
+  struct Slot {
+    tagKorviaWindowInfo info;
+    bool changed = false;  // size or window
+    FrameRef next;
+  };
+
+  void run();
+  void showPictures(std::array<FrameRef, WindowCount>& pictures);
+
+  std::mutex mutex_;
+  std::condition_variable wake_;           // with mutex_
+  std::array<Slot, WindowCount> slots_;    // guarded by mutex_
+  bool committed_ = false;                 // guarded by mutex_
+  bool stop_ = false;                      // guarded by mutex_
+  std::array<FrameRef, WindowCount> staged_;  // engine thread
+  std::array<bool, WindowCount> wanted_{};    // engine thread
+  std::thread thread_;
+  std::atomic<qint64> dropped_{0};
+
+  std::unique_ptr<MonitorSurfaceFactory> factory_;                        // monitor thread
+  std::array<std::unique_ptr<MonitorSurface>, WindowCount> surfaces_;     // monitor thread
+};
+
+}  // namespace korvia

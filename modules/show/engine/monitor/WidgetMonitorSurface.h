@@ -1,0 +1,33 @@
+// Shows pictures on a widget through its slot setMonitorImage(QImage), for desktops where the engine cannot
+// draw into the window itself. Monitor thread; the widget is only touched on its own.
+#pragma once
+#include <atomic>
+#include <memory>
+
+#include "engine/monitor/MonitorSurface.h"
+#include "engine/monitor/PictureScaler.h"
+
+namespace korvia {
+
+class WidgetMonitorSurface final : public MonitorSurface {
+ public:
+  explicit WidgetMonitorSurface(const tagKorviaWindowInfo& window) : window_(window) {}
+  void resize(const tagKorviaWindowInfo& window) override { window_ = window; }
+  void show(const Frame& picture) override;
+
+ private:
+  tagKorviaWindowInfo window_;
+  PictureScaler scaler_;
+  // One picture may be under way to the widget; the next waits until that one has been taken.
+  std::shared_ptr<std::atomic<bool>> underWay_ = std::make_shared<std::atomic<bool>>(false);
+};
+
+class WidgetMonitorSurfaceFactory final : public MonitorSurfaceFactory {
+ public:
+  std::unique_ptr<MonitorSurface> create(const tagKorviaWindowInfo& window) override {
+    return std::make_unique<WidgetMonitorSurface>(window);
+  }
+  void flush() override {}
+};
+
+}  // namespace korvia

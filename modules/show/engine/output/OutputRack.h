@@ -1,0 +1,40 @@
+// The output slots: starts, feeds and ends what leaves the engine. Engine thread, but for figures().
+#pragma once
+#include <array>
+#include <memory>
+#include <mutex>
+
+#include "engine/Janitor.h"
+#include "engine/output/ProgramOutput.h"
+#include "tagKorviaOutputStatistics.h"
+
+namespace korvia {
+
+class OutputRack {
+ public:
+  static constexpr int kSlots = 2;
+
+  explicit OutputRack(Janitor& janitor) : janitor_(janitor) {}
+
+  /// Starts the output of a slot, ending one that runs there. Nothing happens for a slot that does not exist.
+  void start(int slot, const OutputRequest& request);
+  void stop(int slot);
+  void stopAll();
+  /// One program frame, `count` times: 1 plus the frames that were missed.
+  void push(const FrameRef& frame, int count);
+
+  bool isRunning(int slot) const;
+  void statistics(tagKorviaOutputStatistics& statistics) const;
+
+ private:
+  struct Slot {
+    std::shared_ptr<ProgramOutput> output;
+    qint64 frames = 0;
+  };
+
+  Janitor& janitor_;
+  mutable std::mutex mutex_;
+  std::array<Slot, kSlots> slots_;  // the pointers are guarded by mutex_ against figures()
+};
+
+}  // namespace korvia

@@ -1,0 +1,49 @@
+// A thing that has pictures: a film, a still, a colour. The engine thread pulls one frame a tick; everything
+// of IKorviaShowSource is called on the console thread; slow work happens on the source's own threads.
+#pragma once
+#include <QString>
+#include <memory>
+
+#include "IKorviaShowEngineSink.h"
+#include "IKorviaShowSource.h"
+#include "engine/frame/Frame.h"
+#include "tagKorviaShowSourceInfo.h"
+
+namespace korvia {
+
+/// What a source must know of the show. Fixed for the life of the source.
+struct SourceContext {
+  KorviaShowObjectID id = SourceObject;
+  FrameSize renderSize;
+  /// Render frames per second.
+  int rateNumerator = 25;
+  int rateDenominator = 1;
+  /// May be null. Its onSourceNotify may be called from any thread of the source.
+  IKorviaShowEngineSink* sink = nullptr;
+};
+
+struct SourceFigures {
+  QString description;
+  qint64 framesDecoded = 0;
+  qint64 framesHeld = 0;  ///< ticks at which no new picture was there while playing
+  float framesPerSecond = 0;
+};
+
+class Source : public IKorviaShowSource {
+ public:
+  ~Source() override = default;
+
+  /// The picture for this tick in the render size, or null for black. `ticks` is 1 plus the frames missed
+  /// since the last call. Never blocks. Engine thread.
+  virtual FrameRef pullFrame(int ticks) = 0;
+  /// Begins the end: returns at once, no notify comes after it. Console thread.
+  virtual void close() = 0;
+  virtual SourceFigures figures() = 0;
+
+  // A source belongs to the engine: a holder's release() leaves it alone.
+  bool isValid() override { return true; }
+  bool release() override { return true; }
+  void* queryInterface(const Identifier*, unsigned) override { return nullptr; }
+};
+
+}  // namespace korvia
