@@ -1,0 +1,29 @@
+// What the operator asks for on the command line of the host. Plain values, any thread; parse() before the
+// application object is made.
+#pragma once
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+#include <optional>
+
+struct HostOptions {
+  QString rootPath;  ///< absolute, ends in a separator
+  QString engine;    ///< "software", "silent", or empty for the environment's choice
+  QString traceFile;
+  QVariantMap openFiles;  ///< decimal number of a media channel to the absolute path of a film or picture
+  std::optional<double> exitAfterS;
+  QString screenshotFile;
+  QSize size;  ///< invalid for the console's own choice
+};
+
+struct HostCommandLine {
+  enum class Outcome { Run, Inform, Refuse };
+
+  Outcome outcome = Outcome::Run;
+  HostOptions options;  ///< for Run
+  QString text;         ///< for Inform what to print, for Refuse why
+
+  /// `arguments` begins with the program's name. Makes no files or folders.
+  static HostCommandLine parse(const QStringList& arguments);
+};

@@ -1,0 +1,72 @@
+#include "HostSession.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QLoggingCategory>
+#include <QTimer>
+#include <cmath>
+
+#include "WindowPicture.h"
+
+Q_LOGGING_CATEGORY(lcSession, "korvia.host.session")
+
+namespace korvia {
+
+HostSession::HostSession(QWidget* frame, const HostOptions& options, QObject* parent)
+    : QObject(parent), frame_(frame), options_(options), pictureDue_(!options.screenshotFile.isEmpty()) {
+  frame_->installEventFilter(this);
+}
+
+int HostSession::run() {
+  if (closeRequested_ || !frame_)
+    return exitCode_;
+  if (options_.size.isValid())
+    frame_->resize(options_.size);
+  if (options_.exitAfterS)
+    QTimer::singleShot(std::chrono::milliseconds(std::llround(*options_.exitAfterS * 1000)), Qt::PreciseTimer,
+                       this, &HostSession::requestClose);
+  running_ = true;
+  QApplication::exec();
+  running_ = false;
+  return exitCode_;
+}
+
+void HostSession::requestClose() {
+  closeRequested_ = true;
+  if (running_ && frame_) {
+    frame_->close();
+    quitWhenClosed();
+    return;
+  }
+  // The console is still being made, and what it waits for is a dialog.
+  while (QWidget* dialog = QApplication::activeModalWidget()) {
+    if (!dialog->close())
+      break;
+  }
+}
+
+bool HostSession::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == frame_ && event->type() == QEvent::Close) {
+    if (pictureDue_)
+      takePicture();
+    // Tool windows of the console must not keep the program alive without its main window.
+    QTimer::singleShot(0, this, &HostSession::quitWhenClosed);
+  }
+  return QObject::eventFilter(watched, event);
+}
+
+void HostSession::takePicture() {
+  // First, since the picture lets events in and a second close may be among them.
+  pictureDue_ = false;
+  if (!pictureOf(frame_).save(options_.screenshotFile)) {
+    qCCritical(lcSession, "failed to write screenshot : %s", qUtf8Printable(options_.screenshotFile));
+    exitCode_ = 1;
+  }
+}
+
+void HostSession::quitWhenClosed() {
+  if (running_ && (!frame_ || !frame_->isVisible()))
+    QApplication::quit();
+}
+
+}  // namespace korvia

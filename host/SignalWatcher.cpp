@@ -1,0 +1,70 @@
+#include "SignalWatcher.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QLoggingCategory>
+#include <QSocketNotifier>
+#include <cerrno>
+#include <csignal>
+#include <iterator>
+
+Q_LOGGING_CATEGORY(lcSignals, "korvia.host.signals")
+
+namespace korvia {
+
+namespace {
+
+constexpr int kSignals[] = {SIGINT, SIGTERM};
+
+// The handler may use nothing but this descriptor.
+int pipeEnds[2] = {-1, -1};
+
+void onSignal(int) {
+  const int savedErrno = errno;
+  const char byte = 1;
+  // A full pipe already holds enough requests.
+  [[maybe_unused]] const ssize_t written = write(pipeEnds[1], &byte, 1);
+  errno = savedErrno;
+}
+
+void setAction(void (*handler)(int)) {
+  struct sigaction action {};
+  action.sa_handler = handler;
+  action.sa_flags = SA_RESTART;
+  sigemptyset(&action.sa_mask);
+  for (int number : kSignals)
+    sigaction(number, &action, nullptr);
+}
+
+}  // namespace
+
+SignalWatcher::SignalWatcher(QObject* parent) : QObject(parent) {
+  if (pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) {
+    qCWarning(lcSignals, "failed to make the signal pipe");
+    return;
+  }
+  notifier_ = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
+  connect(notifier_, &QSocketNotifier::activated, this, &SignalWatcher::readPipe);
+  setAction(onSignal);
+}
+
+SignalWatcher::~SignalWatcher() {
+  if (!notifier_)
+    return;
+  setAction(SIG_DFL);
+  delete notifier_;
+  for (int& end : pipeEnds) {
+    ::close(end);
+    end = -1;
+  }
+}
+
+void SignalWatcher::readPipe() {
+  char bytes[16];
+  while (read(pipeEnds[0], bytes, std::size(bytes)) > 0) {
+  }
+  emit closeRequested();
+}
+
+}  // namespace korvia

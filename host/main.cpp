@@ -1,0 +1,90 @@
+// The program: loads the console, tells it which product it is, and runs it.
+#include <QApplication>
+#include <QDir>
+#include <QIcon>
+#include <cstdio>
+
+#include "ConsoleLibrary.h"
+#include "DrivePath.h"
+#include "HostOptions.h"
+#include "HostSession.h"
+#include "ProductRecord.h"
+#include "ProgressLog.h"
+#include "ShowDataSetup.h"
+#include "SignalWatcher.h"
+#include "shell/IKorviaSarnhawk.h"
+#include "shell/IMainFrame.h"
+
+namespace {
+
+enum ExitCode { kSuccess = 0, kFailure = 1, kUsage = 2 };
+
+int complain(const QString& message, ExitCode code) {
+  std::fprintf(stderr, "korvia: %s\n", qUtf8Printable(message));
+  return code;
+}
+
+/// Help, version and refusals must work without a display, hence before the application proper.
+HostCommandLine readCommandLine(int argc, char** argv) {
+  QCoreApplication plain(argc, argv);
+  QCoreApplication::setApplicationName(QStringLiteral("korvia"));
+  return HostCommandLine::parse(QCoreApplication::arguments());
+}
+
+/// What console and engine read from the environment or the application, set before they are loaded.
+void publish(const HostOptions& options) {
+  if (!options.engine.isEmpty())
+    qputenv("KORVIA_ENGINE", options.engine.toLocal8Bit());
+  if (!options.traceFile.isEmpty())
+    qputenv("KORVIA_TRACE", QFile::encodeName(options.traceFile));
+  qApp->setProperty("korviaOpen", options.openFiles);
+}
+
+int runConsole(const HostOptions& options) {
+  korvia::ConsoleLibrary library(QCoreApplication::applicationDirPath());
+  IKorviaSarnhawk* console = library.createConsole();
+  if (!console)
+    return complain(library.error(), kFailure);
+  auto* frame = static_cast<IMainFrame*>(console->queryInterface(&kIMainFrameId, kInterfaceVersion));
+  if (!frame)
+    return complain(QStringLiteral("the console has no window"), kFailure);
+
+  korvia::HostSession session(frame->getWidget(), options);
+  korvia::SignalWatcher signalWatcher;
+  QObject::connect(&signalWatcher, &korvia::SignalWatcher::closeRequested, &session,
+                   &korvia::HostSession::requestClose);
+  korvia::ProgressLog progress;
+  const tagKorviaProductInfo product = makeProductRecord();
+  int exitCode = kFailure;
+  if (console->create(nullptr, &progress, nullptr, &product, options.rootPath))
+    exitCode = session.run();
+  console->close();
+  console->release();
+  return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const HostCommandLine commandLine = readCommandLine(argc, argv);
+  if (commandLine.outcome == HostCommandLine::Outcome::Refuse)
+    return complain(commandLine.text + QStringLiteral("\nTry \"korvia --help\"."), kUsage);
+  if (commandLine.outcome == HostCommandLine::Outcome::Inform) {
+    std::fputs(qUtf8Printable(commandLine.text), stdout);
+    return kSuccess;
+  }
+  const HostOptions& options = commandLine.options;
+  if (!QDir().mkpath(options.rootPath))
+    return complain(QStringLiteral("the folder %1 cannot be made").arg(options.rootPath), kUsage);
+
+  QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+  QApplication application(argc, argv);
+  const QString folder = QCoreApplication::applicationDirPath();
+  QApplication::setApplicationName(QStringLiteral("korvia"));
+  QApplication::setApplicationVersion(QStringLiteral(KORVIA_VERSION));
+  QApplication::setWindowIcon(QIcon(folder + QStringLiteral("/icon-256.png")));
+  publish(options);
+  korvia::copyMissingFiles(folder + QStringLiteral("/../showdata"),
+                           korvia::DrivePath::resolve(QString::fromLatin1(korvia::kShowDataDrivePath)));
+  return runConsole(options);
+}

@@ -1,0 +1,21 @@
+// The income server: takes RTMP streams that are pushed to "rtmp://HOST:rtmpPort()/income/NAME", and serves a
+// folder of pages. Called on the console thread; the server is a child process that ends with this one.
+#pragma once
+#include <QString>
+
+#include "IUnknownEx.h"
+
+class IKorviaRTMPIncomeServer : public IUnknownEx {
+ public:
+  /// Starts the server and waits until it answers, five seconds at most. port is the wanted port of the page
+  /// server for the folder htmlPath; a busy port gives way to the next free one. Working files lie in a
+  /// temporary folder below the cache of rootPath. Returns 0, or a negative value when the server program or
+  /// its RTMP module is missing, or does not come up.
+  virtual int open(const QString& rootPath, int port, const QString& htmlPath) = 0;
+  /// True while the child process runs and answers.
+  virtual bool isRunning() = 0;
+  /// Port that takes RTMP; 0 while the server is not open.
+  virtual int rtmpPort() = 0;
+  /// Ends the child process. Harmless when the server is not open.
+  virtual void close() = 0;
+};

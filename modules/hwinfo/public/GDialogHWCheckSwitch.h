@@ -1,0 +1,38 @@
+// Checks whether the network ports of the program are free, silently at the start and as a table when the
+// operator asks for it. GUI thread only.
+#pragma once
+#include <QDialog>
+#include <QList>
+#include <memory>
+
+#include "tagCheckNetPortItem.h"
+
+namespace Ui {
+class GDialogHWCheckSwitch;
+}
+
+class GDialogHWCheckSwitch : public QDialog {
+  Q_OBJECT
+
+ public:
+  explicit GDialogHWCheckSwitch(QWidget* parent = nullptr);
+  ~GDialogHWCheckSwitch() override;
+
+  /// Tries each port on loopback and keeps the result for the table; a busy port is logged. Shows nothing.
+  /// True when all required ports are free. A port outside 1 to 65535 counts as busy.
+  bool check(const QList<tagCheckNetPortItem>& items);
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+
+ private slots:
+  void onClicked_refreshPushButton();
+  void onClicked_okPushButton();
+
+ private:
+  void fillTable();
+
+  std::unique_ptr<Ui::GDialogHWCheckSwitch> _ui;
+  QList<tagCheckNetPortItem> _items;
+  QList<bool> _free;  // by index of _items
+};

@@ -1,0 +1,7 @@
+// One TCP port that the program wants to listen on.
+#pragma once
+
+struct tagCheckNetPortItem {
+  int port = 0;
+  bool required = false;  // without it a service of the program has to move to another port
+};

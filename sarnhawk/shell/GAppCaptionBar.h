@@ -1,0 +1,53 @@
+// The top row of the frame, in place of a title bar of the system. GUI thread only.
+#pragma once
+#include <QPoint>
+#include <QWidget>
+#include <memory>
+
+class IMainFrame;
+class QToolButton;
+struct tagKorviaProductInfo;
+
+namespace Ui {
+class GAppCaptionBar;
+}
+
+class GAppCaptionBar : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// `product` is read here only. `frame` is not owned and must outlive the caption bar.
+  GAppCaptionBar(const tagKorviaProductInfo* product, IMainFrame* frame, QWidget* parent = nullptr);
+  ~GAppCaptionBar() override;
+
+  /// The button that the console sets its system menu on.
+  QToolButton* mainMenuToolButton() const;
+
+ public slots:
+  void onClicked_closeAppToolButton();
+  void onClicked_maxAppToolButton();
+  void onClicked_minAppToolButton();
+  void onClicked_mainMenuToolButton();
+  void onClicked_outputConfigToolButton();
+  void onClicked_streamStatusToolButton();
+  void onClicked_takeSnapshotToolButton();
+  void onClicked_pgmPlaybackToolButton();
+  void onClicked_showNavProgramListToolButton();
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+ private:
+  void connectButtons();
+  /// Buttons whose windows are not part of the console yet.
+  void disableMissingWindows();
+  bool isFrameEnlarged() const;
+
+  std::unique_ptr<Ui::GAppCaptionBar> _ui;
+  IMainFrame* _frame;
+  bool _dragging = false;
+  QPoint _dragOffset;
+};

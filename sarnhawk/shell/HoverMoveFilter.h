@@ -1,0 +1,18 @@
+// Hands the mouse moves over the frame to the frame, whichever child they happen on. GUI thread only.
+#pragma once
+#include <QObject>
+
+class MainFrame;
+
+class HoverMoveFilter : public QObject {
+  Q_OBJECT
+
+ public:
+  /// `frame` is not owned and must outlive the filter.
+  explicit HoverMoveFilter(MainFrame* frame, QObject* parent = nullptr);
+
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  MainFrame* _frame;
+};

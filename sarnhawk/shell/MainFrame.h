@@ -1,0 +1,66 @@
+// The frameless top-level window: caption bar on top, console below, sized by dragging its edges. It is
+// what the host gets from the library. GUI thread only.
+#pragma once
+#include <QFrame>
+#include <QPoint>
+
+#include "IKorviaSarnhawk.h"
+#include "IMainFrame.h"
+
+class GAppCaptionBar;
+class KorviaSarnhawk;
+class QMenu;
+
+class MainFrame : public QFrame, public IMainFrame, public IKorviaSarnhawk {
+  Q_OBJECT
+
+ public:
+  MainFrame();
+  /// Does not stop the console: close() comes first.
+  ~MainFrame() override;
+
+  bool isValid() override;
+  bool release() override;
+  /// Answers for IMainFrame and IKorviaSarnhawk, and for nothing else.
+  void* queryInterface(const Identifier* id, unsigned version) override;
+
+  bool create(void* reserved1, IProgressSink* progress, void* reserved2, const tagKorviaProductInfo* product,
+              const QString& rootPath) override;
+  void close() override;
+
+  QWidget* getWidget() override;
+  void showMainMenu(QWidget* button) override;
+  void showOutputConfig() override;
+  void showOutputStatistics() override;
+  void showNavProgramList() override;
+  void takeSnapshot() override;
+  void pgmPlayback() override;
+  void quitApp() override;
+
+  /// A move of the mouse over the frame, in its coordinates: picks the edges under the mouse, or drags them.
+  void onHoverMove(const QPoint& pos, const QPoint& oldPos);
+
+  /// Where a menu of known size goes: right-aligned with the button, 4 pixels below it.
+  static QPoint mainMenuPosition(const QWidget* button, const QMenu* menu);
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+
+  GAppCaptionBar* _captionBar = nullptr;
+  KorviaSarnhawk* _console = nullptr;
+
+ private:
+  void layOut();
+  void fitToScreen();
+  void pickEdges(const QPoint& pos);
+  void dragEdges(const QPoint& pos, const QPoint& oldPos);
+
+  int _grabOffsetX = 0;
+  int _grabOffsetY = 0;
+  bool _pressed = false;
+  bool _resizeLeft = false;
+  bool _resizeRight = false;
+  bool _resizeBottom = false;
+};
