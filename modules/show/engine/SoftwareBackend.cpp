@@ -83,19 +83,9 @@ void SoftwareBackend::handleEvent(const ShowEvent& event) {
     case ShowEventSelectChannel:
       selectChannel(event);
       break;
-    case ShowEventStartOutput: {
-      const Show now = show();
-      OutputRequest request;
-      request.slot = a1.toInt();
-      request.param = fromVariant<tagKorviaShowOutputParam>(a2);
-      request.programName = event.args[2].toString();
-      request.format = fromVariant<tagKorviaFormatInfo>(event.args[3]);
-      request.rateNumerator = now.rateNumerator;
-      request.rateDenominator = now.rateDenominator;
-      outputs_.start(request.slot, request);
-      host_->postResult(event.id, a1, a2);
+    case ShowEventStartOutput:
+      startOutput(event);
       break;
-    }
     case ShowEventStopOutput:
       outputs_.stop(a1.toInt());
       host_->postResult(event.id, a1, a2);
@@ -214,6 +204,20 @@ void SoftwareBackend::selectChannel(const ShowEvent& event) {
     return;
   }
   host_->postResult(ShowEventSelectChannel, static_cast<qulonglong>(bus), channel);
+}
+
+void SoftwareBackend::startOutput(const ShowEvent& event) {
+  const Show now = show();
+  OutputRequest request;
+  request.slot = event.args[0].toInt();
+  request.param = fromVariant<tagKorviaShowOutputParam>(event.args[1]);
+  request.programName = event.args[2].toString();
+  request.format = fromVariant<tagKorviaFormatInfo>(event.args[3]);
+  request.renderSize = now.size;
+  request.rateNumerator = now.rateNumerator;
+  request.rateDenominator = now.rateDenominator;
+  outputs_.start(request);
+  host_->postResult(event.id, event.args[0], event.args[1]);
 }
 
 void SoftwareBackend::reportSwitch() {

@@ -61,6 +61,7 @@ class SoftwareBackend final : public IShowBackend {
   void moveLever(const ShowEvent& event);
   void take(const ShowEvent& event);
   void selectChannel(const ShowEvent& event);
+  void startOutput(const ShowEvent& event);
 
   // The frame. Engine thread.
   void pullSources(int ticks);

@@ -1,14 +1,16 @@
 #include "OutputRack.h"
 
-#include "OutputFactory.h"
+#include "ProgramOutputFactory.h"
 
 namespace korvia {
 
-void OutputRack::start(int slot, const OutputRequest& request) {
+void OutputRack::start(const OutputRequest& request) {
+  const int slot = request.slot;
   if (slot < 0 || slot >= kSlots)
     return;
   stop(slot);
-  std::shared_ptr<ProgramOutput> output = createProgramOutput(request);
+  std::shared_ptr<ProgramOutput> output = createProgramOutput(slot, request.param, request.programName, request.format, request.renderSize,
+                          request.rateNumerator, request.rateDenominator);
   std::lock_guard lock(mutex_);
   slots_[slot] = {std::move(output), 0};
 }

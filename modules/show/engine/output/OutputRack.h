@@ -10,6 +10,18 @@
 
 namespace korvia {
 
+/// What an output is started with.
+struct OutputRequest {
+  int slot = OutputSlotRecord;
+  tagKorviaShowOutputParam param;
+  QString programName;
+  /// Size of the encoded picture; its frame rate is not used, the show's is.
+  tagKorviaFormatInfo format;
+  FrameSize renderSize;
+  int rateNumerator = 25;
+  int rateDenominator = 1;
+};
+
 class OutputRack {
  public:
   static constexpr int kSlots = 2;
@@ -17,7 +29,7 @@ class OutputRack {
   explicit OutputRack(Janitor& janitor) : janitor_(janitor) {}
 
   /// Starts the output of a slot, ending one that runs there. Nothing happens for a slot that does not exist.
-  void start(int slot, const OutputRequest& request);
+  void start(const OutputRequest& request);
   void stop(int slot);
   void stopAll();
   /// One program frame, `count` times: 1 plus the frames that were missed.
