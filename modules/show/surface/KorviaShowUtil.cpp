@@ -1,7 +1,5 @@
 #include "KorviaShowUtil.h"
 
-#include "TextPicture.h"
-
 namespace {
 
 struct EffectRange {
@@ -44,8 +42,4 @@ KorviaShowEffectKindCatalog KorviaShowUtil::getEffectCatalog(unsigned effect) {
     if (effect >= range.first && effect <= range.last)
       return range.catalog;
   return EffectCatalogSys;
-}
-
-QImage KorviaShowUtil::toImage(int width, int height, const tagKorviaShowRenderTextParam& param) {
-  return korvia::drawTextPicture(width, height, param);
 }

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "KorviaShowUtil.h"
-#include "RecordFields.h"
+#include "trace/RecordFields.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "KorviaMetaType.h"
-#include "RecordFields.h"
+#include "trace/RecordFields.h"
 
 class RecordsTest : public QObject {
   Q_OBJECT

@@ -7,8 +7,8 @@
 #include <limits>
 
 #include "KorviaMetaType.h"
-#include "RecordFields.h"
-#include "RecordJson.h"
+#include "trace/RecordFields.h"
+#include "trace/RecordJson.h"
 
 struct UnknownRecord {};
 Q_DECLARE_METATYPE(UnknownRecord)

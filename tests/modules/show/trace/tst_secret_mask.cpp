@@ -1,7 +1,7 @@
 // What a log line may tell of a URL.
 #include <QtTest>
 
-#include "SecretMask.h"
+#include "trace/SecretMask.h"
 
 class SecretMaskTest : public QObject {
   Q_OBJECT

@@ -1,10 +1,10 @@
-#include "TextPicture.h"
-
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QLinearGradient>
 #include <QLoggingCategory>
 #include <QPainter>
 #include <QPainterPath>
+#include <QRawFont>
 #include <QStringList>
 #include <QTextBoundaryFinder>
 #include <QTextLayout>
@@ -13,7 +13,8 @@
 #include <cmath>
 #include <vector>
 
-namespace korvia {
+#include "KorviaShowUtil.h"
+#include "tagKorviaShowRenderTextParam.h"
 
 namespace {
 
@@ -22,18 +23,51 @@ Q_LOGGING_CATEGORY(logText, "korvia.text")
 constexpr int kMaxSide = 8192;
 constexpr int kMaxFontSize = 2048;
 /// More than fits on any picture in a size that can be read.
-constexpr int kMaxCharacters = 65536;
+constexpr int kMaxCharacters = 16384;
+constexpr int kMaxLineCharacters = 4096;
 
-/// The text's shapes. Underlines stay apart, since crossing windings would punch holes into letters.
-struct Shapes {
-  QPainterPath letters;
-  QPainterPath underlines;
-
-  QRectF bounds() const { return letters.boundingRect().united(underlines.boundingRect()); }
-  void translate(qreal x, qreal y) {
-    letters.translate(x, y);
-    underlines.translate(x, y);
+/// The text's shapes, one for each glyph and underline: crossing windings would punch holes, and the time to
+/// draw a path grows faster than its length.
+class Shapes {
+ public:
+  /// `place` is the left end of the baseline.
+  void addText(QPointF place, const QFont& font, const QString& text) {
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    const QTextLine line = layout.createLine();
+    layout.endLayout();
+    if (!line.isValid())
+      return;
+    for (const QGlyphRun& run : line.glyphRuns()) {
+      const QVector<quint32> glyphs = run.glyphIndexes();
+      const QVector<QPointF> positions = run.positions();
+      for (int i = 0; i < glyphs.size(); ++i) {
+        QPainterPath path = run.rawFont().pathForGlyph(glyphs[i]);
+        // Positions count from the top of the line.
+        path.translate(place + positions[i] - QPointF(0, line.ascent()));
+        path.setFillRule(Qt::WindingFill);
+        add(path);
+      }
+    }
   }
+  void addRect(const QRectF& rect) {
+    QPainterPath path;
+    path.addRect(rect);
+    add(path);
+  }
+  const std::vector<QPainterPath>& paths() const { return paths_; }
+  QRectF bounds() const { return bounds_; }
+
+ private:
+  void add(const QPainterPath& path) {
+    if (path.isEmpty())
+      return;
+    bounds_ |= path.boundingRect();
+    paths_.push_back(path);
+  }
+
+  std::vector<QPainterPath> paths_;
+  QRectF bounds_;
 };
 
 QFont fontOf(const tagKorviaShowRenderTextParam& param) {
@@ -77,7 +111,7 @@ QStringList linesOf(const tagKorviaShowRenderTextParam& param, const QFont& font
     if (lines.size() >= most)
       break;
     if (!param.wrap || paragraph.isEmpty()) {
-      lines += paragraph;
+      lines += paragraph.left(kMaxLineCharacters);
       continue;
     }
     QTextLayout layout(paragraph, font);
@@ -105,10 +139,9 @@ Shapes horizontalShapes(const tagKorviaShowRenderTextParam& param, const QSizeF&
   for (const QString& line : lines) {
     const qreal width = metrics.horizontalAdvance(line);
     const qreal x = (room.width() - width) * horizontalShare(param.alignment);
-    shapes.letters.addText(x, baseline, font, line);
+    shapes.addText({x, baseline}, font, line);
     if (param.underline && width > 0)
-      shapes.underlines.addRect(x, baseline + metrics.underlinePos(), width,
-                                std::max(1.0, metrics.lineWidth()));
+      shapes.addRect({x, baseline + metrics.underlinePos(), width, std::max(1.0, metrics.lineWidth())});
     baseline += metrics.lineSpacing();
   }
   return shapes;
@@ -125,10 +158,11 @@ std::vector<QString> graphemesOf(const QString& text) {
   return graphemes;
 }
 
-/// The columns of a vertical text, at most as many as fit into the room's width and one more.
+/// The columns of a vertical text, at most as many as fit into the room's width and one more. The cells of
+/// the characters are squares of `step` pixels.
 std::vector<std::vector<QString>> columnsOf(const tagKorviaShowRenderTextParam& param, qreal step,
-                                            qreal columnWidth, const QSizeF& room) {
-  const auto mostColumns = static_cast<std::size_t>(room.width() / columnWidth) + 2;
+                                            const QSizeF& room) {
+  const auto mostColumns = static_cast<std::size_t>(room.width() / step) + 2;
   const auto mostCharacters = std::max<std::size_t>(1, static_cast<std::size_t>(room.height() / step));
   std::vector<std::vector<QString>> columns;
   for (const QString& paragraph : paragraphsOf(param.text)) {
@@ -150,24 +184,23 @@ Shapes verticalShapes(const tagKorviaShowRenderTextParam& param, const QSizeF& r
   const QFont font = fontOf(param);
   const QFontMetricsF metrics(font);
   const qreal step = std::max(1.0, metrics.height());
-  const qreal columnWidth = std::max({1.0, metrics.maxWidth() > 2 * step ? step : metrics.maxWidth(), step});
-  const auto columns = columnsOf(param, step, columnWidth, room);
-  const qreal width = columnWidth * static_cast<qreal>(columns.size());
+  const auto columns = columnsOf(param, step, room);
+  const qreal width = step * static_cast<qreal>(columns.size());
   qreal left = (room.width() - width) * horizontalShare(param.alignment) + width;
   Shapes shapes;
   for (const auto& column : columns) {
-    left -= columnWidth;
+    left -= step;
     const qreal height = step * static_cast<qreal>(column.size());
     const qreal top = (room.height() - height) * verticalShare(param.alignment);
     qreal baseline = top + metrics.ascent();
     for (const QString& grapheme : column) {
-      const qreal x = left + (columnWidth - metrics.horizontalAdvance(grapheme)) / 2;
-      shapes.letters.addText(x, baseline, font, grapheme);
+      if (baseline + metrics.descent() > 0 && baseline - metrics.ascent() < room.height())
+        shapes.addText({left + (step - metrics.horizontalAdvance(grapheme)) / 2, baseline}, font, grapheme);
       baseline += step;
     }
     // Beside the column, as the underline of a vertical line stands.
     if (param.underline && height > 0)
-      shapes.underlines.addRect(left, top, std::max(1.0, metrics.lineWidth()), height);
+      shapes.addRect({left, top, std::max(1.0, metrics.lineWidth()), height});
   }
   return shapes;
 }
@@ -190,7 +223,7 @@ QBrush fillOf(const tagKorviaShowRenderTextParam& param, const QRectF& bounds) {
 
 }  // namespace
 
-QImage drawTextPicture(int width, int height, const tagKorviaShowRenderTextParam& param) {
+QImage KorviaShowUtil::toImage(int width, int height, const tagKorviaShowRenderTextParam& param) {
   if (width < 1 || height < 1)
     return {};
   QImage image(std::min(width, kMaxSide), std::min(height, kMaxSide), QImage::Format_ARGB32_Premultiplied);
@@ -203,22 +236,19 @@ QImage drawTextPicture(int width, int height, const tagKorviaShowRenderTextParam
   // The outline stays on the picture when the text touches an edge.
   const int outline = param.outline ? std::clamp(param.outlineSize, 0, kMaxFontSize) : 0;
   const QSizeF room(std::max(1, image.width() - 2 * outline), std::max(1, image.height() - 2 * outline));
-  Shapes shapes = param.vertical ? verticalShapes(param, room) : horizontalShapes(param, room);
-  shapes.translate(outline, outline);
-  shapes.letters.setFillRule(Qt::WindingFill);
+  const Shapes shapes = param.vertical ? verticalShapes(param, room) : horizontalShapes(param, room);
 
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
+  painter.translate(outline, outline);
   if (outline > 0) {
     const QPen pen(QColor::fromRgba(param.outlineColor), 2.0 * outline, Qt::SolidLine, Qt::RoundCap,
                    Qt::RoundJoin);
-    painter.strokePath(shapes.letters, pen);
-    painter.strokePath(shapes.underlines, pen);
+    for (const QPainterPath& path : shapes.paths())
+      painter.strokePath(path, pen);
   }
   const QBrush fill = fillOf(param, shapes.bounds());
-  painter.fillPath(shapes.letters, fill);
-  painter.fillPath(shapes.underlines, fill);
+  for (const QPainterPath& path : shapes.paths())
+    painter.fillPath(path, fill);
   return image;
 }
-
-}  // namespace korvia
