@@ -6,7 +6,9 @@ namespace korvia {
 
 namespace {
 
-void releaseFrame(gpointer frame) { delete static_cast<FrameRef*>(frame); }
+void releaseFrame(gpointer frame) {
+  delete static_cast<FrameRef*>(frame);
+}
 
 }  // namespace
 
@@ -23,8 +25,9 @@ GstBuffer* wrapFrame(const FrameRef& frame) {
                        static_cast<gsize>(frame->planeWidth(plane));
     // Read-only memory: nobody downstream ever writes to it.
     gst_buffer_append_memory(
-        buffer, gst_memory_new_wrapped(GST_MEMORY_FLAG_READONLY, const_cast<std::uint8_t*>(frame->plane(plane)),
-                                       size, 0, size, new FrameRef(frame), releaseFrame));
+        buffer,
+        gst_memory_new_wrapped(GST_MEMORY_FLAG_READONLY, const_cast<std::uint8_t*>(frame->plane(plane)), size,
+                               0, size, new FrameRef(frame), releaseFrame));
     total += size;
   }
   gst_buffer_add_video_meta_full(buffer, GST_VIDEO_FRAME_FLAG_NONE, GST_VIDEO_FORMAT_I420,

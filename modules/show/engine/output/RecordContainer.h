@@ -1,5 +1,5 @@
-// The file formats of a recording: which multiplexer writes them, and how, so that a file survives the end of the
-// process at any moment. Constant data, any thread.
+// The file formats of a recording: which multiplexer writes them, and how, so that a file survives the end of
+// the process at any moment. Constant data, any thread.
 #pragma once
 #include <vector>
 

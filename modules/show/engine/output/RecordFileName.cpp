@@ -50,7 +50,8 @@ QString RecordFileName::make(const QString& nameFormat, const QString& timeForma
 QString RecordFileName::reserve(const QString& folder, const QString& name, const QString& suffix,
                                 QString* error) {
   const QString path = DrivePath::resolve(folder);
-  // A drive that this machine lacks would otherwise become a folder with back-slashes in the working directory.
+  // A drive that this machine lacks would otherwise become a folder with back-slashes in the working
+  // directory.
   if (!QDir::isAbsolutePath(path)) {
     *error = QStringLiteral("\"%1\" is no folder of this machine").arg(folder);
     return {};

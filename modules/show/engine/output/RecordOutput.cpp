@@ -23,7 +23,8 @@ qint64 freeBytesAt(const QString& folder) {
 }  // namespace
 
 RecordOutput::RecordOutput(RecordSettings settings)
-    : finishTimeoutMs_(settings.finishTimeoutMs), state_(std::make_shared<RecordState>(settings.queueCapacity)) {
+    : finishTimeoutMs_(settings.finishTimeoutMs),
+      state_(std::make_shared<RecordState>(settings.queueCapacity)) {
   if (!settings.freeBytes)
     settings.freeBytes = freeBytesAt;
   thread_ = std::thread([settings = std::move(settings), state = state_]() mutable {
@@ -63,7 +64,8 @@ void RecordOutput::finish() {
 
 bool RecordOutput::waitFinished(int timeoutMs) {
   std::unique_lock lock(state_->mutex);
-  return state_->changed.wait_for(lock, std::chrono::milliseconds(timeoutMs), [this] { return state_->finished; });
+  return state_->changed.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                                  [this] { return state_->finished; });
 }
 
 OutputFigures RecordOutput::figures() const {

@@ -13,8 +13,8 @@ struct RecordState;
 
 class RecordOutput : public ProgramOutput {
  public:
-  /// Starts at once. The file appears when the output's own thread has made it; a failure to do so is logged, and
-  /// the output stays down.
+  /// Starts at once. The file appears when the output's own thread has made it; a failure to do so is logged,
+  /// and the output stays down.
   explicit RecordOutput(RecordSettings settings);
   /// Ends the recording and waits for the file, a little longer than the settings' time-out at most.
   ~RecordOutput() override;

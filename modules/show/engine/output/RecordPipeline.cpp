@@ -14,13 +14,18 @@ namespace {
 constexpr guint kSourceBuffers = 2;
 constexpr int kKeySeconds = 2;
 
-// The cheapest settings of x264 that keep CABAC, 8x8 transforms, deblocking and adaptive quantisation: about a
-// quarter of a core for 1080p25. Sub-pixel refinement at its lowest costs 0.05 dB and saves a sixth of the time.
-// Without B-frames no picture is reordered, so every fragment stands for itself.
+// The cheapest settings of x264 that keep CABAC, 8x8 transforms, deblocking and adaptive quantisation: about
+// a quarter of a core for 1080p25. Sub-pixel refinement at its lowest costs 0.05 dB and saves a sixth of the
+// time. Without B-frames no picture is reordered, so every fragment stands for itself.
 const RecordContainer::Property kEncoder[] = {
-    {"pass", "cbr"},         {"speed-preset", "superfast"}, {"option-string", "subme=0:open-gop=0"},
-    {"bframes", "0"},        {"threads", "2"},              {"sliced-threads", "false"},
-    {"sync-lookahead", "0"}, {"vbv-buf-capacity", "1000"},
+    {"pass", "cbr"},
+    {"speed-preset", "superfast"},
+    {"option-string", "subme=0:open-gop=0"},
+    {"bframes", "0"},
+    {"threads", "2"},
+    {"sliced-threads", "false"},
+    {"sync-lookahead", "0"},
+    {"vbv-buf-capacity", "1000"},
 };
 
 GstCaps* rawCaps(const RecordSettings& settings) {
@@ -52,8 +57,7 @@ qint64 countOf(const GstPadProbeInfo* info) {
 
 void addProbe(GstElement* element, const char* padName, GstPadProbeCallback callback, gpointer self) {
   GstPad* pad = gst_element_get_static_pad(element, padName);
-  const auto type =
-      static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST);
+  const auto type = static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST);
   gst_pad_add_probe(pad, type, callback, self, nullptr);
   gst_object_unref(pad);
 }
@@ -123,8 +127,9 @@ bool RecordPipeline::link(const RecordSettings& settings, const QString& fileNam
   gst_app_src_set_callbacks(source_, &callbacks, this, nullptr);
 
   setProperties(encoder, kEncoder);
-  const auto keyInterval = gst_util_uint64_scale_round(
-      kKeySeconds, static_cast<guint64>(settings.rateNumerator), static_cast<guint64>(settings.rateDenominator));
+  const auto keyInterval =
+      gst_util_uint64_scale_round(kKeySeconds, static_cast<guint64>(settings.rateNumerator),
+                                  static_cast<guint64>(settings.rateDenominator));
   g_object_set(encoder, "bitrate", static_cast<guint>(settings.videoKbps), "key-int-max",
                static_cast<guint>(keyInterval), nullptr);
   caps = gst_caps_new_simple("video/x-h264", "profile", G_TYPE_STRING, "high", nullptr);
@@ -151,7 +156,8 @@ bool RecordPipeline::hasRoom() const {
 }
 
 GstClockTime RecordPipeline::timeOf(qint64 index) const {
-  return gst_util_uint64_scale(static_cast<guint64>(index), static_cast<guint64>(rateDenominator_) * GST_SECOND,
+  return gst_util_uint64_scale(static_cast<guint64>(index),
+                               static_cast<guint64>(rateDenominator_) * GST_SECOND,
                                static_cast<guint64>(rateNumerator_));
 }
 
@@ -163,7 +169,9 @@ void RecordPipeline::feed(const FrameRef& frame, qint64 index) {
   gst_app_src_push_buffer(source_, buffer);
 }
 
-void RecordPipeline::endStream() { gst_app_src_end_of_stream(source_); }
+void RecordPipeline::endStream() {
+  gst_app_src_end_of_stream(source_);
+}
 
 QString RecordPipeline::failure() const {
   std::lock_guard lock(mutex_);
@@ -193,7 +201,9 @@ GstBusSyncReply RecordPipeline::onMessage(GstBus*, GstMessage* message, gpointer
   return GST_BUS_DROP;
 }
 
-void RecordPipeline::onNeedData(GstAppSrc*, guint, gpointer self) { static_cast<RecordPipeline*>(self)->wake_(); }
+void RecordPipeline::onNeedData(GstAppSrc*, guint, gpointer self) {
+  static_cast<RecordPipeline*>(self)->wake_();
+}
 
 GstPadProbeReturn RecordPipeline::onEncoded(GstPad*, GstPadProbeInfo* info, gpointer self) {
   auto* pipeline = static_cast<RecordPipeline*>(self);

@@ -15,8 +15,8 @@ namespace korvia {
 
 class RecordPipeline {
  public:
-  /// `wake` is called from any thread when hasRoom(), isEnded() or failure() may have changed. It must not call
-  /// back into the pipeline.
+  /// `wake` is called from any thread when hasRoom(), isEnded() or failure() may have changed. It must not
+  /// call back into the pipeline.
   explicit RecordPipeline(std::function<void()> wake);
   /// Stops without an end of the file; blocks until the file system has taken what is being written.
   ~RecordPipeline();

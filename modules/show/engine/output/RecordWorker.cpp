@@ -72,6 +72,9 @@ RecordWorker::Step RecordWorker::step() {
       queued = state_->queue.pop();
     finishing = state_->finishing;
     drained = state_->queue.isEmpty();
+    state_->figures.framesEncoded = pipeline_->framesEncoded();
+    state_->figures.bytesWritten = pipeline_->bytesWritten();
+    state_->figures.up = state_->figures.bytesWritten > 0 && state_->accepting;
   }
 
   reason_ = pipeline_->failure();
@@ -141,10 +144,8 @@ void RecordWorker::measure() {
   {
     std::lock_guard lock(state_->mutex);
     OutputFigures& figures = state_->figures;
-    figures.framesEncoded = frames;
-    figures.bytesWritten = pipeline_->bytesWritten();
-    figures.up = figures.bytesWritten > 0 && state_->accepting;
-    figures.framesPerSecond = static_cast<float>(frames - lastFrames_) * 1000.0F / static_cast<float>(elapsedMs);
+    figures.framesPerSecond =
+        static_cast<float>(frames - lastFrames_) * 1000.0F / static_cast<float>(elapsedMs);
     figures.videoKbps = static_cast<float>(bytes - lastBytes_) * 8.0F / static_cast<float>(elapsedMs);
     dropped = figures.framesDropped;
   }

@@ -1,5 +1,5 @@
-// One recording from its first frame to its closed file, on a thread of its own. The engine's side is RecordOutput;
-// both share a RecordState, which outlives whichever ends first.
+// One recording from its first frame to its closed file, on a thread of its own. The engine's side is
+// RecordOutput; both share a RecordState, which outlives whichever ends first.
 #pragma once
 #include <QElapsedTimer>
 #include <QString>
