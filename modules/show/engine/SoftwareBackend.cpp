@@ -213,7 +213,6 @@ void SoftwareBackend::startOutput(const ShowEvent& event) {
   request.param = fromVariant<tagKorviaShowOutputParam>(event.args[1]);
   request.programName = event.args[2].toString();
   request.format = fromVariant<tagKorviaFormatInfo>(event.args[3]);
-  request.renderSize = now.size;
   request.rateNumerator = now.rateNumerator;
   request.rateDenominator = now.rateDenominator;
   outputs_.start(request);

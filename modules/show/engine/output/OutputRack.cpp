@@ -1,6 +1,6 @@
 #include "OutputRack.h"
 
-#include "ProgramOutputFactory.h"
+#include "OutputFactory.h"
 
 namespace korvia {
 
@@ -9,8 +9,7 @@ void OutputRack::start(const OutputRequest& request) {
   if (slot < 0 || slot >= kSlots)
     return;
   stop(slot);
-  std::shared_ptr<ProgramOutput> output = createProgramOutput(slot, request.param, request.programName, request.format, request.renderSize,
-                          request.rateNumerator, request.rateDenominator);
+  std::shared_ptr<ProgramOutput> output = createProgramOutput(request);
   std::lock_guard lock(mutex_);
   slots_[slot] = {std::move(output), 0};
 }

@@ -10,18 +10,6 @@
 
 namespace korvia {
 
-/// What an output is started with.
-struct OutputRequest {
-  int slot = OutputSlotRecord;
-  tagKorviaShowOutputParam param;
-  QString programName;
-  /// Size of the encoded picture; its frame rate is not used, the show's is.
-  tagKorviaFormatInfo format;
-  FrameSize renderSize;
-  int rateNumerator = 25;
-  int rateDenominator = 1;
-};
-
 class OutputRack {
  public:
   static constexpr int kSlots = 2;

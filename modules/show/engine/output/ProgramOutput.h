@@ -8,6 +8,17 @@
 
 namespace korvia {
 
+/// What an output is started with.
+struct OutputRequest {
+  int slot = OutputSlotRecord;
+  tagKorviaShowOutputParam param;
+  QString programName;
+  /// Size of the encoded picture; its frame rate is not used, the show's is.
+  tagKorviaFormatInfo format;
+  int rateNumerator = 25;
+  int rateDenominator = 1;
+};
+
 struct OutputFigures {
   bool up = false;  ///< data was accepted and nothing failed since
   qint64 framesEncoded = 0;
