@@ -89,11 +89,17 @@ GWidgetDisplayObject::GWidgetDisplayObject(IKorviaSarnhawkPriv* priv, const Stri
   }
 }
 
-GWidgetDisplayObject::~GWidgetDisplayObject() { delete _floatButton.data(); }
+GWidgetDisplayObject::~GWidgetDisplayObject() {
+  delete _floatButton.data();
+}
 
-bool GWidgetDisplayObject::isMedia() const { return _kind == MediaObjectKind; }
+bool GWidgetDisplayObject::isMedia() const {
+  return _kind == MediaObjectKind;
+}
 
-bool GWidgetDisplayObject::isStage() const { return _kind == StageObjectKind; }
+bool GWidgetDisplayObject::isStage() const {
+  return _kind == StageObjectKind;
+}
 
 void GWidgetDisplayObject::fillWindowInfo(tagKorviaWindowInfo& info) {
   info = windowInfoOf(_ui->_videoPreviewWidget);
@@ -261,7 +267,8 @@ void GWidgetDisplayObject::openSlot(const tagKorviaShowChannelSlot& chosen) {
   slot = chosen;
   auto* host = static_cast<IUnknownEx*>(_priv->queryInterface(&kIUnknownExId, kInterfaceVersion));
   if (KorviaShowEngine* engine = _priv->getEngine())
-    engine->openSource(static_cast<KorviaShowObjectID>(SourceObject + _index), slot.source, slot.format, host);
+    engine->openSource(static_cast<KorviaShowObjectID>(SourceObject + _index), slot.source, slot.format,
+                       host);
   setTitle();
   _ui->_closePushButton->show();
   _priv->saveChanges(kMediaChanged);
@@ -307,9 +314,13 @@ void GWidgetDisplayObject::closeStage() {
   _priv->saveChanges(kStageChanged, -1);
 }
 
-void GWidgetDisplayObject::onPGMInOutActionTimer() { applyOnAirRule(_priv->getConfig()->pgmChannel); }
+void GWidgetDisplayObject::onPGMInOutActionTimer() {
+  applyOnAirRule(_priv->getConfig()->pgmChannel);
+}
 
-void GWidgetDisplayObject::selectFor(int bus) { _priv->postEvent(ShowEventSelectChannel, bus, _objectId); }
+void GWidgetDisplayObject::selectFor(int bus) {
+  _priv->postEvent(ShowEventSelectChannel, bus, _objectId);
+}
 
 bool GWidgetDisplayObject::eventFilter(QObject* watched, QEvent* event) {
   if (watched == _ui->_videoPreviewWidget) {

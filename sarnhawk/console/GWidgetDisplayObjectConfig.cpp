@@ -38,7 +38,8 @@ void GWidgetDisplayObjectConfig::showChannel(int objectId) {
 }
 
 QString GWidgetDisplayObjectConfig::mediaText(int index) const {
-  const tagKorviaShowSourceInfo& source = _priv->getConfig()->channels[static_cast<std::size_t>(index)].source;
+  const tagKorviaShowSourceInfo& source =
+      _priv->getConfig()->channels[static_cast<std::size_t>(index)].source;
   const QString kind = SourceText::kindName(source.kind);
   if (kind.isEmpty())
     return tr("This channel shows nothing");

@@ -44,7 +44,8 @@ void GWidgetVideoPreview::setMonitorImage(const QImage& image) {
       return;
     _paintAsked = true;
   }
-  QMetaObject::invokeMethod(this, [this] { update(); }, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(
+      this, [this] { update(); }, Qt::QueuedConnection);
 }
 
 QPaintEngine* GWidgetVideoPreview::paintEngine() const {

@@ -24,6 +24,6 @@ class GWidgetVideoPreview : public QWidget {
  private:
   const bool _engineDraws;
   QMutex _mutex;
-  QImage _image;            // guarded by _mutex
+  QImage _image;             // guarded by _mutex
   bool _paintAsked = false;  // guarded by _mutex
 };

@@ -17,6 +17,7 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
+#include "KorviaShowUtil.h"
 #include "ZRCUtil.h"
 #include "audio/GDialogAudoDevCheck.h"
 #include "audio/QVUMeter.h"
@@ -86,8 +87,7 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent)
   setObjectName(QStringLiteral("KorviaSarnhawk"));
   for (std::size_t index = 0; index < _config.channels.size(); ++index)
     _config.channels[index].source.incomePath = QStringLiteral("/income/%1").arg(index);
-  for (tagKorviaShowOutputItem& item : _config.outputParam.items)
-    item.recordPath = QStringLiteral("d:\\records\\vod\\%1\\").arg(0, 0, 10);
+  _config.outputParam.items[OutputSlotRecord].recordPath = QStringLiteral("d:\\records\\vod\\%1\\").arg(0);
 }
 
 KorviaSarnhawk::~KorviaSarnhawk() {
@@ -161,7 +161,8 @@ void KorviaSarnhawk::overrideConfig(const QString& rootPath) {
 
 void KorviaSarnhawk::addLyricFolders() {
   const QFileInfoList drives = QDir::drives();
-  for (const QString& folder : {QStringLiteral("/QQMusicCache/QQMusicLyric"), QStringLiteral("/KuGou/Lyric")}) {
+  for (const QString& folder :
+       {QStringLiteral("/QQMusicCache/QQMusicLyric"), QStringLiteral("/KuGou/Lyric")}) {
     for (auto drive = drives.crbegin(); drive != drives.crend(); ++drive)
       _config.lyricFolders.append(drive->absolutePath() + folder);
   }
@@ -209,7 +210,8 @@ void KorviaSarnhawk::createLever() {
   auto* layout = new QHBoxLayout(container);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(_lever);
-  connect(_lever, &QSlider::valueChanged, this, &KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider);
+  connect(_lever, &QSlider::valueChanged, this,
+          &KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider);
 }
 
 void KorviaSarnhawk::createWindows() {
@@ -225,9 +227,12 @@ QStringList KorviaSarnhawk::audioDevices() const {
 
 void KorviaSarnhawk::checkAudioDevices() {
   const QStringList devices = audioDevices();
-  const auto isMissing = [&devices](const QString& name) { return !name.isEmpty() && !devices.contains(name); };
+  const auto isMissing = [&devices](const QString& name) {
+    return !name.isEmpty() && !devices.contains(name);
+  };
   if (isMissing(_config.pgmDevice) || isMissing(_config.pvmDevice)) {
-    GDialogAudoDevCheck dialog(_config.pgmDevice, _config.pvmDevice, [this] { return audioDevices(); }, this);
+    GDialogAudoDevCheck dialog(
+        _config.pgmDevice, _config.pvmDevice, [this] { return audioDevices(); }, this);
     if (dialog.exec() == QDialog::Rejected) {
       if (!dialog.pgmFound())
         _config.pgmDevice.clear();
@@ -322,9 +327,13 @@ void KorviaSarnhawk::createPaintPad() {
   _whitePad.start(kPaintPadSize);
 }
 
-bool KorviaSarnhawk::loadWebServer() { return _webServer.create(); }
+bool KorviaSarnhawk::loadWebServer() {
+  return _webServer.create();
+}
 
-bool KorviaSarnhawk::loadIncomeServer() { return _incomeServer.create(); }
+bool KorviaSarnhawk::loadIncomeServer() {
+  return _incomeServer.create();
+}
 
 bool KorviaSarnhawk::startWebServer() {
   qDebug("create web server ...");
@@ -542,7 +551,9 @@ IKorviaShowSource* KorviaSarnhawk::previewSource() {
   return getSource(static_cast<KorviaShowObjectID>(_config.pvmChannel));
 }
 
-void KorviaSarnhawk::updateTransport() { _transport->update(previewSource(), _seekHeld); }
+void KorviaSarnhawk::updateTransport() {
+  _transport->update(previewSource(), _seekHeld);
+}
 
 void KorviaSarnhawk::updateStatistics() {
   if (!_engine)
@@ -589,9 +600,13 @@ void KorviaSarnhawk::onValueChanged_seekMediaHorizontalSlider(int value) {
   source->setPosition(value);
 }
 
-void KorviaSarnhawk::onSliderPressed_seekMediaHorizontalSlider() { _seekHeld = true; }
+void KorviaSarnhawk::onSliderPressed_seekMediaHorizontalSlider() {
+  _seekHeld = true;
+}
 
-void KorviaSarnhawk::onSliderReleased_seekMediaHorizontalSlider() { _seekHeld = false; }
+void KorviaSarnhawk::onSliderReleased_seekMediaHorizontalSlider() {
+  _seekHeld = false;
+}
 
 void KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider(int value) {
   postEvent(ShowEventSwitchPosition, PGMObject, static_cast<float>(value / double{SwitchLever::kRange}));
@@ -657,17 +672,25 @@ void KorviaSarnhawk::onValueChanged_pgmVolumeVerticalSlider(int value) {
   setVolume(PGMObject, _config.audioMixer.pgmVolume, value);
 }
 
-void KorviaSarnhawk::onSliderPressed_pgmVolumeVerticalSlider() { _pgmVolumeHeld = true; }
+void KorviaSarnhawk::onSliderPressed_pgmVolumeVerticalSlider() {
+  _pgmVolumeHeld = true;
+}
 
-void KorviaSarnhawk::onSliderReleased_pgmVolumeVerticalSlider() { _pgmVolumeHeld = false; }
+void KorviaSarnhawk::onSliderReleased_pgmVolumeVerticalSlider() {
+  _pgmVolumeHeld = false;
+}
 
 void KorviaSarnhawk::onValueChanged_pvmVolumeVerticalSlider(int value) {
   setVolume(PVMObject, _config.audioMixer.pvmVolume, value);
 }
 
-void KorviaSarnhawk::onSliderPressed_pvmVolumeVerticalSlider() { _pvmVolumeHeld = true; }
+void KorviaSarnhawk::onSliderPressed_pvmVolumeVerticalSlider() {
+  _pvmVolumeHeld = true;
+}
 
-void KorviaSarnhawk::onSliderReleased_pvmVolumeVerticalSlider() { _pvmVolumeHeld = false; }
+void KorviaSarnhawk::onSliderReleased_pvmVolumeVerticalSlider() {
+  _pvmVolumeHeld = false;
+}
 
 // ---- takes
 
@@ -685,9 +708,10 @@ void KorviaSarnhawk::updateTakeButton(int transitionIndex) {
   const qint32 effect = _config.takeButtons[static_cast<std::size_t>(transitionIndex)].effect;
   const tagTransitionEffectItem* item = _transitions.find(effect);
   // A number that no catalog lists can be taken all the same; it shows as what it is.
-  const QString text =
-      item ? TransitionCatalogue::catalogName(TransitionCatalogue::catalogOf(effect)) + QLatin1Char('\n') + item->label
-           : QString::number(effect);
+  const QString text = item ? TransitionCatalogue::catalogName(static_cast<int>(
+                                  KorviaShowUtil::getEffectCatalog(static_cast<unsigned>(effect)))) +
+                                  QLatin1Char('\n') + item->label
+                            : QString::number(effect);
   button->setText(text);
   button->setToolTip(text);
   button->setIcon(item && QFileInfo::exists(item->thumbPath) ? QIcon(item->thumbPath) : QIcon());
@@ -707,23 +731,41 @@ void KorviaSarnhawk::takeChannel(int channelId, int transitionIndex) {
   postEvent(ShowEventTake, channelId, effect, slot.duration, slot.easing);
 }
 
-void KorviaSarnhawk::takeSelected(int transitionIndex) { takeChannel(_config.pvmChannel, transitionIndex); }
+void KorviaSarnhawk::takeSelected(int transitionIndex) {
+  takeChannel(_config.pvmChannel, transitionIndex);
+}
 
-void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_0() { takeSelected(0); }
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_0() {
+  takeSelected(0);
+}
 
-void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_1() { takeSelected(1); }
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_1() {
+  takeSelected(1);
+}
 
-void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_2() { takeSelected(2); }
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_2() {
+  takeSelected(2);
+}
 
-void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_3() { takeSelected(3); }
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_3() {
+  takeSelected(3);
+}
 
-void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_0() { showTransitionConfig(0); }
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_0() {
+  showTransitionConfig(0);
+}
 
-void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_1() { showTransitionConfig(1); }
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_1() {
+  showTransitionConfig(1);
+}
 
-void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_2() { showTransitionConfig(2); }
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_2() {
+  showTransitionConfig(2);
+}
 
-void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_3() { showTransitionConfig(3); }
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_3() {
+  showTransitionConfig(3);
+}
 
 // ---- menu
 
@@ -785,7 +827,8 @@ void KorviaSarnhawk::onPostEventResult(quint64 eventId, quint64 result, QVariant
 }
 
 // Spectra of the karaoke page and the sound control are fed here, in this order.
-void KorviaSarnhawk::onAudioData(KorviaShowObjectID, const void*, unsigned, unsigned, int, const void*, int) {}
+void KorviaSarnhawk::onAudioData(KorviaShowObjectID, const void*, unsigned, unsigned, int, const void*, int) {
+}
 
 QImage KorviaSarnhawk::lockBackground(KorviaShowObjectID id) {
   return id == PGMObject ? _whitePad.lockBackground() : QImage();
@@ -941,8 +984,8 @@ bool KorviaSarnhawk::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void KorviaSarnhawk::followWindow(QEvent* event) {
-  const bool isGone =
-      event->type() == QEvent::Hide || (event->type() == QEvent::WindowStateChange && window()->isMinimized());
+  const bool isGone = event->type() == QEvent::Hide ||
+                      (event->type() == QEvent::WindowStateChange && window()->isMinimized());
   if (isGone) {
     for (GWidgetDisplayObject* strip : _strips->strips())
       strip->hideFloat();

@@ -70,7 +70,9 @@ void OutputSwitches::onStarted(unsigned slot, const QVariant& outputParam) {
     enableButton(param.items[slot].kind);
 }
 
-void OutputSwitches::onStopped(unsigned kind) { enableButton(kind); }
+void OutputSwitches::onStopped(unsigned kind) {
+  enableButton(kind);
+}
 
 void OutputSwitches::enableButton(unsigned kind) {
   if (kind == OutputKindRecord)

@@ -7,14 +7,10 @@ namespace {
 constexpr const char* kContext = "TransitionCatalogue";
 
 constexpr const char* kCatalogNames[TransitionCatalogue::kCatalogCount] = {
-    QT_TRANSLATE_NOOP("TransitionCatalogue", "Sys"),
-    QT_TRANSLATE_NOOP("TransitionCatalogue", "Erase"),
-    QT_TRANSLATE_NOOP("TransitionCatalogue", "Fade"),
-    QT_TRANSLATE_NOOP("TransitionCatalogue", "Glide"),
-    QT_TRANSLATE_NOOP("TransitionCatalogue", "Stretch"),
-    QT_TRANSLATE_NOOP("TransitionCatalogue", "Blur"),
-    QT_TRANSLATE_NOOP("TransitionCatalogue", "Distortion"),
-    QT_TRANSLATE_NOOP("TransitionCatalogue", "Color"),
+    QT_TRANSLATE_NOOP("TransitionCatalogue", "Sys"),        QT_TRANSLATE_NOOP("TransitionCatalogue", "Erase"),
+    QT_TRANSLATE_NOOP("TransitionCatalogue", "Fade"),       QT_TRANSLATE_NOOP("TransitionCatalogue", "Glide"),
+    QT_TRANSLATE_NOOP("TransitionCatalogue", "Stretch"),    QT_TRANSLATE_NOOP("TransitionCatalogue", "Blur"),
+    QT_TRANSLATE_NOOP("TransitionCatalogue", "Distortion"), QT_TRANSLATE_NOOP("TransitionCatalogue", "Color"),
 };
 
 struct EffectEntry {
@@ -90,7 +86,8 @@ constexpr EffectEntry kEffects[] = {
     {6, 65, QT_TRANSLATE_NOOP("TransitionCatalogue", "Crumble"), "distortion_Crumble.jpg"},
     {6, 66, QT_TRANSLATE_NOOP("TransitionCatalogue", "Disolve"), "distortion_Disolve.jpg"},
     {6, 67, QT_TRANSLATE_NOOP("TransitionCatalogue", "RadialWiggle"), "distortion_RadialWiggle.jpg"},
-    {6, 68, QT_TRANSLATE_NOOP("TransitionCatalogue", "RandomCircleReveal"), "distortion_RandomCircleReveal.jpg"},
+    {6, 68, QT_TRANSLATE_NOOP("TransitionCatalogue", "RandomCircleReveal"),
+     "distortion_RandomCircleReveal.jpg"},
     {6, 69, QT_TRANSLATE_NOOP("TransitionCatalogue", "Ripple"), "distortion_Ripple.jpg"},
     {6, 70, QT_TRANSLATE_NOOP("TransitionCatalogue", "Wave"), "distortion_Wave.jpg"},
     {6, 71, QT_TRANSLATE_NOOP("TransitionCatalogue", "MagnifySmooth"), "distortion_MagnifySmooth.jpg"},
@@ -98,8 +95,10 @@ constexpr EffectEntry kEffects[] = {
     {7, 74, QT_TRANSLATE_NOOP("TransitionCatalogue", "MostBright"), "color_MostBright.jpg"},
     {7, 75, QT_TRANSLATE_NOOP("TransitionCatalogue", "BrightExtract"), "color_BrightExtract.jpg"},
     {7, 76, QT_TRANSLATE_NOOP("TransitionCatalogue", "InvertColor"), "color_InvertColor.jpg"},
-    {7, 77, QT_TRANSLATE_NOOP("TransitionCatalogue", "PixelsMultiplied"), "color_TransparentAlternatingPixelsMultiplied.jpg"},
-    {7, 78, QT_TRANSLATE_NOOP("TransitionCatalogue", "Scanlines"), "color_TransparentAlternatingScanlines.jpg"},
+    {7, 77, QT_TRANSLATE_NOOP("TransitionCatalogue", "PixelsMultiplied"),
+     "color_TransparentAlternatingPixelsMultiplied.jpg"},
+    {7, 78, QT_TRANSLATE_NOOP("TransitionCatalogue", "Scanlines"),
+     "color_TransparentAlternatingScanlines.jpg"},
     {7, 79, QT_TRANSLATE_NOOP("TransitionCatalogue", "ApplyTextureMap"), "color_ApplyTextureMap.jpg"},
 };
 
@@ -145,14 +144,6 @@ QString TransitionCatalogue::catalogName(int catalog) {
   if (catalog < 0 || catalog >= kCatalogCount)
     return QString();
   return translated(kCatalogNames[catalog]);
-}
-
-int TransitionCatalogue::catalogOf(qint32 effect) {
-  for (const EffectEntry& entry : kEffects) {
-    if (entry.effect == effect)
-      return entry.catalog;
-  }
-  return -1;
 }
 
 QStringList TransitionCatalogue::easingLabels() {

@@ -15,8 +15,6 @@ class TransitionCatalogue {
 
   /// Translated name of a catalog, 0 to 7; empty for any other number.
   static QString catalogName(int catalog);
-  /// The catalog that lists an effect number, -1 when none does.
-  static int catalogOf(qint32 effect);
   /// Translated labels; the place in the list is the easing code.
   static QStringList easingLabels();
 
