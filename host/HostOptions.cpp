@@ -122,7 +122,10 @@ HostCommandLine answer(HostCommandLine::Outcome outcome, const QString& text) {
 HostCommandLine HostCommandLine::parse(const QStringList& arguments) {
   QCommandLineParser parser;
   parser.setApplicationDescription(QStringLiteral("Live video switcher for one operator at a desk."));
-  const QCommandLineOption help = parser.addHelpOption();
+  // Not the parser's own, which brings an option for the toolkit's arguments along.
+  const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                QStringLiteral("Shows this text."));
+  parser.addOption(help);
   const QCommandLineOption version = parser.addVersionOption();
   for (const OptionReader& reader : kReaders)
     parser.addOption(reader.option);

@@ -10,8 +10,10 @@ namespace {
 constexpr int kSlotThickness = 6;
 constexpr int kMinTickPitch = 6;
 constexpr int kMajorEvery = 5;
-constexpr int kMinorLength = 4;
-constexpr int kMajorLength = 8;
+constexpr int kMinorLength = 5;
+constexpr int kMajorLength = 9;
+/// From the slot to the ticks; less than the handle reaches out.
+constexpr int kTickDistance = 10;
 
 QColor mixed(const QColor& a, const QColor& b, double share) {
   const auto part = [share](int from, int to) { return static_cast<int>(from + (to - from) * share); };
@@ -72,7 +74,6 @@ void GCleanlooksStyle::drawTicks(const QStyleOptionSlider& slider, QPainter* pai
   if (span <= 0)
     return;
   const QPoint centre = slider.rect.center();
-  const int across = (upright ? slider.rect.width() : slider.rect.height()) / 2;
   const QColor ink = mixed(slider.palette.window().color(), slider.palette.windowText().color(), 0.35);
   const double pitch = tickPitch(slider, span);
   painter->setRenderHint(QPainter::Antialiasing, false);
@@ -81,17 +82,18 @@ void GCleanlooksStyle::drawTicks(const QStyleOptionSlider& slider, QPainter* pai
     const int length = major ? kMajorLength : kMinorLength;
     painter->setPen(QPen(major ? ink : mixed(slider.palette.window().color(), ink, 0.6), 1));
     const int along = margin + qRound(i * pitch);
-    const int outer = across - 3;
     for (int side = -1; side <= 1; side += 2) {
       const bool wanted = slider.tickPosition & (side < 0 ? QSlider::TicksAbove : QSlider::TicksBelow);
       if (!wanted)
         continue;
+      const int inner = side * kTickDistance;
+      const int outer = side * (kTickDistance + length);
       if (upright)
-        painter->drawLine(centre.x() + side * outer, slider.rect.top() + along,
-                          centre.x() + side * (outer - length), slider.rect.top() + along);
+        painter->drawLine(centre.x() + inner, slider.rect.top() + along, centre.x() + outer,
+                          slider.rect.top() + along);
       else
-        painter->drawLine(slider.rect.left() + along, centre.y() + side * outer, slider.rect.left() + along,
-                          centre.y() + side * (outer - length));
+        painter->drawLine(slider.rect.left() + along, centre.y() + inner, slider.rect.left() + along,
+                          centre.y() + outer);
     }
   }
   painter->setRenderHint(QPainter::Antialiasing, true);
