@@ -73,7 +73,9 @@ void TestAppCaptionBar::init() {
   _frame->show();
 }
 
-void TestAppCaptionBar::cleanup() { delete _frame; }
+void TestAppCaptionBar::cleanup() {
+  delete _frame;
+}
 
 void TestAppCaptionBar::showsIconAndTitle() {
   auto* title = _bar->findChild<QLabel*>("_appTitleLabel");
