@@ -90,7 +90,7 @@ void TestSlider::otherControlsAreTheBaseStyles() {
   GCleanlooksStyle style(6);
   QStyleOptionSlider option = leverOption();
   QCOMPARE(style.subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarGroove),
-           _base.subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarGroove));
+           _base.subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarGroove, nullptr));
 }
 
 void TestSlider::sliderOwnsItsStyle() {

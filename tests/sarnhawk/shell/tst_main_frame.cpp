@@ -28,7 +28,7 @@ class BareFrame : public MainFrame {
     mousePressEvent(&event);
   }
 
-  void release(const QPoint& pos, Qt::MouseButton button = Qt::LeftButton) {
+  void letGo(const QPoint& pos, Qt::MouseButton button = Qt::LeftButton) {
     QMouseEvent event(QEvent::MouseButtonRelease, pos, button, Qt::NoButton, Qt::NoModifier);
     mouseReleaseEvent(&event);
   }
@@ -271,7 +271,7 @@ void TestMainFrame::dragsTheCorner() {
 void TestMainFrame::releasedEdgeStays() {
   BareFrame frame;
   frame.grabAt(QPoint(1198, 400));
-  frame.release(QPoint(1198, 400));
+  frame.letGo(QPoint(1198, 400));
   frame.onHoverMove(QPoint(1208, 400), QPoint(1198, 400));
   QCOMPARE(frame.geometry(), kPlace);
 }
@@ -279,7 +279,7 @@ void TestMainFrame::releasedEdgeStays() {
 void TestMainFrame::otherButtonsDoNotRelease() {
   BareFrame frame;
   frame.grabAt(QPoint(1198, 400));
-  frame.release(QPoint(1198, 400), Qt::RightButton);
+  frame.letGo(QPoint(1198, 400), Qt::RightButton);
   frame.onHoverMove(QPoint(1208, 400), QPoint(1198, 400));
   QCOMPARE(frame.geometry(), QRect(100, 100, 1210, 800));
 }
