@@ -25,14 +25,15 @@ inline QString ownFolder() {
 
 /// Handle of the module, or null with a log line. Modules are never unloaded.
 inline void* load(const wchar_t* moduleName) {
-  const QString file =
-      ownFolder() + QLatin1Char('/') + machineFileName(QString::fromWCharArray(moduleName));
+  const QString file = ownFolder() + QLatin1Char('/') + machineFileName(QString::fromWCharArray(moduleName));
   void* handle = dlopen(file.toLocal8Bit().constData(), RTLD_NOW | RTLD_LOCAL);
   if (!handle)
     qDebug("failed to load module : %s", dlerror());
   return handle;
 }
 
-inline void* resolve(void* handle, const char* entry) { return dlsym(handle, entry); }
+inline void* resolve(void* handle, const char* entry) {
+  return dlsym(handle, entry);
+}
 
 }  // namespace korvia::modules

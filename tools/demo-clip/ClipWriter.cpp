@@ -4,8 +4,10 @@
 
 #include <QFile>
 #include <QLoggingCategory>
+#include <algorithm>
 
 #include "DemoFormat.h"
+#include "Mp4Times.h"
 
 Q_LOGGING_CATEGORY(lcClip, "korvia.democlip")
 
@@ -19,7 +21,7 @@ constexpr char kPipeline[] =
     "mp4mux name=mux faststart=true ! filesink name=file "
     "appsrc name=pictures format=time block=true max-bytes=33177600 "
     "! videoconvert ! video/x-raw,format=I420,colorimetry=bt709 "
-    "! x264enc pass=qual quantizer=24 vbv-buf-capacity=2000 bitrate=1100 speed-preset=veryfast threads=3 "
+    "! x264enc pass=qual quantizer=25 vbv-buf-capacity=2000 bitrate=1100 speed-preset=veryfast threads=3 "
     "key-int-max=50 bframes=2 "
     "! video/x-h264,profile=high ! h264parse ! queue max-size-bytes=0 max-size-buffers=0 max-size-time=0 "
     "! mux. "
@@ -57,6 +59,17 @@ bool push(GstElement* source, const void* data, gsize bytes, GstClockTime time, 
   GST_BUFFER_PTS(buffer) = time;
   GST_BUFFER_DURATION(buffer) = duration;
   return gst_app_src_push_buffer(GST_APP_SRC(source), buffer) == GST_FLOW_OK;
+}
+
+bool clearTimes(const QString& path) {
+  QFile file(path);
+  if (!file.open(QIODevice::ReadWrite)) {
+    qCWarning(lcClip, "failed to read back file : %s", qPrintable(path));
+    return false;
+  }
+  QByteArray bytes = file.readAll();
+  clearMp4Times(bytes);
+  return file.seek(0) && file.write(bytes) == bytes.size();
 }
 
 }  // namespace
@@ -121,7 +134,7 @@ bool ClipWriter::close() {
   gst_app_src_end_of_stream(GST_APP_SRC(pictures_));
   const bool ended = waitForEnd();
   tearDown();
-  return ended;
+  return ended && clearTimes(path_);
 }
 
 bool ClipWriter::waitForEnd() {

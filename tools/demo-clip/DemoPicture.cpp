@@ -56,7 +56,7 @@ const DemoTheme kThemes[] = {
      0xff8ff0d4,
      QPoint(420, 460),
      QPoint(1260, 380),
-     QPoint(1660, 100)},
+     QPoint(1660, 50)},
 };
 
 double wave(double turn) {

@@ -37,6 +37,8 @@ bool makeFilm(const QString& path, int variant) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // It shows nothing, so it asks for no display: fonts are all that it wants of the platform.
+  qputenv("QT_QPA_PLATFORM", "offscreen");
   const QGuiApplication application(argc, argv);
   gst_init(nullptr, nullptr);
 

@@ -4,6 +4,6 @@
 
 class IKorviaWebServerSink : public IUnknownEx {
  public:
-  /// A request that the server does not answer itself; 0 when nobody handles it.
+  /// Room for requests that the server cannot answer by itself; 0 when nobody handles them.
   virtual int onWebRequest() = 0;
 };

@@ -1,5 +1,6 @@
-// What the program publishes about itself: named JSON sections, newest value only. The console and the servers
-// write, the web server reads. All operations are safe from any thread and hold the lock only for a copy.
+// What the program publishes about itself: named JSON sections, newest value only. The console and the
+// servers write, the web server reads. All operations are safe from any thread and hold the lock only for a
+// copy.
 #pragma once
 #include <QJsonObject>
 #include <QMutex>

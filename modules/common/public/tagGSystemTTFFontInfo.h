@@ -4,6 +4,6 @@
 #include <QStringList>
 
 struct tagGSystemTTFFontInfo {
-  QStringList families;               // sorted, in the order that the font lists show
+  QStringList families;                // sorted, in the order that the font lists show
   QHash<QString, QStringList> styles;  // by family, for example "Regular", "Bold Italic"
 };

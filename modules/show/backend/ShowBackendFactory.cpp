@@ -18,7 +18,9 @@ ShowBackendFactory& replacement() {
 
 }  // namespace
 
-void setShowBackendFactory(ShowBackendFactory factory) { replacement() = std::move(factory); }
+void setShowBackendFactory(ShowBackendFactory factory) {
+  replacement() = std::move(factory);
+}
 
 std::unique_ptr<IShowBackend> createShowBackend() {
   if (replacement())

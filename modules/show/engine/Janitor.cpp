@@ -1,5 +1,7 @@
 #include "Janitor.h"
 
+#include "engine/ThreadName.h"
+
 namespace korvia {
 
 Janitor::Janitor() : thread_([this] { run(); }) {}
@@ -22,6 +24,7 @@ void Janitor::push(std::function<void()> job) {
 }
 
 void Janitor::run() {
+  nameThread("kv-janitor");
   std::unique_lock lock(mutex_);
   for (;;) {
     wake_.wait(lock, [this] { return stop_ || !jobs_.empty(); });

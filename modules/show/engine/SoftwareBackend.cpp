@@ -4,6 +4,7 @@
 
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
+#include "engine/ThreadName.h"
 #include "engine/source/FilmSource.h"
 #include "engine/source/SourceFactory.h"
 #include "tagKorviaShowEngineInfo.h"
@@ -23,7 +24,8 @@ constexpr int kSourceEndMs = 3000;
 FrameSize renderSize(const tagKorviaVideoFormat& format) {
   const int width = format.width;
   const int height = format.height;
-  if (width < kRenderSizeMin || height < kRenderSizeMin || width > kRenderSizeMax || height > kRenderSizeMax) {
+  if (width < kRenderSizeMin || height < kRenderSizeMin || width > kRenderSizeMax ||
+      height > kRenderSizeMax) {
     qCWarning(logEngine, "render size %d x %d is out of range, taking 1920 x 1080", width, height);
     return {1920, 1080};
   }
@@ -32,11 +34,14 @@ FrameSize renderSize(const tagKorviaVideoFormat& format) {
 
 }  // namespace
 
-SoftwareBackend::SoftwareBackend() : outputs_(janitor_) {}
+SoftwareBackend::SoftwareBackend() : monitors_(stages_), outputs_(janitor_) {}
 
-SoftwareBackend::~SoftwareBackend() { closeSources(); }
+SoftwareBackend::~SoftwareBackend() {
+  closeSources();
+}
 
 void SoftwareBackend::begin(IShowBackendHost& host) {
+  nameThread("kv-engine");
   host_ = &host;
   sink_ = host.engineSink();
 }
@@ -78,19 +83,9 @@ void SoftwareBackend::handleEvent(const ShowEvent& event) {
     case ShowEventSelectChannel:
       selectChannel(event);
       break;
-    case ShowEventStartOutput: {
-      const Show now = show();
-      OutputRequest request;
-      request.slot = a1.toInt();
-      request.param = fromVariant<tagKorviaShowOutputParam>(a2);
-      request.programName = event.args[2].toString();
-      request.format = fromVariant<tagKorviaFormatInfo>(event.args[3]);
-      request.rateNumerator = now.rateNumerator;
-      request.rateDenominator = now.rateDenominator;
-      outputs_.start(request.slot, request);
-      host_->postResult(event.id, a1, a2);
+    case ShowEventStartOutput:
+      startOutput(event);
       break;
-    }
     case ShowEventStopOutput:
       outputs_.stop(a1.toInt());
       host_->postResult(event.id, a1, a2);
@@ -211,6 +206,19 @@ void SoftwareBackend::selectChannel(const ShowEvent& event) {
   host_->postResult(ShowEventSelectChannel, static_cast<qulonglong>(bus), channel);
 }
 
+void SoftwareBackend::startOutput(const ShowEvent& event) {
+  const Show now = show();
+  OutputRequest request;
+  request.slot = event.args[0].toInt();
+  request.param = fromVariant<tagKorviaShowOutputParam>(event.args[1]);
+  request.programName = event.args[2].toString();
+  request.format = fromVariant<tagKorviaFormatInfo>(event.args[3]);
+  request.rateNumerator = now.rateNumerator;
+  request.rateDenominator = now.rateDenominator;
+  outputs_.start(request);
+  host_->postResult(event.id, event.args[0], event.args[1]);
+}
+
 void SoftwareBackend::reportSwitch() {
   const ProgramSwitch::Outcome outcome = switch_.takeOutcome();
   if (outcome.moved)
@@ -240,10 +248,7 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
     if (!programPaused_ || !program_)
       program_ = mixProgram();
   }
-  {
-    StageClock::Scope stage(stages_, StageClock::Monitors);
-    showMonitors();
-  }
+  showMonitors();
   {
     StageClock::Scope stage(stages_, StageClock::HandOver);
     if (tick.missed > 0)
@@ -284,9 +289,11 @@ void SoftwareBackend::showMonitors() {
   monitors_.show(MonitorHub::Pgm, program_);
   monitors_.show(MonitorHub::Pvm, channelFrame(buses_.pvmChannel()));
   for (int i = 0; i < kMediaChannelMax; ++i)
-    monitors_.show(static_cast<MonitorHub::Window>(MonitorHub::FirstMedia + i), channelFrame(MediaChannel + i));
+    monitors_.show(static_cast<MonitorHub::Window>(MonitorHub::FirstMedia + i),
+                   channelFrame(MediaChannel + i));
   for (int i = 0; i < kStageChannelMax; ++i)
-    monitors_.show(static_cast<MonitorHub::Window>(MonitorHub::FirstStage + i), channelFrame(StageChannel + i));
+    monitors_.show(static_cast<MonitorHub::Window>(MonitorHub::FirstStage + i),
+                   channelFrame(StageChannel + i));
   monitors_.show(MonitorHub::Karaoke, channelFrame(0));
   monitors_.commit();
 }
@@ -302,9 +309,8 @@ void SoftwareBackend::keepFigures(const FrameTick& tick) {
   figures_.switchPosition = static_cast<float>(switch_.position());
   figures_.pvmChannel = buses_.pvmChannel();
   figures_.pgmChannel = buses_.pgmChannel();
-  figures_.sourceCount = static_cast<int>(std::count_if(active_.begin(), active_.end(), [](const auto& source) {
-    return source != nullptr;
-  }));
+  figures_.sourceCount = static_cast<int>(
+      std::count_if(active_.begin(), active_.end(), [](const auto& source) { return source != nullptr; }));
 }
 
 IKorviaShowSource* SoftwareBackend::openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,
@@ -379,7 +385,9 @@ void SoftwareBackend::getFigures(tagKorviaShowEngineFigures& figures) {
   figures.streaming = outputs_.isRunning(OutputSlotStream);
 }
 
-void SoftwareBackend::pausePGMImage(bool pause) { programPaused_ = pause; }
+void SoftwareBackend::pausePGMImage(bool pause) {
+  programPaused_ = pause;
+}
 
 // Screen cut and paint pad have no layer of their own yet.
 void SoftwareBackend::commitGrabImage(const QImage&) {}

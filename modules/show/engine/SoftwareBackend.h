@@ -61,6 +61,7 @@ class SoftwareBackend final : public IShowBackend {
   void moveLever(const ShowEvent& event);
   void take(const ShowEvent& event);
   void selectChannel(const ShowEvent& event);
+  void startOutput(const ShowEvent& event);
 
   // The frame. Engine thread.
   void pullSources(int ticks);
@@ -73,16 +74,16 @@ class SoftwareBackend final : public IShowBackend {
   Show show() const;
   void closeSources();
 
-  IShowBackendHost* host_ = nullptr;             // engine thread
+  IShowBackendHost* host_ = nullptr;  // engine thread
   std::atomic<IKorviaShowEngineSink*> sink_{nullptr};
-  bool open_ = false;                            // engine thread
+  bool open_ = false;  // engine thread
 
   mutable std::mutex showMutex_;
   Show show_;  // guarded by showMutex_
 
   SourceSet sources_;
-  SourceArray active_;              // engine thread: what sources_ held at the last change
-  quint64 sourcesVersion_ = 0;      // engine thread
+  SourceArray active_;                             // engine thread: what sources_ held at the last change
+  quint64 sourcesVersion_ = 0;                     // engine thread
   std::array<FrameRef, kSourceSlotCount> frames_;  // engine thread
 
   std::unique_ptr<FramePool> pool_;  // engine thread
@@ -90,16 +91,16 @@ class SoftwareBackend final : public IShowBackend {
   ProgramSwitch switch_;             // engine thread
   FrameRef program_;                 // engine thread
   std::atomic<bool> programPaused_{false};
+  StageClock stages_;
+  Janitor janitor_;
   MonitorHub monitors_;
   OutputRack outputs_;
   SnapshotWriter snapshots_;
-  StageClock stages_;
-  Janitor janitor_;
 
   mutable std::mutex figuresMutex_;
-  tagKorviaShowEngineFigures figures_;  // guarded by figuresMutex_
+  tagKorviaShowEngineFigures figures_;                // guarded by figuresMutex_
   std::chrono::steady_clock::time_point firstFrame_;  // engine thread
-  tagKorviaShowAudioLevel levels_;      // silent until the mixer has sound
+  tagKorviaShowAudioLevel levels_;                    // silent until the mixer has sound
 };
 
 }  // namespace korvia

@@ -36,10 +36,10 @@ class SilentBackend final : public IShowBackend {
   void take(int channel);
   void select(const ShowEvent& event);
 
-  IShowBackendHost* host_ = nullptr;                        // engine thread
-  BusSelection buses_;                                      // engine thread
+  IShowBackendHost* host_ = nullptr;                         // engine thread
+  BusSelection buses_;                                       // engine thread
   std::unique_ptr<SilentSource> sources_[kSourceSlotCount];  // console thread
-  tagKorviaShowAudioLevel levels_;                          // console thread
+  tagKorviaShowAudioLevel levels_;                           // console thread
   std::mutex figuresMutex_;
   tagKorviaShowEngineFigures figures_;  // guarded by figuresMutex_
 };

@@ -7,7 +7,7 @@
 
 using korvia::BlackBox;
 
-class KorviaShowEngine::Host : public korvia::IShowBackendHost {
+class KorviaShowEngine::Host final : public korvia::IShowBackendHost {
  public:
   explicit Host(KorviaShowEngine& engine) : engine_(engine) {}
 
@@ -33,18 +33,30 @@ class KorviaShowEngine::Host : public korvia::IShowBackendHost {
 KorviaShowEngine::KorviaShowEngine()
     : host_(std::make_unique<Host>(*this)), backend_(korvia::createShowBackend()) {}
 
-KorviaShowEngine::~KorviaShowEngine() { KorviaShowEngine::stop(); }
+KorviaShowEngine::~KorviaShowEngine() {
+  KorviaShowEngine::stop();
+}
 
 void KorviaShowEngine::start(IKorviaShowThreadSink* sink, KorviaShowThreadMode mode) {
   KorviaShowThread::start(sink, mode);
 }
 
-void KorviaShowEngine::stop() { KorviaShowThread::stop(); }
+void KorviaShowEngine::stop() {
+  KorviaShowThread::stop();
+}
 
-void KorviaShowEngine::onThreadBegin() { backend_->begin(*host_); }
-void KorviaShowEngine::onThreadEnd() { backend_->end(); }
-void KorviaShowEngine::onThreadEvent(const korvia::ShowEvent& event) { backend_->handleEvent(event); }
-void KorviaShowEngine::doFrameStep(const korvia::FrameTick& tick) { backend_->frameStep(tick); }
+void KorviaShowEngine::onThreadBegin() {
+  backend_->begin(*host_);
+}
+void KorviaShowEngine::onThreadEnd() {
+  backend_->end();
+}
+void KorviaShowEngine::onThreadEvent(const korvia::ShowEvent& event) {
+  backend_->handleEvent(event);
+}
+void KorviaShowEngine::doFrameStep(const korvia::FrameTick& tick) {
+  backend_->frameStep(tick);
+}
 
 IKorviaShowSource* KorviaShowEngine::openSource(KorviaShowObjectID id, tagKorviaShowSourceInfo& info,
                                                 tagKorviaFormatInfo& format, IUnknownEx* host) {
@@ -83,9 +95,13 @@ void KorviaShowEngine::getOutputState(tagKorviaOutputStatistics* statistics) {
   backend_->getOutputState(statistics);
 }
 
-tagKorviaShowAudioLevel& KorviaShowEngine::getAudioLevel() { return backend_->getAudioLevel(); }
+tagKorviaShowAudioLevel& KorviaShowEngine::getAudioLevel() {
+  return backend_->getAudioLevel();
+}
 
-void KorviaShowEngine::getFigures(tagKorviaShowEngineFigures& figures) { backend_->getFigures(figures); }
+void KorviaShowEngine::getFigures(tagKorviaShowEngineFigures& figures) {
+  backend_->getFigures(figures);
+}
 
 void KorviaShowEngine::commitGrabImage(const QImage& image) {
   BlackBox::instance().call("commitGrabImage", 0, {image});

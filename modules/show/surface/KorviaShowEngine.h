@@ -18,7 +18,7 @@
 namespace korvia {
 class IShowBackend;
 class TracedSource;
-}
+}  // namespace korvia
 
 class KorviaShowEngine : public KorviaShowThread {
   Q_OBJECT

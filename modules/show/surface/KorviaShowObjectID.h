@@ -2,9 +2,9 @@
 #pragma once
 
 enum KorviaShowObjectID : int {
-  SourceObject = 1,          ///< 1 to 8: source of media channel index 0 to 7
-  MediaChannel = 0x10,       ///< 0x10 to 0x17
-  StageChannel = 0x100,      ///< 0x100 to 0x103
+  SourceObject = 1,      ///< 1 to 8: source of media channel index 0 to 7
+  MediaChannel = 0x10,   ///< 0x10 to 0x17
+  StageChannel = 0x100,  ///< 0x100 to 0x103
   KaraokeObject = 0x1000,
   PVMObject = 0x1001,
   PGMObject = 0x1002,
@@ -45,8 +45,8 @@ namespace korvia {
 inline constexpr int kSourceSlotCount = kMediaChannelMax + 1;
 inline constexpr int kKaraokeSlot = kMediaChannelMax;
 
-/// Slot of the object's source: 0 to 7 for a media channel in either form of its id, 8 for the karaoke, -1 for
-/// anything that holds no source.
+/// Slot of the object's source: 0 to 7 for a media channel in either form of its id, 8 for the karaoke, -1
+/// for anything that holds no source.
 inline int sourceIndexOf(int id) {
   if (id >= SourceObject && id < SourceObject + kMediaChannelMax)
     return id - SourceObject;

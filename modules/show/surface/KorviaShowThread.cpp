@@ -115,7 +115,8 @@ bool KorviaShowThread::waitForTick(korvia::FrameTick& tick) {
     wake_.wait_until(lock, deadline);
   }
   const qint64 elapsedNs = duration_cast<nanoseconds>(steady_clock::now() - epoch_).count();
-  const qint64 due = std::max(clockFrame_ + 1, elapsedNs * rateNumerator_ / (1'000'000'000 * rateDenominator_));
+  const qint64 due =
+      std::max(clockFrame_ + 1, elapsedNs * rateNumerator_ / (1'000'000'000 * rateDenominator_));
   qint64 missed = due - (clockFrame_ + 1);
   if (missed > kMissedMax) {
     clockRestart_ = true;

@@ -54,8 +54,8 @@ class KorviaShowThread : public QObject {
   /// Exact rate of the frame step, restarting the clock. Engine thread.
   void setFrameRate(int numerator, int denominator);
   /// Hands a result to the sink. Engine thread.
-  void postResult(quint64 eventId, quint64 result, const QVariant& a1, const QVariant& a2,
-                  const QVariant& a3, const QVariant& a4);
+  void postResult(quint64 eventId, quint64 result, const QVariant& a1, const QVariant& a2, const QVariant& a3,
+                  const QVariant& a4);
   IKorviaShowThreadSink* threadSink() const { return sink_; }
 
  private:
@@ -67,12 +67,12 @@ class KorviaShowThread : public QObject {
   std::thread thread_;
 
   std::mutex mutex_;
-  std::condition_variable wake_;        // with mutex_
+  std::condition_variable wake_;          // with mutex_
   std::deque<korvia::ShowEvent> events_;  // guarded by mutex_
-  bool stopRequested_ = false;          // guarded by mutex_
-  qint64 rateNumerator_ = 25;           // guarded by mutex_
-  qint64 rateDenominator_ = 1;          // guarded by mutex_
-  bool clockRestart_ = true;            // guarded by mutex_
+  bool stopRequested_ = false;            // guarded by mutex_
+  qint64 rateNumerator_ = 25;             // guarded by mutex_
+  qint64 rateDenominator_ = 1;            // guarded by mutex_
+  bool clockRestart_ = true;              // guarded by mutex_
 
   std::chrono::steady_clock::time_point epoch_;  // engine thread
   qint64 clockFrame_ = 0;                        // engine thread; frames since epoch_

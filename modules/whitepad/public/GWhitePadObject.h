@@ -1,8 +1,7 @@
-// The paint pad: lets the operator draw over the frozen program picture. Console thread, except lockBackground
-// and unlockBackground, which the engine thread calls.
+// The paint pad: lets the operator draw over the frozen program picture. Console thread, except
+// lockBackground and unlockBackground, which the engine thread calls.
 #pragma once
 #include <QImage>
-#include <QMutex>
 #include <QSize>
 #include <QString>
 
@@ -25,17 +24,23 @@ class GWhitePadObject {
   /// empty or larger than 8192 x 8192.
   bool start(const QSize& size);
 
-  /// Shows or hides the pad. keepDrawing leaves the drawing on the program when the pad is hidden.
+  /// Shows or hides the pad. keepDrawing leaves the drawing on the program when the pad is hidden. A pad that
+  /// cannot be shown tells the sink at once that it is not valid. Nothing happens before start.
   void setVisible(bool visible, bool keepDrawing = false);
 
   /// The picture that the engine is to fill with the program, owned by the engine until unlockBackground;
-  /// null when no background is wanted or the picture is already lent.
+  /// null when no background is wanted, which is always so until the pad has a drawing surface.
   QImage lockBackground();
-  /// Takes the filled picture back. A picture that was not lent is ignored.
+  /// Takes the filled picture back; a null picture is ignored.
   void unlockBackground(const QImage& image);
   /// Brings the newest background on the screen; called once a frame tick.
   void updateBackground();
 
   /// Ends the pad; nothing of the sink is called afterwards. Harmless when there is no pad.
   void destory();
+
+ private:
+  IGWhitePadSink* _sink = nullptr;
+  QString _title;
+  bool _started = false;
 };

@@ -12,7 +12,9 @@ namespace {
 // Widest vector of the kernels, and a cache line.
 constexpr int kAlignment = 64;
 
-int alignedStride(int width) { return (width + kAlignment - 1) / kAlignment * kAlignment; }
+int alignedStride(int width) {
+  return (width + kAlignment - 1) / kAlignment * kAlignment;
+}
 
 void fillPlane(Frame& frame, int plane, int value) {
   std::memset(frame.writablePlane(plane), value,

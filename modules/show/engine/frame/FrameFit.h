@@ -1,5 +1,5 @@
-// Fits pictures of any size into the render format: scaled with the picture's own shape, centred, black around.
-// Pure functions, any thread.
+// Fits pictures of any size into the render format: scaled with the picture's own shape, centred, black
+// around. Pure functions, any thread.
 #pragma once
 #include "Frame.h"
 
@@ -19,8 +19,8 @@ struct FrameRect {
 /// `target`. Corner and size are even, so that chroma samples stay whole; never empty.
 FrameRect fitRect(FrameSize picture, int pixelAspectNumerator, int pixelAspectDenominator, FrameSize target);
 
-/// Scales `picture` into the rectangle of `target` and blackens the rest. An alpha plane of the target becomes
-/// the picture's (opaque when it has none) and is transparent outside.
+/// Scales `picture` into the rectangle of `target` and blackens the rest. An alpha plane of the target
+/// becomes the picture's (opaque when it has none) and is transparent outside.
 void fitFrame(const Frame& picture, const FrameRect& rect, Frame& target);
 
 }  // namespace korvia

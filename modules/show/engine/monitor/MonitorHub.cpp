@@ -1,8 +1,12 @@
 #include "MonitorHub.h"
 
+#include "engine/ThreadName.h"
+
 namespace korvia {
 
-MonitorHub::~MonitorHub() { close(); }
+MonitorHub::~MonitorHub() {
+  close();
+}
 
 void MonitorHub::open(const tagKorviaShowWindowPackInfo& windows) {
   close();
@@ -70,6 +74,7 @@ void MonitorHub::commit() {
 }
 
 void MonitorHub::run() {
+  nameThread("kv-monitor");
   factory_ = createMonitorSurfaceFactory();
   std::array<FrameRef, WindowCount> pictures;
   std::unique_lock lock(mutex_);
@@ -105,6 +110,7 @@ void MonitorHub::run() {
 }
 
 void MonitorHub::showPictures(std::array<FrameRef, WindowCount>& pictures) {
+  StageClock::Scope scope(stages_, StageClock::Monitors);
   for (int i = 0; i < WindowCount; ++i) {
     if (pictures[i] && surfaces_[i])
       surfaces_[i]->show(*pictures[i]);

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <thread>
 
+#include "engine/StageClock.h"
 #include "engine/frame/Frame.h"
 #include "engine/monitor/MonitorSurface.h"
 #include "tagKorviaWindowInfo.h"
@@ -26,7 +27,8 @@ class MonitorHub {
     WindowCount = Karaoke + 1,
   };
 
-  MonitorHub() = default;
+  /// The time that each frame's pictures take is kept in `stages`, which must outlive the hub.
+  explicit MonitorHub(StageClock& stages) : stages_(stages) {}
   ~MonitorHub();
   MonitorHub(const MonitorHub&) = delete;
   MonitorHub& operator=(const MonitorHub&) = delete;
@@ -54,18 +56,19 @@ class MonitorHub {
   void run();
   void showPictures(std::array<FrameRef, WindowCount>& pictures);
 
+  StageClock& stages_;
   std::mutex mutex_;
-  std::condition_variable wake_;           // with mutex_
-  std::array<Slot, WindowCount> slots_;    // guarded by mutex_
-  bool committed_ = false;                 // guarded by mutex_
-  bool stop_ = false;                      // guarded by mutex_
+  std::condition_variable wake_;              // with mutex_
+  std::array<Slot, WindowCount> slots_;       // guarded by mutex_
+  bool committed_ = false;                    // guarded by mutex_
+  bool stop_ = false;                         // guarded by mutex_
   std::array<FrameRef, WindowCount> staged_;  // engine thread
   std::array<bool, WindowCount> wanted_{};    // engine thread
   std::thread thread_;
   std::atomic<qint64> dropped_{0};
 
-  std::unique_ptr<MonitorSurfaceFactory> factory_;                        // monitor thread
-  std::array<std::unique_ptr<MonitorSurface>, WindowCount> surfaces_;     // monitor thread
+  std::unique_ptr<MonitorSurfaceFactory> factory_;                     // monitor thread
+  std::array<std::unique_ptr<MonitorSurface>, WindowCount> surfaces_;  // monitor thread
 };
 
 }  // namespace korvia

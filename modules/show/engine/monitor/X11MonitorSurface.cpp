@@ -46,7 +46,9 @@ std::unique_ptr<X11MonitorSurfaceFactory> X11MonitorSurfaceFactory::connect() {
   return nullptr;
 }
 
-X11MonitorSurfaceFactory::~X11MonitorSurfaceFactory() { xcb_disconnect(connection_); }
+X11MonitorSurfaceFactory::~X11MonitorSurfaceFactory() {
+  xcb_disconnect(connection_);
+}
 
 std::unique_ptr<MonitorSurface> X11MonitorSurfaceFactory::create(const tagKorviaWindowInfo& window) {
   return std::make_unique<X11MonitorSurface>(*this, window);

@@ -4,7 +4,8 @@
 
 namespace korvia {
 
-void OutputRack::start(int slot, const OutputRequest& request) {
+void OutputRack::start(const OutputRequest& request) {
+  const int slot = request.slot;
   if (slot < 0 || slot >= kSlots)
     return;
   stop(slot);

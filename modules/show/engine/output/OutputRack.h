@@ -17,7 +17,7 @@ class OutputRack {
   explicit OutputRack(Janitor& janitor) : janitor_(janitor) {}
 
   /// Starts the output of a slot, ending one that runs there. Nothing happens for a slot that does not exist.
-  void start(int slot, const OutputRequest& request);
+  void start(const OutputRequest& request);
   void stop(int slot);
   void stopAll();
   /// One program frame, `count` times: 1 plus the frames that were missed.

@@ -36,6 +36,9 @@ class ProgramOutput {
   virtual void pushFrame(const FrameRef& frame, qint64 frameIndex) = 0;
   /// Ends the output: what was pushed is written and the file is finalised in the background. Engine thread.
   virtual void finish() = 0;
+  /// Whether everything is written and closed after finish(), waiting for it at most this long. Destruction
+  /// waits too, for a bounded time. Any thread; with 0 it only asks.
+  virtual bool waitFinished(int timeoutMs) = 0;
   /// Any thread.
   virtual OutputFigures figures() const = 0;
 };

@@ -1,0 +1,94 @@
+#include "KernelBench.h"
+
+#include <libyuv.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <vector>
+
+#include "engine/frame/FrameFit.h"
+#include "engine/frame/FramePool.h"
+#include "engine/mix/TransitionCatalog.h"
+#include "engine/monitor/PictureScaler.h"
+
+using namespace korvia;
+
+namespace {
+
+constexpr FrameSize kSize{1920, 1080};
+constexpr int kRounds = 60;
+
+FrameRef noise(std::uint32_t seed) {
+  FramePool pool(kSize);
+  MutableFrame frame = pool.acquire();
+  for (int plane = 0; plane < 3; ++plane)
+    for (int i = 0; i < frame->stride(plane) * frame->planeHeight(plane); ++i) {
+      seed = seed * 1664525 + 1013904223;
+      frame->writablePlane(plane)[i] = static_cast<std::uint8_t>(16 + (seed >> 24) * 219 / 255);
+    }
+  return std::move(frame).publish();
+}
+
+void copy(const Frame& from, Frame& to) {
+  for (int plane = 0; plane < 3; ++plane)
+    libyuv::CopyPlane(from.plane(plane), from.stride(plane), to.writablePlane(plane), to.stride(plane),
+                      from.planeWidth(plane), from.planeHeight(plane));
+}
+
+double milliseconds(const std::function<void()>& work) {
+  const auto begin = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double median(std::vector<double> values) {
+  std::nth_element(values.begin(), values.begin() + static_cast<long>(values.size() / 2), values.end());
+  return values[values.size() / 2];
+}
+
+/// Kernel and copy take turns, so that a machine that changes its pace changes it for both.
+void measure(const char* name, const std::function<void()>& reference, const std::function<void()>& kernel) {
+  std::vector<double> times;
+  std::vector<double> ratios;
+  for (int round = 0; round < kRounds; ++round) {
+    const double copyMs = milliseconds(reference);
+    const double kernelMs = milliseconds(kernel);
+    times.push_back(kernelMs);
+    ratios.push_back(kernelMs / copyMs);
+  }
+  std::printf("%-28s %8.3f ms %8.2f M\n", name, median(times), median(ratios));
+}
+
+}  // namespace
+
+int runKernelBench() {
+  const FrameRef a = noise(1);
+  const FrameRef b = noise(2);
+  FramePool pool(kSize);
+  MutableFrame out = pool.acquire();
+  MutableFrame copied = pool.acquire();
+  copied->fillBlack();
+  out->fillBlack();
+  const auto reference = [&] { copy(*a, *copied); };
+
+  std::printf("%-28s %11s %10s\n", "kernel, 1920 x 1080", "median", "of a copy");
+  measure("copy", reference, [&] { copy(*b, *out); });
+  measure("cross-fade", reference, [&] { transitionFor(kEffectFade)->mix(*a, *b, 0.45, *out); });
+  for (const FrameSize size : {FrameSize{296, 167}, FrameSize{544, 306}, FrameSize{912, 513}}) {
+    PictureScaler scaler;
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(size.width) * size.height * 4);
+    char name[40];
+    std::snprintf(name, sizeof name, "monitor %d x %d", size.width, size.height);
+    measure(name, reference, [&] { scaler.toRgb(*a, size, pixels.data(), size.width * 4); });
+  }
+  const FrameSize small{1280, 720};
+  FramePool smallPool(small);
+  MutableFrame smallFrame = smallPool.acquire();
+  smallFrame->fillBlack();
+  const FrameRef picture = std::move(smallFrame).publish();
+  const FrameRect rect = fitRect(small, 1, 1, kSize);
+  measure("fit 1280 x 720", reference, [&] { fitFrame(*picture, rect, *out); });
+  return 0;
+}

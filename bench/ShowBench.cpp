@@ -1,0 +1,214 @@
+#include "ShowBench.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QThread>
+#include <QTimer>
+#include <cstdio>
+
+#include "KorviaMetaType.h"
+#include "KorviaShowEngine.h"
+#include "ProcessFigures.h"
+#include "tagKorviaShowEngineInfo.h"
+#include "tagKorviaShowOutputParam.h"
+#include "tagKorviaWindowInfo.h"
+
+namespace {
+
+constexpr int kWarmUpMs = 2000;
+constexpr int kOpenMs = 20000;
+// Sizes of the pictures on the console at 1280 x 720.
+constexpr QSize kStripPicture(296, 167);
+constexpr QSize kBusPicture(544, 306);
+
+class Sink : public IKorviaShowThreadSink {
+ public:
+  bool isValid() override { return true; }
+  bool release() override { return true; }
+  void* queryInterface(const Identifier*, unsigned) override { return nullptr; }
+  void onPostEventResult(quint64, quint64, QVariant, QVariant, QVariant, QVariant) override {}
+};
+
+void pass(int ms) {
+  QEventLoop loop;
+  QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+  loop.exec();
+}
+
+template <typename Condition>
+bool waitFor(Condition condition, int timeoutMs) {
+  QElapsedTimer clock;
+  clock.start();
+  while (!condition()) {
+    if (clock.elapsed() > timeoutMs)
+      return false;
+    pass(1);
+  }
+  return true;
+}
+
+/// Handles that belong to no widget: the pictures are scaled and then find no window.
+tagKorviaShowWindowPackInfo windows(int channels) {
+  const auto window = [](int number, QSize size) {
+    tagKorviaWindowInfo info;
+    info.right = size.width() - 1;
+    info.bottom = size.height() - 1;
+    info.winId = static_cast<WId>(0x7000'0000 + number);
+    return info;
+  };
+  tagKorviaShowWindowPackInfo pack;
+  for (int i = 0; i < channels; ++i)
+    pack.media[i] = window(i, kStripPicture);
+  pack.pvm = window(100, kBusPicture);
+  pack.pgm = window(101, kBusPicture);
+  return pack;
+}
+
+tagKorviaShowEngineInfo engineInfo(const ShowBenchOptions& options) {
+  tagKorviaShowEngineInfo info;
+  info.format.width = options.size.width();
+  info.format.height = options.size.height();
+  info.format.fpsNumerator = options.fps;
+  info.format.fpsDenominator = 1;
+  info.mediaChannelCount = options.channels;
+  return info;
+}
+
+bool openChannels(KorviaShowEngine& engine, const ShowBenchOptions& options) {
+  for (int i = 0; i < options.channels; ++i) {
+    tagKorviaShowSourceInfo source;
+    source.kind = SourceKindMovie;
+    source.moviePath = options.inputs[i % options.inputs.size()];
+    tagKorviaFormatInfo format;
+    engine.openSource(static_cast<KorviaShowObjectID>(SourceObject + i), source, format, nullptr);
+  }
+  for (int i = 0; i < options.channels; ++i) {
+    const auto id = static_cast<KorviaShowObjectID>(MediaChannel + i);
+    const bool plays = waitFor([&] { return engine.getSource(id)->getPlayState() == Playing; }, kOpenMs);
+    if (!plays) {
+      std::fprintf(stderr, "channel %d does not play %s\n", i,
+                   qPrintable(options.inputs[i % options.inputs.size()]));
+      return false;
+    }
+  }
+  return true;
+}
+
+void startRecording(KorviaShowEngine& engine, const ShowBenchOptions& options) {
+  const QFileInfo file(options.recordFile);
+  const QMap<QString, int> containers{{"ts", EncapsulationTs},
+                                      {"flv", EncapsulationFlv},
+                                      {"mp4", EncapsulationMp4},
+                                      {"mkv", EncapsulationMkv},
+                                      {"mov", EncapsulationMov}};
+  tagKorviaShowOutputParam param;
+  tagKorviaShowOutputItem& item = param.items[OutputSlotRecord];
+  item.kind = OutputKindRecord;
+  item.recordActive = 1;
+  item.recordPath = file.absolutePath() + '/';
+  item.recordNameFormat = file.completeBaseName();
+  item.recordEncapsulation = containers.value(file.suffix(), EncapsulationMp4);
+  tagKorviaFormatInfo format;
+  format.video.width = format.video.secondWidth = options.size.width();
+  format.video.height = format.video.secondHeight = options.size.height();
+  engine.postEvent(ShowEventStartOutput, OutputSlotRecord, toVariant(param), QString("bench"),
+                   toVariant(format));
+}
+
+QJsonObject stage(const tagKorviaShowEngineFigures::StageTime& time) {
+  return {{"p50Ms", time.p50Ms}, {"p99Ms", time.p99Ms}, {"maxMs", time.maxMs}};
+}
+
+QJsonObject report(const ShowBenchOptions& options, const tagKorviaShowEngineFigures& before,
+                   const tagKorviaShowEngineFigures& after, double wallSeconds,
+                   const ProcessFigures& processBefore, const ProcessFigures& processAfter) {
+  QJsonObject threads;
+  for (auto it = processAfter.threadSeconds.begin(); it != processAfter.threadSeconds.end(); ++it) {
+    const double used = it.value() - processBefore.threadSeconds.value(it.key());
+    if (used / wallSeconds >= 0.001)
+      threads[it.key()] = used / wallSeconds;
+  }
+  return {{"channels", options.channels},
+          {"seconds", wallSeconds},
+          {"frames", after.frames - before.frames},
+          {"fps", static_cast<double>(after.frames - before.frames) / wallSeconds},
+          {"lateTicks", after.lateTicks - before.lateTicks},
+          {"repeatedFrames", after.repeatedFrames - before.repeatedFrames},
+          {"droppedStripPictures", after.droppedStripPictures - before.droppedStripPictures},
+          {"coreSecondsPerSecond", (processAfter.cpuSeconds - processBefore.cpuSeconds) / wallSeconds},
+          {"coresByThread", threads},
+          {"peakResidentMiB", static_cast<double>(processAfter.peakResidentBytes) / (1 << 20)},
+          {"stages", QJsonObject{{"sources", stage(after.sources)},
+                                 {"mix", stage(after.mix)},
+                                 {"items", stage(after.items)},
+                                 {"audio", stage(after.audio)},
+                                 {"monitors", stage(after.monitors)},
+                                 {"handOver", stage(after.handOver)},
+                                 {"tick", stage(after.tick)}}}};
+}
+
+}  // namespace
+
+int runShowBench(const ShowBenchOptions& options) {
+  Sink sink;
+  KorviaShowEngine engine;
+  QElapsedTimer startClock;
+  startClock.start();
+  engine.start(&sink, ShowThreadNormal);
+  engine.postEvent(ShowEventOpen, toVariant(engineInfo(options)),
+                   toVariant(options.monitors ? windows(options.channels) : tagKorviaShowWindowPackInfo{}));
+  tagKorviaShowEngineFigures before;
+  waitFor([&] { return engine.getFigures(before), before.frames > 0; }, kOpenMs);
+  const double firstFrameMs = static_cast<double>(startClock.nsecsElapsed()) / 1e6;
+  if (!openChannels(engine, options)) {
+    engine.stop();
+    return 1;
+  }
+  engine.postEvent(ShowEventSelectChannel, PGMObject, MediaChannel + 0);
+  engine.postEvent(ShowEventSelectChannel, PVMObject, MediaChannel + std::min(1, options.channels - 1));
+  if (!options.recordFile.isEmpty())
+    startRecording(engine, options);
+  pass(kWarmUpMs);
+
+  engine.getFigures(before);
+  const ProcessFigures processBefore = ProcessFigures::now();
+  QElapsedTimer clock;
+  clock.start();
+  int next = 1;
+  QTimer takes;
+  QObject::connect(&takes, &QTimer::timeout, [&] {
+    engine.postEvent(ShowEventTake, MediaChannel + next % options.channels, options.effect, 1.0F, 0);
+    ++next;
+  });
+  if (options.takeEvery > 0)
+    takes.start(static_cast<int>(options.takeEvery * 1000));
+  pass(static_cast<int>(options.seconds * 1000));
+  takes.stop();
+  const double wallSeconds = static_cast<double>(clock.nsecsElapsed()) / 1e9;
+  tagKorviaShowEngineFigures after;
+  engine.getFigures(after);
+  const ProcessFigures processAfter = ProcessFigures::now();
+
+  if (!options.recordFile.isEmpty())
+    engine.postEvent(ShowEventStopOutput, OutputSlotRecord, OutputKindRecord);
+  engine.postEvent(ShowEventClose);
+  engine.stop();
+
+  QJsonObject result = report(options, before, after, wallSeconds, processBefore, processAfter);
+  result["startToFirstFrameMs"] = firstFrameMs;
+  const QByteArray json = QJsonDocument(result).toJson();
+  std::fputs(json.constData(), stdout);
+  if (!options.jsonFile.isEmpty()) {
+    QFile file(options.jsonFile);
+    if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size()) {
+      std::fprintf(stderr, "failed to write %s\n", qPrintable(options.jsonFile));
+      return 1;
+    }
+  }
+  return 0;
+}

@@ -1,0 +1,22 @@
+// A show without windows: films on the channels, takes, a recording, and how the engine kept its time.
+#pragma once
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+struct ShowBenchOptions {
+  QStringList inputs;
+  int channels = 3;
+  double seconds = 10;
+  /// Seconds between takes; 0 takes nothing.
+  double takeEvery = 0;
+  int effect = 22;
+  QString recordFile;
+  QSize size{1920, 1080};
+  int fps = 25;
+  bool monitors = true;
+  QString jsonFile;
+};
+
+/// Runs and prints; the exit code of the program.
+int runShowBench(const ShowBenchOptions& options);

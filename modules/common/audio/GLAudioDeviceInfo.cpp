@@ -1,0 +1,104 @@
+#include "GLAudioDeviceInfo.h"
+
+#include <gst/gst.h>
+
+#include <QList>
+
+namespace {
+
+constexpr std::chrono::seconds kTimeLimit{2};
+
+struct Device {
+  QString name;
+  QString interface;  // "alsa", "pulse"; empty when the system does not tell
+};
+
+/// One listing, shared by its worker and by those who wait for it.
+struct Listing {
+  std::mutex mutex;
+  std::condition_variable changed;
+  bool done = false;      // guarded by mutex
+  QList<Device> devices;  // guarded by mutex
+  const std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::now() + kTimeLimit;
+};
+
+/// The listing that is under way, so that callers who poll a hanging sound system do not pile up threads.
+std::mutex listingMutex;
+std::shared_ptr<Listing> runningListing;  // guarded by listingMutex
+
+QString interfaceOf(GstDevice* device) {
+  QString name;
+  if (GstStructure* properties = gst_device_get_properties(device)) {
+    name = QString::fromUtf8(gst_structure_get_string(properties, "device.api"));
+    gst_structure_free(properties);
+  }
+  return name;
+}
+
+QList<Device> askSystem() {
+  QList<Device> devices;
+  GError* error = nullptr;
+  if (!gst_init_check(nullptr, nullptr, &error)) {
+    qDebug("failed to list audio devices : %s", error ? error->message : "gstreamer does not start");
+    g_clear_error(&error);
+    return devices;
+  }
+  GstDeviceMonitor* monitor = gst_device_monitor_new();
+  gst_device_monitor_add_filter(monitor, "Audio/Sink", nullptr);
+  GList* found = gst_device_monitor_get_devices(monitor);
+  for (GList* entry = found; entry; entry = entry->next) {
+    auto* device = GST_DEVICE(entry->data);
+    gchar* name = gst_device_get_display_name(device);
+    devices.append({QString::fromUtf8(name), interfaceOf(device)});
+    g_free(name);
+  }
+  g_list_free_full(found, gst_object_unref);
+  gst_object_unref(monitor);
+  return devices;
+}
+
+void runListing(const std::shared_ptr<Listing>& listing) {
+  QList<Device> devices = askSystem();
+  {
+    const std::lock_guard lock(listingMutex);
+    if (runningListing == listing)
+      runningListing.reset();
+  }
+  const std::lock_guard lock(listing->mutex);
+  listing->devices = std::move(devices);
+  listing->done = true;
+  listing->changed.notify_all();
+}
+
+std::shared_ptr<Listing> currentListing() {
+  const std::lock_guard lock(listingMutex);
+  if (!runningListing) {
+    runningListing = std::make_shared<Listing>();
+    // Detached: a sound server that hangs for ever must not hold up the end of the process.
+    std::thread(runListing, runningListing).detach();
+  }
+  return runningListing;
+}
+
+}  // namespace
+
+QStringList GLAudioDeviceInfo::enumAudioDeviceList(const QString& driver) {
+  const std::shared_ptr<Listing> listing = currentListing();
+  QStringList names;
+  {
+    std::unique_lock lock(listing->mutex);
+    if (!listing->changed.wait_until(lock, listing->deadline, [&] { return listing->done; })) {
+      qDebug("failed to list audio devices : no answer within the time limit");
+      return names;
+    }
+    const bool any = driver.isEmpty() || driver.compare(QLatin1String("dsound"), Qt::CaseInsensitive) == 0;
+    for (const Device& device : std::as_const(listing->devices)) {
+      if (any || device.interface.compare(driver, Qt::CaseInsensitive) == 0)
+        names.append(device.name);
+    }
+  }
+  names.removeDuplicates();
+  if (names.isEmpty())
+    qDebug("no audio device found");
+  return names;
+}

@@ -1,0 +1,143 @@
+#include "IncomeServer.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QHostAddress>
+#include <QLoggingCategory>
+#include <QStandardPaths>
+#include <cerrno>
+
+#include "DrivePath.h"
+#include "NginxSupervisor.h"
+
+namespace korvia {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcIncome, "korvia.income", QtInfoMsg)
+
+constexpr int kDefaultRtmpPort = 1935;
+constexpr char kModuleFile[] = "ngx_rtmp_module.so";
+
+QString absolute(const QString& path) {
+  return QDir::cleanPath(QDir(DrivePath::resolve(path)).absolutePath());
+}
+
+QString findNginx() {
+  if (qEnvironmentVariableIsSet("KORVIA_NGINX")) {
+    const QFileInfo named(qEnvironmentVariable("KORVIA_NGINX"));
+    return named.isFile() && named.isExecutable() ? named.absoluteFilePath() : QString();
+  }
+  const QString name = QStringLiteral("nginx");
+  const QString found = QStandardPaths::findExecutable(name);
+  // The folders of servers are not in the search path of every user.
+  return found.isEmpty() ? QStandardPaths::findExecutable(
+                               name, {QStringLiteral("/usr/sbin"), QStringLiteral("/usr/local/sbin")})
+                         : found;
+}
+
+QString findRtmpModule() {
+  const QString folder =
+      qEnvironmentVariable("KORVIA_NGINX_MODULES", QStringLiteral("/usr/lib/nginx/modules"));
+  const QFileInfo module{QDir(folder), QLatin1String(kModuleFile)};
+  return module.isFile() ? module.absoluteFilePath() : QString();
+}
+
+int wantedRtmpPort() {
+  bool isNumber = false;
+  const int port = qEnvironmentVariableIntValue("KORVIA_RTMP_PORT", &isNumber);
+  return isNumber && port >= 1 && port <= 65535 ? port : kDefaultRtmpPort;
+}
+
+QString listenAddress() {
+  const QString loopback = QStringLiteral("127.0.0.1");
+  const QString text = qEnvironmentVariable("KORVIA_INCOME_LISTEN");
+  if (text.isEmpty())
+    return loopback;
+  const QHostAddress address(text);
+  if (address.protocol() == QAbstractSocket::IPv4Protocol)
+    return address.toString();
+  qCWarning(lcIncome, "not an address to listen on : %s", qUtf8Printable(text));
+  return loopback;
+}
+
+}  // namespace
+
+IncomeServer::IncomeServer() = default;
+
+IncomeServer::~IncomeServer() {
+  IncomeServer::close();
+}
+
+bool IncomeServer::release() {
+  if (isValid())
+    delete this;
+  return true;
+}
+
+void* IncomeServer::queryInterface(const Identifier* id, unsigned version) {
+  if (isRequestFor(kIKorviaRTMPIncomeServerId, id, version) || (id && *id == kIUnknownExId))
+    return static_cast<IKorviaRTMPIncomeServer*>(this);
+  return nullptr;
+}
+
+int IncomeServer::open(const QString& rootPath, int port, const QString& htmlPath) {
+  if (supervisor_ || port < 1 || port > 65535 || htmlPath.isEmpty())
+    return -EINVAL;
+  NginxSupervisor::Settings settings;
+  settings.program = findNginx();
+  if (settings.program.isEmpty()) {
+    qCWarning(lcIncome, "nginx is missing, streams cannot be pushed to the console");
+    return -ENOENT;
+  }
+  settings.config.modulePath = findRtmpModule();
+  if (settings.config.modulePath.isEmpty()) {
+    qCWarning(lcIncome, "the rtmp module of nginx is missing, streams cannot be pushed to the console");
+    return -ENOENT;
+  }
+  settings.cacheFolder = absolute(rootPath) + QStringLiteral("/cache");
+  settings.config.htmlFolder = absolute(htmlPath);
+  settings.config.address = listenAddress();
+  settings.config.httpPort = port;
+  settings.config.rtmpPort = wantedRtmpPort();
+
+  supervisor_ = std::make_unique<NginxSupervisor>();
+  supervisor_->moveToThread(&thread_);
+  thread_.setObjectName(QStringLiteral("income server"));
+  thread_.start();
+  int result = -EIO;
+  QMetaObject::invokeMethod(
+      supervisor_.get(), [&] { result = supervisor_->start(settings); }, Qt::BlockingQueuedConnection);
+  if (result < 0)
+    close();
+  return result;
+}
+
+bool IncomeServer::isRunning() {
+  return supervisor_ && supervisor_->isRunning();
+}
+
+int IncomeServer::rtmpPort() {
+  return supervisor_ ? supervisor_->rtmpPort() : 0;
+}
+
+void IncomeServer::close() {
+  if (!supervisor_)
+    return;
+  supervisor_->cancel();
+  QMetaObject::invokeMethod(
+      supervisor_.get(), [this] { supervisor_->stop(); }, Qt::BlockingQueuedConnection);
+  thread_.quit();
+  thread_.wait();
+  supervisor_.reset();
+}
+
+}  // namespace korvia
+
+extern "C" Q_DECL_EXPORT void* CreateKorviaRTMPIncomeServer(const Identifier* id, unsigned version) {
+  auto* server = new korvia::IncomeServer;
+  void* interface = server->queryInterface(id, version);
+  if (!interface)
+    delete server;
+  return interface;
+}

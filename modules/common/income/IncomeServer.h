@@ -1,0 +1,36 @@
+// Takes pushed RTMP streams and serves the page folder, by an nginx that it starts and ends. Console thread
+// only; the child process belongs to a supervisor on a thread of its own.
+// KORVIA_NGINX names the program and KORVIA_NGINX_MODULES the folder of its modules when they are not where
+// Debian puts them; KORVIA_RTMP_PORT is the wanted RTMP port (1935); KORVIA_INCOME_LISTEN is a numeric IPv4
+// address to listen on instead of 127.0.0.1, for streams that come from other machines.
+#pragma once
+#include <QThread>
+#include <memory>
+
+#include "IKorviaRTMPIncomeServer.h"
+
+namespace korvia {
+
+class NginxSupervisor;
+
+class IncomeServer : public IKorviaRTMPIncomeServer {
+ public:
+  IncomeServer();
+  ~IncomeServer() override;
+  IncomeServer(const IncomeServer&) = delete;
+  IncomeServer& operator=(const IncomeServer&) = delete;
+
+  bool isValid() override { return true; }
+  bool release() override;
+  void* queryInterface(const Identifier* id, unsigned version) override;
+  int open(const QString& rootPath, int port, const QString& htmlPath) override;
+  bool isRunning() override;
+  int rtmpPort() override;
+  void close() override;
+
+ private:
+  QThread thread_;  // lives as long as the child, which the kernel ends together with it
+  std::unique_ptr<NginxSupervisor> supervisor_;  // on thread_
+};
+
+}  // namespace korvia

@@ -1,0 +1,40 @@
+// Shows the status board to the operator's browser: "/status.json" and a page at "/", on loopback only.
+// open and close are called on the console thread; requests are answered on one thread of libmicrohttpd.
+#pragma once
+#include <QByteArray>
+#include <QElapsedTimer>
+
+#include "IKorviaWebServer.h"
+
+struct MHD_Daemon;
+struct MHD_Connection;
+
+namespace korvia {
+
+class WebServer : public IKorviaWebServer {
+ public:
+  WebServer();
+  ~WebServer() override;
+  WebServer(const WebServer&) = delete;
+  WebServer& operator=(const WebServer&) = delete;
+
+  bool isValid() override { return true; }
+  bool release() override;
+  void* queryInterface(const Identifier* id, unsigned version) override;
+  int open(IKorviaWebServerSink* sink, int* httpPort) override;
+  void close() override;
+
+  /// Answers one request. Server thread.
+  int answer(MHD_Connection* connection, const char* url, const char* method);
+
+ private:
+  QByteArray statusJson() const;
+
+  // Set before the server's thread starts and not changed while it runs.
+  QByteArray page_;
+  QByteArray pagePolicy_;  // content security policy that allows the page's own script and style
+  QElapsedTimer uptime_;
+  MHD_Daemon* daemon_ = nullptr;
+};
+
+}  // namespace korvia

@@ -1,0 +1,26 @@
+#include "StatusBoard.h"
+
+#include <QMutexLocker>
+
+namespace korvia {
+
+StatusBoard& StatusBoard::instance() {
+  // Never destroyed: a server thread may still read it while the process ends.
+  static auto* board = new StatusBoard;
+  return *board;
+}
+
+void StatusBoard::publish(const QString& section, const QJsonObject& values) {
+  const QMutexLocker lock(&mutex_);
+  if (values.isEmpty())
+    sections_.remove(section);
+  else
+    sections_.insert(section, values);
+}
+
+QJsonObject StatusBoard::snapshot() const {
+  const QMutexLocker lock(&mutex_);
+  return sections_;
+}
+
+}  // namespace korvia

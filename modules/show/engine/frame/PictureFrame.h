@@ -1,0 +1,20 @@
+// Makes frames of RGB pictures and colours: BT.709 limited range, transparency over black.
+// Pure functions, any thread.
+#pragma once
+#include <QImage>
+#include <array>
+
+#include "Frame.h"
+
+namespace korvia {
+
+/// Y, U, V of one colour.
+std::array<std::uint8_t, 3> codeValues(QRgb color);
+
+/// The frame in the image's own size; null for a null image.
+FrameRef frameFromImage(const QImage& image);
+
+/// Fills columns [left, right) of the frame; `left` even. Only before the frame is published.
+void fillColumns(Frame& frame, int left, int right, const std::array<std::uint8_t, 3>& values);
+
+}  // namespace korvia

@@ -1,0 +1,7 @@
+#include "OutputLog.h"
+
+namespace korvia {
+
+Q_LOGGING_CATEGORY(logOutput, "korvia.output")
+
+}  // namespace korvia

@@ -1,0 +1,33 @@
+#include "RecordContainer.h"
+
+#include "tagKorviaShowOutputParam.h"
+
+namespace korvia {
+
+namespace {
+
+// Fragments carry their own index, so a file that is never finalised plays to its last fragment; a clean stop
+// turns the file into an ordinary one with a single index.
+const std::vector<RecordContainer::Property> kFragments = {{"fragment-duration", "500"},
+                                                           {"fragment-mode", "first-moov-then-finalise"}};
+
+// In the order of preference for an unknown number.
+const RecordContainer kContainers[] = {
+    {EncapsulationMp4, "mp4", "mp4mux", 0, kFragments},
+    {EncapsulationMov, "mov", "qtmux", 0, kFragments},
+    {EncapsulationTs, "ts", "mpegtsmux", -1, {}},
+    {EncapsulationFlv, "flv", "flvmux", 0, {}},
+    {EncapsulationMkv, "mkv", "matroskamux", 0, {{"max-cluster-duration", "500000000"}}},
+};
+
+}  // namespace
+
+const RecordContainer& RecordContainer::of(int encapsulation) {
+  for (const RecordContainer& container : kContainers) {
+    if (container.encapsulation == encapsulation)
+      return container;
+  }
+  return kContainers[0];
+}
+
+}  // namespace korvia

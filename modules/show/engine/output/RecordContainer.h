@@ -1,0 +1,26 @@
+// The file formats of a recording: which multiplexer writes them, and how, so that a file survives the end of
+// the process at any moment. Constant data, any thread.
+#pragma once
+#include <vector>
+
+namespace korvia {
+
+struct RecordContainer {
+  /// A property of the multiplexer and its value as text.
+  struct Property {
+    const char* name;
+    const char* value;
+  };
+
+  int encapsulation;
+  const char* suffix;  ///< of the file, without the dot
+  const char* muxer;   ///< GStreamer element
+  /// Seconds between repeated stream headers: -1 with every key picture, 0 once in the file's own header.
+  int headerInterval;
+  std::vector<Property> properties;
+
+  /// The format for a KorviaShowEncapsulation; mp4, the default of new records, for any other number.
+  static const RecordContainer& of(int encapsulation);
+};
+
+}  // namespace korvia

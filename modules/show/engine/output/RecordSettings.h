@@ -1,0 +1,31 @@
+// What one recording needs to know, fixed from its start to its end. Plain values.
+#pragma once
+#include <QString>
+#include <functional>
+
+#include "RecordContainer.h"
+#include "engine/frame/Frame.h"
+
+namespace korvia {
+
+struct RecordSettings {
+  QString folder;  ///< drive path or path of this machine
+  QString name;    ///< file name without suffix, cleaned
+  RecordContainer container = RecordContainer::of(2);
+  FrameSize size;  ///< of the recorded picture; both sides even
+  /// Frames per second, of the engine and of the file.
+  int rateNumerator = 25;
+  int rateDenominator = 1;
+  int videoKbps = 4096;
+
+  /// Frames that may wait for the encoder; twelve of 1920x1080 are 37 MB.
+  int queueCapacity = 12;
+  /// How long what was pushed may take to be written after the end.
+  int finishTimeoutMs = 10000;
+  /// The file is closed in time when less than this is left on its disk.
+  qint64 minimumFreeBytes = 64LL * 1024 * 1024;
+  /// Bytes free at a folder, negative when unknown. Called about once a second on the output's own thread.
+  std::function<qint64(const QString& folder)> freeBytes;
+};
+
+}  // namespace korvia

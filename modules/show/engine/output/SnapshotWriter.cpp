@@ -1,0 +1,119 @@
+#include "SnapshotWriter.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QImageWriter>
+#include <QSaveFile>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <utility>
+
+#include "DrivePath.h"
+#include "FrameImage.h"
+#include "OutputLog.h"
+
+namespace korvia {
+
+namespace {
+
+// Of QImageWriter: zlib's quickest level, a fifth of the default's time for a few per cent more bytes.
+constexpr int kPngQuality = 85;
+constexpr int kEndMs = 5000;
+
+/// The reason why not; empty when the file is there.
+QString writePng(const Frame& frame, const QString& path) {
+  const QImage image = toImage(frame);
+  if (image.isNull())
+    return QStringLiteral("no memory for the picture");
+  const QString folder = QFileInfo(path).path();
+  if (!QDir().mkpath(folder))
+    return QStringLiteral("the folder \"%1\" cannot be made").arg(folder);
+  QSaveFile file(path);
+  if (!file.open(QIODevice::WriteOnly))
+    return file.errorString();
+  QImageWriter writer(&file, "png");
+  writer.setQuality(kPngQuality);
+  if (!writer.write(image))
+    return writer.errorString();
+  return file.commit() ? QString() : file.errorString();
+}
+
+}  // namespace
+
+struct SnapshotWriter::State {
+  struct Job {
+    FrameRef frame;
+    QString path;
+  };
+
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::deque<Job> jobs;  // guarded by mutex
+  bool busy = false;     // guarded by mutex; a job is being written
+  bool stop = false;     // guarded by mutex
+};
+
+SnapshotWriter::SnapshotWriter()
+    : state_(std::make_shared<State>()), thread_([state = state_] { run(state); }) {}
+
+SnapshotWriter::~SnapshotWriter() {
+  const bool flushed = flush(kEndMs);
+  {
+    std::lock_guard lock(state_->mutex);
+    state_->stop = true;
+    state_->changed.notify_all();
+  }
+  if (flushed) {
+    thread_.join();
+  } else {
+    qCWarning(logOutput, "a snapshot is not written in time, left behind");
+    thread_.detach();
+  }
+}
+
+bool SnapshotWriter::write(const FrameRef& frame, const QString& path) {
+  if (!frame)
+    return false;
+  {
+    std::lock_guard lock(state_->mutex);
+    if (state_->jobs.size() < kQueueCapacity) {
+      state_->jobs.push_back({frame, path});
+      state_->changed.notify_all();
+      return true;
+    }
+  }
+  qCWarning(logOutput, "too many snapshots at once, \"%s\" is left out", qPrintable(path));
+  return false;
+}
+
+bool SnapshotWriter::flush(int timeoutMs) {
+  std::unique_lock lock(state_->mutex);
+  return state_->changed.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                                  [this] { return state_->jobs.empty() && !state_->busy; });
+}
+
+void SnapshotWriter::run(const std::shared_ptr<State>& state) {
+  std::unique_lock lock(state->mutex);
+  for (;;) {
+    state->changed.wait(lock, [&] { return state->stop || !state->jobs.empty(); });
+    if (state->stop)
+      return;
+    const State::Job job = std::move(state->jobs.front());
+    state->jobs.pop_front();
+    state->busy = true;
+    lock.unlock();
+    const QString path = DrivePath::resolve(job.path);
+    const QString failure = writePng(*job.frame, path);
+    if (failure.isEmpty())
+      qCInfo(logOutput, "snapshot \"%s\" written", qPrintable(path));
+    else
+      qCWarning(logOutput, "snapshot \"%s\" failed : %s", qPrintable(path), qPrintable(failure));
+    lock.lock();
+    state->busy = false;
+    state->changed.notify_all();
+  }
+}
+
+}  // namespace korvia

@@ -1,0 +1,360 @@
+#include "FilmPipeline.h"
+
+#include <fcntl.h>
+#include <gst/app/gstappsink.h>
+#include <gst/video/video.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QFile>
+#include <cerrno>
+#include <cstring>
+
+#include "GstInit.h"
+#include "SourceLog.h"
+
+namespace korvia {
+
+namespace {
+
+// Compressed data that waits between demuxer and decoder: more than a second of any usual film.
+constexpr guint kMostQueuedBytes = 4 * 1024 * 1024;
+
+GstElement* makeElement(const char* factory, QString& reason) {
+  GstElement* element = gst_element_factory_make(factory, nullptr);
+  if (!element)
+    reason = QStringLiteral("gstreamer element %1 is missing").arg(QLatin1String(factory));
+  return element;
+}
+
+/// The caps of a pad that is being exposed; to be unreferenced, may be null.
+GstCaps* capsOf(GstPad* pad) {
+  GstCaps* caps = gst_pad_get_current_caps(pad);
+  return caps ? caps : gst_pad_query_caps(pad, nullptr);
+}
+
+bool isFromDemuxer(GstPad* pad) {
+  GstElement* element = gst_pad_get_parent_element(pad);
+  if (!element)
+    return false;
+  GstElementFactory* factory = gst_element_get_factory(element);
+  const bool demuxer = factory && gst_element_factory_list_is_type(factory, GST_ELEMENT_FACTORY_TYPE_DEMUXER);
+  gst_object_unref(element);
+  return demuxer;
+}
+
+void setIfThere(GstElement* element, const char* property, int value) {
+  if (GParamSpec* spec = g_object_class_find_property(G_OBJECT_GET_CLASS(element), property)) {
+    GValue number = G_VALUE_INIT;
+    g_value_init(&number, G_TYPE_INT);
+    g_value_set_int(&number, value);
+    g_object_set_property(G_OBJECT(element), spec->name, &number);
+    g_value_unset(&number);
+  }
+}
+
+}  // namespace
+
+FilmPipeline::FilmPipeline(FilmPipelineListener& listener) : listener_(listener) {}
+
+FilmPipeline::~FilmPipeline() {
+  if (pipeline_) {
+    gst_element_set_state(pipeline_, GST_STATE_NULL);
+    GstBus* bus = gst_element_get_bus(pipeline_);
+    gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
+    gst_object_unref(bus);
+    gst_object_unref(pipeline_);
+  }
+  if (fd_ >= 0)
+    ::close(fd_);
+}
+
+GstElement* FilmPipeline::makeReader(const QString& path, QString& reason) {
+  const QByteArray name = QFile::encodeName(path);
+  struct stat status;
+  if (::stat(name.constData(), &status) != 0) {
+    reason = QString::fromLocal8Bit(std::strerror(errno)).toLower();
+    return nullptr;
+  }
+  if (S_ISDIR(status.st_mode)) {
+    reason = QStringLiteral("is a folder");
+    return nullptr;
+  }
+  regularFile_ = S_ISREG(status.st_mode);
+  if (regularFile_ && status.st_size == 0) {
+    reason = QStringLiteral("file is empty");
+    return nullptr;
+  }
+  GstElement* reader = nullptr;
+  if (regularFile_) {
+    reader = makeElement("filesrc", reason);
+    if (reader)
+      g_object_set(reader, "location", name.constData(), nullptr);
+    return reader;
+  }
+  // Without O_NONBLOCK the open would wait for a writer.
+  fd_ = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (fd_ < 0) {
+    reason = QString::fromLocal8Bit(std::strerror(errno)).toLower();
+    return nullptr;
+  }
+  reader = makeElement("fdsrc", reason);
+  if (reader)
+    g_object_set(reader, "fd", fd_, nullptr);
+  return reader;
+}
+
+bool FilmPipeline::makePictureChain(QString& reason) {
+  deinterlace_ = makeElement("deinterlace", reason);
+  pictureSink_ = makeElement("appsink", reason);
+  if (!deinterlace_ || !pictureSink_)
+    return false;
+  gst_bin_add_many(GST_BIN(pipeline_), deinterlace_, pictureSink_, nullptr);
+  // One picture a frame: the show's rate is the frame rate, not the field rate.
+  gst_util_set_object_arg(G_OBJECT(deinterlace_), "fields", "top");
+  gst_util_set_object_arg(G_OBJECT(deinterlace_), "mode", "auto");
+  GstCaps* caps = gst_caps_new_empty_simple("video/x-raw");
+  // The tap's clock paces the film, so the sink runs free and needs no preroll.
+  g_object_set(pictureSink_, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1u, "enable-last-sample",
+               FALSE, "qos", FALSE, nullptr);
+  gst_caps_unref(caps);
+
+  GstAppSinkCallbacks callbacks = {};
+  callbacks.new_sample = [](GstAppSink* sink, gpointer self) -> GstFlowReturn {
+    if (GstSample* sample = gst_app_sink_pull_sample(sink)) {
+      static_cast<FilmPipeline*>(self)->listener_.onPicture(sample);
+      gst_sample_unref(sample);
+    }
+    return GST_FLOW_OK;
+  };
+  callbacks.eos = [](GstAppSink*, gpointer self) { static_cast<FilmPipeline*>(self)->listener_.onEndOfStream(); };
+  gst_app_sink_set_callbacks(GST_APP_SINK(pictureSink_), &callbacks, this, nullptr);
+
+  GstPad* pad = gst_element_get_static_pad(pictureSink_, "sink");
+  gst_pad_add_probe(
+      pad,
+      static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH |
+                                   GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM),
+      [](GstPad*, GstPadProbeInfo* info, gpointer self) {
+        return static_cast<FilmPipeline*>(self)->onSinkProbe(info);
+      },
+      this, nullptr);
+  gst_object_unref(pad);
+  if (!gst_element_link(deinterlace_, pictureSink_)) {
+    reason = QStringLiteral("picture chain does not link");
+    return false;
+  }
+  return true;
+}
+
+bool FilmPipeline::start(const QString& path, QString& reason) {
+  if (!startGStreamer()) {
+    reason = QStringLiteral("gstreamer does not start");
+    return false;
+  }
+  GstElement* reader = makeReader(path, reason);
+  if (!reader)
+    return false;
+  pipeline_ = GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr)));
+  gst_bin_add(GST_BIN(pipeline_), reader);
+  GstElement* decoder = makeElement("decodebin", reason);
+  if (!decoder)
+    return false;
+  gst_bin_add(GST_BIN(pipeline_), decoder);
+  g_object_set(decoder, "max-size-bytes", kMostQueuedBytes, nullptr);
+  if (!makePictureChain(reason))
+    return false;
+
+  GstBus* bus = gst_element_get_bus(pipeline_);
+  gst_bus_set_sync_handler(bus, &FilmPipeline::onMessage, this, nullptr);
+  gst_object_unref(bus);
+  g_signal_connect(decoder, "pad-added",
+                   G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer self) {
+                     static_cast<FilmPipeline*>(self)->onPadAdded(pad);
+                   }),
+                   this);
+  g_signal_connect(decoder, "no-more-pads",
+                   G_CALLBACK(+[](GstElement*, gpointer self) {
+                     static_cast<FilmPipeline*>(self)->failWithoutPicture();
+                   }),
+                   this);
+  g_signal_connect(decoder, "autoplug-continue",
+                   G_CALLBACK(+[](GstElement*, GstPad* pad, GstCaps* caps, gpointer self) -> gboolean {
+                     return static_cast<FilmPipeline*>(self)->wantsDecoding(pad, caps);
+                   }),
+                   this);
+  g_signal_connect(pipeline_, "deep-element-added",
+                   G_CALLBACK(+[](GstBin*, GstBin*, GstElement* element, gpointer self) {
+                     static_cast<FilmPipeline*>(self)->onElementAdded(element);
+                   }),
+                   this);
+  if (!gst_element_link(reader, decoder)) {
+    reason = QStringLiteral("reader does not link");
+    return false;
+  }
+  if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
+    reason = QStringLiteral("file cannot be read");
+    return false;
+  }
+  return true;
+}
+
+bool FilmPipeline::seek(std::int64_t positionNs) {
+  return pipeline_ &&
+         gst_element_seek_simple(pipeline_, GST_FORMAT_TIME,
+                                 static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE), positionNs);
+}
+
+std::int64_t FilmPipeline::durationNs() const {
+  gint64 duration = 0;
+  if (!pipeline_ || !gst_element_query_duration(pipeline_, GST_FORMAT_TIME, &duration) || duration < 0)
+    return 0;
+  return duration;
+}
+
+bool FilmPipeline::wantsDecoding(GstPad* pad, GstCaps* caps) {
+  const GstStructure* format = gst_caps_is_empty(caps) || gst_caps_is_any(caps) ? nullptr : gst_caps_get_structure(caps, 0);
+  if (!format)
+    return true;
+  const char* name = gst_structure_get_name(format);
+  if (!isFromDemuxer(pad) && !g_str_has_prefix(name, "audio/"))
+    return true;
+  if (!g_str_has_prefix(name, "video/") && !g_str_has_prefix(name, "image/"))
+    return false;
+  gchar* id = gst_pad_get_stream_id(pad);
+  const std::string stream = id ? id : "";
+  g_free(id);
+  std::lock_guard lock(streamMutex_);
+  if (pictureStream_.empty())
+    pictureStream_ = stream;
+  return pictureStream_ == stream;
+}
+
+void FilmPipeline::onElementAdded(GstElement* element) {
+  GstElementFactory* factory = gst_element_get_factory(element);
+  if (!factory || !gst_element_factory_list_is_type(factory, GST_ELEMENT_FACTORY_TYPE_DECODER))
+    return;
+  // Up to eight films share few cores: a decoder with threads of its own wins nothing there, and costs a
+  // picture's delay and memory for each.
+  for (const char* property : {"max-threads", "n-threads", "threads"})
+    setIfThere(element, property, 1);
+}
+
+void FilmPipeline::onPadAdded(GstPad* pad) {
+  GstCaps* caps = capsOf(pad);
+  const GstStructure* format =
+      caps && !gst_caps_is_empty(caps) && !gst_caps_is_any(caps) ? gst_caps_get_structure(caps, 0) : nullptr;
+  const char* name = format ? gst_structure_get_name(format) : "";
+  if (g_str_has_prefix(name, "video/x-raw") && !hasPicture_.exchange(true))
+    linkPicture(pad, format);
+  else if (g_str_has_prefix(name, "audio/"))
+    linkSound(pad);
+  else
+    linkNowhere(pad);
+  if (caps)
+    gst_caps_unref(caps);
+}
+
+void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
+  // Interlaced pictures of more than 8 bits would pass the deinterlacer untouched.
+  const char* interlace = gst_structure_get_string(format, "interlace-mode");
+  const char* pixels = gst_structure_get_string(format, "format");
+  const GstVideoFormatInfo* info =
+      pixels ? gst_video_format_get_info(gst_video_format_from_string(pixels)) : nullptr;
+  GstPad* sink = nullptr;
+  if (interlace && std::strcmp(interlace, "progressive") != 0 && info && info->n_components > 0 && info->depth[0] > 8) {
+    GstElement* convert = gst_element_factory_make("videoconvert", nullptr);
+    GstElement* filter = gst_element_factory_make("capsfilter", nullptr);
+    if (convert && filter) {
+      GstCaps* caps = gst_caps_from_string("video/x-raw,format=I420");
+      g_object_set(filter, "caps", caps, nullptr);
+      gst_caps_unref(caps);
+      gst_bin_add_many(GST_BIN(pipeline_), convert, filter, nullptr);
+      gst_element_link_many(convert, filter, deinterlace_, nullptr);
+      gst_element_sync_state_with_parent(filter);
+      gst_element_sync_state_with_parent(convert);
+      sink = gst_element_get_static_pad(convert, "sink");
+    }
+  }
+  if (!sink)
+    sink = gst_element_get_static_pad(deinterlace_, "sink");
+  if (gst_pad_link(pad, sink) != GST_PAD_LINK_OK)
+    fail(QStringLiteral("picture cannot be linked"));
+  gst_object_unref(sink);
+}
+
+// The film's sound, still encoded: the place where decoder and audio tap follow on.
+void FilmPipeline::linkSound(GstPad* pad) { linkNowhere(pad); }
+
+void FilmPipeline::linkNowhere(GstPad* pad) {
+  GstElement* sink = gst_element_factory_make("fakesink", nullptr);
+  if (!sink)
+    return;
+  g_object_set(sink, "sync", FALSE, "async", FALSE, "enable-last-sample", FALSE, nullptr);
+  gst_bin_add(GST_BIN(pipeline_), sink);
+  GstPad* sinkPad = gst_element_get_static_pad(sink, "sink");
+  gst_pad_link(pad, sinkPad);
+  gst_object_unref(sinkPad);
+  gst_element_sync_state_with_parent(sink);
+}
+
+GstPadProbeReturn FilmPipeline::onSinkProbe(GstPadProbeInfo* info) {
+  if (info->type & GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM) {
+    GstQuery* query = gst_pad_probe_info_get_query(info);
+    if (GST_QUERY_TYPE(query) != GST_QUERY_ALLOCATION || !(info->type & GST_PAD_PROBE_TYPE_PUSH))
+      return GST_PAD_PROBE_OK;
+    // Lets decoders write into pictures with padding of their own, instead of copying out of them.
+    if (!gst_query_find_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr))
+      gst_query_add_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr);
+    return GST_PAD_PROBE_HANDLED;
+  }
+  GstEvent* event = gst_pad_probe_info_get_event(info);
+  switch (GST_EVENT_TYPE(event)) {
+    case GST_EVENT_FLUSH_START:
+      listener_.onFlushStart();
+      break;
+    case GST_EVENT_FLUSH_STOP:
+      listener_.onFlushStop();
+      break;
+    case GST_EVENT_TAG: {
+      GstTagList* tags = nullptr;
+      gst_event_parse_tag(event, &tags);
+      gchar* orientation = nullptr;
+      if (gst_tag_list_get_string(tags, GST_TAG_IMAGE_ORIENTATION, &orientation)) {
+        listener_.onOrientation(orientation);
+        g_free(orientation);
+      }
+      break;
+    }
+    default:
+      break;
+  }
+  return GST_PAD_PROBE_OK;
+}
+
+void FilmPipeline::fail(const QString& reason) {
+  if (!failed_.exchange(true))
+    listener_.onFailure(reason);
+}
+
+void FilmPipeline::failWithoutPicture() {
+  if (!hasPicture_)
+    fail(QStringLiteral("no picture in the file"));
+}
+
+GstBusSyncReply FilmPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
+  if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
+    GError* error = nullptr;
+    gchar* detail = nullptr;
+    gst_message_parse_error(message, &error, &detail);
+    qCDebug(logSource, "gstreamer : %s", detail ? detail : "");
+    static_cast<FilmPipeline*>(self)->fail(QString::fromUtf8(error->message).toLower());
+    g_clear_error(&error);
+    g_free(detail);
+  }
+  // Nobody reads the bus; messages that stay would only pile up.
+  gst_message_unref(message);
+  return GST_BUS_DROP;
+}
+
+}  // namespace korvia

@@ -1,0 +1,73 @@
+// The GStreamer side of one film: file in, decoded pictures out. Sound is found but not decoded yet.
+// Made, seeked and destroyed by the film's control thread; those calls may block. The listener is called on
+// GStreamer's threads.
+#pragma once
+#include <gst/gst.h>
+
+#include <QString>
+#include <atomic>
+#include <mutex>
+#include <string>
+
+namespace korvia {
+
+/// What a pipeline tells its film.
+class FilmPipelineListener {
+ public:
+  virtual ~FilmPipelineListener() = default;
+  /// A decoded picture; the time stamps of the buffer are those of the sample's segment. May wait.
+  virtual void onPicture(GstSample* sample) = 0;
+  /// The picture has to be turned by the tag's value.
+  virtual void onOrientation(const char* tag) = 0;
+  virtual void onFlushStart() = 0;
+  virtual void onFlushStop() = 0;
+  virtual void onEndOfStream() = 0;
+  virtual void onFailure(const QString& reason) = 0;
+};
+
+class FilmPipeline {
+ public:
+  explicit FilmPipeline(FilmPipelineListener& listener);
+  /// Stops; returns when no listener call is running any more.
+  ~FilmPipeline();
+  FilmPipeline(const FilmPipeline&) = delete;
+  FilmPipeline& operator=(const FilmPipeline&) = delete;
+
+  /// Starts to decode; false with a reason when the path is no readable file or a plugin is missing. Never
+  /// waits for the other end of a FIFO.
+  bool start(const QString& path, QString& reason);
+  /// Flushes and goes on at `positionNs` exactly; false when the film cannot be seeked.
+  bool seek(std::int64_t positionNs);
+  /// 0 when unknown.
+  std::int64_t durationNs() const;
+  /// False for a FIFO and the like, which can be read only once.
+  bool isRegularFile() const { return regularFile_; }
+
+ private:
+  GstElement* makeReader(const QString& path, QString& reason);
+  bool makePictureChain(QString& reason);
+  void onPadAdded(GstPad* pad);
+  void linkPicture(GstPad* pad, const GstStructure* format);
+  void linkSound(GstPad* pad);
+  void linkNowhere(GstPad* pad);
+  bool wantsDecoding(GstPad* pad, GstCaps* caps);
+  void onElementAdded(GstElement* element);
+  GstPadProbeReturn onSinkProbe(GstPadProbeInfo* info);
+  void fail(const QString& reason);
+  void failWithoutPicture();
+
+  static GstBusSyncReply onMessage(GstBus* bus, GstMessage* message, gpointer self);
+
+  FilmPipelineListener& listener_;
+  GstElement* pipeline_ = nullptr;
+  GstElement* deinterlace_ = nullptr;
+  GstElement* pictureSink_ = nullptr;
+  int fd_ = -1;
+  bool regularFile_ = true;
+  std::atomic<bool> hasPicture_{false};
+  std::atomic<bool> failed_{false};
+  std::mutex streamMutex_;
+  std::string pictureStream_;  // guarded by streamMutex_
+};
+
+}  // namespace korvia

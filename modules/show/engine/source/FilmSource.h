@@ -1,0 +1,50 @@
+// A film file: any container and codec that the installed plugins read. Plays by itself once it is open.
+// Console thread, except pullFrame: engine thread. Nothing here waits for the film.
+#pragma once
+#include <memory>
+
+#include "FilmPlayer.h"
+#include "Source.h"
+#include "SourceThreads.h"  // waitForClosedSources, for whoever ends a show
+
+namespace korvia {
+
+class FilmSource final : public Source {
+ public:
+  /// Opens `info.moviePath`. The states go from Opening to Playing, or to Error with a line in the log.
+  FilmSource(const SourceContext& context, const tagKorviaShowSourceInfo& info, const tagKorviaFormatInfo& format);
+  ~FilmSource() override;
+
+  FrameRef pullFrame(int ticks) override;
+  void close() override;
+  SourceFigures figures() override;
+
+  KorviaShowObjectID getObjectId() override { return id_; }
+  int* getSourceInfo() override { return &info_.kind; }
+  const tagKorviaFormatInfo* getFormat() override { return &format_; }
+  void getState(tagKorviaSourceLinkState& state) override;
+  void play() override;
+  void stop() override;
+  void pause() override;
+  void setHold(bool hold) override;
+  void prev() override {}
+  void next() override {}
+  void getDuration(qint64& duration) override;
+  void getTime(qint64& time) override;
+  void getFrameCount(qint64& frames) override;
+  void getPosition(qint64& position) override;
+  void setPosition(qint64 position) override;
+  int getPlayState() override;
+  int getItemCount() override { return 1; }
+  int getItemIndex() override { return 0; }
+
+ private:
+  const KorviaShowObjectID id_;
+  tagKorviaShowSourceInfo info_;
+  const tagKorviaFormatInfo format_;
+  const std::shared_ptr<FilmPlayer> player_;
+  quint64 thread_ = 0;
+  bool closed_ = false;
+};
+
+}  // namespace korvia

@@ -1,0 +1,46 @@
+#include "PictureSource.h"
+
+namespace korvia {
+
+PictureSource::PictureSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                             const tagKorviaFormatInfo& format, KorviaShowPlayState state)
+    : context_(context), info_(info), format_(format), state_(state) {}
+
+FrameRef PictureSource::pullFrame(int) {
+  std::lock_guard lock(pictureMutex_);
+  if (picture_ && shown_ == 0)
+    shown_ = 1;
+  return picture_;
+}
+
+void PictureSource::close() { state_ = NothingSpecial; }
+
+SourceFigures PictureSource::figures() {
+  SourceFigures figures;
+  figures.description = description();
+  std::lock_guard lock(pictureMutex_);
+  figures.framesDecoded = picture_ ? 1 : 0;
+  return figures;
+}
+
+void PictureSource::change(KorviaShowPlayState state) {
+  std::lock_guard lock(pictureMutex_);
+  wanted_ = state;
+  if (state_ == Playing || state_ == Paused || state_ == Stopped)
+    state_ = state;
+}
+
+void PictureSource::showPicture(FrameRef picture) {
+  std::lock_guard lock(pictureMutex_);
+  picture_ = std::move(picture);
+  if (state_ == Opening)
+    state_ = wanted_;
+}
+
+void PictureSource::fail() {
+  std::lock_guard lock(pictureMutex_);
+  if (state_ == Opening)
+    state_ = Error;
+}
+
+}  // namespace korvia

@@ -1,0 +1,49 @@
+#include "RateMeter.h"
+
+namespace korvia {
+
+namespace {
+
+constexpr std::chrono::milliseconds kWindow{1000};
+constexpr std::chrono::milliseconds kSilence{1000};
+
+float rate(int things, std::chrono::steady_clock::duration time) {
+  const float seconds = std::chrono::duration<float>(time).count();
+  return seconds > 0 ? static_cast<float>(things) / seconds : 0;
+}
+
+}  // namespace
+
+void RateMeter::count(Time now) {
+  std::lock_guard lock(mutex_);
+  if (total_ == 0 || now - last_ > kSilence) {
+    windowStart_ = now;
+    inWindow_ = 0;
+    lastWindow_ = 0;
+  } else if (now - windowStart_ >= kWindow) {
+    lastWindow_ = rate(inWindow_, now - windowStart_);
+    windowStart_ = now;
+    inWindow_ = 0;
+  }
+  ++inWindow_;
+  ++total_;
+  last_ = now;
+}
+
+float RateMeter::perSecond(Time now) const {
+  std::lock_guard lock(mutex_);
+  if (total_ == 0 || now - last_ > kSilence)
+    return 0;
+  if (lastWindow_ > 0)
+    return lastWindow_;
+  // Within the first window; the first thing alone has no rate yet, but it has arrived.
+  const float sofar = rate(inWindow_ - 1, last_ - windowStart_);
+  return sofar > 0 ? sofar : 1;
+}
+
+std::int64_t RateMeter::total() const {
+  std::lock_guard lock(mutex_);
+  return total_;
+}
+
+}  // namespace korvia

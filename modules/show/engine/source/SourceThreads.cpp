@@ -1,0 +1,101 @@
+#include "SourceThreads.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "SourceLog.h"
+
+namespace korvia {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::seconds kPatience{5};
+
+struct RunningThread {
+  QString name;
+  std::optional<Clock::time_point> closingSince;
+  bool abandoned = false;
+};
+
+struct Registry {
+  std::mutex mutex;
+  std::condition_variable ended;               // with mutex
+  std::map<quint64, RunningThread> threads;    // guarded by mutex
+  quint64 lastNumber = 0;                      // guarded by mutex
+};
+
+// Never destroyed: an abandoned thread may end after everything else.
+Registry& registry() {
+  static Registry* instance = new Registry;
+  return *instance;
+}
+
+void logAbandoned(Registry& all) {
+  const Clock::time_point now = Clock::now();
+  for (auto& [number, thread] : all.threads) {
+    if (thread.abandoned || !thread.closingSince || now - *thread.closingSince < kPatience)
+      continue;
+    thread.abandoned = true;
+    qCWarning(logSource, "source does not close, abandoned : %s", qUtf8Printable(thread.name));
+  }
+}
+
+bool anyClosing(const Registry& all) {
+  for (const auto& [number, thread] : all.threads) {
+    if (thread.closingSince)
+      return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+quint64 startSourceThread(const QString& name, std::function<void()> work) {
+  Registry& all = registry();
+  quint64 number = 0;
+  {
+    std::lock_guard lock(all.mutex);
+    logAbandoned(all);
+    number = ++all.lastNumber;
+    all.threads[number].name = name;
+  }
+  std::thread([number, work = std::move(work)]() mutable {
+    work();
+    work = nullptr;  // what the thread owned goes before it is counted out
+    Registry& registered = registry();
+    std::lock_guard lock(registered.mutex);
+    registered.threads.erase(number);
+    registered.ended.notify_all();
+  }).detach();
+  return number;
+}
+
+void markSourceThreadClosing(quint64 number) {
+  Registry& all = registry();
+  std::lock_guard lock(all.mutex);
+  logAbandoned(all);
+  const auto found = all.threads.find(number);
+  if (found != all.threads.end() && !found->second.closingSince)
+    found->second.closingSince = Clock::now();
+}
+
+bool waitForClosedSources(int timeoutMs) {
+  Registry& all = registry();
+  std::unique_lock lock(all.mutex);
+  const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+  while (anyClosing(all)) {
+    logAbandoned(all);
+    const Clock::time_point now = Clock::now();
+    if (now >= deadline)
+      break;
+    all.ended.wait_until(lock, std::min(deadline, now + std::chrono::milliseconds(500)));
+  }
+  return !anyClosing(all);
+}
+
+}  // namespace korvia

@@ -1,0 +1,100 @@
+#include "StillSource.h"
+
+#include <QFileInfo>
+#include <QImageReader>
+
+#include "SourceLog.h"
+#include "SourceThreads.h"
+#include "engine/frame/FrameFit.h"
+#include "engine/frame/PictureFrame.h"
+#include "paths/DrivePath.h"
+
+namespace korvia {
+
+namespace {
+
+constexpr qint64 kMostPixels = 64 * 1024 * 1024;
+
+/// The picture upright and no larger than it is shown; null with a reason.
+QImage readPicture(const QString& path, FrameSize renderSize, QString& reason) {
+  const QFileInfo file(path);
+  // A device or a FIFO could be read for ever.
+  if (!file.isFile()) {
+    reason = file.exists() ? QStringLiteral("is no file") : QStringLiteral("no such file");
+    return {};
+  }
+  QImageReader reader(path);
+  reader.setDecideFormatFromContent(true);
+  reader.setAutoTransform(true);
+  const QSize size = reader.size();
+  if (!size.isValid()) {
+    // Without a size that can be asked for, nobody knows what reading it would take.
+    reason = reader.canRead() ? QStringLiteral("size is not known") : reader.errorString().toLower();
+    return {};
+  }
+  if (static_cast<qint64>(size.width()) * size.height() > kMostPixels) {
+    reason = QStringLiteral("too large, %1 x %2").arg(size.width()).arg(size.height());
+    return {};
+  }
+  QImage image;
+  if (!reader.read(&image)) {
+    reason = reader.errorString().toLower();
+    return {};
+  }
+  const FrameRect rect = fitRect({image.width(), image.height()}, 1, 1, renderSize);
+  if (image.width() > rect.width * 2 || image.height() > rect.height * 2)
+    image = image.scaled(rect.width, rect.height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  return image;
+}
+
+}  // namespace
+
+std::shared_ptr<StillSource> StillSource::open(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                                               const tagKorviaFormatInfo& format) {
+  std::shared_ptr<StillSource> source(new StillSource(context, info, format, Opening));
+  source->thread_ = startSourceThread(info.imagePath, [source] { source->load(); });
+  return source;
+}
+
+void StillSource::close() {
+  closing_ = true;
+  PictureSource::close();
+  markSourceThreadClosing(thread_);
+}
+
+void StillSource::load() {
+  const FrameSize renderSize = context().renderSize;
+  const QString path = DrivePath::resolve(info().imagePath);
+  QString reason;
+  QImage image = readPicture(path, renderSize, reason);
+  if (image.isNull()) {
+    qCWarning(logSource, "picture cannot be shown : %s : %s", qUtf8Printable(path), qUtf8Printable(reason));
+    fail();
+    return;
+  }
+  if (closing_)
+    return;
+  {
+    std::lock_guard lock(sizeMutex_);
+    size_ = {image.width(), image.height()};
+  }
+  const FrameRect rect = fitRect({image.width(), image.height()}, 1, 1, renderSize);
+  const FrameRef picture = frameFromImage(image);
+  image = QImage();
+  if (!picture) {
+    qCWarning(logSource, "picture cannot be shown : %s : out of memory", qUtf8Printable(path));
+    fail();
+    return;
+  }
+  MutableFrame fitted(new Frame(renderSize, false));
+  fitFrame(*picture, rect, *fitted);
+  showPicture(std::move(fitted).publish());
+}
+
+QString StillSource::description() const {
+  const QString name = QFileInfo(info().imagePath).fileName();
+  std::lock_guard lock(sizeMutex_);
+  return size_.isEmpty() ? name : QStringLiteral("%1, %2 x %3").arg(name).arg(size_.width).arg(size_.height);
+}
+
+}  // namespace korvia

@@ -1,0 +1,29 @@
+// A picture file, in every format that Qt reads; of an animation the first picture. Loaded on a thread of its
+// own. Console thread, except pullFrame: engine thread.
+#pragma once
+#include "PictureSource.h"
+
+namespace korvia {
+
+class StillSource final : public PictureSource, public std::enable_shared_from_this<StillSource> {
+ public:
+  /// Opens `info.imagePath`; the state goes from Opening to Playing, or to Error with a line in the log.
+  static std::shared_ptr<StillSource> open(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                                           const tagKorviaFormatInfo& format);
+
+  void close() override;
+
+ protected:
+  QString description() const override;
+
+ private:
+  using PictureSource::PictureSource;
+  void load();
+
+  std::atomic<bool> closing_{false};
+  quint64 thread_ = 0;
+  mutable std::mutex sizeMutex_;
+  FrameSize size_;  // guarded by sizeMutex_
+};
+
+}  // namespace korvia

@@ -1,0 +1,52 @@
+// Helpers that console and engine share: words and catalogs of numbers, text pictures, and records as XML.
+// Without state, any thread; toImage needs a QGuiApplication.
+#pragma once
+#include <QImage>
+#include <QString>
+
+#include "KorviaShowObjectID.h"
+
+class QDomElement;
+class QXmlStreamWriter;
+struct tagKorviaShowAudioMixerParam;
+struct tagKorviaShowComponentInfo;
+struct tagKorviaShowRenderTextParam;
+
+/// The catalogs of transitions, in the order of the editor's pages.
+enum KorviaShowEffectKindCatalog : unsigned {
+  EffectCatalogSys = 0,
+  EffectCatalogErase = 1,
+  EffectCatalogFade = 2,
+  EffectCatalogGlide = 3,
+  EffectCatalogStretch = 4,
+  EffectCatalogBlur = 5,
+  EffectCatalogDistortion = 6,
+  EffectCatalogColor = 7,
+};
+
+class KorviaShowUtil {
+ public:
+  /// A stable word for an object: "media_0", "stage_0", "karaoke", "pvm", "pgm". The source object of a media
+  /// channel has the channel's word. Empty for an id that names nothing.
+  static QString toPathString(KorviaShowObjectID id);
+
+  /// The catalog that an effect number belongs to; EffectCatalogSys for a number that no catalog lists.
+  static KorviaShowEffectKindCatalog getEffectCatalog(unsigned effect);
+
+  /// The text on a transparent picture of exactly this size, each side at most 8192; a null picture for a
+  /// side below 1. Lines that do not fit are cut off. The gradient runs over the text's own rectangle: from
+  /// left to right at 0 degrees, from top to bottom at 90. Vertical text runs in columns from right to left.
+  static QImage toImage(int width, int height, const tagKorviaShowRenderTextParam& param);
+
+  /// Fills the record from the children of the element: one a field. A field that is missing or holds no
+  /// value of its type stays as it is. False when none of the record's fields was found.
+  static bool readDomElement(const QDomElement& element, tagKorviaShowAudioMixerParam& param);
+  static bool readDomElement(const QDomElement& element, tagKorviaShowComponentInfo& info);
+
+  /// Writes the record as an element of this name. A value stands in the attribute "value" of its field's
+  /// element, the entries of a list are elements "item".
+  static void writeXmlWriter(QXmlStreamWriter& writer, const QString& name,
+                             const tagKorviaShowAudioMixerParam& param);
+  static void writeXmlWriter(QXmlStreamWriter& writer, const QString& name,
+                             const tagKorviaShowComponentInfo& info);
+};

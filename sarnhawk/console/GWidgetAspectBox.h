@@ -1,0 +1,24 @@
+// Keeps its one child at 16:9, as large as there is room for, in the middle. GUI thread.
+#pragma once
+#include <QWidget>
+
+class GWidgetAspectBox : public QWidget {
+  Q_OBJECT
+  /// Room on each side of the picture that the child needs for its border, in pixels.
+  Q_PROPERTY(int border READ border WRITE setBorder)
+
+ public:
+  explicit GWidgetAspectBox(QWidget* parent = nullptr);
+
+  int border() const { return _border; }
+  void setBorder(int border);
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  bool event(QEvent* event) override;
+
+ private:
+  void placeChild();
+
+  int _border = 0;
+};

@@ -1,0 +1,96 @@
+// A channel strip: the picture of one media or stage channel, its title, buttons and meter. A click on the
+// picture chooses the channel for preview or program. Console thread.
+#pragma once
+#include <QIcon>
+#include <QPoint>
+#include <QPointer>
+#include <QWidget>
+#include <memory>
+
+#include "tagKorviaWindowInfo.h"
+
+class GFloatWidgetToolButton;
+class IKorviaSarnhawkPriv;
+class IKorviaShowSource;
+class QTimer;
+class QVUMeter;
+struct StripChooser;
+struct tagKorviaShowAudioLevel;
+struct tagKorviaShowChannelSlot;
+struct tagKorviaStageSlot;
+
+namespace Ui {
+class GWidgetDisplayObject;
+}
+
+class GWidgetDisplayObject : public QWidget {
+  Q_OBJECT
+
+ public:
+  /// `chooser` and `priv` are not owned and must outlive the strip.
+  GWidgetDisplayObject(IKorviaSarnhawkPriv* priv, const StripChooser* chooser, int objectId, QWidget* parent);
+  ~GWidgetDisplayObject() override;
+
+  int objectId() const { return _objectId; }
+  int index() const { return _index; }
+  bool isMedia() const;
+  bool isStage() const;
+
+  void fillWindowInfo(tagKorviaWindowInfo& info);
+  void onEngineOpened();
+  void onFrameTick();
+  void onWorkTick();
+  void updateLevels(const tagKorviaShowAudioLevel& levels);
+  void setAudioState(int state);
+  void setSelectedPGM(bool selected);
+  void setSelectedPVM(bool selected);
+  /// Holds or releases the source by what it wants done when `targetId` is on air.
+  void applyOnAirRule(int targetId);
+  void hideFloat();
+  /// Shows the channel that the slot describes, as if the operator had chosen it. Media strips only.
+  void openSlot(const tagKorviaShowChannelSlot& slot);
+
+ public slots:
+  void onClicked_configPushButton();
+  void onClicked_openSourcePushButton();
+  void onClicked_closeSourcePushButton();
+  void onClicked_enableAudioPushButton();
+  void onPGMInOutActionTimer();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void setTitle();
+  void updateOverlay();
+  void placeFloat();
+  void setOccupied(bool occupied);
+  bool isOccupied() const;
+  /// The float is a window of its own: it must go when its picture cannot be seen.
+  bool isPictureOnScreen() const;
+  void updateWatchdog();
+  void restartSilentSource(IKorviaShowSource* source, bool isAlive);
+  void selectFor(int bus);
+  void openStage(const tagKorviaStageSlot& slot);
+  void closeMedia();
+  void closeStage();
+
+  std::unique_ptr<Ui::GWidgetDisplayObject> _ui;
+  IKorviaSarnhawkPriv* _priv;
+  const StripChooser* _chooser;
+  int _objectId;
+  int _index = 0;
+  int _kind = 0;
+  QVUMeter* _auMeter = nullptr;
+  /// When the source fell silent; 0 while it is alive.
+  quint32 _restartTick = 0;
+  QTimer* _pgmInOutActionTimer = nullptr;
+  /// Belongs to the window below it, which may go first.
+  QPointer<GFloatWidgetToolButton> _floatButton;
+  QPoint _floatPosition;
+  QIcon _soundIcon;
+  QIcon _muteIcon;
+  int _audioState = 0;
+};

@@ -1,0 +1,35 @@
+// The one floating window that tells what a channel shows and edits it. Console thread.
+#pragma once
+#include <QWidget>
+#include <memory>
+
+class IKorviaSarnhawkPriv;
+
+namespace Ui {
+class GWidgetDisplayObjectConfig;
+}
+
+class GWidgetDisplayObjectConfig : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit GWidgetDisplayObjectConfig(IKorviaSarnhawkPriv* priv, QWidget* parent = nullptr);
+  ~GWidgetDisplayObjectConfig() override;
+
+  /// Loads the channel; ids that are no channel only get remembered.
+  void showChannel(int objectId);
+  /// The id of the last showChannel, 0 before it.
+  int objectId() const { return _objectId; }
+
+ protected:
+  /// Closing only hides: the console keeps the window to the end.
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  QString mediaText(int index) const;
+  QString stageText(int index) const;
+
+  std::unique_ptr<Ui::GWidgetDisplayObjectConfig> _ui;
+  IKorviaSarnhawkPriv* _priv;
+  int _objectId = 0;
+};

@@ -1,0 +1,78 @@
+#include "console/GWidgetVideoPreview.h"
+
+#include <xcb/xcb.h>
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <memory>
+
+namespace {
+
+// The server fills a window with its background colour by itself, so that a window in which nothing was drawn
+// yet is black and not a hole with the desktop in it. Any client may set it; a connection of our own needs no
+// private parts of Qt.
+void setServerBackgroundBlack(WId window) {
+  struct Disconnect {
+    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+  };
+  static const std::unique_ptr<xcb_connection_t, Disconnect> connection(xcb_connect(nullptr, nullptr));
+  if (xcb_connection_has_error(connection.get()))
+    return;
+  const auto id = static_cast<xcb_window_t>(window);
+  const uint32_t black = 0;
+  xcb_change_window_attributes(connection.get(), id, XCB_CW_BACK_PIXEL, &black);
+  xcb_clear_area(connection.get(), 0, id, 0, 0, 0, 0);
+  xcb_flush(connection.get());
+}
+
+}  // namespace
+
+GWidgetVideoPreview::GWidgetVideoPreview(QWidget* parent)
+    : QWidget(parent), _engineDraws(QGuiApplication::platformName() == QLatin1String("xcb")) {
+  setAttribute(Qt::WA_DontCreateNativeAncestors);
+  setAttribute(Qt::WA_NativeWindow);
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setAttribute(Qt::WA_NoSystemBackground);
+  setAttribute(Qt::WA_PaintOnScreen, _engineDraws);
+}
+
+void GWidgetVideoPreview::setMonitorImage(const QImage& image) {
+  {
+    QMutexLocker lock(&_mutex);
+    _image = image;
+    if (_paintAsked)
+      return;
+    _paintAsked = true;
+  }
+  QMetaObject::invokeMethod(
+      this, [this] { update(); }, Qt::QueuedConnection);
+}
+
+QPaintEngine* GWidgetVideoPreview::paintEngine() const {
+  return _engineDraws ? nullptr : QWidget::paintEngine();
+}
+
+bool GWidgetVideoPreview::event(QEvent* event) {
+  const bool handled = QWidget::event(event);
+  if (event->type() == QEvent::WinIdChange && _engineDraws && internalWinId())
+    setServerBackgroundBlack(internalWinId());
+  return handled;
+}
+
+void GWidgetVideoPreview::paintEvent(QPaintEvent*) {
+  if (_engineDraws)
+    return;
+  QImage image;
+  {
+    QMutexLocker lock(&_mutex);
+    image = _image;
+    _paintAsked = false;
+  }
+  QPainter painter(this);
+  painter.fillRect(rect(), Qt::black);
+  if (image.isNull())
+    return;
+  image.setDevicePixelRatio(devicePixelRatioF());
+  const QSizeF size = QSizeF(image.size()) / devicePixelRatioF();
+  painter.drawImage(QPointF((width() - size.width()) / 2, (height() - size.height()) / 2), image);
+}

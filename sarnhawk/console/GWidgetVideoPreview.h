@@ -1,0 +1,29 @@
+// A black window that the engine shows a picture in. Under X11 the engine draws into the native window by
+// itself and Qt never paints there; elsewhere the engine hands over an image. GUI thread, except
+// setMonitorImage, which any thread may call.
+#pragma once
+#include <QImage>
+#include <QMutex>
+#include <QWidget>
+
+class GWidgetVideoPreview : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit GWidgetVideoPreview(QWidget* parent = nullptr);
+
+  /// Shows the image in the middle of the window at its own size, from the next paint on. Any thread.
+  Q_INVOKABLE void setMonitorImage(const QImage& image);
+
+  QPaintEngine* paintEngine() const override;
+
+ protected:
+  bool event(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  const bool _engineDraws;
+  QMutex _mutex;
+  QImage _image;             // guarded by _mutex
+  bool _paintAsked = false;  // guarded by _mutex
+};

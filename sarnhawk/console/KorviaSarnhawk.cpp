@@ -1,0 +1,993 @@
+#include "console/KorviaSarnhawk.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QMenu>
+#include <QMessageBox>
+#include <QSignalBlocker>
+#include <QStandardPaths>
+#include <QTimer>
+#include <QToolTip>
+#include <atomic>
+
+#include "GDialogHWCheckSwitch.h"
+#include "GLAudioDeviceInfo.h"
+#include "IKorviaShowSource.h"
+#include "KorviaCommonUtil.h"
+#include "KorviaMetaType.h"
+#include "KorviaShowEngine.h"
+#include "KorviaShowEvents.h"
+#include "KorviaShowUtil.h"
+#include "ZRCUtil.h"
+#include "audio/GDialogAudoDevCheck.h"
+#include "audio/QVUMeter.h"
+#include "console/GWidgetDisplayObject.h"
+#include "console/GWidgetDisplayObjectConfig.h"
+#include "console/MediaFileChooser.h"
+#include "console/MultimediaClock.h"
+#include "console/OutputSwitches.h"
+#include "console/StatusPublisher.h"
+#include "console/StripArea.h"
+#include "console/SwitchLever.h"
+#include "console/TransportRow.h"
+#include "console/windowInfoOf.h"
+#include "present/popupAt.h"
+#include "services/GDialogProductAbout.h"
+#include "shell/GAppCaptionBar.h"
+#include "tagCheckNetPortItem.h"
+#include "tagKorviaShowAudioLevel.h"
+#include "transitions/TakeRules.h"
+#include "ui_KorviaSarnhawk.h"
+
+namespace {
+
+const QString kShowDataPath = QStringLiteral("D:\\KorviaVR\\code\\output\\ShowData\\");
+const QString kTestFilmPath = kShowDataPath + QStringLiteral("Common\\Demo\\demo.mp4");
+
+constexpr int kFrameIntervalMs = 30;
+constexpr int kWorkIntervalMs = 1000;
+constexpr quint32 kOpenDelayMs = 1000;
+constexpr int kOpenWidthMin = 720;
+constexpr int kTakeButtonCount = 4;
+
+constexpr unsigned kAudioMixerChanged = 0x10;
+constexpr unsigned kChannelsChanged = 3;
+
+// What a film that ends takes over with.
+constexpr int kSwitchEffect = 22;
+constexpr float kSwitchSeconds = 0.5F;
+constexpr int kSwitchEasing = 0;
+
+constexpr int kPopupUnder = Qt::AlignBottom;
+constexpr int kPopupCentred = 0x84;
+constexpr QPoint kSnapshotTipOffset(8, -52);
+
+const QSize kPaintPadSize(1280, 720);
+constexpr int kPaintPadChannels = 8;
+constexpr int kPaintPadUndoDepth = 100;
+
+const QList<tagCheckNetPortItem> kNetPorts{{1935, true},  {8080, true},  {8800, true},
+                                           {9000, true},  {19000, true}, {8000, false},
+                                           {8001, false}, {8002, false}, {8003, false}};
+
+/// The console's own engine class: nothing is added, the type is what modules tell engines apart by.
+class ConsoleShowEngine final : public KorviaShowEngine {};
+
+}  // namespace
+
+KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent)
+    : QMainWindow(parent),
+      _ui(std::make_unique<Ui::KorviaSarnhawk>()),
+      _captionBar(captionBar),
+      _stripChooser{&MediaFileChooser::choose, {}},
+      _strips(std::make_unique<StripArea>(this, &_stripChooser)),
+      _transport(std::make_unique<TransportRow>(*_ui)),
+      _outputs(std::make_unique<OutputSwitches>(this, *_ui)),
+      _status(std::make_unique<StatusPublisher>(this, _strips.get())) {
+  setObjectName(QStringLiteral("KorviaSarnhawk"));
+  for (std::size_t index = 0; index < _config.channels.size(); ++index)
+    _config.channels[index].source.incomePath = QStringLiteral("/income/%1").arg(index);
+  _config.outputParam.items[OutputSlotRecord].recordPath = QStringLiteral("d:\\records\\vod\\%1\\").arg(0);
+}
+
+KorviaSarnhawk::~KorviaSarnhawk() {
+  stopEngine();
+  _whitePad.destory();
+  _strips->destroy();
+}
+
+bool KorviaSarnhawk::release() {
+  if (isValid())
+    delete this;
+  return true;
+}
+
+void* KorviaSarnhawk::queryInterface(const Identifier* id, unsigned version) {
+  if (isRequestFor(kIKorviaSarnhawkId, id, version))
+    return static_cast<IKorviaSarnhawk*>(this);
+  if (isRequestFor(kIKorviaSarnhawkPrivId, id, version))
+    return static_cast<IKorviaSarnhawkPriv*>(this);
+  if (isRequestFor(kIKorviaShowThreadSinkId, id, version))
+    return static_cast<IKorviaShowThreadSink*>(this);
+  if (isRequestFor(kIKorviaShowEngineSinkId, id, version))
+    return static_cast<IKorviaShowEngineSink*>(this);
+  if (isRequestFor(kIKorviaWebServerSinkId, id, version))
+    return static_cast<IKorviaWebServerSink*>(this);
+  if (id && *id == kIKorviaRTMPIncomeServerId)
+    return _incomeServer._interface ? _incomeServer._interface->queryInterface(id, version) : nullptr;
+  if (id && *id == kIUnknownExId)
+    return static_cast<IKorviaSarnhawk*>(this);
+  return nullptr;
+}
+
+// ---- start
+
+bool KorviaSarnhawk::create(void*, IProgressSink* progress, void*, const tagKorviaProductInfo* product,
+                            const QString& rootPath) {
+  ZRCUtil::enumSystemTTFFont(_fontInfo);
+  if (product)
+    _product = *product;
+  _progress = progress;
+  _rootPath = rootPath;
+  overrideConfig(rootPath);
+  if (_config.lyricFolders.isEmpty())
+    addLyricFolders();
+  // Component and stage packages are found here: the pages below choose from both catalogs.
+  _startTick = MultimediaClock::now();
+  const bool created = createUi();
+  if (created)
+    centralWidget()->setEnabled(false);
+  else
+    qDebug("failed to create ui");
+  return created;
+}
+
+void KorviaSarnhawk::overrideConfig(const QString& rootPath) {
+  tagKorviaShowEngineInfo& info = _config.engineInfo;
+  info.cachePath = rootPath + QStringLiteral("cache\\");
+  info.showDataPath = rootPath + QStringLiteral("\\ShowData\\");
+  // Show data lies in one place on every desk, wherever the program does.
+  info.showDataPath = kShowDataPath;
+  info.secondDataPath = kShowDataPath;
+  info.renderDevice = 1;
+  info.renderAccelerator = 1;
+  _config.layoutMode = 1;
+  info.mediaChannelCount = 3;
+  info.stageChannelCount = 1;
+  info.reserved1 = 1;
+  info.reserved2 = 1;
+  info.reserved3 = 1;
+}
+
+void KorviaSarnhawk::addLyricFolders() {
+  const QFileInfoList drives = QDir::drives();
+  for (const QString& folder :
+       {QStringLiteral("/QQMusicCache/QQMusicLyric"), QStringLiteral("/KuGou/Lyric")}) {
+    for (auto drive = drives.crbegin(); drive != drives.crend(); ++drive)
+      _config.lyricFolders.append(drive->absolutePath() + folder);
+  }
+}
+
+bool KorviaSarnhawk::createUi() {
+  _ui->setupUi(this);
+  _ui->_programNameLineEdit->setText(_config.programName);
+  _strips->build(_config.layoutMode, _ui->_switchViewWidget);
+  createMeters();
+  createLever();
+  createWindows();
+  checkAudioDevices();
+  checkNetPorts();
+  // The pages of the present items and the program list are made here, after the devices are known. The tabs
+  // stay away as long as they would be empty.
+  _ui->_presentItemTabWidget->hide();
+  connectControls();
+  createTakeMenus();
+  createSystemMenu();
+  _ui->_presentItemTabWidget->setCurrentIndex(0);
+  window()->installEventFilter(this);
+  createPaintPad();
+  if (!startWebServer() || !prepareIncomeServer())
+    return false;
+  createTimers();
+  return true;
+}
+
+void KorviaSarnhawk::createMeters() {
+  const auto addMeter = [](QFrame* frame) {
+    auto* meter = new QVUMeter(frame, false);
+    auto* layout = new QVBoxLayout(frame);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(meter);
+    return meter;
+  };
+  _pvmMeter = addMeter(_ui->_pvmAUMeterFrame);
+  _pgmMeter = addMeter(_ui->_pgmAUMeterFrame);
+}
+
+void KorviaSarnhawk::createLever() {
+  QWidget* container = _ui->_switchProcessPosVerticalSliderContainer;
+  _lever = new SwitchLever(container);
+  auto* layout = new QHBoxLayout(container);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->addWidget(_lever);
+  connect(_lever, &QSlider::valueChanged, this,
+          &KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider);
+}
+
+void KorviaSarnhawk::createWindows() {
+  // Sound control and transition editor come before the channel window, the screen cut and the statistics
+  // after it: windows stack in the order in which they are made.
+  _channelConfig = new GWidgetDisplayObjectConfig(this, this);
+  _ui->_screenCutPushButton->setEnabled(false);
+}
+
+QStringList KorviaSarnhawk::audioDevices() const {
+  return GLAudioDeviceInfo::enumAudioDeviceList(QStringLiteral("dsound"));
+}
+
+void KorviaSarnhawk::checkAudioDevices() {
+  const QStringList devices = audioDevices();
+  const auto isMissing = [&devices](const QString& name) {
+    return !name.isEmpty() && !devices.contains(name);
+  };
+  if (isMissing(_config.pgmDevice) || isMissing(_config.pvmDevice)) {
+    GDialogAudoDevCheck dialog(
+        _config.pgmDevice, _config.pvmDevice, [this] { return audioDevices(); }, this);
+    if (dialog.exec() == QDialog::Rejected) {
+      if (!dialog.pgmFound())
+        _config.pgmDevice.clear();
+      if (!dialog.pvmFound())
+        _config.pvmDevice.clear();
+    }
+  }
+  _config.engineInfo.pgmDevice = _config.pgmDevice;
+  _config.engineInfo.pvmDevice = _config.pvmDevice;
+}
+
+void KorviaSarnhawk::checkNetPorts() {
+  GDialogHWCheckSwitch dialog(this);
+  dialog.check(kNetPorts);
+}
+
+void KorviaSarnhawk::connectControls() {
+  for (QPushButton* button :
+       {_ui->_autoMixModePushButton, _ui->_allMixModePushButton, _ui->_manulMixModePushButton})
+    connect(button, &QPushButton::clicked, this, &KorviaSarnhawk::onClicked_audioMixModePushButton);
+
+  QSlider* pgm = _ui->_pgmVolumeVerticalSlider;
+  connect(pgm, &QSlider::valueChanged, this, &KorviaSarnhawk::onValueChanged_pgmVolumeVerticalSlider);
+  connect(pgm, &QSlider::sliderPressed, this, &KorviaSarnhawk::onSliderPressed_pgmVolumeVerticalSlider);
+  connect(pgm, &QSlider::sliderReleased, this, &KorviaSarnhawk::onSliderReleased_pgmVolumeVerticalSlider);
+  QSlider* pvm = _ui->_pvmVolumeVerticalSlider;
+  connect(pvm, &QSlider::valueChanged, this, &KorviaSarnhawk::onValueChanged_pvmVolumeVerticalSlider);
+  connect(pvm, &QSlider::sliderPressed, this, &KorviaSarnhawk::onSliderPressed_pvmVolumeVerticalSlider);
+  connect(pvm, &QSlider::sliderReleased, this, &KorviaSarnhawk::onSliderReleased_pvmVolumeVerticalSlider);
+
+  const auto onClick = [this](QPushButton* button, void (KorviaSarnhawk::*slot)()) {
+    connect(button, &QPushButton::clicked, this, slot);
+  };
+  onClick(_ui->_playMediaPushButton, &KorviaSarnhawk::onClicked_playMediaPushButton);
+  onClick(_ui->_stopMediaPushButton, &KorviaSarnhawk::onClicked_stopMediaPushButton);
+  onClick(_ui->_pauseMediaPushButton, &KorviaSarnhawk::onClicked_pauseMediaPushButton);
+  onClick(_ui->_prevMediaPushButton, &KorviaSarnhawk::onClicked_prevMediaPushButton);
+  onClick(_ui->_nextMediaPushButton, &KorviaSarnhawk::onClicked_nextMediaPushButton);
+
+  QSlider* seek = _ui->_seekMediaHorizontalSlider;
+  connect(seek, &QSlider::valueChanged, this, &KorviaSarnhawk::onValueChanged_seekMediaHorizontalSlider);
+  connect(seek, &QSlider::sliderPressed, this, &KorviaSarnhawk::onSliderPressed_seekMediaHorizontalSlider);
+  connect(seek, &QSlider::sliderReleased, this, &KorviaSarnhawk::onSliderReleased_seekMediaHorizontalSlider);
+
+  onClick(_ui->_startRecordPushButton, &KorviaSarnhawk::onClicked_startRecordPushButton);
+  onClick(_ui->_startStreamPushButton, &KorviaSarnhawk::onClicked_startStreamPushButton);
+  onClick(_ui->_screenCutPushButton, &KorviaSarnhawk::onClicked_screenCutPushButton);
+  onClick(_ui->_paintOutputPushButton, &KorviaSarnhawk::onClicked_paintOutputPushButton);
+}
+
+void KorviaSarnhawk::createTakeMenus() {
+  using Slot = void (KorviaSarnhawk::*)();
+  constexpr Slot takeSlots[kTakeButtonCount] = {
+      &KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_0,
+      &KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_1,
+      &KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_2,
+      &KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_3};
+  constexpr Slot configSlots[kTakeButtonCount] = {
+      &KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_0,
+      &KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_1,
+      &KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_2,
+      &KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_3};
+  for (int index = 0; index < kTakeButtonCount; ++index) {
+    QToolButton* button = takeButton(index);
+    auto* menu = new QMenu(button);
+    connect(menu->addAction(tr("Take Effect")), &QAction::triggered, this, takeSlots[index]);
+    QAction* config = menu->addAction(tr("Effect Config"));
+    connect(config, &QAction::triggered, this, configSlots[index]);
+    // There is no transition editor to show yet.
+    config->setEnabled(false);
+    button->setMenu(menu);
+    connect(button, &QToolButton::clicked, this, takeSlots[index]);
+  }
+}
+
+void KorviaSarnhawk::createSystemMenu() {
+  _systemMenu = new QMenu(this);
+  QAction* config = _systemMenu->addAction(tr("System Config"), this, &KorviaSarnhawk::onAction_systemConfig);
+  // There is no system dialog to show yet.
+  config->setEnabled(false);
+  _systemMenu->addSeparator();
+  _systemMenu->addAction(tr("Environment Check"), this, &KorviaSarnhawk::onAction_environmentCheck);
+  _systemMenu->addAction(tr("About"), this, &KorviaSarnhawk::onAction_about);
+  _systemMenu->addAction(tr("Quit"), this, &KorviaSarnhawk::onAction_quit);
+  if (_captionBar)
+    _captionBar->mainMenuToolButton()->setMenu(_systemMenu);
+}
+
+void KorviaSarnhawk::createPaintPad() {
+  qDebug("create painter window ...");
+  _whitePad.create(this, tr("PaitPad"), kPaintPadChannels, nullptr, kPaintPadUndoDepth);
+  _whitePad.start(kPaintPadSize);
+}
+
+bool KorviaSarnhawk::loadWebServer() {
+  return _webServer.create();
+}
+
+bool KorviaSarnhawk::loadIncomeServer() {
+  return _incomeServer.create();
+}
+
+bool KorviaSarnhawk::startWebServer() {
+  qDebug("create web server ...");
+  if (!loadWebServer() || !_webServer._interface->isValid())
+    return false;
+  qDebug("start web server ...");
+  if (_webServer._interface->open(this, &_config.httpPort) < 0) {
+    qDebug("failed to open web server");
+    return false;
+  }
+  return true;
+}
+
+bool KorviaSarnhawk::prepareIncomeServer() {
+  qDebug("create rtmp server ...");
+  return loadIncomeServer() && _incomeServer._interface->isValid();
+}
+
+void KorviaSarnhawk::createTimers() {
+  _workTimer = new QTimer(this);
+  connect(_workTimer, &QTimer::timeout, this, &KorviaSarnhawk::onWorkTimer);
+  _workTimer->start(kWorkIntervalMs);
+  _frameTimer = new QTimer(this);
+  _frameTimer->setTimerType(Qt::PreciseTimer);
+  connect(_frameTimer, &QTimer::timeout, this, &KorviaSarnhawk::onFrameTimer);
+  _frameTimer->start(kFrameIntervalMs);
+}
+
+// ---- engine
+
+bool KorviaSarnhawk::isEngineDue() const {
+  return !_engineRequested && _resizeCount != 0 && width() > kOpenWidthMin &&
+         MultimediaClock::since(_startTick) > kOpenDelayMs;
+}
+
+void KorviaSarnhawk::openEngine() {
+  if (_engine)
+    return;
+  _engine = new ConsoleShowEngine;
+  _engine->start(this, ShowThreadNormal);
+  const tagKorviaVideoFormat& format = _config.engineInfo.format;
+  _engine->setFps(static_cast<float>(format.fpsNumerator / std::max<qint32>(1, format.fpsDenominator)));
+  connect(this, &KorviaSarnhawk::sig_PostEventResult, this, &KorviaSarnhawk::slot_PostEventResult);
+
+  tagKorviaShowWindowPackInfo windows;
+  for (int index = 0; index < std::min(_config.engineInfo.mediaChannelCount, kMediaChannelMax); ++index) {
+    if (GWidgetDisplayObject* strip = _strips->media(index))
+      strip->fillWindowInfo(windows.media[static_cast<std::size_t>(index)]);
+  }
+  for (int index = 0; index < std::min(_config.engineInfo.stageChannelCount, kStageChannelMax); ++index) {
+    if (GWidgetDisplayObject* strip = _strips->stage(index))
+      strip->fillWindowInfo(windows.stage[static_cast<std::size_t>(index)]);
+  }
+  // The karaoke page fills its own entry here, between the strips and the buses.
+  windows.pvm = windowInfoOf(_ui->_pvmPreviewWidget);
+  windows.pgm = windowInfoOf(_ui->_pgmPreviewWidget);
+  _engine->postEvent(ShowEventOpen, toVariant(_config.engineInfo), toVariant(windows));
+  _ui->_pvmPreviewWidget->installEventFilter(this);
+  _ui->_pgmPreviewWidget->installEventFilter(this);
+}
+
+void KorviaSarnhawk::onEngineOpened() {
+  centralWidget()->setEnabled(true);
+  for (int index = 0; index < kTakeButtonCount; ++index)
+    updateTakeButton(index);
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->onEngineOpened();
+  // Pages hand their items to the engine here: it has its channels and not yet its state.
+  if (_engine)
+    postInitialState();
+  _outputs->applyDirectOutputs();
+  startIncomeServer();
+  if (_progress)
+    _progress->onProgressText(tr("Please Wait"));
+  qDebug("startup spend time : %u", MultimediaClock::since(_startTick));
+  emit sig_EngineOpened();
+}
+
+void KorviaSarnhawk::postInitialState() {
+  postEvent(ShowEventAudioMixMode, _config.audioMixer.mixMode);
+  postEvent(ShowEventVolume, PGMObject, _config.audioMixer.pgmVolume);
+  postEvent(ShowEventVolume, PVMObject, _config.audioMixer.pvmVolume);
+  postEvent(ShowEventSelectChannel, PVMObject, _config.pvmChannel);
+  postEvent(ShowEventSelectChannel, PGMObject, _config.pgmChannel);
+  if (_config.engineInfo.mediaChannelCount != 0)
+    openTestFilm();
+}
+
+void KorviaSarnhawk::openTestFilm() {
+  tagKorviaShowChannelSlot& slot = _config.channels[0];
+  slot.source.kind = SourceKindMovie;
+  slot.source.moviePath = kTestFilmPath;
+  _engine->openSource(SourceObject, slot.source, slot.format, nullptr);
+}
+
+void KorviaSarnhawk::startIncomeServer() {
+  if (!_incomeServer._interface || !_incomeServer._interface->isValid())
+    return;
+  const QString htmlPath = _rootPath + QStringLiteral("html");
+  KorviaCommonUtil::makesureExistDir(htmlPath, true);
+  qDebug("start rtmp server ...");
+  if (_incomeServer._interface->open(_rootPath, _config.webPort, htmlPath) < 0)
+    qDebug("failed to open rtmp server");
+}
+
+bool KorviaSarnhawk::openMedia(int index, const QString& path) {
+  GWidgetDisplayObject* strip = _strips->media(index);
+  if (!_engine || !strip)
+    return false;
+  tagKorviaShowChannelSlot slot = _config.channels[static_cast<std::size_t>(index)];
+  MediaFileChooser::fillSlot(path, slot);
+  strip->openSlot(slot);
+  return true;
+}
+
+// ---- end
+
+void KorviaSarnhawk::hideAll() {
+  // Screen cut and statistics hide first, the program list after the channel window.
+  if (_channelConfig)
+    _channelConfig->hide();
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->hideFloat();
+  _whitePad.setVisible(false, false);
+  // The transition editor hides last: it may belong to a button of the pad.
+}
+
+void KorviaSarnhawk::close() {
+  stopEngine();
+  destroyUi();
+  qDebug("stop web server ...");
+  if (_webServer._interface) {
+    _webServer._interface->close();
+    _webServer.releaseObject();
+  }
+  qDebug("stop rtmp server ...");
+  if (_incomeServer._interface) {
+    _incomeServer._interface->close();
+    _incomeServer.releaseObject();
+  }
+}
+
+void KorviaSarnhawk::stopEngine() {
+  for (QTimer* timer : {_workTimer, _frameTimer}) {
+    if (!timer)
+      continue;
+    timer->disconnect(this);
+    timer->stop();
+  }
+  delete _workTimer;
+  _workTimer = nullptr;
+  if (!_engine)
+    return;
+  _ui->_pvmPreviewWidget->removeEventFilter(this);
+  _ui->_pgmPreviewWidget->removeEventFilter(this);
+  _engine->postEvent(ShowEventClose);
+  disconnect(this, &KorviaSarnhawk::sig_PostEventResult, this, &KorviaSarnhawk::slot_PostEventResult);
+  _engine->stop();
+  delete _engine;
+  _engine = nullptr;
+}
+
+void KorviaSarnhawk::destroyUi() {
+  qDebug("destory paint pad ...");
+  _whitePad.destory();
+  // The floating windows go before the pages that they point at, the pages before the strips.
+  delete _channelConfig;
+  _channelConfig = nullptr;
+  _strips->destroy();
+}
+
+void KorviaSarnhawk::onAction_quit() {
+  const auto answer = QMessageBox::question(this, tr("Message"), tr("Are you sure to quit ?"),
+                                            QMessageBox::Yes | QMessageBox::No);
+  if (answer == QMessageBox::Yes && parentWidget())
+    parentWidget()->close();
+}
+
+// ---- ticks
+
+void KorviaSarnhawk::onFrameTimer() {
+  ++_frameTicks;
+  if (isEngineDue()) {
+    _engineRequested = true;
+    openEngine();
+  }
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->onFrameTick();
+  // Pages move here: after the strips and before the levels, so that lyrics and pictures step together.
+  updateLevels();
+  _whitePad.updateBackground();
+  // The screen cut captures last, when everything on the screen has moved.
+}
+
+void KorviaSarnhawk::onWorkTimer() {
+  ++_workTicks;
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->onWorkTick();
+  updateTransport();
+  updateStatistics();
+  _status->publish();
+}
+
+void KorviaSarnhawk::updateLevels() {
+  if (!_engine)
+    return;
+  const tagKorviaShowAudioLevel& levels = _engine->getAudioLevel();
+  _pvmMeter->setValues(levels.pvm().left, levels.pvm().right);
+  _pgmMeter->setValues(levels.pgm().left, levels.pgm().right);
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->updateLevels(levels);
+}
+
+IKorviaShowSource* KorviaSarnhawk::previewSource() {
+  return getSource(static_cast<KorviaShowObjectID>(_config.pvmChannel));
+}
+
+void KorviaSarnhawk::updateTransport() {
+  _transport->update(previewSource(), _seekHeld);
+}
+
+void KorviaSarnhawk::updateStatistics() {
+  if (!_engine)
+    return;
+  _outputStatistics = {};
+  _engine->getOutputState(&_outputStatistics);
+  _engine->getSourceState(_sourceStatistics.data());
+}
+
+// ---- transport, lever, outputs
+
+void KorviaSarnhawk::onClicked_playMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->play();
+}
+
+void KorviaSarnhawk::onClicked_stopMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->stop();
+}
+
+void KorviaSarnhawk::onClicked_pauseMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->pause();
+}
+
+void KorviaSarnhawk::onClicked_prevMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->prev();
+}
+
+void KorviaSarnhawk::onClicked_nextMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->next();
+}
+
+void KorviaSarnhawk::onValueChanged_seekMediaHorizontalSlider(int value) {
+  IKorviaShowSource* source = previewSource();
+  if (!source)
+    return;
+  const int state = source->getPlayState();
+  if (state == Stopped || state == NothingSpecial)
+    source->play();
+  source->setPosition(value);
+}
+
+void KorviaSarnhawk::onSliderPressed_seekMediaHorizontalSlider() {
+  _seekHeld = true;
+}
+
+void KorviaSarnhawk::onSliderReleased_seekMediaHorizontalSlider() {
+  _seekHeld = false;
+}
+
+void KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider(int value) {
+  postEvent(ShowEventSwitchPosition, PGMObject, static_cast<float>(value / double{SwitchLever::kRange}));
+}
+
+void KorviaSarnhawk::onClicked_startRecordPushButton() {
+  if (_ui->_startRecordPushButton->isChecked())
+    _outputs->start(OutputKindRecord);
+  else
+    _outputs->stop(OutputKindRecord);
+  _ui->_startRecordPushButton->setEnabled(false);
+}
+
+void KorviaSarnhawk::onClicked_startStreamPushButton() {
+  if (_ui->_startStreamPushButton->isChecked())
+    _outputs->start(OutputKindStream);
+  else
+    _outputs->stop(OutputKindStream);
+  _ui->_startStreamPushButton->setEnabled(false);
+}
+
+void KorviaSarnhawk::onClicked_screenCutPushButton() {
+  if (_engine)
+    _engine->setGrabImageValid(_ui->_screenCutPushButton->isChecked());
+}
+
+void KorviaSarnhawk::onClicked_paintOutputPushButton() {
+  _whitePad.setVisible(_ui->_paintOutputPushButton->isChecked(), false);
+}
+
+void KorviaSarnhawk::takeSnapshot() {
+  const QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+  QDir().mkpath(folder);
+  const QString path = folder + QDir::separator() +
+                       QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hhmmss")) +
+                       QStringLiteral(".png");
+  postEvent(ShowEventSnapshot, PGMObject, path);
+  QWidget* frame = parentWidget() ? parentWidget() : this;
+  QToolTip::showText(frame->geometry().bottomLeft() + kSnapshotTipOffset, path, frame);
+}
+
+// ---- audio
+
+void KorviaSarnhawk::onClicked_audioMixModePushButton() {
+  const QObject* button = sender();
+  if (button == _ui->_autoMixModePushButton)
+    _config.audioMixer.mixMode = AudioMixModeAuto;
+  else if (button == _ui->_allMixModePushButton)
+    _config.audioMixer.mixMode = AudioMixModeAll;
+  else if (button == _ui->_manulMixModePushButton)
+    _config.audioMixer.mixMode = AudioMixModeManual;
+  postEvent(ShowEventAudioMixMode, _config.audioMixer.mixMode);
+  saveChanges(kAudioMixerChanged);
+}
+
+void KorviaSarnhawk::setVolume(int objectId, double& volume, int percent) {
+  volume = static_cast<double>(static_cast<float>(percent) / 100.0F);
+  postEvent(ShowEventVolume, objectId, volume);
+  saveChanges(kAudioMixerChanged);
+}
+
+void KorviaSarnhawk::onValueChanged_pgmVolumeVerticalSlider(int value) {
+  setVolume(PGMObject, _config.audioMixer.pgmVolume, value);
+}
+
+void KorviaSarnhawk::onSliderPressed_pgmVolumeVerticalSlider() {
+  _pgmVolumeHeld = true;
+}
+
+void KorviaSarnhawk::onSliderReleased_pgmVolumeVerticalSlider() {
+  _pgmVolumeHeld = false;
+}
+
+void KorviaSarnhawk::onValueChanged_pvmVolumeVerticalSlider(int value) {
+  setVolume(PVMObject, _config.audioMixer.pvmVolume, value);
+}
+
+void KorviaSarnhawk::onSliderPressed_pvmVolumeVerticalSlider() {
+  _pvmVolumeHeld = true;
+}
+
+void KorviaSarnhawk::onSliderReleased_pvmVolumeVerticalSlider() {
+  _pvmVolumeHeld = false;
+}
+
+// ---- takes
+
+QToolButton* KorviaSarnhawk::takeButton(int transitionIndex) const {
+  QToolButton* const buttons[kTakeButtonCount] = {
+      _ui->_takeTransitionToolButton_0, _ui->_takeTransitionToolButton_1, _ui->_takeTransitionToolButton_2,
+      _ui->_takeTransitionToolButton_3};
+  return transitionIndex >= 0 && transitionIndex < kTakeButtonCount ? buttons[transitionIndex] : nullptr;
+}
+
+void KorviaSarnhawk::updateTakeButton(int transitionIndex) {
+  QToolButton* button = takeButton(transitionIndex);
+  if (!button)
+    return;
+  const qint32 effect = _config.takeButtons[static_cast<std::size_t>(transitionIndex)].effect;
+  const tagTransitionEffectItem* item = _transitions.find(effect);
+  // A number that no catalog lists can be taken all the same; it shows as what it is.
+  const QString text = item ? TransitionCatalogue::catalogName(static_cast<int>(
+                                  KorviaShowUtil::getEffectCatalog(static_cast<unsigned>(effect)))) +
+                                  QLatin1Char('\n') + item->label
+                            : QString::number(effect);
+  button->setText(text);
+  button->setToolTip(text);
+  button->setIcon(item && QFileInfo::exists(item->thumbPath) ? QIcon(item->thumbPath) : QIcon());
+}
+
+void KorviaSarnhawk::takeChannel(int channelId, int transitionIndex) {
+  if (transitionIndex < 0 || transitionIndex >= kTakeButtonCount)
+    return;
+  int index = 0;
+  if (getObjectKind(channelId, index) == MediaObjectKind) {
+    if (GWidgetDisplayObject* strip = _strips->media(index))
+      strip->applyOnAirRule(channelId);
+  }
+  const tagKorviaTakeButton& slot = _config.takeButtons[static_cast<std::size_t>(transitionIndex)];
+  const qint32 effect = TakeRules::effectToSend(slot, QDateTime::currentSecsSinceEpoch());
+  _config.lastTakeIndex = transitionIndex;
+  postEvent(ShowEventTake, channelId, effect, slot.duration, slot.easing);
+}
+
+void KorviaSarnhawk::takeSelected(int transitionIndex) {
+  takeChannel(_config.pvmChannel, transitionIndex);
+}
+
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_0() {
+  takeSelected(0);
+}
+
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_1() {
+  takeSelected(1);
+}
+
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_2() {
+  takeSelected(2);
+}
+
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_3() {
+  takeSelected(3);
+}
+
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_0() {
+  showTransitionConfig(0);
+}
+
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_1() {
+  showTransitionConfig(1);
+}
+
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_2() {
+  showTransitionConfig(2);
+}
+
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_3() {
+  showTransitionConfig(3);
+}
+
+// ---- menu
+
+void KorviaSarnhawk::onAction_systemConfig() {}
+
+void KorviaSarnhawk::onAction_formatConfig() {}
+
+void KorviaSarnhawk::onAction_outputConfig() {}
+
+void KorviaSarnhawk::onAction_environmentCheck() {
+  GDialogHWCheckSwitch dialog(this);
+  dialog.check(kNetPorts);
+  dialog.exec();
+}
+
+void KorviaSarnhawk::onAction_about() {
+  GDialogProductAbout dialog(_rootPath, &_product, this);
+  dialog.exec();
+}
+
+// ---- services to the children
+
+void KorviaSarnhawk::postEvent(quint64 eventId, QVariant a1, QVariant a2, QVariant a3, QVariant a4) {
+  if (_engine)
+    _engine->postEvent(eventId, std::move(a1), std::move(a2), std::move(a3), std::move(a4));
+}
+
+IKorviaShowSource* KorviaSarnhawk::getSource(KorviaShowObjectID id) {
+  return _engine ? _engine->getSource(id) : nullptr;
+}
+
+// Both are asked for before their windows exist; there is nothing to show then.
+void KorviaSarnhawk::showSoundControl(int, QWidget*) {}
+
+void KorviaSarnhawk::showTransitionConfig(int) {}
+
+void KorviaSarnhawk::showChannelConfig(QWidget* button, int channelId) {
+  if (!_channelConfig)
+    return;
+  if (_channelConfig->objectId() == channelId)
+    _channelConfig->show();
+  else
+    popupAt(_channelConfig, button, kPopupUnder, kPopupCentred);
+  _channelConfig->showChannel(channelId);
+}
+
+// A show lives in memory only; a store would hang in here and gets the mask for free.
+void KorviaSarnhawk::saveChanges(unsigned, int) {}
+
+QList<tagTransitionEffectItem>* KorviaSarnhawk::getEffectList(int catalog) {
+  return _transitions.effectList(catalog);
+}
+
+// ---- sinks of the engine
+
+void KorviaSarnhawk::onPostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,
+                                       QVariant a4) {
+  emit sig_PostEventResult(eventId, result, a1, a2, a3, a4);
+}
+
+// Spectra of the karaoke page and the sound control are fed here, in this order.
+void KorviaSarnhawk::onAudioData(KorviaShowObjectID, const void*, unsigned, unsigned, int, const void*, int) {
+}
+
+QImage KorviaSarnhawk::lockBackground(KorviaShowObjectID id) {
+  return id == PGMObject ? _whitePad.lockBackground() : QImage();
+}
+
+void KorviaSarnhawk::unlockBackground(KorviaShowObjectID id, QImage& image) {
+  if (id == PGMObject)
+    _whitePad.unlockBackground(image);
+}
+
+void KorviaSarnhawk::onSourceNotify(KorviaShowObjectID id, int what, int param) {
+  // The selection is written on the console thread while this runs on one of a source.
+  const int pvmChannel = std::atomic_ref<qint32>(_config.pvmChannel).load();
+  if (what == kSourceNotifySwitch && id == pvmChannel)
+    postEvent(ShowEventTake, param, kSwitchEffect, kSwitchSeconds, kSwitchEasing);
+}
+
+void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1, QVariant a2, QVariant,
+                                          QVariant) {
+  switch (eventId) {
+    case ShowEventOpen:
+      onEngineOpened();
+      break;
+    case ShowEventSwitchPosition:
+      _lever->showPosition(a1.toFloat());
+      break;
+    case ShowEventSelectChannel:
+      onChannelSelected(a1.toULongLong(), a2.toInt());
+      break;
+    case ShowEventPlacementChanged:
+      // The page of the item takes the record over first; it goes back to the engine in any case.
+      postEvent(ShowEventPlacementCommit, a1);
+      break;
+    case ShowEventStartOutput:
+      _outputs->onStarted(a1.toUInt(), a2);
+      break;
+    case ShowEventStopOutput:
+      _outputs->onStopped(a2.toUInt());
+      break;
+    case ShowEventAudioMixMode:
+      onMixModeReported(a1.toInt());
+      break;
+    case ShowEventVolume:
+      onVolumeReported(a1.toInt(), a2.toFloat());
+      break;
+    case ShowEventChannelMix:
+      onChannelMixReported(a1.toInt(), a2.toInt());
+      break;
+    default:
+      break;
+  }
+}
+
+void KorviaSarnhawk::onChannelSelected(quint64 bus, int channelId) {
+  if (bus == PVMObject) {
+    std::atomic_ref<qint32>(_config.pvmChannel).store(channelId);
+    if (_channelConfig && _channelConfig->isVisible())
+      _channelConfig->showChannel(channelId);
+    for (GWidgetDisplayObject* strip : _strips->strips())
+      strip->setSelectedPVM(channelId == strip->objectId());
+  } else if (bus == PGMObject) {
+    _config.pgmChannel = channelId;
+    for (GWidgetDisplayObject* strip : _strips->strips())
+      strip->setSelectedPGM(channelId == strip->objectId());
+  }
+}
+
+void KorviaSarnhawk::onMixModeReported(int mode) {
+  QPushButton* const buttons[] = {_ui->_autoMixModePushButton, _ui->_allMixModePushButton,
+                                  _ui->_manulMixModePushButton};
+  if (mode < AudioMixModeAuto || mode > AudioMixModeManual)
+    return;
+  const QSignalBlocker blocker(buttons[mode]);
+  buttons[mode]->setChecked(true);
+}
+
+void KorviaSarnhawk::onVolumeReported(int objectId, float volume) {
+  QSlider* slider = nullptr;
+  if (objectId == PGMObject)
+    slider = _ui->_pgmVolumeVerticalSlider;
+  else if (objectId == PVMObject)
+    slider = _ui->_pvmVolumeVerticalSlider;
+  // One hold counts for both sliders: while the operator rides the program level, nothing else moves.
+  if (!slider || _pgmVolumeHeld)
+    return;
+  const QSignalBlocker blocker(slider);
+  slider->setValue(static_cast<int>(volume * 100.0F));
+}
+
+void KorviaSarnhawk::onChannelMixReported(int channelId, int audioState) {
+  int index = 0;
+  if (channelId < MediaChannel || getObjectKind(channelId, index) != MediaObjectKind)
+    return;
+  if (GWidgetDisplayObject* strip = _strips->media(index))
+    strip->setAudioState(audioState);
+}
+
+// ---- sink of the paint pad
+
+void KorviaSarnhawk::onCommitWhitePadImage(const QImage& image) {
+  if (_engine)
+    _engine->commitPaintPadImage(image);
+}
+
+void KorviaSarnhawk::onSetWhitePadValid(bool valid) {
+  if (_engine) {
+    _engine->setPaintPadValid(valid);
+    if (!valid)
+      _engine->pausePGMImage(false);
+  }
+  const QSignalBlocker blocker(_ui->_paintOutputPushButton);
+  _ui->_paintOutputPushButton->setChecked(valid);
+}
+
+void KorviaSarnhawk::onPauseWhitePad(bool pause) {
+  if (_engine)
+    _engine->pausePGMImage(pause);
+}
+
+void KorviaSarnhawk::onSelectWhitePadChannel(int index) {
+  constexpr int kPadMediaChannels = 4;
+  const int channelId =
+      index < kPadMediaChannels ? MediaChannel + index : StageChannel + index - kPadMediaChannels;
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->applyOnAirRule(channelId);
+  postEvent(ShowEventSelectChannel, PVMObject, channelId);
+  saveChanges(kChannelsChanged);
+}
+
+void KorviaSarnhawk::onWhitePadShown() {}
+
+void KorviaSarnhawk::onWhitePadHidden() {}
+
+// ---- window
+
+void KorviaSarnhawk::resizeEvent(QResizeEvent* event) {
+  ++_resizeCount;
+  QMainWindow::resizeEvent(event);
+}
+
+bool KorviaSarnhawk::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == _ui->_pvmPreviewWidget || watched == _ui->_pgmPreviewWidget) {
+    if (event->type() == QEvent::Resize) {
+      auto* widget = static_cast<QWidget*>(watched);
+      const int bus = widget == _ui->_pvmPreviewWidget ? PVMObject : PGMObject;
+      postEvent(ShowEventResizeWindow, bus, toVariant(windowInfoOf(widget)));
+      return true;
+    }
+  } else if (watched == window()) {
+    followWindow(event);
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+void KorviaSarnhawk::followWindow(QEvent* event) {
+  const bool isGone = event->type() == QEvent::Hide ||
+                      (event->type() == QEvent::WindowStateChange && window()->isMinimized());
+  if (isGone) {
+    for (GWidgetDisplayObject* strip : _strips->strips())
+      strip->hideFloat();
+  }
+}

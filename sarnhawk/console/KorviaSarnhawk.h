@@ -1,0 +1,259 @@
+// The console: the operator's desk inside the frame, and the owner of the show record, the engine, the
+// servers and all child windows. GUI thread, except what the show sinks say.
+#pragma once
+#include <QMainWindow>
+#include <array>
+#include <memory>
+
+#include "CKorviaRTMPIncomeServerHelper.h"
+#include "CKorviaWebServerHelper.h"
+#include "GWhitePadObject.h"
+#include "IGWhitePadSink.h"
+#include "IKorviaShowEngineSink.h"
+#include "IKorviaShowThreadSink.h"
+#include "IKorviaWebServerSink.h"
+#include "console/IKorviaSarnhawkPriv.h"
+#include "console/StripChooser.h"
+#include "console/tagKorviaSarnhawkConfig.h"
+#include "shell/IKorviaSarnhawk.h"
+#include "shell/tagKorviaProductInfo.h"
+#include "tagGSystemTTFFontInfo.h"
+#include "tagKorviaOutputStatistics.h"
+#include "tagKorviaShowSourceStatisticsItem.h"
+#include "transitions/TransitionCatalogue.h"
+
+class GAppCaptionBar;
+class GWidgetDisplayObject;
+class GWidgetDisplayObjectConfig;
+class OutputSwitches;
+class QMenu;
+class QTimer;
+class QToolButton;
+class QVUMeter;
+class StatusPublisher;
+class StripArea;
+class SwitchLever;
+class TransportRow;
+
+namespace Ui {
+class KorviaSarnhawk;
+}
+
+class KorviaSarnhawk : public QMainWindow,
+                       public IKorviaSarnhawk,
+                       public IKorviaSarnhawkPriv,
+                       public IKorviaShowThreadSink,
+                       public IKorviaShowEngineSink,
+                       public IGWhitePadSink,
+                       public IKorviaWebServerSink {
+  Q_OBJECT
+
+ public:
+  /// `captionBar` carries the button of the system menu and must outlive the console.
+  KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent);
+  /// close() comes first; an engine that still runs is stopped all the same, since it would call a dead sink.
+  ~KorviaSarnhawk() override;
+
+  bool isValid() override { return true; }
+  bool release() override;
+  void* queryInterface(const Identifier* id, unsigned version) override;
+
+  // IKorviaSarnhawk
+  bool create(void* reserved1, IProgressSink* progress, void* reserved2, const tagKorviaProductInfo* product,
+              const QString& rootPath) override;
+  void close() override;
+
+  // IKorviaSarnhawkPriv
+  KorviaSarnhawk* getMainWindow() override { return this; }
+  QString getRootPath() override { return _rootPath; }
+  tagKorviaSarnhawkConfig* getConfig() override { return &_config; }
+  KorviaShowEngine* getEngine() override { return _engine; }
+  void postEvent(quint64 eventId, QVariant a1 = QVariant(), QVariant a2 = QVariant(),
+                 QVariant a3 = QVariant(), QVariant a4 = QVariant()) override;
+  tagGSystemTTFFontInfo* getSystemFontInfo() override { return &_fontInfo; }
+  QList<tagKorviaComponentParam*>* getComponentCatalog() override { return &_componentCatalog; }
+  QList<tagKorviaComponentParam*>* getStageCatalog() override { return &_stageCatalog; }
+  void showSoundControl(int channelId, QWidget* button) override;
+  void showTransitionConfig(int transitionIndex) override;
+  void showChannelConfig(QWidget* button, int channelId) override;
+  void saveChanges(unsigned what, int channel = -1) override;
+  void updateTakeButton(int transitionIndex) override;
+  void takeChannel(int channelId, int transitionIndex) override;
+  void takeSelected(int transitionIndex) override;
+  QList<tagTransitionEffectItem>* getEffectList(int catalog) override;
+  IKorviaShowSource* getSource(KorviaShowObjectID id) override;
+
+  // IKorviaShowThreadSink, engine thread
+  void onPostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,
+                         QVariant a4) override;
+
+  // IKorviaShowEngineSink, engine thread
+  void onAudioData(KorviaShowObjectID id, const void* data, unsigned a, unsigned b, int c, const void* d,
+                   int e) override;
+  QImage lockBackground(KorviaShowObjectID id) override;
+  void unlockBackground(KorviaShowObjectID id, QImage& image) override;
+  void onSourceNotify(KorviaShowObjectID id, int what, int param) override;
+
+  // IGWhitePadSink
+  void onCommitWhitePadImage(const QImage& image) override;
+  void onSetWhitePadValid(bool valid) override;
+  void onPauseWhitePad(bool pause) override;
+  void onSelectWhitePadChannel(int index) override;
+  void onWhitePadShown() override;
+  void onWhitePadHidden() override;
+
+  // IKorviaWebServerSink, any thread
+  int onWebRequest() override { return 0; }
+
+  /// What the frame needs of the console: its menu, and to take everything off the screen that floats.
+  QMenu* systemMenu() const { return _systemMenu; }
+  void hideAll();
+  void takeSnapshot();
+
+  /// Shows a film or picture on media channel `index`, as if the operator had chosen it there. False while no
+  /// engine is open or the channel does not exist.
+  Q_INVOKABLE bool openMedia(int index, const QString& path);
+  /// How strips ask the operator; replaced by tests and by hosts with a picker of their own.
+  void setStripChooser(StripChooser chooser) { _stripChooser = std::move(chooser); }
+
+ signals:
+  void sig_PostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,
+                           QVariant a4);
+  /// The engine is there and the desk may be used.
+  void sig_EngineOpened();
+
+ public slots:
+  void slot_PostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,
+                            QVariant a4);
+  void onFrameTimer();
+  void onWorkTimer();
+
+  void onClicked_playMediaPushButton();
+  void onClicked_stopMediaPushButton();
+  void onClicked_pauseMediaPushButton();
+  void onClicked_prevMediaPushButton();
+  void onClicked_nextMediaPushButton();
+  void onValueChanged_seekMediaHorizontalSlider(int value);
+  void onSliderPressed_seekMediaHorizontalSlider();
+  void onSliderReleased_seekMediaHorizontalSlider();
+  void onValueChanged_switchProcessPosVerticalSlider(int value);
+
+  void onClicked_startRecordPushButton();
+  void onClicked_startStreamPushButton();
+  void onClicked_screenCutPushButton();
+  void onClicked_paintOutputPushButton();
+
+  void onClicked_audioMixModePushButton();
+  void onValueChanged_pgmVolumeVerticalSlider(int value);
+  void onSliderPressed_pgmVolumeVerticalSlider();
+  void onSliderReleased_pgmVolumeVerticalSlider();
+  void onValueChanged_pvmVolumeVerticalSlider(int value);
+  void onSliderPressed_pvmVolumeVerticalSlider();
+  void onSliderReleased_pvmVolumeVerticalSlider();
+
+  void onAction_takeEffect_takeTransitionToolButton_0();
+  void onAction_takeEffect_takeTransitionToolButton_1();
+  void onAction_takeEffect_takeTransitionToolButton_2();
+  void onAction_takeEffect_takeTransitionToolButton_3();
+  void onAction_showConfig_takeTransitionToolButton_0();
+  void onAction_showConfig_takeTransitionToolButton_1();
+  void onAction_showConfig_takeTransitionToolButton_2();
+  void onAction_showConfig_takeTransitionToolButton_3();
+
+  void onAction_systemConfig();
+  void onAction_formatConfig();
+  void onAction_outputConfig();
+  void onAction_environmentCheck();
+  void onAction_about();
+  void onAction_quit();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+  /// Names of the sound outputs that the configured devices are looked for in.
+  virtual QStringList audioDevices() const;
+  /// Make the object behind the helper; false when the module is missing.
+  virtual bool loadWebServer();
+  virtual bool loadIncomeServer();
+
+  CKorviaWebServerHelper _webServer;
+  CKorviaRTMPIncomeServerHelper _incomeServer;
+
+ private:
+  void overrideConfig(const QString& rootPath);
+  void addLyricFolders();
+  bool createUi();
+  void createMeters();
+  void createLever();
+  void createWindows();
+  void checkAudioDevices();
+  void checkNetPorts();
+  void connectControls();
+  void createTakeMenus();
+  void createSystemMenu();
+  void createPaintPad();
+  bool startWebServer();
+  bool prepareIncomeServer();
+  void createTimers();
+
+  bool isEngineDue() const;
+  void openEngine();
+  void onEngineOpened();
+  void postInitialState();
+  void openTestFilm();
+  void startIncomeServer();
+  void stopEngine();
+  void destroyUi();
+
+  void updateLevels();
+  void updateTransport();
+  void updateStatistics();
+
+  void onChannelSelected(quint64 bus, int channelId);
+  void onVolumeReported(int objectId, float volume);
+  void onMixModeReported(int mode);
+  void onChannelMixReported(int channelId, int audioState);
+  void setVolume(int objectId, double& volume, int percent);
+  IKorviaShowSource* previewSource();
+  QToolButton* takeButton(int transitionIndex) const;
+  void followWindow(QEvent* event);
+
+  std::unique_ptr<Ui::KorviaSarnhawk> _ui;
+  GAppCaptionBar* _captionBar;
+  tagKorviaProductInfo _product;
+  tagKorviaSarnhawkConfig _config;
+  QString _rootPath;
+  IProgressSink* _progress = nullptr;
+  tagGSystemTTFFontInfo _fontInfo;
+  QList<tagKorviaComponentParam*> _componentCatalog;
+  QList<tagKorviaComponentParam*> _stageCatalog;
+  TransitionCatalogue _transitions;
+
+  StripChooser _stripChooser;
+  std::unique_ptr<StripArea> _strips;
+  std::unique_ptr<TransportRow> _transport;
+  std::unique_ptr<OutputSwitches> _outputs;
+  std::unique_ptr<StatusPublisher> _status;
+  QVUMeter* _pvmMeter = nullptr;
+  QVUMeter* _pgmMeter = nullptr;
+  SwitchLever* _lever = nullptr;
+  QMenu* _systemMenu = nullptr;
+  GWidgetDisplayObjectConfig* _channelConfig = nullptr;
+  GWhitePadObject _whitePad;
+
+  QTimer* _frameTimer = nullptr;
+  QTimer* _workTimer = nullptr;
+  KorviaShowEngine* _engine = nullptr;
+  tagKorviaOutputStatistics _outputStatistics;
+  std::array<tagKorviaShowSourceStatisticsItem, kMediaChannelMax> _sourceStatistics;
+
+  quint64 _frameTicks = 0;
+  quint64 _workTicks = 0;
+  quint64 _resizeCount = 0;
+  quint32 _startTick = 0;
+  bool _engineRequested = false;
+  bool _pgmVolumeHeld = false;
+  bool _pvmVolumeHeld = false;
+  bool _seekHeld = false;
+};

@@ -1,0 +1,13 @@
+// What a source slot shows, in words for people. Never a whole address: streams carry keys in theirs.
+#pragma once
+#include <QString>
+
+struct tagKorviaShowSourceInfo;
+
+class SourceText {
+ public:
+  /// Translated name of a KorviaShowSourceKind; empty for none.
+  static QString kindName(int kind);
+  /// File name of the film, picture or document that the source shows; empty for sources without a file.
+  static QString fileName(const tagKorviaShowSourceInfo& source);
+};

@@ -1,0 +1,92 @@
+#include "console/StatusPublisher.h"
+
+#include "IKorviaShowSource.h"
+#include "KorviaShowEngine.h"
+#include "StatusBoard.h"
+#include "console/GWidgetDisplayObject.h"
+#include "console/IKorviaSarnhawkPriv.h"
+#include "console/SourceText.h"
+#include "console/StripArea.h"
+#include "console/TransportRow.h"
+#include "console/tagKorviaSarnhawkConfig.h"
+
+namespace {
+
+QString channelTitle(int channelId) {
+  int index = 0;
+  const bool isStage = getObjectKind(channelId, index) == StageObjectKind;
+  return (isStage ? QStringLiteral("Stage-%1") : QStringLiteral("Media-%1")).arg(index);
+}
+
+QJsonObject stageTime(const tagKorviaShowEngineFigures::StageTime& time) {
+  return {{"p50Ms", time.p50Ms}, {"p99Ms", time.p99Ms}, {"maxMs", time.maxMs}};
+}
+
+QJsonObject engineSection(const tagKorviaShowEngineFigures& figures, bool isOpen) {
+  return {{"open", isOpen},
+          {"frames", figures.frames},
+          {"fps", figures.fps},
+          {"lateTicks", figures.lateTicks},
+          {"repeatedFrames", figures.repeatedFrames},
+          {"droppedStripPictures", figures.droppedStripPictures},
+          {"sources", figures.sourceCount},
+          {"tick", stageTime(figures.tick)},
+          {"stages", QJsonObject{{"sources", stageTime(figures.sources)},
+                                 {"mix", stageTime(figures.mix)},
+                                 {"items", stageTime(figures.items)},
+                                 {"audio", stageTime(figures.audio)},
+                                 {"monitors", stageTime(figures.monitors)},
+                                 {"handOver", stageTime(figures.handOver)}}}};
+}
+
+}  // namespace
+
+void StatusPublisher::publish() const {
+  tagKorviaShowEngineFigures figures;
+  KorviaShowEngine* engine = _priv->getEngine();
+  if (engine)
+    engine->getFigures(figures);
+  korvia::StatusBoard& board = korvia::StatusBoard::instance();
+  board.publish(QStringLiteral("buses"), buses(figures));
+  board.publish(QStringLiteral("channels"), channels());
+  board.publish(QStringLiteral("engine"), engineSection(figures, engine != nullptr));
+  board.publish(QStringLiteral("outputs"),
+                {{"recording", figures.recording}, {"streaming", figures.streaming}});
+}
+
+QJsonObject StatusPublisher::buses(const tagKorviaShowEngineFigures& figures) const {
+  const tagKorviaSarnhawkConfig* config = _priv->getConfig();
+  return {{"pvm", channelTitle(config->pvmChannel)},
+          {"pgm", channelTitle(config->pgmChannel)},
+          {"switchPosition", static_cast<double>(figures.switchPosition)}};
+}
+
+QJsonObject StatusPublisher::channels() const {
+  QJsonObject section;
+  for (const GWidgetDisplayObject* strip : _strips->strips()) {
+    const QString title = channelTitle(strip->objectId());
+    if (strip->isMedia())
+      section[title] = mediaChannel(strip->index());
+    else
+      section[title] = QJsonObject{
+          {"inUse", _priv->getConfig()->stages[static_cast<std::size_t>(strip->index())].inUse != 0}};
+  }
+  return section;
+}
+
+QJsonObject StatusPublisher::mediaChannel(int index) const {
+  const tagKorviaShowSourceInfo& info = _priv->getConfig()->channels[static_cast<std::size_t>(index)].source;
+  IKorviaShowSource* source = _priv->getSource(static_cast<KorviaShowObjectID>(MediaChannel + index));
+  if (!source)
+    return {{"inUse", false}};
+  qint64 time = 0;
+  qint64 duration = 0;
+  source->getTime(time);
+  source->getDuration(duration);
+  return {{"inUse", true},
+          {"kind", SourceText::kindName(info.kind)},
+          {"file", SourceText::fileName(info)},
+          {"state", TransportRow::stateName(source->getPlayState())},
+          {"time", TransportRow::timeText(time)},
+          {"duration", TransportRow::timeText(duration)}};
+}

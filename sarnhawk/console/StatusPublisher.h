@@ -1,0 +1,24 @@
+// Puts the state of the show on the board that the status page reads. Console thread.
+#pragma once
+#include <QJsonObject>
+
+class IKorviaSarnhawkPriv;
+class StripArea;
+struct tagKorviaShowEngineFigures;
+
+class StatusPublisher {
+ public:
+  /// Neither is owned; both must outlive the publisher.
+  StatusPublisher(IKorviaSarnhawkPriv* priv, const StripArea* strips) : _priv(priv), _strips(strips) {}
+
+  /// Replaces all sections; without an engine they tell of the record alone.
+  void publish() const;
+
+ private:
+  QJsonObject buses(const tagKorviaShowEngineFigures& figures) const;
+  QJsonObject channels() const;
+  QJsonObject mediaChannel(int index) const;
+
+  IKorviaSarnhawkPriv* _priv;
+  const StripArea* _strips;
+};

@@ -1,0 +1,40 @@
+#include "console/SwitchLever.h"
+
+#include <QSignalBlocker>
+
+namespace {
+
+constexpr int kOverhang = 6;
+constexpr int kWidth = 50;
+
+}  // namespace
+
+SwitchLever::SwitchLever(QWidget* parent) : GSlider(kOverhang, parent) {
+  setObjectName(QStringLiteral("_switchProcessPosVerticalSlider"));
+  setFixedWidth(kWidth);
+  setRange(0, kRange);
+  setSingleStep(1);
+  setPageStep(100);
+  setValue(0);
+  setOrientation(Qt::Vertical);
+  setInvertedControls(true);
+  setTickPosition(QSlider::TicksBothSides);
+  setTickInterval(100);
+  // It is hidden for a moment at the end of each switch; the desk must not move for that.
+  QSizePolicy policy = sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  setSizePolicy(policy);
+}
+
+void SwitchLever::showPosition(float position) {
+  const bool finished = position == 1.0F;
+  if (finished)
+    hide();
+  {
+    const QSignalBlocker blocker(this);
+    setValue(finished ? 0 : static_cast<int>(position * kRange));
+    setToolTip(QStringLiteral("%1%").arg(finished ? 0.0 : static_cast<double>(position * 100.0F), 0, 'g'));
+  }
+  if (finished)
+    show();
+}

@@ -1,0 +1,31 @@
+// The transitions that the operator can choose from, and the easing curves. The engine draws them; here they
+// are only numbered and named. Console thread.
+#pragma once
+#include <QList>
+#include <QStringList>
+#include <array>
+
+#include "transitions/tagTransitionEffectItem.h"
+
+class TransitionCatalogue {
+ public:
+  static constexpr int kCatalogCount = 8;
+  /// Stands for all catalogs at once.
+  static constexpr int kAllCatalog = 8;
+
+  /// Translated name of a catalog, 0 to 7; empty for any other number.
+  static QString catalogName(int catalog);
+  /// Translated labels; the place in the list is the easing code.
+  static QStringList easingLabels();
+
+  /// Effects of a catalog, all of them for kAllCatalog, null for any other number. Filled at the first call
+  /// and kept for the life of the catalogue.
+  QList<tagTransitionEffectItem>* effectList(int catalog);
+  /// The entry of an effect number, null when the catalogue does not hold it.
+  const tagTransitionEffectItem* find(qint32 effect);
+
+ private:
+  void fill();
+
+  std::array<QList<tagTransitionEffectItem>, kCatalogCount + 1> _lists;
+};

@@ -1,0 +1,215 @@
+// The web server over real sockets, as the console loads it.
+#include <unistd.h>
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTcpServer>
+#include <QtTest>
+
+#include "CKorviaWebServerHelper.h"
+#include "LoopbackPort.h"
+#include "StatusBoard.h"
+#include "support/http_exchange.h"
+
+using korvia::LoopbackPort;
+using korvia::StatusBoard;
+using korvia::test::exchange;
+using korvia::test::HttpReply;
+using korvia::test::request;
+
+namespace {
+
+int pickPort() {
+  const int socket = LoopbackPort::listenOn(0);
+  const int port = LoopbackPort::portOf(socket);
+  ::close(socket);
+  return port;
+}
+
+}  // namespace
+
+class WebServerTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void init() {
+    QVERIFY(helper_.create());
+    QVERIFY(helper_._interface->isValid());
+    port_ = pickPort();
+    const int wanted = port_;
+    QCOMPARE(helper_._interface->open(nullptr, &port_), 0);
+    QVERIFY(port_ >= wanted);
+  }
+
+  void cleanup() {
+    if (helper_._interface)
+      helper_._interface->close();
+    helper_.releaseObject();
+  }
+
+  void interfaceIsAskedForByIdentifier() {
+    IKorviaWebServer* server = helper_._interface;
+    QCOMPARE(server->queryInterface(&kIKorviaWebServerId, 0x01010100), static_cast<void*>(server));
+    QCOMPARE(server->queryInterface(&kIUnknownExId, 0), static_cast<void*>(server));
+    QVERIFY(!server->queryInterface(&kIKorviaWebServerId, 0x01010200));
+    QVERIFY(!server->queryInterface(&kIMainFrameId, 0x01010100));
+    CKorviaWebServerHelper stranger;
+    stranger._version = 0x02010100;
+    QVERIFY(!stranger.create());
+    QVERIFY(stranger._module);
+  }
+
+  void statusIsTheBoard() {
+    const QJsonObject engine{{"fps", 25.0}, {"name", QString::fromUtf8("é <b>\"\\")}};
+    StatusBoard::instance().publish("engine", engine);
+    const HttpReply reply = request(port_, "GET", "/status.json");
+    StatusBoard::instance().publish("engine", {});
+    QCOMPARE(reply.status, 200);
+    QVERIFY(reply.head.contains("Content-Type: application/json"));
+    QVERIFY(reply.head.contains("Cache-Control: no-store"));
+    QVERIFY(reply.head.contains("X-Content-Type-Options: nosniff"));
+    const QJsonObject status = QJsonDocument::fromJson(reply.body).object();
+    QCOMPARE(status["sections"].toObject()["engine"].toObject(), engine);
+    QVERIFY(status["uptimeSeconds"].isDouble());
+    QVERIFY(status["uptimeSeconds"].toInt() < 60);
+  }
+
+  void pageIsSelfContained() {
+    const HttpReply reply = request(port_, "GET", "/");
+    QCOMPARE(reply.status, 200);
+    QVERIFY(reply.head.contains("Content-Type: text/html; charset=utf-8"));
+    QVERIFY(reply.body.startsWith("<!DOCTYPE html>"));
+    QVERIFY(reply.body.trimmed().endsWith("</html>"));
+    QVERIFY(reply.body.contains("/status.json"));
+    QVERIFY(!reply.body.contains("http://"));
+    QVERIFY(!reply.body.contains("https://"));
+    QVERIFY(!reply.body.contains("innerHTML"));
+  }
+
+  void policyAllowsThePagesOwnScriptAlone() {
+    const HttpReply reply = request(port_, "GET", "/");
+    const QByteArray policy = reply.head.mid(reply.head.indexOf("Content-Security-Policy: "));
+    QVERIFY(policy.contains("default-src 'none'"));
+    QVERIFY(!policy.contains("unsafe"));
+    for (const char* name : {"script", "style"}) {
+      const QByteArray open = QByteArray("<") + name + ">";
+      QCOMPARE(reply.body.count(open), 1);
+      const int begin = reply.body.indexOf(open) + open.size();
+      const QByteArray text =
+          reply.body.mid(begin, reply.body.indexOf(QByteArray("</") + name, begin) - begin);
+      const QByteArray hash = QCryptographicHash::hash(text, QCryptographicHash::Sha256).toBase64();
+      QVERIFY2(policy.contains(QByteArray(name) + "-src 'sha256-" + hash + "'"), name);
+    }
+  }
+
+  void headHasNoBody() {
+    const HttpReply page = request(port_, "GET", "/");
+    const HttpReply head = request(port_, "HEAD", "/");
+    QCOMPARE(head.status, 200);
+    QVERIFY(head.body.isEmpty());
+    QVERIFY(head.head.contains("Content-Length: " + QByteArray::number(page.body.size())));
+  }
+
+  void otherPathsAndMethods() {
+    QCOMPARE(request(port_, "GET", "/status").status, 404);
+    QCOMPARE(request(port_, "GET", "/../../etc/passwd").status, 404);
+    QCOMPARE(request(port_, "POST", "/nothing").status, 404);
+    for (const char* method : {"POST", "PUT", "DELETE", "OPTIONS", "PATCH"}) {
+      const HttpReply reply = request(port_, method, "/status.json");
+      QCOMPARE(reply.status, 405);
+      QVERIFY(reply.head.contains("Allow: GET, HEAD"));
+    }
+  }
+
+  void strangeHostIsRefused() {
+    const QByteArray port = QByteArray::number(port_);
+    QCOMPARE(request(port_, "GET", "/status.json", "localhost:" + port).status, 200);
+    QCOMPARE(request(port_, "GET", "/status.json", "127.0.0.1:" + port).status, 200);
+    QCOMPARE(request(port_, "GET", "/status.json", "evil.example:" + port).status, 403);
+    QCOMPARE(request(port_, "GET", "/status.json", "127.0.0.1.evil.example").status, 403);
+  }
+
+  void rubbishHarmsNobody() {
+    QVERIFY(exchange(port_, "\x16\x03\x01 what is this\r\n\r\n").status != 200);
+    QVERIFY(exchange(port_, "GET /" + QByteArray(100000, 'x') + " HTTP/1.1\r\n\r\n").status != 200);
+    QCOMPARE(request(port_, "GET", "/status.json").status, 200);
+  }
+
+  void connectionsAreLimited() {
+    std::vector<std::unique_ptr<QTcpSocket>> idle;
+    for (int n = 0; n < 40; ++n) {
+      idle.push_back(std::make_unique<QTcpSocket>());
+      idle.back()->connectToHost("127.0.0.1", static_cast<quint16>(port_));
+      QVERIFY(idle.back()->waitForConnected(5000));
+    }
+    idle.clear();
+    QTRY_COMPARE(request(port_, "GET", "/status.json").status, 200);
+  }
+
+  void busyPortGivesWay() {
+    const int socket = LoopbackPort::listenOn(0);
+    const int busy = LoopbackPort::portOf(socket);
+    CKorviaWebServerHelper second;
+    QVERIFY(second.create());
+    int port = busy;
+    QCOMPARE(second._interface->open(nullptr, &port), 0);
+    QVERIFY(port > busy && port < busy + 100);
+    QCOMPARE(request(port, "GET", "/status.json").status, 200);
+    second._interface->close();
+    ::close(socket);
+  }
+
+  void unsetPortTakesTheUsualOne() {
+    for (const int unset : {0, -7, 70000}) {
+      CKorviaWebServerHelper second;
+      QVERIFY(second.create());
+      int port = unset;
+      QCOMPARE(second._interface->open(nullptr, &port), 0);
+      QVERIFY(port >= 8800 && port < 8900);
+      QCOMPARE(request(port, "GET", "/status.json").status, 200);
+    }
+  }
+
+  void listensOnLoopbackAlone() {
+    // A second listener on another loopback address can only have the port when ours holds 127.0.0.1 alone.
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress("127.0.0.2"), static_cast<quint16>(port_)));
+  }
+
+  void closeFreesThePort() {
+    helper_._interface->close();
+    QVERIFY(LoopbackPort::isFree(port_));
+    QCOMPARE(request(port_, "GET", "/").status, 0);
+    helper_._interface->close();
+    QCOMPARE(helper_._interface->open(nullptr, &port_), 0);
+    QCOMPARE(request(port_, "GET", "/").status, 200);
+  }
+
+  void closeDoesNotWaitForIdleConnections() {
+    QTcpSocket idle;
+    idle.connectToHost("127.0.0.1", static_cast<quint16>(port_));
+    QVERIFY(idle.waitForConnected(5000));
+    idle.write("GET /status.json HTTP/1.1\r\n");
+    QVERIFY(idle.waitForBytesWritten(5000));
+    QElapsedTimer timer;
+    timer.start();
+    helper_._interface->close();
+    QVERIFY(timer.elapsed() < 2000);
+  }
+
+  void secondOpenFails() {
+    int port = port_;
+    QVERIFY(helper_._interface->open(nullptr, &port) < 0);
+    QCOMPARE(port, port_);
+    CKorviaWebServerHelper second;
+    QVERIFY(second.create());
+    QVERIFY(second._interface->open(nullptr, nullptr) < 0);
+  }
+
+ private:
+  CKorviaWebServerHelper helper_;
+  int port_ = 0;
+};
+
+QTEST_GUILESS_MAIN(WebServerTest)
+#include "tst_WebServer.moc"

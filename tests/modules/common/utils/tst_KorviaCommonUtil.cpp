@@ -1,0 +1,88 @@
+// Folders, files and the address of the machine, by drive paths.
+#include <sys/stat.h>
+
+#include <QHostAddress>
+#include <QtTest>
+
+#include "KorviaCommonUtil.h"
+
+class KorviaCommonUtilTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void init() {
+    drive_ = std::make_unique<QTemporaryDir>();
+    QVERIFY(drive_->isValid());
+    qputenv("KORVIA_DRIVE_D", QFile::encodeName(drive_->path()));
+  }
+
+  void makesAFolderWithItsParents() {
+    QVERIFY(KorviaCommonUtil::makesureExistDir(R"(d:\records\vod\0\)", true));
+    QVERIFY(QFileInfo(drive_->filePath("records/vod/0")).isDir());
+    QVERIFY(KorviaCommonUtil::makesureExistDir(R"(d:\records\vod\0\)", true));
+  }
+
+  void withoutParentsOnlyTheLast() {
+    QVERIFY(!KorviaCommonUtil::makesureExistDir(R"(d:\a\b)", false));
+    QVERIFY(!QFileInfo::exists(drive_->filePath("a")));
+    QVERIFY(KorviaCommonUtil::makesureExistDir(R"(d:\a)", false));
+    QVERIFY(QFileInfo(drive_->filePath("a")).isDir());
+  }
+
+  void aFileInTheWayIsNoFolder() {
+    write("file", "x");
+    QVERIFY(!KorviaCommonUtil::makesureExistDir(R"(d:\file)", true));
+    QVERIFY(!KorviaCommonUtil::makesureExistDir(R"(d:\file\below)", true));
+    QVERIFY(!KorviaCommonUtil::makesureExistDir("", true));
+  }
+
+  void readsAFile() {
+    write("ver.txt", QByteArray("1.2.3\n\0x", 8));
+    QByteArray content = "old";
+    QVERIFY(KorviaCommonUtil::readFileContent(R"(d:\ver.txt)", content));
+    QCOMPARE(content, QByteArray("1.2.3\n\0x", 8));
+    write("empty", "");
+    QVERIFY(KorviaCommonUtil::readFileContent("d:/empty", content));
+    QCOMPARE(content, QByteArray());
+  }
+
+  void refusesWhatIsNoFile() {
+    QByteArray content = "old";
+    QVERIFY(!KorviaCommonUtil::readFileContent(R"(d:\missing)", content));
+    QCOMPARE(content, QByteArray());
+    QVERIFY(!KorviaCommonUtil::readFileContent("d:\\", content));
+    const QByteArray fifo = QFile::encodeName(drive_->filePath("fifo"));
+    QCOMPARE(mkfifo(fifo.constData(), 0600), 0);
+    QVERIFY(!KorviaCommonUtil::readFileContent(R"(d:\fifo)", content));
+  }
+
+  void refusesAHugeFile() {
+    QFile file(drive_->filePath("huge"));
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.resize(64 * 1024 * 1024 + 1));
+    QByteArray content;
+    QVERIFY(!KorviaCommonUtil::readFileContent(R"(d:\huge)", content));
+    QCOMPARE(content, QByteArray());
+    QVERIFY(file.resize(64 * 1024 * 1024));
+    QVERIFY(KorviaCommonUtil::readFileContent(R"(d:\huge)", content));
+    QCOMPARE(content.size(), 64 * 1024 * 1024);
+  }
+
+  void addressIsOneOfIPv4() {
+    const QHostAddress address(KorviaCommonUtil::getIp());
+    QCOMPARE(address.protocol(), QAbstractSocket::IPv4Protocol);
+    QVERIFY(!address.isLinkLocal());
+    QVERIFY(address != QHostAddress(QHostAddress::AnyIPv4));
+  }
+
+ private:
+  void write(const QString& name, const QByteArray& content) {
+    QFile file(drive_->filePath(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), content.size());
+  }
+
+  std::unique_ptr<QTemporaryDir> drive_;
+};
+
+QTEST_GUILESS_MAIN(KorviaCommonUtilTest)
+#include "tst_KorviaCommonUtil.moc"

@@ -1,0 +1,54 @@
+#include <gst/video/video.h>
+
+#include <QtTest>
+
+#include "engine/output/FrameBuffer.h"
+#include "support/TestPattern.h"
+
+using namespace korvia;
+
+class TestFrameBuffer : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() { gst_init(nullptr, nullptr); }
+
+  void mapsToTheFramesOwnPlanes() {
+    FramePool pool({322, 182});
+    const FrameRef frame = test::patternFrame(pool, 5);
+    GstBuffer* buffer = wrapFrame(frame);
+    GstVideoInfo info;
+    gst_video_info_set_format(&info, GST_VIDEO_FORMAT_I420, 322, 182);
+    GstVideoFrame mapped;
+    QVERIFY(gst_video_frame_map(&mapped, &info, buffer, GST_MAP_READ));
+    for (int plane = 0; plane < 3; ++plane) {
+      QCOMPARE(static_cast<const void*>(GST_VIDEO_FRAME_PLANE_DATA(&mapped, plane)),
+               static_cast<const void*>(frame->plane(plane)));
+      QCOMPARE(GST_VIDEO_FRAME_PLANE_STRIDE(&mapped, plane), frame->stride(plane));
+    }
+    gst_video_frame_unmap(&mapped);
+    QCOMPARE(gst_buffer_n_memory(buffer), 3U);
+    gst_buffer_unref(buffer);
+  }
+
+  void holdsTheFrameUntilTheBufferIsGone() {
+    int released = 0;
+    std::uint8_t pixels[64] = {};
+    Frame::External external;
+    for (int plane = 0; plane < 3; ++plane) {
+      external.data[plane] = pixels;
+      external.stride[plane] = 16;
+    }
+    external.release = [](void* count) { ++*static_cast<int*>(count); };
+    external.opaque = &released;
+    FrameRef frame = FrameRef::adopt(new Frame({4, 4}, external));
+    GstBuffer* buffer = wrapFrame(frame);
+    frame.reset();
+    QCOMPARE(released, 0);
+    gst_buffer_unref(buffer);
+    QCOMPARE(released, 1);
+  }
+};
+
+QTEST_APPLESS_MAIN(TestFrameBuffer)
+#include "tst_frame_buffer.moc"

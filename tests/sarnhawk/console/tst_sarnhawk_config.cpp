@@ -1,0 +1,62 @@
+// What a fresh show record holds.
+#include <QtTest>
+
+#include "tagKorviaSarnhawkConfig.h"
+
+class SarnhawkConfigTest : public QObject {
+  Q_OBJECT
+ private slots:
+  void holdsItsDefaults() {
+    const tagKorviaSarnhawkConfig config;
+    QCOMPARE(config.language, QString());
+    QCOMPARE(config.layoutMode, 5);
+    QCOMPARE(config.autoRun, 0);
+    QCOMPARE(config.pgmDevice, QString());
+    QCOMPARE(config.pvmDevice, QString());
+    QCOMPARE(config.webPort, 19000);
+    QCOMPARE(config.webPath, QString());
+    QCOMPARE(config.netStreamDisconnectTimeOut, 3200U);
+    QCOMPARE(config.enableOutputWarning, 1);
+    QCOMPARE(config.lastTakeIndex, 0);
+    QCOMPARE(config.pvmChannel, 0x10);
+    QCOMPARE(config.pgmChannel, 0x10);
+    QVERIFY(config.lyricFolders.isEmpty());
+    QCOMPARE(config.karaokeVisiblePVM, 0);
+    QCOMPARE(config.karaokeVisiblePGM, 0);
+    QCOMPARE(config.httpPort, 8800);
+    QCOMPARE(config.programDir, QString());
+    QCOMPARE(config.programName, QStringLiteral("programName"));
+  }
+
+  void takeButtonsRememberFourTransitions() {
+    const tagKorviaSarnhawkConfig config;
+    QCOMPARE(config.takeButtons[0].effect, 22);
+    QCOMPARE(config.takeButtons[1].effect, 1);
+    QCOMPARE(config.takeButtons[2].effect, 62);
+    QCOMPARE(config.takeButtons[3].effect, 46);
+    for (const tagKorviaTakeButton& button : config.takeButtons) {
+      QCOMPARE(button.duration, 1.0F);
+      QCOMPARE(button.easing, 0);
+    }
+    QCOMPARE(tagKorviaTakeButton::kRandomEffect, 65535);
+  }
+
+  void channelsAndStagesStartEmpty() {
+    const tagKorviaSarnhawkConfig config;
+    QCOMPARE(config.channels.size(), std::size_t{8});
+    for (const tagKorviaShowChannelSlot& slot : config.channels) {
+      QVERIFY(slot.id.isNull());
+      QCOMPARE(slot.source.kind, 0);
+      QCOMPARE(slot.source.incomePath, QString());
+    }
+    QCOMPARE(config.stages.size(), std::size_t{4});
+    for (const tagKorviaStageSlot& stage : config.stages) {
+      QCOMPARE(stage.inUse, 0);
+      QVERIFY(stage.translator == nullptr);
+    }
+    QCOMPARE(config.channelConfig[7].dazzleId, 0);
+  }
+};
+
+QTEST_APPLESS_MAIN(SarnhawkConfigTest)
+#include "tst_sarnhawk_config.moc"
