@@ -181,6 +181,8 @@ class KorviaSarnhawk : public QMainWindow,
   CKorviaRTMPIncomeServerHelper _incomeServer;
 
  private:
+  static constexpr int kTakeButtonCount = 4;
+
   void overrideConfig(const QString& rootPath);
   void addLyricFolders();
   bool createUi();
