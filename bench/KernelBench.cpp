@@ -20,7 +20,7 @@ namespace {
 constexpr FrameSize kSize{1920, 1080};
 constexpr int kRounds = 60;
 
-FrameRef noise(quint32 seed) {
+FrameRef noise(std::uint32_t seed) {
   FramePool pool(kSize);
   MutableFrame frame = pool.acquire();
   for (int plane = 0; plane < 3; ++plane)

@@ -1,5 +1,5 @@
-// Frames that tell their number: a moving gradient under a row of sixteen black and white blocks, the bits of the
-// number with the lowest on the left.
+// Frames that tell their number: a moving gradient under a row of sixteen black and white blocks, the bits of
+// the number with the lowest on the left.
 #pragma once
 #include <cstdint>
 #include <vector>
@@ -14,7 +14,8 @@ inline FrameRef patternFrame(FramePool& pool, int number) {
   MutableFrame frame = pool.acquire();
   const int block = frame->width() / kPatternBits;
   for (int y = 0; y < frame->height(); ++y) {
-    std::uint8_t* row = frame->writablePlane(Frame::Y) + static_cast<std::ptrdiff_t>(y) * frame->stride(Frame::Y);
+    std::uint8_t* row =
+        frame->writablePlane(Frame::Y) + static_cast<std::ptrdiff_t>(y) * frame->stride(Frame::Y);
     for (int x = 0; x < frame->width(); ++x) {
       const int bit = std::min(x / block, kPatternBits - 1);
       if (y < block)
@@ -25,8 +26,7 @@ inline FrameRef patternFrame(FramePool& pool, int number) {
   }
   for (const int plane : {Frame::U, Frame::V}) {
     for (int y = 0; y < frame->planeHeight(plane); ++y) {
-      std::uint8_t* row =
-          frame->writablePlane(plane) + static_cast<std::ptrdiff_t>(y) * frame->stride(plane);
+      std::uint8_t* row = frame->writablePlane(plane) + static_cast<std::ptrdiff_t>(y) * frame->stride(plane);
       for (int x = 0; x < frame->planeWidth(plane); ++x)
         row[x] = static_cast<std::uint8_t>(plane == Frame::U ? 100 : 150);
     }

@@ -23,11 +23,12 @@ QByteArray run(const QString& program, const QStringList& arguments, QByteArray*
 }  // namespace
 
 VideoVerdict VideoJudge::judge(const QString& fileName) {
-  const QByteArray json = run(QStringLiteral("ffprobe"),
-                              {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
-                               QStringLiteral("v:0"), QStringLiteral("-count_frames"), QStringLiteral("-show_streams"),
-                               QStringLiteral("-show_format"), QStringLiteral("-show_packets"),
-                               QStringLiteral("-of"), QStringLiteral("json"), fileName});
+  const QByteArray json =
+      run(QStringLiteral("ffprobe"),
+          {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-select_streams"),
+           QStringLiteral("v:0"), QStringLiteral("-count_frames"), QStringLiteral("-show_streams"),
+           QStringLiteral("-show_format"), QStringLiteral("-show_packets"), QStringLiteral("-of"),
+           QStringLiteral("json"), fileName});
   const QJsonObject root = QJsonDocument::fromJson(json).object();
   VideoVerdict verdict;
   verdict.stream = root[QStringLiteral("streams")].toArray().at(0).toObject();
@@ -40,11 +41,12 @@ VideoVerdict VideoJudge::judge(const QString& fileName) {
 }
 
 QByteArray VideoJudge::decodeLuma(const QString& fileName, QByteArray* errors) {
-  return run(QStringLiteral("ffmpeg"),
-             {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), fileName, QStringLiteral("-vsync"),
-              QStringLiteral("passthrough"), QStringLiteral("-f"), QStringLiteral("rawvideo"),
-              QStringLiteral("-pix_fmt"), QStringLiteral("gray"), QStringLiteral("-")},
-             errors);
+  return run(
+      QStringLiteral("ffmpeg"),
+      {QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-i"), fileName,
+       QStringLiteral("-vsync"), QStringLiteral("passthrough"), QStringLiteral("-f"),
+       QStringLiteral("rawvideo"), QStringLiteral("-pix_fmt"), QStringLiteral("gray"), QStringLiteral("-")},
+      errors);
 }
 
 }  // namespace korvia::test

@@ -24,7 +24,7 @@ QString withDashes(QString text) {
 
 QString cutToBytes(QString text, int bytes) {
   while (text.toUtf8().size() > bytes)
-    text.chop(text.back().isLowSurrogate() ? 2 : 1);
+    text.chop(text.at(text.size() - 1).isLowSurrogate() ? 2 : 1);
   return text;
 }
 

@@ -1,7 +1,5 @@
 #include "SnapshotWriter.h"
 
-#include <libyuv.h>
-
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
@@ -13,6 +11,7 @@
 #include <utility>
 
 #include "DrivePath.h"
+#include "FrameImage.h"
 #include "OutputLog.h"
 
 namespace korvia {
@@ -22,18 +21,6 @@ namespace {
 // Of QImageWriter: zlib's quickest level, a fifth of the default's time for a few per cent more bytes.
 constexpr int kPngQuality = 85;
 constexpr int kEndMs = 5000;
-
-QImage toImage(const Frame& frame) {
-  // In memory, libyuv's ARGB is a QRgb.
-  QImage image(frame.width(), frame.height(), QImage::Format_RGB32);
-  if (image.isNull())
-    return image;
-  libyuv::I420ToARGBMatrixFilter(frame.plane(Frame::Y), frame.stride(Frame::Y), frame.plane(Frame::U),
-                                 frame.stride(Frame::U), frame.plane(Frame::V), frame.stride(Frame::V),
-                                 image.bits(), image.bytesPerLine(), &libyuv::kYuvH709Constants,
-                                 frame.width(), frame.height(), libyuv::kFilterBilinear);
-  return image;
-}
 
 /// The reason why not; empty when the file is there.
 QString writePng(const Frame& frame, const QString& path) {

@@ -8,8 +8,8 @@
 
 namespace korvia::test {
 
-/// Waits until fewer than `limit` of the `pushed` frames are still on their way; false when the output has ended
-/// and after ten seconds.
+/// Waits until fewer than `limit` of the `pushed` frames are still on their way; false when the output has
+/// ended and after ten seconds.
 inline bool waitForRoom(ProgramOutput& output, qint64 pushed, int limit) {
   const QDeadlineTimer deadline(10000);
   while (pushed - output.figures().framesEncoded >= limit) {

@@ -1,5 +1,5 @@
-// Records frames without end until it is killed: record_host FOLDER ENCAPSULATION [MAX_FILE_BYTES]. Prints the
-// number of frames pushed so far, one a line, and "down" when the recording has failed.
+// Records frames without end until it is killed: record_host FOLDER ENCAPSULATION [MAX_FILE_BYTES]. Prints
+// the number of frames pushed so far, one a line, and "down" when the recording has failed.
 #include <sys/resource.h>
 
 #include <csignal>

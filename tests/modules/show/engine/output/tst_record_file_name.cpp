@@ -13,7 +13,9 @@ const QString kNameFormat = QStringLiteral("${PROGRAMNAME}_${TIME}");
 const QString kTimeFormat = QStringLiteral("yy-MM-dd/hh_mm_ss");
 const QDateTime kTime(QDate(2025, 3, 9), QTime(7, 5, 1));
 
-QString make(const QString& program) { return RecordFileName::make(kNameFormat, kTimeFormat, program, kTime); }
+QString make(const QString& program) {
+  return RecordFileName::make(kNameFormat, kTimeFormat, program, kTime);
+}
 
 }  // namespace
 
@@ -34,13 +36,19 @@ class TestRecordFileName : public QObject {
   void hostileProgramNames_data() {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QString>("name");
-    QTest::newRow("climbs") << "../../etc/x" << ".-.-etc-x_25-03-09-07_05_01";
-    QTest::newRow("slash") << "a/b" << "a-b_25-03-09-07_05_01";
-    QTest::newRow("back-slash") << "a\\b" << "a-b_25-03-09-07_05_01";
-    QTest::newRow("drive") << "c:\\x" << "c--x_25-03-09-07_05_01";
+    QTest::newRow("climbs") << "../../etc/x"
+                            << ".-.-etc-x_25-03-09-07_05_01";
+    QTest::newRow("slash") << "a/b"
+                           << "a-b_25-03-09-07_05_01";
+    QTest::newRow("back-slash") << "a\\b"
+                                << "a-b_25-03-09-07_05_01";
+    QTest::newRow("drive") << "c:\\x"
+                           << "c--x_25-03-09-07_05_01";
     QTest::newRow("control") << QString("a\nb\tc\x01") + QChar(0) << "abc_25-03-09-07_05_01";
-    QTest::newRow("empty") << "" << "unnamed_25-03-09-07_05_01";
-    QTest::newRow("dots") << ".." << "unnamed_25-03-09-07_05_01";
+    QTest::newRow("empty") << ""
+                           << "unnamed_25-03-09-07_05_01";
+    QTest::newRow("dots") << ".."
+                          << "unnamed_25-03-09-07_05_01";
   }
   void hostileProgramNames() {
     QFETCH(QString, program);

@@ -60,15 +60,17 @@ class TestSnapshotWriter : public QObject {
                    close(got.blue(), colour.blue()),
                qPrintable(got.name()));
     }
-    QCOMPARE(QDir(folder.path() + "/new folder").entryList(QDir::Files | QDir::Hidden), QStringList("shot.png"));
+    QCOMPARE(QDir(folder.path() + "/new folder").entryList(QDir::Files | QDir::Hidden),
+             QStringList("shot.png"));
   }
 
   void failureIsLoggedAndTheNextOneIsWritten() {
     QTemporaryDir folder;
     SnapshotWriter writer;
     const FrameRef frame = plainFrame({64, 36}, 100, 128, 128);
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression("snapshot \"/dev/null/a/shot.png\" failed : the folder .* cannot be made"));
+    QTest::ignoreMessage(
+        QtWarningMsg,
+        QRegularExpression("snapshot \"/dev/null/a/shot.png\" failed : the folder .* cannot be made"));
     QVERIFY(writer.write(frame, "/dev/null/a/shot.png"));
     QVERIFY(writer.write(frame, folder.path() + "/b.png"));
     QVERIFY(writer.flush());
