@@ -1,5 +1,6 @@
 #include "console/KorviaSarnhawk.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QMenu>
 #include <QMessageBox>
@@ -386,6 +387,7 @@ void KorviaSarnhawk::onEngineOpened() {
   if (_progress)
     _progress->onProgressText(tr("Please Wait"));
   qDebug("startup spend time : %u", MultimediaClock::since(_startTick));
+  openRequestedFiles();
   emit sig_EngineOpened();
 }
 
@@ -404,6 +406,16 @@ void KorviaSarnhawk::openTestFilm() {
   slot.source.kind = SourceKindMovie;
   slot.source.moviePath = kTestFilmPath;
   _engine->openSource(SourceObject, slot.source, slot.format, nullptr);
+}
+
+void KorviaSarnhawk::openRequestedFiles() {
+  // What the host was asked to open at the start: channel number to path, left on the application since the
+  // host's interface has no operation for it.
+  const QVariantMap requests = qApp->property("korviaOpen").toMap();
+  for (auto request = requests.cbegin(); request != requests.cend(); ++request) {
+    if (!openMedia(request.key().toInt(), request.value().toString()))
+      qDebug("failed to open requested file on channel %s", qUtf8Printable(request.key()));
+  }
 }
 
 void KorviaSarnhawk::startIncomeServer() {

@@ -204,6 +204,7 @@ class KorviaSarnhawk : public QMainWindow,
   void onEngineOpened();
   void postInitialState();
   void openTestFilm();
+  void openRequestedFiles();
   void startIncomeServer();
   void stopEngine();
   void destroyUi();
