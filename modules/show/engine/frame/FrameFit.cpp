@@ -23,7 +23,8 @@ PlaneRect planeRect(const FrameRect& rect, const Frame& target, int plane) {
   const int shift = chroma ? 1 : 0;
   const int x = rect.x >> shift;
   const int y = rect.y >> shift;
-  // Rounds up so that a rectangle of odd size, which only a picture of the target's own size has, keeps its edge.
+  // Rounds up so that a rectangle of odd size, which only a picture of the target's own size has, keeps its
+  // edge.
   return {x, y, std::min((rect.width + shift) >> shift, target.planeWidth(plane) - x),
           std::min((rect.height + shift) >> shift, target.planeHeight(plane) - y)};
 }
@@ -72,8 +73,8 @@ void fitFrame(const Frame& picture, const FrameRect& rect, Frame& target) {
     fillAround(target, plane, inner, kAround[plane]);
     if (inner.width <= 0 || inner.height <= 0)
       continue;
-    std::uint8_t* to = target.writablePlane(plane) +
-                       static_cast<std::ptrdiff_t>(inner.y) * target.stride(plane) + inner.x;
+    std::uint8_t* to =
+        target.writablePlane(plane) + static_cast<std::ptrdiff_t>(inner.y) * target.stride(plane) + inner.x;
     if (plane == Frame::A && !picture.hasAlpha()) {
       libyuv::SetPlane(to, target.stride(plane), inner.width, inner.height, 255);
       continue;

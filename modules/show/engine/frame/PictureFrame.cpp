@@ -27,9 +27,9 @@ constexpr Row kLuma{fraction(kRed * kLumaSpan), fraction(kGreen* kLumaSpan), fra
 constexpr double kCbScale = kChromaSpan / (2 * (1 - kBlue));
 constexpr double kCrScale = kChromaSpan / (2 * (1 - kRed));
 // The largest part is what the others leave, so that grey gives exactly 128.
-constexpr Row kCb{fraction(-kRed* kCbScale), fraction(-kGreen* kCbScale),
+constexpr Row kCb{fraction(-kRed * kCbScale), fraction(-kGreen* kCbScale),
                   -fraction(-kRed* kCbScale) - fraction(-kGreen* kCbScale)};
-constexpr Row kCr{-fraction(-kGreen* kCrScale) - fraction(-kBlue* kCrScale), fraction(-kGreen* kCrScale),
+constexpr Row kCr{-fraction(-kGreen * kCrScale) - fraction(-kBlue * kCrScale), fraction(-kGreen* kCrScale),
                   fraction(-kBlue* kCrScale)};
 
 constexpr int kLumaBias = (16 << 16) + 32768;
@@ -61,9 +61,8 @@ FrameRef frameFromImage(const QImage& source) {
   if (source.isNull())
     return {};
   // Premultiplied colour is the picture over black.
-  const QImage image = source.hasAlphaChannel()
-                           ? source.convertToFormat(QImage::Format_ARGB32_Premultiplied)
-                           : source.convertToFormat(QImage::Format_RGB32);
+  const QImage image = source.hasAlphaChannel() ? source.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+                                                : source.convertToFormat(QImage::Format_RGB32);
   if (image.isNull())
     return {};
   const int width = image.width();
@@ -72,10 +71,13 @@ FrameRef frameFromImage(const QImage& source) {
   for (int y = 0; y < height; y += 2) {
     const auto* upper = reinterpret_cast<const QRgb*>(image.constScanLine(y));
     const auto* lower = reinterpret_cast<const QRgb*>(image.constScanLine(std::min(y + 1, height - 1)));
-    std::uint8_t* upperY = frame->writablePlane(Frame::Y) + static_cast<std::ptrdiff_t>(y) * frame->stride(Frame::Y);
+    std::uint8_t* upperY =
+        frame->writablePlane(Frame::Y) + static_cast<std::ptrdiff_t>(y) * frame->stride(Frame::Y);
     std::uint8_t* lowerY = y + 1 < height ? upperY + frame->stride(Frame::Y) : nullptr;
-    std::uint8_t* u = frame->writablePlane(Frame::U) + static_cast<std::ptrdiff_t>(y / 2) * frame->stride(Frame::U);
-    std::uint8_t* v = frame->writablePlane(Frame::V) + static_cast<std::ptrdiff_t>(y / 2) * frame->stride(Frame::V);
+    std::uint8_t* u =
+        frame->writablePlane(Frame::U) + static_cast<std::ptrdiff_t>(y / 2) * frame->stride(Frame::U);
+    std::uint8_t* v =
+        frame->writablePlane(Frame::V) + static_cast<std::ptrdiff_t>(y / 2) * frame->stride(Frame::V);
     for (int x = 0; x < width; ++x) {
       upperY[x] = luma(upper[x]);
       if (lowerY)

@@ -48,7 +48,8 @@ ColorSource::ColorSource(const SourceContext& context, const tagKorviaShowSource
 }
 
 QString ColorSource::description() const {
-  return info().colorBar ? QStringLiteral("colour bars") : QColor::fromRgba(info().color).name(QColor::HexArgb);
+  return info().colorBar ? QStringLiteral("colour bars")
+                         : QColor::fromRgba(info().color).name(QColor::HexArgb);
 }
 
 }  // namespace korvia

@@ -6,7 +6,8 @@ namespace korvia {
 
 class ColorSource final : public PictureSource {
  public:
-  ColorSource(const SourceContext& context, const tagKorviaShowSourceInfo& info, const tagKorviaFormatInfo& format);
+  ColorSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+              const tagKorviaFormatInfo& format);
 
  protected:
   QString description() const override;

@@ -115,8 +115,8 @@ bool FilmPipeline::makePictureChain(QString& reason) {
   gst_util_set_object_arg(G_OBJECT(deinterlace_), "mode", "auto");
   GstCaps* caps = gst_caps_new_empty_simple("video/x-raw");
   // The tap's clock paces the film, so the sink runs free and needs no preroll.
-  g_object_set(pictureSink_, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1u, "enable-last-sample",
-               FALSE, "qos", FALSE, nullptr);
+  g_object_set(pictureSink_, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1u,
+               "enable-last-sample", FALSE, "qos", FALSE, nullptr);
   gst_caps_unref(caps);
 
   GstAppSinkCallbacks callbacks = {};
@@ -127,7 +127,9 @@ bool FilmPipeline::makePictureChain(QString& reason) {
     }
     return GST_FLOW_OK;
   };
-  callbacks.eos = [](GstAppSink*, gpointer self) { static_cast<FilmPipeline*>(self)->listener_.onEndOfStream(); };
+  callbacks.eos = [](GstAppSink*, gpointer self) {
+    static_cast<FilmPipeline*>(self)->listener_.onEndOfStream();
+  };
   gst_app_sink_set_callbacks(GST_APP_SINK(pictureSink_), &callbacks, this, nullptr);
 
   GstPad* pad = gst_element_get_static_pad(pictureSink_, "sink");
@@ -168,13 +170,11 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
   GstBus* bus = gst_element_get_bus(pipeline_);
   gst_bus_set_sync_handler(bus, &FilmPipeline::onMessage, this, nullptr);
   gst_object_unref(bus);
-  g_signal_connect(decoder, "pad-added",
-                   G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer self) {
+  g_signal_connect(decoder, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer self) {
                      static_cast<FilmPipeline*>(self)->onPadAdded(pad);
                    }),
                    this);
-  g_signal_connect(decoder, "no-more-pads",
-                   G_CALLBACK(+[](GstElement*, gpointer self) {
+  g_signal_connect(decoder, "no-more-pads", G_CALLBACK(+[](GstElement*, gpointer self) {
                      static_cast<FilmPipeline*>(self)->failWithoutPicture();
                    }),
                    this);
@@ -202,7 +202,8 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
 bool FilmPipeline::seek(std::int64_t positionNs) {
   return pipeline_ &&
          gst_element_seek_simple(pipeline_, GST_FORMAT_TIME,
-                                 static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE), positionNs);
+                                 static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE),
+                                 positionNs);
 }
 
 std::int64_t FilmPipeline::durationNs() const {
@@ -213,7 +214,8 @@ std::int64_t FilmPipeline::durationNs() const {
 }
 
 bool FilmPipeline::wantsDecoding(GstPad* pad, GstCaps* caps) {
-  const GstStructure* format = gst_caps_is_empty(caps) || gst_caps_is_any(caps) ? nullptr : gst_caps_get_structure(caps, 0);
+  const GstStructure* format =
+      gst_caps_is_empty(caps) || gst_caps_is_any(caps) ? nullptr : gst_caps_get_structure(caps, 0);
   if (!format)
     return true;
   const char* name = gst_structure_get_name(format);
@@ -262,7 +264,8 @@ void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
   const GstVideoFormatInfo* info =
       pixels ? gst_video_format_get_info(gst_video_format_from_string(pixels)) : nullptr;
   GstPad* sink = nullptr;
-  if (interlace && std::strcmp(interlace, "progressive") != 0 && info && info->n_components > 0 && info->depth[0] > 8) {
+  if (interlace && std::strcmp(interlace, "progressive") != 0 && info && info->n_components > 0 &&
+      info->depth[0] > 8) {
     GstElement* convert = gst_element_factory_make("videoconvert", nullptr);
     GstElement* filter = gst_element_factory_make("capsfilter", nullptr);
     if (convert && filter) {
@@ -284,7 +287,9 @@ void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
 }
 
 // The film's sound, still encoded: the place where decoder and audio tap follow on.
-void FilmPipeline::linkSound(GstPad* pad) { linkNowhere(pad); }
+void FilmPipeline::linkSound(GstPad* pad) {
+  linkNowhere(pad);
+}
 
 void FilmPipeline::linkNowhere(GstPad* pad) {
   GstElement* sink = gst_element_factory_make("fakesink", nullptr);

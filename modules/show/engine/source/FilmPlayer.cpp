@@ -91,8 +91,8 @@ void FilmPlayer::onPicture(GstSample* sample) {
     const auto lasts = static_cast<GstClockTime>(duration.value_or(0));
     if (start < segment->start && start + lasts <= segment->start)
       return;
-    const guint64 place = gst_segment_to_stream_time(segment, GST_FORMAT_TIME,
-                                                     std::max<guint64>(GST_BUFFER_PTS(buffer), segment->start));
+    const guint64 place = gst_segment_to_stream_time(
+        segment, GST_FORMAT_TIME, std::max<guint64>(GST_BUFFER_PTS(buffer), segment->start));
     pts = known(place);
   }
   FrameRef frame = maker_.make(sample);
@@ -119,7 +119,9 @@ void FilmPlayer::onPicture(GstSample* sample) {
     postEvent({EventKind::Picture, segmentNumber, {}});
 }
 
-void FilmPlayer::onOrientation(const char* tag) { maker_.setOrientation(PictureOrientation::fromTag(tag)); }
+void FilmPlayer::onOrientation(const char* tag) {
+  maker_.setOrientation(PictureOrientation::fromTag(tag));
+}
 
 void FilmPlayer::onFlushStart() {
   std::lock_guard lock(timelineMutex_);
@@ -144,7 +146,9 @@ void FilmPlayer::onEndOfStream() {
   postEvent({EventKind::EndOfStream, segment, {}});
 }
 
-void FilmPlayer::onFailure(const QString& reason) { postEvent({EventKind::Failure, 0, reason}); }
+void FilmPlayer::onFailure(const QString& reason) {
+  postEvent({EventKind::Failure, 0, reason});
+}
 
 void FilmPlayer::postEvent(Event event) {
   {
@@ -165,7 +169,8 @@ void FilmPlayer::run() {
     {
       std::unique_lock lock(mutex_);
       const auto ready = [this] {
-        return closing_ || !events_.empty() || (!requests_.empty() && !(seekDeadline_ && requests_.front().command == Command::Seek));
+        return closing_ || !events_.empty() ||
+               (!requests_.empty() && !(seekDeadline_ && requests_.front().command == Command::Seek));
       };
       if (const auto deadline = nextDeadline())
         wake_.wait_until(lock, *deadline, ready);

@@ -1,6 +1,6 @@
-// One film at work: its states, its commands, its pipeline. The film's own control thread runs run(); commands
-// come from the console thread and return at once; pictures come on GStreamer's threads; pull() is the engine
-// thread's. Shared by the film source and its control thread, whichever lives longer.
+// One film at work: its states, its commands, its pipeline. The film's own control thread runs run();
+// commands come from the console thread and return at once; pictures come on GStreamer's threads; pull() is
+// the engine thread's. Shared by the film source and its control thread, whichever lives longer.
 #pragma once
 #include <QString>
 #include <atomic>
@@ -24,7 +24,8 @@ class FilmPlayer : public FilmPipelineListener {
  public:
   enum class Command { Play, Pause, Stop, Seek };
 
-  FilmPlayer(const SourceContext& context, const QString& path, KorviaShowEndAction endAction, int switchChannel);
+  FilmPlayer(const SourceContext& context, const QString& path, KorviaShowEndAction endAction,
+             int switchChannel);
   ~FilmPlayer() override;
 
   /// The control thread's work: opens the film and serves it until close().
@@ -110,11 +111,11 @@ class FilmPlayer : public FilmPipelineListener {
   std::atomic<bool> closing_{false};
 
   mutable std::mutex timelineMutex_;
-  StreamTimeline timeline_;                                        // guarded by timelineMutex_
-  StreamTimeline::Join join_ = StreamTimeline::Join::Jump;         // guarded by timelineMutex_
-  int segment_ = 0;                                                // guarded by timelineMutex_
-  std::int64_t frameDurationNs_ = 0;                               // guarded by timelineMutex_
-  std::int64_t segmentStartNs_ = 0;                                // guarded by timelineMutex_
+  StreamTimeline timeline_;                                 // guarded by timelineMutex_
+  StreamTimeline::Join join_ = StreamTimeline::Join::Jump;  // guarded by timelineMutex_
+  int segment_ = 0;                                         // guarded by timelineMutex_
+  std::int64_t frameDurationNs_ = 0;                        // guarded by timelineMutex_
+  std::int64_t segmentStartNs_ = 0;                         // guarded by timelineMutex_
 
   std::recursive_mutex notifyMutex_;  // held while the sink is called, so that close() is the end of it
   bool mayNotify_ = true;             // guarded by notifyMutex_

@@ -3,7 +3,7 @@
 #include <QFileInfo>
 #include <algorithm>
 
-#include "paths/DrivePath.h"
+#include "DrivePath.h"
 
 namespace korvia {
 
@@ -34,7 +34,9 @@ FilmSource::FilmSource(const SourceContext& context, const tagKorviaShowSourceIn
   thread_ = startSourceThread(info.moviePath, [player = player_] { player->run(); });
 }
 
-FilmSource::~FilmSource() { close(); }
+FilmSource::~FilmSource() {
+  close();
+}
 
 void FilmSource::close() {
   if (std::exchange(closed_, true))
@@ -43,7 +45,9 @@ void FilmSource::close() {
   markSourceThreadClosing(thread_);
 }
 
-FrameRef FilmSource::pullFrame(int ticks) { return player_->pull(ticks); }
+FrameRef FilmSource::pullFrame(int ticks) {
+  return player_->pull(ticks);
+}
 
 SourceFigures FilmSource::figures() {
   SourceFigures figures;
@@ -59,21 +63,37 @@ SourceFigures FilmSource::figures() {
   return figures;
 }
 
-void FilmSource::getState(tagKorviaSourceLinkState& state) { state.rate = player_->arrivals().perSecond(); }
+void FilmSource::getState(tagKorviaSourceLinkState& state) {
+  state.rate = player_->arrivals().perSecond();
+}
 
-void FilmSource::play() { player_->post(FilmPlayer::Command::Play); }
+void FilmSource::play() {
+  player_->post(FilmPlayer::Command::Play);
+}
 
-void FilmSource::stop() { player_->post(FilmPlayer::Command::Stop); }
+void FilmSource::stop() {
+  player_->post(FilmPlayer::Command::Stop);
+}
 
-void FilmSource::pause() { player_->post(FilmPlayer::Command::Pause); }
+void FilmSource::pause() {
+  player_->post(FilmPlayer::Command::Pause);
+}
 
-void FilmSource::setHold(bool hold) { player_->setHold(hold); }
+void FilmSource::setHold(bool hold) {
+  player_->setHold(hold);
+}
 
-void FilmSource::getDuration(qint64& duration) { duration = player_->durationNs() / kTenthMsNs; }
+void FilmSource::getDuration(qint64& duration) {
+  duration = player_->durationNs() / kTenthMsNs;
+}
 
-void FilmSource::getTime(qint64& time) { time = player_->positionNs() / kTenthMsNs; }
+void FilmSource::getTime(qint64& time) {
+  time = player_->positionNs() / kTenthMsNs;
+}
 
-void FilmSource::getFrameCount(qint64& frames) { frames = player_->framesShown(); }
+void FilmSource::getFrameCount(qint64& frames) {
+  frames = player_->framesShown();
+}
 
 void FilmSource::getPosition(qint64& position) {
   const std::int64_t duration = player_->durationNs();
@@ -86,6 +106,8 @@ void FilmSource::setPosition(qint64 position) {
   player_->post(FilmPlayer::Command::Seek, static_cast<double>(std::clamp<qint64>(position, 0, 100)));
 }
 
-int FilmSource::getPlayState() { return closed_ ? NothingSpecial : player_->state(); }
+int FilmSource::getPlayState() {
+  return closed_ ? NothingSpecial : player_->state();
+}
 
 }  // namespace korvia

@@ -12,7 +12,8 @@ namespace korvia {
 class FilmSource final : public Source {
  public:
   /// Opens `info.moviePath`. The states go from Opening to Playing, or to Error with a line in the log.
-  FilmSource(const SourceContext& context, const tagKorviaShowSourceInfo& info, const tagKorviaFormatInfo& format);
+  FilmSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+             const tagKorviaFormatInfo& format);
   ~FilmSource() override;
 
   FrameRef pullFrame(int ticks) override;

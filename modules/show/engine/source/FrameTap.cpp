@@ -14,7 +14,9 @@ constexpr std::int64_t kLatestNs = kSecondNs;
 }  // namespace
 
 FrameTap::FrameTap(int rateNumerator, int rateDenominator, Limits limits)
-    : rateNumerator_(std::max(1, rateNumerator)), rateDenominator_(std::max(1, rateDenominator)), limits_(limits) {}
+    : rateNumerator_(std::max(1, rateNumerator)),
+      rateDenominator_(std::max(1, rateDenominator)),
+      limits_(limits) {}
 
 bool FrameTap::isFull() const {
   const int count = static_cast<int>(queue_.size());

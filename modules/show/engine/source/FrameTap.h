@@ -1,5 +1,5 @@
-// The seam between a film and the engine: a few time-stamped pictures, and the clock that says which one is due.
-// The clock counts render frames, so that a film at the show's rate gives every picture exactly once.
+// The seam between a film and the engine: a few time-stamped pictures, and the clock that says which one is
+// due. The clock counts render frames, so that a film at the show's rate gives every picture exactly once.
 // Streaming thread: push, beginFlush, endFlush, markEnd. Engine thread: pull. Any thread: the rest.
 // Only push waits.
 #pragma once

@@ -13,7 +13,9 @@ FrameRef PictureSource::pullFrame(int) {
   return picture_;
 }
 
-void PictureSource::close() { state_ = NothingSpecial; }
+void PictureSource::close() {
+  state_ = NothingSpecial;
+}
 
 SourceFigures PictureSource::figures() {
   SourceFigures figures;

@@ -34,8 +34,8 @@ class PictureSource : public Source {
   int getItemIndex() override { return 0; }
 
  protected:
-  PictureSource(const SourceContext& context, const tagKorviaShowSourceInfo& info, const tagKorviaFormatInfo& format,
-                KorviaShowPlayState state);
+  PictureSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                const tagKorviaFormatInfo& format, KorviaShowPlayState state);
 
   const SourceContext& context() const { return context_; }
   const tagKorviaShowSourceInfo& info() const { return info_; }
@@ -53,8 +53,8 @@ class PictureSource : public Source {
   std::atomic<KorviaShowPlayState> state_;
   std::atomic<qint64> shown_{0};
   std::mutex pictureMutex_;
-  FrameRef picture_;                             // guarded by pictureMutex_
-  KorviaShowPlayState wanted_ = Playing;         // guarded by pictureMutex_
+  FrameRef picture_;                      // guarded by pictureMutex_
+  KorviaShowPlayState wanted_ = Playing;  // guarded by pictureMutex_
 };
 
 }  // namespace korvia

@@ -17,11 +17,11 @@ class RateMeter {
 
  private:
   mutable std::mutex mutex_;
-  std::int64_t total_ = 0;     // guarded by mutex_
-  int inWindow_ = 0;           // guarded by mutex_
-  float lastWindow_ = 0;       // guarded by mutex_
-  Time windowStart_;           // guarded by mutex_
-  Time last_;                  // guarded by mutex_
+  std::int64_t total_ = 0;  // guarded by mutex_
+  int inWindow_ = 0;        // guarded by mutex_
+  float lastWindow_ = 0;    // guarded by mutex_
+  Time windowStart_;        // guarded by mutex_
+  Time last_;               // guarded by mutex_
 };
 
 }  // namespace korvia

@@ -24,9 +24,9 @@ struct RunningThread {
 
 struct Registry {
   std::mutex mutex;
-  std::condition_variable ended;               // with mutex
-  std::map<quint64, RunningThread> threads;    // guarded by mutex
-  quint64 lastNumber = 0;                      // guarded by mutex
+  std::condition_variable ended;             // with mutex
+  std::map<quint64, RunningThread> threads;  // guarded by mutex
+  quint64 lastNumber = 0;                    // guarded by mutex
 };
 
 // Never destroyed: an abandoned thread may end after everything else.

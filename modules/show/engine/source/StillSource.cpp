@@ -3,11 +3,11 @@
 #include <QFileInfo>
 #include <QImageReader>
 
+#include "DrivePath.h"
 #include "SourceLog.h"
 #include "SourceThreads.h"
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/PictureFrame.h"
-#include "paths/DrivePath.h"
 
 namespace korvia {
 
@@ -49,7 +49,8 @@ QImage readPicture(const QString& path, FrameSize renderSize, QString& reason) {
 
 }  // namespace
 
-std::shared_ptr<StillSource> StillSource::open(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+std::shared_ptr<StillSource> StillSource::open(const SourceContext& context,
+                                               const tagKorviaShowSourceInfo& info,
                                                const tagKorviaFormatInfo& format) {
   std::shared_ptr<StillSource> source(new StillSource(context, info, format, Opening));
   source->thread_ = startSourceThread(info.imagePath, [source] { source->load(); });

@@ -57,13 +57,17 @@ VideoFrameMaker::VideoFrameMaker(FrameSize renderSize) : renderSize_(renderSize)
   gst_video_info_init(&workingInfo_);
 }
 
-VideoFrameMaker::~VideoFrameMaker() { gst_caps_replace(&caps_, nullptr); }
+VideoFrameMaker::~VideoFrameMaker() {
+  gst_caps_replace(&caps_, nullptr);
+}
 
 void VideoFrameMaker::setOrientation(PictureOrientation orientation) {
   orientation_.store(orientation.degrees + (orientation.mirrored ? 1 : 0), std::memory_order_relaxed);
 }
 
-FrameSize VideoFrameMaker::pictureSize() const { return {info_.width, info_.height}; }
+FrameSize VideoFrameMaker::pictureSize() const {
+  return {info_.width, info_.height};
+}
 
 bool VideoFrameMaker::isWorkingFormat() const {
   const GstVideoFormat format = GST_VIDEO_INFO_FORMAT(&info_);
@@ -80,9 +84,10 @@ bool VideoFrameMaker::adaptTo(GstCaps* caps) {
     return false;
   gst_caps_replace(&caps_, caps);
   info_ = info;
-  frameDurationNs_ = info.fps_n > 0 && info.fps_d > 0
-                         ? static_cast<std::int64_t>(gst_util_uint64_scale_int(GST_SECOND, info.fps_d, info.fps_n))
-                         : 0;
+  frameDurationNs_ =
+      info.fps_n > 0 && info.fps_d > 0
+          ? static_cast<std::int64_t>(gst_util_uint64_scale_int(GST_SECOND, info.fps_d, info.fps_n))
+          : 0;
   converter_.reset();
   if (isWorkingFormat())
     return true;
@@ -109,7 +114,8 @@ FrameRef VideoFrameMaker::wrap(GstBuffer* buffer) const {
     return {};
   Frame::External external;
   for (int i = 0; i < 3; ++i) {
-    external.data[i] = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(&held->frame, kComponents[i]));
+    external.data[i] =
+        static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(&held->frame, kComponents[i]));
     external.stride[i] = GST_VIDEO_FRAME_COMP_STRIDE(&held->frame, kComponents[i]);
   }
   external.release = HeldPicture::release;
@@ -141,8 +147,8 @@ FrameRef VideoFrameMaker::turn(const FrameRef& picture, PictureOrientation orien
     const int width = picture->planeWidth(i);
     const int height = picture->planeHeight(i);
     const auto mode = static_cast<libyuv::RotationMode>(orientation.degrees);
-    libyuv::RotatePlane(picture->plane(i), picture->stride(i), turned->writablePlane(i), turned->stride(i), width,
-                        height, mode);
+    libyuv::RotatePlane(picture->plane(i), picture->stride(i), turned->writablePlane(i), turned->stride(i),
+                        width, height, mode);
   }
   return std::move(turned).publish();
 }
@@ -163,8 +169,8 @@ FrameRef VideoFrameMaker::make(GstSample* sample) {
     if (orientation.mirrored) {
       MutableFrame mirrored = sized(picturePool_, picture->size())->acquire();
       for (int i = 0; i < 3; ++i)
-        libyuv::MirrorPlane(picture->plane(i), picture->stride(i), mirrored->writablePlane(i), mirrored->stride(i),
-                            picture->planeWidth(i), picture->planeHeight(i));
+        libyuv::MirrorPlane(picture->plane(i), picture->stride(i), mirrored->writablePlane(i),
+                            mirrored->stride(i), picture->planeWidth(i), picture->planeHeight(i));
       picture = std::move(mirrored).publish();
     }
     if (orientation.degrees != 0)
