@@ -1,6 +1,5 @@
 #include "console/KorviaSarnhawk.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QMenu>
 #include <QMessageBox>
@@ -36,6 +35,9 @@ namespace {
 
 const QString kShowDataPath = QStringLiteral("D:\\KorviaVR\\code\\output\\ShowData\\");
 const QString kTestFilmPath = kShowDataPath + QStringLiteral("Common\\Demo\\demo.mp4");
+
+// What the host was asked to open at the start: decimal channel index to path.
+constexpr const char* kRequestedMediaProperty = "korviaOpen";
 
 constexpr int kFrameIntervalMs = 30;
 constexpr int kWorkIntervalMs = 1000;
@@ -352,8 +354,10 @@ void KorviaSarnhawk::openEngine() {
     return;
   _engine = new ConsoleShowEngine;
   _engine->start(this, ShowThreadNormal);
-  const tagKorviaVideoFormat& format = _config.engineInfo.format;
-  _engine->setFps(static_cast<float>(format.fpsNumerator / std::max<qint32>(1, format.fpsDenominator)));
+  // The record is packed: its fields are read by value.
+  const qint32 numerator = _config.engineInfo.format.fpsNumerator;
+  const qint32 denominator = _config.engineInfo.format.fpsDenominator;
+  _engine->setFps(static_cast<float>(denominator > 0 ? numerator / denominator : 0));
   connect(this, &KorviaSarnhawk::sig_PostEventResult, this, &KorviaSarnhawk::slot_PostEventResult);
 
   tagKorviaShowWindowPackInfo windows;
@@ -387,7 +391,6 @@ void KorviaSarnhawk::onEngineOpened() {
   if (_progress)
     _progress->onProgressText(tr("Please Wait"));
   qDebug("startup spend time : %u", MultimediaClock::since(_startTick));
-  openRequestedFiles();
   emit sig_EngineOpened();
 }
 
@@ -399,6 +402,7 @@ void KorviaSarnhawk::postInitialState() {
   postEvent(ShowEventSelectChannel, PGMObject, _config.pgmChannel);
   if (_config.engineInfo.mediaChannelCount != 0)
     openTestFilm();
+  openRequestedMedia();
 }
 
 void KorviaSarnhawk::openTestFilm() {
@@ -408,13 +412,13 @@ void KorviaSarnhawk::openTestFilm() {
   _engine->openSource(SourceObject, slot.source, slot.format, nullptr);
 }
 
-void KorviaSarnhawk::openRequestedFiles() {
-  // What the host was asked to open at the start: channel number to path, left on the application since the
-  // host's interface has no operation for it.
-  const QVariantMap requests = qApp->property("korviaOpen").toMap();
-  for (auto request = requests.cbegin(); request != requests.cend(); ++request) {
-    if (!openMedia(request.key().toInt(), request.value().toString()))
-      qDebug("failed to open requested file on channel %s", qUtf8Printable(request.key()));
+void KorviaSarnhawk::openRequestedMedia() {
+  const QVariantMap files = qApp->property(kRequestedMediaProperty).toMap();
+  for (auto file = files.cbegin(); file != files.cend(); ++file) {
+    bool isNumber = false;
+    const int index = file.key().toInt(&isNumber);
+    if (!isNumber || !openMedia(index, file.value().toString()))
+      qDebug("failed to open media on channel %s", qPrintable(file.key()));
   }
 }
 
