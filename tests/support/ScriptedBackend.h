@@ -107,7 +107,8 @@ class ScriptedShow {
 
   mutable std::mutex mutex_;
   std::vector<Event> events_;  // guarded by mutex_
-  std::map<quint64, std::function<std::pair<QVariant, QVariant>(const Event&)>> replies_;  // guarded by mutex_
+  std::map<quint64, std::function<std::pair<QVariant, QVariant>(const Event&)>>
+      replies_;                               // guarded by mutex_
   korvia::IShowBackendHost* host_ = nullptr;  // guarded by mutex_
   std::array<std::unique_ptr<ScriptedSource>, kMediaChannelMax> sources_;
 };

@@ -110,7 +110,8 @@ ConsoleDesk::~ConsoleDesk() {
 }
 
 bool ConsoleDesk::create() {
-  isCreated = static_cast<IKorviaSarnhawk*>(console)->create(nullptr, _progress.get(), nullptr, &product, rootPath);
+  isCreated =
+      static_cast<IKorviaSarnhawk*>(console)->create(nullptr, _progress.get(), nullptr, &product, rootPath);
   return isCreated;
 }
 
