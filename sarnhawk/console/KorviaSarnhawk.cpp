@@ -36,6 +36,9 @@ namespace {
 const QString kShowDataPath = QStringLiteral("D:\\KorviaVR\\code\\output\\ShowData\\");
 const QString kTestFilmPath = kShowDataPath + QStringLiteral("Common\\Demo\\demo.mp4");
 
+// What the host was asked to open at the start: decimal channel index to path.
+constexpr const char* kRequestedMediaProperty = "korviaOpen";
+
 constexpr int kFrameIntervalMs = 30;
 constexpr int kWorkIntervalMs = 1000;
 constexpr quint32 kOpenDelayMs = 1000;
@@ -351,8 +354,10 @@ void KorviaSarnhawk::openEngine() {
     return;
   _engine = new ConsoleShowEngine;
   _engine->start(this, ShowThreadNormal);
-  const tagKorviaVideoFormat& format = _config.engineInfo.format;
-  _engine->setFps(static_cast<float>(format.fpsNumerator / std::max<qint32>(1, format.fpsDenominator)));
+  // The record is packed: its fields are read by value.
+  const qint32 numerator = _config.engineInfo.format.fpsNumerator;
+  const qint32 denominator = _config.engineInfo.format.fpsDenominator;
+  _engine->setFps(static_cast<float>(denominator > 0 ? numerator / denominator : 0));
   connect(this, &KorviaSarnhawk::sig_PostEventResult, this, &KorviaSarnhawk::slot_PostEventResult);
 
   tagKorviaShowWindowPackInfo windows;
@@ -397,6 +402,7 @@ void KorviaSarnhawk::postInitialState() {
   postEvent(ShowEventSelectChannel, PGMObject, _config.pgmChannel);
   if (_config.engineInfo.mediaChannelCount != 0)
     openTestFilm();
+  openRequestedMedia();
 }
 
 void KorviaSarnhawk::openTestFilm() {
@@ -404,6 +410,16 @@ void KorviaSarnhawk::openTestFilm() {
   slot.source.kind = SourceKindMovie;
   slot.source.moviePath = kTestFilmPath;
   _engine->openSource(SourceObject, slot.source, slot.format, nullptr);
+}
+
+void KorviaSarnhawk::openRequestedMedia() {
+  const QVariantMap files = qApp->property(kRequestedMediaProperty).toMap();
+  for (auto file = files.cbegin(); file != files.cend(); ++file) {
+    bool isNumber = false;
+    const int index = file.key().toInt(&isNumber);
+    if (!isNumber || !openMedia(index, file.value().toString()))
+      qDebug("failed to open media on channel %s", qPrintable(file.key()));
+  }
 }
 
 void KorviaSarnhawk::startIncomeServer() {

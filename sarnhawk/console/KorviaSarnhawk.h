@@ -112,7 +112,7 @@ class KorviaSarnhawk : public QMainWindow,
 
   /// Shows a film or picture on media channel `index`, as if the operator had chosen it there. False while no
   /// engine is open or the channel does not exist.
-  Q_INVOKABLE bool openMedia(int index, const QString& path);
+  bool openMedia(int index, const QString& path);
   /// How strips ask the operator; replaced by tests and by hosts with a picker of their own.
   void setStripChooser(StripChooser chooser) { _stripChooser = std::move(chooser); }
 
@@ -204,6 +204,7 @@ class KorviaSarnhawk : public QMainWindow,
   void onEngineOpened();
   void postInitialState();
   void openTestFilm();
+  void openRequestedMedia();
   void startIncomeServer();
   void stopEngine();
   void destroyUi();
