@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "engine/frame/RgbRow.h"
+
 namespace korvia {
 
 Frame& PictureScaler::scratch(std::unique_ptr<Frame>& frame, FrameSize size) {
@@ -33,21 +35,25 @@ const Frame& PictureScaler::halved(const Frame& picture, FrameSize size) {
 void PictureScaler::toRgb(const Frame& picture, FrameSize size, std::uint8_t* pixels, int stride) {
   if (size.isEmpty())
     return;
-  const Frame* source = &halved(picture, size);
-  if (source->size() != size) {
-    Frame& out = scratch(scaled_, size);
-    const auto filter = source->width() > 2 * size.width || source->height() > 2 * size.height
-                            ? libyuv::kFilterBox
-                            : libyuv::kFilterBilinear;
-    for (int plane = 0; plane < 3; ++plane)
-      libyuv::ScalePlane(source->plane(plane), source->stride(plane), source->planeWidth(plane),
-                         source->planeHeight(plane), out.writablePlane(plane), out.stride(plane),
-                         out.planeWidth(plane), out.planeHeight(plane), filter);
-    source = &out;
+  const Frame& source = halved(picture, size);
+  const auto filter = source.width() > 2 * size.width || source.height() > 2 * size.height
+                          ? libyuv::kFilterBox
+                          : libyuv::kFilterBilinear;
+  const std::size_t planeSize = static_cast<std::size_t>(size.width) * size.height;
+  if (planes_.size() != 3 * planeSize)
+    planes_.resize(3 * planeSize);
+  // Chroma goes straight to the size of luma: smaller than the picture as a rule, it loses nothing on the
+  // way.
+  for (int plane = 0; plane < 3; ++plane)
+    libyuv::ScalePlane(source.plane(plane), source.stride(plane), source.planeWidth(plane),
+                       source.planeHeight(plane), planes_.data() + plane * planeSize, size.width, size.width,
+                       size.height, filter);
+  for (int row = 0; row < size.height; ++row) {
+    const std::uint8_t* y = planes_.data() + static_cast<std::size_t>(row) * size.width;
+    rowToRgb(y, y + planeSize, y + 2 * planeSize,
+             reinterpret_cast<std::uint32_t*>(pixels + static_cast<std::ptrdiff_t>(row) * stride),
+             size.width);
   }
-  libyuv::I420ToARGBMatrix(source->plane(Frame::Y), source->stride(Frame::Y), source->plane(Frame::U),
-                           source->stride(Frame::U), source->plane(Frame::V), source->stride(Frame::V),
-                           pixels, stride, &libyuv::kYuvH709Constants, size.width, size.height);
 }
 
 MonitorRect monitorRect(FrameSize picture, FrameSize window) {

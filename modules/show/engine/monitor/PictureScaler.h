@@ -2,6 +2,7 @@
 // window; one thread at a time.
 #pragma once
 #include <memory>
+#include <vector>
 
 #include "engine/frame/Frame.h"
 
@@ -9,7 +10,7 @@ namespace korvia {
 
 class PictureScaler {
  public:
-  /// Writes the whole picture at exactly `size` as 32-bit BGRX rows of `stride` bytes.
+  /// Writes the whole picture at exactly `size` as 32-bit BGRX rows of `stride` bytes, a multiple of 4.
   void toRgb(const Frame& picture, FrameSize size, std::uint8_t* pixels, int stride);
 
  private:
@@ -17,7 +18,7 @@ class PictureScaler {
   Frame& scratch(std::unique_ptr<Frame>& frame, FrameSize size);
 
   std::unique_ptr<Frame> halves_[3];
-  std::unique_ptr<Frame> scaled_;
+  std::vector<std::uint8_t> planes_;  // luma and both chromas at the monitor's size
 };
 
 /// The largest rectangle of the picture's shape in the middle of a window: x, y, width, height, whole pixels.

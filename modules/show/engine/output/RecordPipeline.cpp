@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "FrameBuffer.h"
+#include "engine/Handover.h"
 
 namespace korvia {
 
@@ -74,6 +75,7 @@ RecordPipeline::~RecordPipeline() {
   gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
   gst_object_unref(bus);
   gst_object_unref(pipeline_);
+  takeOver(this);
 }
 
 bool RecordPipeline::open(const RecordSettings& settings, const QString& fileName) {
@@ -91,6 +93,7 @@ bool RecordPipeline::open(const RecordSettings& settings, const QString& fileNam
   gst_object_unref(bus);
   if (!link(settings, fileName))
     return false;
+  handOver(this);
   if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
     setFailure(QStringLiteral("the recording does not start"));
     return false;
@@ -185,6 +188,7 @@ void RecordPipeline::setFailure(const QString& text) {
 }
 
 GstBusSyncReply RecordPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
+  const HandoverScope scope(self);
   auto* pipeline = static_cast<RecordPipeline*>(self);
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
     pipeline->ended_ = true;
@@ -202,10 +206,12 @@ GstBusSyncReply RecordPipeline::onMessage(GstBus*, GstMessage* message, gpointer
 }
 
 void RecordPipeline::onNeedData(GstAppSrc*, guint, gpointer self) {
+  const HandoverScope scope(self);
   static_cast<RecordPipeline*>(self)->wake_();
 }
 
 GstPadProbeReturn RecordPipeline::onEncoded(GstPad*, GstPadProbeInfo* info, gpointer self) {
+  const HandoverScope scope(self);
   auto* pipeline = static_cast<RecordPipeline*>(self);
   pipeline->framesEncoded_ += countOf(info);
   pipeline->bytesEncoded_ += sizeOf(info);
@@ -213,6 +219,7 @@ GstPadProbeReturn RecordPipeline::onEncoded(GstPad*, GstPadProbeInfo* info, gpoi
 }
 
 GstPadProbeReturn RecordPipeline::onWritten(GstPad*, GstPadProbeInfo* info, gpointer self) {
+  const HandoverScope scope(self);
   static_cast<RecordPipeline*>(self)->bytesWritten_ += sizeOf(info);
   return GST_PAD_PROBE_OK;
 }

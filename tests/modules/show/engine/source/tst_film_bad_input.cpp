@@ -1,0 +1,174 @@
+// What is no film costs a line in the log and nothing else.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "SourceRig.h"
+
+using namespace korvia;
+using namespace korvia::test;
+
+namespace {
+
+QString clip(const QString& name) {
+  return QStringLiteral(MEDIA_DIR "/") + name;
+}
+
+int entries(const char* folder) {
+  return QDir(QString::fromLatin1(folder))
+      .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
+      .size();
+}
+
+}  // namespace
+
+class FilmBadInputTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void errorAndALine_data() {
+    QTest::addColumn<QString>("path");
+    QTest::newRow("missing") << clip("not_there.mp4");
+    QTest::newRow("no path") << QString();
+    QTest::newRow("folder") << QString(MEDIA_DIR);
+    QTest::newRow("zero bytes") << clip("empty.mp4");
+    QTest::newRow("text") << clip("text.mp4");
+    QTest::newRow("sound only") << clip("sound_only.m4a");
+    QTest::newRow("sound only, no container") << clip("sound_only.mp3");
+  }
+
+  void errorAndALine() {
+    QFETCH(QString, path);
+    WarningKeeper log;
+    SourceRig rig;
+    rig.openFilm(path);
+    QVERIFY(rig.tickUntil(Error));
+    QVERIFY(!rig->pullFrame(1));
+    QCOMPARE(log.lines().size(), 1);
+    QVERIFY(log.lines().first().startsWith("film does not play : "));
+    rig->play();
+    rig->setPosition(50);
+    rig->stop();
+    tagKorviaSourceLinkState state;
+    rig->getState(state);
+    QCOMPARE(state.rate, 0.0f);
+    qint64 value = -1;
+    rig->getDuration(value);
+    QCOMPARE(value, qint64(0));
+    QElapsedTimer timer;
+    timer.start();
+    rig.close();
+    QVERIFY(timer.elapsed() < 100);
+    QVERIFY(waitForClosedSources(5'000));
+  }
+
+  void truncatedFilmKeepsItsLastPicture() {
+    SourceRig rig;
+    rig.openFilm(clip("truncated.mp4"), EndActionStop);
+    QVERIFY(rig.tickUntil([&] {
+      const int state = rig->getPlayState();
+      return state == Ended || state == Error;
+    }));
+    QVERIFY(numberIn(rig->pullFrame(1)) > 0);
+  }
+
+  void truncatedFilmLoopsOrHolds() {
+    SourceRig rig;
+    rig.openFilm(clip("truncated.mp4"), EndActionLoop);
+    QVERIFY(rig.tickUntil([&] { return numberIn(rig.last()) > 0; }));
+    for (int i = 0; i < 100; ++i)
+      QVERIFY(rig.tick());
+  }
+
+  void fifoThatNeverDelivers() {
+    QTemporaryDir folder;
+    const QString path = folder.filePath("never.ts");
+    QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
+    QElapsedTimer timer;
+    timer.start();
+    SourceRig rig;
+    rig.openFilm(path);
+    QVERIFY(timer.elapsed() < 100);
+    for (int i = 0; i < 20; ++i)
+      QVERIFY(!rig.tick());
+    QCOMPARE(rig->getPlayState(), int(Opening));
+    timer.restart();
+    rig.close();
+    QVERIFY(timer.elapsed() < 100);
+    QVERIFY(waitForClosedSources(5'000));
+  }
+
+  void fifoWithAWriterThatStaysSilentTimesOut() {
+    QTemporaryDir folder;
+    const QString path = folder.filePath("silent.ts");
+    QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
+    const int writer = ::open(qPrintable(path), O_RDWR | O_CLOEXEC);
+    QVERIFY(writer >= 0);
+    {
+      WarningKeeper log;
+      SourceRig rig;
+      rig.openFilm(path);
+      QVERIFY(rig.tickUntil(Error, 15));
+      QVERIFY(log.lines().first().contains("no picture within 10 s"));
+    }
+    ::close(writer);
+  }
+
+  void fifoThatDeliversPlays() {
+    QTemporaryDir folder;
+    const QString path = folder.filePath("film.ts");
+    QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
+    SourceRig rig;
+    rig.openFilm(path);
+    std::thread writer([&] {
+      QFile film(clip("clip25.ts"));
+      const int fd = ::open(qPrintable(path), O_WRONLY | O_CLOEXEC);
+      if (fd < 0 || !film.open(QIODevice::ReadOnly))
+        return;
+      const QByteArray bytes = film.readAll();
+      [[maybe_unused]] const ssize_t written =
+          ::write(fd, bytes.constData(), static_cast<size_t>(bytes.size()));
+      ::close(fd);
+    });
+    const bool ended = rig.tickUntil(Ended);
+    writer.join();
+    QVERIFY(ended);
+    QCOMPARE(numberIn(rig->pullFrame(1)), 49);
+  }
+
+  void unknownKindGivesNoSource() {
+    WarningKeeper log;
+    tagKorviaShowSourceInfo info;
+    info.kind = 77;
+    QVERIFY(!createSource({}, info, {}));
+    QCOMPARE(log.lines(), QStringList("no source of kind 77"));
+  }
+
+  void nothingGrows() {
+    const QString paths[] = {clip("clip25.mp4"), clip("text.mp4"), clip("sound_only.m4a"), clip("sound.mp4"),
+                             clip("not_there.mp4")};
+    WarningKeeper log;
+    const auto openAndClose = [&](int i) {
+      SourceRig rig;
+      rig.openFilm(paths[i % 5]);
+      rig.tickUntil([&] { return rig->getPlayState() == Playing || rig->getPlayState() == Error; });
+    };
+    for (int i = 0; i < 10; ++i)
+      openAndClose(i);
+    const int threads = entries("/proc/self/task");
+    const int descriptors = entries("/proc/self/fd");
+    for (int i = 0; i < 50; ++i)
+      openAndClose(i);
+    // Pools of the libraries may keep a thread or two for a while.
+    QTRY_VERIFY_WITH_TIMEOUT(entries("/proc/self/task") <= threads + 2, 20'000);
+    QVERIFY2(entries("/proc/self/fd") <= descriptors + 1,
+             QByteArray::number(entries("/proc/self/fd") - descriptors));
+  }
+};
+
+QTEST_GUILESS_MAIN(FilmBadInputTest)
+#include "tst_film_bad_input.moc"

@@ -1,0 +1,117 @@
+// Pictures of every make come out in the render format with the right colours, shape and side up.
+#include <QtTest>
+
+#include "SourceRig.h"
+#include "engine/frame/PictureFrame.h"
+#include "engine/source/VideoFrameMaker.h"
+
+using namespace korvia;
+using namespace korvia::test;
+
+namespace {
+
+QString clip(const QString& name) {
+  return QStringLiteral(MEDIA_DIR "/") + name;
+}
+
+}  // namespace
+
+class FilmFormatsTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void colors_data() {
+    QTest::addColumn<QString>("file");
+    for (const char* file :
+         {"flat_h264.mp4", "flat_10bit422.mkv", "flat_444.mkv", "flat_full.avi", "flat_601.mkv",
+          "flat_rgb.mov", "flat_nv12.nut", "flat_odd.mkv", "flat_alpha.mov"})
+      QTest::newRow(file) << file;
+  }
+
+  void colors() {
+    QFETCH(QString, file);
+    const auto codes = codeValues(0xFFC02040);
+    const QVector<int> expected{codes[0], codes[1], codes[2]};
+    SourceRig rig;
+    rig.openFilm(clip(file));
+    QVERIFY(rig.tickUntil([&] { return rig.last(); }));
+    QCOMPARE(rig.last()->width(), 320);
+    QCOMPARE(rig.last()->height(), 180);
+    for (const QPoint place : {QPoint(4, 4), QPoint(160, 90), QPoint(314, 174)}) {
+      const QVector<int> got = codesAt(rig.last(), place.x(), place.y());
+      QVERIFY2(isNear(got, expected, 3), text(got) + "instead of " + text(expected));
+    }
+  }
+
+  void largerPictureIsScaled() {
+    SourceRig rig;
+    rig.openFilm(clip("large.mp4"));
+    QVERIFY(rig.tickUntil([&] { return numberIn(rig.last()) == 5; }));
+    QCOMPARE(rig.last()->width(), 320);
+    QCOMPARE(rig->figures().description, QString("large.mp4, 640 x 360"));
+  }
+
+  void wideSamplesFillTheFrame() {
+    SourceRig rig;
+    rig.openFilm(clip("anamorphic.mp4"));
+    QVERIFY(rig.tickUntil([&] { return rig.last(); }));
+    QVERIFY(isNear(codesAt(rig.last(), 2, 90), {235, 128, 128}, 2));
+    QVERIFY(isNear(codesAt(rig.last(), 317, 90), {235, 128, 128}, 2));
+  }
+
+  void otherShapesStandBetweenBars() {
+    SourceRig rig;
+    rig.openFilm(clip("narrow.mp4"));
+    QVERIFY(rig.tickUntil([&] { return rig.last(); }));
+    QCOMPARE(codesAt(rig.last(), 38, 90), (QVector<int>{16, 128, 128}));
+    QVERIFY(isNear(codesAt(rig.last(), 42, 90), {235, 128, 128}, 2));
+    QVERIFY(isNear(codesAt(rig.last(), 277, 90), {235, 128, 128}, 2));
+    QCOMPARE(codesAt(rig.last(), 281, 90), (QVector<int>{16, 128, 128}));
+  }
+
+  void turnedFilmStandsUpright() {
+    SourceRig rig;
+    rig.openFilm(clip("turned.mp4"));
+    QVERIFY(rig.tickUntil([&] { return rig.last(); }));
+    // 180 x 320 turned clockwise is 320 x 180: its upper half becomes the right one.
+    QVERIFY(isNear(codesAt(rig.last(), 40, 90), {16, 128, 128}, 2));
+    QVERIFY(isNear(codesAt(rig.last(), 280, 20), {235, 128, 128}, 2));
+    QVERIFY(isNear(codesAt(rig.last(), 280, 160), {235, 128, 128}, 2));
+  }
+
+  void orientationTags() {
+    QVERIFY((PictureOrientation::fromTag("rotate-0") == PictureOrientation{false, 0}));
+    QVERIFY((PictureOrientation::fromTag("rotate-270") == PictureOrientation{false, 270}));
+    QVERIFY((PictureOrientation::fromTag("flip-rotate-90") == PictureOrientation{true, 90}));
+    QVERIFY((PictureOrientation::fromTag("flip-rotate-0") == PictureOrientation{true, 0}));
+    QVERIFY((PictureOrientation::fromTag("flip-sideways") == PictureOrientation{false, 0}));
+    QVERIFY((PictureOrientation::fromTag(nullptr) == PictureOrientation{false, 0}));
+  }
+
+  void fieldsAreTakenApart_data() {
+    QTest::addColumn<QString>("file");
+    QTest::newRow("8 bits") << "interlaced.mpg";
+    QTest::newRow("10 bits") << "interlaced10.mov";
+  }
+
+  void fieldsAreTakenApart() {
+    QFETCH(QString, file);
+    SourceRig rig;
+    rig.openFilm(clip(file));
+    QVERIFY(rig.tickUntil([&] { return rig.last(); }));
+    const FrameRef frame = rig.last();
+    // The upper field is white and the lower black: one field alone has no comb.
+    for (int y = 20; y < 160; ++y)
+      QVERIFY2(codesAt(frame, 160, y)[0] > 200, QByteArray::number(codesAt(frame, 160, y)[0]));
+    // One picture a frame: the next tick brings the next frame, not the other field.
+    QTRY_VERIFY(rig->figures().framesDecoded >= 4);
+    QVERIFY(std::abs(rig->figures().framesPerSecond) < 1000);
+    QVERIFY(codesAt(rig->pullFrame(1), 160, 81)[0] > 200);
+    qint64 time = 0;
+    rig->getTime(time);
+    QCOMPARE(time / 400 * 400, time / 400 * 400);
+  }
+};
+
+QTEST_GUILESS_MAIN(FilmFormatsTest)
+#include "tst_film_formats.moc"

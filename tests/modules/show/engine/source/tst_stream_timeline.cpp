@@ -1,0 +1,91 @@
+// Places of pictures with good, missing and broken time stamps, and over the seam of a loop.
+#include <QtTest>
+#include <vector>
+
+#include "engine/source/StreamTimeline.h"
+
+using korvia::StreamTimeline;
+using Join = StreamTimeline::Join;
+
+namespace {
+
+constexpr std::int64_t kMs = 1'000'000;
+constexpr std::int64_t kFrame = 40 * kMs;
+
+/// Times in ms of pictures with these stamps in ms; -1 is no stamp.
+std::vector<int> places(StreamTimeline& timeline, const std::vector<int>& stampsMs, int durationMs = 40) {
+  std::vector<int> result;
+  for (int stamp : stampsMs) {
+    const auto pts = stamp < 0 ? std::nullopt : std::optional<std::int64_t>(stamp * kMs);
+    const auto duration = durationMs < 0 ? std::nullopt : std::optional<std::int64_t>(durationMs * kMs);
+    result.push_back(static_cast<int>(timeline.stamp(pts, duration, kFrame).timeNs / kMs));
+  }
+  return result;
+}
+
+}  // namespace
+
+class StreamTimelineTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void goodStampsStay() {
+    StreamTimeline timeline;
+    QCOMPARE(places(timeline, {0, 40, 80, 120}), (std::vector<int>{0, 40, 80, 120}));
+    QCOMPARE(timeline.endNs(), 160 * kMs);
+    QCOMPARE(timeline.pictures(), 4);
+  }
+
+  void missingStampsAreCounted() {
+    StreamTimeline timeline;
+    QCOMPARE(places(timeline, {-1, -1, -1}, -1), (std::vector<int>{0, 40, 80}));
+    QCOMPARE(places(timeline, {120, -1, 200}, -1), (std::vector<int>{120, 160, 200}));
+  }
+
+  void standingStampsAreCounted() {
+    StreamTimeline timeline;
+    QCOMPARE(places(timeline, {0, 0, 0, 0, 0, 0}), (std::vector<int>{0, 0, 0, 40, 80, 120}));
+  }
+
+  void onePictureInWrongOrderMovesNothingElse() {
+    StreamTimeline timeline;
+    QCOMPARE(places(timeline, {0, 80, 40, 120, 160}), (std::vector<int>{0, 80, 80, 120, 160}));
+  }
+
+  void jumpsAreClosed() {
+    StreamTimeline timeline;
+    QCOMPARE(places(timeline, {0, 40, 500'000, 500'040, 500'080}), (std::vector<int>{0, 40, 80, 120, 160}));
+    QCOMPARE(places(timeline, {40, 80}), (std::vector<int>{200, 240}));
+  }
+
+  void longPicturesAreNoJump() {
+    StreamTimeline timeline;
+    QCOMPARE(places(timeline, {0, 15'000}, 15'000), (std::vector<int>{0, 15'000}));
+    QCOMPARE(places(timeline, {24'000}), (std::vector<int>{24'000}));
+  }
+
+  void seamlessSegmentGoesOnWhereTheLastEnded() {
+    StreamTimeline timeline;
+    places(timeline, {0, 40, 80});
+    timeline.beginSegment(Join::Seamless);
+    QCOMPARE(timeline.pictures(), 0);
+    QCOMPARE(places(timeline, {0, 40, 80}), (std::vector<int>{120, 160, 200}));
+    timeline.beginSegment(Join::Seamless);
+    const StreamTimeline::Stamp stamp = timeline.stamp(std::int64_t{0}, kFrame, kFrame);
+    QCOMPARE(stamp.timeNs, 240 * kMs);
+    QCOMPARE(stamp.mediaNs, std::int64_t{0});
+    QCOMPARE(timeline.mediaEndNs(), kFrame);
+  }
+
+  void jumpTakesTheFilmsOwnTime() {
+    StreamTimeline timeline;
+    places(timeline, {0, 40, 80});
+    timeline.beginSegment(Join::Seamless);
+    places(timeline, {0});
+    timeline.beginSegment(Join::Jump);
+    QCOMPARE(places(timeline, {5'000, 5'040}), (std::vector<int>{5'000, 5'040}));
+  }
+};
+
+QTEST_GUILESS_MAIN(StreamTimelineTest)
+#include "tst_stream_timeline.moc"
