@@ -15,8 +15,8 @@
 /// A source whose answers are plain members. Console thread.
 class ScriptedSource : public IKorviaShowSource {
  public:
-  explicit ScriptedSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& sourceInfo)
-      : id(id), info(sourceInfo) {}
+  explicit ScriptedSource(KorviaShowObjectID objectId, const tagKorviaShowSourceInfo& sourceInfo)
+      : id(objectId), info(sourceInfo) {}
 
   bool isValid() override { return true; }
   bool release() override { return true; }

@@ -1,6 +1,7 @@
 // Transport, lever, outputs, audio and takes: what the controls post and how results move them.
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QSlider>
 #include <QStandardPaths>

@@ -1,5 +1,6 @@
 // Channel strips: who is shown, held, heard and restarted, and what a click asks of the engine.
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QToolButton>

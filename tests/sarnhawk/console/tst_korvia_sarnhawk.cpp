@@ -1,6 +1,9 @@
 // How the console comes up, opens its engine, answers for its interfaces and goes down again.
 #include <QAction>
+#include <QLabel>
 #include <QMenu>
+#include <QPushButton>
+#include <QSlider>
 #include <QTimer>
 #include <QToolButton>
 #include <QtTest>
