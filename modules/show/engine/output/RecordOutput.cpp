@@ -29,7 +29,7 @@ RecordOutput::RecordOutput(RecordSettings settings)
   if (!settings.freeBytes)
     settings.freeBytes = freeBytesAt;
   thread_ = std::thread([settings = std::move(settings), state = state_]() mutable {
-    runAsBatch();
+    runAsBatch("kv-record");
     RecordWorker(std::move(settings), std::move(state)).run();
   });
 }

@@ -96,7 +96,7 @@ bool SnapshotWriter::flush(int timeoutMs) {
 }
 
 void SnapshotWriter::run(const std::shared_ptr<State>& state) {
-  runAsBatch();
+  runAsBatch("kv-snapshot");
   std::unique_lock lock(state->mutex);
   for (;;) {
     state->changed.wait(lock, [&] { return state->stop || !state->jobs.empty(); });
