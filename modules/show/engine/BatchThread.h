@@ -6,11 +6,10 @@
 
 namespace korvia {
 
-/// Names the calling thread (15 characters at most) and makes it, and those that it starts from here on,
+/// Makes the calling thread, and those that it starts from here on,
 /// batch work: they get their share of the processor, but what wakes them goes on first. Without it the
 /// engine thread loses up to ten milliseconds of a tick to the encoder at the moment it hands a frame over.
-inline void runAsBatch(const char* name) {
-  pthread_setname_np(pthread_self(), name);
+inline void runAsBatch() {
   const sched_param parameter{};
   pthread_setschedparam(pthread_self(), SCHED_BATCH, &parameter);
 }
