@@ -7,6 +7,7 @@
 #include "OutputLog.h"
 #include "RecordWorker.h"
 #include "engine/BatchThread.h"
+#include "engine/ThreadName.h"
 
 namespace korvia {
 
@@ -29,6 +30,7 @@ RecordOutput::RecordOutput(RecordSettings settings)
   if (!settings.freeBytes)
     settings.freeBytes = freeBytesAt;
   thread_ = std::thread([settings = std::move(settings), state = state_]() mutable {
+    nameThread("kv-record");
     runAsBatch();
     RecordWorker(std::move(settings), std::move(state)).run();
   });
