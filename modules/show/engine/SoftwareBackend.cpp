@@ -275,7 +275,7 @@ FrameRef SoftwareBackend::channelFrame(int channel) const {
 FrameRef SoftwareBackend::mixProgram() {
   if (!switch_.isRunning())
     return channelFrame(buses_.pgmChannel());
-  const FrameRef from = channelFrame(switch_.from());
+  FrameRef from = channelFrame(switch_.from());
   const FrameRef to = channelFrame(switch_.to());
   const Transition* transition = switch_.transition();
   if (!transition || switch_.position() <= 0 || from == to)
