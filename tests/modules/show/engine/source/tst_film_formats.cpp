@@ -113,7 +113,7 @@ class FilmFormatsTest : public QObject {
   void fieldsAreTakenApart_data() {
     QTest::addColumn<QString>("file");
     QTest::newRow("8 bits") << "interlaced.mpg";
-    QTest::newRow("10 bits") << "interlaced10.mkv";
+    QTest::newRow("10 bits") << "interlaced10.mp4";
   }
 
   void fieldsAreTakenApart() {
