@@ -1,7 +1,8 @@
 #include "WindowPicture.h"
 
+#include <QApplication>
+#include <QDialog>
 #include <QEventLoop>
-#include <QGuiApplication>
 #include <QPixmap>
 #include <QScreen>
 #include <QTimer>
@@ -15,6 +16,23 @@ namespace {
 /// Long enough for a raised window and its monitors to be drawn, some frames of each.
 constexpr int kRedrawMs = 250;
 
+/// Brings the window to the front, and over it what belongs over it: without a window manager nobody else
+/// does. Dialogs come last, since they stand over everything.
+void bringToFront(QWidget* window) {
+  window->raise();
+  QWidgetList dialogs;
+  for (QWidget* other : QApplication::topLevelWidgets()) {
+    if (other == window || !other->isVisible())
+      continue;
+    if (qobject_cast<QDialog*>(other))
+      dialogs << other;
+    else
+      other->raise();
+  }
+  for (QWidget* dialog : dialogs)
+    dialog->raise();
+}
+
 void letItRedraw() {
   QEventLoop loop;
   QTimer::singleShot(kRedrawMs, &loop, &QEventLoop::quit);
@@ -27,7 +45,7 @@ QImage pictureOf(QWidget* window) {
   QScreen* screen = window->windowHandle() ? window->windowHandle()->screen() : nullptr;
   if (!screen || QGuiApplication::platformName() != QLatin1String("xcb"))
     return window->grab().toImage();
-  window->raise();
+  bringToFront(window);
   letItRedraw();
   const QRect place(window->mapToGlobal(QPoint()) - screen->geometry().topLeft(), window->size());
   return screen->grabWindow(0, place.x(), place.y(), place.width(), place.height()).toImage();

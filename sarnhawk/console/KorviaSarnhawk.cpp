@@ -1,14 +1,10 @@
 #include "console/KorviaSarnhawk.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QMenu>
 #include <QMessageBox>
 #include <QSignalBlocker>
-#include <QStandardPaths>
 #include <QTimer>
-#include <QToolTip>
-#include <atomic>
 
 #include "GDialogHWCheckSwitch.h"
 #include "GLAudioDeviceInfo.h"
@@ -17,7 +13,6 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
-#include "KorviaShowUtil.h"
 #include "ZRCUtil.h"
 #include "audio/GDialogAudoDevCheck.h"
 #include "audio/QVUMeter.h"
@@ -31,12 +26,9 @@
 #include "console/SwitchLever.h"
 #include "console/TransportRow.h"
 #include "console/windowInfoOf.h"
-#include "present/popupAt.h"
 #include "services/GDialogProductAbout.h"
 #include "shell/GAppCaptionBar.h"
 #include "tagCheckNetPortItem.h"
-#include "tagKorviaShowAudioLevel.h"
-#include "transitions/TakeRules.h"
 #include "ui_KorviaSarnhawk.h"
 
 namespace {
@@ -44,23 +36,13 @@ namespace {
 const QString kShowDataPath = QStringLiteral("D:\\KorviaVR\\code\\output\\ShowData\\");
 const QString kTestFilmPath = kShowDataPath + QStringLiteral("Common\\Demo\\demo.mp4");
 
+// What the host was asked to open at the start: decimal channel index to path.
+constexpr const char* kRequestedMediaProperty = "korviaOpen";
+
 constexpr int kFrameIntervalMs = 30;
 constexpr int kWorkIntervalMs = 1000;
 constexpr quint32 kOpenDelayMs = 1000;
 constexpr int kOpenWidthMin = 720;
-constexpr int kTakeButtonCount = 4;
-
-constexpr unsigned kAudioMixerChanged = 0x10;
-constexpr unsigned kChannelsChanged = 3;
-
-// What a film that ends takes over with.
-constexpr int kSwitchEffect = 22;
-constexpr float kSwitchSeconds = 0.5F;
-constexpr int kSwitchEasing = 0;
-
-constexpr int kPopupUnder = Qt::AlignBottom;
-constexpr int kPopupCentred = 0x84;
-constexpr QPoint kSnapshotTipOffset(8, -52);
 
 const QSize kPaintPadSize(1280, 720);
 constexpr int kPaintPadChannels = 8;
@@ -119,7 +101,6 @@ void* KorviaSarnhawk::queryInterface(const Identifier* id, unsigned version) {
     return static_cast<IKorviaSarnhawk*>(this);
   return nullptr;
 }
-
 // ---- start
 
 bool KorviaSarnhawk::create(void*, IProgressSink* progress, void*, const tagKorviaProductInfo* product,
@@ -361,7 +342,6 @@ void KorviaSarnhawk::createTimers() {
   connect(_frameTimer, &QTimer::timeout, this, &KorviaSarnhawk::onFrameTimer);
   _frameTimer->start(kFrameIntervalMs);
 }
-
 // ---- engine
 
 bool KorviaSarnhawk::isEngineDue() const {
@@ -374,8 +354,10 @@ void KorviaSarnhawk::openEngine() {
     return;
   _engine = new ConsoleShowEngine;
   _engine->start(this, ShowThreadNormal);
-  const tagKorviaVideoFormat& format = _config.engineInfo.format;
-  _engine->setFps(static_cast<float>(format.fpsNumerator / std::max<qint32>(1, format.fpsDenominator)));
+  // The record is packed: its fields are read by value.
+  const qint32 numerator = _config.engineInfo.format.fpsNumerator;
+  const qint32 denominator = _config.engineInfo.format.fpsDenominator;
+  _engine->setFps(static_cast<float>(denominator > 0 ? numerator / denominator : 0));
   connect(this, &KorviaSarnhawk::sig_PostEventResult, this, &KorviaSarnhawk::slot_PostEventResult);
 
   tagKorviaShowWindowPackInfo windows;
@@ -420,6 +402,7 @@ void KorviaSarnhawk::postInitialState() {
   postEvent(ShowEventSelectChannel, PGMObject, _config.pgmChannel);
   if (_config.engineInfo.mediaChannelCount != 0)
     openTestFilm();
+  openRequestedMedia();
 }
 
 void KorviaSarnhawk::openTestFilm() {
@@ -427,6 +410,16 @@ void KorviaSarnhawk::openTestFilm() {
   slot.source.kind = SourceKindMovie;
   slot.source.moviePath = kTestFilmPath;
   _engine->openSource(SourceObject, slot.source, slot.format, nullptr);
+}
+
+void KorviaSarnhawk::openRequestedMedia() {
+  const QVariantMap files = qApp->property(kRequestedMediaProperty).toMap();
+  for (auto file = files.cbegin(); file != files.cend(); ++file) {
+    bool isNumber = false;
+    const int index = file.key().toInt(&isNumber);
+    if (!isNumber || !openMedia(index, file.value().toString()))
+      qDebug("failed to open media on channel %s", qPrintable(file.key()));
+  }
 }
 
 void KorviaSarnhawk::startIncomeServer() {
@@ -448,7 +441,6 @@ bool KorviaSarnhawk::openMedia(int index, const QString& path) {
   strip->openSlot(slot);
   return true;
 }
-
 // ---- end
 
 void KorviaSarnhawk::hideAll() {
@@ -511,262 +503,6 @@ void KorviaSarnhawk::onAction_quit() {
   if (answer == QMessageBox::Yes && parentWidget())
     parentWidget()->close();
 }
-
-// ---- ticks
-
-void KorviaSarnhawk::onFrameTimer() {
-  ++_frameTicks;
-  if (isEngineDue()) {
-    _engineRequested = true;
-    openEngine();
-  }
-  for (GWidgetDisplayObject* strip : _strips->strips())
-    strip->onFrameTick();
-  // Pages move here: after the strips and before the levels, so that lyrics and pictures step together.
-  updateLevels();
-  _whitePad.updateBackground();
-  // The screen cut captures last, when everything on the screen has moved.
-}
-
-void KorviaSarnhawk::onWorkTimer() {
-  ++_workTicks;
-  for (GWidgetDisplayObject* strip : _strips->strips())
-    strip->onWorkTick();
-  updateTransport();
-  updateStatistics();
-  _status->publish();
-}
-
-void KorviaSarnhawk::updateLevels() {
-  if (!_engine)
-    return;
-  const tagKorviaShowAudioLevel& levels = _engine->getAudioLevel();
-  _pvmMeter->setValues(levels.pvm().left, levels.pvm().right);
-  _pgmMeter->setValues(levels.pgm().left, levels.pgm().right);
-  for (GWidgetDisplayObject* strip : _strips->strips())
-    strip->updateLevels(levels);
-}
-
-IKorviaShowSource* KorviaSarnhawk::previewSource() {
-  return getSource(static_cast<KorviaShowObjectID>(_config.pvmChannel));
-}
-
-void KorviaSarnhawk::updateTransport() {
-  _transport->update(previewSource(), _seekHeld);
-}
-
-void KorviaSarnhawk::updateStatistics() {
-  if (!_engine)
-    return;
-  _outputStatistics = {};
-  _engine->getOutputState(&_outputStatistics);
-  _engine->getSourceState(_sourceStatistics.data());
-}
-
-// ---- transport, lever, outputs
-
-void KorviaSarnhawk::onClicked_playMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
-    source->play();
-}
-
-void KorviaSarnhawk::onClicked_stopMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
-    source->stop();
-}
-
-void KorviaSarnhawk::onClicked_pauseMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
-    source->pause();
-}
-
-void KorviaSarnhawk::onClicked_prevMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
-    source->prev();
-}
-
-void KorviaSarnhawk::onClicked_nextMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
-    source->next();
-}
-
-void KorviaSarnhawk::onValueChanged_seekMediaHorizontalSlider(int value) {
-  IKorviaShowSource* source = previewSource();
-  if (!source)
-    return;
-  const int state = source->getPlayState();
-  if (state == Stopped || state == NothingSpecial)
-    source->play();
-  source->setPosition(value);
-}
-
-void KorviaSarnhawk::onSliderPressed_seekMediaHorizontalSlider() {
-  _seekHeld = true;
-}
-
-void KorviaSarnhawk::onSliderReleased_seekMediaHorizontalSlider() {
-  _seekHeld = false;
-}
-
-void KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider(int value) {
-  postEvent(ShowEventSwitchPosition, PGMObject, static_cast<float>(value / double{SwitchLever::kRange}));
-}
-
-void KorviaSarnhawk::onClicked_startRecordPushButton() {
-  if (_ui->_startRecordPushButton->isChecked())
-    _outputs->start(OutputKindRecord);
-  else
-    _outputs->stop(OutputKindRecord);
-  _ui->_startRecordPushButton->setEnabled(false);
-}
-
-void KorviaSarnhawk::onClicked_startStreamPushButton() {
-  if (_ui->_startStreamPushButton->isChecked())
-    _outputs->start(OutputKindStream);
-  else
-    _outputs->stop(OutputKindStream);
-  _ui->_startStreamPushButton->setEnabled(false);
-}
-
-void KorviaSarnhawk::onClicked_screenCutPushButton() {
-  if (_engine)
-    _engine->setGrabImageValid(_ui->_screenCutPushButton->isChecked());
-}
-
-void KorviaSarnhawk::onClicked_paintOutputPushButton() {
-  _whitePad.setVisible(_ui->_paintOutputPushButton->isChecked(), false);
-}
-
-void KorviaSarnhawk::takeSnapshot() {
-  const QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-  QDir().mkpath(folder);
-  const QString path = folder + QDir::separator() +
-                       QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hhmmss")) +
-                       QStringLiteral(".png");
-  postEvent(ShowEventSnapshot, PGMObject, path);
-  QWidget* frame = parentWidget() ? parentWidget() : this;
-  QToolTip::showText(frame->geometry().bottomLeft() + kSnapshotTipOffset, path, frame);
-}
-
-// ---- audio
-
-void KorviaSarnhawk::onClicked_audioMixModePushButton() {
-  const QObject* button = sender();
-  if (button == _ui->_autoMixModePushButton)
-    _config.audioMixer.mixMode = AudioMixModeAuto;
-  else if (button == _ui->_allMixModePushButton)
-    _config.audioMixer.mixMode = AudioMixModeAll;
-  else if (button == _ui->_manulMixModePushButton)
-    _config.audioMixer.mixMode = AudioMixModeManual;
-  postEvent(ShowEventAudioMixMode, _config.audioMixer.mixMode);
-  saveChanges(kAudioMixerChanged);
-}
-
-void KorviaSarnhawk::setVolume(int objectId, double& volume, int percent) {
-  volume = static_cast<double>(static_cast<float>(percent) / 100.0F);
-  postEvent(ShowEventVolume, objectId, volume);
-  saveChanges(kAudioMixerChanged);
-}
-
-void KorviaSarnhawk::onValueChanged_pgmVolumeVerticalSlider(int value) {
-  setVolume(PGMObject, _config.audioMixer.pgmVolume, value);
-}
-
-void KorviaSarnhawk::onSliderPressed_pgmVolumeVerticalSlider() {
-  _pgmVolumeHeld = true;
-}
-
-void KorviaSarnhawk::onSliderReleased_pgmVolumeVerticalSlider() {
-  _pgmVolumeHeld = false;
-}
-
-void KorviaSarnhawk::onValueChanged_pvmVolumeVerticalSlider(int value) {
-  setVolume(PVMObject, _config.audioMixer.pvmVolume, value);
-}
-
-void KorviaSarnhawk::onSliderPressed_pvmVolumeVerticalSlider() {
-  _pvmVolumeHeld = true;
-}
-
-void KorviaSarnhawk::onSliderReleased_pvmVolumeVerticalSlider() {
-  _pvmVolumeHeld = false;
-}
-
-// ---- takes
-
-QToolButton* KorviaSarnhawk::takeButton(int transitionIndex) const {
-  QToolButton* const buttons[kTakeButtonCount] = {
-      _ui->_takeTransitionToolButton_0, _ui->_takeTransitionToolButton_1, _ui->_takeTransitionToolButton_2,
-      _ui->_takeTransitionToolButton_3};
-  return transitionIndex >= 0 && transitionIndex < kTakeButtonCount ? buttons[transitionIndex] : nullptr;
-}
-
-void KorviaSarnhawk::updateTakeButton(int transitionIndex) {
-  QToolButton* button = takeButton(transitionIndex);
-  if (!button)
-    return;
-  const qint32 effect = _config.takeButtons[static_cast<std::size_t>(transitionIndex)].effect;
-  const tagTransitionEffectItem* item = _transitions.find(effect);
-  // A number that no catalog lists can be taken all the same; it shows as what it is.
-  const QString text = item ? TransitionCatalogue::catalogName(static_cast<int>(
-                                  KorviaShowUtil::getEffectCatalog(static_cast<unsigned>(effect)))) +
-                                  QLatin1Char('\n') + item->label
-                            : QString::number(effect);
-  button->setText(text);
-  button->setToolTip(text);
-  button->setIcon(item && QFileInfo::exists(item->thumbPath) ? QIcon(item->thumbPath) : QIcon());
-}
-
-void KorviaSarnhawk::takeChannel(int channelId, int transitionIndex) {
-  if (transitionIndex < 0 || transitionIndex >= kTakeButtonCount)
-    return;
-  int index = 0;
-  if (getObjectKind(channelId, index) == MediaObjectKind) {
-    if (GWidgetDisplayObject* strip = _strips->media(index))
-      strip->applyOnAirRule(channelId);
-  }
-  const tagKorviaTakeButton& slot = _config.takeButtons[static_cast<std::size_t>(transitionIndex)];
-  const qint32 effect = TakeRules::effectToSend(slot, QDateTime::currentSecsSinceEpoch());
-  _config.lastTakeIndex = transitionIndex;
-  postEvent(ShowEventTake, channelId, effect, slot.duration, slot.easing);
-}
-
-void KorviaSarnhawk::takeSelected(int transitionIndex) {
-  takeChannel(_config.pvmChannel, transitionIndex);
-}
-
-void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_0() {
-  takeSelected(0);
-}
-
-void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_1() {
-  takeSelected(1);
-}
-
-void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_2() {
-  takeSelected(2);
-}
-
-void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_3() {
-  takeSelected(3);
-}
-
-void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_0() {
-  showTransitionConfig(0);
-}
-
-void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_1() {
-  showTransitionConfig(1);
-}
-
-void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_2() {
-  showTransitionConfig(2);
-}
-
-void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_3() {
-  showTransitionConfig(3);
-}
-
 // ---- menu
 
 void KorviaSarnhawk::onAction_systemConfig() {}
@@ -785,183 +521,6 @@ void KorviaSarnhawk::onAction_about() {
   GDialogProductAbout dialog(_rootPath, &_product, this);
   dialog.exec();
 }
-
-// ---- services to the children
-
-void KorviaSarnhawk::postEvent(quint64 eventId, QVariant a1, QVariant a2, QVariant a3, QVariant a4) {
-  if (_engine)
-    _engine->postEvent(eventId, std::move(a1), std::move(a2), std::move(a3), std::move(a4));
-}
-
-IKorviaShowSource* KorviaSarnhawk::getSource(KorviaShowObjectID id) {
-  return _engine ? _engine->getSource(id) : nullptr;
-}
-
-// Both are asked for before their windows exist; there is nothing to show then.
-void KorviaSarnhawk::showSoundControl(int, QWidget*) {}
-
-void KorviaSarnhawk::showTransitionConfig(int) {}
-
-void KorviaSarnhawk::showChannelConfig(QWidget* button, int channelId) {
-  if (!_channelConfig)
-    return;
-  if (_channelConfig->objectId() == channelId)
-    _channelConfig->show();
-  else
-    popupAt(_channelConfig, button, kPopupUnder, kPopupCentred);
-  _channelConfig->showChannel(channelId);
-}
-
-// A show lives in memory only; a store would hang in here and gets the mask for free.
-void KorviaSarnhawk::saveChanges(unsigned, int) {}
-
-QList<tagTransitionEffectItem>* KorviaSarnhawk::getEffectList(int catalog) {
-  return _transitions.effectList(catalog);
-}
-
-// ---- sinks of the engine
-
-void KorviaSarnhawk::onPostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,
-                                       QVariant a4) {
-  emit sig_PostEventResult(eventId, result, a1, a2, a3, a4);
-}
-
-// Spectra of the karaoke page and the sound control are fed here, in this order.
-void KorviaSarnhawk::onAudioData(KorviaShowObjectID, const void*, unsigned, unsigned, int, const void*, int) {
-}
-
-QImage KorviaSarnhawk::lockBackground(KorviaShowObjectID id) {
-  return id == PGMObject ? _whitePad.lockBackground() : QImage();
-}
-
-void KorviaSarnhawk::unlockBackground(KorviaShowObjectID id, QImage& image) {
-  if (id == PGMObject)
-    _whitePad.unlockBackground(image);
-}
-
-void KorviaSarnhawk::onSourceNotify(KorviaShowObjectID id, int what, int param) {
-  // The selection is written on the console thread while this runs on one of a source.
-  const int pvmChannel = std::atomic_ref<qint32>(_config.pvmChannel).load();
-  if (what == kSourceNotifySwitch && id == pvmChannel)
-    postEvent(ShowEventTake, param, kSwitchEffect, kSwitchSeconds, kSwitchEasing);
-}
-
-void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1, QVariant a2, QVariant,
-                                          QVariant) {
-  switch (eventId) {
-    case ShowEventOpen:
-      onEngineOpened();
-      break;
-    case ShowEventSwitchPosition:
-      _lever->showPosition(a1.toFloat());
-      break;
-    case ShowEventSelectChannel:
-      onChannelSelected(a1.toULongLong(), a2.toInt());
-      break;
-    case ShowEventPlacementChanged:
-      // The page of the item takes the record over first; it goes back to the engine in any case.
-      postEvent(ShowEventPlacementCommit, a1);
-      break;
-    case ShowEventStartOutput:
-      _outputs->onStarted(a1.toUInt(), a2);
-      break;
-    case ShowEventStopOutput:
-      _outputs->onStopped(a2.toUInt());
-      break;
-    case ShowEventAudioMixMode:
-      onMixModeReported(a1.toInt());
-      break;
-    case ShowEventVolume:
-      onVolumeReported(a1.toInt(), a2.toFloat());
-      break;
-    case ShowEventChannelMix:
-      onChannelMixReported(a1.toInt(), a2.toInt());
-      break;
-    default:
-      break;
-  }
-}
-
-void KorviaSarnhawk::onChannelSelected(quint64 bus, int channelId) {
-  if (bus == PVMObject) {
-    std::atomic_ref<qint32>(_config.pvmChannel).store(channelId);
-    if (_channelConfig && _channelConfig->isVisible())
-      _channelConfig->showChannel(channelId);
-    for (GWidgetDisplayObject* strip : _strips->strips())
-      strip->setSelectedPVM(channelId == strip->objectId());
-  } else if (bus == PGMObject) {
-    _config.pgmChannel = channelId;
-    for (GWidgetDisplayObject* strip : _strips->strips())
-      strip->setSelectedPGM(channelId == strip->objectId());
-  }
-}
-
-void KorviaSarnhawk::onMixModeReported(int mode) {
-  QPushButton* const buttons[] = {_ui->_autoMixModePushButton, _ui->_allMixModePushButton,
-                                  _ui->_manulMixModePushButton};
-  if (mode < AudioMixModeAuto || mode > AudioMixModeManual)
-    return;
-  const QSignalBlocker blocker(buttons[mode]);
-  buttons[mode]->setChecked(true);
-}
-
-void KorviaSarnhawk::onVolumeReported(int objectId, float volume) {
-  QSlider* slider = nullptr;
-  if (objectId == PGMObject)
-    slider = _ui->_pgmVolumeVerticalSlider;
-  else if (objectId == PVMObject)
-    slider = _ui->_pvmVolumeVerticalSlider;
-  // One hold counts for both sliders: while the operator rides the program level, nothing else moves.
-  if (!slider || _pgmVolumeHeld)
-    return;
-  const QSignalBlocker blocker(slider);
-  slider->setValue(static_cast<int>(volume * 100.0F));
-}
-
-void KorviaSarnhawk::onChannelMixReported(int channelId, int audioState) {
-  int index = 0;
-  if (channelId < MediaChannel || getObjectKind(channelId, index) != MediaObjectKind)
-    return;
-  if (GWidgetDisplayObject* strip = _strips->media(index))
-    strip->setAudioState(audioState);
-}
-
-// ---- sink of the paint pad
-
-void KorviaSarnhawk::onCommitWhitePadImage(const QImage& image) {
-  if (_engine)
-    _engine->commitPaintPadImage(image);
-}
-
-void KorviaSarnhawk::onSetWhitePadValid(bool valid) {
-  if (_engine) {
-    _engine->setPaintPadValid(valid);
-    if (!valid)
-      _engine->pausePGMImage(false);
-  }
-  const QSignalBlocker blocker(_ui->_paintOutputPushButton);
-  _ui->_paintOutputPushButton->setChecked(valid);
-}
-
-void KorviaSarnhawk::onPauseWhitePad(bool pause) {
-  if (_engine)
-    _engine->pausePGMImage(pause);
-}
-
-void KorviaSarnhawk::onSelectWhitePadChannel(int index) {
-  constexpr int kPadMediaChannels = 4;
-  const int channelId =
-      index < kPadMediaChannels ? MediaChannel + index : StageChannel + index - kPadMediaChannels;
-  for (GWidgetDisplayObject* strip : _strips->strips())
-    strip->applyOnAirRule(channelId);
-  postEvent(ShowEventSelectChannel, PVMObject, channelId);
-  saveChanges(kChannelsChanged);
-}
-
-void KorviaSarnhawk::onWhitePadShown() {}
-
-void KorviaSarnhawk::onWhitePadHidden() {}
-
 // ---- window
 
 void KorviaSarnhawk::resizeEvent(QResizeEvent* event) {

@@ -112,7 +112,7 @@ class KorviaSarnhawk : public QMainWindow,
 
   /// Shows a film or picture on media channel `index`, as if the operator had chosen it there. False while no
   /// engine is open or the channel does not exist.
-  Q_INVOKABLE bool openMedia(int index, const QString& path);
+  bool openMedia(int index, const QString& path);
   /// How strips ask the operator; replaced by tests and by hosts with a picker of their own.
   void setStripChooser(StripChooser chooser) { _stripChooser = std::move(chooser); }
 
@@ -181,6 +181,8 @@ class KorviaSarnhawk : public QMainWindow,
   CKorviaRTMPIncomeServerHelper _incomeServer;
 
  private:
+  static constexpr int kTakeButtonCount = 4;
+
   void overrideConfig(const QString& rootPath);
   void addLyricFolders();
   bool createUi();
@@ -202,6 +204,7 @@ class KorviaSarnhawk : public QMainWindow,
   void onEngineOpened();
   void postInitialState();
   void openTestFilm();
+  void openRequestedMedia();
   void startIncomeServer();
   void stopEngine();
   void destroyUi();

@@ -5,8 +5,8 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
 #include "engine/ThreadName.h"
-#include "engine/source/FilmSource.h"
 #include "engine/source/SourceFactory.h"
+#include "engine/source/SourceThreads.h"
 #include "tagKorviaShowEngineInfo.h"
 
 namespace korvia {

@@ -28,7 +28,7 @@ class BareFrame : public MainFrame {
     mousePressEvent(&event);
   }
 
-  void release(const QPoint& pos, Qt::MouseButton button = Qt::LeftButton) {
+  void letGo(const QPoint& pos, Qt::MouseButton button = Qt::LeftButton) {
     QMouseEvent event(QEvent::MouseButtonRelease, pos, button, Qt::NoButton, Qt::NoModifier);
     mouseReleaseEvent(&event);
   }
@@ -111,7 +111,8 @@ void TestMainFrame::answersAlikeFromEachInterface() {
   IMainFrame* asFrame = &frame;
   IKorviaSarnhawk* asConsole = &frame;
   for (const Identifier* id : {&kIMainFrameId, &kIKorviaSarnhawkId, &kIUnknownExId})
-    QCOMPARE(asFrame->queryInterface(id, kInterfaceVersion), asConsole->queryInterface(id, kInterfaceVersion));
+    QCOMPARE(asFrame->queryInterface(id, kInterfaceVersion),
+             asConsole->queryInterface(id, kInterfaceVersion));
 }
 
 void TestMainFrame::nullStaysNull() {
@@ -121,7 +122,9 @@ void TestMainFrame::nullStaysNull() {
   QVERIFY(MainFrame().queryInterface(nullptr, kInterfaceVersion) == nullptr);
 }
 
-void TestMainFrame::isValidFromTheStart() { QVERIFY(MainFrame().isValid()); }
+void TestMainFrame::isValidFromTheStart() {
+  QVERIFY(MainFrame().isValid());
+}
 
 void TestMainFrame::releaseDeletesTheWholeObject() {
   auto* frame = new MainFrame;
@@ -209,8 +212,10 @@ void TestMainFrame::dragsEdges_data() {
   QTest::addColumn<QRect>("result");
 
   const QPoint left(2, 400);
-  QTest::newRow("left edge outwards") << left << QPoint(2, 400) << QPoint(-8, 400) << QRect(90, 100, 1210, 800);
-  QTest::newRow("left edge inwards") << left << QPoint(2, 400) << QPoint(12, 400) << QRect(110, 100, 1190, 800);
+  QTest::newRow("left edge outwards")
+      << left << QPoint(2, 400) << QPoint(-8, 400) << QRect(90, 100, 1210, 800);
+  QTest::newRow("left edge inwards") << left << QPoint(2, 400) << QPoint(12, 400)
+                                     << QRect(110, 100, 1190, 800);
   QTest::newRow("left edge stops at the minimum width")
       << left << QPoint(2, 400) << QPoint(302, 400) << QRect(300, 100, 1000, 800);
   QTest::newRow("left edge waits for the mouse to come back")
@@ -266,7 +271,7 @@ void TestMainFrame::dragsTheCorner() {
 void TestMainFrame::releasedEdgeStays() {
   BareFrame frame;
   frame.grabAt(QPoint(1198, 400));
-  frame.release(QPoint(1198, 400));
+  frame.letGo(QPoint(1198, 400));
   frame.onHoverMove(QPoint(1208, 400), QPoint(1198, 400));
   QCOMPARE(frame.geometry(), kPlace);
 }
@@ -274,7 +279,7 @@ void TestMainFrame::releasedEdgeStays() {
 void TestMainFrame::otherButtonsDoNotRelease() {
   BareFrame frame;
   frame.grabAt(QPoint(1198, 400));
-  frame.release(QPoint(1198, 400), Qt::RightButton);
+  frame.letGo(QPoint(1198, 400), Qt::RightButton);
   frame.onHoverMove(QPoint(1208, 400), QPoint(1198, 400));
   QCOMPARE(frame.geometry(), QRect(100, 100, 1210, 800));
 }

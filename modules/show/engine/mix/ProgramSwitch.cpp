@@ -12,11 +12,8 @@ namespace {
 
 constexpr double kDurationMax = 600;
 
-// Exactly 1 is the end of a take and is reported by nothing else.
-float reportedPosition(double position) {
-  const float value = static_cast<float>(position);
-  return position < 1 && value >= 1.0F ? std::nextafter(1.0F, 0.0F) : value;
-}
+// Exactly 1 is the end of a take and is reported by nothing else; some curves get there early.
+const float kPositionMax = std::nextafter(1.0F, 0.0F);
 
 }  // namespace
 
@@ -83,9 +80,9 @@ void ProgramSwitch::abandon() {
 }
 
 void ProgramSwitch::setPosition(double position) {
-  position_ = position;
+  position_ = std::min(position, static_cast<double>(kPositionMax));
   outcome_.moved = true;
-  outcome_.position = reportedPosition(position);
+  outcome_.position = std::min(static_cast<float>(position), kPositionMax);
 }
 
 void ProgramSwitch::complete() {

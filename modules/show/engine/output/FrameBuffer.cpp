@@ -2,11 +2,14 @@
 
 #include <gst/video/video.h>
 
+#include "engine/Handover.h"
+
 namespace korvia {
 
 namespace {
 
 void releaseFrame(gpointer frame) {
+  takeOver(frame);
   delete static_cast<FrameRef*>(frame);
 }
 
@@ -23,11 +26,12 @@ GstBuffer* wrapFrame(const FrameRef& frame) {
     // The last row may end where its pixels end.
     const gsize size = static_cast<gsize>(frame->stride(plane)) * (frame->planeHeight(plane) - 1) +
                        static_cast<gsize>(frame->planeWidth(plane));
+    auto* held = new FrameRef(frame);
+    handOver(held);
     // Read-only memory: nobody downstream ever writes to it.
-    gst_buffer_append_memory(
-        buffer,
-        gst_memory_new_wrapped(GST_MEMORY_FLAG_READONLY, const_cast<std::uint8_t*>(frame->plane(plane)), size,
-                               0, size, new FrameRef(frame), releaseFrame));
+    gst_buffer_append_memory(buffer, gst_memory_new_wrapped(GST_MEMORY_FLAG_READONLY,
+                                                            const_cast<std::uint8_t*>(frame->plane(plane)),
+                                                            size, 0, size, held, releaseFrame));
     total += size;
   }
   gst_buffer_add_video_meta_full(buffer, GST_VIDEO_FRAME_FLAG_NONE, GST_VIDEO_FORMAT_I420,

@@ -6,12 +6,14 @@
 #include <utility>
 
 #include "FrameBuffer.h"
+#include "engine/Handover.h"
 
 namespace korvia {
 
 namespace {
 
-constexpr guint kSourceBuffers = 2;
+// One that is being encoded waits in the encoder; one more keeps it busy.
+constexpr qint64 kSourceBuffers = 2;
 constexpr int kKeySeconds = 2;
 
 // The cheapest settings of x264 that keep CABAC, 8x8 transforms, deblocking and adaptive quantisation: about
@@ -74,6 +76,7 @@ RecordPipeline::~RecordPipeline() {
   gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
   gst_object_unref(bus);
   gst_object_unref(pipeline_);
+  takeOver(this);
 }
 
 bool RecordPipeline::open(const RecordSettings& settings, const QString& fileName) {
@@ -91,6 +94,7 @@ bool RecordPipeline::open(const RecordSettings& settings, const QString& fileNam
   gst_object_unref(bus);
   if (!link(settings, fileName))
     return false;
+  handOver(this);
   if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
     setFailure(QStringLiteral("the recording does not start"));
     return false;
@@ -119,12 +123,8 @@ bool RecordPipeline::link(const RecordSettings& settings, const QString& fileNam
 
   source_ = GST_APP_SRC(source);
   GstCaps* caps = rawCaps(settings);
-  g_object_set(source, "format", GST_FORMAT_TIME, "caps", caps, "max-buffers",
-               static_cast<guint64>(kSourceBuffers), "max-bytes", static_cast<guint64>(0), nullptr);
+  g_object_set(source, "format", GST_FORMAT_TIME, "caps", caps, nullptr);
   gst_caps_unref(caps);
-  GstAppSrcCallbacks callbacks = {};
-  callbacks.need_data = onNeedData;
-  gst_app_src_set_callbacks(source_, &callbacks, this, nullptr);
 
   setProperties(encoder, kEncoder);
   const auto keyInterval =
@@ -146,13 +146,14 @@ bool RecordPipeline::link(const RecordSettings& settings, const QString& fileNam
     setFailure(QStringLiteral("the parts of the recording do not fit together"));
     return false;
   }
+  addProbe(source, "src", onTaken, this);
   addProbe(encoder, "src", onEncoded, this);
   addProbe(sink, "sink", onWritten, this);
   return true;
 }
 
 bool RecordPipeline::hasRoom() const {
-  return gst_app_src_get_current_level_buffers(source_) < kSourceBuffers;
+  return framesFed_ - framesTaken_ < kSourceBuffers;
 }
 
 GstClockTime RecordPipeline::timeOf(qint64 index) const {
@@ -166,6 +167,7 @@ void RecordPipeline::feed(const FrameRef& frame, qint64 index) {
   GST_BUFFER_PTS(buffer) = timeOf(index);
   // The difference of two stamps, so that rounding never adds up.
   GST_BUFFER_DURATION(buffer) = timeOf(index + 1) - timeOf(index);
+  ++framesFed_;
   gst_app_src_push_buffer(source_, buffer);
 }
 
@@ -182,9 +184,11 @@ void RecordPipeline::setFailure(const QString& text) {
   std::lock_guard lock(mutex_);
   if (failure_.isEmpty())
     failure_ = text;
+  failed_ = true;
 }
 
 GstBusSyncReply RecordPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
+  const HandoverScope scope(self);
   auto* pipeline = static_cast<RecordPipeline*>(self);
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
     pipeline->ended_ = true;
@@ -201,11 +205,16 @@ GstBusSyncReply RecordPipeline::onMessage(GstBus*, GstMessage* message, gpointer
   return GST_BUS_DROP;
 }
 
-void RecordPipeline::onNeedData(GstAppSrc*, guint, gpointer self) {
-  static_cast<RecordPipeline*>(self)->wake_();
+GstPadProbeReturn RecordPipeline::onTaken(GstPad*, GstPadProbeInfo* info, gpointer self) {
+  const HandoverScope scope(self);
+  auto* pipeline = static_cast<RecordPipeline*>(self);
+  pipeline->framesTaken_ += countOf(info);
+  pipeline->wake_();
+  return GST_PAD_PROBE_OK;
 }
 
 GstPadProbeReturn RecordPipeline::onEncoded(GstPad*, GstPadProbeInfo* info, gpointer self) {
+  const HandoverScope scope(self);
   auto* pipeline = static_cast<RecordPipeline*>(self);
   pipeline->framesEncoded_ += countOf(info);
   pipeline->bytesEncoded_ += sizeOf(info);
@@ -213,6 +222,7 @@ GstPadProbeReturn RecordPipeline::onEncoded(GstPad*, GstPadProbeInfo* info, gpoi
 }
 
 GstPadProbeReturn RecordPipeline::onWritten(GstPad*, GstPadProbeInfo* info, gpointer self) {
+  const HandoverScope scope(self);
   static_cast<RecordPipeline*>(self)->bytesWritten_ += sizeOf(info);
   return GST_PAD_PROBE_OK;
 }

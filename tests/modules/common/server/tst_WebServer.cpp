@@ -135,7 +135,7 @@ class WebServerTest : public QObject {
     QCOMPARE(request(port_, "GET", "/status.json").status, 200);
   }
 
-  void connectionsAreLimited() {
+  void manyConnectionsDoNotWearItOut() {
     std::vector<std::unique_ptr<QTcpSocket>> idle;
     for (int n = 0; n < 40; ++n) {
       idle.push_back(std::make_unique<QTcpSocket>());

@@ -95,8 +95,8 @@ class SoftwareShowTest : public QObject {
     const QString path = folder_.filePath(QString("program%1.png").arg(++pictures_));
     post(ShowEventSnapshot, PGMObject, path);
     QImage image;
-    QTest::qWaitFor([&] { return QFile::exists(path) && image.load(path); }, 10000);
-    return image.isNull() ? QColor() : image.pixelColor(image.width() / 2, image.height() / 2);
+    const bool written = QTest::qWaitFor([&] { return QFile::exists(path) && image.load(path); }, 10000);
+    return !written ? QColor() : image.pixelColor(image.width() / 2, image.height() / 2);
   }
   void openShow(const tagKorviaShowWindowPackInfo& windows = {}) {
     tagKorviaShowEngineInfo info;

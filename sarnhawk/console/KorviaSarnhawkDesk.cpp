@@ -1,0 +1,285 @@
+// What the desk does: ticks, transport, lever, outputs, audio and takes.
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QSignalBlocker>
+#include <QStandardPaths>
+#include <QToolTip>
+
+#include "IKorviaShowSource.h"
+#include "KorviaShowEngine.h"
+#include "KorviaShowEvents.h"
+#include "KorviaShowUtil.h"
+#include "audio/QVUMeter.h"
+#include "console/GWidgetDisplayObject.h"
+#include "console/KorviaSarnhawk.h"
+#include "console/OutputSwitches.h"
+#include "console/StatusPublisher.h"
+#include "console/StripArea.h"
+#include "console/SwitchLever.h"
+#include "console/TransportRow.h"
+#include "tagKorviaShowAudioLevel.h"
+#include "transitions/TakeRules.h"
+#include "ui_KorviaSarnhawk.h"
+
+namespace {
+
+constexpr unsigned kAudioMixerChanged = 0x10;
+constexpr QPoint kSnapshotTipOffset(8, -52);
+
+}  // namespace
+
+// ---- ticks
+
+void KorviaSarnhawk::onFrameTimer() {
+  ++_frameTicks;
+  if (isEngineDue()) {
+    _engineRequested = true;
+    openEngine();
+  }
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->onFrameTick();
+  // Pages move here: after the strips and before the levels, so that lyrics and pictures step together.
+  updateLevels();
+  _whitePad.updateBackground();
+  // The screen cut captures last, when everything on the screen has moved.
+}
+
+void KorviaSarnhawk::onWorkTimer() {
+  ++_workTicks;
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->onWorkTick();
+  updateTransport();
+  updateStatistics();
+  _status->publish();
+}
+
+void KorviaSarnhawk::updateLevels() {
+  if (!_engine)
+    return;
+  const tagKorviaShowAudioLevel& levels = _engine->getAudioLevel();
+  _pvmMeter->setValues(levels.pvm().left, levels.pvm().right);
+  _pgmMeter->setValues(levels.pgm().left, levels.pgm().right);
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->updateLevels(levels);
+}
+
+IKorviaShowSource* KorviaSarnhawk::previewSource() {
+  return getSource(static_cast<KorviaShowObjectID>(_config.pvmChannel));
+}
+
+void KorviaSarnhawk::updateTransport() {
+  _transport->update(previewSource(), _seekHeld);
+}
+
+void KorviaSarnhawk::updateStatistics() {
+  if (!_engine)
+    return;
+  _outputStatistics = {};
+  _engine->getOutputState(&_outputStatistics);
+  _engine->getSourceState(_sourceStatistics.data());
+}
+
+// ---- transport, lever, outputs
+
+void KorviaSarnhawk::onClicked_playMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->play();
+}
+
+void KorviaSarnhawk::onClicked_stopMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->stop();
+}
+
+void KorviaSarnhawk::onClicked_pauseMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->pause();
+}
+
+void KorviaSarnhawk::onClicked_prevMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->prev();
+}
+
+void KorviaSarnhawk::onClicked_nextMediaPushButton() {
+  if (IKorviaShowSource* source = previewSource())
+    source->next();
+}
+
+void KorviaSarnhawk::onValueChanged_seekMediaHorizontalSlider(int value) {
+  IKorviaShowSource* source = previewSource();
+  if (!source)
+    return;
+  const int state = source->getPlayState();
+  if (state == Stopped || state == NothingSpecial)
+    source->play();
+  source->setPosition(value);
+}
+
+void KorviaSarnhawk::onSliderPressed_seekMediaHorizontalSlider() {
+  _seekHeld = true;
+}
+
+void KorviaSarnhawk::onSliderReleased_seekMediaHorizontalSlider() {
+  _seekHeld = false;
+}
+
+void KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider(int value) {
+  postEvent(ShowEventSwitchPosition, PGMObject, static_cast<float>(value / double{SwitchLever::kRange}));
+}
+
+void KorviaSarnhawk::onClicked_startRecordPushButton() {
+  if (_ui->_startRecordPushButton->isChecked())
+    _outputs->start(OutputKindRecord);
+  else
+    _outputs->stop(OutputKindRecord);
+  _ui->_startRecordPushButton->setEnabled(false);
+}
+
+void KorviaSarnhawk::onClicked_startStreamPushButton() {
+  if (_ui->_startStreamPushButton->isChecked())
+    _outputs->start(OutputKindStream);
+  else
+    _outputs->stop(OutputKindStream);
+  _ui->_startStreamPushButton->setEnabled(false);
+}
+
+void KorviaSarnhawk::onClicked_screenCutPushButton() {
+  if (_engine)
+    _engine->setGrabImageValid(_ui->_screenCutPushButton->isChecked());
+}
+
+void KorviaSarnhawk::onClicked_paintOutputPushButton() {
+  _whitePad.setVisible(_ui->_paintOutputPushButton->isChecked(), false);
+}
+
+void KorviaSarnhawk::takeSnapshot() {
+  const QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+  QDir().mkpath(folder);
+  const QString path = folder + QDir::separator() +
+                       QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hhmmss")) +
+                       QStringLiteral(".png");
+  postEvent(ShowEventSnapshot, PGMObject, path);
+  QWidget* frame = parentWidget() ? parentWidget() : this;
+  QToolTip::showText(frame->geometry().bottomLeft() + kSnapshotTipOffset, path, frame);
+}
+
+// ---- audio
+
+void KorviaSarnhawk::onClicked_audioMixModePushButton() {
+  const QObject* button = sender();
+  if (button == _ui->_autoMixModePushButton)
+    _config.audioMixer.mixMode = AudioMixModeAuto;
+  else if (button == _ui->_allMixModePushButton)
+    _config.audioMixer.mixMode = AudioMixModeAll;
+  else if (button == _ui->_manulMixModePushButton)
+    _config.audioMixer.mixMode = AudioMixModeManual;
+  postEvent(ShowEventAudioMixMode, _config.audioMixer.mixMode);
+  saveChanges(kAudioMixerChanged);
+}
+
+void KorviaSarnhawk::setVolume(int objectId, double& volume, int percent) {
+  volume = static_cast<double>(static_cast<float>(percent) / 100.0F);
+  postEvent(ShowEventVolume, objectId, volume);
+  saveChanges(kAudioMixerChanged);
+}
+
+void KorviaSarnhawk::onValueChanged_pgmVolumeVerticalSlider(int value) {
+  setVolume(PGMObject, _config.audioMixer.pgmVolume, value);
+}
+
+void KorviaSarnhawk::onSliderPressed_pgmVolumeVerticalSlider() {
+  _pgmVolumeHeld = true;
+}
+
+void KorviaSarnhawk::onSliderReleased_pgmVolumeVerticalSlider() {
+  _pgmVolumeHeld = false;
+}
+
+void KorviaSarnhawk::onValueChanged_pvmVolumeVerticalSlider(int value) {
+  setVolume(PVMObject, _config.audioMixer.pvmVolume, value);
+}
+
+void KorviaSarnhawk::onSliderPressed_pvmVolumeVerticalSlider() {
+  _pvmVolumeHeld = true;
+}
+
+void KorviaSarnhawk::onSliderReleased_pvmVolumeVerticalSlider() {
+  _pvmVolumeHeld = false;
+}
+
+// ---- takes
+
+QToolButton* KorviaSarnhawk::takeButton(int transitionIndex) const {
+  QToolButton* const buttons[kTakeButtonCount] = {
+      _ui->_takeTransitionToolButton_0, _ui->_takeTransitionToolButton_1, _ui->_takeTransitionToolButton_2,
+      _ui->_takeTransitionToolButton_3};
+  return transitionIndex >= 0 && transitionIndex < kTakeButtonCount ? buttons[transitionIndex] : nullptr;
+}
+
+void KorviaSarnhawk::updateTakeButton(int transitionIndex) {
+  QToolButton* button = takeButton(transitionIndex);
+  if (!button)
+    return;
+  const qint32 effect = _config.takeButtons[static_cast<std::size_t>(transitionIndex)].effect;
+  const tagTransitionEffectItem* item = _transitions.find(effect);
+  // A number that no catalog lists can be taken all the same; it shows as what it is.
+  const QString text = item ? TransitionCatalogue::catalogName(static_cast<int>(
+                                  KorviaShowUtil::getEffectCatalog(static_cast<unsigned>(effect)))) +
+                                  QLatin1Char('\n') + item->label
+                            : QString::number(effect);
+  button->setText(text);
+  button->setToolTip(text);
+  button->setIcon(item && QFileInfo::exists(item->thumbPath) ? QIcon(item->thumbPath) : QIcon());
+}
+
+void KorviaSarnhawk::takeChannel(int channelId, int transitionIndex) {
+  if (transitionIndex < 0 || transitionIndex >= kTakeButtonCount)
+    return;
+  int index = 0;
+  if (getObjectKind(channelId, index) == MediaObjectKind) {
+    if (GWidgetDisplayObject* strip = _strips->media(index))
+      strip->applyOnAirRule(channelId);
+  }
+  const tagKorviaTakeButton& slot = _config.takeButtons[static_cast<std::size_t>(transitionIndex)];
+  const qint32 effect = TakeRules::effectToSend(slot, QDateTime::currentSecsSinceEpoch());
+  _config.lastTakeIndex = transitionIndex;
+  postEvent(ShowEventTake, channelId, effect, slot.duration, slot.easing);
+}
+
+void KorviaSarnhawk::takeSelected(int transitionIndex) {
+  takeChannel(_config.pvmChannel, transitionIndex);
+}
+
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_0() {
+  takeSelected(0);
+}
+
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_1() {
+  takeSelected(1);
+}
+
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_2() {
+  takeSelected(2);
+}
+
+void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_3() {
+  takeSelected(3);
+}
+
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_0() {
+  showTransitionConfig(0);
+}
+
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_1() {
+  showTransitionConfig(1);
+}
+
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_2() {
+  showTransitionConfig(2);
+}
+
+void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_3() {
+  showTransitionConfig(3);
+}

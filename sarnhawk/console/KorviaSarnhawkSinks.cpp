@@ -1,0 +1,204 @@
+// How the console answers: services to its children, results and questions of the engine, the paint pad.
+#include <QSignalBlocker>
+#include <atomic>
+
+#include "IKorviaShowSource.h"
+#include "KorviaMetaType.h"
+#include "KorviaShowEngine.h"
+#include "KorviaShowEvents.h"
+#include "console/GWidgetDisplayObject.h"
+#include "console/GWidgetDisplayObjectConfig.h"
+#include "console/KorviaSarnhawk.h"
+#include "console/OutputSwitches.h"
+#include "console/StripArea.h"
+#include "console/SwitchLever.h"
+#include "present/popupAt.h"
+#include "ui_KorviaSarnhawk.h"
+
+namespace {
+
+constexpr unsigned kChannelsChanged = 3;
+
+// What a film that ends takes over with.
+constexpr int kSwitchEffect = 22;
+constexpr float kSwitchSeconds = 0.5F;
+constexpr int kSwitchEasing = 0;
+
+constexpr int kPopupUnder = Qt::AlignBottom;
+constexpr int kPopupCentred = 0x84;
+
+}  // namespace
+
+// ---- services to the children
+
+void KorviaSarnhawk::postEvent(quint64 eventId, QVariant a1, QVariant a2, QVariant a3, QVariant a4) {
+  if (_engine)
+    _engine->postEvent(eventId, std::move(a1), std::move(a2), std::move(a3), std::move(a4));
+}
+
+IKorviaShowSource* KorviaSarnhawk::getSource(KorviaShowObjectID id) {
+  return _engine ? _engine->getSource(id) : nullptr;
+}
+
+// Both are asked for before their windows exist; there is nothing to show then.
+void KorviaSarnhawk::showSoundControl(int, QWidget*) {}
+
+void KorviaSarnhawk::showTransitionConfig(int) {}
+
+void KorviaSarnhawk::showChannelConfig(QWidget* button, int channelId) {
+  if (!_channelConfig)
+    return;
+  if (_channelConfig->objectId() == channelId)
+    _channelConfig->show();
+  else
+    popupAt(_channelConfig, button, kPopupUnder, kPopupCentred);
+  _channelConfig->showChannel(channelId);
+}
+
+// A show lives in memory only; a store would hang in here and gets the mask for free.
+void KorviaSarnhawk::saveChanges(unsigned, int) {}
+
+QList<tagTransitionEffectItem>* KorviaSarnhawk::getEffectList(int catalog) {
+  return _transitions.effectList(catalog);
+}
+// ---- sinks of the engine
+
+void KorviaSarnhawk::onPostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,
+                                       QVariant a4) {
+  emit sig_PostEventResult(eventId, result, a1, a2, a3, a4);
+}
+
+// Spectra of the karaoke page and the sound control are fed here, in this order.
+void KorviaSarnhawk::onAudioData(KorviaShowObjectID, const void*, unsigned, unsigned, int, const void*, int) {
+}
+
+QImage KorviaSarnhawk::lockBackground(KorviaShowObjectID id) {
+  return id == PGMObject ? _whitePad.lockBackground() : QImage();
+}
+
+void KorviaSarnhawk::unlockBackground(KorviaShowObjectID id, QImage& image) {
+  if (id == PGMObject)
+    _whitePad.unlockBackground(image);
+}
+
+void KorviaSarnhawk::onSourceNotify(KorviaShowObjectID id, int what, int param) {
+  // The selection is written on the console thread while this runs on one of a source.
+  const int pvmChannel = std::atomic_ref<qint32>(_config.pvmChannel).load();
+  if (what == kSourceNotifySwitch && id == pvmChannel)
+    postEvent(ShowEventTake, param, kSwitchEffect, kSwitchSeconds, kSwitchEasing);
+}
+
+void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1, QVariant a2, QVariant,
+                                          QVariant) {
+  switch (eventId) {
+    case ShowEventOpen:
+      onEngineOpened();
+      break;
+    case ShowEventSwitchPosition:
+      _lever->showPosition(a1.toFloat());
+      break;
+    case ShowEventSelectChannel:
+      onChannelSelected(a1.toULongLong(), a2.toInt());
+      break;
+    case ShowEventPlacementChanged:
+      // The page of the item takes the record over first; it goes back to the engine in any case.
+      postEvent(ShowEventPlacementCommit, a1);
+      break;
+    case ShowEventStartOutput:
+      _outputs->onStarted(a1.toUInt(), a2);
+      break;
+    case ShowEventStopOutput:
+      _outputs->onStopped(a2.toUInt());
+      break;
+    case ShowEventAudioMixMode:
+      onMixModeReported(a1.toInt());
+      break;
+    case ShowEventVolume:
+      onVolumeReported(a1.toInt(), a2.toFloat());
+      break;
+    case ShowEventChannelMix:
+      onChannelMixReported(a1.toInt(), a2.toInt());
+      break;
+    default:
+      break;
+  }
+}
+
+void KorviaSarnhawk::onChannelSelected(quint64 bus, int channelId) {
+  if (bus == PVMObject) {
+    std::atomic_ref<qint32>(_config.pvmChannel).store(channelId);
+    if (_channelConfig && _channelConfig->isVisible())
+      _channelConfig->showChannel(channelId);
+    for (GWidgetDisplayObject* strip : _strips->strips())
+      strip->setSelectedPVM(channelId == strip->objectId());
+  } else if (bus == PGMObject) {
+    _config.pgmChannel = channelId;
+    for (GWidgetDisplayObject* strip : _strips->strips())
+      strip->setSelectedPGM(channelId == strip->objectId());
+  }
+}
+
+void KorviaSarnhawk::onMixModeReported(int mode) {
+  QPushButton* const buttons[] = {_ui->_autoMixModePushButton, _ui->_allMixModePushButton,
+                                  _ui->_manulMixModePushButton};
+  if (mode < AudioMixModeAuto || mode > AudioMixModeManual)
+    return;
+  const QSignalBlocker blocker(buttons[mode]);
+  buttons[mode]->setChecked(true);
+}
+
+void KorviaSarnhawk::onVolumeReported(int objectId, float volume) {
+  QSlider* slider = nullptr;
+  if (objectId == PGMObject)
+    slider = _ui->_pgmVolumeVerticalSlider;
+  else if (objectId == PVMObject)
+    slider = _ui->_pvmVolumeVerticalSlider;
+  // One hold counts for both sliders: while the operator rides the program level, nothing else moves.
+  if (!slider || _pgmVolumeHeld)
+    return;
+  const QSignalBlocker blocker(slider);
+  slider->setValue(static_cast<int>(volume * 100.0F));
+}
+
+void KorviaSarnhawk::onChannelMixReported(int channelId, int audioState) {
+  int index = 0;
+  if (channelId < MediaChannel || getObjectKind(channelId, index) != MediaObjectKind)
+    return;
+  if (GWidgetDisplayObject* strip = _strips->media(index))
+    strip->setAudioState(audioState);
+}
+// ---- sink of the paint pad
+
+void KorviaSarnhawk::onCommitWhitePadImage(const QImage& image) {
+  if (_engine)
+    _engine->commitPaintPadImage(image);
+}
+
+void KorviaSarnhawk::onSetWhitePadValid(bool valid) {
+  if (_engine) {
+    _engine->setPaintPadValid(valid);
+    if (!valid)
+      _engine->pausePGMImage(false);
+  }
+  const QSignalBlocker blocker(_ui->_paintOutputPushButton);
+  _ui->_paintOutputPushButton->setChecked(valid);
+}
+
+void KorviaSarnhawk::onPauseWhitePad(bool pause) {
+  if (_engine)
+    _engine->pausePGMImage(pause);
+}
+
+void KorviaSarnhawk::onSelectWhitePadChannel(int index) {
+  constexpr int kPadMediaChannels = 4;
+  const int channelId =
+      index < kPadMediaChannels ? MediaChannel + index : StageChannel + index - kPadMediaChannels;
+  for (GWidgetDisplayObject* strip : _strips->strips())
+    strip->applyOnAirRule(channelId);
+  postEvent(ShowEventSelectChannel, PVMObject, channelId);
+  saveChanges(kChannelsChanged);
+}
+
+void KorviaSarnhawk::onWhitePadShown() {}
+
+void KorviaSarnhawk::onWhitePadHidden() {}

@@ -1,0 +1,231 @@
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <csignal>
+
+class TestKorvia : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void init();
+  void cleanup();
+
+  void refusesBadOptionsWithoutADisplay();
+  void helpNeedsNoDisplay();
+  void missingLibrary();
+  void brokenLibrary();
+  void libraryWithoutFactory();
+  void failingFactory_data();
+  void failingFactory();
+  void rootThatCannotBeMade();
+  void tellsTheConsoleWhatWasAsked();
+  void closesInOrderAfterTheTimeLimit();
+  void takesAPictureAtTheExit();
+  void pictureThatCannotBeWrittenIsAFailure();
+  void signalsCloseInOrder_data();
+  void signalsCloseInOrder();
+  void fillsTheShowDataFolder();
+
+ private:
+  void useFakeConsole() { QVERIFY(QFile::copy(FAKE_CONSOLE_LIBRARY, in("bin/libKorviaSarnhawk.so"))); }
+  QString in(const QString& name) const { return _folder->filePath(name); }
+  void start(const QStringList& arguments);
+  int run(const QStringList& arguments);
+  QStringList said() { return QString::fromUtf8(_program->readAllStandardOutput()).split('\n'); }
+  QString complaint() { return QString::fromUtf8(_program->readAllStandardError()); }
+
+  std::unique_ptr<QTemporaryDir> _folder;
+  std::unique_ptr<QProcess> _program;
+};
+
+void TestKorvia::init() {
+  _folder = std::make_unique<QTemporaryDir>();
+  QVERIFY(QDir().mkpath(in("bin")));
+  QVERIFY(QFile::copy(KORVIA_PROGRAM, in("bin/korvia")));
+  _program = std::make_unique<QProcess>();
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  environment.insert("KORVIA_DRIVE_D", in("d"));
+  environment.insert("HOME", in("home"));
+  environment.remove("KORVIA_ENGINE");
+  environment.remove("KORVIA_TRACE");
+  _program->setProcessEnvironment(environment);
+}
+
+void TestKorvia::cleanup() {
+  if (_program->state() != QProcess::NotRunning) {
+    _program->kill();
+    _program->waitForFinished();
+  }
+}
+
+void TestKorvia::start(const QStringList& arguments) {
+  _program->start(in("bin/korvia"), QStringList{"--root", in("root")} + arguments);
+  QVERIFY(_program->waitForStarted());
+}
+
+int TestKorvia::run(const QStringList& arguments) {
+  start(arguments);
+  if (!_program->waitForFinished())
+    return -1;
+  return _program->exitStatus() == QProcess::NormalExit ? _program->exitCode() : -2;
+}
+
+void TestKorvia::refusesBadOptionsWithoutADisplay() {
+  QProcessEnvironment environment = _program->processEnvironment();
+  environment.remove("DISPLAY");
+  environment.insert("QT_QPA_PLATFORM", "xcb");
+  _program->setProcessEnvironment(environment);
+  QCOMPARE(run({"--engine", "warp"}), 2);
+  QVERIFY(complaint().startsWith("korvia: --engine: there is no engine \"warp\""));
+}
+
+void TestKorvia::helpNeedsNoDisplay() {
+  QProcessEnvironment environment = _program->processEnvironment();
+  environment.remove("DISPLAY");
+  environment.insert("QT_QPA_PLATFORM", "xcb");
+  _program->setProcessEnvironment(environment);
+  QCOMPARE(run({"--help"}), 0);
+  QVERIFY(said().join('\n').contains("--exit-after <SECONDS>"));
+}
+
+void TestKorvia::missingLibrary() {
+  QCOMPARE(run({}), 1);
+  const QString text = complaint();
+  QVERIFY2(text.contains("korvia: failed to load the console") && text.contains("libKorviaSarnhawk.so"),
+           qPrintable(text));
+}
+
+void TestKorvia::brokenLibrary() {
+  QFile library(in("bin/libKorviaSarnhawk.so"));
+  QVERIFY(library.open(QIODevice::WriteOnly));
+  library.write("no library");
+  library.close();
+  QCOMPARE(run({}), 1);
+  QVERIFY(complaint().contains("korvia: failed to load the console"));
+}
+
+void TestKorvia::libraryWithoutFactory() {
+  // Any library will do that is loaded anyway.
+  QFile maps("/proc/self/maps");
+  QVERIFY(maps.open(QIODevice::ReadOnly));
+  QString core;
+  for (const QByteArray& line : maps.readAll().split('\n')) {
+    if (line.contains("/libQt5Test.so"))
+      core = QString::fromUtf8(line.mid(line.indexOf('/')));
+  }
+  QVERIFY(!core.isEmpty());
+  QVERIFY(QFile::copy(core, in("bin/libKorviaSarnhawk.so")));
+  QCOMPARE(run({}), 1);
+  QVERIFY(complaint().contains("korvia: no console in"));
+}
+
+void TestKorvia::failingFactory_data() {
+  QTest::addColumn<QString>("fault");
+  QTest::addColumn<QString>("message");
+  QTest::newRow("throws") << "throw"
+                          << "korvia: the console's factory failed : failed to create module";
+  QTest::newRow("throws const") << "throw const"
+                                << "korvia: the console's factory failed : failed to create module";
+  QTest::newRow("null") << "null"
+                        << "korvia: the console's factory gave nothing";
+}
+
+void TestKorvia::failingFactory() {
+  QFETCH(QString, fault);
+  QFETCH(QString, message);
+  useFakeConsole();
+  QProcessEnvironment environment = _program->processEnvironment();
+  environment.insert("FAKE_CONSOLE", fault);
+  _program->setProcessEnvironment(environment);
+  QCOMPARE(run({}), 1);
+  const QString text = complaint();
+  QVERIFY2(text.contains(message), qPrintable(text));
+}
+
+void TestKorvia::rootThatCannotBeMade() {
+  _program->start(in("bin/korvia"), {"--root", "/proc/korvia"});
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitCode(), 2);
+  QVERIFY(complaint().contains("korvia: the folder /proc/korvia/ cannot be made"));
+}
+
+void TestKorvia::tellsTheConsoleWhatWasAsked() {
+  useFakeConsole();
+  QCOMPARE(run({"--engine", "silent", "--trace", in("t.jsonl"), "--open", "0=/a.mp4", "--open", "2=/b.png",
+                "--exit-after", "0"}),
+           0);
+  const QStringList lines = said();
+  QCOMPARE(lines.value(0), "root " + in("root") + "/");
+  QCOMPARE(lines.value(1), QStringLiteral("title Korvia Sarnhawk"));
+  QCOMPARE(lines.value(2), QStringLiteral("engine silent"));
+  QCOMPARE(lines.value(3), "trace " + in("t.jsonl"));
+  QCOMPARE(lines.value(4), QStringLiteral("open 0 /a.mp4"));
+  QCOMPARE(lines.value(5), QStringLiteral("open 2 /b.png"));
+  QVERIFY(QFileInfo(in("root")).isDir());
+}
+
+void TestKorvia::closesInOrderAfterTheTimeLimit() {
+  useFakeConsole();
+  QCOMPARE(run({"--exit-after", "0.2", "--size", "500x350"}), 0);
+  QCOMPARE(said().mid(4), QStringList({"created", "closing 500x350", "close", "release", ""}));
+}
+
+void TestKorvia::takesAPictureAtTheExit() {
+  useFakeConsole();
+  QCOMPARE(run({"--exit-after", "0.2", "--screenshot", in("shot.png")}), 0);
+  const QImage picture(in("shot.png"));
+  QCOMPARE(picture.size(), QSize(400, 300));
+  QCOMPARE(picture.pixelColor(200, 150), QColor(200, 100, 50));
+}
+
+void TestKorvia::pictureThatCannotBeWrittenIsAFailure() {
+  useFakeConsole();
+  start({"--exit-after", "60", "--screenshot", in("gone/shot.png")});
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitCode(), 2);
+
+  QVERIFY(QDir().mkpath(in("soon")));
+  start({"--screenshot", in("soon/shot.png")});
+  QTRY_VERIFY(_program->peek(4096).contains("created"));
+  QVERIFY(QDir(in("soon")).removeRecursively());
+  ::kill(static_cast<pid_t>(_program->processId()), SIGTERM);
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitCode(), 1);
+  QVERIFY(said().contains("release"));
+}
+
+void TestKorvia::signalsCloseInOrder_data() {
+  QTest::addColumn<int>("number");
+  QTest::newRow("SIGINT") << SIGINT;
+  QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void TestKorvia::signalsCloseInOrder() {
+  QFETCH(int, number);
+  useFakeConsole();
+  start({});
+  QTRY_VERIFY(_program->peek(4096).contains("created"));
+  ::kill(static_cast<pid_t>(_program->processId()), number);
+  ::kill(static_cast<pid_t>(_program->processId()), number);
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitStatus(), QProcess::NormalExit);
+  QCOMPARE(_program->exitCode(), 0);
+  QCOMPARE(said().mid(4), QStringList({"created", "closing 400x300", "close", "release", ""}));
+}
+
+void TestKorvia::fillsTheShowDataFolder() {
+  useFakeConsole();
+  QVERIFY(QDir().mkpath(in("showdata/Common")));
+  QFile file(in("showdata/Common/a.txt"));
+  QVERIFY(file.open(QIODevice::WriteOnly));
+  file.write("demo");
+  file.close();
+  QCOMPARE(run({"--exit-after", "0"}), 0);
+  QVERIFY(QFile::exists(in("d/KorviaVR/code/output/ShowData/Common/a.txt")));
+}
+
+QTEST_GUILESS_MAIN(TestKorvia)
+#include "tst_korvia.moc"

@@ -1,0 +1,174 @@
+#include "ConsoleDesk.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include "KorviaShowEvents.h"
+#include "console/GWidgetDisplayObject.h"
+#include "console/MultimediaClock.h"
+#include "shell/GAppCaptionBar.h"
+
+namespace {
+
+class DeskWebServer final : public IKorviaWebServer {
+ public:
+  explicit DeskWebServer(DeskConsole& console) : console_(console) {}
+  ~DeskWebServer() override { console_.serverLog.append(QStringLiteral("web release")); }
+  bool isValid() override { return true; }
+  bool release() override {
+    delete this;
+    return true;
+  }
+  void* queryInterface(const Identifier*, unsigned) override { return nullptr; }
+  int open(IKorviaWebServerSink*, int* httpPort) override {
+    console_.serverLog.append(QStringLiteral("web open"));
+    console_.webPortPlace = httpPort;
+    return console_.webOpenResult;
+  }
+  void close() override { console_.serverLog.append(QStringLiteral("web close")); }
+
+ private:
+  DeskConsole& console_;
+};
+
+class DeskIncomeServer final : public IKorviaRTMPIncomeServer {
+ public:
+  explicit DeskIncomeServer(DeskConsole& console) : console_(console) {}
+  ~DeskIncomeServer() override { console_.serverLog.append(QStringLiteral("income release")); }
+  bool isValid() override { return true; }
+  bool release() override {
+    delete this;
+    return true;
+  }
+  void* queryInterface(const Identifier* id, unsigned) override {
+    return *id == kIKorviaRTMPIncomeServerId ? static_cast<IKorviaRTMPIncomeServer*>(this) : nullptr;
+  }
+  int open(const QString& rootPath, int port, const QString& htmlPath) override {
+    console_.serverLog.append(QStringLiteral("income open"));
+    console_.incomeRootPath = rootPath;
+    console_.incomePort = port;
+    console_.incomeHtmlPath = htmlPath;
+    return console_.incomeOpenResult;
+  }
+  bool isRunning() override { return true; }
+  int rtmpPort() override { return 1935; }
+  void close() override { console_.serverLog.append(QStringLiteral("income close")); }
+
+ private:
+  DeskConsole& console_;
+};
+
+constexpr int kAnswerPollMs = 5;
+
+}  // namespace
+
+bool DeskConsole::loadWebServer() {
+  serverLog.append(QStringLiteral("web load"));
+  if (hasWebServer)
+    _webServer._interface = new DeskWebServer(*this);
+  return hasWebServer;
+}
+
+bool DeskConsole::loadIncomeServer() {
+  serverLog.append(QStringLiteral("income load"));
+  if (hasIncomeServer)
+    _incomeServer._interface = new DeskIncomeServer(*this);
+  return hasIncomeServer;
+}
+
+class ConsoleDesk::Progress final : public IProgressSink {
+ public:
+  explicit Progress(ConsoleDesk& desk) : desk_(desk) {}
+  void onProgressBegin() override {}
+  void onProgressEnd() override {}
+  void onProgressText(const QString& text) override { desk_.progressTexts.append(text); }
+
+ private:
+  ConsoleDesk& desk_;
+};
+
+ConsoleDesk::ConsoleDesk() : _progress(std::make_unique<Progress>(*this)) {
+  static const QTemporaryDir folder;
+  rootPath = folder.path() + QLatin1Char('/');
+  MultimediaClock::setSource([this] { return nowMs; });
+  show.answerLikeAnEngine();
+  captionBar = std::make_unique<GAppCaptionBar>(&product, nullptr);
+  console = new DeskConsole(captionBar.get(), &frame);
+  console->setWindowFlags(Qt::WindowFlags());
+  console->resize(1270, 670);
+  frame.resize(1280, 720);
+}
+
+ConsoleDesk::~ConsoleDesk() {
+  static_cast<IKorviaSarnhawk*>(console)->close();
+  static_cast<IKorviaSarnhawk*>(console)->release();
+  MultimediaClock::setSource({});
+}
+
+bool ConsoleDesk::create() {
+  isCreated =
+      static_cast<IKorviaSarnhawk*>(console)->create(nullptr, _progress.get(), nullptr, &product, rootPath);
+  return isCreated;
+}
+
+bool ConsoleDesk::open() {
+  frame.show();
+  passTime(1001);
+  const bool opened = QTest::qWaitFor([this] { return !progressTexts.isEmpty(); });
+  settle();
+  return opened;
+}
+
+GWidgetDisplayObject* ConsoleDesk::strip(int objectId) const {
+  for (GWidgetDisplayObject* strip : console->findChildren<GWidgetDisplayObject*>()) {
+    if (strip->objectId() == objectId)
+      return strip;
+  }
+  return nullptr;
+}
+
+void ConsoleDesk::report(quint64 eventId, const QVariant& a1, const QVariant& a2) {
+  show.report(eventId, a1, a2);
+  QCoreApplication::processEvents();
+}
+
+void ConsoleDesk::settle() {
+  if (!console->getEngine())
+    return;
+  int answers = 0;
+  const auto connection = connect(console, &KorviaSarnhawk::sig_PostEventResult, this,
+                                  [&answers](quint64 id) { answers += id == ScriptedShow::kMarker ? 1 : 0; });
+  console->postEvent(ScriptedShow::kMarker);
+  if (!QTest::qWaitFor([&answers] { return answers > 0; }))
+    qWarning("the engine does not answer");
+  disconnect(connection);
+  QCoreApplication::processEvents();
+}
+
+QuestionAnswer::QuestionAnswer(QMessageBox::StandardButton button)
+    : QuestionAnswer([this, button](QDialog* dialog) {
+        auto* box = qobject_cast<QMessageBox*>(dialog);
+        if (!box)
+          return dialog->reject();
+        title = box->windowTitle();
+        text = box->text();
+        buttons = box->standardButtons();
+        box->button(button)->click();
+      }) {}
+
+QuestionAnswer::QuestionAnswer(std::function<void(QDialog*)> action) {
+  auto* timer = new QTimer(this);
+  connect(timer, &QTimer::timeout, this, [this, timer, action] {
+    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    if (!dialog)
+      return;
+    timer->stop();
+    wasAsked = true;
+    action(dialog);
+  });
+  timer->start(kAnswerPollMs);
+}
