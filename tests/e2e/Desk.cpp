@@ -52,12 +52,16 @@ bool Desk::isMoving(quint64 window, int timeoutMs) {
 }
 
 bool Desk::runsOn(int frames, int timeoutMs) {
+  int first = -2;
   int before = -1;
-  // The status has no engine in its first second.
+  // The status is a second old at most, and empty in the program's first one: counting begins with its next
+  // change.
   return QTest::qWaitFor(
       [&] {
         const int now = korvia_.frames();
-        if (before < 0)
+        if (first == -2)
+          first = now;
+        else if (before < 0 && now != first)
           before = now;
         return before >= 0 && now >= before + frames;
       },

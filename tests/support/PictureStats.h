@@ -10,12 +10,14 @@ struct PictureStats {
   double deviation = 0;  ///< their standard deviation
 };
 
-inline PictureStats statsOf(const QImage& image) {
+inline PictureStats statsOf(const QImage& picture) {
+  const QImage image = picture.convertToFormat(QImage::Format_Grayscale8);
   double sum = 0;
   double squares = 0;
   for (int y = 0; y < image.height(); ++y) {
+    const uchar* row = image.constScanLine(y);
     for (int x = 0; x < image.width(); ++x) {
-      const double grey = qGray(image.pixel(x, y));
+      const double grey = row[x];
       sum += grey;
       squares += grey * grey;
     }
@@ -28,14 +30,18 @@ inline PictureStats statsOf(const QImage& image) {
 }
 
 /// Share of pixels whose grey values differ by more than noise; 1 for pictures of different sizes.
-inline double differenceOf(const QImage& a, const QImage& b) {
+inline double differenceOf(const QImage& first, const QImage& second) {
   constexpr int kNoise = 12;
-  if (a.size() != b.size() || a.isNull())
+  if (first.size() != second.size() || first.isNull())
     return 1;
+  const QImage a = first.convertToFormat(QImage::Format_Grayscale8);
+  const QImage b = second.convertToFormat(QImage::Format_Grayscale8);
   qint64 different = 0;
   for (int y = 0; y < a.height(); ++y) {
+    const uchar* rowA = a.constScanLine(y);
+    const uchar* rowB = b.constScanLine(y);
     for (int x = 0; x < a.width(); ++x)
-      different += std::abs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y))) > kNoise ? 1 : 0;
+      different += std::abs(rowA[x] - rowB[x]) > kNoise ? 1 : 0;
   }
   return static_cast<double>(different) / (static_cast<double>(a.width()) * a.height());
 }

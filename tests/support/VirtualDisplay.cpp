@@ -54,15 +54,10 @@ std::optional<QByteArray> VirtualDisplay::xdotool(const QStringList& arguments) 
   return run(QStringLiteral("xdotool"), arguments);
 }
 
-QImage VirtualDisplay::grab() const {
-  const auto picture = run(QStringLiteral("import"), {QStringLiteral("-silent"), QStringLiteral("-window"),
-                                                      QStringLiteral("root"), QStringLiteral("ppm:-")});
-  return picture ? QImage::fromData(*picture, "PPM") : QImage();
-}
-
 QImage VirtualDisplay::grabWindow(quint64 window) const {
-  const QRect place = geometryOf(window);
-  return place.isEmpty() ? QImage() : grab().copy(place);
+  const auto picture = run(QStringLiteral("import"), {QStringLiteral("-silent"), QStringLiteral("-window"),
+                                                      QString::number(window), QStringLiteral("ppm:-")});
+  return picture ? QImage::fromData(*picture, "PPM") : QImage();
 }
 
 bool VirtualDisplay::click(const QPoint& position, int button) const {

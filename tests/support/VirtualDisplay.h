@@ -20,9 +20,7 @@ class VirtualDisplay {
   /// What DISPLAY is to be, e.g. ":7".
   QString name() const { return name_; }
 
-  /// The whole screen as it is shown; null when it cannot be read.
-  QImage grab() const;
-  /// A window's picture alone, cut from the screen.
+  /// What the screen shows in a window; null when there is no such window on it.
   QImage grabWindow(quint64 window) const;
 
   /// Positions in pixels of the screen.
