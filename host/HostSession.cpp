@@ -3,7 +3,10 @@
 #include <QApplication>
 #include <QEvent>
 #include <QLoggingCategory>
+#include <QScreen>
 #include <QTimer>
+#include <QWindow>
+#include <algorithm>
 #include <cmath>
 
 #include "WindowPicture.h"
@@ -21,7 +24,7 @@ int HostSession::run() {
   if (closeRequested_ || !frame_)
     return exitCode_;
   if (options_.size.isValid())
-    frame_->resize(options_.size);
+    applySize();
   if (options_.exitAfterS)
     QTimer::singleShot(std::chrono::milliseconds(std::llround(*options_.exitAfterS * 1000)), Qt::PreciseTimer,
                        this, &HostSession::requestClose);
@@ -29,6 +32,21 @@ int HostSession::run() {
   QApplication::exec();
   running_ = false;
   return exitCode_;
+}
+
+void HostSession::applySize() {
+  frame_->resize(options_.size);
+  const QWindow* window = frame_->windowHandle();
+  if (!window || !window->screen())
+    return;
+  // Back into the screen, as far as the size lets it; its top left corner in any case.
+  const QRect available = window->screen()->availableGeometry();
+  QRect place = frame_->frameGeometry();
+  place.moveRight(std::min(place.right(), available.right()));
+  place.moveBottom(std::min(place.bottom(), available.bottom()));
+  place.moveLeft(std::max(place.left(), available.left()));
+  place.moveTop(std::max(place.top(), available.top()));
+  frame_->move(place.topLeft());
 }
 
 void HostSession::requestClose() {

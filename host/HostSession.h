@@ -26,6 +26,7 @@ class HostSession : public QObject {
   void requestClose();
 
  private:
+  void applySize();
   void takePicture();
   void quitWhenClosed();
 

@@ -21,7 +21,8 @@ class ScriptedBackend final : public korvia::IShowBackend {
     show_.host_ = nullptr;
   }
   void handleEvent(const korvia::ShowEvent& event) override {
-    const ScriptedShow::Event recorded{event.id, {event.args[0], event.args[1], event.args[2], event.args[3]}};
+    const ScriptedShow::Event recorded{event.id,
+                                       {event.args[0], event.args[1], event.args[2], event.args[3]}};
     std::lock_guard lock(show_.mutex_);
     if (event.id == ScriptedShow::kMarker) {
       show_.host_->postResult(event.id, {}, {}, {}, {});

@@ -15,8 +15,8 @@
 /// A source whose answers are plain members. Console thread.
 class ScriptedSource : public IKorviaShowSource {
  public:
-  explicit ScriptedSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& sourceInfo)
-      : id(id), info(sourceInfo) {}
+  explicit ScriptedSource(KorviaShowObjectID objectId, const tagKorviaShowSourceInfo& sourceInfo)
+      : id(objectId), info(sourceInfo) {}
 
   bool isValid() override { return true; }
   bool release() override { return true; }
@@ -107,7 +107,8 @@ class ScriptedShow {
 
   mutable std::mutex mutex_;
   std::vector<Event> events_;  // guarded by mutex_
-  std::map<quint64, std::function<std::pair<QVariant, QVariant>(const Event&)>> replies_;  // guarded by mutex_
+  std::map<quint64, std::function<std::pair<QVariant, QVariant>(const Event&)>>
+      replies_;                               // guarded by mutex_
   korvia::IShowBackendHost* host_ = nullptr;  // guarded by mutex_
   std::array<std::unique_ptr<ScriptedSource>, kMediaChannelMax> sources_;
 };

@@ -110,7 +110,8 @@ ConsoleDesk::~ConsoleDesk() {
 }
 
 bool ConsoleDesk::create() {
-  isCreated = static_cast<IKorviaSarnhawk*>(console)->create(nullptr, _progress.get(), nullptr, &product, rootPath);
+  isCreated =
+      static_cast<IKorviaSarnhawk*>(console)->create(nullptr, _progress.get(), nullptr, &product, rootPath);
   return isCreated;
 }
 
@@ -142,7 +143,8 @@ void ConsoleDesk::settle() {
   const auto connection = connect(console, &KorviaSarnhawk::sig_PostEventResult, this,
                                   [&answers](quint64 id) { answers += id == ScriptedShow::kMarker ? 1 : 0; });
   console->postEvent(ScriptedShow::kMarker);
-  QTest::qWaitFor([&answers] { return answers > 0; });
+  if (!QTest::qWaitFor([&answers] { return answers > 0; }))
+    qWarning("the engine does not answer");
   disconnect(connection);
   QCoreApplication::processEvents();
 }

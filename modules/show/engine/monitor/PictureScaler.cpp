@@ -5,54 +5,74 @@
 #include <algorithm>
 
 #include "engine/frame/RgbRow.h"
+#include "engine/kernels/RowKernels.h"
 
 namespace korvia {
 
-Frame& PictureScaler::scratch(std::unique_ptr<Frame>& frame, FrameSize size) {
-  if (!frame || frame->size() != size)
-    frame = std::make_unique<Frame>(size, false);
-  return *frame;
+namespace {
+
+// Vectors may write this many samples past the end of a row.
+constexpr int kRowSlack = 64;
+
+/// Rows and the weight of the second, in 1/256, for row `y` of `to` rows made of `from` rows.
+struct RowPair {
+  int first;
+  int second;
+  int weight;
+};
+
+RowPair rowPair(int y, int from, int to) {
+  const double place = std::clamp((y + 0.5) * from / to - 0.5, 0.0, static_cast<double>(from - 1));
+  const int first = static_cast<int>(place);
+  return {first, std::min(first + 1, from - 1), static_cast<int>((place - first) * 256)};
 }
+
+}  // namespace
 
 // Halving by averaging is several times quicker than an area filter and leaves less than a factor of two for
 // the bilinear step, which then has nothing to alias.
-const Frame& PictureScaler::halved(const Frame& picture, FrameSize size) {
-  const Frame* source = &picture;
-  for (std::unique_ptr<Frame>& half : halves_) {
-    const FrameSize next{source->width() / 2, source->height() / 2};
-    if (next.width < size.width || next.height < size.height || source->width() % 4 || source->height() % 4)
+PictureScaler::PlaneView PictureScaler::halved(PlaneView plane, FrameSize size, Halves& halves) {
+  for (std::vector<std::uint8_t>& half : halves) {
+    const FrameSize next{plane.size.width / 2, plane.size.height / 2};
+    if (next.width < size.width || next.height < size.height)
       break;
-    Frame& out = scratch(half, next);
-    for (int plane = 0; plane < 3; ++plane)
-      libyuv::ScalePlane(source->plane(plane), source->stride(plane), source->planeWidth(plane),
-                         source->planeHeight(plane), out.writablePlane(plane), out.stride(plane),
-                         out.planeWidth(plane), out.planeHeight(plane), libyuv::kFilterBox);
-    source = &out;
+    half.resize(static_cast<std::size_t>(next.width) * next.height + kRowSlack);
+    libyuv::ScalePlane(plane.data, plane.stride, next.width * 2, next.height * 2, half.data(), next.width,
+                       next.width, next.height, libyuv::kFilterBox);
+    plane = {half.data(), next.width, next};
   }
-  return *source;
+  return plane;
+}
+
+void PictureScaler::scaleRowOf(const PlaneView& plane, int y, FrameSize size, Row& row) {
+  const RowPair rows = rowPair(y, plane.size.height, size.height);
+  const std::uint8_t* first = plane.data + static_cast<std::ptrdiff_t>(rows.first) * plane.stride;
+  const std::uint8_t* second = plane.data + static_cast<std::ptrdiff_t>(rows.second) * plane.stride;
+  row.tall.resize(plane.size.width + kRowSlack);
+  row.wide.resize(size.width + kRowSlack);
+  libyuv::InterpolatePlane(first, 0, second, 0, row.tall.data(), 0, plane.size.width, 1, rows.weight);
+  if (!row.columns.fits(plane.size.width, size.width))
+    row.columns = ColumnTable(plane.size.width, size.width);
+  if (row.columns.isUsable())
+    scaleRow(row.tall.data(), row.columns, row.wide.data());
+  else
+    libyuv::ScalePlane(row.tall.data(), plane.size.width, plane.size.width, 1, row.wide.data(), size.width,
+                       size.width, 1, libyuv::kFilterBilinear);
 }
 
 void PictureScaler::toRgb(const Frame& picture, FrameSize size, std::uint8_t* pixels, int stride) {
   if (size.isEmpty())
     return;
-  const Frame& source = halved(picture, size);
-  const auto filter = source.width() > 2 * size.width || source.height() > 2 * size.height
-                          ? libyuv::kFilterBox
-                          : libyuv::kFilterBilinear;
-  const std::size_t planeSize = static_cast<std::size_t>(size.width) * size.height;
-  if (planes_.size() != 3 * planeSize)
-    planes_.resize(3 * planeSize);
-  // Chroma goes straight to the size of luma: smaller than the picture as a rule, it loses nothing on the
-  // way.
-  for (int plane = 0; plane < 3; ++plane)
-    libyuv::ScalePlane(source.plane(plane), source.stride(plane), source.planeWidth(plane),
-                       source.planeHeight(plane), planes_.data() + plane * planeSize, size.width, size.width,
-                       size.height, filter);
-  for (int row = 0; row < size.height; ++row) {
-    const std::uint8_t* y = planes_.data() + static_cast<std::size_t>(row) * size.width;
-    rowToRgb(y, y + planeSize, y + 2 * planeSize,
-             reinterpret_cast<std::uint32_t*>(pixels + static_cast<std::ptrdiff_t>(row) * stride),
-             size.width);
+  PlaneView planes[3];
+  for (int i = 0; i < 3; ++i)
+    planes[i] = halved({picture.plane(i), picture.stride(i), {picture.planeWidth(i), picture.planeHeight(i)}},
+                       size, halves_[i]);
+  for (int y = 0; y < size.height; ++y) {
+    // Chroma goes straight to the size of luma: that keeps more of it than a stop at half the size.
+    for (int i = 0; i < 3; ++i)
+      scaleRowOf(planes[i], y, size, rows_[i]);
+    rowToRgb(rows_[0].wide.data(), rows_[1].wide.data(), rows_[2].wide.data(),
+             reinterpret_cast<std::uint32_t*>(pixels + static_cast<std::ptrdiff_t>(y) * stride), size.width);
   }
 }
 

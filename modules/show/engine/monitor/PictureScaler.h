@@ -1,10 +1,11 @@
 // Scales a frame to a monitor's size and turns it into RGB. Keeps its scratch pictures, so one instance a
 // window; one thread at a time.
 #pragma once
-#include <memory>
+#include <array>
 #include <vector>
 
 #include "engine/frame/Frame.h"
+#include "engine/kernels/ColumnTable.h"
 
 namespace korvia {
 
@@ -14,11 +15,24 @@ class PictureScaler {
   void toRgb(const Frame& picture, FrameSize size, std::uint8_t* pixels, int stride);
 
  private:
-  const Frame& halved(const Frame& picture, FrameSize size);
-  Frame& scratch(std::unique_ptr<Frame>& frame, FrameSize size);
+  struct PlaneView {
+    const std::uint8_t* data = nullptr;
+    int stride = 0;
+    FrameSize size;
+  };
+  /// One row on its way: at the new height, then at the new width.
+  struct Row {
+    ColumnTable columns;
+    std::vector<std::uint8_t> tall;
+    std::vector<std::uint8_t> wide;
+  };
+  using Halves = std::array<std::vector<std::uint8_t>, 4>;
 
-  std::unique_ptr<Frame> halves_[3];
-  std::vector<std::uint8_t> planes_;  // luma and both chromas at the monitor's size
+  static PlaneView halved(PlaneView plane, FrameSize size, Halves& halves);
+  static void scaleRowOf(const PlaneView& plane, int y, FrameSize size, Row& row);
+
+  std::array<Halves, 3> halves_;
+  std::array<Row, 3> rows_;
 };
 
 /// The largest rectangle of the picture's shape in the middle of a window: x, y, width, height, whole pixels.

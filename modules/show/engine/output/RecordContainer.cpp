@@ -13,11 +13,11 @@ const std::vector<RecordContainer::Property> kFragments = {{"fragment-duration",
 
 // In the order of preference for an unknown number.
 const RecordContainer kContainers[] = {
-    {EncapsulationMp4, "mp4", "mp4mux", 0, kFragments},
-    {EncapsulationMov, "mov", "qtmux", 0, kFragments},
-    {EncapsulationTs, "ts", "mpegtsmux", -1, {}},
-    {EncapsulationFlv, "flv", "flvmux", 0, {}},
-    {EncapsulationMkv, "mkv", "matroskamux", 0, {{"max-cluster-duration", "500000000"}}},
+    {EncapsulationMp4, "mp4", "mp4mux", 0, true, kFragments},
+    {EncapsulationMov, "mov", "qtmux", 0, true, kFragments},
+    {EncapsulationTs, "ts", "mpegtsmux", -1, false, {}},
+    {EncapsulationFlv, "flv", "flvmux", 0, false, {}},
+    {EncapsulationMkv, "mkv", "matroskamux", 0, false, {{"max-cluster-duration", "500000000"}}},
 };
 
 }  // namespace

@@ -17,6 +17,7 @@ struct RecordContainer {
   const char* muxer;   ///< GStreamer element
   /// Seconds between repeated stream headers: -1 with every key picture, 0 once in the file's own header.
   int headerInterval;
+  bool boxes;  ///< the file is a row of boxes, of which the last must be whole
   std::vector<Property> properties;
 
   /// The format for a KorviaShowEncapsulation; mp4, the default of new records, for any other number.

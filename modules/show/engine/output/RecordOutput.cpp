@@ -6,6 +6,7 @@
 
 #include "OutputLog.h"
 #include "RecordWorker.h"
+#include "engine/BatchThread.h"
 
 namespace korvia {
 
@@ -28,6 +29,7 @@ RecordOutput::RecordOutput(RecordSettings settings)
   if (!settings.freeBytes)
     settings.freeBytes = freeBytesAt;
   thread_ = std::thread([settings = std::move(settings), state = state_]() mutable {
+    runAsBatch();
     RecordWorker(std::move(settings), std::move(state)).run();
   });
 }
@@ -46,13 +48,17 @@ RecordOutput::~RecordOutput() {
 void RecordOutput::pushFrame(const FrameRef& frame, qint64 frameIndex) {
   if (!frame)
     return;
-  std::lock_guard lock(state_->mutex);
-  if (!state_->accepting)
-    return;
-  if (state_->queue.push(frame, frameIndex))
-    state_->changed.notify_all();
-  else
-    ++state_->figures.framesDropped;
+  {
+    std::lock_guard lock(state_->mutex);
+    if (!state_->accepting)
+      return;
+    if (!state_->queue.push(frame, frameIndex)) {
+      ++state_->figures.framesDropped;
+      return;
+    }
+  }
+  // After the lock: who wakes up must not run into it.
+  state_->changed.notify_all();
 }
 
 void RecordOutput::finish() {

@@ -12,7 +12,8 @@ namespace korvia {
 
 namespace {
 
-constexpr guint kSourceBuffers = 2;
+// One that is being encoded waits in the encoder; one more keeps it busy.
+constexpr qint64 kSourceBuffers = 2;
 constexpr int kKeySeconds = 2;
 
 // The cheapest settings of x264 that keep CABAC, 8x8 transforms, deblocking and adaptive quantisation: about
@@ -122,12 +123,8 @@ bool RecordPipeline::link(const RecordSettings& settings, const QString& fileNam
 
   source_ = GST_APP_SRC(source);
   GstCaps* caps = rawCaps(settings);
-  g_object_set(source, "format", GST_FORMAT_TIME, "caps", caps, "max-buffers",
-               static_cast<guint64>(kSourceBuffers), "max-bytes", static_cast<guint64>(0), nullptr);
+  g_object_set(source, "format", GST_FORMAT_TIME, "caps", caps, nullptr);
   gst_caps_unref(caps);
-  GstAppSrcCallbacks callbacks = {};
-  callbacks.need_data = onNeedData;
-  gst_app_src_set_callbacks(source_, &callbacks, this, nullptr);
 
   setProperties(encoder, kEncoder);
   const auto keyInterval =
@@ -149,13 +146,14 @@ bool RecordPipeline::link(const RecordSettings& settings, const QString& fileNam
     setFailure(QStringLiteral("the parts of the recording do not fit together"));
     return false;
   }
+  addProbe(source, "src", onTaken, this);
   addProbe(encoder, "src", onEncoded, this);
   addProbe(sink, "sink", onWritten, this);
   return true;
 }
 
 bool RecordPipeline::hasRoom() const {
-  return gst_app_src_get_current_level_buffers(source_) < kSourceBuffers;
+  return framesFed_ - framesTaken_ < kSourceBuffers;
 }
 
 GstClockTime RecordPipeline::timeOf(qint64 index) const {
@@ -169,6 +167,7 @@ void RecordPipeline::feed(const FrameRef& frame, qint64 index) {
   GST_BUFFER_PTS(buffer) = timeOf(index);
   // The difference of two stamps, so that rounding never adds up.
   GST_BUFFER_DURATION(buffer) = timeOf(index + 1) - timeOf(index);
+  ++framesFed_;
   gst_app_src_push_buffer(source_, buffer);
 }
 
@@ -185,6 +184,7 @@ void RecordPipeline::setFailure(const QString& text) {
   std::lock_guard lock(mutex_);
   if (failure_.isEmpty())
     failure_ = text;
+  failed_ = true;
 }
 
 GstBusSyncReply RecordPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
@@ -205,9 +205,12 @@ GstBusSyncReply RecordPipeline::onMessage(GstBus*, GstMessage* message, gpointer
   return GST_BUS_DROP;
 }
 
-void RecordPipeline::onNeedData(GstAppSrc*, guint, gpointer self) {
+GstPadProbeReturn RecordPipeline::onTaken(GstPad*, GstPadProbeInfo* info, gpointer self) {
   const HandoverScope scope(self);
-  static_cast<RecordPipeline*>(self)->wake_();
+  auto* pipeline = static_cast<RecordPipeline*>(self);
+  pipeline->framesTaken_ += countOf(info);
+  pipeline->wake_();
+  return GST_PAD_PROBE_OK;
 }
 
 GstPadProbeReturn RecordPipeline::onEncoded(GstPad*, GstPadProbeInfo* info, gpointer self) {

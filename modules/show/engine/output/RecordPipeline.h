@@ -15,7 +15,7 @@ namespace korvia {
 
 class RecordPipeline {
  public:
-  /// `wake` is called from any thread when hasRoom(), isEnded() or failure() may have changed. It must not
+  /// `wake` is called from any thread when hasRoom(), isEnded() or hasFailed() may have changed. It must not
   /// call back into the pipeline.
   explicit RecordPipeline(std::function<void()> wake);
   /// Stops without an end of the file; blocks until the file system has taken what is being written.
@@ -25,7 +25,7 @@ class RecordPipeline {
 
   /// Builds and starts it; the file is overwritten. On failure false, with the reason in failure().
   bool open(const RecordSettings& settings, const QString& fileName);
-  /// Whether a frame can be fed without it being queued for long.
+  /// Whether a frame can be fed without it being queued for long. Takes no lock.
   bool hasRoom() const;
   /// A frame of the settings' size; the index makes its time stamp. Never blocks.
   void feed(const FrameRef& frame, qint64 index);
@@ -33,6 +33,7 @@ class RecordPipeline {
   void endStream();
 
   bool isEnded() const { return ended_; }
+  bool hasFailed() const { return failed_; }
   /// What went wrong, empty when nothing did.
   QString failure() const;
 
@@ -47,7 +48,7 @@ class RecordPipeline {
   GstClockTime timeOf(qint64 index) const;
 
   static GstBusSyncReply onMessage(GstBus* bus, GstMessage* message, gpointer self);
-  static void onNeedData(GstAppSrc* source, guint length, gpointer self);
+  static GstPadProbeReturn onTaken(GstPad* pad, GstPadProbeInfo* info, gpointer self);
   static GstPadProbeReturn onEncoded(GstPad* pad, GstPadProbeInfo* info, gpointer self);
   static GstPadProbeReturn onWritten(GstPad* pad, GstPadProbeInfo* info, gpointer self);
 
@@ -56,10 +57,13 @@ class RecordPipeline {
   GstAppSrc* source_ = nullptr;  // owned by pipeline_
   int rateNumerator_ = 25;
   int rateDenominator_ = 1;
+  qint64 framesFed_ = 0;
 
   mutable std::mutex mutex_;
   QString failure_;  // guarded by mutex_
+  std::atomic<bool> failed_{false};
   std::atomic<bool> ended_{false};
+  std::atomic<qint64> framesTaken_{0};  // by the encoder
   std::atomic<qint64> framesEncoded_{0};
   std::atomic<qint64> bytesEncoded_{0};
   std::atomic<qint64> bytesWritten_{0};

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <utility>
 
+#include "FragmentedFile.h"
 #include "OutputLog.h"
 #include "RecordFileName.h"
 #include "engine/frame/FrameFit.h"
@@ -36,8 +37,8 @@ bool RecordWorker::start() {
     return false;
   }
   pipeline_ = std::make_unique<RecordPipeline>([state = state_.get()] {
-    // The lock orders the call after a test of the condition that is going on.
-    std::lock_guard lock(state->mutex);
+    // A test of the condition that is going on ends first, so that its thread does not miss the call.
+    { std::lock_guard lock(state->mutex); }
     state->changed.notify_all();
   });
   if (!pipeline_->open(settings_, fileName_)) {
@@ -63,7 +64,7 @@ RecordWorker::Step RecordWorker::step() {
     std::unique_lock lock(state_->mutex);
     const auto canFeed = [this] { return !state_->queue.isEmpty() && pipeline_->hasRoom(); };
     const auto mustAct = [&] {
-      return canFeed() || pipeline_->isEnded() || !pipeline_->failure().isEmpty() ||
+      return canFeed() || pipeline_->isEnded() || pipeline_->hasFailed() ||
              (state_->finishing && state_->queue.isEmpty() && !streamEnded_);
     };
     const qint64 untilCheck = std::max<qint64>(1, kCheckMs - sinceCheck_.elapsed());
@@ -77,9 +78,10 @@ RecordWorker::Step RecordWorker::step() {
     state_->figures.up = state_->figures.bytesWritten > 0 && state_->accepting;
   }
 
-  reason_ = pipeline_->failure();
-  if (!reason_.isEmpty())
+  if (pipeline_->hasFailed()) {
+    reason_ = pipeline_->failure();
     return Step::Failed;
+  }
   if (pipeline_->isEnded())
     return Step::Ended;
   if (queued.frame)
@@ -162,6 +164,8 @@ void RecordWorker::close(bool failed) {
   const qint64 frames = pipeline_ ? pipeline_->framesEncoded() : 0;
   const qint64 bytes = pipeline_ ? pipeline_->bytesWritten() : 0;
   pipeline_.reset();
+  if (failed && settings_.container.boxes && !fileName_.isEmpty())
+    dropPartialBox(fileName_);
   if (!fileName_.isEmpty() && QFileInfo(fileName_).size() == 0)
     QFile::remove(fileName_);
 

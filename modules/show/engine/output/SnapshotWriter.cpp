@@ -13,6 +13,7 @@
 #include "DrivePath.h"
 #include "FrameImage.h"
 #include "OutputLog.h"
+#include "engine/BatchThread.h"
 
 namespace korvia {
 
@@ -95,6 +96,7 @@ bool SnapshotWriter::flush(int timeoutMs) {
 }
 
 void SnapshotWriter::run(const std::shared_ptr<State>& state) {
+  runAsBatch();
   std::unique_lock lock(state->mutex);
   for (;;) {
     state->changed.wait(lock, [&] { return state->stop || !state->jobs.empty(); });

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <QFile>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -19,6 +20,12 @@ namespace {
 
 // Compressed data that waits between demuxer and decoder: more than a second of any usual film.
 constexpr guint kMostQueuedBytes = 4 * 1024 * 1024;
+
+// Elements that bring the process down: this one writes through a null buffer when the pictures are raw.
+constexpr const char* kUnsafeElements[] = {"avdemux_nut"};
+// decodebin's answers of "autoplug-select", which no header declares.
+constexpr int kAutoplugTry = 0;
+constexpr int kAutoplugSkip = 2;
 
 GstElement* makeElement(const char* factory, QString& reason) {
   GstElement* element = gst_element_factory_make(factory, nullptr);
@@ -51,6 +58,21 @@ void setIfThere(GstElement* element, const char* property, int value) {
     g_object_set_property(G_OBJECT(element), spec->name, &number);
     g_value_unset(&number);
   }
+}
+
+/// Lets decoders put out pictures with padding of their own, instead of copying out of them. The deinterlacer
+/// would not ask for that, also where it only hands on.
+GstPadProbeReturn offerPaddedPictures(GstQuery* query) {
+  if (GST_QUERY_TYPE(query) != GST_QUERY_ALLOCATION)
+    return GST_PAD_PROBE_OK;
+  GstCaps* caps = nullptr;
+  gst_query_parse_allocation(query, &caps, nullptr);
+  GstVideoInfo info;
+  if (!caps || !gst_video_info_from_caps(&info, caps) || GST_VIDEO_INFO_IS_INTERLACED(&info))
+    return GST_PAD_PROBE_OK;
+  if (!gst_query_find_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr))
+    gst_query_add_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr);
+  return GST_PAD_PROBE_HANDLED;
 }
 
 }  // namespace
@@ -134,13 +156,19 @@ bool FilmPipeline::makePictureChain(QString& reason) {
 
   GstPad* pad = gst_element_get_static_pad(pictureSink_, "sink");
   gst_pad_add_probe(
-      pad,
-      static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH |
-                                   GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM),
+      pad, static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH),
       [](GstPad*, GstPadProbeInfo* info, gpointer self) {
         return static_cast<FilmPipeline*>(self)->onSinkProbe(info);
       },
       this, nullptr);
+  gst_object_unref(pad);
+  pad = gst_element_get_static_pad(deinterlace_, "sink");
+  gst_pad_add_probe(
+      pad, GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM,
+      [](GstPad*, GstPadProbeInfo* info, gpointer) {
+        return offerPaddedPictures(gst_pad_probe_info_get_query(info));
+      },
+      nullptr, nullptr);
   gst_object_unref(pad);
   if (!gst_element_link(deinterlace_, pictureSink_)) {
     reason = QStringLiteral("picture chain does not link");
@@ -183,6 +211,15 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
                      return static_cast<FilmPipeline*>(self)->wantsDecoding(pad, caps);
                    }),
                    this);
+  g_signal_connect(
+      decoder, "autoplug-select",
+      G_CALLBACK(+[](GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, gpointer) -> int {
+        const char* name = gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory));
+        const bool unsafe = std::any_of(std::begin(kUnsafeElements), std::end(kUnsafeElements),
+                                        [name](const char* other) { return !std::strcmp(name, other); });
+        return unsafe ? kAutoplugSkip : kAutoplugTry;
+      }),
+      nullptr);
   g_signal_connect(pipeline_, "deep-element-added",
                    G_CALLBACK(+[](GstBin*, GstBin*, GstElement* element, gpointer self) {
                      static_cast<FilmPipeline*>(self)->onElementAdded(element);
@@ -304,15 +341,6 @@ void FilmPipeline::linkNowhere(GstPad* pad) {
 }
 
 GstPadProbeReturn FilmPipeline::onSinkProbe(GstPadProbeInfo* info) {
-  if (info->type & GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM) {
-    GstQuery* query = gst_pad_probe_info_get_query(info);
-    if (GST_QUERY_TYPE(query) != GST_QUERY_ALLOCATION || !(info->type & GST_PAD_PROBE_TYPE_PUSH))
-      return GST_PAD_PROBE_OK;
-    // Lets decoders write into pictures with padding of their own, instead of copying out of them.
-    if (!gst_query_find_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr))
-      gst_query_add_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr);
-    return GST_PAD_PROBE_HANDLED;
-  }
   GstEvent* event = gst_pad_probe_info_get_event(info);
   switch (GST_EVENT_TYPE(event)) {
     case GST_EVENT_FLUSH_START:
@@ -348,6 +376,8 @@ void FilmPipeline::failWithoutPicture() {
 }
 
 GstBusSyncReply FilmPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
+  if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_DURATION_CHANGED)
+    static_cast<FilmPipeline*>(self)->listener_.onDurationChanged();
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
     GError* error = nullptr;
     gchar* detail = nullptr;

@@ -22,6 +22,8 @@ class FilmPipelineListener {
   virtual void onFlushStart() = 0;
   virtual void onFlushStop() = 0;
   virtual void onEndOfStream() = 0;
+  /// durationNs() may answer something new.
+  virtual void onDurationChanged() = 0;
   virtual void onFailure(const QString& reason) = 0;
 };
 

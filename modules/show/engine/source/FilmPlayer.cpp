@@ -146,6 +146,10 @@ void FilmPlayer::onEndOfStream() {
   postEvent({EventKind::EndOfStream, segment, {}});
 }
 
+void FilmPlayer::onDurationChanged() {
+  postEvent({EventKind::Duration, 0, {}});
+}
+
 void FilmPlayer::onFailure(const QString& reason) {
   postEvent({EventKind::Failure, 0, reason});
 }
@@ -236,6 +240,9 @@ void FilmPlayer::handleEvent(const Event& event) {
     case EventKind::Drained:
       handleDrained();
       break;
+    case EventKind::Duration:
+      updateDuration();
+      break;
     case EventKind::Failure:
       handleFailure(event.reason);
       break;
@@ -270,13 +277,19 @@ void FilmPlayer::handleFirstPicture() {
   openDeadline_.reset();
   seekDeadline_.reset();
   emptySegments_ = 0;
+  updateDuration();
   if (state_ != Opening)
     return;
-  durationNs_ = pipeline_->durationNs();
   tap_.setPlaying(wanted_ == Playing);
   state_ = wanted_;
   qCDebug(logSource, "film runs : %s, %d x %d, %.1f s", qUtf8Printable(path_), pictureWidth_.load(),
           pictureHeight_.load(), static_cast<double>(durationNs_) / kSecondNs);
+}
+
+void FilmPlayer::updateDuration() {
+  const std::int64_t duration = pipeline_ ? pipeline_->durationNs() : 0;
+  if (duration > 0)
+    durationNs_ = duration;
 }
 
 void FilmPlayer::handleEndOfStream() {

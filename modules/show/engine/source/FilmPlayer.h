@@ -49,7 +49,7 @@ class FilmPlayer : public FilmPipelineListener {
  private:
   using Clock = std::chrono::steady_clock;
 
-  enum class EventKind { Picture, EndOfStream, Drained, Failure };
+  enum class EventKind { Picture, EndOfStream, Drained, Duration, Failure };
   struct Event {
     EventKind kind;
     int segment = 0;
@@ -66,6 +66,7 @@ class FilmPlayer : public FilmPipelineListener {
   void onFlushStart() override;
   void onFlushStop() override;
   void onEndOfStream() override;
+  void onDurationChanged() override;
   void onFailure(const QString& reason) override;
 
   // Control thread.
@@ -78,6 +79,7 @@ class FilmPlayer : public FilmPipelineListener {
   void handleEndOfStream();
   void handleDrained();
   void handleFailure(const QString& reason);
+  void updateDuration();
   void handleTimeouts();
   void play();
   void stop();

@@ -36,9 +36,8 @@ float RateMeter::perSecond(Time now) const {
     return 0;
   if (lastWindow_ > 0)
     return lastWindow_;
-  // Within the first window; the first thing alone has no rate yet, but it has arrived.
-  const float sofar = rate(inWindow_ - 1, last_ - windowStart_);
-  return sofar > 0 ? sofar : 1;
+  // Within the first window, which a film begins with a burst: what came so far, over the whole second.
+  return rate(inWindow_, kWindow);
 }
 
 std::int64_t RateMeter::total() const {

@@ -1,6 +1,6 @@
 // The facade over the silent engine: what it acknowledges, and what lands in the black box.
-#include <QTemporaryDir>
 #include <QJsonDocument>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include "KorviaMetaType.h"

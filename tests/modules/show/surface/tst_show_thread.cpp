@@ -103,7 +103,8 @@ class ShowThreadTest : public QObject {
     // No tick comes before its time, counted from the first, however late others came.
     for (size_t i = 1; i < thread.ticks.size(); ++i) {
       const auto elapsed = thread.times[i] - thread.times[0];
-      const auto earliest = std::chrono::milliseconds((thread.ticks[i].number - thread.ticks[0].number - 1) * 10);
+      const auto earliest =
+          std::chrono::milliseconds((thread.ticks[i].number - thread.ticks[0].number - 1) * 10);
       QVERIFY(elapsed >= earliest);
     }
   }

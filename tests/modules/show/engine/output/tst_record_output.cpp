@@ -2,6 +2,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <QtTest>
 #include <cmath>
 #include <condition_variable>
@@ -64,6 +65,21 @@ bool areSpaced(const QVector<double>& pts, double step, const QVector<int>& indi
       return false;
   }
   return true;
+}
+
+/// The kinds of the boxes at the top of an mp4 or mov.
+QStringList boxesIn(const QString& fileName) {
+  QStringList kinds;
+  QFile file(fileName);
+  if (!file.open(QIODevice::ReadOnly))
+    return kinds;
+  for (QByteArray head = file.read(8); head.size() == 8; head = file.read(8)) {
+    kinds.append(QString::fromLatin1(head.mid(4)));
+    const quint32 size = qFromBigEndian<quint32>(head.constData());
+    if (size < 8 || !file.seek(file.pos() - 8 + size))
+      break;
+  }
+  return kinds;
 }
 
 /// A gate for the free-space question, which the output's own thread asks: while shut, that thread hangs.
@@ -168,6 +184,24 @@ class TestRecordOutput : public QObject {
     const QVector<int> numbers = numbersIn(VideoJudge::decodeLuma(folder.path() + "/host." + suffix), kSize);
     QVERIFY2(numbers.size() >= pushed - 25, qPrintable(QString("%1 of %2").arg(numbers.size()).arg(pushed)));
     QCOMPARE(numbers, countTo(numbers.size()));
+  }
+
+  void stoppedFilesHaveOneIndex_data() {
+    QTest::addColumn<int>("encapsulation");
+    QTest::newRow("mp4") << 2;
+    QTest::newRow("mov") << 5;
+  }
+  void stoppedFilesHaveOneIndex() {
+    QFETCH(int, encapsulation);
+    QTemporaryDir folder;
+    FramePool pool(kSize);
+    RecordOutput output(settingsFor(folder.path(), encapsulation));
+    QVERIFY(feedFrames(output, pool, 0, 40));
+    QTRY_VERIFY(boxesIn(output.fileName()).contains("moof"));  // while it runs, it is fragmented
+    output.finish();
+    QVERIFY(output.waitFinished(kFinishMs));
+    const QStringList boxes = boxesIn(output.fileName());
+    QVERIFY2(!boxes.contains("moof") && boxes.count("moov") == 1, qPrintable(boxes.join(' ')));
   }
 
   void otherRatesKeepTheirGrid() {

@@ -38,6 +38,7 @@ class FilmBadInputTest : public QObject {
     QTest::newRow("zero bytes") << clip("empty.mp4");
     QTest::newRow("text") << clip("text.mp4");
     QTest::newRow("sound only") << clip("sound_only.m4a");
+    QTest::newRow("reader that would crash") << clip("raw.nut");
     QTest::newRow("sound only, no container") << clip("sound_only.mp3");
   }
 

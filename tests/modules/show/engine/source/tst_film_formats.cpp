@@ -24,7 +24,7 @@ class FilmFormatsTest : public QObject {
     QTest::addColumn<QString>("file");
     for (const char* file :
          {"flat_h264.mp4", "flat_10bit422.mkv", "flat_444.mkv", "flat_full.avi", "flat_601.mkv",
-          "flat_rgb.mov", "flat_nv12.nut", "flat_odd.mkv", "flat_alpha.mov"})
+          "flat_rgb.mov", "flat_nv12.mkv", "flat_odd.mkv", "flat_alpha.mov"})
       QTest::newRow(file) << file;
   }
 
@@ -91,7 +91,7 @@ class FilmFormatsTest : public QObject {
   void fieldsAreTakenApart_data() {
     QTest::addColumn<QString>("file");
     QTest::newRow("8 bits") << "interlaced.mpg";
-    QTest::newRow("10 bits") << "interlaced10.mov";
+    QTest::newRow("10 bits") << "interlaced10.mkv";
   }
 
   void fieldsAreTakenApart() {
@@ -103,13 +103,14 @@ class FilmFormatsTest : public QObject {
     // The upper field is white and the lower black: one field alone has no comb.
     for (int y = 20; y < 160; ++y)
       QVERIFY2(codesAt(frame, 160, y)[0] > 200, QByteArray::number(codesAt(frame, 160, y)[0]));
-    // One picture a frame: the next tick brings the next frame, not the other field.
-    QTRY_VERIFY(rig->figures().framesDecoded >= 4);
-    QVERIFY(std::abs(rig->figures().framesPerSecond) < 1000);
-    QVERIFY(codesAt(rig->pullFrame(1), 160, 81)[0] > 200);
-    qint64 time = 0;
-    rig->getTime(time);
-    QCOMPARE(time / 400 * 400, time / 400 * 400);
+    // One picture a frame, so one a tick.
+    qint64 before = 0;
+    qint64 after = 0;
+    rig->getTime(before);
+    for (int i = 0; i < 5; ++i)
+      QVERIFY(codesAt(rig.tick(), 160, 81)[0] > 200);
+    rig->getTime(after);
+    QCOMPARE(after - before, qint64(5 * 400));
   }
 };
 

@@ -56,7 +56,7 @@ class FilmSourceTest : public QObject {
     QCOMPARE(shown.front(), 0);
     for (int step : stepsOf(shown))
       QCOMPARE(step, 1);
-    QVERIFY2(std::abs(rig.durationMs() - durationMs) <= 100, QByteArray::number(rig.durationMs()));
+    QTRY_VERIFY2(std::abs(rig.durationMs() - durationMs) <= 100, QByteArray::number(rig.durationMs()));
     QCOMPARE(rig.timeMs() / 40, 21);
     QCOMPARE(rig->getItemCount(), 1);
     QCOMPARE(rig->getItemIndex(), 0);

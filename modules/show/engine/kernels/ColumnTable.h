@@ -1,0 +1,41 @@
+// Where each pixel of a scaled row comes from: for every eight pixels a window of sixteen samples, and for
+// each pixel its two neighbours in that window and their weights. Made once per size. Immutable, any thread.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace korvia {
+
+class ColumnTable {
+ public:
+  static constexpr int kGroup = 8;
+  static constexpr int kWindow = 16;
+  static constexpr int kWeightBits = 6;
+
+  struct Group {
+    int offset = 0;  ///< first sample of the window
+    std::array<std::uint8_t, kGroup> left{};
+    std::array<std::uint8_t, kGroup> right{};
+    std::array<std::uint8_t, kGroup> rightWeight{};  ///< in 1/64
+  };
+
+  ColumnTable() = default;
+  /// For rows of `from` samples that become rows of `to`; both positive.
+  ColumnTable(int from, int to);
+
+  bool fits(int from, int to) const { return from_ == from && to_ == to; }
+  /// False when eight pixels reach over more than a window: the row shrinks to less than half, or is too
+  /// short.
+  bool isUsable() const { return usable_; }
+  int width() const { return to_; }
+  const std::vector<Group>& groups() const { return groups_; }
+
+ private:
+  int from_ = 0;
+  int to_ = 0;
+  bool usable_ = false;
+  std::vector<Group> groups_;
+};
+
+}  // namespace korvia

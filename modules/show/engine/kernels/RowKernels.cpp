@@ -1,0 +1,108 @@
+#include "RowKernels.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "engine/kernels/RowKernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace korvia::HWY_NAMESPACE {
+
+#if HWY_TARGET == HWY_SCALAR
+
+// A machine without any vectors, or without those that the kernels need.
+void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count) {
+  for (int x = 0; x < count; ++x)
+    out[x] = static_cast<std::uint8_t>((a[x] * (256 - weight) + b[x] * weight + 128) >> 8);
+}
+
+void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out) {
+  constexpr int kOne = 1 << ColumnTable::kWeightBits;
+  for (const ColumnTable::Group& group : table.groups()) {
+    const std::uint8_t* window = row + group.offset;
+    for (int i = 0; i < ColumnTable::kGroup; ++i) {
+      const int weight = group.rightWeight[i];
+      const int sum = window[group.left[i]] * (kOne - weight) + window[group.right[i]] * weight;
+      *out++ = static_cast<std::uint8_t>((sum + kOne / 2) >> ColumnTable::kWeightBits);
+    }
+  }
+}
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+void mixRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, int weight,
+            std::uint8_t* HWY_RESTRICT out, int count) {
+  const hn::ScalableTag<std::uint8_t> d8;
+  const hn::RepartitionToWide<decltype(d8)> d16;
+  const hn::Half<decltype(d8)> half;
+  const hn::RebindToSigned<decltype(d16)> i16;
+  const int lanes = static_cast<int>(hn::Lanes(d8));
+  const auto weightB = hn::Set(d16, static_cast<std::uint16_t>(weight));
+  const auto weightA = hn::Set(d16, static_cast<std::uint16_t>(256 - weight));
+  const auto round = hn::Set(d16, std::uint16_t{128});
+  const auto mix = [&](auto va, auto vb) HWY_ATTR {
+    const auto sum =
+        hn::Add(hn::Mul(hn::PromoteTo(d16, va), weightA), hn::Mul(hn::PromoteTo(d16, vb), weightB));
+    return hn::DemoteTo(half, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, round))));
+  };
+  const bool aligned = reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0;
+  int x = 0;
+  for (; x + lanes <= count; x += lanes) {
+    const auto va = hn::LoadU(d8, a + x);
+    const auto vb = hn::LoadU(d8, b + x);
+    const auto low = mix(hn::LowerHalf(half, va), hn::LowerHalf(half, vb));
+    const auto high = mix(hn::UpperHalf(half, va), hn::UpperHalf(half, vb));
+    const auto mixed = hn::Combine(d8, high, low);
+    if (aligned)
+      hn::Stream(mixed, d8, out + x);
+    else
+      hn::StoreU(mixed, d8, out + x);
+  }
+  for (; x < count; ++x)
+    out[x] = static_cast<std::uint8_t>((a[x] * (256 - weight) + b[x] * weight + 128) >> 8);
+}
+
+void scaleRow(const std::uint8_t* HWY_RESTRICT row, const ColumnTable& table,
+              std::uint8_t* HWY_RESTRICT out) {
+  const hn::FixedTag<std::uint8_t, ColumnTable::kWindow> d8;
+  const hn::FixedTag<std::uint8_t, ColumnTable::kGroup> group8;
+  const hn::FixedTag<std::uint16_t, ColumnTable::kGroup> d16;
+  const hn::RebindToSigned<decltype(d16)> i16;
+  const auto one = hn::Set(d16, std::uint16_t{1 << ColumnTable::kWeightBits});
+  const auto round = hn::Set(d16, std::uint16_t{1 << (ColumnTable::kWeightBits - 1)});
+  for (const ColumnTable::Group& group : table.groups()) {
+    const auto window = hn::LoadU(d8, row + group.offset);
+    const auto left = hn::TableLookupBytes(window, hn::LoadU(group8, group.left.data()));
+    const auto right = hn::TableLookupBytes(window, hn::LoadU(group8, group.right.data()));
+    const auto weight = hn::PromoteTo(d16, hn::LoadU(group8, group.rightWeight.data()));
+    const auto sum = hn::Add(hn::Mul(hn::PromoteTo(d16, left), hn::Sub(one, weight)),
+                             hn::Mul(hn::PromoteTo(d16, right), weight));
+    const auto scaled = hn::ShiftRight<ColumnTable::kWeightBits>(hn::Add(sum, round));
+    hn::StoreU(hn::DemoteTo(group8, hn::BitCast(i16, scaled)), group8, out);
+    out += ColumnTable::kGroup;
+  }
+}
+
+#endif
+
+}  // namespace korvia::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace korvia {
+
+HWY_EXPORT(mixRow);
+HWY_EXPORT(scaleRow);
+
+void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(mixRow)(a, b, weight, out, count);
+}
+
+void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out) {
+  HWY_DYNAMIC_DISPATCH(scaleRow)(row, table, out);
+}
+
+}  // namespace korvia
+#endif

@@ -1,0 +1,83 @@
+// The row kernels against their formulas, over every length to 70, odd starts, and no sample more.
+#include <QtTest>
+#include <cmath>
+
+#include "engine/kernels/RowKernels.h"
+
+using namespace korvia;
+
+namespace {
+
+std::vector<std::uint8_t> noise(int count, std::uint32_t seed) {
+  std::vector<std::uint8_t> samples(count);
+  for (std::uint8_t& sample : samples) {
+    seed = seed * 1664525 + 1013904223;
+    sample = seed >> 24;
+  }
+  return samples;
+}
+
+}  // namespace
+
+class RowKernelsTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void mixFollowsItsFormula() {
+    const std::vector<std::uint8_t> a = noise(300, 1);
+    const std::vector<std::uint8_t> b = noise(300, 2);
+    for (int count = 0; count <= 70; ++count)
+      for (int start = 0; start < 3; ++start)
+        for (const int weight : {0, 1, 77, 128, 255, 256}) {
+          alignas(64) std::uint8_t out[256];
+          memset(out, 99, sizeof out);
+          mixRow(a.data() + start, b.data() + 2 * start, weight, out + start, count);
+          for (int x = 0; x < count; ++x)
+            QCOMPARE(int(out[start + x]),
+                     (a[start + x] * (256 - weight) + b[2 * start + x] * weight + 128) / 256);
+          for (int x = 0; x < start; ++x)
+            QCOMPARE(int(out[x]), 99);
+          QCOMPARE(int(out[start + count]), 99);
+        }
+  }
+
+  void scalingTakesTheNeighboursByTheirDistance() {
+    for (int from = 16; from <= 70; ++from) {
+      const std::vector<std::uint8_t> row = noise(from, from);
+      for (int to = (from + 1) / 2; to <= 70; ++to) {
+        const ColumnTable table(from, to);
+        if (!table.isUsable())
+          continue;
+        std::vector<std::uint8_t> out(80, 99);
+        scaleRow(row.data(), table, out.data());
+        for (int x = 0; x < to; ++x) {
+          const double place = qBound(0.0, (x + 0.5) * from / to - 0.5, from - 1.0);
+          const int left = static_cast<int>(place);
+          const int right = qMin(left + 1, from - 1);
+          const double exact = row[left] + (row[right] - row[left]) * (place - left);
+          QVERIFY2(qAbs(out[x] - exact) <= 2.5,
+                   qPrintable(QString("%1 to %2 at %3").arg(from).arg(to).arg(x)));
+        }
+        for (int x = (to + 7) / 8 * 8; x < 80; ++x)
+          QCOMPARE(int(out[x]), 99);
+      }
+    }
+  }
+
+  void sizesOfMonitorsAreUsable() {
+    for (const auto& [from, to] : {std::pair{960, 912}, {960, 544}, {480, 296}, {480, 912}, {960, 960}})
+      QVERIFY(ColumnTable(from, to).isUsable());
+    QVERIFY(!ColumnTable(1920, 300).isUsable());
+    QVERIFY(!ColumnTable(8, 8).isUsable());
+  }
+
+  void theSameSizeIsTheSameRow() {
+    const std::vector<std::uint8_t> row = noise(64, 9);
+    std::vector<std::uint8_t> out(64);
+    scaleRow(row.data(), ColumnTable(64, 64), out.data());
+    QCOMPARE(out, row);
+  }
+};
+
+QTEST_GUILESS_MAIN(RowKernelsTest)
+#include "tst_row_kernels.moc"

@@ -1,0 +1,122 @@
+// The frame around the real console, on the engine that shows nothing.
+#include <QApplication>
+#include <QMainWindow>
+#include <QMenu>
+#include <QScreen>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <QtTest>
+#include <algorithm>
+
+#include "shell/GAppCaptionBar.h"
+#include "shell/MainFrame.h"
+#include "shell/tagKorviaProductInfo.h"
+
+class TestMainFrameConsole : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void init();
+  void cleanup();
+
+  void captionBarStandsOverTheConsole();
+  void consoleIsAPlainChild();
+  void windowHasTitleAndFitsTheScreen();
+  void menuPopsUpUnderItsButton();
+  void closingTheWindowEndsTheEventLoop();
+  void closeMayComeTwice();
+
+ private:
+  QTemporaryDir _root;
+  MainFrame* _frame = nullptr;
+};
+
+void TestMainFrameConsole::init() {
+  tagKorviaProductInfo product;
+  std::copy_n(u"Desk", 5, product.title);
+  _frame = new MainFrame;
+  QVERIFY(_frame->create(nullptr, nullptr, nullptr, &product, _root.path() + "/"));
+}
+
+void TestMainFrameConsole::cleanup() {
+  static_cast<IKorviaSarnhawk*>(_frame)->close();
+  _frame->release();
+}
+
+void TestMainFrameConsole::captionBarStandsOverTheConsole() {
+  auto* outer = qobject_cast<QVBoxLayout*>(_frame->layout());
+  QVERIFY(outer);
+  QCOMPARE(outer->contentsMargins(), QMargins());
+  QCOMPARE(outer->spacing(), 0);
+  QCOMPARE(outer->count(), 2);
+  QVERIFY(qobject_cast<GAppCaptionBar*>(outer->itemAt(0)->widget()));
+  auto* inner = qobject_cast<QVBoxLayout*>(outer->itemAt(1)->layout());
+  QVERIFY(inner);
+  QCOMPARE(inner->contentsMargins(), QMargins(5, 5, 5, 5));
+  QCOMPARE(inner->spacing(), 0);
+  QCOMPARE(inner->count(), 1);
+  QVERIFY(qobject_cast<QMainWindow*>(inner->itemAt(0)->widget()));
+  QCOMPARE(_frame->lineWidth(), 0);
+  QVERIFY(_frame->testAttribute(Qt::WA_Hover));
+  QVERIFY(_frame->hasMouseTracking());
+}
+
+void TestMainFrameConsole::consoleIsAPlainChild() {
+  auto* console = _frame->findChild<QMainWindow*>();
+  QVERIFY(console);
+  QVERIFY(!console->isWindow());
+  QCOMPARE(console->window(), static_cast<QWidget*>(_frame));
+  QVERIFY(console->isVisible());
+}
+
+void TestMainFrameConsole::windowHasTitleAndFitsTheScreen() {
+  QCOMPARE(_frame->windowTitle(), QStringLiteral("Desk"));
+  QVERIFY(_frame->isVisible());
+  QVERIFY(QGuiApplication::primaryScreen()->availableGeometry().contains(_frame->geometry()));
+}
+
+void TestMainFrameConsole::menuPopsUpUnderItsButton() {
+  auto* button = _frame->findChild<QToolButton*>("_mainMenuToolButton");
+  QPoint place;
+  QPoint expected;
+  QStringList texts;
+  QTimer poll;
+  // The menu runs an event loop of its own until it is closed here.
+  connect(&poll, &QTimer::timeout, [&] {
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (!menu)
+      return;
+    place = menu->pos();
+    expected = MainFrame::mainMenuPosition(button, menu);
+    for (const QAction* action : menu->actions())
+      texts << action->text();
+    menu->close();
+  });
+  poll.start(10);
+  button->click();
+  QCOMPARE(place, expected);
+  QCOMPARE(texts, QStringList({"System Config", "", "Environment Check", "About", "Quit"}));
+}
+
+void TestMainFrameConsole::closingTheWindowEndsTheEventLoop() {
+  constexpr int kGaveUp = 9;
+  QTimer::singleShot(0, _frame, [this] { static_cast<QWidget*>(_frame)->close(); });
+  QTimer giveUp;
+  connect(&giveUp, &QTimer::timeout, [] { QApplication::exit(kGaveUp); });
+  giveUp.start(10000);
+  QCOMPARE(QApplication::exec(), 0);
+  QVERIFY(!_frame->isVisible());
+}
+
+void TestMainFrameConsole::closeMayComeTwice() {
+  static_cast<IKorviaSarnhawk*>(_frame)->close();
+  QVERIFY(!_frame->findChild<QMainWindow*>());
+  static_cast<IKorviaSarnhawk*>(_frame)->close();
+  _frame->takeSnapshot();
+  _frame->quitApp();
+}
+
+QTEST_MAIN(TestMainFrameConsole)
+#include "tst_main_frame_console.moc"
