@@ -315,6 +315,10 @@ void FilmPlayer::handleEndOfStream() {
     }
   } else if (durationNs_ == 0) {
     durationNs_ = mediaEndNs;
+  } else if (mediaEndNs + kSecondNs < durationNs_ && !earlyEndLogged_) {
+    earlyEndLogged_ = true;
+    qCWarning(logSource, "film ends early : %s, after %.1f of %.1f s", qUtf8Printable(path_),
+              static_cast<double>(mediaEndNs) / kSecondNs, static_cast<double>(durationNs_) / kSecondNs);
   }
   const bool loops = endAction_ == EndActionLoop && pipeline_->isRegularFile();
   if (loops && emptySegments_ <= kMostEmptySegments) {
