@@ -11,9 +11,8 @@ namespace {
 constexpr double kDarkest = 12;
 constexpr double kFlattest = 12;
 constexpr double kStillest = 0.002;
-// Questions have "Yes" and "No" side by side at their lower edge.
-constexpr int kYesFromCentre = 40;
-constexpr int kYesFromBottom = 24;
+// Questions have "Yes" and "No" side by side in their lower right corner.
+constexpr QPoint kYesFromCorner(140, 24);
 
 quint64 idOf(const QJsonValue& window) {
   return static_cast<quint64>(window.toObject()[QStringLiteral("winId")].toDouble());
@@ -73,7 +72,7 @@ bool Desk::answerYes() {
   if (!question)
     return false;
   const QRect box = display_.geometryOf(*question);
-  return display_.click({box.center().x() - kYesFromCentre, box.bottom() - kYesFromBottom});
+  return display_.click(box.bottomRight() - kYesFromCorner);
 }
 
 }  // namespace korvia::test

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gst/app/gstappsink.h>
+#include <gst/video/gstvideopool.h>
 #include <gst/video/video.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -70,8 +71,12 @@ GstPadProbeReturn offerPaddedPictures(GstQuery* query) {
   GstVideoInfo info;
   if (!caps || !gst_video_info_from_caps(&info, caps) || GST_VIDEO_INFO_IS_INTERLACED(&info))
     return GST_PAD_PROBE_OK;
-  if (!gst_query_find_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr))
-    gst_query_add_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr);
+  gst_query_add_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr);
+  // Without a pool that can align, a decoder of pictures like 1920 x 1088 cut to 1080 would still copy.
+  GstBufferPool* pool = gst_video_buffer_pool_new();
+  const auto size = static_cast<guint>(GST_VIDEO_INFO_SIZE(&info));
+  gst_query_add_allocation_pool(query, pool, size, 0, 0);
+  gst_object_unref(pool);
   return GST_PAD_PROBE_HANDLED;
 }
 

@@ -68,7 +68,7 @@ void FilmPlayer::close() {
 FrameRef FilmPlayer::pull(int ticks) {
   FrameTap::Pull pulled = tap_.pull(ticks);
   if (pulled.fresh) {
-    positionNs_ = pulled.mediaNs;
+    positionNs_ = std::max<std::int64_t>(0, pulled.mediaNs - startNs_);
     ++framesShown_;
   }
   if (pulled.missed && state_ == Playing)
@@ -114,6 +114,8 @@ void FilmPlayer::onPicture(GstSample* sample) {
       pts = segmentStartNs_;
     stamp = timeline_.stamp(pts, duration, frameDurationNs_);
     segmentNumber = segment_;
+    if (startNs_ < 0)
+      startNs_ = stamp.mediaNs;
   }
   if (tap_.push({std::move(frame), stamp.timeNs, stamp.mediaNs}) && first)
     postEvent({EventKind::Picture, segmentNumber, {}});
@@ -314,11 +316,12 @@ void FilmPlayer::handleEndOfStream() {
       return;
     }
   } else if (durationNs_ == 0) {
-    durationNs_ = mediaEndNs;
-  } else if (mediaEndNs + kSecondNs < durationNs_ && !earlyEndLogged_) {
+    durationNs_ = mediaEndNs - startNs_;
+  } else if (mediaEndNs - startNs_ + kSecondNs < durationNs_ && !earlyEndLogged_) {
     earlyEndLogged_ = true;
     qCWarning(logSource, "film ends early : %s, after %.1f of %.1f s", qUtf8Printable(path_),
-              static_cast<double>(mediaEndNs) / kSecondNs, static_cast<double>(durationNs_) / kSecondNs);
+              static_cast<double>(mediaEndNs - startNs_) / kSecondNs,
+              static_cast<double>(durationNs_) / kSecondNs);
   }
   const bool loops = endAction_ == EndActionLoop && pipeline_->isRegularFile();
   if (loops && emptySegments_ <= kMostEmptySegments) {
@@ -396,9 +399,9 @@ void FilmPlayer::stop() {
 void FilmPlayer::seekToPercent(double percent) {
   if (state_ == Opening || state_ == Error)
     return;
-  const std::int64_t target =
-      std::min(lastPictureNs(), static_cast<std::int64_t>(static_cast<double>(durationNs_) * percent / 100));
-  if (!goTo(std::max<std::int64_t>(0, target), StreamTimeline::Join::Jump)) {
+  const auto wanted = static_cast<std::int64_t>(static_cast<double>(durationNs_) * percent / 100);
+  const std::int64_t target = std::clamp<std::int64_t>(wanted, 0, std::max<std::int64_t>(0, lastPictureNs()));
+  if (!goTo(startNs_ + target, StreamTimeline::Join::Jump)) {
     qCDebug(logSource, "film cannot be seeked : %s", qUtf8Printable(path_));
     return;
   }

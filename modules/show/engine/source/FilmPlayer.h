@@ -101,6 +101,7 @@ class FilmPlayer : public FilmPipelineListener {
   std::atomic<KorviaShowPlayState> state_{NothingSpecial};
   std::atomic<std::int64_t> durationNs_{0};
   std::atomic<std::int64_t> positionNs_{0};
+  std::atomic<std::int64_t> startNs_{-1};  // where the first picture stands; streams may begin late
   std::atomic<std::int64_t> framesShown_{0};
   std::atomic<std::int64_t> framesHeld_{0};
   std::atomic<int> pictureWidth_{0};

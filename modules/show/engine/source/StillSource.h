@@ -5,7 +5,7 @@
 
 namespace korvia {
 
-class StillSource final : public PictureSource, public std::enable_shared_from_this<StillSource> {
+class StillSource final : public PictureSource {
  public:
   /// Opens `info.imagePath`; the state goes from Opening to Playing, or to Error with a line in the log.
   static std::shared_ptr<StillSource> open(const SourceContext& context, const tagKorviaShowSourceInfo& info,

@@ -30,7 +30,8 @@ std::int64_t StreamTimeline::placeOf(std::optional<std::int64_t> ptsNs, std::int
     return counted;
   const std::int64_t place = *ptsNs + shiftNs_;
   const std::int64_t gap = place - lastMediaNs_;
-  if (gap > std::max(lastDurationNs_ + kSecondNs, kLongestGapNs) || gap < -kLongestGapNs) {
+  // A stamp that comes twice stands for two pictures; files that know only the order of decoding do that.
+  if (gap == 0 || gap > std::max(lastDurationNs_ + kSecondNs, kLongestGapNs) || gap < -kLongestGapNs) {
     shiftNs_ = counted - *ptsNs;
     standstill_ = 0;
     return counted;

@@ -39,7 +39,7 @@ class FilmSourceTest : public QObject {
     QTest::addColumn<QString>("file");
     QTest::addColumn<int>("durationMs");
     QTest::newRow("mp4") << "clip25.mp4" << 2000;
-    QTest::newRow("transport stream") << "clip25.ts" << 2000;
+    QTest::newRow("transport stream") << "long.ts" << 10000;
     QTest::newRow("with sound that lasts longer") << "sound.mp4" << 4000;
     QTest::newRow("two pictures") << "two_pictures.mkv" << 1000;
     QTest::newRow("avi with b pictures") << "mpeg4.avi" << 2000;

@@ -44,7 +44,14 @@ class StreamTimelineTest : public QObject {
 
   void standingStampsAreCounted() {
     StreamTimeline timeline;
-    QCOMPARE(places(timeline, {0, 0, 0, 0, 0, 0}), (std::vector<int>{0, 0, 0, 40, 80, 120}));
+    QCOMPARE(places(timeline, {0, 0, 0, 0, 0, 0}), (std::vector<int>{0, 40, 80, 120, 160, 200}));
+    StreamTimeline twice;
+    QCOMPARE(places(twice, {0, 40, 40, 80, 120}), (std::vector<int>{0, 40, 80, 120, 160}));
+  }
+
+  void fallingStampsAreCounted() {
+    StreamTimeline timeline;
+    QCOMPARE(places(timeline, {900, 800, 700, 600, 500}), (std::vector<int>{900, 900, 900, 940, 980}));
   }
 
   void onePictureInWrongOrderMovesNothingElse() {

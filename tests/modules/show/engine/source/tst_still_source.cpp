@@ -1,0 +1,182 @@
+// Picture files: fitted, upright, over black; tiny, huge and broken ones.
+#include <QBuffer>
+#include <QImageWriter>
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <QtTest>
+
+#include "SourceRig.h"
+
+using namespace korvia;
+using namespace korvia::test;
+
+class StillSourceTest : public QObject {
+  Q_OBJECT
+
+  QTemporaryDir folder_;
+
+  QString save(const QImage& image, const QString& name, QImageIOHandler::Transformations turn = {}) {
+    const QString path = folder_.filePath(name);
+    QImageWriter writer(path);
+    writer.setTransformation(turn);
+    return writer.write(image) ? path : QString();
+  }
+
+  QString write(const QByteArray& bytes, const QString& name) {
+    QFile file(folder_.filePath(name));
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName() : QString();
+  }
+
+  static void open(SourceRig& rig, const QString& path) {
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindImage;
+    info.imagePath = path;
+    rig.open(info);
+  }
+
+ private slots:
+  void pictureIsFitted() {
+    QImage image(40, 40, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    SourceRig rig({64, 36});
+    open(rig, save(image, "red.png"));
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    const FrameRef frame = rig->pullFrame(1);
+    QCOMPARE(frame->width(), 64);
+    QCOMPARE(codesAt(frame, 13, 18), (QVector<int>{16, 128, 128}));
+    QVERIFY(isNear(codesAt(frame, 14, 0), {63, 102, 240}, 1));
+    QVERIFY(isNear(codesAt(frame, 49, 35), {63, 102, 240}, 1));
+    QCOMPARE(codesAt(frame, 50, 18), (QVector<int>{16, 128, 128}));
+    QCOMPARE(rig->figures().description, QString("red.png, 40 x 40"));
+    QCOMPARE(rig.durationMs(), qint64(0));
+    QCOMPARE(rig->getItemCount(), 1);
+  }
+
+  void transparencyIsOverBlack() {
+    QImage image(64, 36, QImage::Format_ARGB32);
+    image.fill(qRgba(255, 255, 255, 128));
+    SourceRig rig({64, 36});
+    open(rig, save(image, "half.png"));
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QCOMPARE(codesAt(rig->pullFrame(1), 30, 20), (QVector<int>{126, 128, 128}));
+  }
+
+  void lyingPhotoStandsUpright() {
+    QImage image(36, 64, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    for (int y = 0; y < 32; ++y) {
+      for (int x = 0; x < 36; ++x)
+        image.setPixel(x, y, qRgb(255, 255, 255));
+    }
+    const QString path = save(image, "turned.jpg", QImageIOHandler::TransformationRotate90);
+    QVERIFY(!path.isEmpty());
+    SourceRig rig({64, 36});
+    open(rig, path);
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    // Turned clockwise the upper half is the right one.
+    QVERIFY(codesAt(rig->pullFrame(1), 10, 18)[0] < 30);
+    QVERIFY(codesAt(rig->pullFrame(1), 54, 18)[0] > 220);
+  }
+
+  void onePixel() {
+    QImage image(1, 1, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    SourceRig rig({64, 36});
+    open(rig, save(image, "one.png"));
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QVERIFY(isNear(codesAt(rig->pullFrame(1), 32, 18), {235, 128, 128}, 1));
+    QCOMPARE(codesAt(rig->pullFrame(1), 2, 18), (QVector<int>{16, 128, 128}));
+  }
+
+  void largestPicture() {
+    const QString path = folder_.filePath("large.png");
+    {
+      QImage image(8192, 8192, QImage::Format_Mono);
+      image.setColorTable({qRgb(255, 0, 0), qRgb(0, 0, 0)});
+      image.fill(0);
+      QVERIFY(image.save(path));
+    }
+    SourceRig rig({64, 36});
+    open(rig, path);
+    QTRY_COMPARE_WITH_TIMEOUT(rig->getPlayState(), int(Playing), 60'000);
+    QVERIFY(isNear(codesAt(rig->pullFrame(1), 32, 18), {63, 102, 240}, 1));
+  }
+
+  void firstPictureOfAnAnimation() {
+    // Two frames of one pixel, white and then black.
+    const QByteArray gif = QByteArray::fromHex(
+        "4749463839610100010080000000000"
+        "0ffffff21f90400000000002c000000000100010000020244010021f90400000000002c"
+        "0000000001000100000202"
+        "4c01003b");
+    SourceRig rig({64, 36});
+    open(rig, write(gif, "two.gif"));
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QVERIFY(isNear(codesAt(rig->pullFrame(1), 32, 18), {16, 128, 128}, 1) ||
+            isNear(codesAt(rig->pullFrame(1), 32, 18), {235, 128, 128}, 1));
+  }
+
+  void buttonsFollow() {
+    QImage image(4, 4, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    SourceRig rig({64, 36});
+    open(rig, save(image, "buttons.png"));
+    rig->pause();
+    QTRY_COMPARE(rig->getPlayState(), int(Paused));
+    QTRY_VERIFY(rig->pullFrame(1));
+    rig->stop();
+    QCOMPARE(rig->getPlayState(), int(Stopped));
+    QVERIFY(rig->pullFrame(1));
+    rig->play();
+    QCOMPARE(rig->getPlayState(), int(Playing));
+  }
+
+  void errorAndALine_data() {
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("missing") << folder_.filePath("none.png") << "no such file";
+    QTest::newRow("folder") << folder_.path() << "is no file";
+    QTest::newRow("empty") << write("", "empty.png") << "unsupported image format";
+    QTest::newRow("text") << write("this is no picture", "text.png") << "unsupported image format";
+    // A header that promises 50000 x 50000.
+    const QByteArray bomb =
+        QByteArray::fromHex("89504e470d0a1a0a0000000d494844520000c3500000c3500802000000c4cdaa9d");
+    QTest::newRow("bomb") << write(bomb + "    IDAT", "bomb.png") << "too large, 50000 x 50000";
+    QImage image(64, 64, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QBuffer whole;
+    whole.open(QIODevice::WriteOnly);
+    image.save(&whole, "PNG");
+    QTest::newRow("truncated") << write(whole.data().left(60), "truncated.png") << "";
+  }
+
+  void errorAndALine() {
+    QFETCH(QString, path);
+    QFETCH(QString, reason);
+    WarningKeeper log;
+    SourceRig rig({64, 36});
+    open(rig, path);
+    QTRY_COMPARE(rig->getPlayState(), int(Error));
+    QVERIFY(!rig->pullFrame(1));
+    QVERIFY(!log.lines().isEmpty());
+    QVERIFY2(
+        log.lines().last().startsWith("picture cannot be shown : ") && log.lines().last().endsWith(reason),
+        qPrintable(log.lines().last()));
+    rig->play();
+    QCOMPARE(rig->getPlayState(), int(Error));
+  }
+
+  void closeWhileLoading() {
+    SourceRig rig({64, 36});
+    open(rig, folder_.filePath("large.png"));
+    QElapsedTimer timer;
+    timer.start();
+    rig.close();
+    QVERIFY(timer.elapsed() < 100);
+    rig.drop();
+    QVERIFY(waitForClosedSources(60'000));
+  }
+};
+
+QTEST_GUILESS_MAIN(StillSourceTest)
+#include "tst_still_source.moc"
