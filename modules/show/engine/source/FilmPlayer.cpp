@@ -317,6 +317,11 @@ void FilmPlayer::handleEndOfStream() {
     }
   } else if (durationNs_ == 0) {
     durationNs_ = mediaEndNs - startNs_;
+  } else if (mediaEndNs - startNs_ + kSecondNs < durationNs_ && !earlyEndLogged_) {
+    earlyEndLogged_ = true;
+    qCWarning(logSource, "film ends early : %s, after %.1f of %.1f s", qUtf8Printable(path_),
+              static_cast<double>(mediaEndNs - startNs_) / kSecondNs,
+              static_cast<double>(durationNs_) / kSecondNs);
   }
   const bool loops = endAction_ == EndActionLoop && pipeline_->isRegularFile();
   if (loops && emptySegments_ <= kMostEmptySegments) {

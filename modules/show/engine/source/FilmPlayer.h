@@ -130,6 +130,7 @@ class FilmPlayer : public FilmPipelineListener {
   std::optional<Clock::time_point> seekDeadline_;
   std::int64_t seekTargetNs_ = 0;
   int emptySegments_ = 0;
+  bool earlyEndLogged_ = false;
 };
 
 }  // namespace korvia
