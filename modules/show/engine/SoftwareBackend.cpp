@@ -5,6 +5,7 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
 #include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 #include "engine/source/SourceFactory.h"
 #include "engine/source/SourceThreads.h"
 #include "tagKorviaShowEngineInfo.h"
@@ -42,6 +43,7 @@ SoftwareBackend::~SoftwareBackend() {
 
 void SoftwareBackend::begin(IShowBackendHost& host) {
   nameThread("kv-engine");
+  runAhead();
   host_ = &host;
   sink_ = host.engineSink();
 }

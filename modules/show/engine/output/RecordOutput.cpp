@@ -6,8 +6,8 @@
 
 #include "OutputLog.h"
 #include "RecordWorker.h"
-#include "engine/BatchThread.h"
 #include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 

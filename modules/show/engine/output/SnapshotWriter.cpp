@@ -13,8 +13,8 @@
 #include "DrivePath.h"
 #include "FrameImage.h"
 #include "OutputLog.h"
-#include "engine/BatchThread.h"
 #include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
