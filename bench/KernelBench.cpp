@@ -48,6 +48,7 @@ class Carousel {
 
 Carousel<FrameRef> pictures() {
   std::vector<FrameRef> frames;
+  frames.reserve(kFrames);
   for (int i = 0; i < kFrames; ++i)
     frames.push_back(noise(static_cast<std::uint32_t>(i)));
   return Carousel<FrameRef>(std::move(frames));
@@ -55,6 +56,7 @@ Carousel<FrameRef> pictures() {
 
 Carousel<MutableFrame> targets() {
   std::vector<MutableFrame> frames;
+  frames.reserve(kFrames);
   for (int i = 0; i < kFrames; ++i) {
     frames.emplace_back(new Frame(kSize, false));
     frames.back()->fillBlack();

@@ -58,7 +58,7 @@ tagKorviaShowWindowPackInfo windows(int channels) {
     tagKorviaWindowInfo info;
     info.right = size.width() - 1;
     info.bottom = size.height() - 1;
-    info.winId = static_cast<WId>(0x7000'0000 + number);
+    info.winId = WId{0x7000'0000} + static_cast<WId>(number);
     return info;
   };
   tagKorviaShowWindowPackInfo pack;

@@ -90,6 +90,9 @@ void KorviaSarnhawk::onSourceNotify(KorviaShowObjectID id, int what, int param) 
 
 void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1, QVariant a2, QVariant,
                                           QVariant) {
+  // A result may still be in this thread's queue when the engine has gone.
+  if (!_engine)
+    return;
   switch (eventId) {
     case ShowEventOpen:
       onEngineOpened();

@@ -50,7 +50,7 @@ int wantedRtmpPort() {
 }
 
 QString listenAddress() {
-  const QString loopback = QStringLiteral("127.0.0.1");
+  QString loopback = QStringLiteral("127.0.0.1");
   const QString text = qEnvironmentVariable("KORVIA_INCOME_LISTEN");
   if (text.isEmpty())
     return loopback;

@@ -5,6 +5,7 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
 #include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 #include "engine/source/SourceFactory.h"
 #include "engine/source/SourceThreads.h"
 #include "tagKorviaShowEngineInfo.h"
@@ -42,6 +43,7 @@ SoftwareBackend::~SoftwareBackend() {
 
 void SoftwareBackend::begin(IShowBackendHost& host) {
   nameThread("kv-engine");
+  runAhead();
   host_ = &host;
   sink_ = host.engineSink();
 }
@@ -275,7 +277,7 @@ FrameRef SoftwareBackend::channelFrame(int channel) const {
 FrameRef SoftwareBackend::mixProgram() {
   if (!switch_.isRunning())
     return channelFrame(buses_.pgmChannel());
-  const FrameRef from = channelFrame(switch_.from());
+  FrameRef from = channelFrame(switch_.from());
   const FrameRef to = channelFrame(switch_.to());
   const Transition* transition = switch_.transition();
   if (!transition || switch_.position() <= 0 || from == to)

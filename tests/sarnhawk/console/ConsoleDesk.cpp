@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <QtTest>
 
+#include "ConsoleLook.h"
 #include "KorviaShowEvents.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/MultimediaClock.h"
@@ -93,6 +94,9 @@ class ConsoleDesk::Progress final : public IProgressSink {
 
 ConsoleDesk::ConsoleDesk() : _progress(std::make_unique<Progress>(*this)) {
   static const QTemporaryDir folder;
+  // The sheet keeps room for the borders of selected strips: without it each selection moves the desk.
+  if (qApp->styleSheet().isEmpty())
+    applyConsoleLook(*qApp);
   rootPath = folder.path() + QLatin1Char('/');
   MultimediaClock::setSource([this] { return nowMs; });
   show.answerLikeAnEngine();

@@ -38,6 +38,15 @@ QList<int> timerIntervals(const ConsoleDesk& desk) {
   return intervals;
 }
 
+QStringList& logLines() {
+  static QStringList lines;
+  return lines;
+}
+
+void keepLine(QtMsgType, const QMessageLogContext&, const QString& text) {
+  logLines().append(text);
+}
+
 }  // namespace
 
 class KorviaSarnhawkTest : public QObject {
@@ -487,6 +496,25 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(info.right, 319);
     QCOMPARE(info.bottom, 179);
     QCOMPARE(posted[1].args[0].toInt(), 0x1002);
+  }
+
+  void startAndEndAreLoggedInTheirOrder() {
+    logLines().clear();
+    const QtMessageHandler before = qInstallMessageHandler(keepLine);
+    {
+      ConsoleDesk desk;
+      desk.start();
+    }
+    qInstallMessageHandler(before);
+    const QStringList told{"create painter window ...", "create web server ...", "start web server ...",
+                           "create rtmp server ...",    "start rtmp server ...", "startup spend time : 1001",
+                           "destory paint pad ...",     "stop web server ...",   "stop rtmp server ..."};
+    QStringList heard;
+    for (const QString& line : logLines()) {
+      if (told.contains(line))
+        heard.append(line);
+    }
+    QCOMPARE(heard, told);
   }
 
   // ---- going down

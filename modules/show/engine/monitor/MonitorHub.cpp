@@ -1,6 +1,7 @@
 #include "MonitorHub.h"
 
 #include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
@@ -75,6 +76,7 @@ void MonitorHub::commit() {
 
 void MonitorHub::run() {
   nameThread("kv-monitor");
+  runAsBatch();
   factory_ = createMonitorSurfaceFactory();
   std::array<FrameRef, WindowCount> pictures;
   std::unique_lock lock(mutex_);

@@ -6,7 +6,8 @@
 
 #include "OutputLog.h"
 #include "RecordWorker.h"
-#include "engine/BatchThread.h"
+#include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
@@ -29,6 +30,7 @@ RecordOutput::RecordOutput(RecordSettings settings)
   if (!settings.freeBytes)
     settings.freeBytes = freeBytesAt;
   thread_ = std::thread([settings = std::move(settings), state = state_]() mutable {
+    nameThread("kv-record");
     runAsBatch();
     RecordWorker(std::move(settings), std::move(state)).run();
   });

@@ -7,6 +7,7 @@
 
 #include "FrameBuffer.h"
 #include "engine/Handover.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
@@ -189,6 +190,7 @@ void RecordPipeline::setFailure(const QString& text) {
 
 GstBusSyncReply RecordPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
   const HandoverScope scope(self);
+  batchStreamingThread(message);
   auto* pipeline = static_cast<RecordPipeline*>(self);
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
     pipeline->ended_ = true;

@@ -13,7 +13,8 @@
 #include "DrivePath.h"
 #include "FrameImage.h"
 #include "OutputLog.h"
-#include "engine/BatchThread.h"
+#include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
@@ -96,6 +97,7 @@ bool SnapshotWriter::flush(int timeoutMs) {
 }
 
 void SnapshotWriter::run(const std::shared_ptr<State>& state) {
+  nameThread("kv-snapshot");
   runAsBatch();
   std::unique_lock lock(state->mutex);
   for (;;) {

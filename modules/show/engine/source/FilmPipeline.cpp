@@ -14,6 +14,7 @@
 
 #include "GstInit.h"
 #include "SourceLog.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
@@ -381,6 +382,7 @@ void FilmPipeline::failWithoutPicture() {
 }
 
 GstBusSyncReply FilmPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
+  batchStreamingThread(message);
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_DURATION_CHANGED)
     static_cast<FilmPipeline*>(self)->listener_.onDurationChanged();
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {

@@ -8,6 +8,8 @@
 #include <thread>
 
 #include "SourceLog.h"
+#include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
@@ -65,6 +67,8 @@ quint64 startSourceThread(const QString& name, std::function<void()> work) {
     all.threads[number].name = name;
   }
   std::thread([number, work = std::move(work)]() mutable {
+    nameThread("kv-source");
+    runAsBatch();
     work();
     work = nullptr;  // what the thread owned goes before it is counted out
     Registry& registered = registry();

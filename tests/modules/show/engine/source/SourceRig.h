@@ -154,8 +154,9 @@ class SourceRig {
     source_->getFrameCount(shown);
     qint64 decoded = source_->figures().framesDecoded;
     // Skipped and flushed pictures count as decoded too: what matters is that more come, or that none do.
+    const qint64 needed = decodedAtTick_ == 0 ? shown + 3 : decodedAtTick_ + 1;
     const auto give = std::chrono::steady_clock::now() + std::chrono::milliseconds(200);
-    while (decoded - decodedAtTick_ < 1 && std::chrono::steady_clock::now() < give) {
+    while (decoded < needed && std::chrono::steady_clock::now() < give) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
       decoded = source_->figures().framesDecoded;
     }
