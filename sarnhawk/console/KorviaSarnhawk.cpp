@@ -307,6 +307,8 @@ void KorviaSarnhawk::createPaintPad() {
   qDebug("create painter window ...");
   _whitePad.create(this, tr("PaitPad"), kPaintPadChannels, nullptr, kPaintPadUndoDepth);
   _whitePad.start(kPaintPadSize);
+  // The pad has no drawing surface to show yet.
+  _ui->_paintOutputPushButton->setEnabled(false);
 }
 
 bool KorviaSarnhawk::loadWebServer() {
