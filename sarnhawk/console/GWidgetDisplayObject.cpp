@@ -212,7 +212,7 @@ void GWidgetDisplayObject::placeFloat() {
 
 void GWidgetDisplayObject::setOccupied(bool occupied) {
   _ui->_closePushButton->setVisible(occupied);
-  _floatButton->setVisible(!occupied && isPictureOnScreen());
+  _floatButton->setShown(!occupied && isPictureOnScreen());
 }
 
 void GWidgetDisplayObject::updateWatchdog() {

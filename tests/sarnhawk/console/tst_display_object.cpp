@@ -377,6 +377,19 @@ class DisplayObjectTest : public QObject {
     QVERIFY(!desk.floatOf(1)->isVisible());
   }
 
+  void floatComesBackFromAMinimisedWindowInFull() {
+    OpenDesk desk;
+    desk.strip(0x11)->onFrameTick();
+    // As window managers do with what belongs to a window that they minimise.
+    desk.floatOf(1)->setWindowState(Qt::WindowMinimized);
+    desk.frame.showMinimized();
+    QVERIFY(!desk.floatOf(1)->isVisible());
+    desk.frame.showNormal();
+    desk.strip(0x11)->onFrameTick();
+    QVERIFY(desk.floatOf(1)->isVisible());
+    QVERIFY(!desk.floatOf(1)->isMinimized());
+  }
+
   void openTakesTheChosenSlotOver() {
     OpenDesk desk;
     tagKorviaShowChannelSlot offered;
