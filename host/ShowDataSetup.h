@@ -4,9 +4,6 @@
 
 namespace korvia {
 
-/// The folder that the console reads show data from, as a drive path.
-inline constexpr char kShowDataDrivePath[] = "D:\\KorviaVR\\code\\output\\ShowData\\";
-
 /// Copies every file below `from` that is not below `to` yet, with its folders. Files that are there stay
 /// as they are, and a copy that fails leaves nothing behind but a log line. Returns the number of copies.
 int copyMissingFiles(const QString& from, const QString& to);

@@ -10,6 +10,7 @@
 #include "HostSession.h"
 #include "ProductRecord.h"
 #include "ProgressLog.h"
+#include "ShowDataPath.h"
 #include "ShowDataSetup.h"
 #include "SignalWatcher.h"
 #include "shell/IKorviaSarnhawk.h"

@@ -24,3 +24,11 @@ GFloatWidgetToolButton::GFloatWidgetToolButton(QWidget* owner)
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(_button);
 }
+
+void GFloatWidgetToolButton::setShown(bool shown) {
+  if (!shown)
+    hide();
+  // Window managers minimise it with its owner, and a window that is shown minimised takes its owner along.
+  else if (!isVisible() || isMinimized())
+    showNormal();
+}

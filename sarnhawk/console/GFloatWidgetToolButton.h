@@ -14,6 +14,9 @@ class GFloatWidgetToolButton : public QWidget {
 
   QToolButton* button() const { return _button; }
 
+  /// Shows or hides the window. Not to be asked for while the owner is minimised: it would come back.
+  void setShown(bool shown);
+
  private:
   QToolButton* _button = nullptr;
 };

@@ -37,8 +37,12 @@ void setBorder(QWidget* frame, const QString& style) {
     frame->setStyleSheet(style);
 }
 
-QIcon icon(const char* name) {
-  return QIcon(QStringLiteral(":/KorviaSarnhawk/Resources/icons/%1.png").arg(QLatin1String(name)));
+// The same in both modes: a button that cannot be pressed still tells whether the channel is heard.
+QIcon audioIcon(const char* name) {
+  const QString file = QStringLiteral(":/KorviaSarnhawk/Resources/icons/%1.png").arg(QLatin1String(name));
+  QIcon icon(file);
+  icon.addFile(file, QSize(), QIcon::Disabled);
+  return icon;
 }
 
 }  // namespace
@@ -50,8 +54,8 @@ GWidgetDisplayObject::GWidgetDisplayObject(IKorviaSarnhawkPriv* priv, const Stri
       _priv(priv),
       _chooser(chooser),
       _objectId(objectId),
-      _soundIcon(icon("sound")),
-      _muteIcon(icon("mute")) {
+      _soundIcon(audioIcon("sound")),
+      _muteIcon(audioIcon("mute")) {
   _kind = getObjectKind(objectId, _index);
   // The picture needs a native window below it; everything above may stay one painted surface.
   setAttribute(Qt::WA_DontCreateNativeAncestors);
@@ -74,6 +78,8 @@ GWidgetDisplayObject::GWidgetDisplayObject(IKorviaSarnhawkPriv* priv, const Stri
   meterLayout->setContentsMargins(0, 0, 0, 0);
   meterLayout->addWidget(_auMeter);
   _ui->_enableAudioPushButton->setIcon(_muteIcon);
+  // There is no sound control to show yet.
+  _ui->_enableAudioPushButton->setEnabled(false);
   _ui->_closePushButton->hide();
 
   if (isStage()) {
@@ -206,7 +212,7 @@ void GWidgetDisplayObject::placeFloat() {
 
 void GWidgetDisplayObject::setOccupied(bool occupied) {
   _ui->_closePushButton->setVisible(occupied);
-  _floatButton->setVisible(!occupied && isPictureOnScreen());
+  _floatButton->setShown(!occupied && isPictureOnScreen());
 }
 
 void GWidgetDisplayObject::updateWatchdog() {

@@ -13,6 +13,7 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
+#include "ShowDataPath.h"
 #include "ZRCUtil.h"
 #include "audio/GDialogAudoDevCheck.h"
 #include "audio/QVUMeter.h"
@@ -33,7 +34,7 @@
 
 namespace {
 
-const QString kShowDataPath = QStringLiteral("D:\\KorviaVR\\code\\output\\ShowData\\");
+const QString kShowDataPath = QString::fromLatin1(korvia::kShowDataDrivePath);
 const QString kTestFilmPath = kShowDataPath + QStringLiteral("Common\\Demo\\demo.mp4");
 
 // What the host was asked to open at the start: decimal channel index to path.
@@ -127,7 +128,7 @@ void KorviaSarnhawk::overrideConfig(const QString& rootPath) {
   tagKorviaShowEngineInfo& info = _config.engineInfo;
   info.cachePath = rootPath + QStringLiteral("cache\\");
   info.showDataPath = rootPath + QStringLiteral("\\ShowData\\");
-  // Show data lies in one place on every desk, wherever the program does.
+  // The one place takes precedence over the root.
   info.showDataPath = kShowDataPath;
   info.secondDataPath = kShowDataPath;
   info.renderDevice = 1;
@@ -306,6 +307,8 @@ void KorviaSarnhawk::createPaintPad() {
   qDebug("create painter window ...");
   _whitePad.create(this, tr("PaitPad"), kPaintPadChannels, nullptr, kPaintPadUndoDepth);
   _whitePad.start(kPaintPadSize);
+  // The pad has no drawing surface to show yet.
+  _ui->_paintOutputPushButton->setEnabled(false);
 }
 
 bool KorviaSarnhawk::loadWebServer() {

@@ -4,7 +4,8 @@
 #include <QFile>
 #include <QLoggingCategory>
 #include <QPalette>
-#include <QStyleFactory>
+
+#include "ConsoleStyle.h"
 
 Q_LOGGING_CATEGORY(lcLook, "sarnhawk.look")
 
@@ -48,7 +49,7 @@ QPalette consolePalette() {
 
 void applyConsoleLook(QApplication& application) {
   initSarnhawkResources();
-  application.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  application.setStyle(new ConsoleStyle);
   application.setPalette(consolePalette());
 
   QFile sheet(QStringLiteral(":/KorviaSarnhawk/Resources/style/console.qss"));

@@ -31,6 +31,7 @@ class TestShowDataSetup : public QObject {
   void copiesNothingTwice();
   void missingSourceIsNoFailure();
   void targetThatCannotBeWrittenIsSurvived();
+  void theProductBringsShowDataAlone();
 
  private:
   QString at(const QString& name) const { return _folder->filePath(name); }
@@ -70,6 +71,12 @@ void TestShowDataSetup::targetThatCannotBeWrittenIsSurvived() {
   write(at("to"), "a file where the folder should be");
   QTest::ignoreMessage(QtWarningMsg, qPrintable("failed to copy show data : " + at("to/a.txt")));
   QCOMPARE(korvia::copyMissingFiles(at("from"), at("to")), 0);
+}
+
+void TestShowDataSetup::theProductBringsShowDataAlone() {
+  const QDir folder(QStringLiteral(SHOW_DATA_FOLDER));
+  QCOMPARE(folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList{"Common"});
+  QVERIFY(folder.exists("Common/Demo/demo.mp4"));
 }
 
 QTEST_GUILESS_MAIN(TestShowDataSetup)

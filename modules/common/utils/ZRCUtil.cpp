@@ -17,6 +17,7 @@ void ZRCUtil::enumSystemTTFFont(tagGSystemTTFFontInfo& info) {
     info.families.append(family);
     info.styles.insert(family, database.styles(family));
   }
+  info.families.sort(Qt::CaseInsensitive);
   if (info.families.isEmpty())
     qDebug("no scalable font found");
 }

@@ -18,6 +18,13 @@ inline void runAsBatch() {
   pthread_setschedparam(pthread_self(), SCHED_BATCH, &parameter);
 }
 
+/// Takes less than an equal share for the calling thread: what it does gives way first.
+inline void runBehind() {
+  constexpr int kNice = 5;
+  runAsBatch();
+  setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), kNice);
+}
+
 /// Asks for more than an equal share for the calling thread. Ordinary users may not have it; then nothing
 /// changes.
 inline void runAhead() {

@@ -15,6 +15,8 @@
 
 class GAppCaptionBar;
 
+using SavedChanges = QList<QPair<unsigned, int>>;
+
 /// The console with everything outside of it replaced.
 class DeskConsole : public KorviaSarnhawk {
  public:
@@ -31,6 +33,13 @@ class DeskConsole : public KorviaSarnhawk {
   QString incomeHtmlPath;
   int incomePort = 0;
   int* webPortPlace = nullptr;
+  /// What saveChanges was called with, mask and channel, in order.
+  SavedChanges savedChanges;
+
+  void saveChanges(unsigned what, int channel = -1) override {
+    savedChanges.append({what, channel});
+    KorviaSarnhawk::saveChanges(what, channel);
+  }
 
  protected:
   QStringList audioDevices() const override { return devices; }

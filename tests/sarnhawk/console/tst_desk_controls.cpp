@@ -257,6 +257,13 @@ class DeskControlsTest : public QObject {
   }
 
   // ---- outputs
+  void controlsWithoutAWindowAreOff() {
+    OpenDesk desk;
+    for (const char* name : {"_screenCutPushButton", "_paintOutputPushButton"})
+      QVERIFY2(!desk.button(name)->isEnabled(), name);
+    QVERIFY(!desk.child<QToolButton>("_takeTransitionToolButton_0")->menu()->actions().last()->isEnabled());
+  }
+
   void recordButtonStartsWithACopyOfTheSettings() {
     OpenDesk desk;
     desk.child<QLineEdit>("_programNameLineEdit")->setText("evening news");
@@ -375,6 +382,7 @@ class DeskControlsTest : public QObject {
   // ---- audio
   void mixButtonsPostTheirMode() {
     OpenDesk desk;
+    desk.console->savedChanges.clear();
     desk.button("_allMixModePushButton")->click();
     desk.button("_manulMixModePushButton")->click();
     desk.button("_autoMixModePushButton")->click();
@@ -383,6 +391,7 @@ class DeskControlsTest : public QObject {
     for (const auto& event : desk.show.eventsOf(ShowEventAudioMixMode))
       modes.append(event.args[0].toInt());
     QCOMPARE(modes, (QList<int>{1, 2, 0}));
+    QCOMPARE(desk.console->savedChanges, (SavedChanges{{0x10, -1}, {0x10, -1}, {0x10, -1}}));
     QCOMPARE(desk.config()->audioMixer.mixMode, 0);
   }
 
@@ -409,7 +418,9 @@ class DeskControlsTest : public QObject {
     OpenDesk desk;
     desk.slider("_pgmVolumeVerticalSlider")->setValue(0);
     desk.slider("_pgmVolumeVerticalSlider")->setValue(100);
+    desk.console->savedChanges.clear();
     desk.slider("_pvmVolumeVerticalSlider")->setValue(50);
+    QCOMPARE(desk.console->savedChanges, (SavedChanges{{0x10, -1}}));
     desk.settle();
     const auto posted = desk.show.eventsOf(ShowEventVolume);
     QCOMPARE(posted.size(), std::size_t{3});

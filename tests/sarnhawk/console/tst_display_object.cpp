@@ -110,6 +110,26 @@ class DisplayObjectTest : public QObject {
     QVERIFY(area.strips().isEmpty());
   }
 
+  void formHasTheWidgetsOfAStrip() {
+    ConsoleDesk desk;
+    desk.create();
+    for (const char* name :
+         {"_mainFrame", "_titleLabel", "_closePushButton", "_enableAudioPushButton", "_configPushButton",
+          "_videoFrame", "_videoPreviewWidget", "_audioControlFrame", "_aumeterFrame"})
+      QVERIFY2(desk.stripChild<QWidget>(0x10, name), name);
+    const QList<QPair<const char*, QString>> buttons{{"_closePushButton", "Close"},
+                                                     {"_enableAudioPushButton", "Audio Adjust"},
+                                                     {"_configPushButton", "Config"}};
+    for (const auto& [name, tip] : buttons) {
+      const auto* button = desk.stripChild<QPushButton>(0x10, name);
+      QCOMPARE(button->toolTip(), tip);
+      QCOMPARE(button->maximumWidth(), 24);
+    }
+    StripChooser chooser;
+    const GWidgetDisplayObject alone(desk.console, &chooser, 0x11, nullptr);
+    QCOMPARE(alone.size(), QSize(282, 199));
+  }
+
   void stageStripHasNoAudio() {
     OpenDesk desk;
     QVERIFY(desk.button(0x100, "_enableAudioPushButton")->isHidden());
@@ -245,8 +265,10 @@ class DisplayObjectTest : public QObject {
     tagKorviaShowSourceInfo info = sourceOf(SourceKindMovie);
     info.moviePGMAction = PGMActionPauseResume;
     const ScriptedSource* source = desk.put(1, info);
+    desk.console->savedChanges.clear();
     desk.console->onSelectWhitePadChannel(1);
     desk.console->onSelectWhitePadChannel(4);
+    QCOMPARE(desk.console->savedChanges, (SavedChanges{{3, -1}, {3, -1}}));
     desk.settle();
     QCOMPARE(source->calls, (QStringList{"release", "hold"}));
     const auto posted = desk.show.eventsOf(ShowEventSelectChannel);
@@ -285,6 +307,18 @@ class DisplayObjectTest : public QObject {
     report(0x100);
     QVERIFY(desk.button(0x10, "_enableAudioPushButton")->styleSheet().isEmpty());
     QVERIFY(desk.button(0x100, "_enableAudioPushButton")->styleSheet().isEmpty());
+  }
+
+  void audioButtonIsOffAndStillReadable() {
+    OpenDesk desk;
+    const QPushButton* button = desk.button(0x10, "_enableAudioPushButton");
+    QVERIFY(!button->isEnabled());
+    for (const int state : {0, 1}) {
+      desk.strip(0x10)->setAudioState(state);
+      const QIcon icon = button->icon();
+      QVERIFY(!icon.isNull());
+      QCOMPARE(icon.pixmap(16, 16, QIcon::Disabled).toImage(), icon.pixmap(16, 16, QIcon::Normal).toImage());
+    }
   }
 
   // ---- open and close
@@ -343,6 +377,19 @@ class DisplayObjectTest : public QObject {
     QVERIFY(!desk.floatOf(1)->isVisible());
   }
 
+  void floatComesBackFromAMinimisedWindowInFull() {
+    OpenDesk desk;
+    desk.strip(0x11)->onFrameTick();
+    // As window managers do with what belongs to a window that they minimise.
+    desk.floatOf(1)->setWindowState(Qt::WindowMinimized);
+    desk.frame.showMinimized();
+    QVERIFY(!desk.floatOf(1)->isVisible());
+    desk.frame.showNormal();
+    desk.strip(0x11)->onFrameTick();
+    QVERIFY(desk.floatOf(1)->isVisible());
+    QVERIFY(!desk.floatOf(1)->isMinimized());
+  }
+
   void openTakesTheChosenSlotOver() {
     OpenDesk desk;
     tagKorviaShowChannelSlot offered;
@@ -358,7 +405,9 @@ class DisplayObjectTest : public QObject {
     };
     desk.console->setStripChooser(chooser);
     desk.slot(1).incomePath = "/kept";
+    desk.console->savedChanges.clear();
     QTest::mouseClick(desk.floatOf(1)->button(), Qt::LeftButton);
+    QCOMPARE(desk.console->savedChanges, (SavedChanges{{1, -1}}));
     QCOMPARE(offered.source.incomePath, QString("/kept"));
     const tagKorviaShowChannelSlot& slot = desk.console->getConfig()->channels[1];
     QCOMPARE(slot.name, QString("opener"));
@@ -374,6 +423,7 @@ class DisplayObjectTest : public QObject {
 
   void cancelledOpenChangesNothing() {
     OpenDesk desk;
+    desk.console->savedChanges.clear();
     StripChooser chooser;
     chooser.media = [](QWidget*, tagKorviaShowChannelSlot& slot) {
       slot.source.kind = SourceKindMovie;
@@ -383,6 +433,7 @@ class DisplayObjectTest : public QObject {
     desk.strip(0x11)->onClicked_openSourcePushButton();
     QCOMPARE(desk.slot(1).kind, qint32{SourceKindNone});
     QVERIFY(desk.show.calls.isEmpty());
+    QVERIFY(desk.console->savedChanges.isEmpty());
   }
 
   void chosenFileBecomesPictureOrFilm_data() {
@@ -417,7 +468,9 @@ class DisplayObjectTest : public QObject {
       QVERIFY(desk.show.source(1));
     }
     const QuestionAnswer answer(QMessageBox::Yes);
+    desk.console->savedChanges.clear();
     desk.strip(0x11)->onClicked_closeSourcePushButton();
+    QCOMPARE(desk.console->savedChanges, (SavedChanges{{1, -1}}));
     QVERIFY(desk.show.calls.contains("closeSource 2"));
     QVERIFY(!desk.show.source(1));
     QCOMPARE(desk.slot(1).kind, qint32{SourceKindNone});
@@ -446,15 +499,18 @@ class DisplayObjectTest : public QObject {
       return true;
     };
     desk.console->setStripChooser(chooser);
+    desk.console->savedChanges.clear();
     desk.strip(0x100)->onClicked_openSourcePushButton();
     desk.strip(0x100)->onClicked_openSourcePushButton();
     QCOMPARE(asked, 1);
+    QCOMPARE(desk.console->savedChanges, (SavedChanges{{2, -1}}));
     QCOMPARE(slot.inUse, 1);
     desk.strip(0x100)->onFrameTick();
     QVERIFY(!desk.button(0x100, "_closePushButton")->isHidden());
     QVERIFY(!desk.floatOf(3)->isVisible());
 
     desk.strip(0x100)->onClicked_closeSourcePushButton();
+    QCOMPARE(desk.console->savedChanges.last(), qMakePair(2U, -1));
     desk.settle();
     QCOMPARE(slot.inUse, 0);
     QCOMPARE(desk.show.eventIds(), (QList<quint64>{18, 19}));

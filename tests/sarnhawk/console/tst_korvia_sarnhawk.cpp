@@ -110,6 +110,8 @@ class KorviaSarnhawkTest : public QObject {
   void createOverridesTheRecord() {
     ConsoleDesk desk;
     desk.console->getConfig()->layoutMode = 5;
+    tagKorviaShowEngineInfo& before = desk.console->getConfig()->engineInfo;
+    before.reserved1 = before.reserved2 = before.reserved3 = 0;
     QVERIFY(desk.create());
     const tagKorviaSarnhawkConfig* config = desk.console->getConfig();
     QCOMPARE(config->layoutMode, 1);
@@ -117,6 +119,9 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(config->engineInfo.renderAccelerator, 1);
     QCOMPARE(config->engineInfo.mediaChannelCount, 3);
     QCOMPARE(config->engineInfo.stageChannelCount, 1);
+    QCOMPARE(config->engineInfo.reserved1, 1);
+    QCOMPARE(config->engineInfo.reserved2, 1);
+    QCOMPARE(config->engineInfo.reserved3, 1);
     QCOMPARE(config->engineInfo.showDataPath, QString("D:\\KorviaVR\\code\\output\\ShowData\\"));
     QCOMPARE(config->engineInfo.secondDataPath, QString("D:\\KorviaVR\\code\\output\\ShowData\\"));
     QCOMPARE(config->engineInfo.cachePath, desk.rootPath + "cache\\");

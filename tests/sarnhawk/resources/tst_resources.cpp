@@ -201,6 +201,21 @@ class TestResources : public QObject {
     QCOMPARE(on, QColor(0x8f, 0x1b, 0x1e));
   }
 
+  void disabledIconsAreFaded() {
+    const QIcon icon(QStringLiteral(":/KorviaSarnhawk/Resources/icons/program_list.png"));
+    const auto strongest = [&icon](QIcon::Mode mode) {
+      const QImage image = icon.pixmap(16, 16, mode).toImage();
+      int alpha = 0;
+      for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+          alpha = std::max(alpha, image.pixelColor(x, y).alpha());
+      return alpha;
+    };
+    QVERIFY(strongest(QIcon::Normal) > 200);
+    QVERIFY(strongest(QIcon::Disabled) > 40);
+    QVERIFY(strongest(QIcon::Disabled) < 100);
+  }
+
   void callingTwiceDoesNothing() {
     initSarnhawkResources();
     initSarnhawkResources();

@@ -76,7 +76,7 @@ void MonitorHub::commit() {
 
 void MonitorHub::run() {
   nameThread("kv-monitor");
-  runAsBatch();
+  runBehind();
   factory_ = createMonitorSurfaceFactory();
   std::array<FrameRef, WindowCount> pictures;
   std::unique_lock lock(mutex_);

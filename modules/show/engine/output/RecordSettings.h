@@ -18,8 +18,8 @@ struct RecordSettings {
   int rateDenominator = 1;
   int videoKbps = 4096;
 
-  /// Frames that may wait for the encoder; twelve of 1920x1080 are 37 MB.
-  int queueCapacity = 12;
+  /// Frames that may wait for the encoder: a second of the show, 75 MB of 1920x1080 at worst.
+  int queueCapacity = 25;
   /// How long what was pushed may take to be written after the end.
   int finishTimeoutMs = 10000;
   /// The file is closed in time when less than this is left on its disk.

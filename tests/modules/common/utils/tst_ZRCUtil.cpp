@@ -26,9 +26,9 @@ class ZRCUtilTest : public QObject {
   void tableIsSorted() {
     tagGSystemTTFFontInfo info;
     ZRCUtil::enumSystemTTFFont(info);
-    QStringList sorted = info.families;
-    std::sort(sorted.begin(), sorted.end());
-    QCOMPARE(info.families, sorted);
+    for (int i = 1; i < info.families.size(); ++i)
+      QVERIFY2(info.families[i - 1].compare(info.families[i], Qt::CaseInsensitive) <= 0,
+               qPrintable(info.families[i]));
   }
 };
 
