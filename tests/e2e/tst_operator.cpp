@@ -153,12 +153,27 @@ void TestOperator::recordingHoldsEveryFrame() {
   QCOMPARE(verdict.stream["width"].toInt(), 1920);
   QCOMPARE(verdict.stream["height"].toInt(), 1080);
   QCOMPARE(verdict.stream["r_frame_rate"].toString(), QStringLiteral("25/1"));
-  QVERIFY2(qAbs(verdict.frames - seconds * 25) <= 6,
-           qPrintable(QString("%1 frames in %2 s").arg(verdict.frames).arg(seconds)));
+  const QRegularExpressionMatch closed =
+      QRegularExpression(" closed : (\\d+) frames, (\\d+) dropped").match(korvia_->log());
+  QCOMPARE(closed.captured(1).toInt(), verdict.frames);
+  // None on a machine that has its time for this; what a busy one drops is counted, and its place stays free.
+  const int dropped = closed.captured(2).toInt();
+  QVERIFY2(
+      qAbs(verdict.frames + dropped - seconds * 25) <= 6,
+      qPrintable(QString("%1 frames, %2 dropped in %3 s").arg(verdict.frames).arg(dropped).arg(seconds)));
+  if (dropped != 0)
+    qWarning("this machine was too busy to record every frame : %d dropped", dropped);
+  QVERIFY2(dropped <= 50, qPrintable(QString::number(dropped)));
   QCOMPARE(verdict.pts.size(), verdict.frames);
   std::sort(verdict.pts.begin(), verdict.pts.end());
-  for (int i = 1; i < verdict.pts.size(); ++i)
-    QVERIFY2(qAbs(verdict.pts[i] - verdict.pts[i - 1] - 0.04) < 0.0005, qPrintable(QString::number(i)));
+  int gaps = 0;
+  for (int i = 1; i < verdict.pts.size(); ++i) {
+    const double frames = (verdict.pts[i] - verdict.pts[i - 1]) * 25;
+    const int whole = qRound(frames);
+    QVERIFY2(whole >= 1 && qAbs(frames - whole) < 0.0125, qPrintable(QString::number(i)));
+    gaps += whole - 1;
+  }
+  QVERIFY2(gaps <= dropped, qPrintable(QString("%1 missing, %2 dropped").arg(gaps).arg(dropped)));
 }
 
 void TestOperator::quitAsksAndCloses() {
