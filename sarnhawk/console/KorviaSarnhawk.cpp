@@ -14,6 +14,7 @@
 #include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
 #include "ShowDataPath.h"
+#include "StatusBoard.h"
 #include "ZRCUtil.h"
 #include "audio/GDialogAudoDevCheck.h"
 #include "audio/QVUMeter.h"
@@ -514,8 +515,21 @@ void KorviaSarnhawk::onAction_formatConfig() {}
 
 void KorviaSarnhawk::onAction_outputConfig() {}
 
+QList<int> KorviaSarnhawk::ownPorts() const {
+  QList<int> ports;
+  if (_webServer._interface)
+    ports.append(_config.httpPort);
+  const QJsonObject income =
+      korvia::StatusBoard::instance().snapshot().value(QStringLiteral("incomeServer")).toObject();
+  if (income.value(QStringLiteral("running")).toBool())
+    ports << income.value(QStringLiteral("rtmpPort")).toInt()
+          << income.value(QStringLiteral("httpPort")).toInt();
+  return ports;
+}
+
 void KorviaSarnhawk::onAction_environmentCheck() {
   GDialogHWCheckSwitch dialog(this);
+  dialog.setOwnPorts(ownPorts());
   dialog.check(kNetPorts);
   dialog.exec();
 }
