@@ -103,7 +103,6 @@ void* KorviaSarnhawk::queryInterface(const Identifier* id, unsigned version) {
     return static_cast<IKorviaSarnhawk*>(this);
   return nullptr;
 }
-// ---- start
 
 bool KorviaSarnhawk::create(void*, IProgressSink* progress, void*, const tagKorviaProductInfo* product,
                             const QString& rootPath) {
@@ -346,7 +345,6 @@ void KorviaSarnhawk::createTimers() {
   connect(_frameTimer, &QTimer::timeout, this, &KorviaSarnhawk::onFrameTimer);
   _frameTimer->start(kFrameIntervalMs);
 }
-// ---- engine
 
 bool KorviaSarnhawk::isEngineDue() const {
   return !_engineRequested && _resizeCount != 0 && width() > kOpenWidthMin &&
@@ -445,7 +443,6 @@ bool KorviaSarnhawk::openMedia(int index, const QString& path) {
   strip->openSlot(slot);
   return true;
 }
-// ---- end
 
 void KorviaSarnhawk::hideAll() {
   // Screen cut and statistics hide first, the program list after the channel window.
@@ -507,7 +504,6 @@ void KorviaSarnhawk::onAction_quit() {
   if (answer == QMessageBox::Yes && parentWidget())
     parentWidget()->close();
 }
-// ---- menu
 
 void KorviaSarnhawk::onAction_systemConfig() {}
 
@@ -538,7 +534,6 @@ void KorviaSarnhawk::onAction_about() {
   GDialogProductAbout dialog(_rootPath, &_product, this);
   dialog.exec();
 }
-// ---- window
 
 void KorviaSarnhawk::resizeEvent(QResizeEvent* event) {
   ++_resizeCount;

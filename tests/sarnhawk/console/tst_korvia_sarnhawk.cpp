@@ -55,7 +55,6 @@ class KorviaSarnhawkTest : public QObject {
   Q_OBJECT
 
  private slots:
-  // ---- interfaces
   void interfaceRequestHonoursTheVersion() {
     ConsoleDesk desk;
     QVERIFY(ask(desk.console, kIKorviaSarnhawkId, 0x010101FF));
@@ -100,7 +99,6 @@ class KorviaSarnhawkTest : public QObject {
     QVERIFY(console.isNull());
   }
 
-  // ---- creation
   void constructorPresetsIncomeAndRecordPaths() {
     ConsoleDesk desk;
     const tagKorviaSarnhawkConfig* config = desk.console->getConfig();
@@ -285,7 +283,6 @@ class KorviaSarnhawkTest : public QObject {
     }
   }
 
-  // ---- audio devices
   void knownAudioDevicesReachTheEngineInfo() {
     ConsoleDesk desk;
     desk.console->devices = QStringList{"Desk", "Room"};
@@ -319,7 +316,6 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(desk.console->getConfig()->engineInfo.pgmDevice, QString("Desk"));
   }
 
-  // ---- first frame
   void engineOpensAfterMoreThanASecond() {
     ConsoleDesk desk;
     desk.create();
@@ -388,7 +384,6 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(desk.show.count(ShowEventOpen), 1);
   }
 
-  // ---- opening
   void openCarriesRenderSetUpAndWindows() {
     ConsoleDesk desk;
     QVERIFY(desk.start());
@@ -524,7 +519,6 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(heard, told);
   }
 
-  // ---- going down
   void closeStopsEngineThenServers() {
     ConsoleDesk desk;
     QVERIFY(desk.start());
@@ -663,7 +657,6 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(className, QString("GDialogProductAbout"));
   }
 
-  // ---- layouts
   void layoutTable_data() {
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("total");
