@@ -1,5 +1,6 @@
 // Root of all interfaces between modules. There is no reference count: one holder, one release().
-// The order of the operations is the order of the table that other modules call through.
+// The order of the operations is the order of the table that other modules call through. Each interface says
+// which thread calls it.
 #pragma once
 #include "Identifier.h"
 

@@ -14,6 +14,7 @@
 #include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
 #include "ShowDataPath.h"
+#include "StatusBoard.h"
 #include "ZRCUtil.h"
 #include "audio/GDialogAudoDevCheck.h"
 #include "audio/QVUMeter.h"
@@ -102,7 +103,6 @@ void* KorviaSarnhawk::queryInterface(const Identifier* id, unsigned version) {
     return static_cast<IKorviaSarnhawk*>(this);
   return nullptr;
 }
-// ---- start
 
 bool KorviaSarnhawk::create(void*, IProgressSink* progress, void*, const tagKorviaProductInfo* product,
                             const QString& rootPath) {
@@ -345,7 +345,6 @@ void KorviaSarnhawk::createTimers() {
   connect(_frameTimer, &QTimer::timeout, this, &KorviaSarnhawk::onFrameTimer);
   _frameTimer->start(kFrameIntervalMs);
 }
-// ---- engine
 
 bool KorviaSarnhawk::isEngineDue() const {
   return !_engineRequested && _resizeCount != 0 && width() > kOpenWidthMin &&
@@ -444,7 +443,6 @@ bool KorviaSarnhawk::openMedia(int index, const QString& path) {
   strip->openSlot(slot);
   return true;
 }
-// ---- end
 
 void KorviaSarnhawk::hideAll() {
   // Screen cut and statistics hide first, the program list after the channel window.
@@ -506,7 +504,6 @@ void KorviaSarnhawk::onAction_quit() {
   if (answer == QMessageBox::Yes && parentWidget())
     parentWidget()->close();
 }
-// ---- menu
 
 void KorviaSarnhawk::onAction_systemConfig() {}
 
@@ -514,8 +511,21 @@ void KorviaSarnhawk::onAction_formatConfig() {}
 
 void KorviaSarnhawk::onAction_outputConfig() {}
 
+QList<int> KorviaSarnhawk::ownPorts() const {
+  QList<int> ports;
+  if (_webServer._interface)
+    ports.append(_config.httpPort);
+  const QJsonObject income =
+      korvia::StatusBoard::instance().snapshot().value(QStringLiteral("incomeServer")).toObject();
+  if (income.value(QStringLiteral("running")).toBool())
+    ports << income.value(QStringLiteral("rtmpPort")).toInt()
+          << income.value(QStringLiteral("httpPort")).toInt();
+  return ports;
+}
+
 void KorviaSarnhawk::onAction_environmentCheck() {
   GDialogHWCheckSwitch dialog(this);
+  dialog.setOwnPorts(ownPorts());
   dialog.check(kNetPorts);
   dialog.exec();
 }
@@ -524,7 +534,6 @@ void KorviaSarnhawk::onAction_about() {
   GDialogProductAbout dialog(_rootPath, &_product, this);
   dialog.exec();
 }
-// ---- window
 
 void KorviaSarnhawk::resizeEvent(QResizeEvent* event) {
   ++_resizeCount;

@@ -191,6 +191,7 @@ class KorviaSarnhawk : public QMainWindow,
   void createWindows();
   void checkAudioDevices();
   void checkNetPorts();
+  QList<int> ownPorts() const;
   void connectControls();
   void createTakeMenus();
   void createSystemMenu();

@@ -29,8 +29,6 @@ constexpr QPoint kSnapshotTipOffset(8, -52);
 
 }  // namespace
 
-// ---- ticks
-
 void KorviaSarnhawk::onFrameTimer() {
   ++_frameTicks;
   if (isEngineDue()) {
@@ -79,8 +77,6 @@ void KorviaSarnhawk::updateStatistics() {
   _engine->getOutputState(&_outputStatistics);
   _engine->getSourceState(_sourceStatistics.data());
 }
-
-// ---- transport, lever, outputs
 
 void KorviaSarnhawk::onClicked_playMediaPushButton() {
   if (IKorviaShowSource* source = previewSource())
@@ -165,8 +161,6 @@ void KorviaSarnhawk::takeSnapshot() {
   QToolTip::showText(frame->geometry().bottomLeft() + kSnapshotTipOffset, path, frame);
 }
 
-// ---- audio
-
 void KorviaSarnhawk::onClicked_audioMixModePushButton() {
   const QObject* button = sender();
   if (button == _ui->_autoMixModePushButton)
@@ -208,8 +202,6 @@ void KorviaSarnhawk::onSliderPressed_pvmVolumeVerticalSlider() {
 void KorviaSarnhawk::onSliderReleased_pvmVolumeVerticalSlider() {
   _pvmVolumeHeld = false;
 }
-
-// ---- takes
 
 QToolButton* KorviaSarnhawk::takeButton(int transitionIndex) const {
   QToolButton* const buttons[kTakeButtonCount] = {

@@ -29,8 +29,6 @@ constexpr int kPopupCentred = 0x84;
 
 }  // namespace
 
-// ---- services to the children
-
 void KorviaSarnhawk::postEvent(quint64 eventId, QVariant a1, QVariant a2, QVariant a3, QVariant a4) {
   if (_engine)
     _engine->postEvent(eventId, std::move(a1), std::move(a2), std::move(a3), std::move(a4));
@@ -61,7 +59,6 @@ void KorviaSarnhawk::saveChanges(unsigned, int) {}
 QList<tagTransitionEffectItem>* KorviaSarnhawk::getEffectList(int catalog) {
   return _transitions.effectList(catalog);
 }
-// ---- sinks of the engine
 
 void KorviaSarnhawk::onPostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,
                                        QVariant a4) {
@@ -170,7 +167,6 @@ void KorviaSarnhawk::onChannelMixReported(int channelId, int audioState) {
   if (GWidgetDisplayObject* strip = _strips->media(index))
     strip->setAudioState(audioState);
 }
-// ---- sink of the paint pad
 
 void KorviaSarnhawk::onCommitWhitePadImage(const QImage& image) {
   if (_engine)

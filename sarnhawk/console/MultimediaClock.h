@@ -1,4 +1,5 @@
 // The millisecond clock of the console's waits. Monotonic; it wraps at 32 bits, so only differences count.
+// Console thread.
 #pragma once
 #include <QtGlobal>
 #include <functional>

@@ -1,4 +1,5 @@
 // What a source slot shows, in words for people. Never a whole address: streams carry keys in theirs.
+// Console thread.
 #pragma once
 #include <QString>
 

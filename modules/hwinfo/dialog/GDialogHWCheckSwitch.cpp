@@ -36,7 +36,7 @@ bool GDialogHWCheckSwitch::check(const QList<tagCheckNetPortItem>& items) {
   _free.clear();
   bool allRequired = true;
   for (const tagCheckNetPortItem& item : std::as_const(_items)) {
-    const bool free = korvia::LoopbackPort::isFree(item.port);
+    const bool free = _ownPorts.contains(item.port) || korvia::LoopbackPort::isFree(item.port);
     _free.append(free);
     if (free)
       continue;
@@ -53,15 +53,21 @@ void GDialogHWCheckSwitch::fillTable() {
   table->setRowCount(_items.size());
   int busy = 0;
   for (int row = 0; row < _items.size(); ++row) {
-    const bool free = _free[row];
-    busy += free ? 0 : 1;
+    busy += _free[row] ? 0 : 1;
     table->setItem(row, PortColumn, makeCell(QString::number(_items[row].port)));
     table->setItem(row, NeedColumn, makeCell(_items[row].required ? tr("Required") : tr("Optional")));
-    QTableWidgetItem* state = makeCell(free ? tr("Free") : tr("In use"));
-    state->setForeground(free ? QColor(0x4c, 0xaf, 0x7a) : QColor(0xe0, 0x6c, 0x60));
-    table->setItem(row, StateColumn, state);
+    setState(row);
   }
-  _ui->_resultLabel->setText(busy == 0 ? tr("All ports are free.") : tr("%n port(s) in use.", nullptr, busy));
+  _ui->_resultLabel->setText(busy == 0 ? tr("No other program uses these ports.")
+                                       : tr("In use by other programs: %1").arg(busy));
+}
+
+void GDialogHWCheckSwitch::setState(int row) {
+  const bool isOwn = _ownPorts.contains(_items[row].port);
+  QTableWidgetItem* state = makeCell(isOwn ? tr("This program") : _free[row] ? tr("Free") : tr("In use"));
+  if (!isOwn)
+    state->setForeground(_free[row] ? QColor(0x4c, 0xaf, 0x7a) : QColor(0xe0, 0x6c, 0x60));
+  _ui->_portTableWidget->setItem(row, StateColumn, state);
 }
 
 void GDialogHWCheckSwitch::showEvent(QShowEvent* event) {

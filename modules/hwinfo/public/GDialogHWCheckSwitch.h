@@ -22,6 +22,10 @@ class GDialogHWCheckSwitch : public QDialog {
   /// True when all required ports are free. A port outside 1 to 65535 counts as busy.
   bool check(const QList<tagCheckNetPortItem>& items);
 
+  /// Ports that this program listens on itself: from the next check on they are no hindrance and are shown as
+  /// its own.
+  void setOwnPorts(const QList<int>& ports) { _ownPorts = ports; }
+
  protected:
   void showEvent(QShowEvent* event) override;
 
@@ -31,8 +35,10 @@ class GDialogHWCheckSwitch : public QDialog {
 
  private:
   void fillTable();
+  void setState(int row);
 
   std::unique_ptr<Ui::GDialogHWCheckSwitch> _ui;
   QList<tagCheckNetPortItem> _items;
-  QList<bool> _free;  // by index of _items
+  QList<int> _ownPorts;
+  QList<bool> _free;  // by index of _items; own ports count as free
 };

@@ -1,4 +1,4 @@
-// One TCP port that the program wants to listen on.
+// One TCP port that the program wants to listen on. A plain value, any thread.
 #pragma once
 
 struct tagCheckNetPortItem {

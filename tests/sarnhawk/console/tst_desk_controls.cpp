@@ -48,7 +48,6 @@ class DeskControlsTest : public QObject {
   Q_OBJECT
 
  private slots:
-  // ---- transport
   void transportIsOffWithoutASource() {
     OpenDesk desk;
     desk.console->onWorkTimer();
@@ -153,7 +152,6 @@ class DeskControlsTest : public QObject {
     QVERIFY(desk.source->calls.isEmpty());
   }
 
-  // ---- seek
   void seekGoesToTheSourceAtOnce() {
     OpenDesk desk;
     QSlider* seek = desk.slider("_seekMediaHorizontalSlider");
@@ -196,7 +194,6 @@ class DeskControlsTest : public QObject {
     QCOMPARE(seek->value(), 10);
   }
 
-  // ---- lever
   void leverPostsItsPosition() {
     OpenDesk desk;
     desk.lever()->setValue(2500);
@@ -256,7 +253,6 @@ class DeskControlsTest : public QObject {
     }
   }
 
-  // ---- outputs
   void controlsWithoutAWindowAreOff() {
     OpenDesk desk;
     for (const char* name : {"_screenCutPushButton", "_paintOutputPushButton"})
@@ -379,7 +375,6 @@ class DeskControlsTest : public QObject {
                                            "setPaintPadValid 0", "pausePGMImage 0"}));
   }
 
-  // ---- audio
   void mixButtonsPostTheirMode() {
     OpenDesk desk;
     desk.console->savedChanges.clear();
@@ -473,7 +468,6 @@ class DeskControlsTest : public QObject {
     QCOMPARE(strip->rightValue(), 32.0);
   }
 
-  // ---- takes
   void takeSendsSlotAndRemembersIt() {
     OpenDesk desk;
     desk.config()->takeButtons[2] = {75, 2.5F, 7};
@@ -558,7 +552,6 @@ class DeskControlsTest : public QObject {
     desk.console->updateTakeButton(-1);
   }
 
-  // ---- the engine's own reports
   void filmThatEndsOnPreviewTakesItsSuccessor() {
     OpenDesk desk;
     IKorviaShowEngineSink* sink = desk.show.engineSink();

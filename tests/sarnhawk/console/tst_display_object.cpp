@@ -64,7 +64,6 @@ class DisplayObjectTest : public QObject {
   Q_OBJECT
 
  private slots:
-  // ---- building
   void buildsTheStripsOfEachMode_data() {
     QTest::addColumn<int>("mode");
     for (int mode = 0; mode <= 6; ++mode)
@@ -141,7 +140,6 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(desk.button(0x100, "_enableAudioPushButton")->styleSheet(), QString());
   }
 
-  // ---- selection
   void clickBeforeTheEngineExistsPostsNothing() {
     ConsoleDesk desk;
     desk.create();
@@ -205,7 +203,6 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(info.winId, desk.picture(0x12)->winId());
   }
 
-  // ---- on air
   void onAirRule_data() {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("movieAction");
@@ -277,7 +274,6 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(posted[1].args[1].toInt(), 0x100);
   }
 
-  // ---- audio
   void audioStateShowsOnTheButton() {
     OpenDesk desk;
     QPushButton* button = desk.button(0x10, "_enableAudioPushButton");
@@ -321,7 +317,6 @@ class DisplayObjectTest : public QObject {
     }
   }
 
-  // ---- open and close
   void floatStandsInTheMiddleOfAnEmptyPicture() {
     OpenDesk desk;
     desk.strip(0x11)->onFrameTick();
@@ -533,7 +528,6 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(desk.console->getConfig()->stages[0].inUse, 0);
   }
 
-  // ---- config window
   void configButtonShowsItsChannel() {
     OpenDesk desk;
     desk.slot(1).kind = SourceKindMovie;
@@ -571,7 +565,6 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(window->windowTitle(), QString("Media Config - 2"));
   }
 
-  // ---- watchdog
   void silentStreamRestartsAfterTheTimeout() {
     OpenDesk desk;
     ScriptedSource* source = desk.put(1, sourceOf(SourceKindUrl));

@@ -4,6 +4,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSlider>
+#include <QTableWidget>
 #include <QTimer>
 #include <QToolButton>
 #include <QtTest>
@@ -11,6 +12,7 @@
 #include "ConsoleDesk.h"
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
+#include "StatusBoard.h"
 #include "console/GFloatWidgetToolButton.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/GWidgetDisplayObjectConfig.h"
@@ -53,7 +55,6 @@ class KorviaSarnhawkTest : public QObject {
   Q_OBJECT
 
  private slots:
-  // ---- interfaces
   void interfaceRequestHonoursTheVersion() {
     ConsoleDesk desk;
     QVERIFY(ask(desk.console, kIKorviaSarnhawkId, 0x010101FF));
@@ -98,7 +99,6 @@ class KorviaSarnhawkTest : public QObject {
     QVERIFY(console.isNull());
   }
 
-  // ---- creation
   void constructorPresetsIncomeAndRecordPaths() {
     ConsoleDesk desk;
     const tagKorviaSarnhawkConfig* config = desk.console->getConfig();
@@ -283,7 +283,6 @@ class KorviaSarnhawkTest : public QObject {
     }
   }
 
-  // ---- audio devices
   void knownAudioDevicesReachTheEngineInfo() {
     ConsoleDesk desk;
     desk.console->devices = QStringList{"Desk", "Room"};
@@ -317,7 +316,6 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(desk.console->getConfig()->engineInfo.pgmDevice, QString("Desk"));
   }
 
-  // ---- first frame
   void engineOpensAfterMoreThanASecond() {
     ConsoleDesk desk;
     desk.create();
@@ -386,7 +384,6 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(desk.show.count(ShowEventOpen), 1);
   }
 
-  // ---- opening
   void openCarriesRenderSetUpAndWindows() {
     ConsoleDesk desk;
     QVERIFY(desk.start());
@@ -522,7 +519,6 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(heard, told);
   }
 
-  // ---- going down
   void closeStopsEngineThenServers() {
     ConsoleDesk desk;
     QVERIFY(desk.start());
@@ -625,12 +621,28 @@ class KorviaSarnhawkTest : public QObject {
     ConsoleDesk desk;
     desk.create();
     QString className;
-    const QuestionAnswer answer([&className](QDialog* dialog) {
+    desk.console->getConfig()->httpPort = 8800;
+    korvia::StatusBoard::instance().publish("incomeServer",
+                                            {{"running", true}, {"rtmpPort", 1936}, {"httpPort", 19000}});
+    QStringList ports;
+    QStringList own;
+    const QuestionAnswer answer([&](QDialog* dialog) {
       className = dialog->metaObject()->className();
+      const auto* table = dialog->findChild<QTableWidget*>();
+      for (int row = 0; row < table->rowCount(); ++row) {
+        ports.append(table->item(row, 0)->text() + " " + table->item(row, 1)->text());
+        if (table->item(row, 2)->text() == "This program")
+          own.append(table->item(row, 0)->text());
+      }
       dialog->reject();
     });
     desk.console->onAction_environmentCheck();
+    korvia::StatusBoard::instance().publish("incomeServer", {});
     QCOMPARE(className, QString("GDialogHWCheckSwitch"));
+    QCOMPARE(ports, (QStringList{"1935 Required", "8080 Required", "8800 Required", "9000 Required",
+                                 "19000 Required", "8000 Optional", "8001 Optional", "8002 Optional",
+                                 "8003 Optional"}));
+    QCOMPARE(own, (QStringList{"8800", "19000"}));
   }
 
   void aboutShowsTheProduct() {
@@ -645,7 +657,6 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(className, QString("GDialogProductAbout"));
   }
 
-  // ---- layouts
   void layoutTable_data() {
     QTest::addColumn<int>("mode");
     QTest::addColumn<int>("total");

@@ -74,6 +74,20 @@ class HWCheckTest : public QObject {
     QCOMPARE(dialog.result(), int(QDialog::Accepted));
   }
 
+  void ownPortsAreNoHindrance() {
+    GDialogHWCheckSwitch dialog;
+    dialog.setOwnPorts({busy_});
+    QVERIFY(dialog.check({{busy_, true}, {free_, true}}));
+    auto* table = dialog.findChild<QTableWidget*>("_portTableWidget");
+    QCOMPARE(row(table, 0).value(2), QString("This program"));
+    QCOMPARE(row(table, 1).value(2), QString("Free"));
+    QCOMPARE(dialog.findChild<QLabel*>("_resultLabel")->text(),
+             QString("No other program uses these ports."));
+    dialog.setOwnPorts({});
+    QVERIFY(!dialog.check({{busy_, true}}));
+    QCOMPARE(dialog.findChild<QLabel*>("_resultLabel")->text(), QString("In use by other programs: 1"));
+  }
+
   void showingChecksAnew() {
     GDialogHWCheckSwitch dialog;
     dialog.check({{busy_, true}});
