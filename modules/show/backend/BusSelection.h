@@ -18,10 +18,11 @@ class BusSelection {
     bool pgm = false;
   };
 
-  /// The taken channel goes to program; when it stood on preview, the old program channel goes there.
+  /// The taken channel goes to program; when it stood on preview, the old program channel goes there. Nothing
+  /// changes for 0, an empty preview.
   Changes take(int channel) {
     Changes changes;
-    if (channel == pgm_)
+    if (channel == 0 || channel == pgm_)
       return changes;
     const int old = pgm_;
     changes.pgm = true;

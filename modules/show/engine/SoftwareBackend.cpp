@@ -6,6 +6,7 @@
 #include "KorviaShowEvents.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
+#include "engine/frame/FrameFit.h"
 #include "engine/source/SourceFactory.h"
 #include "engine/source/SourceThreads.h"
 #include "tagKorviaShowEngineInfo.h"
@@ -92,11 +93,13 @@ void SoftwareBackend::handleEvent(const ShowEvent& event) {
       outputs_.stop(a1.toInt());
       host_->postResult(event.id, a1, a2);
       break;
+    // There is no sound yet; the console is told that its wish is known.
     case ShowEventAudioMixMode:
-    case ShowEventVolume:
     case ShowEventChannelMix:
-      // There is no sound yet; the console is told that its wish is known.
       host_->postResult(event.id, a1, a2);
+      break;
+    case ShowEventVolume:
+      host_->postResult(event.id, a1, a2.toFloat());
       break;
     default:
       break;
@@ -118,6 +121,11 @@ void SoftwareBackend::open(const ShowEvent& event) {
   pool_ = std::make_unique<FramePool>(next.size);
   host_->setFrameRate(next.rateNumerator, next.rateDenominator);
   monitors_.open(fromVariant<tagKorviaShowWindowPackInfo>(event.args[1]));
+  program_.reset();
+  {
+    std::lock_guard lock(figuresMutex_);
+    figures_ = {};
+  }
   firstFrame_ = std::chrono::steady_clock::now();
   open_ = true;
   qCDebug(logEngine, "engine opened : %d x %d, %d / %d frames per second", next.size.width, next.size.height,
@@ -173,6 +181,7 @@ void SoftwareBackend::snapshot(const ShowEvent& event) {
 }
 
 void SoftwareBackend::moveLever(const ShowEvent& event) {
+  reportDoneTake();
   switch_.moveLever(event.args[1].toFloat(), buses_.pgmChannel(), buses_.pvmChannel());
 }
 
@@ -180,10 +189,9 @@ void SoftwareBackend::take(const ShowEvent& event) {
   const int channel = event.args[0].toInt();
   if (channel == 0)
     return;
-  if (switch_.isRunning() && switch_.to() != channel) {
+  if (switch_.to() != channel)
     switch_.finish();
-    reportSwitch();
-  }
+  reportDoneTake();
   ProgramSwitch::Take take;
   take.from = buses_.pgmChannel();
   take.to = channel;
@@ -196,6 +204,7 @@ void SoftwareBackend::take(const ShowEvent& event) {
 void SoftwareBackend::selectChannel(const ShowEvent& event) {
   const int bus = event.args[0].toInt();
   const int channel = event.args[1].toInt();
+  reportDoneTake();
   if (bus == PVMObject) {
     buses_.selectPvm(channel);
   } else if (bus == PGMObject) {
@@ -217,8 +226,17 @@ void SoftwareBackend::startOutput(const ShowEvent& event) {
   request.format = fromVariant<tagKorviaFormatInfo>(event.args[3]);
   request.rateNumerator = now.rateNumerator;
   request.rateDenominator = now.rateDenominator;
-  outputs_.start(request);
+  if (open_)
+    outputs_.start(request);
+  else
+    qCWarning(logEngine, "no output starts before the show is open");
   host_->postResult(event.id, event.args[0], event.args[1]);
+}
+
+// Events of one frame each find the buses as the ones before left them.
+void SoftwareBackend::reportDoneTake() {
+  if (switch_.isDone())
+    reportSwitch();
 }
 
 void SoftwareBackend::reportSwitch() {
@@ -265,7 +283,16 @@ void SoftwareBackend::pullSources(int ticks) {
   if (sources_.refresh(sourcesVersion_, active_, old))
     janitor_.dispose(std::move(old));
   for (int slot = 0; slot < kSourceSlotCount; ++slot)
-    frames_[slot] = active_[slot] ? active_[slot]->pullFrame(ticks) : FrameRef();
+    frames_[slot] = active_[slot] ? inRenderSize(active_[slot]->pullFrame(ticks)) : FrameRef();
+}
+
+/// A source keeps the size that it was opened for, which may be that of a show before this one.
+FrameRef SoftwareBackend::inRenderSize(FrameRef picture) const {
+  if (!picture || picture->size() == pool_->size())
+    return picture;
+  MutableFrame fitted = pool_->acquire();
+  fitFrame(*picture, fitRect(picture->size(), 1, 1, pool_->size()), *fitted);
+  return std::move(fitted).publish();
 }
 
 /// The channel's picture; black for a channel without one. Stage channels have no picture of their own yet.

@@ -65,11 +65,12 @@ class SoftwareBackend final : public IShowBackend {
 
   // The frame. Engine thread.
   void pullSources(int ticks);
+  FrameRef inRenderSize(FrameRef picture) const;
   FrameRef channelFrame(int channel) const;
   FrameRef mixProgram();
   void showMonitors();
+  void reportDoneTake();
   void reportSwitch();
-  void reportBuses(BusSelection::Changes changes);
   void keepFigures(const FrameTick& tick);
   Show show() const;
   void closeSources();

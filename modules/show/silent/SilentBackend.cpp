@@ -26,9 +26,11 @@ void SilentBackend::handleEvent(const ShowEvent& event) {
     case ShowEventStartOutput:
     case ShowEventStopOutput:
     case ShowEventAudioMixMode:
-    case ShowEventVolume:
     case ShowEventChannelMix:
       host_->postResult(event.id, a1, a2);
+      break;
+    case ShowEventVolume:
+      host_->postResult(event.id, a1, a2.toFloat());
       break;
     default:
       break;

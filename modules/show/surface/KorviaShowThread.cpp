@@ -10,6 +10,8 @@ namespace {
 constexpr qint64 kMissedMax = 250;
 // A float rate is kept to a thousandth of a frame.
 constexpr int kFpsScale = 1000;
+constexpr int kFpsMax = 1000;
+constexpr int kRatePartMax = 2'000'000;
 
 }  // namespace
 
@@ -21,20 +23,21 @@ KorviaShowThread::~KorviaShowThread() {
 }
 
 void KorviaShowThread::setFps(float fps) {
-  if (!std::isfinite(fps) || fps <= 0 || fps > 1000)
+  if (!std::isfinite(fps) || fps <= 0 || fps > kFpsMax)
     return;
-  std::lock_guard lock(mutex_);
-  rateNumerator_ = std::lround(fps * kFpsScale);
-  rateDenominator_ = kFpsScale;
-  clockRestart_ = true;
+  setRate({std::max(1L, std::lround(fps * kFpsScale)), kFpsScale});
 }
 
 void KorviaShowThread::setFrameRate(int numerator, int denominator) {
-  if (numerator <= 0 || denominator <= 0 || numerator / denominator > 1000)
+  if (numerator <= 0 || denominator <= 0 || numerator > kRatePartMax || denominator > kRatePartMax ||
+      numerator / denominator > kFpsMax)
     return;
+  setRate({numerator, denominator});
+}
+
+void KorviaShowThread::setRate(korvia::FrameRate rate) {
   std::lock_guard lock(mutex_);
-  rateNumerator_ = numerator;
-  rateDenominator_ = denominator;
+  rate_ = rate;
   clockRestart_ = true;
 }
 
@@ -43,6 +46,8 @@ void KorviaShowThread::start(IKorviaShowThreadSink* sink, KorviaShowThreadMode) 
     return;
   sink_ = sink;
   stopRequested_ = false;
+  clockRestart_ = true;
+  frameNumber_ = 0;
   thread_ = std::thread([this] { onThreadRun(); });
 }
 
@@ -86,21 +91,18 @@ void KorviaShowThread::onThreadStep(const korvia::FrameTick& tick) {
 }
 
 void KorviaShowThread::drainEvents() {
-  std::deque<korvia::ShowEvent> events;
   {
     std::lock_guard lock(mutex_);
-    events.swap(events_);
+    handled_.swap(events_);
   }
-  for (const korvia::ShowEvent& event : events)
+  for (const korvia::ShowEvent& event : handled_)
     onThreadEvent(event);
+  handled_.clear();
 }
 
 bool KorviaShowThread::waitForTick(korvia::FrameTick& tick) {
   using namespace std::chrono;
   std::unique_lock lock(mutex_);
-  const auto deadlineOf = [this](qint64 frame) {
-    return epoch_ + nanoseconds(frame * 1'000'000'000 * rateDenominator_ / rateNumerator_);
-  };
   for (;;) {
     if (stopRequested_)
       return false;
@@ -109,14 +111,13 @@ bool KorviaShowThread::waitForTick(korvia::FrameTick& tick) {
       epoch_ = steady_clock::now();
       clockFrame_ = 0;
     }
-    const auto deadline = deadlineOf(clockFrame_ + 1);
+    const auto deadline = epoch_ + nanoseconds(rate_.nsOf(clockFrame_ + 1));
     if (steady_clock::now() >= deadline)
       break;
     wake_.wait_until(lock, deadline);
   }
   const qint64 elapsedNs = duration_cast<nanoseconds>(steady_clock::now() - epoch_).count();
-  const qint64 due =
-      std::max(clockFrame_ + 1, elapsedNs * rateNumerator_ / (1'000'000'000 * rateDenominator_));
+  const qint64 due = std::max<qint64>(clockFrame_ + 1, rate_.framesIn(elapsedNs));
   qint64 missed = due - (clockFrame_ + 1);
   if (missed > kMissedMax) {
     clockRestart_ = true;

@@ -4,10 +4,11 @@
 #include <QObject>
 #include <QVariant>
 #include <condition_variable>
-#include <deque>
 #include <mutex>
 #include <thread>
+#include <vector>
 
+#include "FrameRate.h"
 #include "IKorviaShowThreadSink.h"
 
 enum KorviaShowThreadMode : int { ShowThreadNormal = 0 };
@@ -59,6 +60,7 @@ class KorviaShowThread : public QObject {
   IKorviaShowThreadSink* threadSink() const { return sink_; }
 
  private:
+  void setRate(korvia::FrameRate rate);
   /// Sleeps to the next deadline and says which frame is due; false when the thread is to end.
   bool waitForTick(korvia::FrameTick& tick);
   void drainEvents();
@@ -67,13 +69,14 @@ class KorviaShowThread : public QObject {
   std::thread thread_;
 
   std::mutex mutex_;
-  std::condition_variable wake_;          // with mutex_
-  std::deque<korvia::ShowEvent> events_;  // guarded by mutex_
-  bool stopRequested_ = false;            // guarded by mutex_
-  qint64 rateNumerator_ = 25;             // guarded by mutex_
-  qint64 rateDenominator_ = 1;            // guarded by mutex_
-  bool clockRestart_ = true;              // guarded by mutex_
+  std::condition_variable wake_;           // with mutex_
+  std::vector<korvia::ShowEvent> events_;  // guarded by mutex_
+  bool stopRequested_ = false;             // guarded by mutex_
+  korvia::FrameRate rate_;                 // guarded by mutex_
+  bool clockRestart_ = true;               // guarded by mutex_
 
+  // Changes places with events_, so that handling events at every frame does not allocate.
+  std::vector<korvia::ShowEvent> handled_;       // engine thread
   std::chrono::steady_clock::time_point epoch_;  // engine thread
   qint64 clockFrame_ = 0;                        // engine thread; frames since epoch_
   qint64 frameNumber_ = 0;                       // engine thread; frames since the start

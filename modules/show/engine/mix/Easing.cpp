@@ -2,11 +2,29 @@
 
 #include <QEasingCurve>
 #include <algorithm>
+#include <array>
 
 namespace korvia {
 
 static_assert(QEasingCurve::Linear == 0 && QEasingCurve::OutInCirc == kEasingCount - 1,
               "the codes are those of QEasingCurve");
+
+namespace {
+
+using Curves = std::array<QEasingCurve, kEasingCount>;
+
+// Made once: making a curve allocates, and a fade asks at every frame.
+const Curves& curves() {
+  static const Curves all = [] {
+    Curves made;
+    for (int code = 0; code < kEasingCount; ++code)
+      made[static_cast<std::size_t>(code)].setType(static_cast<QEasingCurve::Type>(code));
+    return made;
+  }();
+  return all;
+}
+
+}  // namespace
 
 double easedProgress(int code, double progress) {
   if (progress <= 0)
@@ -16,7 +34,7 @@ double easedProgress(int code, double progress) {
   if (code < 0 || code >= kEasingCount)
     code = QEasingCurve::Linear;
   // The exponential curves of Qt leave the range by a thousandth.
-  return std::clamp(QEasingCurve(static_cast<QEasingCurve::Type>(code)).valueForProgress(progress), 0.0, 1.0);
+  return std::clamp(curves()[static_cast<std::size_t>(code)].valueForProgress(progress), 0.0, 1.0);
 }
 
 }  // namespace korvia

@@ -39,6 +39,8 @@ class ProgramSwitch {
   void abandon();
 
   bool isRunning() const { return mode_ != Mode::Idle; }
+  /// A take came to its end and has not been handed over yet.
+  bool isDone() const { return outcome_.taken != 0; }
   int from() const { return take_.from; }
   int to() const { return take_.to; }
   /// 0 to 1, eased.

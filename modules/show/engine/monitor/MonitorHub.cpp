@@ -95,10 +95,11 @@ void MonitorHub::run() {
       lock.unlock();
       if (info.winId == 0)
         surfaces_[i].reset();
-      else if (surfaces_[i])
+      else if (surfaces_[i] && windowIds_[i] == info.winId)
         surfaces_[i]->resize(info);
       else
         surfaces_[i] = factory_->create(info);
+      windowIds_[i] = info.winId;
       lock.lock();
     }
     lock.unlock();

@@ -36,7 +36,7 @@ class MonitorHub {
   // Engine thread.
   void open(const tagKorviaShowWindowPackInfo& windows);
   void close();
-  /// A window without a handle stays as it is.
+  /// The window has another size, or is another window. One without a handle stays as it is.
   void resize(Window window, const tagKorviaWindowInfo& info);
   /// Leaves a picture for a window. Nothing is done for a window that does not exist.
   void show(Window window, const FrameRef& picture);
@@ -69,6 +69,7 @@ class MonitorHub {
 
   std::unique_ptr<MonitorSurfaceFactory> factory_;                     // monitor thread
   std::array<std::unique_ptr<MonitorSurface>, WindowCount> surfaces_;  // monitor thread
+  std::array<WId, WindowCount> windowIds_{};                           // monitor thread
 };
 
 }  // namespace korvia

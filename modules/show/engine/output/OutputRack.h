@@ -1,4 +1,5 @@
-// The output slots: starts, feeds and ends what leaves the engine. Engine thread, but for figures().
+// The output slots: starts, feeds and ends what leaves the engine. Engine thread, but for isRunning() and
+// statistics().
 #pragma once
 #include <array>
 #include <memory>
@@ -34,7 +35,8 @@ class OutputRack {
 
   Janitor& janitor_;
   mutable std::mutex mutex_;
-  std::array<Slot, kSlots> slots_;  // the pointers are guarded by mutex_ against figures()
+  std::array<Slot, kSlots>
+      slots_;  // the pointers are written under mutex_, which the other threads hold to read
 };
 
 }  // namespace korvia

@@ -227,6 +227,9 @@ void FilmPlayer::stopPipeline() {
 }
 
 void FilmPlayer::handleEvent(const Event& event) {
+  // A pipeline that failed often reports its end too.
+  if (!pipeline_)
+    return;
   if (event.kind == EventKind::Picture || event.kind == EventKind::EndOfStream) {
     std::lock_guard lock(timelineMutex_);
     if (event.segment != segment_)

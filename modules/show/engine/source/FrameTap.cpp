@@ -1,22 +1,22 @@
 #include "FrameTap.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace korvia {
 
 namespace {
 
-constexpr std::int64_t kSecondNs = 1'000'000'000;
 // Later than this, the clock waits for the film instead of skipping after it.
-constexpr std::int64_t kLatestNs = kSecondNs;
+constexpr std::int64_t kLatestNs = 1'000'000'000;
 
 }  // namespace
 
 FrameTap::FrameTap(int rateNumerator, int rateDenominator, Limits limits)
-    : rateNumerator_(std::max(1, rateNumerator)),
-      rateDenominator_(std::max(1, rateDenominator)),
-      limits_(limits) {}
+    : rate_{std::max(1, rateNumerator), std::max(1, rateDenominator)}, limits_(limits) {
+  const auto most = static_cast<std::size_t>(std::max(limits.frames, limits.mostFrames));
+  queue_.reserve(most);
+  skipped_.reserve(most);
+}
 
 bool FrameTap::isFull() const {
   const int count = static_cast<int>(queue_.size());
@@ -37,7 +37,7 @@ bool FrameTap::push(TimedFrame frame) {
 }
 
 void FrameTap::beginFlush() {
-  std::deque<TimedFrame> dropped;  // its memory goes back outside of the lock
+  std::vector<TimedFrame> dropped;  // its memory goes back outside of the lock
   {
     std::lock_guard lock(mutex_);
     flushing_ = true;
@@ -61,7 +61,7 @@ void FrameTap::markEnd(std::int64_t endNs) {
 }
 
 void FrameTap::close() {
-  std::deque<TimedFrame> dropped;
+  std::vector<TimedFrame> dropped;
   {
     std::lock_guard lock(mutex_);
     closed_ = true;
@@ -86,9 +86,7 @@ bool FrameTap::isDrained() const {
 }
 
 std::int64_t FrameTap::clockNs() const {
-  // In two steps, since a whole day of frames times a second does not fit with a large denominator.
-  const std::int64_t units = framesSinceAnchor_ * rateDenominator_;
-  return anchorNs_ + units / rateNumerator_ * kSecondNs + units % rateNumerator_ * kSecondNs / rateNumerator_;
+  return anchorNs_ + rate_.nsOf(framesSinceAnchor_);
 }
 
 void FrameTap::setClock(std::int64_t timeNs) {
@@ -98,7 +96,6 @@ void FrameTap::setClock(std::int64_t timeNs) {
 
 FrameTap::Pull FrameTap::pull(int ticks) {
   TimedFrame replaced;
-  std::vector<TimedFrame> skipped;  // given back outside of the lock
   Pull result;
   {
     std::lock_guard lock(mutex_);
@@ -106,7 +103,7 @@ FrameTap::Pull FrameTap::pull(int ticks) {
     if (firstSetsClock_) {
       if (!queue_.empty()) {
         replaced = std::exchange(shown_, std::move(queue_.front()));
-        queue_.pop_front();
+        queue_.erase(queue_.begin());
         setClock(shown_.timeNs);
         firstSetsClock_ = false;
         result.fresh = true;
@@ -116,14 +113,14 @@ FrameTap::Pull FrameTap::pull(int ticks) {
     } else if (running) {
       framesSinceAnchor_ += ticks;
       // A quarter of a render frame forgives rounded time stamps.
-      const std::int64_t dueNs = clockNs() + kSecondNs * rateDenominator_ / rateNumerator_ / 4;
+      const std::int64_t dueNs = clockNs() + rate_.nsOf(1) / 4;
       while (!queue_.empty() && queue_.front().timeNs <= dueNs) {
         if (result.fresh)
-          skipped.push_back(std::move(shown_));
+          skipped_.push_back(std::move(shown_));
         else
           replaced = std::move(shown_);
         shown_ = std::move(queue_.front());
-        queue_.pop_front();
+        queue_.erase(queue_.begin());
         result.fresh = true;
       }
       if (result.fresh && clockNs() - shown_.timeNs > kLatestNs)
@@ -137,6 +134,7 @@ FrameTap::Pull FrameTap::pull(int ticks) {
     result.frame = shown_.frame;
     result.mediaNs = shown_.mediaNs;
   }
+  skipped_.clear();
   if (result.fresh)
     room_.notify_one();
   return result;

@@ -5,9 +5,10 @@
 #pragma once
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <mutex>
+#include <vector>
 
+#include "FrameRate.h"
 #include "engine/frame/Frame.h"
 
 namespace korvia {
@@ -63,13 +64,12 @@ class FrameTap {
   std::int64_t clockNs() const;
   void setClock(std::int64_t timeNs);
 
-  const std::int64_t rateNumerator_;
-  const std::int64_t rateDenominator_;
+  const FrameRate rate_;
   const Limits limits_;
   mutable std::mutex mutex_;
   std::condition_variable room_;  // with mutex_
   // All guarded by mutex_.
-  std::deque<TimedFrame> queue_;
+  std::vector<TimedFrame> queue_;  // a few, the oldest first
   TimedFrame shown_;
   bool flushing_ = false;
   bool closed_ = false;
@@ -81,6 +81,8 @@ class FrameTap {
   std::int64_t endNs_ = 0;
   std::int64_t anchorNs_ = 0;
   std::int64_t framesSinceAnchor_ = 0;
+
+  std::vector<TimedFrame> skipped_;  // engine thread; given back outside of the lock
 };
 
 }  // namespace korvia

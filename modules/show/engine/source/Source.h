@@ -2,6 +2,7 @@
 // of IKorviaShowSource is called on the console thread; slow work happens on the source's own threads.
 #pragma once
 #include <QString>
+#include <cstdint>
 #include <memory>
 
 #include "IKorviaShowEngineSink.h"
@@ -10,6 +11,9 @@
 #include "tagKorviaShowSourceInfo.h"
 
 namespace korvia {
+
+/// No picture of more is read, whatever a file says of its size.
+inline constexpr std::int64_t kMostPixels = 64 * 1024 * 1024;
 
 /// What a source must know of the show. Fixed for the life of the source.
 struct SourceContext {

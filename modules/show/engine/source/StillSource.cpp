@@ -13,8 +13,6 @@ namespace korvia {
 
 namespace {
 
-constexpr qint64 kMostPixels = 64 * 1024 * 1024;
-
 /// The picture upright and no larger than it is shown; null with a reason.
 QImage readPicture(const QString& path, FrameSize renderSize, QString& reason) {
   const QFileInfo file(path);

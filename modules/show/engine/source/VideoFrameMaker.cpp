@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "Source.h"
 #include "SourceLog.h"
 
 namespace korvia {
@@ -78,18 +79,24 @@ bool VideoFrameMaker::isWorkingFormat() const {
 
 bool VideoFrameMaker::adaptTo(GstCaps* caps) {
   if (caps == caps_ || (caps_ && gst_caps_is_equal(caps, caps_)))
-    return true;
+    return usable_;
   GstVideoInfo info;
+  gst_caps_replace(&caps_, caps);
+  usable_ = false;
   if (!gst_video_info_from_caps(&info, caps) || info.width <= 0 || info.height <= 0)
     return false;
-  gst_caps_replace(&caps_, caps);
+  if (static_cast<std::int64_t>(info.width) * info.height > kMostPixels) {
+    qCWarning(logSource, "pictures of %d x %d are too large", info.width, info.height);
+    return false;
+  }
   info_ = info;
   frameDurationNs_ =
       info.fps_n > 0 && info.fps_d > 0
           ? static_cast<std::int64_t>(gst_util_uint64_scale_int(GST_SECOND, info.fps_d, info.fps_n))
           : 0;
   converter_.reset();
-  if (isWorkingFormat())
+  usable_ = isWorkingFormat();
+  if (usable_)
     return true;
   gst_video_info_set_format(&workingInfo_, GST_VIDEO_FORMAT_I420, static_cast<guint>(info.width),
                             static_cast<guint>(info.height));
@@ -105,7 +112,8 @@ bool VideoFrameMaker::adaptTo(GstCaps* caps) {
   if (!converter_)
     qCWarning(logSource, "pictures of format %s cannot be converted",
               gst_video_format_to_string(GST_VIDEO_INFO_FORMAT(&info_)));
-  return converter_ != nullptr;
+  usable_ = converter_ != nullptr;
+  return usable_;
 }
 
 FrameRef VideoFrameMaker::wrap(GstBuffer* buffer) const {

@@ -56,6 +56,7 @@ class VideoFrameMaker {
   std::unique_ptr<FramePool> turnedPool_;
   std::unique_ptr<GstVideoConverter, ConverterDelete> converter_;
   GstCaps* caps_ = nullptr;
+  bool usable_ = false;  // pictures of these caps can be read
   GstVideoInfo info_;
   GstVideoInfo workingInfo_;
   std::int64_t frameDurationNs_ = 0;

@@ -205,6 +205,52 @@ class SoftwareShowTest : public QObject {
     QVERIFY(isNear(program(), Qt::green));
   }
 
+  void eventsOfOneFrameWorkInTheirOrder() {
+    // Two cuts: the first already swapped the buses.
+    post(ShowEventTake, kCh1, 0, 1.0F, 0);
+    post(ShowEventTake, kCh2, 0, 1.0F, 0);
+    step();
+    QCOMPARE(host_->log, (QStringList{"end", "pgm=11", "pvm=10", "end", "pgm=12"}));
+    QVERIFY(isNear(program(), Qt::green));
+    // What is put on program after a cut stays there.
+    host_->log.clear();
+    post(ShowEventTake, kCh1, 0, 1.0F, 0);
+    post(ShowEventSelectChannel, PGMObject, kCh0);
+    step();
+    QCOMPARE(host_->log, (QStringList{"end", "pgm=11", "pgm=10"}));
+    QVERIFY(isNear(program(), Qt::red));
+    // A fade after a cut begins at the channel that was cut to.
+    host_->log.clear();
+    post(ShowEventTake, kCh1, 0, 1.0F, 0);
+    post(ShowEventTake, kCh2, 22, 0.08F, 0);
+    step();
+    QVERIFY(isNear(program(), QColor(0, 128, 128)));
+    QCOMPARE(host_->log, (QStringList{"end", "pgm=11", "move"}));
+  }
+
+  void sourcesOfAnotherRenderSizeAreFitted() {
+    tagKorviaShowEngineInfo info;
+    info.format.width = 640;
+    info.format.height = 480;
+    post(ShowEventOpen, toVariant(info), toVariant(tagKorviaShowWindowPackInfo()));
+    post(ShowEventTake, kCh1, 22, 0.08F, 0);
+    step();
+    QVERIFY(isNear(program(), QColor(128, 0, 128)));
+    const QString path = folder_.filePath("refitted.png");
+    post(ShowEventSnapshot, PGMObject, path);
+    QTRY_COMPARE_WITH_TIMEOUT(QImage(path).size(), QSize(640, 480), 10000);
+    QVERIFY(isNear(QImage(path).pixelColor(320, 20), Qt::black));
+  }
+
+  void anEmptyPreviewIsNotTaken() {
+    post(ShowEventSelectChannel, PVMObject, 0);
+    host_->log.clear();
+    post(ShowEventSwitchPosition, PGMObject, 1.0F);
+    step();
+    QCOMPARE(host_->log, QStringList("end"));
+    QVERIFY(isNear(program(), Qt::red));
+  }
+
   void theLeverMixesByHand() {
     post(ShowEventSwitchPosition, PGMObject, 0.5F);
     step(5);

@@ -66,6 +66,14 @@ class SilentEngineTest : public QObject {
     QCOMPARE(results[2].args[1].toInt(), 0x10);
   }
 
+  void nothingIsTakenFromAnEmptyPreview() {
+    engine_->postEvent(ShowEventSelectChannel, PGMObject, 0x10);
+    engine_->postEvent(ShowEventSwitchPosition, PGMObject, 1.0F);
+    engine_->postEvent(ShowEventAudioMixMode, 1);
+    QVERIFY(sink_.waitFor(ShowEventAudioMixMode));
+    QCOMPARE(sink_.resultsOf(ShowEventSelectChannel).size(), size_t(1));
+  }
+
   void everythingWaitedForIsAcknowledged() {
     engine_->postEvent(ShowEventSwitchPosition, PGMObject, 0.5F);
     engine_->postEvent(ShowEventStartOutput, 1U, toVariant(tagKorviaShowOutputParam()));
@@ -78,7 +86,7 @@ class SilentEngineTest : public QObject {
     QCOMPARE(sink_.resultsOf(ShowEventSwitchPosition)[0].args[0].toFloat(), 0.5F);
     QCOMPARE(sink_.resultsOf(ShowEventStartOutput)[0].args[0].toUInt(), 1U);
     QCOMPARE(sink_.resultsOf(ShowEventStopOutput)[0].args[1].toUInt(), 2U);
-    QCOMPARE(sink_.resultsOf(ShowEventVolume)[0].args[1].toFloat(), 0.5F);
+    QCOMPARE(sink_.resultsOf(ShowEventVolume)[0].args[1], QVariant(0.5F));
   }
 
   void bothFormsOfAChannelGiveTheSameSource() {
