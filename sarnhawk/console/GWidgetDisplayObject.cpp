@@ -194,6 +194,8 @@ void GWidgetDisplayObject::updateOverlay() {
   if (!_floatButton)
     return;
   placeFloat();
+  // A window of its own is not disabled with the desk, and without an engine nothing could be opened.
+  _floatButton->setEnabled(isEnabled() && _priv->getEngine());
   if (isMedia() || isStage())
     setOccupied(isOccupied());
 }

@@ -218,6 +218,7 @@ class KorviaSarnhawk : public QMainWindow,
   void onVolumeReported(int objectId, float volume);
   void onMixModeReported(int mode);
   void onChannelMixReported(int channelId, int audioState);
+  static float volumeOf(int percent);
   void setVolume(int objectId, double& volume, int percent);
   IKorviaShowSource* previewSource();
   QToolButton* takeButton(int transitionIndex) const;

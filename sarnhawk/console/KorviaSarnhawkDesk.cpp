@@ -122,7 +122,7 @@ void KorviaSarnhawk::onSliderReleased_seekMediaHorizontalSlider() {
 }
 
 void KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider(int value) {
-  postEvent(ShowEventSwitchPosition, PGMObject, static_cast<float>(value / double{SwitchLever::kRange}));
+  postEvent(ShowEventSwitchPosition, PGMObject, SwitchLever::positionOf(value));
 }
 
 void KorviaSarnhawk::onClicked_startRecordPushButton() {
@@ -173,8 +173,12 @@ void KorviaSarnhawk::onClicked_audioMixModePushButton() {
   saveChanges(kAudioMixerChanged);
 }
 
+float KorviaSarnhawk::volumeOf(int percent) {
+  return static_cast<float>(percent) / 100.0F;
+}
+
 void KorviaSarnhawk::setVolume(int objectId, double& volume, int percent) {
-  volume = static_cast<double>(static_cast<float>(percent) / 100.0F);
+  volume = static_cast<double>(volumeOf(percent));
   postEvent(ShowEventVolume, objectId, volume);
   saveChanges(kAudioMixerChanged);
 }

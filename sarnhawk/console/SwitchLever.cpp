@@ -26,13 +26,19 @@ SwitchLever::SwitchLever(QWidget* parent) : GSlider(kOverhang, parent) {
   setSizePolicy(policy);
 }
 
+float SwitchLever::positionOf(int value) {
+  return static_cast<float>(value / double{kRange});
+}
+
 void SwitchLever::showPosition(float position) {
   const bool finished = position == 1.0F;
   if (finished)
     hide();
   {
     const QSignalBlocker blocker(this);
-    setValue(finished ? 0 : static_cast<int>(position * kRange));
+    // What the lever itself sent comes back as it was: truncating it could take the last step back.
+    if (position != positionOf(value()) || finished)
+      setValue(finished ? 0 : static_cast<int>(position * kRange));
     setToolTip(QStringLiteral("%1%").arg(finished ? 0.0 : static_cast<double>(position * 100.0F), 0, 'g'));
   }
   if (finished)

@@ -8,6 +8,9 @@ class SwitchLever : public GSlider {
   /// Full travel of the lever.
   static constexpr int kRange = 10000;
 
+  /// Position from 0 to 1 that a value stands for.
+  static float positionOf(int value);
+
   explicit SwitchLever(QWidget* parent);
 
   /// Shows the engine's position, 0 to 1, without asking for it in turn. Exactly 1 is a finished switch: it

@@ -243,6 +243,16 @@ class DeskControlsTest : public QObject {
     QCOMPARE(desk.lever()->value(), 9999);
   }
 
+  void answerToTheLeverLeavesItWhereItIs() {
+    OpenDesk desk;
+    for (int value = 1; value < SwitchLever::kRange; ++value) {
+      desk.lever()->setValue(value);
+      const float sent = static_cast<float>(value / 10000.0);
+      desk.console->slot_PostEventResult(ShowEventSwitchPosition, 0, sent, {}, {}, {});
+      QCOMPARE(desk.lever()->value(), value);
+    }
+  }
+
   void reportedPositionIsTruncatedNeverRounded() {
     OpenDesk desk;
     for (int value = 1; value < SwitchLever::kRange; ++value) {
@@ -436,6 +446,17 @@ class DeskControlsTest : public QObject {
     desk.report(ShowEventVolume, 0x10, 0.1F);
     desk.settle();
     QCOMPARE(desk.show.count(ShowEventVolume), 0);
+  }
+
+  void answerToAVolumeLeavesTheSliderWhereItIs() {
+    OpenDesk desk;
+    QSlider* slider = desk.slider("_pgmVolumeVerticalSlider");
+    for (int percent = 0; percent <= 100; ++percent) {
+      slider->setValue(percent);
+      const QVariant sent = desk.config()->audioMixer.pgmVolume;
+      desk.console->slot_PostEventResult(ShowEventVolume, 0, 0x1002, sent, {}, {});
+      QCOMPARE(slider->value(), percent);
+    }
   }
 
   void heldProgramSliderStopsBothReports() {

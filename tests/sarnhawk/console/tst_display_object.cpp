@@ -355,6 +355,19 @@ class DisplayObjectTest : public QObject {
     QVERIFY(desk.button(0x11, "_closePushButton")->isHidden());
   }
 
+  void floatWaitsForTheEngine() {
+    ConsoleDesk desk;
+    desk.create();
+    desk.frame.show();
+    desk.strip(0x11)->onFrameTick();
+    const auto* button = desk.frame.findChildren<GFloatWidgetToolButton*>().at(1);
+    QVERIFY(button->isVisible());
+    QVERIFY(!button->button()->isEnabled());
+    QVERIFY(desk.open());
+    desk.strip(0x11)->onFrameTick();
+    QVERIFY(button->button()->isEnabled());
+  }
+
   void floatGoesWithTheWindow() {
     OpenDesk desk;
     desk.strip(0x11)->onFrameTick();
