@@ -10,6 +10,7 @@
 
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/FramePool.h"
+#include "engine/items/PaintLayer.h"
 #include "engine/mix/TransitionCatalog.h"
 #include "engine/monitor/PictureScaler.h"
 
@@ -107,6 +108,17 @@ int runKernelBench() {
     const Frame& from = in.next();
     transitionFor(kEffectFade)->mix(from, in.next(), 0.45, out.next());
   });
+  PaintLayer drawing;
+  QImage veil(kSize.width, kSize.height, QImage::Format_ARGB32);
+  veil.fill(qRgba(255, 0, 0, 100));
+  drawing.commit(veil, kSize);
+  drawing.setValid(true);
+  FramePool drawn(kSize);
+  std::vector<FrameRef> below;
+  for (int i = 0; i < kFrames; ++i)
+    below.push_back(noise(static_cast<std::uint32_t>(i)));
+  int place = 0;
+  measure("drawing over all of it", reference, [&] { drawing.over(below[++place % kFrames], drawn); });
   for (const FrameSize size : {FrameSize{296, 167}, FrameSize{544, 306}, FrameSize{912, 513}}) {
     PictureScaler scaler;
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(size.width) * size.height * 4);

@@ -122,6 +122,7 @@ void SoftwareBackend::open(const ShowEvent& event) {
   host_->setFrameRate(next.rateNumerator, next.rateDenominator);
   monitors_.open(fromVariant<tagKorviaShowWindowPackInfo>(event.args[1]));
   program_.reset();
+  mixed_.reset();
   {
     std::lock_guard lock(figuresMutex_);
     figures_ = {};
@@ -141,6 +142,7 @@ void SoftwareBackend::closeShow() {
   monitors_.close();
   snapshots_.flush();
   program_.reset();
+  mixed_.reset();
   frames_ = {};
   qCDebug(logEngine, "engine closed");
 }
@@ -265,8 +267,12 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
   reportSwitch();
   {
     StageClock::Scope stage(stages_, StageClock::Mix);
-    if (!programPaused_ || !program_)
-      program_ = mixProgram();
+    if (!programPaused_ || !mixed_)
+      mixed_ = mixProgram();
+  }
+  {
+    StageClock::Scope stage(stages_, StageClock::Items);
+    program_ = paint_.over(mixed_, *pool_);
   }
   showMonitors();
   {
@@ -418,10 +424,16 @@ void SoftwareBackend::pausePGMImage(bool pause) {
   programPaused_ = pause;
 }
 
-// Screen cut and paint pad have no layer of their own yet.
+void SoftwareBackend::commitPaintPadImage(const QImage& image) {
+  paint_.commit(image, show().size);
+}
+
+void SoftwareBackend::setPaintPadValid(bool valid) {
+  paint_.setValid(valid);
+}
+
+// The screen cut is the picture of a source kind that the engine does not have yet; nothing else shows it.
 void SoftwareBackend::commitGrabImage(const QImage&) {}
 void SoftwareBackend::setGrabImageValid(bool) {}
-void SoftwareBackend::commitPaintPadImage(const QImage&) {}
-void SoftwareBackend::setPaintPadValid(bool) {}
 
 }  // namespace korvia

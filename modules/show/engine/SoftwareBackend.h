@@ -11,6 +11,7 @@
 #include "engine/Janitor.h"
 #include "engine/StageClock.h"
 #include "engine/frame/FramePool.h"
+#include "engine/items/PaintLayer.h"
 #include "engine/mix/ProgramSwitch.h"
 #include "engine/monitor/MonitorHub.h"
 #include "engine/output/OutputRack.h"
@@ -90,8 +91,10 @@ class SoftwareBackend final : public IShowBackend {
   std::unique_ptr<FramePool> pool_;  // engine thread
   BusSelection buses_;               // engine thread
   ProgramSwitch switch_;             // engine thread
+  FrameRef mixed_;                   // engine thread: program without the drawing over it
   FrameRef program_;                 // engine thread
   std::atomic<bool> programPaused_{false};
+  PaintLayer paint_;
   StageClock stages_;
   Janitor janitor_;
   MonitorHub monitors_;

@@ -47,6 +47,18 @@ std::uint8_t chroma(const Row& row, int r, int g, int b, int shift) {
   return static_cast<std::uint8_t>(std::clamp<std::int64_t>((sum + bias) >> (16 + shift), 0, 255));
 }
 
+void copyAlpha(const QImage& image, Frame& frame) {
+  // Without an alpha channel the bits of it mean nothing.
+  const bool opaque = !image.hasAlphaChannel();
+  for (int y = 0; y < frame.height(); ++y) {
+    const auto* pixels = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+    std::uint8_t* row =
+        frame.writablePlane(Frame::A) + static_cast<std::ptrdiff_t>(y) * frame.stride(Frame::A);
+    std::transform(pixels, pixels + frame.width(), row,
+                   [opaque](QRgb pixel) { return static_cast<std::uint8_t>(opaque ? 255 : qAlpha(pixel)); });
+  }
+}
+
 }  // namespace
 
 std::array<std::uint8_t, 3> codeValues(QRgb color) {
@@ -57,7 +69,7 @@ std::array<std::uint8_t, 3> codeValues(QRgb color) {
   return {luma(shown), chroma(kCb, r, g, b, 0), chroma(kCr, r, g, b, 0)};
 }
 
-FrameRef frameFromImage(const QImage& source) {
+FrameRef frameFromImage(const QImage& source, ImageAlpha alpha) {
   if (source.isNull())
     return {};
   // Premultiplied colour is the picture over black.
@@ -67,7 +79,7 @@ FrameRef frameFromImage(const QImage& source) {
     return {};
   const int width = image.width();
   const int height = image.height();
-  MutableFrame frame(new Frame({width, height}, false));
+  MutableFrame frame(new Frame({width, height}, alpha == ImageAlpha::Keep));
   for (int y = 0; y < height; y += 2) {
     const auto* upper = reinterpret_cast<const QRgb*>(image.constScanLine(y));
     const auto* lower = reinterpret_cast<const QRgb*>(image.constScanLine(std::min(y + 1, height - 1)));
@@ -96,6 +108,8 @@ FrameRef frameFromImage(const QImage& source) {
       v[x / 2] = chroma(kCr, r, g, b, 2);
     }
   }
+  if (alpha == ImageAlpha::Keep)
+    copyAlpha(image, *frame);
   return std::move(frame).publish();
 }
 

@@ -1,5 +1,5 @@
-// Makes frames of RGB pictures and colours: BT.709 limited range, transparency over black.
-// Pure functions, any thread.
+// Makes frames of RGB pictures and colours: BT.709 limited range, colours as transparency shows them over
+// black. Pure functions, any thread.
 #pragma once
 #include <QImage>
 #include <array>
@@ -11,8 +11,11 @@ namespace korvia {
 /// Y, U, V of one colour.
 std::array<std::uint8_t, 3> codeValues(QRgb color);
 
+/// Whether a frame has the image's alpha as its own plane. Its colours are premultiplied either way.
+enum class ImageAlpha { Drop, Keep };
+
 /// The frame in the image's own size; null for a null image.
-FrameRef frameFromImage(const QImage& image);
+FrameRef frameFromImage(const QImage& image, ImageAlpha alpha = ImageAlpha::Drop);
 
 /// Fills columns [left, right) of the frame; `left` even. Only before the frame is published.
 void fillColumns(Frame& frame, int left, int right, const std::array<std::uint8_t, 3>& values);

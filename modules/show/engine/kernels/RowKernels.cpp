@@ -5,8 +5,16 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include <algorithm>
+
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
+
+// Without negative numbers: under * (255 - alpha) + black * alpha, divided by 255 exactly, less black.
+inline std::uint8_t laid(int top, int alpha, int under, int black) {
+  const int sum = under * (255 - alpha) + black * alpha + 128;
+  return static_cast<std::uint8_t>(std::clamp(top + ((sum + (sum >> 8)) >> 8) - black, 0, 255));
+}
 
 #if HWY_TARGET == HWY_SCALAR
 
@@ -14,6 +22,12 @@ namespace korvia::HWY_NAMESPACE {
 void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count) {
   for (int x = 0; x < count; ++x)
     out[x] = static_cast<std::uint8_t>((a[x] * (256 - weight) + b[x] * weight + 128) >> 8);
+}
+
+void layRow(const std::uint8_t* top, const std::uint8_t* alpha, const std::uint8_t* under, int black,
+            std::uint8_t* out, int count) {
+  for (int x = 0; x < count; ++x)
+    out[x] = laid(top[x], alpha[x], under[x], black);
 }
 
 void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out) {
@@ -64,6 +78,29 @@ void mixRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT
     out[x] = static_cast<std::uint8_t>((a[x] * (256 - weight) + b[x] * weight + 128) >> 8);
 }
 
+void layRow(const std::uint8_t* HWY_RESTRICT top, const std::uint8_t* HWY_RESTRICT alpha,
+            const std::uint8_t* HWY_RESTRICT under, int black, std::uint8_t* HWY_RESTRICT out, int count) {
+  const hn::ScalableTag<std::uint16_t> d16;
+  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
+  const hn::RebindToSigned<decltype(d16)> i16;
+  const int lanes = static_cast<int>(hn::Lanes(d16));
+  const auto full = hn::Set(d16, std::uint16_t{255});
+  const auto round = hn::Set(d16, std::uint16_t{128});
+  const auto none = hn::Set(d16, static_cast<std::uint16_t>(black));
+  int x = 0;
+  for (; x + lanes <= count; x += lanes) {
+    const auto a = hn::PromoteTo(d16, hn::LoadU(d8, alpha + x));
+    const auto u = hn::PromoteTo(d16, hn::LoadU(d8, under + x));
+    const auto t = hn::PromoteTo(d16, hn::LoadU(d8, top + x));
+    const auto sum = hn::Add(hn::Add(hn::Mul(u, hn::Sub(full, a)), hn::Mul(none, a)), round);
+    const auto dimmed = hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)));
+    // Below zero it wraps to what is negative as a signed number.
+    hn::StoreU(hn::DemoteTo(d8, hn::BitCast(i16, hn::Sub(hn::Add(t, dimmed), none))), d8, out + x);
+  }
+  for (; x < count; ++x)
+    out[x] = laid(top[x], alpha[x], under[x], black);
+}
+
 void scaleRow(const std::uint8_t* HWY_RESTRICT row, const ColumnTable& table,
               std::uint8_t* HWY_RESTRICT out) {
   const hn::FixedTag<std::uint8_t, ColumnTable::kWindow> d8;
@@ -94,10 +131,16 @@ HWY_AFTER_NAMESPACE();
 namespace korvia {
 
 HWY_EXPORT(mixRow);
+HWY_EXPORT(layRow);
 HWY_EXPORT(scaleRow);
 
 void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count) {
   HWY_DYNAMIC_DISPATCH(mixRow)(a, b, weight, out, count);
+}
+
+void layRow(const std::uint8_t* top, const std::uint8_t* alpha, const std::uint8_t* under, int black,
+            std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(layRow)(top, alpha, under, black, out, count);
 }
 
 void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out) {

@@ -11,6 +11,11 @@ namespace korvia {
 /// up.
 void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count);
 
+/// Lays a premultiplied row over another: out = top + (under - black) * (255 - alpha) / 255, rounded, where
+/// `black` is the code value of no colour, 16 for luma and 128 for chroma.
+void layRow(const std::uint8_t* top, const std::uint8_t* alpha, const std::uint8_t* under, int black,
+            std::uint8_t* out, int count);
+
 /// Scales a row by the table, which must be usable. `out` takes the table's width rounded up to eight.
 void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out);
 

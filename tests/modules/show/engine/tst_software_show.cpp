@@ -295,6 +295,32 @@ class SoftwareShowTest : public QObject {
     QVERIFY(isNear(program(), Qt::blue));
   }
 
+  void theDrawingLiesOverProgramAlsoWhileItIsFrozen() {
+    QImage image(1280, 720, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    for (int y = 300; y < 420; ++y)
+      for (int x = 500; x < 780; ++x)
+        image.setPixel(x, y, 0xFFFFFFFF);
+    backend_->pausePGMImage(true);
+    backend_->setPaintPadValid(true);
+    backend_->commitPaintPadImage(image);
+    step();
+    QVERIFY(isNear(program(), Qt::white));
+    post(ShowEventTake, kCh1, 0, 0.0F, 0);
+    image.fill(Qt::transparent);
+    backend_->commitPaintPadImage(image);
+    step();
+    QVERIFY(isNear(program(), Qt::red));
+    image.fill(qRgba(0, 0, 0, 128));
+    backend_->commitPaintPadImage(image);
+    backend_->pausePGMImage(false);
+    step();
+    QVERIFY(isNear(program(), QColor(0, 0, 127)));
+    backend_->setPaintPadValid(false);
+    step();
+    QVERIFY(isNear(program(), Qt::blue));
+  }
+
   void snapshotsHaveTheFullSize() {
     const QString path = folder_.filePath("deep/er/size.png");
     post(ShowEventSnapshot, PGMObject, path);

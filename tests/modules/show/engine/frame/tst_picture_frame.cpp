@@ -55,6 +55,20 @@ class PictureFrameTest : public QObject {
     QCOMPARE(int(frame->plane(Frame::U)[0]), 128);
   }
 
+  void alphaIsKeptWhereItIsAskedFor() {
+    QImage image(3, 2, QImage::Format_ARGB32);
+    image.fill(qRgba(255, 255, 255, 128));
+    image.setPixel(2, 1, qRgba(0, 0, 0, 255));
+    QVERIFY(!frameFromImage(image)->hasAlpha());
+    const FrameRef frame = frameFromImage(image, ImageAlpha::Keep);
+    QCOMPARE(int(frame->plane(Frame::A)[0]), 128);
+    QCOMPARE(int(frame->plane(Frame::A)[frame->stride(Frame::A) + 2]), 255);
+    QCOMPARE(int(frame->plane(Frame::Y)[0]), 126);
+    image = QImage(1, 1, QImage::Format_RGB32);
+    image.fill(0x00FFFFFF);
+    QCOMPARE(int(frameFromImage(image, ImageAlpha::Keep)->plane(Frame::A)[0]), 255);
+  }
+
   void chromaIsTheMeanOfFour() {
     QImage image(3, 3, QImage::Format_RGB32);
     image.fill(Qt::black);

@@ -41,6 +41,28 @@ class RowKernelsTest : public QObject {
         }
   }
 
+  void layingFollowsItsFormula() {
+    const std::vector<std::uint8_t> top = noise(300, 3);
+    const std::vector<std::uint8_t> under = noise(300, 4);
+    std::vector<std::uint8_t> alpha = noise(300, 5);
+    alpha[0] = alpha[20] = 0;
+    alpha[1] = alpha[21] = 255;
+    for (int count = 0; count <= 70; ++count)
+      for (int start = 0; start < 3; ++start)
+        for (const int black : {16, 128}) {
+          std::uint8_t out[256];
+          memset(out, 99, sizeof out);
+          layRow(top.data() + start, alpha.data(), under.data() + 2 * start, black, out + start, count);
+          for (int x = 0; x < count; ++x) {
+            const double exact = top[start + x] + (under[2 * start + x] - black) * (255 - alpha[x]) / 255.0;
+            QVERIFY(qAbs(out[start + x] - qBound(0.0, exact, 255.0)) <= 0.51);
+          }
+          for (int x = 0; x < start; ++x)
+            QCOMPARE(int(out[x]), 99);
+          QCOMPARE(int(out[start + count]), 99);
+        }
+  }
+
   void scalingTakesTheNeighboursByTheirDistance() {
     for (int from = 16; from <= 70; ++from) {
       const std::vector<std::uint8_t> row = noise(from, from);

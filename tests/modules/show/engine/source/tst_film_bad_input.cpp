@@ -29,7 +29,12 @@ int entries(const char* folder) {
 class FilmBadInputTest : public QObject {
   Q_OBJECT
 
+ private:
+  QTemporaryDir loop_;
+
  private slots:
+  void initTestCase() { QVERIFY(QFile::link(loop_.filePath("loop.mp4"), loop_.filePath("loop.mp4"))); }
+
   void errorAndALine_data() {
     QTest::addColumn<QString>("path");
     QTest::newRow("missing") << clip("not_there.mp4");
@@ -38,6 +43,11 @@ class FilmBadInputTest : public QObject {
     QTest::newRow("zero bytes") << clip("empty.mp4");
     QTest::newRow("text") << clip("text.mp4");
     QTest::newRow("sound only") << clip("sound_only.m4a");
+    QTest::newRow("no end of zeros") << QString("/dev/zero");
+    QTest::newRow("no end of noise") << QString("/dev/urandom");
+    QTest::newRow("no bytes ever") << QString("/dev/null");
+    QTest::newRow("link to itself") << loop_.filePath("loop.mp4");
+    QTest::newRow("folder of a file") << clip("text.mp4/film.mp4");
     QTest::newRow("reader that would crash") << clip("raw.nut");
     QTest::newRow("sound only, no container") << clip("sound_only.mp3");
   }
@@ -47,7 +57,7 @@ class FilmBadInputTest : public QObject {
     WarningKeeper log;
     SourceRig rig;
     rig.openFilm(path);
-    QVERIFY(rig.tickUntil(Error));
+    QVERIFY(rig.tickUntil(Error, 15));
     QVERIFY(!rig->pullFrame(1));
     QCOMPARE(log.lines().size(), 1);
     QVERIFY(log.lines().first().startsWith("film does not play : "));
