@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtEndian>
+#include <QScopeGuard>
 #include <QtTest>
 #include <cmath>
 #include <condition_variable>
@@ -238,7 +239,9 @@ class TestRecordOutput : public QObject {
     Gate gate;
     RecordSettings settings = settingsFor(folder.path(), 2);
     settings.freeBytes = [&gate](const QString&) { return gate.pass(); };
+    settings.queueCapacity = 12;
     RecordOutput output(settings);
+    const auto opener = qScopeGuard([&gate] { gate.open(); });
     QVERIFY(gate.waitReached());
     QElapsedTimer timer;
     timer.start();
@@ -270,7 +273,9 @@ class TestRecordOutput : public QObject {
     Gate gate;
     RecordSettings settings = settingsFor(folder.path(), 0);
     settings.freeBytes = [&gate](const QString&) { return gate.pass(); };
+    settings.queueCapacity = 12;
     RecordOutput output(settings);
+    const auto opener = qScopeGuard([&gate] { gate.open(); });
     QVERIFY(gate.waitReached());
     for (int i = 0; i < 15; ++i)
       output.pushFrame(patternFrame(pool, i), i);
