@@ -1,9 +1,9 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QtEndian>
-#include <QScopeGuard>
 #include <QtTest>
 #include <cmath>
 #include <condition_variable>
