@@ -293,6 +293,19 @@ class DeskControlsTest : public QObject {
     QCOMPARE(desk.config()->outputParam.active[1], 0U);
   }
 
+  void waitingRecordButtonHandsNoFocusToTheStream() {
+    OpenDesk desk;
+    desk.frame.activateWindow();
+    QPushButton* record = desk.button("_startRecordPushButton");
+    record->setFocus(Qt::TabFocusReason);
+    QTest::mouseClick(record, Qt::LeftButton);
+    QVERIFY(!record->isEnabled());
+    // Else the next press of the space bar would start a stream.
+    QVERIFY(desk.frame.focusWidget() != desk.button("_startStreamPushButton"));
+    QCOMPARE(record->focusPolicy(), Qt::NoFocus);
+    QCOMPARE(desk.button("_startStreamPushButton")->focusPolicy(), Qt::NoFocus);
+  }
+
   void streamButtonStartsSlotZeroWithoutARecord() {
     OpenDesk desk;
     desk.button("_startStreamPushButton")->click();
