@@ -115,6 +115,7 @@ int runKernelBench() {
   drawing.setValid(true);
   FramePool drawn(kSize);
   std::vector<FrameRef> below;
+  below.reserve(kFrames);
   for (int i = 0; i < kFrames; ++i)
     below.push_back(noise(static_cast<std::uint32_t>(i)));
   int place = 0;
