@@ -56,3 +56,11 @@ void GWidgetDisplayObjectConfig::closeEvent(QCloseEvent* event) {
   event->ignore();
   hide();
 }
+
+// The way out where no window manager draws a close button.
+void GWidgetDisplayObjectConfig::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape)
+    hide();
+  else
+    QWidget::keyPressEvent(event);
+}

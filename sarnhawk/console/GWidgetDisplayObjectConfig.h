@@ -24,6 +24,7 @@ class GWidgetDisplayObjectConfig : public QWidget {
  protected:
   /// Closing only hides: the console keeps the window to the end.
   void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   QString mediaText(int index) const;

@@ -69,6 +69,6 @@ GWidgetDisplayObject* StripArea::media(int index) const {
 }
 
 GWidgetDisplayObject* StripArea::stage(int index) const {
-  return index >= 0 && index < kStageChannelMax ? _slots[static_cast<std::size_t>(kMediaChannelMax + index)]
+  return index >= 0 && index < kStageChannelMax ? _slots[std::size_t{kMediaChannelMax} + static_cast<std::size_t>(index)]
                                                 : nullptr;
 }
