@@ -69,6 +69,7 @@ GWidgetDisplayObject* StripArea::media(int index) const {
 }
 
 GWidgetDisplayObject* StripArea::stage(int index) const {
-  return index >= 0 && index < kStageChannelMax ? _slots[std::size_t{kMediaChannelMax} + static_cast<std::size_t>(index)]
-                                                : nullptr;
+  return index >= 0 && index < kStageChannelMax
+             ? _slots[std::size_t{kMediaChannelMax} + static_cast<std::size_t>(index)]
+             : nullptr;
 }

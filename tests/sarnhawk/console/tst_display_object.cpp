@@ -554,6 +554,9 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(window->windowTitle(), QString("Stage Config - 0"));
     QVERIFY(!window->close());
     QVERIFY(!window->isVisible());
+    window->show();
+    QTest::keyClick(window, Qt::Key_Escape);
+    QVERIFY(!window->isVisible());
   }
 
   void configWindowStaysInPlaceForTheSameChannel() {
