@@ -52,7 +52,8 @@ SignalWatcher::SignalWatcher(QObject* parent) : QObject(parent) {
 SignalWatcher::~SignalWatcher() {
   if (!notifier_)
     return;
-  setAction(SIG_DFL);
+  // The program is ending by then: a last impatient signal must not cut the end short.
+  setAction(SIG_IGN);
   delete notifier_;
   for (int& end : pipeEnds) {
     ::close(end);
