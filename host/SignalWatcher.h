@@ -12,7 +12,7 @@ class SignalWatcher : public QObject {
 
  public:
   explicit SignalWatcher(QObject* parent = nullptr);
-  /// Gives both signals back their default action.
+  /// Both signals are ignored from then on: the program is ending.
   ~SignalWatcher() override;
 
  signals:
