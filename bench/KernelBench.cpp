@@ -104,9 +104,10 @@ int runKernelBench() {
 
   std::printf("%-28s %11s %10s\n", "kernel, 1920 x 1080", "median", "of a copy");
   measure("copy", reference, reference);
+  TransitionScratch scratch;
   measure("cross-fade", reference, [&] {
     const Frame& from = in.next();
-    transitionFor(kEffectFade)->mix(from, in.next(), 0.45, out.next());
+    transitionFor(kEffectFade)->mix(from, in.next(), {0.45, 1}, scratch, out.next());
   });
   PaintLayer drawing;
   QImage veil(kSize.width, kSize.height, QImage::Format_ARGB32);

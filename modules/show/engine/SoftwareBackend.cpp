@@ -316,7 +316,7 @@ FrameRef SoftwareBackend::mixProgram() {
   if (!transition || switch_.position() <= 0 || from == to)
     return from;
   MutableFrame mixed = pool_->acquire();
-  transition->mix(*from, *to, switch_.position(), *mixed);
+  transition->mix(*from, *to, switch_.point(), scratch_, *mixed);
   return std::move(mixed).publish();
 }
 

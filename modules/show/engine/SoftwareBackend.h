@@ -13,6 +13,7 @@
 #include "engine/frame/FramePool.h"
 #include "engine/items/PaintLayer.h"
 #include "engine/mix/ProgramSwitch.h"
+#include "engine/mix/TransitionScratch.h"
 #include "engine/monitor/MonitorHub.h"
 #include "engine/output/OutputRack.h"
 #include "engine/output/SnapshotWriter.h"
@@ -91,6 +92,7 @@ class SoftwareBackend final : public IShowBackend {
   std::unique_ptr<FramePool> pool_;  // engine thread
   BusSelection buses_;               // engine thread
   ProgramSwitch switch_;             // engine thread
+  TransitionScratch scratch_;        // engine thread
   FrameRef mixed_;                   // engine thread: program without the drawing over it
   FrameRef program_;                 // engine thread
   std::atomic<bool> programPaused_{false};

@@ -16,12 +16,23 @@ inline std::uint8_t laid(int top, int alpha, int under, int black) {
   return static_cast<std::uint8_t>(std::clamp(top + ((sum + (sum >> 8)) >> 8) - black, 0, 255));
 }
 
+inline std::uint8_t mixedByMask(int a, int b, int mask) {
+  const int sum = a * (255 - mask) + b * mask + 128;
+  return static_cast<std::uint8_t>((sum + (sum >> 8)) >> 8);
+}
+
 #if HWY_TARGET == HWY_SCALAR
 
 // A machine without any vectors, or without those that the kernels need.
 void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count) {
   for (int x = 0; x < count; ++x)
     out[x] = static_cast<std::uint8_t>((a[x] * (256 - weight) + b[x] * weight + 128) >> 8);
+}
+
+void mixMaskedRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
+                  int count) {
+  for (int x = 0; x < count; ++x)
+    out[x] = mixedByMask(a[x], b[x], mask[x]);
 }
 
 void layRow(const std::uint8_t* top, const std::uint8_t* alpha, const std::uint8_t* under, int black,
@@ -78,6 +89,40 @@ void mixRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT
     out[x] = static_cast<std::uint8_t>((a[x] * (256 - weight) + b[x] * weight + 128) >> 8);
 }
 
+void mixMaskedRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b,
+                  const std::uint8_t* HWY_RESTRICT mask, std::uint8_t* HWY_RESTRICT out, int count) {
+  const hn::ScalableTag<std::uint8_t> d8;
+  const hn::RepartitionToWide<decltype(d8)> d16;
+  const hn::Half<decltype(d8)> half;
+  const hn::RebindToSigned<decltype(d16)> i16;
+  const int lanes = static_cast<int>(hn::Lanes(d8));
+  const auto full = hn::Set(d16, std::uint16_t{255});
+  const auto round = hn::Set(d16, std::uint16_t{128});
+  const auto mix = [&](auto va, auto vb, auto vm) HWY_ATTR {
+    const auto m = hn::PromoteTo(d16, vm);
+    const auto sum = hn::Add(
+        hn::Add(hn::Mul(hn::PromoteTo(d16, va), hn::Sub(full, m)), hn::Mul(hn::PromoteTo(d16, vb), m)),
+        round);
+    return hn::DemoteTo(half, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)))));
+  };
+  const bool aligned = reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0;
+  int x = 0;
+  for (; x + lanes <= count; x += lanes) {
+    const auto va = hn::LoadU(d8, a + x);
+    const auto vb = hn::LoadU(d8, b + x);
+    const auto vm = hn::LoadU(d8, mask + x);
+    const auto low = mix(hn::LowerHalf(half, va), hn::LowerHalf(half, vb), hn::LowerHalf(half, vm));
+    const auto high = mix(hn::UpperHalf(half, va), hn::UpperHalf(half, vb), hn::UpperHalf(half, vm));
+    const auto mixed = hn::Combine(d8, high, low);
+    if (aligned)
+      hn::Stream(mixed, d8, out + x);
+    else
+      hn::StoreU(mixed, d8, out + x);
+  }
+  for (; x < count; ++x)
+    out[x] = mixedByMask(a[x], b[x], mask[x]);
+}
+
 void layRow(const std::uint8_t* HWY_RESTRICT top, const std::uint8_t* HWY_RESTRICT alpha,
             const std::uint8_t* HWY_RESTRICT under, int black, std::uint8_t* HWY_RESTRICT out, int count) {
   const hn::ScalableTag<std::uint16_t> d16;
@@ -131,11 +176,17 @@ HWY_AFTER_NAMESPACE();
 namespace korvia {
 
 HWY_EXPORT(mixRow);
+HWY_EXPORT(mixMaskedRow);
 HWY_EXPORT(layRow);
 HWY_EXPORT(scaleRow);
 
 void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count) {
   HWY_DYNAMIC_DISPATCH(mixRow)(a, b, weight, out, count);
+}
+
+void mixMaskedRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
+                  int count) {
+  HWY_DYNAMIC_DISPATCH(mixMaskedRow)(a, b, mask, out, count);
 }
 
 void layRow(const std::uint8_t* top, const std::uint8_t* alpha, const std::uint8_t* under, int black,

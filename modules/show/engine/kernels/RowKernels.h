@@ -11,6 +11,11 @@ namespace korvia {
 /// up.
 void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count);
 
+/// The same with a weight of its own for each sample: out = (a * (255 - mask) + b * mask) / 255, rounded; 0
+/// gives exactly `a`, 255 exactly `b`.
+void mixMaskedRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
+                  int count);
+
 /// Lays a premultiplied row over another: out = top + (under - black) * (255 - alpha) / 255, rounded, where
 /// `black` is the code value of no colour, 16 for luma and 128 for chroma.
 void layRow(const std::uint8_t* top, const std::uint8_t* alpha, const std::uint8_t* under, int black,

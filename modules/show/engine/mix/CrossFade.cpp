@@ -3,24 +3,24 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/frame/PlaneView.h"
 #include "engine/kernels/RowKernels.h"
 
 namespace korvia {
 
-void CrossFade::mix(const Frame& from, const Frame& to, double position, Frame& out) const {
-  const int weight = std::clamp(static_cast<int>(std::lround(position * 256)), 0, 256);
-  const int planes = out.hasAlpha() && from.hasAlpha() && to.hasAlpha() ? 4 : 3;
-  for (int plane = 0; plane < planes; ++plane) {
-    const std::uint8_t* a = from.plane(plane);
-    const std::uint8_t* b = to.plane(plane);
-    std::uint8_t* mixed = out.writablePlane(plane);
-    for (int row = 0; row < out.planeHeight(plane); ++row) {
-      mixRow(a, b, weight, mixed, out.planeWidth(plane));
-      a += from.stride(plane);
-      b += to.stride(plane);
-      mixed += out.stride(plane);
-    }
+void crossFade(const Frame& from, const Frame& to, int weight, Frame& out) {
+  for (int plane = 0; plane < planeCount(out); ++plane) {
+    const PlaneView a = planeOf(from, plane);
+    const PlaneView b = planeOf(to, plane);
+    const WritablePlane mixed = writablePlaneOf(out, plane);
+    for (int y = 0; y < mixed.height; ++y)
+      mixRow(a.row(y), b.row(y), weight, mixed.row(y), mixed.width);
   }
+}
+
+void CrossFade::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& /*scratch*/,
+                    Frame& out) const {
+  crossFade(from, to, std::clamp(static_cast<int>(std::lround(point.position * 256)), 0, 256), out);
 }
 
 }  // namespace korvia

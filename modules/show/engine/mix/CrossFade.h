@@ -6,7 +6,11 @@ namespace korvia {
 
 class CrossFade final : public Transition {
  public:
-  void mix(const Frame& from, const Frame& to, double position, Frame& out) const override;
+  void mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
+           Frame& out) const override;
 };
+
+/// Fades all planes; `weight` of `to` is 0 to 256.
+void crossFade(const Frame& from, const Frame& to, int weight, Frame& out);
 
 }  // namespace korvia

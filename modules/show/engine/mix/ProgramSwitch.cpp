@@ -15,6 +15,14 @@ constexpr double kDurationMax = 600;
 // Exactly 1 is the end of a take and is reported by nothing else; some curves get there early.
 const float kPositionMax = std::nextafter(1.0F, 0.0F);
 
+/// Spreads a count over all 32 bits, so that each take has chances of its own and a show can be told again:
+/// the finalizer of MurmurHash3.
+std::uint32_t scrambled(std::uint32_t count) {
+  count = (count ^ (count >> 16)) * 0x85EBCA6BU;
+  count = (count ^ (count >> 13)) * 0xC2B2AE35U;
+  return count ^ (count >> 16);
+}
+
 }  // namespace
 
 const Transition* ProgramSwitch::transition() const {
@@ -24,17 +32,21 @@ const Transition* ProgramSwitch::transition() const {
 void ProgramSwitch::take(const Take& take, double framesPerSecond) {
   if (isRunning() && take.to == take_.to && mode_ == Mode::Auto)
     return;
-  const bool fromLever = mode_ == Mode::Lever && take.to == take_.to;
-  const int from = fromLever ? take_.from : take.from;
-  start_ = fromLever ? position_ : 0;
-  take_ = take;
-  take_.from = from;
+  if (mode_ == Mode::Lever && take.to == take_.to) {
+    const int from = take_.from;
+    start_ = position_;
+    take_ = take;
+    take_.from = from;
+  } else {
+    start_ = 0;
+    begin(take);
+  }
   lastEffect_ = take.effect;
   const double seconds = std::isfinite(take.duration) ? std::clamp(take.duration, 0.0, kDurationMax) : 0;
   totalFrames_ = std::llround(seconds * framesPerSecond);
   elapsedFrames_ = 0;
   mode_ = Mode::Auto;
-  if (totalFrames_ < 1 || take.effect == kEffectNone || take.from == take.to)
+  if (totalFrames_ < 1 || !transitionFor(take.effect) || take_.from == take_.to)
     complete();
 }
 
@@ -42,9 +54,8 @@ void ProgramSwitch::moveLever(float position, int from, int to) {
   if (std::isnan(position))
     return;
   const double p = std::clamp(static_cast<double>(position), 0.0, 1.0);
-  if (!isRunning()) {
-    take_ = {from, to, lastEffect_, 0, 0};
-  }
+  if (!isRunning())
+    begin({from, to, lastEffect_, 0, 0});
   mode_ = Mode::Lever;
   if (p >= 1) {
     complete();
@@ -77,6 +88,11 @@ void ProgramSwitch::abandon() {
     return;
   mode_ = Mode::Idle;
   setPosition(0);
+}
+
+void ProgramSwitch::begin(const Take& take) {
+  take_ = take;
+  seed_ = scrambled(++takeCount_);
 }
 
 void ProgramSwitch::setPosition(double position) {

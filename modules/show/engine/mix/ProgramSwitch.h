@@ -43,7 +43,8 @@ class ProgramSwitch {
   bool isDone() const { return outcome_.taken != 0; }
   int from() const { return take_.from; }
   int to() const { return take_.to; }
-  /// 0 to 1, eased.
+  /// 0 to 1, eased, and the seed of the take that is running.
+  MixPoint point() const { return {position_, seed_}; }
   double position() const { return position_; }
   /// Null for a cut.
   const Transition* transition() const;
@@ -55,10 +56,13 @@ class ProgramSwitch {
   enum class Mode { Idle, Auto, Lever };
   void setPosition(double position);
   void complete();
+  void begin(const Take& take);
 
   Mode mode_ = Mode::Idle;
   Take take_;
   int lastEffect_ = 22;
+  std::uint32_t takeCount_ = 0;
+  std::uint32_t seed_ = 0;
   double position_ = 0;
   double start_ = 0;  // position at which the automatic run began
   qint64 elapsedFrames_ = 0;

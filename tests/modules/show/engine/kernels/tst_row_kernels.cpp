@@ -41,6 +41,27 @@ class RowKernelsTest : public QObject {
         }
   }
 
+  void maskedMixFollowsItsFormula() {
+    const std::vector<std::uint8_t> a = noise(300, 1);
+    const std::vector<std::uint8_t> b = noise(300, 2);
+    std::vector<std::uint8_t> mask = noise(300, 6);
+    mask[0] = mask[20] = 0;
+    mask[1] = mask[21] = 255;
+    for (int count = 0; count <= 140; ++count)
+      for (int start = 0; start < 3; ++start) {
+        alignas(64) std::uint8_t out[256];
+        memset(out, 99, sizeof out);
+        mixMaskedRow(a.data() + start, b.data() + 2 * start, mask.data(), out + start, count);
+        for (int x = 0; x < count; ++x) {
+          const double exact = (a[start + x] * (255 - mask[x]) + b[2 * start + x] * mask[x]) / 255.0;
+          QCOMPARE(int(out[start + x]), int(std::floor(exact + 0.5)));
+        }
+        for (int x = 0; x < start; ++x)
+          QCOMPARE(int(out[x]), 99);
+        QCOMPARE(int(out[start + count]), 99);
+      }
+  }
+
   void layingFollowsItsFormula() {
     const std::vector<std::uint8_t> top = noise(300, 3);
     const std::vector<std::uint8_t> under = noise(300, 4);

@@ -28,6 +28,7 @@ class CrossFadeTest : public QObject {
  private slots:
   void followsItsFormula() {
     const CrossFade fade;
+    TransitionScratch scratch;
     const double positions[] = {0.001, 0.25, 0.5, 0.7, 0.999};
     for (int side = 1; side <= 70; ++side) {
       const FrameSize size{side, 71 - side};
@@ -36,7 +37,7 @@ class CrossFadeTest : public QObject {
       FramePool pool(size);
       for (const double position : positions) {
         MutableFrame out = pool.acquire();
-        fade.mix(*a, *b, position, *out);
+        fade.mix(*a, *b, {position, 0}, scratch, *out);
         const int w = qBound(0, qRound(position * 256), 256);
         for (int plane = 0; plane < 3; ++plane)
           for (int y = 0; y < out->planeHeight(plane); ++y)
@@ -63,7 +64,8 @@ class CrossFadeTest : public QObject {
     const FrameRef a = noise(size, 5);
     FramePool pool(size);
     MutableFrame out = pool.acquire();
-    CrossFade().mix(*a, *a, 0.37, *out);
+    TransitionScratch scratch;
+    CrossFade().mix(*a, *a, {0.37, 0}, scratch, *out);
     for (int plane = 0; plane < 3; ++plane)
       for (int y = 0; y < out->planeHeight(plane); ++y)
         QCOMPARE(memcmp(out->plane(plane) + y * out->stride(plane), a->plane(plane) + y * a->stride(plane),

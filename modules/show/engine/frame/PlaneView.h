@@ -1,0 +1,45 @@
+// One plane of a frame with its size, for loops over rows. Plain values, any thread.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+#include "Frame.h"
+
+namespace korvia {
+
+struct PlaneView {
+  const std::uint8_t* data = nullptr;
+  int stride = 0;
+  int width = 0;
+  int height = 0;
+  const std::uint8_t* row(int y) const { return data + static_cast<std::ptrdiff_t>(y) * stride; }
+};
+
+struct WritablePlane {
+  std::uint8_t* data = nullptr;
+  int stride = 0;
+  int width = 0;
+  int height = 0;
+  std::uint8_t* row(int y) const { return data + static_cast<std::ptrdiff_t>(y) * stride; }
+};
+
+inline PlaneView planeOf(const Frame& frame, int plane) {
+  return {frame.plane(plane), frame.stride(plane), frame.planeWidth(plane), frame.planeHeight(plane)};
+}
+
+/// Only before the frame is published.
+inline WritablePlane writablePlaneOf(Frame& frame, int plane) {
+  return {frame.writablePlane(plane), frame.stride(plane), frame.planeWidth(plane), frame.planeHeight(plane)};
+}
+
+inline int planeCount(const Frame& frame) {
+  return frame.hasAlpha() ? 4 : 3;
+}
+
+/// Code value of no colour: luma 16, chroma 128, alpha transparent.
+inline int blackOf(int plane) {
+  constexpr int kBlack[] = {16, 128, 128, 0};
+  return kBlack[plane];
+}
+
+}  // namespace korvia

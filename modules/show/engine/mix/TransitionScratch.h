@@ -1,0 +1,63 @@
+// Memory that transitions work in, kept from frame to frame so that a take allocates at its first frame only.
+// Engine thread.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "engine/frame/Frame.h"
+
+namespace korvia {
+
+class TransitionScratch {
+ public:
+  static constexpr int kFrameCount = 4;
+  static constexpr int kBufferCount = 8;
+
+  /// A frame of that size with undefined content, the same one at each call with the same arguments. Places 0 to 3.
+  Frame& frame(int place, FrameSize size, bool alpha);
+
+  /// `count` values of undefined content, aligned for vectors. Places 0 to 7; T is a plain number type.
+  template <typename T>
+  T* buffer(int place, std::size_t count) {
+    return reinterpret_cast<T*>(bytes(place, count * sizeof(T)));
+  }
+
+  /// A table that is made once per owner, size and seed: `fill(T* table)` writes its `count` values when the last
+  /// one kept was another. One table is kept.
+  template <typename T, typename Fill>
+  const T* table(const void* owner, FrameSize size, std::uint32_t seed, std::size_t count, Fill&& fill) {
+    const TableKey key{owner, size, seed, count * sizeof(T)};
+    T* values = reinterpret_cast<T*>(tableBytes(key.bytes));
+    if (!(key == tableKey_)) {
+      fill(values);
+      tableKey_ = key;
+    }
+    return values;
+  }
+
+ private:
+  struct TableKey {
+    const void* owner = nullptr;
+    FrameSize size;
+    std::uint32_t seed = 0;
+    std::size_t bytes = 0;
+    friend bool operator==(const TableKey&, const TableKey&) = default;
+  };
+  struct Bytes {
+    std::unique_ptr<std::uint8_t, void (*)(void*)> memory{nullptr, nullptr};
+    std::size_t size = 0;
+    std::uint8_t* grownTo(std::size_t count);
+  };
+
+  std::uint8_t* bytes(int place, std::size_t count);
+  std::uint8_t* tableBytes(std::size_t count);
+
+  std::array<std::unique_ptr<Frame>, kFrameCount> frames_;
+  std::array<Bytes, kBufferCount> buffers_;
+  Bytes table_;
+  TableKey tableKey_;
+};
+
+}  // namespace korvia
