@@ -82,33 +82,85 @@ double median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
+struct Timing {
+  double ms = 0;
+  double copies = 0;
+};
+
 /// Kernel and copy take turns, so that a machine that changes its pace changes it for both.
-void measure(const char* name, const std::function<void()>& reference, const std::function<void()>& kernel) {
+Timing timed(const std::function<void()>& reference, const std::function<void()>& kernel, int rounds) {
   std::vector<double> times;
   std::vector<double> ratios;
-  for (int round = 0; round < kRounds; ++round) {
+  for (int round = 0; round < rounds; ++round) {
     const double copyMs = milliseconds(reference);
     const double kernelMs = milliseconds(kernel);
     times.push_back(kernelMs);
     ratios.push_back(kernelMs / copyMs);
   }
-  std::printf("%-28s %8.3f ms %8.2f M\n", name, median(times), median(ratios));
+  return {median(times), median(ratios)};
+}
+
+void measure(const char* name, const std::function<void()>& reference, const std::function<void()>& kernel) {
+  const Timing timing = timed(reference, kernel, kRounds);
+  std::printf("%-28s %8.3f ms %8.2f M\n", name, timing.ms, timing.copies);
+}
+
+struct EffectFamily {
+  const char* name;
+  int first;
+  int last;
+  double copiesMax;
+  double msMax;
+};
+constexpr double kFrameMs = 40;
+constexpr EffectFamily kFamilies[] = {
+    {"wipe", 1, 20, 3, kFrameMs},   {"fade", 22, 22, 1.5, kFrameMs},  {"drop", 23, 23, 6, kFrameMs},
+    {"glide", 25, 44, 4, kFrameMs}, {"stretch", 46, 51, 4, kFrameMs}, {"blur", 53, 60, 25, 8},
+    {"distortion", 62, 72, 25, 8},  {"color", 74, 79, 6, kFrameMs},
+};
+constexpr double kPositions[] = {0.1, 0.3, 0.5, 0.7, 0.9};
+constexpr int kRoundsAtAPosition = 24;
+
+/// Each effect at several positions; what counts is its slowest.
+void measureEffects(const QList<int>& wanted, Carousel<FrameRef>& in, Carousel<MutableFrame>& out,
+                    const std::function<void()>& reference) {
+  TransitionScratch scratch;
+  for (const EffectFamily& family : kFamilies)
+    for (int effect = family.first; effect <= family.last; ++effect) {
+      if (!wanted.isEmpty() && !wanted.contains(effect))
+        continue;
+      Timing slowest;
+      double slowestPosition = 0;
+      for (const double position : kPositions) {
+        const auto kernel = [&] {
+          const Frame& from = in.next();
+          transitionFor(effect)->mix(from, in.next(), {position, 1}, scratch, out.next());
+        };
+        const Timing timing = timed(reference, kernel, kRoundsAtAPosition);
+        if (timing.copies > slowest.copies) {
+          slowest = timing;
+          slowestPosition = position;
+        }
+      }
+      char name[40];
+      std::snprintf(name, sizeof name, "%s %d at %.1f", family.name, effect, slowestPosition);
+      std::printf("%-28s %8.3f ms %8.2f M of %4.1f%s\n", name, slowest.ms, slowest.copies, family.copiesMax,
+                  slowest.copies > family.copiesMax || slowest.ms > family.msMax ? "  over" : "");
+    }
 }
 
 }  // namespace
 
-int runKernelBench() {
+int runKernelBench(const QList<int>& effects) {
   Carousel<FrameRef> in = pictures();
   Carousel<MutableFrame> out = targets();
   const auto reference = [&] { copy(in.next(), out.next()); };
 
   std::printf("%-28s %11s %10s\n", "kernel, 1920 x 1080", "median", "of a copy");
   measure("copy", reference, reference);
-  TransitionScratch scratch;
-  measure("cross-fade", reference, [&] {
-    const Frame& from = in.next();
-    transitionFor(kEffectFade)->mix(from, in.next(), {0.45, 1}, scratch, out.next());
-  });
+  measureEffects(effects, in, out, reference);
+  if (!effects.isEmpty())
+    return 0;
   PaintLayer drawing;
   QImage veil(kSize.width, kSize.height, QImage::Format_ARGB32);
   veil.fill(qRgba(255, 0, 0, 100));

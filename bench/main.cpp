@@ -44,6 +44,14 @@ int show(QCommandLineParser& parser) {
   return runShowBench(options);
 }
 
+int kernels(const QCommandLineParser& parser) {
+  QList<int> effects;
+  if (parser.isSet("effect"))
+    for (const QString& number : parser.values("effect"))
+      effects << number.toInt();
+  return runKernelBench(effects);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -61,7 +69,7 @@ int main(int argc, char** argv) {
                      {"channels", "Channels that play, inputs repeating.", "N"},
                      {"seconds", "Time measured.", "N", "10"},
                      {"take-every", "Seconds between takes, 0 for none.", "S", "0"},
-                     {"effect", "Effect number of the takes.", "N", "22"},
+                     {"effect", "Effect number of the takes, or, repeatable, of the kernels.", "N", "22"},
                      {"items", "Items over the picture.", "N", "0"},
                      {"record", "Record program into FILE.", "FILE"},
                      {"stream", "Stream program to URL.", "URL"},
@@ -72,7 +80,7 @@ int main(int argc, char** argv) {
   parser.process(application);
   const QString what = parser.positionalArguments().value(0);
   if (what == "kernels")
-    return runKernelBench();
+    return kernels(parser);
   if (what == "show")
     return show(parser);
   return refuse("say what to measure: show or kernels");

@@ -15,7 +15,8 @@ class TransitionScratch {
   static constexpr int kFrameCount = 4;
   static constexpr int kBufferCount = 8;
 
-  /// A frame of that size with undefined content, the same one at each call with the same arguments. Places 0 to 3.
+  /// A frame of that size with undefined content, the same one at each call with the same arguments. Places 0
+  /// to 3.
   Frame& frame(int place, FrameSize size, bool alpha);
 
   /// `count` values of undefined content, aligned for vectors. Places 0 to 7; T is a plain number type.
@@ -24,8 +25,8 @@ class TransitionScratch {
     return reinterpret_cast<T*>(bytes(place, count * sizeof(T)));
   }
 
-  /// A table that is made once per owner, size and seed: `fill(T* table)` writes its `count` values when the last
-  /// one kept was another. One table is kept.
+  /// A table that is made once per owner, size and seed: `fill(T* table)` writes its `count` values when the
+  /// last one kept was another. One table is kept.
   template <typename T, typename Fill>
   const T* table(const void* owner, FrameSize size, std::uint32_t seed, std::size_t count, Fill&& fill) {
     const TableKey key{owner, size, seed, count * sizeof(T)};

@@ -1,5 +1,5 @@
-// What holds for each transition of the catalogue: exact ends, steady movement, no chance but the seed's, no sample
-// out of place.
+// What holds for each transition of the catalogue: exact ends, steady movement, no chance but the seed's, no
+// sample out of place.
 #include <QtTest>
 
 #include "engine/mix/TransitionCatalog.h"
@@ -18,8 +18,8 @@ struct Family {
   int first;
   int last;
 };
-constexpr Family kFamilies[] = {{"wipe", 1, 20},      {"fade", 22, 23},  {"glide", 25, 44},
-                                {"stretch", 46, 51},  {"blur", 53, 60},  {"distortion", 62, 72},
+constexpr Family kFamilies[] = {{"wipe", 1, 20},     {"fade", 22, 23}, {"glide", 25, 44},
+                                {"stretch", 46, 51}, {"blur", 53, 60}, {"distortion", 62, 72},
                                 {"color", 74, 79}};
 
 void everyEffect() {
@@ -30,7 +30,8 @@ void everyEffect() {
 }
 
 /// What the transition makes of the two pictures.
-FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, MixPoint point, TransitionScratch& scratch) {
+FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, MixPoint point,
+               TransitionScratch& scratch) {
   MutableFrame out(new Frame(from->size(), from->hasAlpha()));
   transitionFor(effect)->mix(*from, *to, point, scratch, *out);
   return std::move(out).publish();
@@ -56,8 +57,15 @@ class EveryTransitionTest : public QObject {
   void endsAreExact() {
     QFETCH(int, effect);
     TransitionScratch scratch;
-    for (const FrameSize size :
-         {FrameSize{1920, 1080}, {1280, 720}, {854, 480}, {33, 17}, {17, 33}, {2, 2}, {1, 1}, {1, 9}, {9, 1}}) {
+    for (const FrameSize size : {FrameSize{1920, 1080},
+                                 {1280, 720},
+                                 {854, 480},
+                                 {33, 17},
+                                 {17, 33},
+                                 {2, 2},
+                                 {1, 1},
+                                 {1, 9},
+                                 {9, 1}}) {
       for (const bool alpha : {false, true}) {
         if (alpha && size.width > 854)
           continue;
@@ -131,8 +139,7 @@ class EveryTransitionTest : public QObject {
         const FrameRef a = noise(size, 1, alpha);
         const FrameRef b = noise(size, 2, alpha);
         for (const double position : {0.0, 0.1, 0.5, 0.83, 1.0}) {
-          const FrameRef tight =
-              mixed(effect, withoutSpare(*a), withoutSpare(*b), {position, 7}, scratch);
+          const FrameRef tight = mixed(effect, withoutSpare(*a), withoutSpare(*b), {position, 7}, scratch);
           const FrameRef wide = mixed(effect, a, b, {position, 7}, scratch);
           QCOMPARE(difference(*tight, *wide).largest, 0);
         }
@@ -143,8 +150,10 @@ class EveryTransitionTest : public QObject {
   void equalOpaquePicturesKeepTheirAlpha_data() { everyEffect(); }
   void equalOpaquePicturesKeepTheirAlpha() {
     QFETCH(int, effect);
-    const FrameRef a = frameOf({64, 36}, true, [](int plane, int x, int) { return plane == 3 ? 255 : 60 + x; });
-    const FrameRef b = frameOf({64, 36}, true, [](int plane, int, int y) { return plane == 3 ? 255 : 90 + y; });
+    const FrameRef a =
+        frameOf({64, 36}, true, [](int plane, int x, int) { return plane == 3 ? 255 : 60 + x; });
+    const FrameRef b =
+        frameOf({64, 36}, true, [](int plane, int, int y) { return plane == 3 ? 255 : 90 + y; });
     for (const double position : {0.2, 0.6}) {
       const FrameRef now = mixed(effect, a, b, position);
       const PlaneView alpha = planeOf(*now, Frame::A);
