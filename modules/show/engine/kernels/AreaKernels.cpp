@@ -5,6 +5,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include <cstring>
+
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
@@ -57,6 +59,10 @@ void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCoun
       *out++ = static_cast<std::uint8_t>(
           (taps[0] * first + taps[1] * (256 - first - last) + taps[2] * last + 128) >> 8);
     }
+}
+
+void storeRow(const std::uint8_t* row, std::uint8_t* out, int count) {
+  std::memcpy(out, row, static_cast<std::size_t>(count));
 }
 
 #else
@@ -127,12 +133,21 @@ void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCoun
     const auto firstWeight = hn::Load(d16, group->firstWeight);
     const auto lastWeight = hn::Load(d16, group->lastWeight);
     const auto middleWeight = hn::Sub(hn::Sub(whole, firstWeight), lastWeight);
-    const auto sum =
-        hn::Add(hn::Add(hn::Mul(tap(index), firstWeight), hn::Mul(tap(next), middleWeight)),
-                hn::Add(hn::Mul(tap(hn::Add(next, one)), lastWeight), round));
+    const auto sum = hn::Add(hn::Add(hn::Mul(tap(index), firstWeight), hn::Mul(tap(next), middleWeight)),
+                             hn::Add(hn::Mul(tap(hn::Add(next, one)), lastWeight), round));
     hn::StoreU(hn::DemoteTo(lanes8, hn::BitCast(i16, hn::ShiftRight<8>(sum))), lanes8, out);
     out += group->count;
   }
+}
+
+void storeRow(const std::uint8_t* row, std::uint8_t* out, int count) {
+  const hn::ScalableTag<std::uint8_t> d8;
+  const int lanes = static_cast<int>(hn::Lanes(d8));
+  int x = 0;
+  if (reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0)
+    for (; x + lanes <= count; x += lanes)
+      hn::Stream(hn::LoadU(d8, row + x), d8, out + x);
+  std::memcpy(out + x, row + x, static_cast<std::size_t>(count - x));
 }
 
 #endif
@@ -146,6 +161,7 @@ namespace korvia {
 HWY_EXPORT(averageRows);
 HWY_EXPORT(halveRow);
 HWY_EXPORT(shrinkRow);
+HWY_EXPORT(storeRow);
 
 void averageRows(const std::uint8_t* const* rows, const std::uint16_t* weights, int rowCount,
                  std::uint8_t* out, int count) {
@@ -158,6 +174,10 @@ void halveRow(const std::uint8_t* row, int count, int round, std::uint8_t* out) 
 
 void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCount, std::uint8_t* out) {
   HWY_DYNAMIC_DISPATCH(shrinkRow)(row, groups, groupCount, out);
+}
+
+void storeRow(const std::uint8_t* row, std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(storeRow)(row, out, count);
 }
 
 }  // namespace korvia

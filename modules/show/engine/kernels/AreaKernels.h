@@ -1,5 +1,5 @@
 // Kernels that average samples over an area, for pictures that shrink or lie between the samples. What they
-// write stays in the cache. Pure functions, any thread.
+// write stays in the cache, but for the last step into a frame. Pure functions, any thread.
 #pragma once
 #include <cstdint>
 
@@ -7,8 +7,8 @@
 
 namespace korvia {
 
-/// out = the weighted mean of the rows, rounded, for `count` samples. The weights add up to 65 to 256; rows of
-/// one value stay at it. `out` may be one of the rows.
+/// out = the weighted mean of the rows, rounded, for `count` samples. The weights add up to 65 to 256; rows
+/// of one value stay at it. `out` may be one of the rows.
 void averageRows(const std::uint8_t* const* rows, const std::uint16_t* weights, int rowCount,
                  std::uint8_t* out, int count);
 
@@ -18,5 +18,8 @@ void halveRow(const std::uint8_t* row, int count, int round, std::uint8_t* out);
 
 /// Shrinks a row by its groups. `out` takes up to seven samples more than the groups have.
 void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCount, std::uint8_t* out);
+
+/// Copies a row into a frame that is not read soon: past the cache, if `out` begins on a vector's boundary.
+void storeRow(const std::uint8_t* row, std::uint8_t* out, int count);
 
 }  // namespace korvia

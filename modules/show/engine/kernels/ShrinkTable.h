@@ -1,6 +1,6 @@
-// Where each sample of a shrunk row comes from: the part of the row that the sample covers, as three neighbours
-// and their weights. Made anew for every frame of a movement, hence in memory of the caller. Pure functions,
-// any thread.
+// Where each sample of a shrunk row comes from: the part of the row that the sample covers, as three
+// neighbours and their weights. Made anew for every frame of a movement, hence in memory of the caller. Pure
+// functions, any thread.
 #pragma once
 #include <cstdint>
 

@@ -16,8 +16,8 @@ struct Placement {
   int height = 0;
 };
 
-/// The whole frame. An odd one is a sample wider or higher than its luma, so that its chroma samples are whole
-/// and luma and chroma move and shrink alike; the luma of that sample is that of its neighbour.
+/// The whole frame. An odd one is a sample wider or higher than its luma, so that its chroma samples are
+/// whole and luma and chroma move and shrink alike; the luma of that sample is that of its neighbour.
 Placement wholeFrame(FrameSize size);
 
 /// Draws `front` at its place over `behind` at its own. Each sample of `out` is the mean of what lies under

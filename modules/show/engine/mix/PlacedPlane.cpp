@@ -1,5 +1,7 @@
 #include "PlacedPlane.h"
 
+#include <hwy/cache_control.h>
+
 #include <algorithm>
 #include <cstring>
 
@@ -13,7 +15,10 @@ constexpr int kWhole = PlacedSide::kWhole;
 // Rows that one mean is made of at most; of more, so many are picked.
 constexpr int kRowsMost = 128;
 constexpr int kWeightTotal = 255;
+// A cache line.
 constexpr std::size_t kAlignment = 64;
+// Parts of rows are too short for the machine to foresee where it goes on.
+constexpr int kRowsAhead = 2;
 
 int floorOf(int place) {
   return place >> 8;
@@ -60,8 +65,8 @@ PlacedPlane::PlacedPlane(const PlaneView& plane, const PlacedSide& columns, cons
   halves_[0] = average_ + stride;
   halves_[1] = halves_[0] + stride;
   if (columns_.isShrunk() && touched_.begin < touched_.end)
-    prepareShrinking(
-        scratch.buffer<ShrinkGroup>(scratchPlace + 1, static_cast<std::size_t>(touched_.end - touched_.begin)));
+    prepareShrinking(scratch.buffer<ShrinkGroup>(scratchPlace + 1,
+                                                 static_cast<std::size_t>(touched_.end - touched_.begin)));
 }
 
 void PlacedPlane::prepareShrinking(ShrinkGroup* groups) {
@@ -88,6 +93,7 @@ const std::uint8_t* PlacedPlane::planeRow(int y) {
   const CoveredPart part(rows_.part(y), rows_.ownLength);
   const int first = part.first();
   const int count = part.last() - first + 1;
+  fetchAhead(part.last());
   const auto rowAt = [&](int sourceY) { return plane_.row(std::min(sourceY, plane_.height - 1)); };
   if (count == 1)
     return rowAt(first);
@@ -111,6 +117,16 @@ const std::uint8_t* PlacedPlane::planeRow(int y) {
     rows[i] = rowAt(first + static_cast<int>(std::int64_t{i} * count / used));
   averageRows(rows, weights, used, average_, plane_.width);
   return average_;
+}
+
+void PlacedPlane::fetchAhead(int lastRow) {
+  const int left = columns_.isShrunk() ? 0 : std::max(0, touched_.begin - floorOf(columns_.begin) - 1);
+  const int width = columns_.isShrunk() ? plane_.width : touched_.end - touched_.begin + 1;
+  const int right = std::min(left + width, plane_.width);
+  fetched_ = std::max(fetched_, lastRow + 1);
+  for (; fetched_ < std::min(lastRow + 1 + kRowsAhead, plane_.height); ++fetched_)
+    for (int x = left; x < right; x += static_cast<int>(kAlignment))
+      hwy::Prefetch(plane_.row(fetched_) + x);
 }
 
 const std::uint8_t* PlacedPlane::shifted(const std::uint8_t* row) {

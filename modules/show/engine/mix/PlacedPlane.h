@@ -51,6 +51,7 @@ class PlacedPlane {
  private:
   void prepareShrinking(ShrinkGroup* groups);
   const std::uint8_t* planeRow(int y);
+  void fetchAhead(int lastRow);
   const std::uint8_t* shifted(const std::uint8_t* row);
   const std::uint8_t* shrunk(const std::uint8_t* row);
 
@@ -62,6 +63,7 @@ class PlacedPlane {
   std::uint8_t* average_ = nullptr;
   std::uint8_t* halves_[2] = {};
   int halvings_ = 0;
+  int fetched_ = 0;
   const ShrinkGroup* groups_ = nullptr;
   int groupCount_ = 0;
 };

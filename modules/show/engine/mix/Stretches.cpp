@@ -55,8 +55,8 @@ void SideStretch::mix(const Frame& from, const Frame& to, const MixPoint& point,
   placePictures(to, incoming, from, besides(side_, incoming, whole), scratch, out);
 }
 
-void CenterStretch::mix(const Frame& from, const Frame& to, const MixPoint& point,
-                        TransitionScratch& scratch, Frame& out) const {
+void CenterStretch::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
+                        Frame& out) const {
   const Placement whole = wholeFrame(out.size());
   if (movement_ == OldOut)
     placePictures(from, inCenter(1 - point.position, whole), to, whole, scratch, out);
