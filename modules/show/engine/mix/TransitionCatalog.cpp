@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "CrossFade.h"
+#include "DropFade.h"
 #include "Glides.h"
 #include "Stretches.h"
 
@@ -25,7 +26,7 @@ void addWipes(Catalog& catalog) {
 
 void addFades(Catalog& catalog) {
   catalog[22] = make<CrossFade>();
-  catalog[23] = make<CrossFade>();
+  catalog[23] = make<DropFade>();
 }
 
 void addGlides(Catalog& catalog) {
