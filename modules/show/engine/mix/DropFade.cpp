@@ -59,10 +59,8 @@ struct DropTable {
 /// A row of values by distance, mirrored at its middle.
 template <typename T>
 void fillRow(const std::uint16_t* steps, const T* values, int width, T* row) {
-  const int half = (width + 1) / 2;
-  for (int x = 0; x < half; ++x)
-    row[x] = values[steps[x]];
-  std::reverse_copy(row, row + width / 2, row + half);
+  for (int left = 0, right = width - 1; left <= right; ++left, --right)
+    row[left] = row[right] = values[steps[left]];
 }
 
 void mixPlane(const PlaneView& a, const PlaneView& b, const std::uint16_t* steps, const DropTable& table,
