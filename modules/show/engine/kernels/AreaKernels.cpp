@@ -52,13 +52,16 @@ void halveRow(const std::uint8_t* row, int count, int round, std::uint8_t* out) 
 
 void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCount, std::uint8_t* out) {
   for (const ShrinkGroup* group = groups; group < groups + groupCount; ++group)
-    for (int lane = 0; lane < group->count; ++lane) {
-      const std::uint8_t* taps = row + group->offset + group->index[lane];
-      const int first = group->firstWeight[lane];
-      const int last = group->lastWeight[lane];
-      *out++ = static_cast<std::uint8_t>(
-          (taps[0] * first + taps[1] * (256 - first - last) + taps[2] * last + 128) >> 8);
-    }
+    for (int half = 0; half < ShrinkGroup::kHalves; ++half)
+      for (int lane = 0; lane < group->count[half]; ++lane) {
+        const int place = half * ShrinkGroup::kLanes + lane;
+        const std::uint8_t* taps =
+            row + group->offset[half] + (group->index[place] ^ ShrinkGroup::kZeroAbove);
+        const int first = group->firstWeight[place];
+        const int last = group->lastWeight[place];
+        *out++ = static_cast<std::uint8_t>(
+            (taps[0] * first + taps[1] * (256 - first - last) + taps[2] * last + 128) >> 8);
+      }
 }
 
 void storeRow(const std::uint8_t* row, std::uint8_t* out, int count) {
@@ -113,31 +116,74 @@ void halveRow(const std::uint8_t* row, int count, int round, std::uint8_t* out) 
   halveSamples(row, count, round, out, i);
 }
 
+#if HWY_TARGET & (HWY_AVX2 | HWY_AVX3 | HWY_AVX3_DL)
+
+constexpr int kHalvesAtOnce = 2;
+
+inline auto windows(const std::uint8_t* row, const std::int32_t* offsets) {
+  const hn::FixedTag<std::uint8_t, ShrinkGroup::kWindow> window;
+  const hn::FixedTag<std::uint8_t, 2 * ShrinkGroup::kWindow> both;
+  return hn::Combine(both, hn::LoadU(window, row + offsets[1]), hn::LoadU(window, row + offsets[0]));
+}
+
+template <typename V>
+std::uint8_t* storeHalves(V samples, const std::int32_t* counts, std::uint8_t* out) {
+  constexpr int kLanes = ShrinkGroup::kLanes;
+  const hn::FixedTag<std::uint8_t, kLanes> half;
+  const hn::FixedTag<std::uint8_t, 2 * kLanes> both;
+  if (counts[0] == kLanes) {
+    hn::StoreU(samples, both, out);
+    return out + kLanes + counts[1];
+  }
+  hn::StoreU(hn::LowerHalf(half, samples), half, out);
+  out += counts[0];
+  hn::StoreU(hn::UpperHalf(half, samples), half, out);
+  return out + counts[1];
+}
+
+#else
+
+constexpr int kHalvesAtOnce = 1;
+
+inline auto windows(const std::uint8_t* row, const std::int32_t* offsets) {
+  return hn::LoadU(hn::FixedTag<std::uint8_t, ShrinkGroup::kWindow>(), row + offsets[0]);
+}
+
+template <typename V>
+std::uint8_t* storeHalves(V samples, const std::int32_t* counts, std::uint8_t* out) {
+  hn::StoreU(samples, hn::FixedTag<std::uint8_t, ShrinkGroup::kLanes>(), out);
+  return out + counts[0];
+}
+
+#endif
+
 void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCount, std::uint8_t* out) {
-  const hn::FixedTag<std::uint8_t, ShrinkGroup::kWindow> d8;
-  const hn::FixedTag<std::uint8_t, ShrinkGroup::kLanes> lanes8;
-  const hn::FixedTag<std::uint16_t, ShrinkGroup::kLanes> d16;
+  constexpr int kLanes = kHalvesAtOnce * ShrinkGroup::kLanes;
+  const hn::FixedTag<std::uint8_t, 2 * kLanes> d8;
+  const hn::FixedTag<std::uint8_t, kLanes> lanes8;
+  const hn::FixedTag<std::uint16_t, kLanes> d16;
   const hn::RebindToSigned<decltype(d16)> i16;
-  // An index with its highest bit set looks up zero: samples come out as numbers of 16 bits.
-  const auto zeroAbove = hn::Set(d16, std::uint16_t{0x8000});
   const auto one = hn::Set(d16, std::uint16_t{1});
   const auto whole = hn::Set(d16, std::uint16_t{256});
   const auto round = hn::Set(d16, std::uint16_t{128});
-  for (const ShrinkGroup* group = groups; group < groups + groupCount; ++group) {
-    const auto window = hn::LoadU(d8, row + group->offset);
-    const auto tap = [&](auto index) HWY_ATTR {
-      return hn::BitCast(d16, hn::TableLookupBytesOr0(window, hn::BitCast(d8, index)));
-    };
-    const auto index = hn::Or(hn::PromoteTo(d16, hn::LoadU(lanes8, group->index)), zeroAbove);
-    const auto next = hn::Add(index, one);
-    const auto firstWeight = hn::Load(d16, group->firstWeight);
-    const auto lastWeight = hn::Load(d16, group->lastWeight);
-    const auto middleWeight = hn::Sub(hn::Sub(whole, firstWeight), lastWeight);
-    const auto sum = hn::Add(hn::Add(hn::Mul(tap(index), firstWeight), hn::Mul(tap(next), middleWeight)),
-                             hn::Add(hn::Mul(tap(hn::Add(next, one)), lastWeight), round));
-    hn::StoreU(hn::DemoteTo(lanes8, hn::BitCast(i16, hn::ShiftRight<8>(sum))), lanes8, out);
-    out += group->count;
-  }
+  for (const ShrinkGroup* group = groups; group < groups + groupCount; ++group)
+    for (int half = 0; half < ShrinkGroup::kHalves; half += kHalvesAtOnce) {
+      const int place = half * ShrinkGroup::kLanes;
+      const auto window = windows(row, group->offset + half);
+      // The zeros above the indices make numbers of 16 bits of the samples.
+      const auto tap = [&](auto index) HWY_ATTR {
+        return hn::BitCast(d16, hn::TableLookupBytesOr0(window, hn::BitCast(d8, index)));
+      };
+      const auto index = hn::Load(d16, group->index + place);
+      const auto next = hn::Add(index, one);
+      const auto firstWeight = hn::Load(d16, group->firstWeight + place);
+      const auto lastWeight = hn::Load(d16, group->lastWeight + place);
+      const auto middleWeight = hn::Sub(hn::Sub(whole, firstWeight), lastWeight);
+      const auto sum = hn::Add(hn::Add(hn::Mul(tap(index), firstWeight), hn::Mul(tap(next), middleWeight)),
+                               hn::Add(hn::Mul(tap(hn::Add(next, one)), lastWeight), round));
+      const auto samples = hn::DemoteTo(lanes8, hn::BitCast(i16, hn::ShiftRight<8>(sum)));
+      out = storeHalves(samples, group->count + half, out);
+    }
 }
 
 void storeRow(const std::uint8_t* row, std::uint8_t* out, int count) {

@@ -16,7 +16,7 @@ void averageRows(const std::uint8_t* const* rows, const std::uint16_t* weights, 
 /// The last sample of an odd row is its own pair.
 void halveRow(const std::uint8_t* row, int count, int round, std::uint8_t* out);
 
-/// Shrinks a row by its groups. `out` takes up to seven samples more than the groups have.
+/// Shrinks a row by its groups. `out` takes up to eight samples more than the groups have.
 void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCount, std::uint8_t* out);
 
 /// Copies a row into a frame that is not read soon: past the cache, if `out` begins on a vector's boundary.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 namespace korvia {
 
@@ -17,9 +16,9 @@ std::uint16_t weightOf(int part, int whole) {
 }  // namespace
 
 CoveredPart::CoveredPart(const RowPart& part, double length) {
-  const long long most = std::llround(length * kOne);
-  begin = static_cast<int>(std::clamp(std::llround(part.begin * kOne), 0LL, most - 1));
-  end = static_cast<int>(std::clamp(std::llround(part.end * kOne), begin + 1LL, most));
+  const int most = static_cast<int>(length * kOne);
+  begin = static_cast<int>(std::clamp(part.begin * kOne + 0.5, 0.0, most - 1.0));
+  end = std::max(begin + 1, static_cast<int>(std::min(part.end * kOne + 0.5, most + 0.0)));
 }
 
 int CoveredPart::of(int sample) const {
@@ -28,8 +27,10 @@ int CoveredPart::of(int sample) const {
 }
 
 int fillShrinkGroups(double begin, double step, double length, int samples, int count, ShrinkGroup* groups) {
-  int used = 0;
-  ShrinkGroup* group = nullptr;
+  constexpr int kLanes = ShrinkGroup::kLanes;
+  int half = -1;
+  int lane = kLanes;
+  int offset = 0;
   for (int i = 0; i < count; ++i) {
     const CoveredPart part({begin + i * step, begin + (i + 1) * step}, length);
     const int base = std::min(part.first(), samples - ShrinkGroup::kTaps);
@@ -37,18 +38,23 @@ int fillShrinkGroups(double begin, double step, double length, int samples, int 
     for (int sample = part.first(); sample <= part.last(); ++sample)
       weights[static_cast<std::size_t>(std::min(sample, samples - 1) - base)] += part.of(sample);
 
-    if (!group || group->count == ShrinkGroup::kLanes ||
-        base + ShrinkGroup::kTaps > group->offset + ShrinkGroup::kWindow) {
-      group = &groups[used++];
-      *group = {};
-      group->offset = std::min(base, samples - ShrinkGroup::kWindow);
+    if (lane == kLanes || base + ShrinkGroup::kTaps > offset + ShrinkGroup::kWindow) {
+      ++half;
+      lane = 0;
+      offset = std::min(base, samples - ShrinkGroup::kWindow);
+      if (half % ShrinkGroup::kHalves == 0)
+        groups[half / ShrinkGroup::kHalves] = {};
     }
-    const int lane = group->count++;
-    group->index[lane] = static_cast<std::uint8_t>(base - group->offset);
-    group->firstWeight[lane] = weightOf(weights[0], part.length());
-    group->lastWeight[lane] = weightOf(weights[2], part.length());
+    ShrinkGroup& group = groups[half / ShrinkGroup::kHalves];
+    const int side = half % ShrinkGroup::kHalves;
+    const int place = side * kLanes + lane;
+    group.offset[side] = offset;
+    group.count[side] = ++lane;
+    group.index[place] = static_cast<std::uint16_t>((base - offset) | ShrinkGroup::kZeroAbove);
+    group.firstWeight[place] = weightOf(weights[0], part.length());
+    group.lastWeight[place] = weightOf(weights[2], part.length());
   }
-  return used;
+  return half / ShrinkGroup::kHalves + 1;
 }
 
 }  // namespace korvia

@@ -6,17 +6,20 @@
 
 namespace korvia {
 
-/// Up to eight samples that lie in one window of sixteen.
-struct alignas(16) ShrinkGroup {
-  static constexpr int kLanes = 8;
+/// Samples of two windows of sixteen each, up to eight of each window.
+struct alignas(32) ShrinkGroup {
+  static constexpr int kHalves = 2;
+  static constexpr int kLanes = 8;  ///< of a half
   static constexpr int kWindow = 16;
   static constexpr int kTaps = 3;
+  /// Beside an index, where a look-up of bytes takes it for a zero.
+  static constexpr int kZeroAbove = 0x8000;
 
-  std::uint16_t firstWeight[kLanes];  ///< of the first neighbour, in 1/256
-  std::uint16_t lastWeight[kLanes];   ///< of the third; the second one has what is missing to 256
-  std::uint8_t index[kLanes];         ///< first neighbour, counted from the window's first sample
-  std::int32_t offset;                ///< the window's first sample
-  std::int32_t count;                 ///< samples in use
+  std::uint16_t index[kHalves * kLanes];        ///< first neighbour in the window, and kZeroAbove
+  std::uint16_t firstWeight[kHalves * kLanes];  ///< of the first neighbour, in 1/256
+  std::uint16_t lastWeight[kHalves * kLanes];   ///< of the third; the second one has what is missing to 256
+  std::int32_t offset[kHalves];                 ///< the window's first sample
+  std::int32_t count[kHalves];                  ///< samples in use
 };
 
 /// Part of a row, in samples.
@@ -42,10 +45,10 @@ struct CoveredPart {
   int of(int sample) const;
 };
 
-/// Fills `groups`, which has room for `count` of them, for `count` samples and returns how many it used. The
-/// sample number i is the mean of the row from `begin` + i * `step` on, one `step` long, as far as that lies
-/// in 0 to `length`; `step` at most 2. The row has `samples` of them, sixteen at least; beyond those lies the
-/// last one.
+/// Fills `groups`, which has room for one of them for each of the `count` samples, and returns how many it
+/// used. The sample number i is the mean of the row from `begin` + i * `step` on, one `step` long, as far as
+/// that lies in 0 to `length`; `step` at most 2. The row has `samples` of them, sixteen at least; beyond
+/// those lies the last one.
 int fillShrinkGroups(double begin, double step, double length, int samples, int count, ShrinkGroup* groups);
 
 }  // namespace korvia
