@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "engine/frame/PlaneView.h"
+#include "engine/kernels/FetchAhead.h"
 #include "engine/kernels/LitMix.h"
 #include "engine/kernels/RowKernels.h"
 
@@ -19,6 +20,8 @@ constexpr double kDelay = 0.08;
 constexpr double kLight = 0.16;
 // Distances are told apart in so many steps, finer than the samples of a large picture.
 constexpr int kSteps = 2048;
+
+constexpr int kRowsAhead = 2;
 
 // Places in the scratch.
 constexpr int kMaskRow = 0;
@@ -79,6 +82,11 @@ void mixPlane(const PlaneView& a, const PlaneView& b, const std::uint16_t* steps
     fillRow(steps, table.mask, out.width, mask);
     if (lit)
       fillRow(steps, table.light, out.width, light);
+    const int next = y + kRowsAhead < quarter.height ? y + kRowsAhead : y;
+    for (const int row : {next, out.height - 1 - next}) {
+      fetchAhead(a.row(row), out.width);
+      fetchAhead(b.row(row), out.width);
+    }
     mixRows(y);
     if (const int mirrored = out.height - 1 - y; mirrored != y)
       mixRows(mirrored);

@@ -1,11 +1,10 @@
 #include "PlacedPlane.h"
 
-#include <hwy/cache_control.h>
-
 #include <algorithm>
 #include <cstring>
 
 #include "engine/kernels/AreaKernels.h"
+#include "engine/kernels/FetchAhead.h"
 
 namespace korvia {
 
@@ -15,10 +14,8 @@ constexpr int kWhole = PlacedSide::kWhole;
 // Rows that one mean is made of at most; of more, so many are picked.
 constexpr int kRowsMost = 128;
 constexpr int kWeightTotal = 255;
-// A cache line.
 constexpr std::size_t kAlignment = 64;
-// Parts of rows are too short for the machine to foresee where it goes on.
-constexpr int kRowsAhead = 2;
+constexpr int kRowsAhead = 3;
 
 int floorOf(int place) {
   return place >> 8;
@@ -93,13 +90,13 @@ const std::uint8_t* PlacedPlane::planeRow(int y) {
   const CoveredPart part(rows_.part(y), rows_.ownLength);
   const int first = part.first();
   const int count = part.last() - first + 1;
-  fetchAhead(part.last());
+  fetchAfter(part.last());
   const auto rowAt = [&](int sourceY) { return plane_.row(std::min(sourceY, plane_.height - 1)); };
   if (count == 1)
     return rowAt(first);
 
-  const std::uint8_t* rows[kRowsMost + 1];
-  std::uint16_t weights[kRowsMost + 1];
+  const std::uint8_t* rows[kRowsMost];
+  std::uint16_t weights[kRowsMost];
   int used = count;
   if (count == 2) {
     weights[1] = static_cast<std::uint16_t>((part.of(first + 1) * 256 + part.length() / 2) / part.length());
@@ -119,14 +116,17 @@ const std::uint8_t* PlacedPlane::planeRow(int y) {
   return average_;
 }
 
-void PlacedPlane::fetchAhead(int lastRow) {
-  const int left = columns_.isShrunk() ? 0 : std::max(0, touched_.begin - floorOf(columns_.begin) - 1);
-  const int width = columns_.isShrunk() ? plane_.width : touched_.end - touched_.begin + 1;
-  const int right = std::min(left + width, plane_.width);
+void PlacedPlane::fetchAfter(int lastRow) {
+  int begin = 0;
+  int end = plane_.width;
+  if (!columns_.isShrunk()) {
+    const int left = floorOf(columns_.begin);
+    begin = std::clamp(touched_.begin - left - 1, 0, plane_.width);
+    end = std::clamp(touched_.end - left, begin, plane_.width);
+  }
   fetched_ = std::max(fetched_, lastRow + 1);
   for (; fetched_ < std::min(lastRow + 1 + kRowsAhead, plane_.height); ++fetched_)
-    for (int x = left; x < right; x += static_cast<int>(kAlignment))
-      hwy::Prefetch(plane_.row(fetched_) + x);
+    fetchAhead(plane_.row(fetched_) + begin, end - begin);
 }
 
 const std::uint8_t* PlacedPlane::shifted(const std::uint8_t* row) {

@@ -51,7 +51,7 @@ class PlacedPlane {
  private:
   void prepareShrinking(ShrinkGroup* groups);
   const std::uint8_t* planeRow(int y);
-  void fetchAhead(int lastRow);
+  void fetchAfter(int lastRow);
   const std::uint8_t* shifted(const std::uint8_t* row);
   const std::uint8_t* shrunk(const std::uint8_t* row);
 
