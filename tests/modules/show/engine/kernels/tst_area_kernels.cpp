@@ -33,6 +33,9 @@ class AreaKernelsTest : public QObject {
       std::vector<const std::uint8_t*> pointers;
       std::vector<std::uint16_t> weights;
       int total = 0;
+      rows.reserve(static_cast<std::size_t>(rowCount));
+      weights.reserve(static_cast<std::size_t>(rowCount));
+      pointers.reserve(static_cast<std::size_t>(rowCount));
       for (int i = 0; i < rowCount; ++i) {
         rows.push_back(noise(count, static_cast<unsigned>(i)));
         weights.push_back(static_cast<std::uint16_t>(65 / rowCount + 1 + (i * 7 + count) % (190 / rowCount)));
