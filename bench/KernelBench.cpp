@@ -11,6 +11,7 @@
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/FramePool.h"
 #include "engine/items/PaintLayer.h"
+#include "engine/kernels/SampleKernels.h"
 #include "engine/mix/TransitionCatalog.h"
 #include "engine/monitor/PictureScaler.h"
 
@@ -161,6 +162,22 @@ int runKernelBench(const QList<int>& effects) {
   measureEffects(effects, in, out, reference);
   if (!effects.isEmpty())
     return 0;
+  std::vector<std::int32_t> x(kSize.width);
+  std::vector<std::int32_t> y(kSize.width);
+  measure("sampling at turned points", reference, [&] {
+    const Frame& from = in.next();
+    Frame& to = out.next();
+    for (int plane = 0; plane < 3; ++plane) {
+      const WritablePlane target = writablePlaneOf(to, plane);
+      for (int row = 0; row < target.height; ++row) {
+        for (int column = 0; column < target.width; ++column) {
+          x[column] = column * 250 - row * 30;
+          y[column] = row * 250 + column * 30;
+        }
+        sampleRow(planeOf(from, plane), x.data(), y.data(), target.row(row), target.width);
+      }
+    }
+  });
   PaintLayer drawing;
   QImage veil(kSize.width, kSize.height, QImage::Format_ARGB32);
   veil.fill(qRgba(255, 0, 0, 100));
