@@ -118,6 +118,14 @@ class ThumbnailsTest : public QObject {
   void contactSheetHasARowForEachOfItsEffects() {
     const QImage sheet = korvia::drawContactSheet();
     QCOMPARE(sheet.size(), QSize(2304, 1721));
+    const QSize size(112, 63);
+    const QRect first(QPoint(182, 36), size);
+    const QRect last(QPoint(2178, 1510), size);
+    QVERIFY(meanDifference(sheet.copy(first), korvia::drawSceneA(size)) < 4);
+    QVERIFY(meanDifference(sheet.copy(last), korvia::drawSceneB(size)) < 4);
+    // 73 rows leave two places of the last block empty.
+    const QImage below = sheet.copy(last.translated(0, 67));
+    QCOMPARE(meanDifference(below, below.scaled(1, 1).scaled(size)), 0.0);
   }
 };
 
