@@ -6,12 +6,15 @@
 #include <QLoggingCategory>
 #include <QPainter>
 #include <functional>
+#include <memory>
 #include <vector>
 
 #include "EasingPicture.h"
 #include "EffectPictures.h"
 #include "SampleScene.h"
+#include "console/tagKorviaTakeButton.h"
 #include "engine/mix/Easing.h"
+#include "engine/mix/TransitionCatalog.h"
 #include "transitions/TransitionCatalogue.h"
 
 Q_LOGGING_CATEGORY(lcThumbnails, "korvia.thumbnails")
@@ -22,8 +25,6 @@ namespace {
 
 constexpr int kJpegQuality = 95;
 constexpr double kPosition = 0.45;
-constexpr qint32 kCut = 0;
-constexpr qint32 kRandom = 65535;
 
 struct Thumbnail {
   /// Where the console looks for it.
@@ -34,25 +35,26 @@ using Thumbnails = std::vector<Thumbnail>;
 
 /// Several effects beside each other, for the choice among all of them.
 QImage drawMosaic(EffectPictures& effects) {
-  constexpr int kTiles[2][3] = {{13, 12, 20}, {62, 55, 41}};
-  const int columns = 3;
-  const int rows = 2;
+  constexpr int kRows = 2;
+  constexpr int kColumns = 3;
+  // Circle, checkerboard and wheel; swirl, mosaic and push.
+  constexpr int kTiles[kRows][kColumns] = {{13, 12, 20}, {62, 55, 41}};
   QImage mosaic(effects.size(), QImage::Format_RGB32);
   QPainter painter(&mosaic);
   painter.setRenderHint(QPainter::SmoothPixmapTransform);
-  const double width = static_cast<double>(mosaic.width()) / columns;
-  const double height = static_cast<double>(mosaic.height()) / rows;
-  for (int row = 0; row < rows; ++row)
-    for (int column = 0; column < columns; ++column)
+  const double width = static_cast<double>(mosaic.width()) / kColumns;
+  const double height = static_cast<double>(mosaic.height()) / kRows;
+  for (int row = 0; row < kRows; ++row)
+    for (int column = 0; column < kColumns; ++column)
       painter.drawImage(QRectF(column * width, row * height, width, height),
                         effects.picture(kTiles[row][column], kPosition));
   return mosaic;
 }
 
 QImage drawEffect(EffectPictures& effects, qint32 effect) {
-  if (effect == kCut)
+  if (effect == kEffectNone)
     return drawCut(effects.size());
-  if (effect == kRandom)
+  if (effect == tagKorviaTakeButton::kRandomEffect)
     return drawDie(drawMosaic(effects));
   return effects.picture(effect, kPosition);
 }
