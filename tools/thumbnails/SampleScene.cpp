@@ -165,7 +165,7 @@ QImage drawDie(const QImage& background) {
   QImage image = background;
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
-  const qreal side = 0.6 * std::min(image.width(), image.height());
+  const qreal side = 0.52 * std::min(image.width(), image.height());
   painter.translate(image.width() / 2.0, image.height() / 2.0);
   painter.rotate(-12);
   painter.setPen(QPen(QColor(0xff14171c), side / 16));
