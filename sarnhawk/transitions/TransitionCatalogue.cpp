@@ -153,6 +153,10 @@ QStringList TransitionCatalogue::easingLabels() {
   return labels;
 }
 
+QString TransitionCatalogue::easingThumbPath(int code) {
+  return QStringLiteral("%1/res/easing/%2.png").arg(QCoreApplication::applicationDirPath()).arg(code);
+}
+
 QList<tagTransitionEffectItem>* TransitionCatalogue::effectList(int catalog) {
   if (catalog < 0 || catalog > kAllCatalog)
     return nullptr;

@@ -17,6 +17,8 @@ class TransitionCatalogue {
   static QString catalogName(int catalog);
   /// Translated labels; the place in the list is the easing code.
   static QStringList easingLabels();
+  /// Where the picture of an easing code lies, beside the application.
+  static QString easingThumbPath(int code);
 
   /// Effects of a catalog, all of them for kAllCatalog, null for any other number. Filled at the first call
   /// and kept for the life of the catalogue.

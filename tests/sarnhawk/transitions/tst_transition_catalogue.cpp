@@ -70,6 +70,8 @@ class TransitionCatalogueTest : public QObject {
     QCOMPARE(labels[4], QString("OutInQuad"));
     QCOMPARE(labels[17], QString("InSine"));
     QCOMPARE(labels[28], QString("OutInCirc"));
+    QCOMPARE(TransitionCatalogue::easingThumbPath(28),
+             QCoreApplication::applicationDirPath() + "/res/easing/28.png");
   }
 
   void plainSlotSendsItsNumber() {
