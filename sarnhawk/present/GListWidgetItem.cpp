@@ -12,8 +12,8 @@
 namespace {
 
 constexpr QSize kDefaultSize(100, 84);
-// Parts the thumbnails of neighbours, and shows the colour of a selected tile all around its own. Captions get
-// what they can.
+// Parts the thumbnails of neighbours, and shows the colour of a selected tile all around its own. Captions
+// get what they can.
 constexpr QMargins kTileMargins(1, 4, 1, 2);
 constexpr QMargins kThumbMargins(3, 0, 3, 0);
 constexpr int kSpacing = 1;

@@ -151,14 +151,16 @@ QString TransitionCatalogue::catalogName(int catalog) {
 }
 
 QList<GListWidgetItemInfo> TransitionCatalogue::easingList() {
-  const QString folder = resourceFolder(QStringLiteral("easing"));
   QList<GListWidgetItemInfo> curves;
   for (const char* label : kEasings) {
     const int code = curves.size();
-    curves.append(
-        {translated(label), QStringLiteral("%1%2.png").arg(folder).arg(code), code, QString(), QVariant()});
+    curves.append({translated(label), easingThumbPath(code), code, QString(), QVariant()});
   }
   return curves;
+}
+
+QString TransitionCatalogue::easingThumbPath(int code) {
+  return QStringLiteral("%1%2.png").arg(resourceFolder(QStringLiteral("easing"))).arg(code);
 }
 
 QList<GListWidgetItemInfo>* TransitionCatalogue::effectList(int catalog) {

@@ -16,6 +16,8 @@ class TransitionCatalogue {
   static QString catalogName(int catalog);
   /// The easing curves under their translated names; the place in the list is the code.
   static QList<GListWidgetItemInfo> easingList();
+  /// Where the picture of an easing code lies, beside the application.
+  static QString easingThumbPath(int code);
 
   /// Effects of a catalog by their numbers, all of them for kAllCatalog, null for any other number. Filled at
   /// the first call and kept for the life of the catalogue.

@@ -574,13 +574,15 @@ class DeskControlsTest : public QObject {
     desk.console->updateTakeButton(3);
     QCOMPARE(button->text(), QString("Color\nApplyTextureMap"));
     QCOMPARE(button->toolTip(), QString("Color\nApplyTextureMap"));
-    QVERIFY(button->icon().isNull());
+    QCOMPARE(button->icon().availableSizes(), QList<QSize>{QSize(100, 84)});
     desk.config()->takeButtons[3].effect = 65535;
     desk.console->updateTakeButton(3);
     QCOMPARE(button->text(), QString("Sys\nRandom"));
+    QVERIFY(!button->icon().isNull());
     desk.config()->takeButtons[3].effect = 21;
     desk.console->updateTakeButton(3);
     QCOMPARE(button->text(), QString("21"));
+    QVERIFY(button->icon().isNull());
     desk.console->updateTakeButton(4);
     desk.console->updateTakeButton(-1);
   }
