@@ -12,10 +12,9 @@
 namespace {
 
 constexpr QSize kDefaultSize(100, 84);
-// Parts the thumbnails of neighbours, and shows the colour of a selected tile all around its own. Captions
-// get what they can.
-constexpr QMargins kTileMargins(1, 4, 1, 2);
-constexpr QMargins kThumbMargins(3, 0, 3, 0);
+// Parts thumbnails and captions of neighbours, and shows the colour of a selected tile all around its
+// thumbnail.
+constexpr QMargins kMargins(4, 4, 4, 2);
 constexpr int kSpacing = 1;
 
 constexpr qint64 kPixelsMax = 64 * 1024 * 1024;
@@ -52,7 +51,6 @@ GListWidgetItem::GListWidgetItem(IGListWidgetItemEventSink* sink, QListWidget* l
   _thumbLabel->setObjectName(QStringLiteral("_thumbLabel"));
   _thumbLabel->setCursor(Qt::PointingHandCursor);
   _thumbLabel->setScaledContents(true);
-  _thumbLabel->setContentsMargins(kThumbMargins);
   _thumbLabel->setToolTip(_info.name);
   _thumbLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
   _captionLabel->setObjectName(QStringLiteral("_captionLabel"));
@@ -60,7 +58,7 @@ GListWidgetItem::GListWidgetItem(IGListWidgetItemEventSink* sink, QListWidget* l
   _captionLabel->setHidden(_info.name.isEmpty());
 
   auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(kTileMargins);
+  layout->setContentsMargins(kMargins);
   layout->setSpacing(kSpacing);
   layout->addWidget(_thumbLabel);
   layout->addWidget(_captionLabel);
