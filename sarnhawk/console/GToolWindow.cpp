@@ -9,7 +9,10 @@ static_assert(0x44001 == (Qt::Window | Qt::WindowStaysOnTopHint | Qt::WindowMini
 
 }  // namespace
 
-GToolWindow::GToolWindow(QWidget* parent) : QWidget(parent, kToolWindow) {}
+GToolWindow::GToolWindow(QWidget* parent) : QWidget(parent, kToolWindow) {
+  // Without it the style sheet draws no frame.
+  setAttribute(Qt::WA_StyledBackground);
+}
 
 void GToolWindow::present() {
   if (isMinimized())

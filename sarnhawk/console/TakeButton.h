@@ -1,5 +1,5 @@
-// A take button: the picture of its transition over two lines of text. The picture takes the room that the text
-// leaves in the button. Console thread.
+// A take button: the picture of its transition over two lines of text. The picture takes the room that the
+// text leaves in the button. Console thread.
 #pragma once
 #include <QToolButton>
 
