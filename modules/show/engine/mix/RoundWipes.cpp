@@ -1,0 +1,200 @@
+#include "RoundWipes.h"
+
+#include <array>
+#include <cstring>
+
+namespace korvia {
+
+namespace {
+
+constexpr double kPi = 3.14159265358979323846;
+
+/// Fills from sample `begin` to before `end`.
+void fill(std::uint8_t* mask, int begin, int end, int value) {
+  if (begin < end)
+    std::memset(mask + begin, value, static_cast<std::size_t>(end - begin));
+}
+
+class CircleMask {
+ public:
+  CircleMask(const PlaneGrid& grid, double position, TransitionScratch& scratch)
+      : grid_(grid),
+        mask_(scratch.buffer<std::uint8_t>(0, static_cast<std::size_t>(grid.width))),
+        feather_(featherOf(grid.size)),
+        outside_(position * (std::hypot(grid.size.width, grid.size.height) / 2 + feather_)) {}
+
+  const std::uint8_t* row(int y) {
+    const double dy = grid_.y(y) - grid_.size.height / 2.0;
+    const Chord outside = chord(outside_, dy);
+    const Chord inside = chord(outside_ - feather_, dy);
+    fill(mask_, 0, outside.begin, 0);
+    soften(outside.begin, inside.begin, dy);
+    fill(mask_, inside.begin, inside.end, 255);
+    soften(inside.end, outside.end, dy);
+    fill(mask_, outside.end, grid_.width, 0);
+    return mask_;
+  }
+
+ private:
+  struct Chord {
+    int begin = 0;
+    int end = 0;
+  };
+
+  /// The samples of a row within a radius; none of them in the middle where there are none.
+  Chord chord(double radius, double dy) const {
+    const double square = radius * radius - dy * dy;
+    const double half = radius > 0 && square > 0 ? std::sqrt(square) : 0;
+    const double middle = grid_.size.width / 2.0;
+    return {columnFrom(middle - half), columnFrom(middle + half)};
+  }
+
+  /// The first sample whose centre is at x or behind it.
+  int columnFrom(double x) const {
+    return std::clamp(static_cast<int>(std::ceil(x / grid_.step - 0.5)), 0, grid_.width);
+  }
+
+  void soften(int begin, int end, double dy) {
+    const float square = static_cast<float>(dy * dy);
+    const float first = static_cast<float>(grid_.x(0) - grid_.size.width / 2.0);
+    const float step = static_cast<float>(grid_.step);
+    const float outside = static_cast<float>(outside_);
+    const float scale = static_cast<float>(255 / feather_);
+    for (int x = begin; x < end; ++x) {
+      const float dx = first + static_cast<float>(x) * step;
+      const float value = (outside - std::sqrt(dx * dx + square)) * scale;
+      mask_[x] = static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
+    }
+  }
+
+  PlaneGrid grid_;
+  std::uint8_t* mask_;
+  double feather_;
+  double outside_;
+};
+
+constexpr int kSpokes = 4;
+// A half of the wheel holds whole sectors, and the other half is the same.
+static_assert(kSpokes % 4 == 0);
+/// Of a sector: 1 % of the width halfway to the picture's side.
+constexpr double kSpokeFeather = 0.01 * 4 * kSpokes / (2 * kPi);
+
+/// Coverage within a sector, `along` from 0 at its spoke's beginning to 1. Where the spoke begins, the sector
+/// before it is softened, which the next spoke covers at last.
+double wheelCoverage(double position, double along) {
+  const double begun = swept(position, 0, 1, kSpokeFeather);
+  const double before = std::max(0.0, (along - (1 - kSpokeFeather)) / kSpokeFeather);
+  return std::max(swept(position, along, 1, kSpokeFeather), begun * before);
+}
+
+class WheelMask {
+ public:
+  WheelMask(const PlaneGrid& grid, double position, TransitionScratch& scratch)
+      : grid_(grid),
+        position_(position),
+        mask_(scratch.buffer<std::uint8_t>(0, static_cast<std::size_t>(grid.width))) {
+    // Where the coverage of a sector bends; in between it is straight.
+    const double edge = position * (1 + kSpokeFeather);
+    const double begun = swept(position, 0, 1, kSpokeFeather);
+    const double meeting = (edge + begun * (1 - kSpokeFeather)) / (1 + begun);
+    std::array<double, kBends> bends{0, edge - kSpokeFeather, edge, meeting, 1 - kSpokeFeather, 1};
+    for (double& bend : bends)
+      bend = std::clamp(bend, 0.0, 1.0);
+    std::sort(bends.begin(), bends.end());
+    for (int sector = 0; sector < kSpokes / 2; ++sector)
+      for (int i = 0; i < kBends; ++i) {
+        const double along = bends[static_cast<std::size_t>(i)];
+        const double angle = ((sector + along) * 4 / kSpokes - 1) * kPi / 2;
+        knots_[static_cast<std::size_t>(sector * kBends + i)] = {angle, std::tan(angle),
+                                                                 255 * wheelCoverage(position, along)};
+      }
+  }
+
+  const std::uint8_t* row(int y) {
+    const double dy = grid_.y(y) - grid_.size.height / 2.0;
+    if (dy == 0) {
+      for (int x = 0; x < grid_.width; ++x)
+        mask_[x] = maskOf(WheelWipe().coverage(grid_.size, {position_, 0}, grid_.x(x), grid_.y(y)));
+      return mask_;
+    }
+    // Along a row the tangent of the angle, from 12 o'clock above the centre and from 6 below it, is straight.
+    Tangent tangent;
+    tangent.step = -grid_.step / dy;
+    tangent.first = -(grid_.x(0) - grid_.size.width / 2.0) / dy;
+    const bool rising = tangent.step > 0;
+    int begin = 0;
+    for (std::size_t i = 1; i < knots_.size(); ++i) {
+      const Knot& left = rising ? knots_[i - 1] : knots_[knots_.size() - i];
+      const Knot& right = rising ? knots_[i] : knots_[knots_.size() - i - 1];
+      const bool last = i + 1 == knots_.size();
+      const int end =
+          last ? grid_.width
+               : static_cast<int>(std::clamp(std::ceil((right.tangent - tangent.first) / tangent.step),
+                                             static_cast<double>(begin), static_cast<double>(grid_.width)));
+      if (std::abs(left.value - right.value) < 0.01)
+        fill(mask_, begin, end, static_cast<int>(left.value + 0.5));
+      else
+        soften(begin, end, left, right, tangent);
+      begin = end;
+    }
+    return mask_;
+  }
+
+ private:
+  static constexpr int kBends = 6;
+  struct Knot {
+    double angle = 0;
+    double tangent = 0;
+    double value = 0;
+  };
+  struct Tangent {
+    double first = 0;
+    double step = 0;
+  };
+
+  /// Between two angles that are so near to each other that a difference's tangent is the difference.
+  void soften(int begin, int end, const Knot& left, const Knot& right, const Tangent& tangent) {
+    const float first = static_cast<float>(tangent.first);
+    const float step = static_cast<float>(tangent.step);
+    const float middle = static_cast<float>(std::tan((left.angle + right.angle) / 2));
+    const float value = static_cast<float>((left.value + right.value) / 2);
+    const float slope = static_cast<float>((right.value - left.value) / (right.angle - left.angle));
+    for (int x = begin; x < end; ++x) {
+      const float here = first + static_cast<float>(x) * step;
+      const float difference = (here - middle) / (1 + here * middle);
+      mask_[x] = static_cast<std::uint8_t>(std::clamp(value + slope * difference, 0.0F, 255.0F) + 0.5F);
+    }
+  }
+
+  PlaneGrid grid_;
+  double position_;
+  std::uint8_t* mask_;
+  std::array<Knot, static_cast<std::size_t>(kBends) * kSpokes / 2> knots_;
+};
+
+}  // namespace
+
+double CircleWipe::coverage(FrameSize size, const MixPoint& point, double x, double y) const {
+  const double radius = std::hypot(x - size.width / 2.0, y - size.height / 2.0);
+  return swept(point.position, radius, std::hypot(size.width, size.height) / 2, featherOf(size));
+}
+
+void CircleWipe::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
+                     Frame& out) const {
+  mixByMask(from, to, scratch, out,
+            [&](const PlaneGrid& grid) { return CircleMask(grid, point.position, scratch); });
+}
+
+double WheelWipe::coverage(FrameSize size, const MixPoint& point, double x, double y) const {
+  const double turn = std::atan2(x - size.width / 2.0, size.height / 2.0 - y) / (2 * kPi);
+  const double sector = turn * kSpokes;
+  return wheelCoverage(point.position, sector - std::floor(sector));
+}
+
+void WheelWipe::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
+                    Frame& out) const {
+  mixByMask(from, to, scratch, out,
+            [&](const PlaneGrid& grid) { return WheelMask(grid, point.position, scratch); });
+}
+
+}  // namespace korvia
