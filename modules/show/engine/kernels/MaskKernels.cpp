@@ -6,32 +6,123 @@
 #include <hwy/highway.h>
 
 #include <algorithm>
+#include <cmath>
 
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
+// The last columns of a row, and all of them on a machine without vectors.
+inline std::uint8_t masked(float value) {
+  return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
+}
+
+inline std::uint8_t disc(const DiscRow& row, int column) {
+  const float x = row.first + static_cast<float>(column) * row.step;
+  return masked(row.level - row.slope * std::sqrt(x * x + row.ySquare));
+}
+
+inline std::uint8_t spoke(const SpokeRow& row, int column) {
+  const float tangent = row.first + static_cast<float>(column) * row.step;
+  return masked(row.level + row.slope * (tangent - row.spoke) / (1 + tangent * row.spoke));
+}
+
+#if HWY_TARGET == HWY_SCALAR
+
+void slopedMaskRow(const float* level, const float* slope, float y, std::uint8_t* mask, int count) {
+  for (int x = 0; x < count; ++x)
+    mask[x] = masked(level[x] - y * slope[x]);
+}
+
+void discMaskRow(const DiscRow& row, std::uint8_t* mask, int count) {
+  for (int x = 0; x < count; ++x)
+    mask[x] = disc(row, x);
+}
+
+void spokeMaskRow(const SpokeRow& row, std::uint8_t* mask, int count) {
+  for (int x = 0; x < count; ++x)
+    mask[x] = spoke(row, x);
+}
+
+void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count) {
+  for (int x = 0; x < count; ++x)
+    mask[x] = std::min(row[x], most);
+}
+
+#else
+
 namespace hn = hwy::HWY_NAMESPACE;
+
+using Floats = hn::ScalableTag<float>;
+
+template <typename V>
+HWY_INLINE void storeMasked(V value, std::uint8_t* mask) {
+  const Floats f32;
+  const hn::RebindToSigned<Floats> i32;
+  const hn::Rebind<std::uint8_t, Floats> d8;
+  // Held within bounds before it is made an integer, which not every number can be.
+  const auto held = hn::Min(hn::Max(value, hn::Zero(f32)), hn::Set(f32, 255.0F));
+  hn::StoreU(hn::DemoteTo(d8, hn::ConvertTo(i32, hn::Add(held, hn::Set(f32, 0.5F)))), d8, mask);
+}
 
 void slopedMaskRow(const float* HWY_RESTRICT level, const float* HWY_RESTRICT slope, float y,
                    std::uint8_t* HWY_RESTRICT mask, int count) {
-  int x = 0;
-#if HWY_TARGET != HWY_SCALAR
-  const hn::ScalableTag<float> f32;
-  const hn::RebindToSigned<decltype(f32)> i32;
-  const hn::Rebind<std::uint8_t, decltype(f32)> d8;
+  const Floats f32;
   const int lanes = static_cast<int>(hn::Lanes(f32));
   const auto row = hn::Set(f32, y);
-  const auto full = hn::Set(f32, 255.0F);
-  for (; x + lanes <= count; x += lanes) {
-    const auto value = hn::NegMulAdd(row, hn::LoadU(f32, slope + x), hn::LoadU(f32, level + x));
-    // Held within bounds before it is made an integer, which an endless number cannot be.
-    const auto held = hn::Min(hn::Max(value, hn::Zero(f32)), full);
-    hn::StoreU(hn::DemoteTo(d8, hn::ConvertTo(i32, hn::Add(held, hn::Set(f32, 0.5F)))), d8, mask + x);
-  }
-#endif
+  int x = 0;
+  for (; x + lanes <= count; x += lanes)
+    storeMasked(hn::NegMulAdd(row, hn::LoadU(f32, slope + x), hn::LoadU(f32, level + x)), mask + x);
   for (; x < count; ++x)
-    mask[x] = static_cast<std::uint8_t>(std::clamp(level[x] - y * slope[x], 0.0F, 255.0F) + 0.5F);
+    mask[x] = masked(level[x] - y * slope[x]);
 }
+
+void discMaskRow(const DiscRow& row, std::uint8_t* HWY_RESTRICT mask, int count) {
+  const Floats f32;
+  const int lanes = static_cast<int>(hn::Lanes(f32));
+  const auto step = hn::Set(f32, row.step);
+  const auto ySquare = hn::Set(f32, row.ySquare);
+  const auto level = hn::Set(f32, row.level);
+  const auto slope = hn::Set(f32, row.slope);
+  int x = 0;
+  for (; x + lanes <= count; x += lanes) {
+    const auto dx = hn::MulAdd(hn::Iota(f32, static_cast<float>(x)), step, hn::Set(f32, row.first));
+    storeMasked(hn::NegMulAdd(slope, hn::Sqrt(hn::MulAdd(dx, dx, ySquare)), level), mask + x);
+  }
+  for (; x < count; ++x)
+    mask[x] = disc(row, x);
+}
+
+void spokeMaskRow(const SpokeRow& row, std::uint8_t* HWY_RESTRICT mask, int count) {
+  const Floats f32;
+  const int lanes = static_cast<int>(hn::Lanes(f32));
+  const auto step = hn::Set(f32, row.step);
+  const auto spokes = hn::Set(f32, row.spoke);
+  const auto level = hn::Set(f32, row.level);
+  const auto slope = hn::Set(f32, row.slope);
+  const auto one = hn::Set(f32, 1.0F);
+  int x = 0;
+  for (; x + lanes <= count; x += lanes) {
+    const auto tangent = hn::MulAdd(hn::Iota(f32, static_cast<float>(x)), step, hn::Set(f32, row.first));
+    const auto difference = hn::Div(hn::Sub(tangent, spokes), hn::MulAdd(tangent, spokes, one));
+    storeMasked(hn::MulAdd(slope, difference, level), mask + x);
+  }
+  for (; x < count; ++x)
+    mask[x] = spoke(row, x);
+}
+
+void cappedMaskRow(const std::uint8_t* HWY_RESTRICT row, std::uint8_t most, std::uint8_t* HWY_RESTRICT mask,
+                   int count) {
+  const hn::ScalableTag<std::uint8_t> d8;
+  const int lanes = static_cast<int>(hn::Lanes(d8));
+  const auto cap = hn::Set(d8, most);
+  int x = 0;
+  for (; x + lanes <= count; x += lanes)
+    hn::StoreU(hn::Min(hn::LoadU(d8, row + x), cap), d8, mask + x);
+  for (; x < count; ++x)
+    mask[x] = std::min(row[x], most);
+}
+
+#endif
 
 }  // namespace korvia::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -40,9 +131,24 @@ HWY_AFTER_NAMESPACE();
 namespace korvia {
 
 HWY_EXPORT(slopedMaskRow);
+HWY_EXPORT(discMaskRow);
+HWY_EXPORT(spokeMaskRow);
+HWY_EXPORT(cappedMaskRow);
 
 void slopedMaskRow(const float* level, const float* slope, float y, std::uint8_t* mask, int count) {
   HWY_DYNAMIC_DISPATCH(slopedMaskRow)(level, slope, y, mask, count);
+}
+
+void discMaskRow(const DiscRow& disc, std::uint8_t* mask, int count) {
+  HWY_DYNAMIC_DISPATCH(discMaskRow)(disc, mask, count);
+}
+
+void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int count) {
+  HWY_DYNAMIC_DISPATCH(spokeMaskRow)(spoke, mask, count);
+}
+
+void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count) {
+  HWY_DYNAMIC_DISPATCH(cappedMaskRow)(row, most, mask, count);
 }
 
 }  // namespace korvia

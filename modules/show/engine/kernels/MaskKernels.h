@@ -1,11 +1,34 @@
-// Kernels that make masks. Pure functions, any thread.
+// Kernels that make masks, rounded and held within 0 to 255. Pure functions, any thread.
 #pragma once
 #include <cstdint>
 
 namespace korvia {
 
-/// mask = level - y * slope for each of `count` columns, rounded and held within 0 to 255. The level and what
-/// is subtracted may be of any size that a float holds.
+/// mask = level - y * slope, with a level and a slope for each column.
 void slopedMaskRow(const float* level, const float* slope, float y, std::uint8_t* mask, int count);
+
+/// A row of a soft disc: mask = level - slope * sqrt(x * x + ySquare), where x rises from `first` by `step`.
+struct DiscRow {
+  float first = 0;
+  float step = 1;
+  float ySquare = 0;
+  float level = 0;
+  float slope = 0;
+};
+void discMaskRow(const DiscRow& disc, std::uint8_t* mask, int count);
+
+/// A row of a soft spoke: mask = level + slope * tan(angle between the sample and the spoke), where the
+/// sample's tangent rises from `first` by `step` and the spoke's is `spoke`.
+struct SpokeRow {
+  float first = 0;
+  float step = 1;
+  float spoke = 0;
+  float level = 0;
+  float slope = 0;
+};
+void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int count);
+
+/// mask = the less of `row` and `most`.
+void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count);
 
 }  // namespace korvia

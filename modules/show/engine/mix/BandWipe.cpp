@@ -1,7 +1,6 @@
 #include "BandWipe.h"
 
-#include <cstring>
-
+#include "engine/kernels/MaskKernels.h"
 #include "engine/mix/CellJoin.h"
 #include "engine/mix/Chance.h"
 
@@ -41,8 +40,7 @@ class BandMask {
     last_ = most;
     if (most == 255)
       return columns_;
-    for (int x = 0; x < grid_.width; ++x)
-      mask_[x] = std::min(columns_[x], most);
+    cappedMaskRow(columns_, most, mask_, grid_.width);
     return mask_;
   }
 
@@ -90,10 +88,9 @@ double inSlats(const BandPlace& at) {
 double inRandomBars(const BandPlace& at) {
   const int count = divisions(at.length, kBars);
   const double bar = at.length / count;
+  const Shuffle order(count, at.point.seed);
   return joined(at.place / bar, count, std::min(at.feather / bar, 0.5), [&](int index, double) {
-    const std::uint32_t turn = shuffled(static_cast<std::uint32_t>(index), static_cast<std::uint32_t>(count),
-                                        at.point.seed);
-    return swept(at.point.position, turn, std::max(1, count - 1), kBarFade * count);
+    return swept(at.point.position, order.place(index), std::max(1, count - 1), kBarFade * count);
   });
 }
 

@@ -1,7 +1,9 @@
 #include "CellWipes.h"
 
 #include <array>
+#include <cstring>
 
+#include "engine/kernels/MaskKernels.h"
 #include "engine/kernels/RowKernels.h"
 #include "engine/mix/CellJoin.h"
 #include "engine/mix/Chance.h"
@@ -31,12 +33,23 @@ double dissolveJoin(const CellGrid& cells) {
   return cells.feather(0.25);
 }
 
-double dissolveCoverage(const CellGrid& cells, const MixPoint& point, int column, int row) {
-  const int count = cells.columns * cells.rows;
-  const std::uint32_t turn = shuffled(static_cast<std::uint32_t>(row * cells.columns + column),
-                                      static_cast<std::uint32_t>(count), point.seed);
-  return swept(point.position, turn, std::max(1, count - 1), kCellFade * count);
-}
+/// Coverage of the cells when it is drawn in which order they come.
+class Dissolve {
+ public:
+  Dissolve(const CellGrid& cells, const MixPoint& point)
+      : cells_(cells), position_(point.position), order_(cells.columns * cells.rows, point.seed) {}
+
+  double coverage(int column, int row) const {
+    const int count = cells_.columns * cells_.rows;
+    return swept(position_, order_.place(row * cells_.columns + column), std::max(1, count - 1),
+                 kCellFade * count);
+  }
+
+ private:
+  const CellGrid& cells_;
+  double position_;
+  Shuffle order_;
+};
 
 /// Half of a square's width as a part of its cell's, its soft edge included; a cell that is full is full to
 /// its corners.
@@ -56,7 +69,8 @@ double squareEdge(const CellGrid& cells, double half, double fromMiddle) {
 template <typename Fill>
 class CellRowsMask {
  public:
-  CellRowsMask(const PlaneGrid& grid, int rows, double join, int period, TransitionScratch& scratch, Fill fill)
+  CellRowsMask(const PlaneGrid& grid, int rows, double join, int period, TransitionScratch& scratch,
+               Fill fill)
       : grid_(grid), rows_(rows), join_(join), period_(period), fill_(fill) {
     const auto width = static_cast<std::size_t>(grid.width);
     mask_ = scratch.buffer<std::uint8_t>(0, width);
@@ -97,7 +111,60 @@ class CellRowsMask {
   int last_ = -1;
 };
 
-/// Each row of the picture cuts the rows of its squares down to where the row lies in them.
+/// Fills rows of masks whose cells have one value each.
+class PlainCells {
+ public:
+  /// `values` are masks as numbers, row by row.
+  PlainCells(const PlaneGrid& grid, const CellGrid& cells, double join, const float* values,
+             TransitionScratch& scratch)
+      : columns_(cells.columns),
+        width_(grid.width),
+        values_(values),
+        ends_(scratch.buffer<int>(4, static_cast<std::size_t>(cells.columns))),
+        borders_(scratch.buffer<Border>(5, static_cast<std::size_t>(grid.width))) {
+    std::fill_n(ends_, columns_, 0);
+    for (int x = 0; x < width_; ++x) {
+      const CellJoin at = joinAt(grid.x(x) / grid.size.width * columns_, columns_, join);
+      ends_[at.cell] = x + 1;
+      if (at.weight > 0)
+        borders_[borderCount_++] = {x, at.cell, at.neighbour, static_cast<float>(at.weight) / 256};
+    }
+  }
+
+  void operator()(int row, std::uint8_t* mask) const {
+    const float* values = values_ + static_cast<std::ptrdiff_t>(row) * columns_;
+    int x = 0;
+    for (int column = 0; column < columns_; ++column)
+      if (ends_[column] > x) {
+        std::memset(mask + x, static_cast<int>(values[column] + 0.5F),
+                    static_cast<std::size_t>(ends_[column] - x));
+        x = ends_[column];
+      }
+    for (const Border* border = borders_; border < borders_ + borderCount_; ++border) {
+      const float own = values[border->cell];
+      mask[border->x] =
+          static_cast<std::uint8_t>(own + (values[border->neighbour] - own) * border->weight + 0.5F);
+    }
+  }
+
+ private:
+  /// A sample that shows something of two cells.
+  struct Border {
+    int x = 0;
+    int cell = 0;
+    int neighbour = 0;
+    float weight = 0;
+  };
+
+  int columns_;
+  int width_;
+  const float* values_;
+  int* ends_;
+  Border* borders_;
+  int borderCount_ = 0;
+};
+
+/// Each row of the picture cuts the squares of its row of cells down to where it lies in them.
 class SquaresMask {
  public:
   SquaresMask(const PlaneGrid& grid, double position, TransitionScratch& scratch)
@@ -106,22 +173,21 @@ class SquaresMask {
         position_(position),
         across_(scratch.buffer<std::uint8_t>(0, static_cast<std::size_t>(grid.width))),
         mask_(scratch.buffer<std::uint8_t>(1, static_cast<std::size_t>(grid.width))),
-        squares_(scratch.buffer<Square>(2, static_cast<std::size_t>(cells_.columns))) {}
+        growing_(scratch.buffer<Square>(2, static_cast<std::size_t>(cells_.columns))) {}
 
   const std::uint8_t* row(int y) {
     const double place = grid_.y(y) / cells_.cellHeight;
     const int row = std::clamp(static_cast<int>(place), 0, cells_.rows - 1);
-    if (row != row_) {
+    const bool first = row != row_;
+    if (first) {
       row_ = row;
       fillAcross();
     }
     const double fromMiddle = std::abs(place - row - 0.5);
-    for (const Square* square = squares_; square < squares_ + cells_.columns; ++square) {
-      const std::uint8_t most = maskOf(squareEdge(cells_, square->half, fromMiddle));
-      for (int x = square->begin; x < square->end; ++x)
-        mask_[x] = std::min(across_[x], most);
-    }
-    return mask_;
+    for (const Square* square = growing_; square < growing_ + growingCount_; ++square)
+      cappedMaskRow(across_ + square->begin, maskOf(squareEdge(cells_, square->half, fromMiddle)),
+                    mask_ + square->begin, square->end - square->begin);
+    return first || growingCount_ > 0 ? mask_ : nullptr;
   }
 
  private:
@@ -131,18 +197,24 @@ class SquaresMask {
     double half = 0;
   };
 
+  /// Finds the squares of a row of cells that grow, and draws the others, which have come or have yet to.
   void fillAcross() {
+    const double full = squareHalf(cells_, 1, 0, 0);
+    growingCount_ = 0;
     int x = 0;
     for (int column = 0; column < cells_.columns; ++column) {
-      Square& square = squares_[column];
-      square = {x, grid_.width, squareHalf(cells_, position_, column, row_)};
-      for (; x < grid_.width; ++x) {
-        const double along = grid_.x(x) / cells_.cellWidth - column;
-        if (along >= 1 && column + 1 < cells_.columns)
-          break;
-        across_[x] = maskOf(squareEdge(cells_, square.half, std::abs(along - 0.5)));
+      const double half = squareHalf(cells_, position_, column, row_);
+      const int begin = x;
+      const bool last = column + 1 == cells_.columns;
+      while (x < grid_.width && (last || grid_.x(x) < (column + 1) * cells_.cellWidth))
+        ++x;
+      if (half <= 0 || half >= full) {
+        std::memset(mask_ + begin, half <= 0 ? 0 : 255, static_cast<std::size_t>(x - begin));
+        continue;
       }
-      square.end = x;
+      growing_[growingCount_++] = {begin, x, half};
+      for (int i = begin; i < x; ++i)
+        across_[i] = maskOf(squareEdge(cells_, half, std::abs(grid_.x(i) / cells_.cellWidth - column - 0.5)));
     }
   }
 
@@ -151,7 +223,8 @@ class SquaresMask {
   double position_;
   std::uint8_t* across_;
   std::uint8_t* mask_;
-  Square* squares_;
+  Square* growing_;
+  int growingCount_ = 0;
   int row_ = -1;
 };
 
@@ -160,7 +233,8 @@ class SquaresMask {
 CellGrid::CellGrid(FrameSize picture, int columnsMax)
     : size(picture),
       columns(std::clamp(picture.width / kNarrowest, 1, columnsMax)),
-      rows(std::max(1, static_cast<int>(std::lround(static_cast<double>(columns) * picture.height / picture.width)))),
+      rows(std::max(
+          1, static_cast<int>(std::lround(static_cast<double>(columns) * picture.height / picture.width)))),
       cellWidth(static_cast<double>(picture.width) / columns),
       cellHeight(static_cast<double>(picture.height) / rows) {}
 
@@ -195,35 +269,27 @@ void CheckerboardWipe::mix(const Frame& from, const Frame& to, const MixPoint& p
 
 double DissolveWipe::coverage(FrameSize size, const MixPoint& point, double x, double y) const {
   const CellGrid cells(size, kDissolveColumns);
+  const Dissolve dissolve(cells, point);
   const double join = dissolveJoin(cells);
   return joined(y / size.height * cells.rows, cells.rows, join, [&](int row, double) {
     return joined(x / size.width * cells.columns, cells.columns, join,
-                  [&](int column, double) { return dissolveCoverage(cells, point, column, row); });
+                  [&](int column, double) { return dissolve.coverage(column, row); });
   });
 }
 
 void DissolveWipe::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                        Frame& out) const {
   const CellGrid cells(out.size(), kDissolveColumns);
+  const Dissolve dissolve(cells, point);
+  const auto count = static_cast<std::size_t>(cells.columns) * static_cast<std::size_t>(cells.rows);
+  float* values = scratch.buffer<float>(3, count);
+  for (int row = 0; row < cells.rows; ++row)
+    for (int column = 0; column < cells.columns; ++column)
+      values[row * cells.columns + column] = static_cast<float>(255 * dissolve.coverage(column, row));
   const double join = dissolveJoin(cells);
   mixByMask(from, to, scratch, out, [&](const PlaneGrid& grid) {
-    CellJoin* joins = scratch.buffer<CellJoin>(3, static_cast<std::size_t>(grid.width));
-    for (int x = 0; x < grid.width; ++x)
-      joins[x] = joinAt(grid.x(x) / grid.size.width * cells.columns, cells.columns, join);
-    float* values = scratch.buffer<float>(4, static_cast<std::size_t>(cells.columns));
     return CellRowsMask(grid, cells.rows, join, cells.rows, scratch,
-                        [&cells, &point, grid, joins, values](int row, std::uint8_t* mask) {
-                          for (int column = 0; column < cells.columns; ++column)
-                            values[column] = static_cast<float>(255 * dissolveCoverage(cells, point, column, row));
-                          for (int x = 0; x < grid.width; ++x) {
-                            const CellJoin& at = joins[x];
-                            const float own = values[at.cell];
-                            // A cell at the picture's border has no neighbour there, nor a weight for it.
-                            const float next = at.weight == 0 ? own : values[at.neighbour];
-                            mask[x] = static_cast<std::uint8_t>(
-                                own + (next - own) * static_cast<float>(at.weight) / 256 + 0.5F);
-                          }
-                        });
+                        PlainCells(grid, cells, join, values, scratch));
   });
 }
 

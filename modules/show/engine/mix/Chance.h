@@ -2,6 +2,7 @@
 // thread.
 #pragma once
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 
@@ -21,19 +22,36 @@ constexpr double chance(std::uint32_t seed, std::uint32_t index) {
   return scattered(scattered(seed) + index * 0x9e3779b9U) / 4294967296.0;
 }
 
-/// Where `index` stands when 0 to count - 1 are put in an order that the seed draws.
-constexpr std::uint32_t shuffled(std::uint32_t index, std::uint32_t count, std::uint32_t seed) {
-  // Each step is one-to-one on the numbers below a power of two; what falls past the count goes round again.
-  const std::uint32_t mask = std::bit_ceil(count) - 1;
-  const int shift = std::max(1, static_cast<int>(std::bit_width(mask)) / 2);
-  do {
-    for (std::uint32_t round = 0; round < 4; ++round) {
-      const std::uint32_t key = scattered(seed * 4 + round);
-      index = (index * (key | 1) + (key >> 16)) & mask;
-      index ^= index >> shift;
-    }
-  } while (index >= count);
-  return index;
-}
+/// The numbers 0 to count - 1 in an order that the seed draws.
+class Shuffle {
+ public:
+  constexpr Shuffle(int count, std::uint32_t seed)
+      : count_(static_cast<std::uint32_t>(count)),
+        mask_(std::bit_ceil(count_) - 1),
+        shift_(std::max(1, static_cast<int>(std::bit_width(mask_)) / 2)) {
+    for (std::uint32_t round = 0; round < keys_.size(); ++round)
+      keys_[round] = scattered(scattered(seed) + round);
+  }
+
+  /// Where `index` stands in the order.
+  constexpr int place(int index) const {
+    // Each step is one-to-one on the numbers below a power of two; what falls past the count goes round
+    // again.
+    auto value = static_cast<std::uint32_t>(index);
+    do {
+      for (const std::uint32_t key : keys_) {
+        value = (value * (key | 1) + (key >> 16)) & mask_;
+        value ^= value >> shift_;
+      }
+    } while (value >= count_);
+    return static_cast<int>(value);
+  }
+
+ private:
+  std::uint32_t count_;
+  std::uint32_t mask_;
+  int shift_;
+  std::array<std::uint32_t, 4> keys_{};
+};
 
 }  // namespace korvia

@@ -67,15 +67,14 @@ namespace {
 
 class FrontMask {
  public:
-  template <typename Column>
-  FrontMask(const PlaneGrid& grid, double reached, TransitionScratch& scratch, Column column)
+  FrontMask(const PlaneGrid& grid, const FrontColumn* columns, double reached, TransitionScratch& scratch)
       : grid_(grid),
         level_(scratch.buffer<float>(0, static_cast<std::size_t>(grid.width))),
         slope_(scratch.buffer<float>(1, static_cast<std::size_t>(grid.width))),
         blocks_(scratch.buffer<Block>(2, static_cast<std::size_t>(grid.width / kBlock + 1))),
         mask_(scratch.buffer<std::uint8_t>(3, static_cast<std::size_t>(grid.width))) {
     for (int x = 0; x < grid.width; ++x) {
-      const FrontColumn front = column(grid.x(x));
+      const FrontColumn& front = columns[x];
       level_[x] = static_cast<float>((reached - front.top) / front.feather * 255);
       slope_[x] = static_cast<float>((front.bottom - front.top) / front.feather * 255 / grid.size.height);
     }
@@ -116,8 +115,16 @@ void FrontWipe::mix(const Frame& from, const Frame& to, const MixPoint& point, T
                     Frame& out) const {
   const FrameSize size = out.size();
   const double reached = point.position * (1 + featherMax(size));
+  const PlaneGrid luma(size, false);
+  const PlaneGrid chroma(size, true);
+  const FrontColumn* columns = scratch.table<FrontColumn>(
+      this, size, point.seed, static_cast<std::size_t>(luma.width + chroma.width), [&](FrontColumn* table) {
+        for (const PlaneGrid& grid : {luma, chroma})
+          for (int x = 0; x < grid.width; ++x)
+            *table++ = column(size, point.seed, grid.x(x));
+      });
   mixByMask(from, to, scratch, out, [&](const PlaneGrid& grid) {
-    return FrontMask(grid, reached, scratch, [&](double x) { return column(size, point.seed, x); });
+    return FrontMask(grid, grid.step == 1 ? columns : columns + luma.width, reached, scratch);
   });
 }
 

@@ -1,15 +1,26 @@
 #include "MaskedPlanes.h"
 
+#include <hwy/cache_control.h>
+
 #include <algorithm>
 #include <cstring>
 
 #include "engine/kernels/RowKernels.h"
+#include "engine/kernels/StreamRow.h"
 
 namespace korvia {
 
 namespace {
 
 constexpr int kBlock = 64;
+// Where pictures change along a row, the memory's own look-ahead begins anew at each run; so the rows that
+// come are asked for in time.
+constexpr int kRowsAhead = 2;
+
+void fetch(const std::uint8_t* row, int begin, int end) {
+  for (int x = begin; x < end; x += kBlock)
+    hwy::Prefetch(row + x);
+}
 
 }  // namespace
 
@@ -71,13 +82,17 @@ void MaskedPlanes::mixRow(int y, const std::uint8_t* mask) {
     const std::uint8_t* from = planes.from.row(y);
     const std::uint8_t* to = planes.to.row(y);
     std::uint8_t* out = planes.out.row(y);
+    const int ahead = std::min(y + kRowsAhead, planes.out.height - 1);
     for (const Run* run = runs_; run < runs_ + runCount_; ++run) {
       const int count = run->end - run->begin;
+      if (run->kind != Kind::To)
+        fetch(planes.from.row(ahead), run->begin, run->end);
+      if (run->kind != Kind::From)
+        fetch(planes.to.row(ahead), run->begin, run->end);
       if (run->kind == Kind::Mixed)
         mixMaskedRow(from + run->begin, to + run->begin, mask_ + run->begin, out + run->begin, count);
       else
-        std::memcpy(out + run->begin, (run->kind == Kind::From ? from : to) + run->begin,
-                    static_cast<std::size_t>(count));
+        streamRow((run->kind == Kind::From ? from : to) + run->begin, out + run->begin, count);
     }
   }
 }

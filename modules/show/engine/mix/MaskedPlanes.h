@@ -9,7 +9,8 @@
 
 namespace korvia {
 
-/// The samples of the planes that share a mask, luma and alpha or the two of chroma, as places in the picture.
+/// The samples of the planes that share a mask, luma and alpha or the two of chroma, as places in the
+/// picture.
 struct PlaneGrid {
   PlaneGrid(FrameSize picture, bool chroma)
       : size(picture),
@@ -61,8 +62,8 @@ class MaskedPlanes {
   int runCount_ = 0;
 };
 
-/// Draws a whole frame. `maskFor(grid)` makes an object whose `row(y)`, asked for each row in turn, is its mask
-/// or null where that is the last row's.
+/// Draws a whole frame. `maskFor(grid)` makes an object whose `row(y)`, asked for each row in turn, is its
+/// mask or null where that is the last row's.
 template <typename MaskFor>
 void mixByMask(const Frame& from, const Frame& to, TransitionScratch& scratch, Frame& out, MaskFor maskFor) {
   for (const bool chroma : {false, true}) {

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstring>
 
+#include "engine/kernels/MaskKernels.h"
+
 namespace korvia {
 
 namespace {
@@ -55,16 +57,13 @@ class CircleMask {
   }
 
   void soften(int begin, int end, double dy) {
-    const float square = static_cast<float>(dy * dy);
-    const float first = static_cast<float>(grid_.x(0) - grid_.size.width / 2.0);
-    const float step = static_cast<float>(grid_.step);
-    const float outside = static_cast<float>(outside_);
-    const float scale = static_cast<float>(255 / feather_);
-    for (int x = begin; x < end; ++x) {
-      const float dx = first + static_cast<float>(x) * step;
-      const float value = (outside - std::sqrt(dx * dx + square)) * scale;
-      mask_[x] = static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
-    }
+    DiscRow disc;
+    disc.first = static_cast<float>(grid_.x(begin) - grid_.size.width / 2.0);
+    disc.step = static_cast<float>(grid_.step);
+    disc.ySquare = static_cast<float>(dy * dy);
+    disc.level = static_cast<float>(outside_ / feather_ * 255);
+    disc.slope = static_cast<float>(255 / feather_);
+    discMaskRow(disc, mask_ + begin, end - begin);
   }
 
   PlaneGrid grid_;
@@ -117,7 +116,8 @@ class WheelMask {
         mask_[x] = maskOf(WheelWipe().coverage(grid_.size, {position_, 0}, grid_.x(x), grid_.y(y)));
       return mask_;
     }
-    // Along a row the tangent of the angle, from 12 o'clock above the centre and from 6 below it, is straight.
+    // Along a row the tangent of the angle, from 12 o'clock above the centre and from 6 below it, is
+    // straight.
     Tangent tangent;
     tangent.step = -grid_.step / dy;
     tangent.first = -(grid_.x(0) - grid_.size.width / 2.0) / dy;
@@ -154,16 +154,15 @@ class WheelMask {
 
   /// Between two angles that are so near to each other that a difference's tangent is the difference.
   void soften(int begin, int end, const Knot& left, const Knot& right, const Tangent& tangent) {
-    const float first = static_cast<float>(tangent.first);
-    const float step = static_cast<float>(tangent.step);
-    const float middle = static_cast<float>(std::tan((left.angle + right.angle) / 2));
-    const float value = static_cast<float>((left.value + right.value) / 2);
-    const float slope = static_cast<float>((right.value - left.value) / (right.angle - left.angle));
-    for (int x = begin; x < end; ++x) {
-      const float here = first + static_cast<float>(x) * step;
-      const float difference = (here - middle) / (1 + here * middle);
-      mask_[x] = static_cast<std::uint8_t>(std::clamp(value + slope * difference, 0.0F, 255.0F) + 0.5F);
-    }
+    if (begin == end)
+      return;
+    SpokeRow spoke;
+    spoke.first = static_cast<float>(tangent.first + begin * tangent.step);
+    spoke.step = static_cast<float>(tangent.step);
+    spoke.spoke = static_cast<float>(std::tan((left.angle + right.angle) / 2));
+    spoke.level = static_cast<float>((left.value + right.value) / 2);
+    spoke.slope = static_cast<float>((right.value - left.value) / (right.angle - left.angle));
+    spokeMaskRow(spoke, mask_ + begin, end - begin);
   }
 
   PlaneGrid grid_;
