@@ -19,40 +19,56 @@ struct Block {
   float slopeMax = 0;
 };
 
-constexpr int kDrops = 15;
+constexpr int kDrops = 12;
 /// The longest drop is ahead of what hangs back farthest by this part of the picture's height.
 constexpr double kDropLength = 0.6;
 /// On the flanks of a drop the edge is softened across, up to so many times as tall as it is wide.
 constexpr double kFlankMax = 4;
 
-/// A smooth line through the tips of the drops and the gaps between them.
-struct DropLine {
-  /// 0, the farthest ahead, to 1.
-  double lag = 0;
-  /// Change of the lag over the picture's width.
+/// A value and how it changes with its argument.
+struct Slope {
+  double value = 0;
   double slope = 0;
 };
 
-DropLine dropLine(std::uint32_t seed, double across) {
-  // Knots by turns in a gap and on a tip, each moved aside by chance.
-  const auto knotPlace = [&](int knot) {
-    return (knot + 0.6 * (chance(seed, static_cast<std::uint32_t>(2 * knot)) - 0.5)) / (2 * kDrops);
+/// Half of a drop, from the gap beside it at 0 to its tip at 1: a short flank, and a tip that is round rather
+/// than pointed. Level at both ends.
+Slope dropSide(double along) {
+  constexpr double kFlankBegin = 0.15;
+  constexpr double kFlankWidth = 0.4;
+  constexpr double kTip = 0.25;
+  const double flank = std::clamp((along - kFlankBegin) / kFlankWidth, 0.0, 1.0);
+  const double rest = 1 - along;
+  const double round = 1 - rest * rest * (1 + 2 * along * rest);
+  const double roundSlope = rest * along * (10 - 8 * along);
+  return {(1 - kTip) * flank * flank * (3 - 2 * flank) + kTip * round,
+          (1 - kTip) * 6 * flank * (1 - flank) / kFlankWidth + kTip * roundSlope};
+}
+
+/// How far behind the farthest the front is, 0 to 1, at a place from 0, left, to 1, and how that changes over
+/// the width. Smooth.
+Slope dropLag(std::uint32_t seed, double across) {
+  // Knots lie by turns in a gap and on a tip, each moved aside by chance.
+  constexpr int kFirst = -1;
+  const auto drawn = [&](int knot, int which) {
+    return chance(seed, static_cast<std::uint32_t>(2 * (knot - kFirst) + which));
   };
-  const auto knotLag = [&](int knot) {
-    const double drawn = chance(seed, static_cast<std::uint32_t>(2 * knot + 1));
-    return knot % 2 == 0 ? 0.75 + 0.25 * drawn : 0.65 * drawn;
+  const auto placeOf = [&](int knot) { return (knot + 0.6 * (drawn(knot, 0) - 0.5)) / (2 * kDrops); };
+  const auto isTip = [](int knot) { return knot % 2 != 0; };
+  const auto lagOf = [&](int knot) {
+    return isTip(knot) ? 0.65 * drawn(knot, 1) : 0.8 + 0.2 * drawn(knot, 1);
   };
-  int knot = static_cast<int>(std::floor(across * 2 * kDrops)) + 2;
-  while (knotPlace(knot - 2) > across)
-    --knot;
-  while (knotPlace(knot - 1) <= across)
-    ++knot;
-  // `across` lies between the knots before and at `knot - 1`.
-  const double begin = knotPlace(knot - 2);
-  const double width = knotPlace(knot - 1) - begin;
-  const double along = (across - begin) / width;
-  const double rise = knotLag(knot - 1) - knotLag(knot - 2);
-  return {knotLag(knot - 2) + rise * along * along * (3 - 2 * along), rise * 6 * along * (1 - along) / width};
+  // Knots move by less than half of their distance, so the place lies beside the nearest one's.
+  int right = static_cast<int>(std::lround(across * 2 * kDrops));
+  if (placeOf(right) <= across)
+    ++right;
+  const int left = right - 1;
+  const int gap = isTip(left) ? right : left;
+  const int tip = isTip(left) ? left : right;
+  const double width = placeOf(tip) - placeOf(gap);
+  const Slope side = dropSide((across - placeOf(gap)) / width);
+  const double rise = lagOf(tip) - lagOf(gap);
+  return {lagOf(gap) + rise * side.value, rise * side.slope / width};
 }
 
 }  // namespace
@@ -141,10 +157,10 @@ double CornerWipe::featherMax(FrameSize size) const {
 }
 
 FrontColumn BloodWipe::column(FrameSize size, std::uint32_t seed, double x) const {
-  const DropLine line = dropLine(seed, x / size.width);
+  const Slope lag = dropLag(seed, x / size.width);
   const double whole = 1 + kDropLength;
-  const double begin = kDropLength * line.lag / whole;
-  const double steepness = kDropLength * line.slope * size.height / size.width;
+  const double begin = kDropLength * lag.value / whole;
+  const double steepness = kDropLength * lag.slope * size.height / size.width;
   const double across = std::min(std::hypot(1, steepness), kFlankMax);
   return {begin, begin + 1 / whole, featherMax(size) * across / kFlankMax};
 }
