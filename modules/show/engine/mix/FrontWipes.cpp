@@ -23,7 +23,7 @@ constexpr int kDrops = 12;
 /// The longest drop is ahead of what hangs back farthest by this part of the picture's height.
 constexpr double kDropLength = 0.6;
 /// On the flanks of a drop the edge is softened across, up to so many times as tall as it is wide.
-constexpr double kFlankMax = 4;
+constexpr double kFlankMax = 2;
 
 /// A value and how it changes with its argument.
 struct Slope {
@@ -31,18 +31,18 @@ struct Slope {
   double slope = 0;
 };
 
-/// Half of a drop, from the gap beside it at 0 to its tip at 1: a short flank, and a tip that is round rather
+/// Half of a drop, from the gap beside it at 0 to its tip at 1: a steep flank, and a tip that is round rather
 /// than pointed. Level at both ends.
 Slope dropSide(double along) {
-  constexpr double kFlankBegin = 0.15;
-  constexpr double kFlankWidth = 0.4;
+  constexpr double kFlankBegin = 0.08;
+  constexpr double kFlank = 0.5;
   constexpr double kTip = 0.25;
-  const double flank = std::clamp((along - kFlankBegin) / kFlankWidth, 0.0, 1.0);
+  const double flank = std::clamp((along - kFlankBegin) / kFlank, 0.0, 1.0);
   const double rest = 1 - along;
   const double round = 1 - rest * rest * (1 + 2 * along * rest);
   const double roundSlope = rest * along * (10 - 8 * along);
   return {(1 - kTip) * flank * flank * (3 - 2 * flank) + kTip * round,
-          (1 - kTip) * 6 * flank * (1 - flank) / kFlankWidth + kTip * roundSlope};
+          (1 - kTip) * 6 * flank * (1 - flank) / kFlank + kTip * roundSlope};
 }
 
 /// How far behind the farthest the front is, 0 to 1, at a place from 0, left, to 1, and how that changes over
@@ -73,10 +73,14 @@ Slope dropLag(std::uint32_t seed, double across) {
 
 }  // namespace
 
+double FrontWipe::reached(FrameSize size, const MixPoint& point) const {
+  return point.position * (1 + featherMax(size)) - featherMax(size) / 2;
+}
+
 double FrontWipe::coverage(FrameSize size, const MixPoint& point, double x, double y) const {
   const FrontColumn front = column(size, point.seed, x);
   const double arrival = front.top + (front.bottom - front.top) * y / size.height;
-  return std::clamp((point.position * (1 + featherMax(size)) - arrival) / front.feather, 0.0, 1.0);
+  return std::clamp((reached(size, point) - arrival) / front.feather + 0.5, 0.0, 1.0);
 }
 
 namespace {
@@ -91,7 +95,7 @@ class FrontMask {
         mask_(scratch.buffer<std::uint8_t>(3, static_cast<std::size_t>(grid.width))) {
     for (int x = 0; x < grid.width; ++x) {
       const FrontColumn& front = columns[x];
-      level_[x] = static_cast<float>((reached - front.top) / front.feather * 255);
+      level_[x] = static_cast<float>(((reached - front.top) / front.feather + 0.5) * 255);
       slope_[x] = static_cast<float>((front.bottom - front.top) / front.feather * 255 / grid.size.height);
     }
     for (int begin = 0; begin < grid.width; begin += kBlock) {
@@ -130,7 +134,6 @@ class FrontMask {
 void FrontWipe::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                     Frame& out) const {
   const FrameSize size = out.size();
-  const double reached = point.position * (1 + featherMax(size));
   const PlaneGrid luma(size, false);
   const PlaneGrid chroma(size, true);
   const FrontColumn* columns = scratch.table<FrontColumn>(
@@ -140,7 +143,7 @@ void FrontWipe::mix(const Frame& from, const Frame& to, const MixPoint& point, T
             *table++ = column(size, point.seed, grid.x(x));
       });
   mixByMask(from, to, scratch, out, [&](const PlaneGrid& grid) {
-    return FrontMask(grid, grid.step == 1 ? columns : columns + luma.width, reached, scratch);
+    return FrontMask(grid, grid.step == 1 ? columns : columns + luma.width, reached(size, point), scratch);
   });
 }
 

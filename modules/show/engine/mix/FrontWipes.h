@@ -24,6 +24,10 @@ class FrontWipe : public Wipe {
  protected:
   virtual FrontColumn column(FrameSize size, std::uint32_t seed, double x) const = 0;
   virtual double featherMax(FrameSize size) const = 0;
+
+ private:
+  /// When a column's places are half covered, in its own times.
+  double reached(FrameSize size, const MixPoint& point) const;
 };
 
 enum class Corner { TopLeft, TopRight, BottomRight, BottomLeft };
