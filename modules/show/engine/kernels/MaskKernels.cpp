@@ -21,11 +21,6 @@ inline std::uint8_t disc(const DiscRow& row, int column) {
   return masked(row.level - row.slope * std::sqrt(x * x + row.ySquare));
 }
 
-inline std::uint8_t spoke(const SpokeRow& row, int column) {
-  const float tangent = row.first + static_cast<float>(column) * row.step;
-  return masked(row.level + row.slope * (tangent - row.spoke) / (1 + tangent * row.spoke));
-}
-
 #if HWY_TARGET == HWY_SCALAR
 
 void slopedMaskRow(const float* level, const float* slope, float y, std::uint8_t* mask, int count) {
@@ -38,9 +33,11 @@ void discMaskRow(const DiscRow& row, std::uint8_t* mask, int count) {
     mask[x] = disc(row, x);
 }
 
-void spokeMaskRow(const SpokeRow& row, std::uint8_t* mask, int count) {
-  for (int x = 0; x < count; ++x)
-    mask[x] = spoke(row, x);
+void spokeMaskRow(const SpokeRow& row, std::uint8_t* mask, int begin, int end) {
+  for (int x = begin; x < end; ++x) {
+    const float tangent = row.first + static_cast<float>(x) * row.step;
+    mask[x] = masked(row.level + row.slope * (tangent - row.spoke) / (1 + tangent * row.spoke));
+  }
 }
 
 void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count) {
@@ -92,7 +89,7 @@ void discMaskRow(const DiscRow& row, std::uint8_t* HWY_RESTRICT mask, int count)
     mask[x] = disc(row, x);
 }
 
-void spokeMaskRow(const SpokeRow& row, std::uint8_t* HWY_RESTRICT mask, int count) {
+void spokeMaskRow(const SpokeRow& row, std::uint8_t* HWY_RESTRICT mask, int begin, int end) {
   const Floats f32;
   const int lanes = static_cast<int>(hn::Lanes(f32));
   const auto step = hn::Set(f32, row.step);
@@ -100,14 +97,11 @@ void spokeMaskRow(const SpokeRow& row, std::uint8_t* HWY_RESTRICT mask, int coun
   const auto level = hn::Set(f32, row.level);
   const auto slope = hn::Set(f32, row.slope);
   const auto one = hn::Set(f32, 1.0F);
-  int x = 0;
-  for (; x + lanes <= count; x += lanes) {
+  for (int x = begin; x < end; x += lanes) {
     const auto tangent = hn::MulAdd(hn::Iota(f32, static_cast<float>(x)), step, hn::Set(f32, row.first));
     const auto difference = hn::Div(hn::Sub(tangent, spokes), hn::MulAdd(tangent, spokes, one));
     storeMasked(hn::MulAdd(slope, difference, level), mask + x);
   }
-  for (; x < count; ++x)
-    mask[x] = spoke(row, x);
 }
 
 void cappedMaskRow(const std::uint8_t* HWY_RESTRICT row, std::uint8_t most, std::uint8_t* HWY_RESTRICT mask,
@@ -143,8 +137,8 @@ void discMaskRow(const DiscRow& disc, std::uint8_t* mask, int count) {
   HWY_DYNAMIC_DISPATCH(discMaskRow)(disc, mask, count);
 }
 
-void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int count) {
-  HWY_DYNAMIC_DISPATCH(spokeMaskRow)(spoke, mask, count);
+void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int begin, int end) {
+  HWY_DYNAMIC_DISPATCH(spokeMaskRow)(spoke, mask, begin, end);
 }
 
 void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count) {

@@ -18,7 +18,7 @@ struct DiscRow {
 void discMaskRow(const DiscRow& disc, std::uint8_t* mask, int count);
 
 /// A row of a soft spoke: mask = level + slope * tan(angle between the sample and the spoke), where the
-/// sample's tangent rises from `first` by `step` and the spoke's is `spoke`.
+/// sample's tangent rises from `first`, at column 0, by `step` and the spoke's is `spoke`.
 struct SpokeRow {
   float first = 0;
   float step = 1;
@@ -26,7 +26,9 @@ struct SpokeRow {
   float level = 0;
   float slope = 0;
 };
-void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int count);
+/// For the columns from `begin` to before `end`, each with the same value wherever the others begin. Up to 64
+/// samples past `end` are written too.
+void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int begin, int end);
 
 /// mask = the less of `row` and `most`.
 void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count);

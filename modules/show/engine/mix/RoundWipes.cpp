@@ -86,27 +86,25 @@ double wheelCoverage(double position, double along) {
   return std::max(swept(position, along, 1, kSpokeFeather), begun * before);
 }
 
+/// Along a row the tangent of the angle, from 12 o'clock above the centre and from 6 below it, is straight,
+/// and so are the borders between what is old, soft and new.
 class WheelMask {
  public:
   WheelMask(const PlaneGrid& grid, double position, TransitionScratch& scratch)
       : grid_(grid),
         position_(position),
-        mask_(scratch.buffer<std::uint8_t>(0, static_cast<std::size_t>(grid.width))) {
-    // Where the coverage of a sector bends; in between it is straight.
+        mask_(scratch.buffer<std::uint8_t>(0, static_cast<std::size_t>(grid.width) + kSpare)) {
+    // Where the coverage of a sector bends.
     const double edge = position * (1 + kSpokeFeather);
     const double begun = swept(position, 0, 1, kSpokeFeather);
     const double meeting = (edge + begun * (1 - kSpokeFeather)) / (1 + begun);
-    std::array<double, kBends> bends{0, edge - kSpokeFeather, edge, meeting, 1 - kSpokeFeather, 1};
+    std::array<double, kParts + 1> bends{0, edge - kSpokeFeather, edge, meeting, 1 - kSpokeFeather, 1};
     for (double& bend : bends)
       bend = std::clamp(bend, 0.0, 1.0);
     std::sort(bends.begin(), bends.end());
     for (int sector = 0; sector < kSpokes / 2; ++sector)
-      for (int i = 0; i < kBends; ++i) {
-        const double along = bends[static_cast<std::size_t>(i)];
-        const double angle = ((sector + along) * 4 / kSpokes - 1) * kPi / 2;
-        knots_[static_cast<std::size_t>(sector * kBends + i)] = {angle, std::tan(angle),
-                                                                 255 * wheelCoverage(position, along)};
-      }
+      for (std::size_t i = 0; i < kParts; ++i)
+        parts_[static_cast<std::size_t>(sector) * kParts + i] = part(sector, bends[i], bends[i + 1]);
   }
 
   const std::uint8_t* row(int y) {
@@ -116,59 +114,80 @@ class WheelMask {
         mask_[x] = maskOf(WheelWipe().coverage(grid_.size, {position_, 0}, grid_.x(x), grid_.y(y)));
       return mask_;
     }
-    // Along a row the tangent of the angle, from 12 o'clock above the centre and from 6 below it, is
-    // straight.
-    Tangent tangent;
-    tangent.step = -grid_.step / dy;
-    tangent.first = -(grid_.x(0) - grid_.size.width / 2.0) / dy;
-    const bool rising = tangent.step > 0;
+    const double step = -grid_.step / dy;
+    const double first = -(grid_.x(0) - grid_.size.width / 2.0) / dy;
     int begin = 0;
-    for (std::size_t i = 1; i < knots_.size(); ++i) {
-      const Knot& left = rising ? knots_[i - 1] : knots_[knots_.size() - i];
-      const Knot& right = rising ? knots_[i] : knots_[knots_.size() - i - 1];
-      const bool last = i + 1 == knots_.size();
-      const int end =
-          last ? grid_.width
-               : static_cast<int>(std::clamp(std::ceil((right.tangent - tangent.first) / tangent.step),
-                                             static_cast<double>(begin), static_cast<double>(grid_.width)));
-      if (std::abs(left.value - right.value) < 0.01)
-        fill(mask_, begin, end, static_cast<int>(left.value + 0.5));
-      else
-        soften(begin, end, left, right, tangent);
+    for (std::size_t i = 0; i < parts_.size(); ++i) {
+      const Part& part = step > 0 ? parts_[i] : parts_[parts_.size() - 1 - i];
+      const double border = std::ceil(((step > 0 ? part.end : part.begin) - first) / step);
+      const int end = i + 1 == parts_.size()
+                          ? grid_.width
+                          : static_cast<int>(std::clamp<double>(border, begin, grid_.width));
+      if (begin < end)
+        draw(part, first, step, begin, end);
       begin = end;
     }
     return mask_;
   }
 
  private:
-  static constexpr int kBends = 6;
-  struct Knot {
-    double angle = 0;
-    double tangent = 0;
-    double value = 0;
-  };
-  struct Tangent {
-    double first = 0;
-    double step = 0;
+  static constexpr std::size_t kParts = 5;
+  // What the kernel writes past the end of a part.
+  static constexpr std::size_t kSpare = 64;
+
+  /// Between two bends: straight, on a line through a known value at a known angle.
+  struct Part {
+    /// Tangents of its angles.
+    double begin = 0;
+    double end = 0;
+    /// Tangent of the angle at which the line has the value `level`.
+    double middle = 0;
+    double level = 0;
+    /// By radian; 0 where the part has one value.
+    double slope = 0;
   };
 
-  /// Between two angles that are so near to each other that a difference's tangent is the difference.
-  void soften(int begin, int end, const Knot& left, const Knot& right, const Tangent& tangent) {
-    if (begin == end)
+  static double angleOf(int sector, double along) { return ((sector + along) * 4 / kSpokes - 1) * kPi / 2; }
+
+  Part part(int sector, double begin, double end) const {
+    const double along = (begin + end) / 2;
+    const double moving = swept(position_, along, 1, kSpokeFeather);
+    const double full = 255 / (kSpokeFeather * (angleOf(0, 1) - angleOf(0, 0)));
+    Part part{std::tan(angleOf(sector, begin)), std::tan(angleOf(sector, end)), 0, 0, 0};
+    if (wheelCoverage(position_, along) > moving) {
+      const double begun = swept(position_, 0, 1, kSpokeFeather);
+      part.middle = std::tan(angleOf(sector, 1 - kSpokeFeather / 2));
+      part.level = begun * 127.5;
+      part.slope = begun * full;
+    } else if (moving > 0 && moving < 1) {
+      part.middle = std::tan(angleOf(sector, position_ * (1 + kSpokeFeather) - kSpokeFeather / 2));
+      part.level = 127.5;
+      part.slope = -full;
+    } else {
+      part.level = moving * 255;
+    }
+    return part;
+  }
+
+  void draw(const Part& part, double first, double step, int begin, int end) {
+    if (part.slope == 0) {
+      fill(mask_, begin, end, static_cast<int>(part.level));
       return;
+    }
+    // A soft edge is so narrow that the tangent of an angle within it is the angle.
     SpokeRow spoke;
-    spoke.first = static_cast<float>(tangent.first + begin * tangent.step);
-    spoke.step = static_cast<float>(tangent.step);
-    spoke.spoke = static_cast<float>(std::tan((left.angle + right.angle) / 2));
-    spoke.level = static_cast<float>((left.value + right.value) / 2);
-    spoke.slope = static_cast<float>((right.value - left.value) / (right.angle - left.angle));
-    spokeMaskRow(spoke, mask_ + begin, end - begin);
+    spoke.first = static_cast<float>(first);
+    spoke.step = static_cast<float>(step);
+    spoke.spoke = static_cast<float>(part.middle);
+    spoke.level = static_cast<float>(part.level);
+    spoke.slope = static_cast<float>(part.slope);
+    spokeMaskRow(spoke, mask_, begin, end);
   }
 
   PlaneGrid grid_;
   double position_;
   std::uint8_t* mask_;
-  std::array<Knot, static_cast<std::size_t>(kBends) * kSpokes / 2> knots_;
+  std::array<Part, kParts * kSpokes / 2> parts_;
 };
 
 }  // namespace
