@@ -21,6 +21,11 @@ inline std::uint8_t disc(const DiscRow& row, int column) {
   return masked(row.level - row.slope * std::sqrt(x * x + row.ySquare));
 }
 
+inline std::uint8_t kindOf(const std::uint8_t* mask, int count) {
+  const auto [least, most] = std::minmax_element(mask, mask + count);
+  return *least == *most && (*most == 0 || *most == 255) ? *most : 1;
+}
+
 #if HWY_TARGET == HWY_SCALAR
 
 void slopedMaskRow(const float* level, const float* slope, float y, std::uint8_t* mask, int count) {
@@ -43,6 +48,11 @@ void spokeMaskRow(const SpokeRow& row, std::uint8_t* mask, int begin, int end) {
 void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count) {
   for (int x = 0; x < count; ++x)
     mask[x] = std::min(row[x], most);
+}
+
+void maskBlockKinds(const std::uint8_t* mask, int count, std::uint8_t* kinds) {
+  for (int x = 0; x < count; x += kMaskBlock)
+    *kinds++ = kindOf(mask + x, std::min(kMaskBlock, count - x));
 }
 
 #else
@@ -116,6 +126,26 @@ void cappedMaskRow(const std::uint8_t* HWY_RESTRICT row, std::uint8_t most, std:
     mask[x] = std::min(row[x], most);
 }
 
+void maskBlockKinds(const std::uint8_t* mask, int count, std::uint8_t* kinds) {
+  const hn::CappedTag<std::uint8_t, kMaskBlock> d8;
+  const int lanes = static_cast<int>(hn::Lanes(d8));
+  int x = 0;
+  for (; x + kMaskBlock <= count; x += kMaskBlock) {
+    auto all = hn::LoadU(d8, mask + x);
+    auto any = all;
+    for (int i = lanes; i < kMaskBlock; i += lanes) {
+      const auto values = hn::LoadU(d8, mask + x + i);
+      all = hn::And(all, values);
+      any = hn::Or(any, values);
+    }
+    const bool none = hn::AllTrue(d8, hn::Eq(any, hn::Zero(d8)));
+    const bool full = hn::AllTrue(d8, hn::Eq(all, hn::Set(d8, std::uint8_t{255})));
+    *kinds++ = none ? 0 : full ? 255 : 1;
+  }
+  if (x < count)
+    *kinds = kindOf(mask + x, count - x);
+}
+
 #endif
 
 }  // namespace korvia::HWY_NAMESPACE
@@ -128,6 +158,7 @@ HWY_EXPORT(slopedMaskRow);
 HWY_EXPORT(discMaskRow);
 HWY_EXPORT(spokeMaskRow);
 HWY_EXPORT(cappedMaskRow);
+HWY_EXPORT(maskBlockKinds);
 
 void slopedMaskRow(const float* level, const float* slope, float y, std::uint8_t* mask, int count) {
   HWY_DYNAMIC_DISPATCH(slopedMaskRow)(level, slope, y, mask, count);
@@ -143,6 +174,10 @@ void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int begin, int end)
 
 void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count) {
   HWY_DYNAMIC_DISPATCH(cappedMaskRow)(row, most, mask, count);
+}
+
+void maskBlockKinds(const std::uint8_t* mask, int count, std::uint8_t* kinds) {
+  HWY_DYNAMIC_DISPATCH(maskBlockKinds)(mask, count, kinds);
 }
 
 }  // namespace korvia

@@ -33,4 +33,9 @@ void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int begin, int end)
 /// mask = the less of `row` and `most`.
 void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count);
 
+/// Tells the blocks of a mask: 0 where all of a block is 0, 255 where all is 255, 1 for
+/// any other. `kinds` takes a value for each block begun.
+inline constexpr int kMaskBlock = 64;
+void maskBlockKinds(const std::uint8_t* mask, int count, std::uint8_t* kinds);
+
 }  // namespace korvia

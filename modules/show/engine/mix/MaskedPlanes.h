@@ -30,8 +30,8 @@ struct PlaneGrid {
 
 class MaskedPlanes {
  public:
-  /// Place of the scratch's buffer that is taken; masks have the others.
-  static constexpr int kBuffer = TransitionScratch::kBufferCount - 1;
+  /// The scratch's buffers from here on are taken; masks have those before.
+  static constexpr int kFirstBuffer = TransitionScratch::kBufferCount - 2;
 
   MaskedPlanes(const Frame& from, const Frame& to, bool chroma, TransitionScratch& scratch, Frame& out);
 
@@ -39,11 +39,11 @@ class MaskedPlanes {
   void mixRow(int y, const std::uint8_t* mask);
 
  private:
-  enum class Kind : std::uint8_t { From, To, Mixed };
+  /// Blocks of one kind, from a sample to before another.
   struct Run {
     int begin = 0;
     int end = 0;
-    Kind kind = Kind::From;
+    std::uint8_t kind = 0;
   };
   struct Planes {
     PlaneView from;
@@ -51,13 +51,13 @@ class MaskedPlanes {
     WritablePlane out;
   };
 
-  static Kind kindOf(const std::uint8_t* mask, int count);
   void findRuns();
 
   std::array<Planes, 2> planes_;
   int planeCount_ = 0;
   int width_ = 0;
   const std::uint8_t* mask_ = nullptr;
+  std::uint8_t* kinds_ = nullptr;
   Run* runs_ = nullptr;
   int runCount_ = 0;
 };

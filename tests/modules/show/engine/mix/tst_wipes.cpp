@@ -33,10 +33,26 @@ enum Effect {
   Wheel
 };
 
-const char* const kNames[] = {"",        "Left",        "Right",      "Top",        "Bottom",
-                              "TopLeft", "TopRight",    "BottomRight", "BottomLeft", "HCenter",
-                              "VCenter", "Box",         "Checkerboard", "Circle",    "DiagonalSquares",
-                              "DissolveIn", "RandomBars", "Split",     "VenetianBlinds", "Blood",
+const char* const kNames[] = {"",
+                              "Left",
+                              "Right",
+                              "Top",
+                              "Bottom",
+                              "TopLeft",
+                              "TopRight",
+                              "BottomRight",
+                              "BottomLeft",
+                              "HCenter",
+                              "VCenter",
+                              "Box",
+                              "Checkerboard",
+                              "Circle",
+                              "DiagonalSquares",
+                              "DissolveIn",
+                              "RandomBars",
+                              "Split",
+                              "VenetianBlinds",
+                              "Blood",
                               "Wheel"};
 
 void everyWipe() {
@@ -303,38 +319,42 @@ class WipesTest : public QObject {
                                                               "....####....####",  //
                                                               "....####....####",  //
                                                               "....####....####"});
-    QTest::newRow("Checkerboard at a quarter") << int(Checkerboard) << 0.25 << QStringList({"##......##......",  //
-        "##......##......",  //
-        "##......##......",  //
-        "##......##......",  //
-        "....##......##..",  //
-        "....##......##..",  //
-        "....##......##..",  //
-        "....##......##.."});
-    QTest::newRow("VenetianBlinds") << int(VenetianBlinds) << 0.4 << QStringList({"################",  //
-        "++++++++++++++++",  //
-        "................",  //
-        "................",  //
-        "################",  //
-        "++++++++++++++++",  //
-        "................",  //
-        "................"});
-    QTest::newRow("Wheel") << int(Wheel) << 0.5 << QStringList({"####+...###+....",  //
-        "#####+..##+.....",  //
-        "######+.#+......",  //
-        "#######++.......",  //
-        ".......++#######",  //
-        "......+#.+######",  //
-        ".....+##..+#####",  //
-        "....+###...+####"});
-    QTest::newRow("DiagonalSquares") << int(DiagonalSquares) << 0.5 << QStringList({"########........",  //
-        "########.##.....",  //
-        "########.##.....",  //
-        "########........",  //
-        "####............",  //
-        "####.##.........",  //
-        "####.##.........",  //
-        "####............"});
+    QTest::newRow("Checkerboard at a quarter") << int(Checkerboard) << 0.25
+                                               << QStringList({"##......##......",  //
+                                                               "##......##......",  //
+                                                               "##......##......",  //
+                                                               "##......##......",  //
+                                                               "....##......##..",  //
+                                                               "....##......##..",  //
+                                                               "....##......##..",  //
+                                                               "....##......##.."});
+    QTest::newRow("VenetianBlinds") << int(VenetianBlinds) << 0.4
+                                    << QStringList({"################",  //
+                                                    "++++++++++++++++",  //
+                                                    "................",  //
+                                                    "................",  //
+                                                    "################",  //
+                                                    "++++++++++++++++",  //
+                                                    "................",  //
+                                                    "................"});
+    QTest::newRow("Wheel") << int(Wheel) << 0.5
+                           << QStringList({"####+...###+....",  //
+                                           "#####+..##+.....",  //
+                                           "######+.#+......",  //
+                                           "#######++.......",  //
+                                           ".......++#######",  //
+                                           "......+#.+######",  //
+                                           ".....+##..+#####",  //
+                                           "....+###...+####"});
+    QTest::newRow("DiagonalSquares") << int(DiagonalSquares) << 0.5
+                                     << QStringList({"########........",  //
+                                                     "########.##.....",  //
+                                                     "########.##.....",  //
+                                                     "########........",  //
+                                                     "####............",  //
+                                                     "####.##.........",  //
+                                                     "####.##.........",  //
+                                                     "####............"});
   }
   void cellsAreWhereTheyBelong() {
     QFETCH(int, effect);
@@ -407,7 +427,9 @@ class WipesTest : public QObject {
   void chanceKeepsAnEvenPace() {
     for (const int effect : {DissolveIn, RandomBars})
       for (const std::uint32_t seed : {0U, 1U, 99U, 4294967295U}) {
-        const auto covered = [&](double position) { return meanLuma(masked(effect, {480, 270}, position, seed)) / 255; };
+        const auto covered = [&](double position) {
+          return meanLuma(masked(effect, {480, 270}, position, seed)) / 255;
+        };
         QVERIFY(std::abs(covered(0.25) - 0.22) < 0.02);
         QVERIFY(std::abs(covered(0.5) - 0.5) < 0.02);
         QVERIFY(std::abs(covered(0.75) - 0.78) < 0.02);
