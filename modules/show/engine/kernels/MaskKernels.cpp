@@ -21,6 +21,10 @@ inline std::uint8_t disc(const DiscRow& row, int column) {
   return masked(row.level - row.slope * std::sqrt(x * x + row.ySquare));
 }
 
+inline std::uint8_t blended(int a, int b, int weight) {
+  return static_cast<std::uint8_t>((a * (256 - weight) + b * weight + 128) >> 8);
+}
+
 inline std::uint8_t kindOf(const std::uint8_t* mask, int count) {
   const auto [least, most] = std::minmax_element(mask, mask + count);
   return *least == *most && (*most == 0 || *most == 255) ? *most : 1;
@@ -48,6 +52,11 @@ void spokeMaskRow(const SpokeRow& row, std::uint8_t* mask, int begin, int end) {
 void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count) {
   for (int x = 0; x < count; ++x)
     mask[x] = std::min(row[x], most);
+}
+
+void blendedMaskRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* mask, int count) {
+  for (int x = 0; x < count; ++x)
+    mask[x] = blended(a[x], b[x], weight);
 }
 
 void maskBlockKinds(const std::uint8_t* mask, int count, std::uint8_t* kinds) {
@@ -126,6 +135,26 @@ void cappedMaskRow(const std::uint8_t* HWY_RESTRICT row, std::uint8_t most, std:
     mask[x] = std::min(row[x], most);
 }
 
+void blendedMaskRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, int weight,
+                    std::uint8_t* HWY_RESTRICT mask, int count) {
+  const hn::ScalableTag<std::uint16_t> d16;
+  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
+  const hn::RebindToSigned<decltype(d16)> i16;
+  const int lanes = static_cast<int>(hn::Lanes(d16));
+  const auto weightA = hn::Set(d16, static_cast<std::uint16_t>(256 - weight));
+  const auto weightB = hn::Set(d16, static_cast<std::uint16_t>(weight));
+  const auto round = hn::Set(d16, std::uint16_t{128});
+  int x = 0;
+  for (; x + lanes <= count; x += lanes) {
+    const auto va = hn::PromoteTo(d16, hn::LoadU(d8, a + x));
+    const auto vb = hn::PromoteTo(d16, hn::LoadU(d8, b + x));
+    const auto sum = hn::Add(hn::Add(hn::Mul(va, weightA), hn::Mul(vb, weightB)), round);
+    hn::StoreU(hn::DemoteTo(d8, hn::BitCast(i16, hn::ShiftRight<8>(sum))), d8, mask + x);
+  }
+  for (; x < count; ++x)
+    mask[x] = blended(a[x], b[x], weight);
+}
+
 void maskBlockKinds(const std::uint8_t* mask, int count, std::uint8_t* kinds) {
   const hn::CappedTag<std::uint8_t, kMaskBlock> d8;
   const int lanes = static_cast<int>(hn::Lanes(d8));
@@ -158,6 +187,7 @@ HWY_EXPORT(slopedMaskRow);
 HWY_EXPORT(discMaskRow);
 HWY_EXPORT(spokeMaskRow);
 HWY_EXPORT(cappedMaskRow);
+HWY_EXPORT(blendedMaskRow);
 HWY_EXPORT(maskBlockKinds);
 
 void slopedMaskRow(const float* level, const float* slope, float y, std::uint8_t* mask, int count) {
@@ -174,6 +204,10 @@ void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int begin, int end)
 
 void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count) {
   HWY_DYNAMIC_DISPATCH(cappedMaskRow)(row, most, mask, count);
+}
+
+void blendedMaskRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* mask, int count) {
+  HWY_DYNAMIC_DISPATCH(blendedMaskRow)(a, b, weight, mask, count);
 }
 
 void maskBlockKinds(const std::uint8_t* mask, int count, std::uint8_t* kinds) {

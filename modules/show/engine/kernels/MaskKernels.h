@@ -33,6 +33,10 @@ void spokeMaskRow(const SpokeRow& spoke, std::uint8_t* mask, int begin, int end)
 /// mask = the less of `row` and `most`.
 void cappedMaskRow(const std::uint8_t* row, std::uint8_t most, std::uint8_t* mask, int count);
 
+/// mask = (a * (256 - weight) + b * weight + 128) / 256, weight 0 to 256. Unlike a row of a picture it stays
+/// in the cache, from where it is read next.
+void blendedMaskRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* mask, int count);
+
 /// Tells the blocks of a mask: 0 where all of a block is 0, 255 where all is 255, 1 for
 /// any other. `kinds` takes a value for each block begun.
 inline constexpr int kMaskBlock = 64;

@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/kernels/RowKernels.h"
 #include "engine/mix/CellJoin.h"
 #include "engine/mix/Chance.h"
 
@@ -18,7 +17,7 @@ constexpr int kSquareColumns = 16;
 constexpr int kNarrowest = 4;
 /// Parts of the take in which one cell fades in, and in which one square grows.
 constexpr double kCellFade = 0.15;
-constexpr double kSquareGrowth = 0.35;
+constexpr double kSquareGrowth = 0.3;
 
 double boardJoin(const CellGrid& cells) {
   return cells.feather(0.25);
@@ -85,7 +84,7 @@ class CellRowsMask {
       return again ? nullptr : masksOf(at.cell);
     }
     last_ = -1;
-    mixRow(masksOf(at.cell), masksOf(at.neighbour), at.weight, mask_, grid_.width);
+    blendedMaskRow(masksOf(at.cell), masksOf(at.neighbour), at.weight, mask_, grid_.width);
     return mask_;
   }
 

@@ -21,7 +21,7 @@ struct Block {
 
 constexpr int kDrops = 12;
 /// The longest drop is ahead of what hangs back farthest by this part of the picture's height.
-constexpr double kDropLength = 0.6;
+constexpr double kDropLength = 0.5;
 /// On the flanks of a drop the edge is softened across, up to so many times as tall as it is wide.
 constexpr double kFlankMax = 2;
 

@@ -14,10 +14,10 @@ namespace {
 
 constexpr std::uint8_t kFrom = 0;
 constexpr std::uint8_t kTo = 255;
+constexpr int kCacheLine = 64;
 // Where pictures change along a row, the memory's own look-ahead begins anew at each run; so the rows that
 // come are asked for in time.
-constexpr int kCacheLine = 64;
-constexpr int kRowsAhead = 2;
+constexpr int kRowsAhead = 4;
 
 void fetch(const std::uint8_t* row, int begin, int end) {
   for (int x = begin; x < end; x += kCacheLine)
