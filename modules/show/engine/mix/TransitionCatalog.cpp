@@ -3,7 +3,11 @@
 #include <array>
 #include <memory>
 
+#include "BandWipe.h"
+#include "CellWipes.h"
 #include "CrossFade.h"
+#include "FrontWipes.h"
+#include "RoundWipes.h"
 
 namespace korvia {
 
@@ -17,8 +21,26 @@ std::unique_ptr<const Transition> make(Arguments... arguments) {
 }
 
 void addWipes(Catalog& catalog) {
-  for (std::size_t i = 1; i <= 20; ++i)
-    catalog[i] = make<CrossFade>();
+  catalog[1] = make<BandWipe>(fromStart, everywhere);
+  catalog[2] = make<BandWipe>(fromEnd, everywhere);
+  catalog[3] = make<BandWipe>(everywhere, fromStart);
+  catalog[4] = make<BandWipe>(everywhere, fromEnd);
+  catalog[5] = make<CornerWipe>(Corner::TopLeft);
+  catalog[6] = make<CornerWipe>(Corner::TopRight);
+  catalog[7] = make<CornerWipe>(Corner::BottomRight);
+  catalog[8] = make<CornerWipe>(Corner::BottomLeft);
+  catalog[9] = make<BandWipe>(fromMiddle, everywhere);
+  catalog[10] = make<BandWipe>(everywhere, fromMiddle);
+  catalog[11] = make<BandWipe>(fromMiddle, fromMiddle);
+  catalog[12] = make<CheckerboardWipe>();
+  catalog[13] = make<CircleWipe>();
+  catalog[14] = make<DiagonalSquaresWipe>();
+  catalog[15] = make<DissolveWipe>();
+  catalog[16] = make<BandWipe>(inRandomBars, everywhere);
+  catalog[17] = make<BandWipe>(fromBothEnds, everywhere);
+  catalog[18] = make<BandWipe>(everywhere, inSlats);
+  catalog[19] = make<BloodWipe>();
+  catalog[20] = make<WheelWipe>();
 }
 
 void addFades(Catalog& catalog) {
