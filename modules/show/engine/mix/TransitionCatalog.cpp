@@ -8,6 +8,9 @@
 #include "CrossFade.h"
 #include "FrontWipes.h"
 #include "RoundWipes.h"
+#include "DropFade.h"
+#include "Glides.h"
+#include "Stretches.h"
 
 namespace korvia {
 
@@ -45,17 +48,39 @@ void addWipes(Catalog& catalog) {
 
 void addFades(Catalog& catalog) {
   catalog[22] = make<CrossFade>();
-  catalog[23] = make<CrossFade>();
+  catalog[23] = make<DropFade>();
 }
 
 void addGlides(Catalog& catalog) {
-  for (std::size_t i = 25; i <= 44; ++i)
-    catalog[i] = make<CrossFade>();
+  catalog[25] = make<Glide>(Glide::In, PictureSide::Left);
+  catalog[26] = make<Glide>(Glide::In, PictureSide::Right);
+  catalog[27] = make<Glide>(Glide::In, PictureSide::Top);
+  catalog[28] = make<Glide>(Glide::In, PictureSide::Bottom);
+  catalog[29] = make<Glide>(Glide::In, PictureSide::TopLeft);
+  catalog[30] = make<Glide>(Glide::In, PictureSide::TopRight);
+  catalog[31] = make<Glide>(Glide::In, PictureSide::BottomRight);
+  catalog[32] = make<Glide>(Glide::In, PictureSide::BottomLeft);
+  catalog[33] = make<Glide>(Glide::Out, PictureSide::Left);
+  catalog[34] = make<Glide>(Glide::Out, PictureSide::Right);
+  catalog[35] = make<Glide>(Glide::Out, PictureSide::Top);
+  catalog[36] = make<Glide>(Glide::Out, PictureSide::Bottom);
+  catalog[37] = make<Glide>(Glide::Out, PictureSide::TopLeft);
+  catalog[38] = make<Glide>(Glide::Out, PictureSide::TopRight);
+  catalog[39] = make<Glide>(Glide::Out, PictureSide::BottomRight);
+  catalog[40] = make<Glide>(Glide::Out, PictureSide::BottomLeft);
+  catalog[41] = make<Glide>(Glide::Push, PictureSide::Left);
+  catalog[42] = make<Glide>(Glide::Push, PictureSide::Right);
+  catalog[43] = make<Glide>(Glide::Push, PictureSide::Top);
+  catalog[44] = make<Glide>(Glide::Push, PictureSide::Bottom);
 }
 
 void addStretches(Catalog& catalog) {
-  for (std::size_t i = 46; i <= 51; ++i)
-    catalog[i] = make<CrossFade>();
+  catalog[46] = make<SideStretch>(PictureSide::Left);
+  catalog[47] = make<SideStretch>(PictureSide::Right);
+  catalog[48] = make<SideStretch>(PictureSide::Top);
+  catalog[49] = make<SideStretch>(PictureSide::Bottom);
+  catalog[50] = make<CenterStretch>(CenterStretch::OldOut);
+  catalog[51] = make<CenterStretch>(CenterStretch::NewIn);
 }
 
 void addBlurs(Catalog& catalog) {
