@@ -90,7 +90,9 @@ void addFrom(int begin, const std::uint8_t* row, std::uint16_t* sums, int count)
 /// What boxRow divides by, with 8 fraction bits, and where its samples lie.
 struct Box {
   explicit Box(int radius256)
-      : whole(radius256 >> 8), fraction(radius256 & 255), scale(1.0F / static_cast<float>(256 + 2 * radius256)) {}
+      : whole(radius256 >> 8),
+        fraction(radius256 & 255),
+        scale(1.0F / static_cast<float>(256 + 2 * radius256)) {}
   int whole;
   int fraction;
   float scale;
@@ -117,7 +119,8 @@ void sumUp(const std::uint8_t* row, std::uint32_t* sums, int count) {
 
 void binomialColumnsFrom(int begin, const FiveRows& rows, std::uint16_t* out, int count) {
   for (int x = begin; x < count; ++x)
-    out[x] = static_cast<std::uint16_t>(rows[0][x] + rows[4][x] + 4 * (rows[1][x] + rows[3][x]) + 6 * rows[2][x]);
+    out[x] =
+        static_cast<std::uint16_t>(rows[0][x] + rows[4][x] + 4 * (rows[1][x] + rows[3][x]) + 6 * rows[2][x]);
 }
 
 void sharpenFrom(int begin, const std::uint8_t* row, const std::uint16_t* columns, int spacing, int gain256,
@@ -126,7 +129,8 @@ void sharpenFrom(int begin, const std::uint8_t* row, const std::uint16_t* column
     const std::uint16_t* around = columns + x;
     const int mean = around[0] + around[4 * spacing] + 4 * (around[spacing] + around[3 * spacing]) +
                      6 * around[2 * spacing];
-    const int difference = row[x] * 64 - ((mean + 2) >> 2);
+    const int all = row[x] * 64 - ((mean + 2) >> 2);
+    const int difference = all - std::clamp(all, -kSharpenCore, kSharpenCore);
     const int driven = row[x] + ((difference * gain256 + (1 << 13)) >> 14);
     out[x] = static_cast<std::uint8_t>(
         std::clamp(driven, std::min<int>(row[x], low), std::max<int>(row[x], high)));
@@ -269,12 +273,11 @@ void softenRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTR
   const auto full = hn::Set(d16, std::uint16_t{255});
   const auto round = hn::Set(d16, std::uint16_t{128});
   const auto soften = [&](auto va, auto vb, auto vs, auto vm) HWY_ATTR {
-    const auto sharp = hn::ShiftRight<8>(
-        hn::Add(hn::Add(hn::Mul(hn::PromoteTo(d16, va), weightA), hn::Mul(hn::PromoteTo(d16, vb), weightB)),
-                round));
+    const auto sharp = hn::ShiftRight<8>(hn::Add(
+        hn::Add(hn::Mul(hn::PromoteTo(d16, va), weightA), hn::Mul(hn::PromoteTo(d16, vb), weightB)), round));
     const auto m = hn::PromoteTo(d16, vm);
-    const auto sum = hn::Add(
-        hn::Add(hn::Mul(sharp, hn::Sub(full, m)), hn::Mul(hn::PromoteTo(d16, vs), m)), round);
+    const auto sum =
+        hn::Add(hn::Add(hn::Mul(sharp, hn::Sub(full, m)), hn::Mul(hn::PromoteTo(d16, vs), m)), round);
     return hn::DemoteTo(half, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)))));
   };
   const bool aligned = reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0;
@@ -354,8 +357,8 @@ void boxRow(const std::uint8_t* HWY_RESTRICT row, int radius256, std::uint32_t* 
   const auto fraction = hn::Set(d32, box.fraction);
   int x = 0;
   for (; x + lanes <= count; x += lanes) {
-    const auto inner = hn::BitCast(
-        d32, hn::Sub(hn::LoadU(u32, sums + x + box.last()), hn::LoadU(u32, sums + x + 1)));
+    const auto inner =
+        hn::BitCast(d32, hn::Sub(hn::LoadU(u32, sums + x + box.last()), hn::LoadU(u32, sums + x + 1)));
     const auto outer = hn::Add(hn::PromoteTo(d32, hn::LoadU(d8, row + x)),
                                hn::PromoteTo(d32, hn::LoadU(d8, row + x + box.last())));
     const auto sum = hn::Add(hn::ShiftLeft<8>(inner), hn::Mul(outer, fraction));
@@ -401,6 +404,7 @@ void sharpenRow(const std::uint8_t* HWY_RESTRICT row, const std::uint16_t* HWY_R
   const int lanes = static_cast<int>(hn::Lanes(d16));
   // The doubled difference times the gain, 15 bits down and rounded: the formula's 14 bits.
   const auto gain = hn::Set(d16, static_cast<std::int16_t>(gain256));
+  const auto core = hn::Set(d16, std::int16_t{kSharpenCore});
   const auto lowest = hn::Set(d16, static_cast<std::int16_t>(low));
   const auto highest = hn::Set(d16, static_cast<std::int16_t>(high));
   int x = 0;
@@ -409,7 +413,8 @@ void sharpenRow(const std::uint8_t* HWY_RESTRICT row, const std::uint16_t* HWY_R
     const auto sum = binomial(hn::Add(at(0), at(4)), hn::Add(at(1), at(3)), at(2));
     const auto mean = hn::BitCast(d16, hn::ShiftRight<2>(hn::Add(sum, hn::Set(u16, std::uint16_t{2}))));
     const auto own = hn::PromoteTo(d16, hn::LoadU(d8, row + x));
-    const auto difference = hn::Sub(hn::ShiftLeft<6>(own), mean);
+    const auto all = hn::Sub(hn::ShiftLeft<6>(own), mean);
+    const auto difference = hn::Sub(all, hn::Min(hn::Max(all, hn::Neg(core)), core));
     const auto driven = hn::Add(own, hn::MulFixedPoint15(hn::Add(difference, difference), gain));
     const auto kept = hn::Min(hn::Max(driven, hn::Min(own, lowest)), hn::Max(own, highest));
     hn::StoreU(hn::DemoteTo(d8, kept), d8, out + x);

@@ -74,6 +74,13 @@ void mixSmeared(const Frame& from, const Frame& to, int weight, Movement movemen
   drawSoftened(from, to, weight, small, mask, scratch, out);
 }
 
+void copyPlane(const Frame& from, int plane, Frame& to) {
+  const PlaneView source = planeOf(from, plane);
+  const WritablePlane target = writablePlaneOf(to, plane);
+  for (int y = 0; y < target.height; ++y)
+    std::copy_n(source.row(y), target.width, target.row(y));
+}
+
 /// Row `y` of a plane's cover, which alpha gives.
 void coverRow(const PlaneView& alpha, int plane, int y, std::uint8_t* out, int width) {
   const int step = stepOf(plane);
@@ -110,7 +117,8 @@ void DirectionalBlur::mix(const Frame& from, const Frame& to, const MixPoint& po
     const WritablePlane target = writablePlaneOf(out, plane);
     const int radius256 = static_cast<int>(std::lround(256 * radius / stepOf(plane)));
     const int border = radius256 / 256 + 1;
-    const std::size_t bordered = static_cast<std::size_t>(target.width) + 2 * static_cast<std::size_t>(border);
+    const std::size_t bordered =
+        static_cast<std::size_t>(target.width) + 2 * static_cast<std::size_t>(border);
     auto* sums = scratch.buffer<std::uint32_t>(kSumBuffer, bordered + 1);
     constexpr int kAlignment = 64;
     // One off the vectors' boundary, so that the row is not written past the cache: it is read at once.
@@ -129,13 +137,16 @@ void GrowablePoissonDisk::mix(const Frame& from, const Frame& to, const MixPoint
                               TransitionScratch& scratch, Frame& out) const {
   // Of the picture's height.
   constexpr double kLargestRadius = 0.05;
+  constexpr double kBetweenTaps = 0.2;
   const double radius = kLargestRadius * from.height() * smoothStep(depthAt(point.position));
   const int weight = hiddenFadeWeight(point.position);
-  const Frame& small = smallFade(from, to, weight, scratch);
-  Frame& blurred = scratch.frame(kSparePlace, small.size(), small.hasAlpha());
-  blurByDisk(small, radius / kShrink, scratch, blurred);
+  Frame& small = smallFade(from, to, weight, scratch);
+  Frame& filled = scratch.frame(kSparePlace, small.size(), small.hasAlpha());
+  // The taps are so far apart that a fine pattern would show; a small disk fills what lies between them.
+  blurByDisk(small, kBetweenTaps * radius / kShrink, scratch, filled);
+  blurByDisk(filled, radius / kShrink, scratch, small);
   const int strength = static_cast<int>(std::lround(255 * smoothStep(2 * radius / kHidingSmear)));
-  drawSoftened(from, to, weight, blurred, strength, scratch, out);
+  drawSoftened(from, to, weight, small, strength, scratch, out);
 }
 
 void TelescopicBlur::mix(const Frame& from, const Frame& to, const MixPoint& point,
@@ -150,7 +161,6 @@ void TelescopicBlur::mix(const Frame& from, const Frame& to, const MixPoint& poi
   Frame& larger = scratch.frame(kSparePlace, small.size(), small.hasAlpha());
   moveSmall(small, size, {0, 0.15}, larger);
   blurByDisk(larger, 0.025 * size.height / kShrink, scratch, small);
-  // Alpha stays as it is in `small`.
 
   Frame& mask = maskFor(small, scratch);
   fillRound(size, scratch, mask, [&](double distance) {
@@ -165,13 +175,15 @@ void TelescopicBlur::mix(const Frame& from, const Frame& to, const MixPoint& poi
     for (int y = 0; y < darkened.height; ++y)
       mixMaskedRow(black, blurred.row(y), light.row(y), darkened.row(y), darkened.width);
   }
+  if (out.hasAlpha())
+    copyPlane(small, Frame::A, larger);
   fillRound(size, scratch, mask, [&](double distance) { return smoothStep((distance - eyepiece) / rim); });
-  drawSoftened(from, to, weight, small, mask, scratch, out);
+  drawSoftened(from, to, weight, larger, mask, scratch, out);
 }
 
 void Sharpen::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                   Frame& out) const {
-  constexpr double kLargestGain = 3;
+  constexpr double kLargestGain = 5;
   struct Range {
     int low;
     int high;
@@ -186,14 +198,15 @@ void Sharpen::mix(const Frame& from, const Frame& to, const MixPoint& point, Tra
     const PlaneView source = planeOf(faded, plane);
     const WritablePlane target = writablePlaneOf(out, plane);
     // Edges as wide for the eye in a large picture as in a small one.
-    const int spacing = std::max(1, static_cast<int>(std::lround(from.height() / 540.0 / stepOf(plane))));
+    const int spacing = std::max(1, static_cast<int>(std::lround(from.height() / 400.0 / stepOf(plane))));
     const auto width = static_cast<std::size_t>(target.width);
     const auto border = static_cast<std::size_t>(2 * spacing);
     auto* columns = scratch.buffer<std::uint16_t>(kRowBuffer, width + 2 * border);
     for (int y = 0; y < target.height; ++y) {
       std::array<const std::uint8_t*, 5> rows;
       for (int i = 0; i < 5; ++i)
-        rows[static_cast<std::size_t>(i)] = source.row(std::clamp(y + (i - 2) * spacing, 0, source.height - 1));
+        rows[static_cast<std::size_t>(i)] =
+            source.row(std::clamp(y + (i - 2) * spacing, 0, source.height - 1));
       binomialColumns(rows, columns + border, target.width);
       std::fill_n(columns, border, columns[border]);
       std::fill_n(columns + border + width, border, columns[border + width - 1]);
@@ -207,11 +220,8 @@ void Sharpen::mix(const Frame& from, const Frame& to, const MixPoint& point, Tra
       mixMaskedRow(source.row(y), driven, cover, target.row(y), target.width);
     }
   }
-  if (!out.hasAlpha())
-    return;
-  const PlaneView alpha = planeOf(faded, Frame::A);
-  for (int y = 0; y < alpha.height; ++y)
-    std::copy_n(alpha.row(y), alpha.width, writablePlaneOf(out, Frame::A).row(y));
+  if (out.hasAlpha())
+    copyPlane(faded, Frame::A, out);
 }
 
 void ZoomBlur::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
@@ -220,8 +230,8 @@ void ZoomBlur::mix(const Frame& from, const Frame& to, const MixPoint& point, Tr
   const double position = std::clamp(point.position, 0.0, 1.0);
   const int weight = hiddenFadeWeight(position);
   const double smear = kLargestSmear * smoothStep(depthAt(position));
-  const Movement towards{0, 1.2 * position * position};
-  const Movement arriving{0, -0.6 * (1 - position) * (1 - position)};
+  const Movement towards{0, 1.6 * std::pow(position, 1.5)};
+  const Movement arriving{0, -0.9 * (1 - position) * (1 - position)};
   const FrameSize size = from.size();
 
   Frame& small = smallFade(from, to, 0, scratch);
@@ -253,8 +263,10 @@ void ZoomBlur::mix(const Frame& from, const Frame& to, const MixPoint& point, Tr
       // Only round the middle something sharp is left to show.
       const auto notAll = [](std::uint8_t value) { return value < 255; };
       const std::uint8_t* first = std::find_if(strength, strength + target.width, notAll);
-      const std::uint8_t* last = std::find_if(std::make_reverse_iterator<const std::uint8_t*>(strength + target.width),
-                                      std::make_reverse_iterator<const std::uint8_t*>(first), notAll).base();
+      const std::uint8_t* last =
+          std::find_if(std::make_reverse_iterator<const std::uint8_t*>(strength + target.width),
+                       std::make_reverse_iterator<const std::uint8_t*>(first), notAll)
+              .base();
       const auto begin = static_cast<int>(first - strength);
       const auto count = static_cast<int>(last - first);
       if (weight < 256)

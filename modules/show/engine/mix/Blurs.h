@@ -1,5 +1,5 @@
-// The blurs: the picture loses its sharpness towards the middle of the way, where one fades into the other, and
-// finds it again. Engine thread.
+// The blurs: the picture loses its sharpness towards the middle of the way, where one fades into the other,
+// and finds it again. Engine thread.
 #pragma once
 #include "engine/mix/Transition.h"
 

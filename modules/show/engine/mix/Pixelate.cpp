@@ -28,11 +28,11 @@ struct Blocks {
 Blocks blocksAt(double position, int height) {
   constexpr double kRowsInTheMiddle = 17;
   constexpr int kMostDoublings = 7;
-  // In the middle the largest blocks stay for a while.
-  constexpr double kHold = 1.15;
+  // The smallest blocks pass fast and the largest stay for a while.
+  constexpr double kHaste = 1.9;
   const int doublings =
       std::clamp(static_cast<int>(std::lround(std::log2(height / kRowsInTheMiddle))), 1, kMostDoublings);
-  const double depth = std::min(kHold * doublings * depthAt(position), static_cast<double>(doublings));
+  const double depth = doublings * (1 - std::pow(1 - depthAt(position), kHaste));
   const int whole = std::min(static_cast<int>(depth), doublings - 1);
   return {1 << whole, static_cast<int>(std::lround(256 * smoothStep((depth - whole - 0.2) / 0.6)))};
 }

@@ -35,7 +35,8 @@ Offsets offsetsFor(double radius) {
 PlaneView bordered(const PlaneView& plane, int border, TransitionScratch& scratch) {
   const int width = plane.width + 2 * border;
   const int height = plane.height + 2 * border;
-  auto* data = scratch.buffer<std::uint8_t>(2, static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+  auto* data =
+      scratch.buffer<std::uint8_t>(2, static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
   for (int y = 0; y < height; ++y) {
     const std::uint8_t* row = plane.row(std::clamp(y - border, 0, plane.height - 1));
     std::uint8_t* out = data + static_cast<std::ptrdiff_t>(y) * width;
@@ -49,7 +50,14 @@ PlaneView bordered(const PlaneView& plane, int border, TransitionScratch& scratc
 }  // namespace
 
 const std::array<PlanePoint, 32>& poissonHalfDisk() {
-  static constexpr std::array<PlanePoint, kTapCount / 2> kHalf{{{-0.435, 0.072}, {-0.218, 0.155}, {0.361, -0.797}, {-0.463, -0.409}, {0.894, 0.003}, {0.654, 0.011}, {0.295, -0.556}, {0.312, 0.550}, {0.207, 0.305}, {0.542, -0.703}, {0.415, 0.166}, {0.852, -0.188}, {0.685, 0.540}, {0.551, 0.677}, {0.070, 0.472}, {-0.098, 0.654}, {-0.810, -0.391}, {0.803, -0.383}, {0.114, -0.369}, {-0.002, -0.137}, {-0.205, -0.061}, {0.026, 0.885}, {0.228, 0.877}, {0.512, -0.469}, {0.860, 0.196}, {0.703, -0.557}, {0.629, 0.254}, {-0.397, -0.786}, {-0.140, -0.683}, {-0.362, 0.314}, {0.175, -0.878}, {0.608, -0.244}}};
+  static constexpr std::array<PlanePoint, kTapCount / 2> kHalf{
+      {{-0.435, 0.072},  {-0.218, 0.155},  {0.361, -0.797},  {-0.463, -0.409}, {0.894, 0.003},
+       {0.654, 0.011},   {0.295, -0.556},  {0.312, 0.550},   {0.207, 0.305},   {0.542, -0.703},
+       {0.415, 0.166},   {0.852, -0.188},  {0.685, 0.540},   {0.551, 0.677},   {0.070, 0.472},
+       {-0.098, 0.654},  {-0.810, -0.391}, {0.803, -0.383},  {0.114, -0.369},  {-0.002, -0.137},
+       {-0.205, -0.061}, {0.026, 0.885},   {0.228, 0.877},   {0.512, -0.469},  {0.860, 0.196},
+       {0.703, -0.557},  {0.629, 0.254},   {-0.397, -0.786}, {-0.140, -0.683}, {-0.362, 0.314},
+       {0.175, -0.878},  {0.608, -0.244}}};
   return kHalf;
 }
 

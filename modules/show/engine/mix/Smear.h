@@ -22,8 +22,8 @@ class MovedPlane {
 
  private:
   PlaneView plane_;
-  // Where the sample at 0, 0 comes from, and what a step to the right adds to that; a step down adds the same,
-  // turned by a right angle. In 1/65536 sample.
+  // Where the sample at 0, 0 comes from, and what a step to the right adds to that; a step down adds the
+  // same, turned by a right angle. In 1/65536 sample.
   std::int64_t originX_;
   std::int64_t originY_;
   std::int64_t stepX_;
