@@ -205,10 +205,12 @@ void shrinkRow(const ShrinkRows& a, const ShrinkRows& b, int weight, std::uint8_
     const auto wide = hn::BitCast(d32, pairs);
     return hn::BitCast(i32, hn::ShiftLeft<2>(hn::Add(hn::And(wide, evenPair), hn::ShiftRight<16>(wide))));
   };
+  const bool fades = a != b;
   int x = 0;
   for (; x + lanes <= count; x += lanes) {
     const auto sumA = sumOfSquares(a, x);
-    const auto step = hn::Mul(hn::Sub(sumOfSquares(b, x), sumA), weightB);
+    const auto sumB = fades ? sumOfSquares(b, x) : sumA;
+    const auto step = hn::Mul(hn::Sub(sumB, sumA), weightB);
     const auto sum = hn::Add(sumA, hn::ShiftRight<8>(hn::Add(step, hn::Set(i32, 128))));
     const auto mean = hn::ShiftRight<6>(hn::Add(sum, hn::Set(i32, 32)));
     hn::StoreU(hn::DemoteTo(quarter, mean), quarter, out + x / kShrink);

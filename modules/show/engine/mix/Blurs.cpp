@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <iterator>
 
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/BlurKernels.h"
@@ -87,6 +86,69 @@ void coverRow(const PlaneView& alpha, int plane, int y, std::uint8_t* out, int w
   const std::uint8_t* row = alpha.row(y * step);
   for (int x = 0; x < width; ++x)
     out[x] = row[x * step];
+}
+
+/// How both pictures stand in a zoom.
+struct ZoomStep {
+  int weight = 0;
+  Movement nearing;
+  Movement settling;
+  double smear = 0;
+};
+
+/// The fade of the two moved pictures, small and smeared.
+const Frame& smallZoom(const Frame& from, const Frame& to, const ZoomStep& step, TransitionScratch& scratch) {
+  const FrameSize size = from.size();
+  Frame& small = scratch.frame(kSmallPlace, smallSizeOf(size), from.hasAlpha());
+  Frame& first = scratch.frame(kSparePlace, small.size(), small.hasAlpha());
+  Frame& second = scratch.frame(kOtherPlace, small.size(), small.hasAlpha());
+  if (step.weight < 256) {
+    shrinkFade(from, from, 0, small);
+    moveSmall(small, size, step.nearing, first);
+  }
+  if (step.weight > 0) {
+    shrinkFade(to, to, 256, small);
+    moveSmall(small, size, step.settling, second);
+  }
+  crossFade(step.weight < 256 ? first : second, step.weight > 0 ? second : first, step.weight, small);
+  smearSmall(small, size, {0, step.smear}, scratch);
+  return small;
+}
+
+/// The small zoom in full size, and what the mask leaves of the two moved pictures.
+void drawZoomed(const Frame& from, const Frame& to, const ZoomStep& step, const Frame& small,
+                const Frame& mask, TransitionScratch& scratch, Frame& out) {
+  const auto width = static_cast<std::size_t>(out.width());
+  auto* soft = scratch.buffer<std::uint8_t>(0, width);
+  auto* strengths = scratch.buffer<std::uint8_t>(1, width);
+  auto* first = scratch.buffer<std::uint8_t>(kRowBuffer, width);
+  auto* second = scratch.buffer<std::uint8_t>(kSumBuffer, width);
+  for (int plane = 0; plane < planeCount(out); ++plane) {
+    const PlanePoint centre = centreOf(out.size(), stepOf(plane));
+    const MovedPlane nearing(planeOf(from, plane), centre, step.nearing);
+    const MovedPlane settling(planeOf(to, plane), centre, step.settling);
+    const WritablePlane target = writablePlaneOf(out, plane);
+    for (int y = 0; y < target.height; ++y) {
+      enlargedRow(planeOf(small, plane), y, target.row(y), target.width);
+      if (isFull(planeOf(mask, maskPlaneOf(plane)), y))
+        continue;
+      enlargedRow(planeOf(mask, maskPlaneOf(plane)), y, strengths, target.width);
+      std::copy_n(target.row(y), target.width, soft);
+      // Only round the middle there is something sharp to show.
+      int begin = 0;
+      int end = target.width;
+      while (begin < end && strengths[begin] == 255)
+        ++begin;
+      while (end > begin && strengths[end - 1] == 255)
+        --end;
+      if (step.weight < 256)
+        nearing.row(y, begin, end - begin, first);
+      if (step.weight > 0)
+        settling.row(y, begin, end - begin, second);
+      softenRow(step.weight < 256 ? first : second, step.weight > 0 ? second : first, step.weight,
+                soft + begin, strengths + begin, target.row(y) + begin, end - begin);
+    }
+  }
 }
 
 }  // namespace
@@ -228,55 +290,15 @@ void ZoomBlur::mix(const Frame& from, const Frame& to, const MixPoint& point, Tr
                    Frame& out) const {
   constexpr double kLargestSmear = 0.4;
   const double position = std::clamp(point.position, 0.0, 1.0);
-  const int weight = hiddenFadeWeight(position);
-  const double smear = kLargestSmear * smoothStep(depthAt(position));
-  const Movement towards{0, 1.6 * std::pow(position, 1.5)};
-  const Movement arriving{0, -0.9 * (1 - position) * (1 - position)};
-  const FrameSize size = from.size();
-
-  Frame& small = smallFade(from, to, 0, scratch);
-  Frame& movedFrom = scratch.frame(kSparePlace, small.size(), small.hasAlpha());
-  moveSmall(small, size, towards, movedFrom);
-  shrinkFade(to, to, 256, small);
-  Frame& movedTo = scratch.frame(kOtherPlace, small.size(), small.hasAlpha());
-  moveSmall(small, size, arriving, movedTo);
-  crossFade(movedFrom, movedTo, weight, small);
-  smearSmall(small, size, {0, smear}, scratch);
+  const ZoomStep step{hiddenFadeWeight(position),
+                      {0, 1.6 * std::pow(position, 1.5)},
+                      {0, -0.9 * (1 - position) * (1 - position)},
+                      kLargestSmear * smoothStep(depthAt(position))};
+  const Frame& small = smallZoom(from, to, step, scratch);
   Frame& mask = maskFor(small, scratch);
-  fillRound(size, scratch, mask,
-            [&](double distance) { return smoothStep(distance * smear / kHidingSmear); });
-
-  const auto width = static_cast<std::size_t>(size.width);
-  auto* soft = scratch.buffer<std::uint8_t>(0, width);
-  auto* strength = scratch.buffer<std::uint8_t>(1, width);
-  auto* rowFrom = scratch.buffer<std::uint8_t>(kRowBuffer, width);
-  auto* rowTo = scratch.buffer<std::uint8_t>(kSumBuffer, width);
-  for (int plane = 0; plane < planeCount(out); ++plane) {
-    const PlanePoint centre = centreOf(size, stepOf(plane));
-    const MovedPlane nearing(planeOf(from, plane), centre, towards);
-    const MovedPlane settling(planeOf(to, plane), centre, arriving);
-    const WritablePlane target = writablePlaneOf(out, plane);
-    for (int y = 0; y < target.height; ++y) {
-      enlargedRow(planeOf(small, plane), y, soft, target.width);
-      enlargedRow(planeOf(mask, maskPlaneOf(plane)), y, strength, target.width);
-      std::copy_n(soft, target.width, target.row(y));
-      // Only round the middle something sharp is left to show.
-      const auto notAll = [](std::uint8_t value) { return value < 255; };
-      const std::uint8_t* first = std::find_if(strength, strength + target.width, notAll);
-      const std::uint8_t* last =
-          std::find_if(std::make_reverse_iterator<const std::uint8_t*>(strength + target.width),
-                       std::make_reverse_iterator<const std::uint8_t*>(first), notAll)
-              .base();
-      const auto begin = static_cast<int>(first - strength);
-      const auto count = static_cast<int>(last - first);
-      if (weight < 256)
-        nearing.row(y, begin, count, rowFrom);
-      if (weight > 0)
-        settling.row(y, begin, count, rowTo);
-      softenRow(weight < 256 ? rowFrom : rowTo, weight > 0 ? rowTo : rowFrom, weight, soft + begin, first,
-                target.row(y) + begin, count);
-    }
-  }
+  fillRound(from.size(), scratch, mask,
+            [&](double distance) { return smoothStep(distance * step.smear / kHidingSmear); });
+  drawZoomed(from, to, step, small, mask, scratch, out);
 }
 
 }  // namespace korvia

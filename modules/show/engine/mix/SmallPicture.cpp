@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "engine/kernels/BlurKernels.h"
 
@@ -16,6 +17,22 @@ ShrinkRows rowsFrom(const PlaneView& plane, int y) {
   for (int i = 0; i < kShrink; ++i)
     rows[static_cast<std::size_t>(i)] = plane.row(std::min(y + i, plane.height - 1));
   return rows;
+}
+
+/// What a row of full size lies between.
+struct RowPair {
+  const std::uint8_t* upper;
+  const std::uint8_t* lower;
+  /// Of 8.
+  int lowerWeight;
+};
+
+RowPair rowsAround(const PlaneView& small, int y) {
+  constexpr int kLowerWeights[kShrink] = {5, 7, 1, 3};
+  const int phase = y % kShrink;
+  const int upper = y / kShrink - (phase < kShrink / 2 ? 1 : 0);
+  return {small.row(std::max(upper, 0)), small.row(std::min(upper + 1, small.height - 1)),
+          kLowerWeights[phase]};
 }
 
 }  // namespace
@@ -39,11 +56,17 @@ void shrinkFade(const Frame& from, const Frame& to, int weight, Frame& small) {
 }
 
 void enlargedRow(const PlaneView& small, int y, std::uint8_t* out, int width) {
-  constexpr int kLowerWeights[kShrink] = {5, 7, 1, 3};
-  const int phase = y % kShrink;
-  const int upper = y / kShrink - (phase < kShrink / 2 ? 1 : 0);
-  enlargeRow(small.row(std::max(upper, 0)), small.row(std::min(upper + 1, small.height - 1)),
-             kLowerWeights[phase], small.width, out, width);
+  const RowPair rows = rowsAround(small, y);
+  enlargeRow(rows.upper, rows.lower, rows.lowerWeight, small.width, out, width);
+}
+
+bool isFull(const PlaneView& small, int y) {
+  const RowPair rows = rowsAround(small, y);
+  const auto others = static_cast<std::size_t>(small.width) - 1;
+  const auto full = [&](const std::uint8_t* row) {
+    return row[0] == 255 && std::memcmp(row, row + 1, others) == 0;
+  };
+  return full(rows.upper) && full(rows.lower);
 }
 
 void drawSoftened(const Frame& from, const Frame& to, int weight, const Frame& small, int strength,
@@ -77,6 +100,10 @@ void drawSoftened(const Frame& from, const Frame& to, int weight, const Frame& s
     const PlaneView strengths = planeOf(mask, maskPlaneOf(plane));
     const WritablePlane target = writablePlaneOf(out, plane);
     for (int y = 0; y < target.height; ++y) {
+      if (isFull(strengths, y)) {
+        enlargedRow(blurred, y, target.row(y), target.width);
+        continue;
+      }
       enlargedRow(blurred, y, soft, target.width);
       enlargedRow(strengths, y, strength, target.width);
       softenRow(a.row(y), b.row(y), weight, soft, strength, target.row(y), target.width);

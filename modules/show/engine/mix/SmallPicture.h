@@ -27,6 +27,9 @@ void shrinkFade(const Frame& from, const Frame& to, int weight, Frame& small);
 /// Row `y` of a plane of full size out of that plane's small one, bilinear.
 void enlargedRow(const PlaneView& small, int y, std::uint8_t* out, int width);
 
+/// Whether row `y` of full size is 255 from end to end.
+bool isFull(const PlaneView& small, int y);
+
 /// The fade with the small picture laid over it, 0 (none) to 255 (all) strong everywhere. Uses the scratch's
 /// buffers 0 and 1.
 void drawSoftened(const Frame& from, const Frame& to, int weight, const Frame& small, int strength,

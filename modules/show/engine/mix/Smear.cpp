@@ -12,6 +12,7 @@ namespace korvia {
 namespace {
 
 constexpr int kFractionBits = 16;
+constexpr int kDownBits = kFractionBits - kSampleFractionBits;
 // As many points as are handed to the sampler at a time.
 constexpr int kBlock = 512;
 // Three taps a pass, each pass three times as far apart as the one before: 81 taps in all.
@@ -21,6 +22,18 @@ constexpr double kTaps = 81;
 
 std::int64_t fixed(double value) {
   return std::llround(value * (1 << kFractionBits));
+}
+
+/// Coordinates for the sampler of points in a line. Within a block they fit into 32 bits, which is far
+/// faster.
+void fillLine(std::int64_t start, std::int64_t step, std::int32_t* out, int count) {
+  const auto whole = static_cast<std::int32_t>(start >> kDownBits);
+  auto rest = static_cast<std::int32_t>(start & ((1 << kDownBits) - 1));
+  const auto shortStep = static_cast<std::int32_t>(step);
+  for (int i = 0; i < count; ++i) {
+    out[i] = whole + (rest >> kDownBits);
+    rest += shortStep;
+  }
 }
 
 MovedPlane movedSmall(const Frame& picture, int plane, FrameSize size, Movement movement) {
@@ -39,20 +52,15 @@ MovedPlane::MovedPlane(const PlaneView& plane, PlanePoint centre, Movement movem
 }
 
 void MovedPlane::row(int y, int begin, int count, std::uint8_t* out) const {
-  constexpr int kDown = kFractionBits - kSampleFractionBits;
-  constexpr std::int64_t kRound = 1 << (kDown - 1);
+  constexpr std::int64_t kRound = 1 << (kDownBits - 1);
   std::array<std::int32_t, kBlock> x;
   std::array<std::int32_t, kBlock> line;
   for (int done = 0; done < count; done += kBlock) {
     const int size = std::min(kBlock, count - done);
-    std::int64_t atX = originX_ + (begin + done) * stepX_ - y * stepY_ + kRound;
-    std::int64_t atY = originY_ + (begin + done) * stepY_ + y * stepX_ + kRound;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(size); ++i) {
-      x[i] = static_cast<std::int32_t>(atX >> kDown);
-      line[i] = static_cast<std::int32_t>(atY >> kDown);
-      atX += stepX_;
-      atY += stepY_;
-    }
+    const std::int64_t atX = originX_ + (begin + done) * stepX_ - y * stepY_ + kRound;
+    const std::int64_t atY = originY_ + (begin + done) * stepY_ + y * stepX_ + kRound;
+    fillLine(atX, stepX_, x.data(), size);
+    fillLine(atY, stepY_, line.data(), size);
     sampleRow(plane_, x.data(), line.data(), out + done, size);
   }
 }

@@ -6,7 +6,7 @@
 namespace korvia {
 
 /// About the middle of the picture: a turn in radians, clockwise on the screen, and a growth as the natural
-/// logarithm of the scale.
+/// logarithm of the scale, down to -3.
 struct Movement {
   double turn = 0;
   double growth = 0;
