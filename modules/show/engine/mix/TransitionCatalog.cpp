@@ -11,6 +11,8 @@
 #include "DropFade.h"
 #include "Glides.h"
 #include "Stretches.h"
+#include "Blurs.h"
+#include "Pixelate.h"
 
 namespace korvia {
 
@@ -84,8 +86,14 @@ void addStretches(Catalog& catalog) {
 }
 
 void addBlurs(Catalog& catalog) {
-  for (std::size_t i = 53; i <= 60; ++i)
-    catalog[i] = make<CrossFade>();
+  catalog[53] = make<CircularBlur>();
+  catalog[54] = make<RadialBlur>();
+  catalog[55] = make<Pixelate>();
+  catalog[56] = make<DirectionalBlur>();
+  catalog[57] = make<GrowablePoissonDisk>();
+  catalog[58] = make<Sharpen>();
+  catalog[59] = make<TelescopicBlur>();
+  catalog[60] = make<ZoomBlur>();
 }
 
 void addDistortions(Catalog& catalog) {
