@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
 
 HWY_BEFORE_NAMESPACE();
@@ -33,11 +34,40 @@ void sampleScalar(const PlaneView& plane, const std::int32_t* x, const std::int3
     out[i] = sampleAt(plane, x[i], y[i]);
 }
 
+/// Bits that a sum over the four nodes has more than a coordinate.
+inline int bentShift(const BentRow& bent) {
+  return 2 * bent.cellBits + bent.fractionBits - kSampleFractionBits;
+}
+
+inline int mirrored(int place, int end) {
+  return std::max(end - std::abs(end - std::abs(place)), 0);
+}
+
+void sampleBentScalar(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* out, int count) {
+  const int cell = 1 << bent.cellBits;
+  const int shift = bentShift(bent);
+  const auto between = [&](const std::int32_t* upper, const std::int32_t* lower, int i) {
+    const int node = i >> bent.cellBits;
+    const int left = upper[node] * (cell - bent.down) + lower[node] * bent.down;
+    const int right = upper[node + 1] * (cell - bent.down) + lower[node + 1] * bent.down;
+    return (left * cell + (right - left) * (i & (cell - 1)) + (1 << shift >> 1)) >> shift;
+  };
+  for (int i = 0; i < count; ++i)
+    out[i] = sampleAt(
+        plane,
+        mirrored(i * kSampleOne + between(bent.upperX, bent.lowerX, i), (plane.width - 1) * kSampleOne),
+        mirrored(y * kSampleOne + between(bent.upperY, bent.lowerY, i), (plane.height - 1) * kSampleOne));
+}
+
 #if HWY_TARGET == HWY_SCALAR
 
 void sampleRow(const PlaneView& plane, const std::int32_t* x, const std::int32_t* y, std::uint8_t* out,
                int count) {
   sampleScalar(plane, x, y, out, count);
+}
+
+void sampleBentRow(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* out, int count) {
+  sampleBentScalar(plane, y, bent, out, count);
 }
 
 #else
@@ -47,63 +77,176 @@ namespace hn = hwy::HWY_NAMESPACE;
 // As many points as are looked up at a time: the vectors before and after must not wait for single stores.
 constexpr int kBlock = 256;
 
+/// The points of a block: the upper left of the four samples around each, and the weights of the right and
+/// the lower ones.
+struct PointBlock {
+  HWY_ALIGN std::array<std::int32_t, kBlock> offsets;
+  HWY_ALIGN std::array<std::int32_t, kBlock> weightsX;
+  HWY_ALIGN std::array<std::int32_t, kBlock> weightsY;
+  HWY_ALIGN std::array<std::int32_t, kBlock> squares;
+};
+
+/// Puts points that lie inside a plane into a block.
+template <typename D>
+class PointWriter {
+ public:
+  using V = hn::Vec<D>;
+
+  // The last sample is the right one of its pair, with all the weight, so that no pair leaves the plane.
+  explicit PointWriter(const PlaneView& plane)
+      : lastColumn_(hn::Set(D(), plane.width - 2)),
+        lastLine_(hn::Set(D(), plane.height - 2)),
+        stride_(hn::Set(D(), plane.stride)) {}
+
+  void write(V x, V y, PointBlock& block, int i) const {
+    const D d;
+    const auto column = hn::Min(hn::ShiftRight<kSampleFractionBits>(x), lastColumn_);
+    const auto line = hn::Min(hn::ShiftRight<kSampleFractionBits>(y), lastLine_);
+    hn::Store(hn::Add(hn::Mul(line, stride_), column), d, block.offsets.data() + i);
+    hn::Store(hn::Sub(x, hn::ShiftLeft<kSampleFractionBits>(column)), d, block.weightsX.data() + i);
+    hn::Store(hn::Sub(y, hn::ShiftLeft<kSampleFractionBits>(line)), d, block.weightsY.data() + i);
+  }
+
+ private:
+  V lastColumn_;
+  V lastLine_;
+  V stride_;
+};
+
 inline std::uint32_t pairAt(const std::uint8_t* samples) {
   std::uint16_t pair = 0;
   std::memcpy(&pair, samples, sizeof pair);
   return pair;
 }
 
-void sampleRow(const PlaneView& plane, const std::int32_t* HWY_RESTRICT x, const std::int32_t* HWY_RESTRICT y,
-               std::uint8_t* HWY_RESTRICT out, int count) {
+inline void lookUp(const PlaneView& plane, PointBlock& block, int size) {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(size); ++i) {
+    const std::uint8_t* corner = plane.data + block.offsets[i];
+    block.squares[i] = static_cast<std::int32_t>(pairAt(corner) | pairAt(corner + plane.stride) << 16);
+  }
+}
+
+/// `size` is whole vectors of 32-bit numbers.
+inline void blend(const PointBlock& block, std::uint8_t* HWY_RESTRICT out, int size) {
   const hn::ScalableTag<std::int32_t> d32;
   const hn::Rebind<std::uint8_t, decltype(d32)> d8;
   const int lanes = static_cast<int>(hn::Lanes(d32));
-  const auto zero = hn::Zero(d32);
   const auto byte = hn::Set(d32, 255);
+  const auto round = hn::Set(d32, 1 << 15);
+  for (int i = 0; i < size; i += lanes) {
+    const auto square = hn::Load(d32, block.squares.data() + i);
+    const auto weightX = hn::Load(d32, block.weightsX.data() + i);
+    const auto between = [&](auto left, auto right) HWY_ATTR {
+      return hn::Add(hn::ShiftLeft<kSampleFractionBits>(left), hn::Mul(hn::Sub(right, left), weightX));
+    };
+    const auto top = between(hn::And(square, byte), hn::And(hn::ShiftRight<8>(square), byte));
+    const auto bottom =
+        between(hn::And(hn::ShiftRight<16>(square), byte), hn::And(hn::ShiftRight<24>(square), byte));
+    const auto sum = hn::Add(hn::Add(hn::ShiftLeft<kSampleFractionBits>(top), round),
+                             hn::Mul(hn::Sub(bottom, top), hn::Load(d32, block.weightsY.data() + i)));
+    hn::StoreU(hn::DemoteTo(d8, hn::ShiftRight<16>(sum)), d8, out + i);
+  }
+}
+
+void sampleRow(const PlaneView& plane, const std::int32_t* HWY_RESTRICT x, const std::int32_t* HWY_RESTRICT y,
+               std::uint8_t* HWY_RESTRICT out, int count) {
+  const hn::ScalableTag<std::int32_t> d32;
+  const int lanes = static_cast<int>(hn::Lanes(d32));
+  const auto zero = hn::Zero(d32);
   const auto endX = hn::Set(d32, (plane.width - 1) << kSampleFractionBits);
   const auto endY = hn::Set(d32, (plane.height - 1) << kSampleFractionBits);
-  // The last sample is the right one of its pair, with all the weight, so that no pair leaves the plane.
-  const auto lastColumn = hn::Set(d32, plane.width - 2);
-  const auto lastLine = hn::Set(d32, plane.height - 2);
-  const auto stride = hn::Set(d32, plane.stride);
-  const auto round = hn::Set(d32, 1 << 15);
-
-  HWY_ALIGN std::array<std::int32_t, kBlock> offsets;
-  HWY_ALIGN std::array<std::int32_t, kBlock> weightsX;
-  HWY_ALIGN std::array<std::int32_t, kBlock> weightsY;
-  HWY_ALIGN std::array<std::int32_t, kBlock> squares;
+  const PointWriter<decltype(d32)> writer(plane);
+  PointBlock block;
   const int whole = plane.width > 1 && plane.height > 1 ? count / lanes * lanes : 0;
   for (int begin = 0; begin < whole; begin += kBlock) {
     const int size = std::min(kBlock, whole - begin);
-    for (int i = 0; i < size; i += lanes) {
-      const auto px = hn::Min(hn::Max(hn::LoadU(d32, x + begin + i), zero), endX);
-      const auto py = hn::Min(hn::Max(hn::LoadU(d32, y + begin + i), zero), endY);
-      const auto column = hn::Min(hn::ShiftRight<kSampleFractionBits>(px), lastColumn);
-      const auto line = hn::Min(hn::ShiftRight<kSampleFractionBits>(py), lastLine);
-      hn::Store(hn::Add(hn::Mul(line, stride), column), d32, offsets.data() + i);
-      hn::Store(hn::Sub(px, hn::ShiftLeft<kSampleFractionBits>(column)), d32, weightsX.data() + i);
-      hn::Store(hn::Sub(py, hn::ShiftLeft<kSampleFractionBits>(line)), d32, weightsY.data() + i);
-    }
-    for (int i = 0; i < size; ++i) {
-      const std::uint8_t* corner = plane.data + offsets[static_cast<std::size_t>(i)];
-      squares[static_cast<std::size_t>(i)] =
-          static_cast<std::int32_t>(pairAt(corner) | pairAt(corner + plane.stride) << 16);
-    }
-    for (int i = 0; i < size; i += lanes) {
-      const auto square = hn::Load(d32, squares.data() + i);
-      const auto weightX = hn::Load(d32, weightsX.data() + i);
-      const auto between = [&](auto left, auto right) HWY_ATTR {
-        return hn::Add(hn::ShiftLeft<kSampleFractionBits>(left), hn::Mul(hn::Sub(right, left), weightX));
-      };
-      const auto top = between(hn::And(square, byte), hn::And(hn::ShiftRight<8>(square), byte));
-      const auto bottom =
-          between(hn::And(hn::ShiftRight<16>(square), byte), hn::And(hn::ShiftRight<24>(square), byte));
-      const auto sum = hn::Add(hn::Add(hn::ShiftLeft<kSampleFractionBits>(top), round),
-                               hn::Mul(hn::Sub(bottom, top), hn::Load(d32, weightsY.data() + i)));
-      hn::StoreU(hn::DemoteTo(d8, hn::ShiftRight<16>(sum)), d8, out + begin + i);
-    }
+    for (int i = 0; i < size; i += lanes)
+      writer.write(hn::Min(hn::Max(hn::LoadU(d32, x + begin + i), zero), endX),
+                   hn::Min(hn::Max(hn::LoadU(d32, y + begin + i), zero), endY), block, i);
+    lookUp(plane, block, size);
+    blend(block, out + begin, size);
   }
   sampleScalar(plane, x + whole, y + whole, out + whole, count - whole);
+}
+
+/// The displacements of a row along one axis, as sums over the nodes above and below.
+template <int kCellBits>
+struct NodeBlock {
+  static constexpr int kSpare = 16;
+  HWY_ALIGN std::array<std::int32_t, (kBlock >> kCellBits) + 1 + kSpare> sums;
+
+  void fill(const std::int32_t* HWY_RESTRICT upper, const std::int32_t* HWY_RESTRICT lower, int down,
+            int count) {
+    const hn::CappedTag<std::int32_t, kSpare> d;
+    const auto upperWeight = hn::Set(d, (1 << kCellBits) - down);
+    const auto lowerWeight = hn::Set(d, down);
+    for (int i = 0; i < count; i += static_cast<int>(hn::Lanes(d)))
+      hn::StoreU(hn::Add(hn::Mul(hn::LoadU(d, upper + i), upperWeight),
+                         hn::Mul(hn::LoadU(d, lower + i), lowerWeight)),
+                 d, sums.data() + i);
+  }
+};
+
+template <int kCellBits>
+void sampleBent(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* HWY_RESTRICT out,
+                int count) {
+  constexpr int kCell = 1 << kCellBits;
+  const hn::CappedTag<std::int32_t, kCell> d32;
+  using V = hn::Vec<decltype(d32)>;
+  const int lanes = static_cast<int>(hn::Lanes(d32));
+  const int wideLanes = static_cast<int>(hn::Lanes(hn::ScalableTag<std::int32_t>()));
+  const int shift = bentShift(bent);
+  const auto zero = hn::Zero(d32);
+  const auto round = hn::Set(d32, 1 << shift >> 1);
+  const auto endX = hn::Set(d32, (plane.width - 1) << kSampleFractionBits);
+  const auto endY = hn::Set(d32, (plane.height - 1) << kSampleFractionBits);
+  const auto line = hn::Set(d32, y << kSampleFractionBits);
+  const auto mirror = [&](V place, V end) HWY_ATTR {
+    return hn::Max(hn::Sub(end, hn::Abs(hn::Sub(end, hn::Abs(place)))), zero);
+  };
+  const PointWriter<decltype(d32)> writer(plane);
+  PointBlock block;
+  NodeBlock<kCellBits> nodesX;
+  NodeBlock<kCellBits> nodesY;
+  for (int begin = 0; begin < count; begin += kBlock) {
+    const int size = std::min(kBlock, count - begin);
+    const int cells = (size + kCell - 1) >> kCellBits;
+    const int first = begin >> kCellBits;
+    nodesX.fill(bent.upperX + first, bent.lowerX + first, bent.down, cells + 1);
+    nodesY.fill(bent.upperY + first, bent.lowerY + first, bent.down, cells + 1);
+    for (int i = 0; i < cells * kCell; i += lanes) {
+      const auto inCell = hn::Iota(d32, i & (kCell - 1));
+      const auto node = static_cast<std::size_t>(i >> kCellBits);
+      const auto moved = [&](const NodeBlock<kCellBits>& nodes) HWY_ATTR {
+        const std::int32_t left = nodes.sums[node];
+        const auto step = hn::Set(d32, nodes.sums[node + 1] - left);
+        const auto start = hn::Add(hn::Set(d32, left * kCell), round);
+        return hn::ShiftRightSame(hn::Add(start, hn::Mul(step, inCell)), shift);
+      };
+      const auto column = hn::ShiftLeft<kSampleFractionBits>(hn::Iota(d32, begin + i));
+      writer.write(mirror(hn::Add(column, moved(nodesX)), endX), mirror(hn::Add(line, moved(nodesY)), endY),
+                   block, i);
+    }
+    lookUp(plane, block, size);
+    const int whole = size / wideLanes * wideLanes;
+    blend(block, out + begin, whole);
+    if (whole < size) {
+      HWY_ALIGN std::array<std::uint8_t, kBlock> rest;
+      for (int i = size; i < whole + wideLanes; ++i)
+        block.squares[static_cast<std::size_t>(i)] = 0;
+      blend(block, rest.data(), whole + wideLanes);
+      std::memcpy(out + begin + whole, rest.data() + whole, static_cast<std::size_t>(size - whole));
+    }
+  }
+}
+
+void sampleBentRow(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* out, int count) {
+  if (plane.width < 2 || plane.height < 2)
+    sampleBentScalar(plane, y, bent, out, count);
+  else if (bent.cellBits == 2)
+    sampleBent<2>(plane, y, bent, out, count);
+  else
+    sampleBent<3>(plane, y, bent, out, count);
 }
 
 #endif
@@ -115,10 +258,15 @@ HWY_AFTER_NAMESPACE();
 namespace korvia {
 
 HWY_EXPORT(sampleRow);
+HWY_EXPORT(sampleBentRow);
 
 void sampleRow(const PlaneView& plane, const std::int32_t* x, const std::int32_t* y, std::uint8_t* out,
                int count) {
   HWY_DYNAMIC_DISPATCH(sampleRow)(plane, x, y, out, count);
+}
+
+void sampleBentRow(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(sampleBentRow)(plane, y, bent, out, count);
 }
 
 }  // namespace korvia
