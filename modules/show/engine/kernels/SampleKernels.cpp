@@ -43,20 +43,23 @@ inline int mirrored(int place, int end) {
   return std::max(end - std::abs(end - std::abs(place)), 0);
 }
 
-void sampleBentScalar(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* out, int count) {
+void sampleBentScalar(const BentTarget* targets, int targetCount, int y, const BentRow& bent, int count) {
   const int cell = 1 << bent.cellBits;
   const int shift = bentShift(bent);
+  const int endX = (targets[0].plane.width - 1) * kSampleOne;
+  const int endY = (targets[0].plane.height - 1) * kSampleOne;
   const auto between = [&](const std::int32_t* upper, const std::int32_t* lower, int i) {
     const int node = i >> bent.cellBits;
     const int left = upper[node] * (cell - bent.down) + lower[node] * bent.down;
     const int right = upper[node + 1] * (cell - bent.down) + lower[node + 1] * bent.down;
     return (left * cell + (right - left) * (i & (cell - 1)) + (1 << shift >> 1)) >> shift;
   };
-  for (int i = 0; i < count; ++i)
-    out[i] = sampleAt(
-        plane,
-        mirrored(i * kSampleOne + between(bent.upperX, bent.lowerX, i), (plane.width - 1) * kSampleOne),
-        mirrored(y * kSampleOne + between(bent.upperY, bent.lowerY, i), (plane.height - 1) * kSampleOne));
+  for (int i = 0; i < count; ++i) {
+    const int x = mirrored(i * kSampleOne + between(bent.upperX, bent.lowerX, i), endX);
+    const int line = mirrored(y * kSampleOne + between(bent.upperY, bent.lowerY, i), endY);
+    for (int target = 0; target < targetCount; ++target)
+      targets[target].out[i] = sampleAt(targets[target].plane, x, line);
+  }
 }
 
 #if HWY_TARGET == HWY_SCALAR
@@ -66,8 +69,8 @@ void sampleRow(const PlaneView& plane, const std::int32_t* x, const std::int32_t
   sampleScalar(plane, x, y, out, count);
 }
 
-void sampleBentRow(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* out, int count) {
-  sampleBentScalar(plane, y, bent, out, count);
+void sampleBentRow(const BentTarget* targets, int targetCount, int y, const BentRow& bent, int count) {
+  sampleBentScalar(targets, targetCount, y, bent, count);
 }
 
 #else
@@ -148,6 +151,18 @@ inline void blend(const PointBlock& block, std::uint8_t* HWY_RESTRICT out, int s
   }
 }
 
+/// Any `size`; what lies behind it in its last vector is blended for nothing.
+inline void blendAny(const PointBlock& block, std::uint8_t* out, int size) {
+  const int lanes = static_cast<int>(hn::Lanes(hn::ScalableTag<std::int32_t>()));
+  if (size % lanes == 0) {
+    blend(block, out, size);
+    return;
+  }
+  HWY_ALIGN std::array<std::uint8_t, kBlock> blended;
+  blend(block, blended.data(), (size / lanes + 1) * lanes);
+  std::memcpy(out, blended.data(), static_cast<std::size_t>(size));
+}
+
 void sampleRow(const PlaneView& plane, const std::int32_t* HWY_RESTRICT x, const std::int32_t* HWY_RESTRICT y,
                std::uint8_t* HWY_RESTRICT out, int count) {
   const hn::ScalableTag<std::int32_t> d32;
@@ -188,65 +203,61 @@ struct NodeBlock {
 };
 
 template <int kCellBits>
-void sampleBent(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* HWY_RESTRICT out,
-                int count) {
+void sampleBent(const BentTarget* targets, int targetCount, int y, const BentRow& bent, int count) {
   constexpr int kCell = 1 << kCellBits;
   const hn::CappedTag<std::int32_t, kCell> d32;
   using V = hn::Vec<decltype(d32)>;
   const int lanes = static_cast<int>(hn::Lanes(d32));
-  const int wideLanes = static_cast<int>(hn::Lanes(hn::ScalableTag<std::int32_t>()));
+  const PlaneView& plane = targets[0].plane;
   const int shift = bentShift(bent);
   const auto zero = hn::Zero(d32);
   const auto round = hn::Set(d32, 1 << shift >> 1);
   const auto endX = hn::Set(d32, (plane.width - 1) << kSampleFractionBits);
   const auto endY = hn::Set(d32, (plane.height - 1) << kSampleFractionBits);
   const auto line = hn::Set(d32, y << kSampleFractionBits);
+  const auto first = hn::Iota(d32, 0);
+  const auto firstColumns = hn::ShiftLeft<kSampleFractionBits>(first);
   const auto mirror = [&](V place, V end) HWY_ATTR {
     return hn::Max(hn::Sub(end, hn::Abs(hn::Sub(end, hn::Abs(place)))), zero);
   };
   const PointWriter<decltype(d32)> writer(plane);
-  PointBlock block;
+  PointBlock block = {};
   NodeBlock<kCellBits> nodesX;
   NodeBlock<kCellBits> nodesY;
   for (int begin = 0; begin < count; begin += kBlock) {
     const int size = std::min(kBlock, count - begin);
     const int cells = (size + kCell - 1) >> kCellBits;
-    const int first = begin >> kCellBits;
-    nodesX.fill(bent.upperX + first, bent.lowerX + first, bent.down, cells + 1);
-    nodesY.fill(bent.upperY + first, bent.lowerY + first, bent.down, cells + 1);
+    const int node = begin >> kCellBits;
+    nodesX.fill(bent.upperX + node, bent.lowerX + node, bent.down, cells + 1);
+    nodesY.fill(bent.upperY + node, bent.lowerY + node, bent.down, cells + 1);
+    auto column = hn::Add(firstColumns, hn::Set(d32, begin << kSampleFractionBits));
     for (int i = 0; i < cells * kCell; i += lanes) {
-      const auto inCell = hn::Iota(d32, i & (kCell - 1));
-      const auto node = static_cast<std::size_t>(i >> kCellBits);
+      const auto left = static_cast<std::size_t>(i >> kCellBits);
+      const auto inCell = hn::Add(first, hn::Set(d32, i & (kCell - 1)));
       const auto moved = [&](const NodeBlock<kCellBits>& nodes) HWY_ATTR {
-        const std::int32_t left = nodes.sums[node];
-        const auto step = hn::Set(d32, nodes.sums[node + 1] - left);
-        const auto start = hn::Add(hn::Set(d32, left * kCell), round);
-        return hn::ShiftRightSame(hn::Add(start, hn::Mul(step, inCell)), shift);
+        const std::int32_t start = nodes.sums[left] * kCell;
+        const auto step = hn::Set(d32, nodes.sums[left + 1] - nodes.sums[left]);
+        const auto sum = hn::Add(hn::Add(hn::Set(d32, start), round), hn::Mul(step, inCell));
+        return hn::ShiftRightSame(sum, shift);
       };
-      const auto column = hn::ShiftLeft<kSampleFractionBits>(hn::Iota(d32, begin + i));
       writer.write(mirror(hn::Add(column, moved(nodesX)), endX), mirror(hn::Add(line, moved(nodesY)), endY),
                    block, i);
+      column = hn::Add(column, hn::Set(d32, lanes << kSampleFractionBits));
     }
-    lookUp(plane, block, size);
-    const int whole = size / wideLanes * wideLanes;
-    blend(block, out + begin, whole);
-    if (whole < size) {
-      HWY_ALIGN std::array<std::uint8_t, kBlock> rest;
-      for (int i = size; i < whole + wideLanes; ++i)
-        block.squares[static_cast<std::size_t>(i)] = 0;
-      blend(block, rest.data(), whole + wideLanes);
-      std::memcpy(out + begin + whole, rest.data() + whole, static_cast<std::size_t>(size - whole));
+    for (int target = 0; target < targetCount; ++target) {
+      lookUp(targets[target].plane, block, size);
+      blendAny(block, targets[target].out + begin, size);
     }
   }
 }
 
-void sampleBentRow(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* out, int count) {
-  if (plane.width < 2 || plane.height < 2)
-    sampleBentScalar(plane, y, bent, out, count);
+void sampleBentRow(const BentTarget* targets, int targetCount, int y, const BentRow& bent, int count) {
+  if (targets[0].plane.width < 2 || targets[0].plane.height < 2)
+    sampleBentScalar(targets, targetCount, y, bent, count);
   else if (bent.cellBits == 2)
-    sampleBent<2>(plane, y, bent, out, count);
+    sampleBent<2>(targets, targetCount, y, bent, count);
   else
-    sampleBent<3>(plane, y, bent, out, count);
+    sampleBent<3>(targets, targetCount, y, bent, count);
 }
 
 #endif
@@ -265,8 +276,8 @@ void sampleRow(const PlaneView& plane, const std::int32_t* x, const std::int32_t
   HWY_DYNAMIC_DISPATCH(sampleRow)(plane, x, y, out, count);
 }
 
-void sampleBentRow(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* out, int count) {
-  HWY_DYNAMIC_DISPATCH(sampleBentRow)(plane, y, bent, out, count);
+void sampleBentRow(const BentTarget* targets, int targetCount, int y, const BentRow& bent, int count) {
+  HWY_DYNAMIC_DISPATCH(sampleBentRow)(targets, targetCount, y, bent, count);
 }
 
 }  // namespace korvia

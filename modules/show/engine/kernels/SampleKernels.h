@@ -32,8 +32,15 @@ struct BentRow {
   int fractionBits = kSampleFractionBits;
 };
 
-/// out[i] = the plane at (i, y) moved by its displacement, bilinear and rounded as in sampleRow. Points
-/// outside are mirrored at the edges, and those further out than one picture take the far edge.
-void sampleBentRow(const PlaneView& plane, int y, const BentRow& bent, std::uint8_t* out, int count);
+/// A row to fill from a plane.
+struct BentTarget {
+  PlaneView plane;
+  std::uint8_t* out = nullptr;
+};
+
+/// For each target, out[i] = its plane at (i, y) moved by the displacement of sample i, bilinear and rounded
+/// as in sampleRow. Points outside are mirrored at the edges, and those further out than one picture take the
+/// far edge. All planes have the same size and stride: places are computed once.
+void sampleBentRow(const BentTarget* targets, int targetCount, int y, const BentRow& bent, int count);
 
 }  // namespace korvia

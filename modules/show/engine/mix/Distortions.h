@@ -26,18 +26,6 @@ class BandedSwirl final : public BentFade {
             DisplacementGrid& grid) const override;
 };
 
-/// The picture breaks into pieces that scatter and come together again.
-class Crumble final : public BentFade {
-  void bend(const MixPoint& point, double swell, TransitionScratch& scratch,
-            DisplacementGrid& grid) const override;
-};
-
-/// Jagged rays: each direction from the centre is stretched or squeezed by chance.
-class RadialWiggle final : public BentFade {
-  void bend(const MixPoint& point, double swell, TransitionScratch& scratch,
-            DisplacementGrid& grid) const override;
-};
-
 /// Round waves run from the centre.
 class Ripple final : public BentFade {
   void bend(const MixPoint& point, double swell, TransitionScratch& scratch,
@@ -50,10 +38,30 @@ class Wave final : public BentFade {
             DisplacementGrid& grid) const override;
 };
 
-/// Seen through glass with a woven relief.
-class WovenGlass final : public BentFade {
+/// A fade whose displacements only grow and shrink, so that they are made once a take.
+class RisingFade : public BentFade {
+ protected:
+  /// Fills in each node the displacement in the middle of the take.
+  virtual void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const = 0;
+
+ private:
   void bend(const MixPoint& point, double swell, TransitionScratch& scratch,
-            DisplacementGrid& grid) const override;
+            DisplacementGrid& grid) const final;
+};
+
+/// The picture breaks into pieces that scatter and come together again.
+class Crumble final : public RisingFade {
+  void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const override;
+};
+
+/// Jagged rays: each direction from the centre is stretched or squeezed by chance.
+class RadialWiggle final : public RisingFade {
+  void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const override;
+};
+
+/// Seen through glass with a woven relief.
+class WovenGlass final : public RisingFade {
+  void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const override;
 };
 
 /// Each place turns from one picture to the other in its own time.

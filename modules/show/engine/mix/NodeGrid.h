@@ -25,10 +25,11 @@ struct NodeGrid {
 
   double centerX() const { return (size.width - 1) / 2.0; }
   double centerY() const { return (size.height - 1) / 2.0; }
-  /// From the centre to the farthest node.
-  double reach() const {
-    return std::hypot((columns() - 1) * cell() - centerX(), (rows() - 1) * cell() - centerY());
+  double fromCenter(double x, double y) const {
+    return std::sqrt((x - centerX()) * (x - centerX()) + (y - centerY()) * (y - centerY()));
   }
+  /// From the centre to the farthest node.
+  double reach() const { return fromCenter((columns() - 1) * cell(), (rows() - 1) * cell()); }
 
   /// visit(x, y, node) for each node, with its place in samples of luma and the place of its value.
   template <typename Visit>
