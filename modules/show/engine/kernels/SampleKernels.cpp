@@ -151,18 +151,6 @@ inline void blend(const PointBlock& block, std::uint8_t* HWY_RESTRICT out, int s
   }
 }
 
-/// Any `size`; what lies behind it in its last vector is blended for nothing.
-inline void blendAny(const PointBlock& block, std::uint8_t* out, int size) {
-  const int lanes = static_cast<int>(hn::Lanes(hn::ScalableTag<std::int32_t>()));
-  if (size % lanes == 0) {
-    blend(block, out, size);
-    return;
-  }
-  HWY_ALIGN std::array<std::uint8_t, kBlock> blended;
-  blend(block, blended.data(), (size / lanes + 1) * lanes);
-  std::memcpy(out, blended.data(), static_cast<std::size_t>(size));
-}
-
 void sampleRow(const PlaneView& plane, const std::int32_t* HWY_RESTRICT x, const std::int32_t* HWY_RESTRICT y,
                std::uint8_t* HWY_RESTRICT out, int count) {
   const hn::ScalableTag<std::int32_t> d32;
@@ -184,28 +172,29 @@ void sampleRow(const PlaneView& plane, const std::int32_t* HWY_RESTRICT x, const
   sampleScalar(plane, x + whole, y + whole, out + whole, count - whole);
 }
 
-/// The displacements of a row along one axis, as sums over the nodes above and below.
+/// The displacements of a block along one axis, as sums over the nodes above and below.
 template <int kCellBits>
 struct NodeBlock {
-  static constexpr int kSpare = 16;
-  HWY_ALIGN std::array<std::int32_t, (kBlock >> kCellBits) + 1 + kSpare> sums;
+  // Vectors of nodes begin at any node, and the last ones end behind it.
+  static constexpr int kSpare = 32;
+  HWY_ALIGN std::array<std::int32_t, (kBlock >> kCellBits) + 1 + kSpare> values{};
 
   void fill(const std::int32_t* HWY_RESTRICT upper, const std::int32_t* HWY_RESTRICT lower, int down,
             int count) {
-    const hn::CappedTag<std::int32_t, kSpare> d;
+    const hn::CappedTag<std::int32_t, 16> d;
     const auto upperWeight = hn::Set(d, (1 << kCellBits) - down);
     const auto lowerWeight = hn::Set(d, down);
     for (int i = 0; i < count; i += static_cast<int>(hn::Lanes(d)))
       hn::StoreU(hn::Add(hn::Mul(hn::LoadU(d, upper + i), upperWeight),
                          hn::Mul(hn::LoadU(d, lower + i), lowerWeight)),
-                 d, sums.data() + i);
+                 d, values.data() + i);
   }
 };
 
 template <int kCellBits>
 void sampleBent(const BentTarget* targets, int targetCount, int y, const BentRow& bent, int count) {
-  constexpr int kCell = 1 << kCellBits;
-  const hn::CappedTag<std::int32_t, kCell> d32;
+  constexpr int kInCell = (1 << kCellBits) - 1;
+  const hn::ScalableTag<std::int32_t> d32;
   using V = hn::Vec<decltype(d32)>;
   const int lanes = static_cast<int>(hn::Lanes(d32));
   const PlaneView& plane = targets[0].plane;
@@ -215,38 +204,45 @@ void sampleBent(const BentTarget* targets, int targetCount, int y, const BentRow
   const auto endX = hn::Set(d32, (plane.width - 1) << kSampleFractionBits);
   const auto endY = hn::Set(d32, (plane.height - 1) << kSampleFractionBits);
   const auto line = hn::Set(d32, y << kSampleFractionBits);
-  const auto first = hn::Iota(d32, 0);
-  const auto firstColumns = hn::ShiftLeft<kSampleFractionBits>(first);
+  const auto lane = hn::Iota(d32, 0);
+  // A vector may hold several cells, or a cell several vectors.
+  const auto nodeOfLane = hn::IndicesFromVec(d32, hn::ShiftRight<kCellBits>(lane));
+  const auto inFirstCell = hn::And(lane, hn::Set(d32, kInCell));
   const auto mirror = [&](V place, V end) HWY_ATTR {
     return hn::Max(hn::Sub(end, hn::Abs(hn::Sub(end, hn::Abs(place)))), zero);
   };
   const PointWriter<decltype(d32)> writer(plane);
-  PointBlock block = {};
+  PointBlock block;
+  HWY_ALIGN std::array<std::uint8_t, kBlock> last;
   NodeBlock<kCellBits> nodesX;
   NodeBlock<kCellBits> nodesY;
   for (int begin = 0; begin < count; begin += kBlock) {
     const int size = std::min(kBlock, count - begin);
-    const int cells = (size + kCell - 1) >> kCellBits;
-    const int node = begin >> kCellBits;
-    nodesX.fill(bent.upperX + node, bent.lowerX + node, bent.down, cells + 1);
-    nodesY.fill(bent.upperY + node, bent.lowerY + node, bent.down, cells + 1);
-    auto column = hn::Add(firstColumns, hn::Set(d32, begin << kSampleFractionBits));
-    for (int i = 0; i < cells * kCell; i += lanes) {
-      const auto left = static_cast<std::size_t>(i >> kCellBits);
-      const auto inCell = hn::Add(first, hn::Set(d32, i & (kCell - 1)));
-      const auto moved = [&](const NodeBlock<kCellBits>& nodes) HWY_ATTR {
-        const std::int32_t start = nodes.sums[left] * kCell;
-        const auto step = hn::Set(d32, nodes.sums[left + 1] - nodes.sums[left]);
-        const auto sum = hn::Add(hn::Add(hn::Set(d32, start), round), hn::Mul(step, inCell));
-        return hn::ShiftRightSame(sum, shift);
+    const int firstNode = begin >> kCellBits;
+    const int nodes = ((size + kInCell) >> kCellBits) + 1;
+    nodesX.fill(bent.upperX + firstNode, bent.lowerX + firstNode, bent.down, nodes);
+    nodesY.fill(bent.upperY + firstNode, bent.lowerY + firstNode, bent.down, nodes);
+    auto column = hn::ShiftLeft<kSampleFractionBits>(hn::Add(lane, hn::Set(d32, begin)));
+    for (int i = 0; i < size; i += lanes) {
+      const auto inCell = hn::Add(inFirstCell, hn::Set(d32, i & kInCell));
+      const auto moved = [&](const NodeBlock<kCellBits>& sums) HWY_ATTR {
+        const std::int32_t* node = sums.values.data() + (i >> kCellBits);
+        const auto left = hn::TableLookupLanes(hn::LoadU(d32, node), nodeOfLane);
+        const auto right = hn::TableLookupLanes(hn::LoadU(d32, node + 1), nodeOfLane);
+        const auto sum = hn::Add(hn::ShiftLeft<kCellBits>(left), hn::Mul(hn::Sub(right, left), inCell));
+        return hn::ShiftRightSame(hn::Add(sum, round), shift);
       };
       writer.write(mirror(hn::Add(column, moved(nodesX)), endX), mirror(hn::Add(line, moved(nodesY)), endY),
                    block, i);
       column = hn::Add(column, hn::Set(d32, lanes << kSampleFractionBits));
     }
+    const int whole = (size + lanes - 1) / lanes * lanes;
     for (int target = 0; target < targetCount; ++target) {
-      lookUp(targets[target].plane, block, size);
-      blendAny(block, targets[target].out + begin, size);
+      std::uint8_t* out = targets[target].out + begin;
+      lookUp(targets[target].plane, block, whole);
+      blend(block, whole == size ? out : last.data(), whole);
+      if (whole != size)
+        std::memcpy(out, last.data(), static_cast<std::size_t>(size));
     }
   }
 }
