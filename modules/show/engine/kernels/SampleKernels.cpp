@@ -86,7 +86,8 @@ struct PointBlock {
   HWY_ALIGN std::array<std::int32_t, kBlock> offsets;
   HWY_ALIGN std::array<std::int32_t, kBlock> weightsX;
   HWY_ALIGN std::array<std::int32_t, kBlock> weightsY;
-  HWY_ALIGN std::array<std::int32_t, kBlock> squares;
+  HWY_ALIGN std::array<std::uint16_t, kBlock> upper;
+  HWY_ALIGN std::array<std::uint16_t, kBlock> lower;
 };
 
 /// Puts points that lie inside a plane into a block.
@@ -116,35 +117,40 @@ class PointWriter {
   V stride_;
 };
 
-inline std::uint32_t pairAt(const std::uint8_t* samples) {
+inline std::uint16_t pairAt(const std::uint8_t* samples) {
   std::uint16_t pair = 0;
   std::memcpy(&pair, samples, sizeof pair);
   return pair;
 }
 
 inline void lookUp(const PlaneView& plane, PointBlock& block, int size) {
+  const std::uint8_t* upper = plane.data;
+  const std::uint8_t* lower = plane.data + plane.stride;
   for (std::size_t i = 0; i < static_cast<std::size_t>(size); ++i) {
-    const std::uint8_t* corner = plane.data + block.offsets[i];
-    block.squares[i] = static_cast<std::int32_t>(pairAt(corner) | pairAt(corner + plane.stride) << 16);
+    const std::ptrdiff_t offset = block.offsets[i];
+    block.upper[i] = pairAt(upper + offset);
+    block.lower[i] = pairAt(lower + offset);
   }
 }
 
 /// `size` is whole vectors of 32-bit numbers.
 inline void blend(const PointBlock& block, std::uint8_t* HWY_RESTRICT out, int size) {
   const hn::ScalableTag<std::int32_t> d32;
+  const hn::Rebind<std::uint16_t, decltype(d32)> d16;
   const hn::Rebind<std::uint8_t, decltype(d32)> d8;
   const int lanes = static_cast<int>(hn::Lanes(d32));
   const auto byte = hn::Set(d32, 255);
   const auto round = hn::Set(d32, 1 << 15);
   for (int i = 0; i < size; i += lanes) {
-    const auto square = hn::Load(d32, block.squares.data() + i);
     const auto weightX = hn::Load(d32, block.weightsX.data() + i);
-    const auto between = [&](auto left, auto right) HWY_ATTR {
+    const auto between = [&](const std::uint16_t* pairs) HWY_ATTR {
+      const auto pair = hn::PromoteTo(d32, hn::Load(d16, pairs + i));
+      const auto left = hn::And(pair, byte);
+      const auto right = hn::ShiftRight<8>(pair);
       return hn::Add(hn::ShiftLeft<kSampleFractionBits>(left), hn::Mul(hn::Sub(right, left), weightX));
     };
-    const auto top = between(hn::And(square, byte), hn::And(hn::ShiftRight<8>(square), byte));
-    const auto bottom =
-        between(hn::And(hn::ShiftRight<16>(square), byte), hn::And(hn::ShiftRight<24>(square), byte));
+    const auto top = between(block.upper.data());
+    const auto bottom = between(block.lower.data());
     const auto sum = hn::Add(hn::Add(hn::ShiftLeft<kSampleFractionBits>(top), round),
                              hn::Mul(hn::Sub(bottom, top), hn::Load(d32, block.weightsY.data() + i)));
     hn::StoreU(hn::DemoteTo(d8, hn::ShiftRight<16>(sum)), d8, out + i);
