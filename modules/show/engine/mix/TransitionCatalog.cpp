@@ -13,6 +13,7 @@
 #include "Stretches.h"
 #include "Blurs.h"
 #include "Pixelate.h"
+#include "Distortions.h"
 
 namespace korvia {
 
@@ -97,8 +98,17 @@ void addBlurs(Catalog& catalog) {
 }
 
 void addDistortions(Catalog& catalog) {
-  for (std::size_t i = 62; i <= 72; ++i)
-    catalog[i] = make<CrossFade>();
+  catalog[62] = make<BandedSwirl>();
+  catalog[63] = make<CircleStretch>();
+  catalog[64] = make<CloudReveal>();
+  catalog[65] = make<Crumble>();
+  catalog[66] = make<GrainDissolve>();
+  catalog[67] = make<RadialWiggle>();
+  catalog[68] = make<RandomCircleReveal>();
+  catalog[69] = make<Ripple>();
+  catalog[70] = make<Wave>();
+  catalog[71] = make<MagnifySmooth>();
+  catalog[72] = make<WovenGlass>();
 }
 
 void addColors(Catalog& catalog) {
