@@ -49,9 +49,7 @@ class PlacedReference {
     ownHeight_ = whole.height * scale;
   }
 
-  double cover(int x, int y) const {
-    return part(x, rect_.x, rect_.width) * part(y, rect_.y, rect_.height);
-  }
+  double cover(int x, int y) const { return part(x, rect_.x, rect_.width) * part(y, rect_.y, rect_.height); }
 
   /// Mean of what shows at a sample that is covered. Quick when y changes seldom.
   double value(int x, int y) {

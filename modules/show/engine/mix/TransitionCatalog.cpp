@@ -4,16 +4,16 @@
 #include <memory>
 
 #include "BandWipe.h"
+#include "Blurs.h"
 #include "CellWipes.h"
 #include "CrossFade.h"
-#include "FrontWipes.h"
-#include "RoundWipes.h"
-#include "DropFade.h"
-#include "Glides.h"
-#include "Stretches.h"
-#include "Blurs.h"
-#include "Pixelate.h"
 #include "Distortions.h"
+#include "DropFade.h"
+#include "FrontWipes.h"
+#include "Glides.h"
+#include "Pixelate.h"
+#include "RoundWipes.h"
+#include "Stretches.h"
 
 namespace korvia {
 

@@ -112,11 +112,9 @@ class DropFadeTest : public QObject {
               off = std::max(off, std::abs(view.row(y)[x] - expected));
             }
         }
-        QVERIFY2(off <= 2, qPrintable(QString("%1 for %2x%3 at %4")
-                                          .arg(off)
-                                          .arg(size.width)
-                                          .arg(size.height)
-                                          .arg(position)));
+        QVERIFY2(off <= 2,
+                 qPrintable(
+                     QString("%1 for %2x%3 at %4").arg(off).arg(size.width).arg(size.height).arg(position)));
       }
     }
   }

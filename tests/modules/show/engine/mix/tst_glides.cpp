@@ -18,12 +18,12 @@ struct Glide {
   int y;
 };
 constexpr Glide kGlides[] = {
-    {25, Movement::In, -1, 0},   {26, Movement::In, 1, 0},     {27, Movement::In, 0, -1},
-    {28, Movement::In, 0, 1},    {29, Movement::In, -1, -1},   {30, Movement::In, 1, -1},
-    {31, Movement::In, 1, 1},    {32, Movement::In, -1, 1},    {33, Movement::Out, -1, 0},
-    {34, Movement::Out, 1, 0},   {35, Movement::Out, 0, -1},   {36, Movement::Out, 0, 1},
-    {37, Movement::Out, -1, -1}, {38, Movement::Out, 1, -1},   {39, Movement::Out, 1, 1},
-    {40, Movement::Out, -1, 1},  {41, Movement::Push, -1, 0},  {42, Movement::Push, 1, 0},
+    {25, Movement::In, -1, 0},   {26, Movement::In, 1, 0},    {27, Movement::In, 0, -1},
+    {28, Movement::In, 0, 1},    {29, Movement::In, -1, -1},  {30, Movement::In, 1, -1},
+    {31, Movement::In, 1, 1},    {32, Movement::In, -1, 1},   {33, Movement::Out, -1, 0},
+    {34, Movement::Out, 1, 0},   {35, Movement::Out, 0, -1},  {36, Movement::Out, 0, 1},
+    {37, Movement::Out, -1, -1}, {38, Movement::Out, 1, -1},  {39, Movement::Out, 1, 1},
+    {40, Movement::Out, -1, 1},  {41, Movement::Push, -1, 0}, {42, Movement::Push, 1, 0},
     {43, Movement::Push, 0, -1}, {44, Movement::Push, 0, 1},
 };
 
@@ -178,11 +178,9 @@ class GlidesTest : public QObject {
         const FrameRef now = mixed(glide.effect, a, b, position);
         const bool out = glide.movement == Movement::Out;
         const double off = differenceToPlaced(*now, out ? *a : *b, front, out ? *b : *a, behind);
-        QVERIFY2(off <= 2, qPrintable(QString("%1 for %2x%3 at %4")
-                                          .arg(off)
-                                          .arg(size.width)
-                                          .arg(size.height)
-                                          .arg(position)));
+        QVERIFY2(off <= 2,
+                 qPrintable(
+                     QString("%1 for %2x%3 at %4").arg(off).arg(size.width).arg(size.height).arg(position)));
       }
     }
   }

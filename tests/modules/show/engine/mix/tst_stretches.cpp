@@ -149,11 +149,9 @@ class StretchesTest : public QObject {
         const bool isNew = places.frontIsNew;
         const double off =
             differenceToPlaced(*now, isNew ? *b : *a, places.front, isNew ? *a : *b, places.behind);
-        QVERIFY2(off <= 2, qPrintable(QString("%1 for %2x%3 at %4")
-                                          .arg(off)
-                                          .arg(size.width)
-                                          .arg(size.height)
-                                          .arg(position)));
+        QVERIFY2(off <= 2,
+                 qPrintable(
+                     QString("%1 for %2x%3 at %4").arg(off).arg(size.width).arg(size.height).arg(position)));
       }
     }
   }
@@ -182,7 +180,8 @@ class StretchesTest : public QObject {
   void aPlainPictureStaysPlain_data() { everyStretch(); }
   void aPlainPictureStaysPlain() {
     QFETCH(int, effect);
-    for (const FrameSize size : {FrameSize{640, 360}, FrameSize{61, 1}, FrameSize{1, 61}, FrameSize{16, 2000}})
+    for (const FrameSize size :
+         {FrameSize{640, 360}, FrameSize{61, 1}, FrameSize{1, 61}, FrameSize{16, 2000}})
       for (const double position : {1e-9, 1e-4, 0.003, 0.29, 0.9, 0.9999}) {
         const FrameRef plain = frameOf(size, true, [](int plane, int, int) { return 77 + 40 * plane; });
         QCOMPARE(difference(*mixed(effect, plain, plain, position), *plain).largest, 0);
