@@ -1,4 +1,5 @@
-// The mask kernels and the streamed copy against their formulas, over every length to 140, and no sample more.
+// The mask kernels and the streamed copy against their formulas, over every length to 140, and no sample
+// more.
 #include <QtTest>
 #include <cmath>
 #include <vector>
