@@ -11,9 +11,12 @@
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
+/// Rounds what is cut off to an integer.
+constexpr float kRounding = 0.5F;
+
 // The last columns of a row, and all of them on a machine without vectors.
 inline std::uint8_t masked(float value) {
-  return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
+  return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + kRounding);
 }
 
 inline std::uint8_t disc(const DiscRow& row, int column) {
@@ -77,7 +80,7 @@ HWY_INLINE void storeMasked(V value, std::uint8_t* mask) {
   const hn::Rebind<std::uint8_t, Floats> d8;
   // Held within bounds before it is made an integer, which not every number can be.
   const auto held = hn::Min(hn::Max(value, hn::Zero(f32)), hn::Set(f32, 255.0F));
-  hn::StoreU(hn::DemoteTo(d8, hn::ConvertTo(i32, hn::Add(held, hn::Set(f32, 0.5F)))), d8, mask);
+  hn::StoreU(hn::DemoteTo(d8, hn::ConvertTo(i32, hn::Add(held, hn::Set(f32, kRounding)))), d8, mask);
 }
 
 void slopedMaskRow(const float* HWY_RESTRICT level, const float* HWY_RESTRICT slope, float y,

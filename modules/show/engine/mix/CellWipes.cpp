@@ -19,20 +19,17 @@ constexpr int kNarrowest = 4;
 constexpr double kCellFade = 0.15;
 constexpr double kSquareGrowth = 0.3;
 
-double boardJoin(const CellGrid& cells) {
+/// Width of the soft borders between cells, and of the edges within them.
+double joinOf(const CellGrid& cells) {
   return cells.feather(0.25);
 }
 
 double boardCoverage(const CellGrid& cells, double position, int column, int row, double along) {
   const int turn = (column + row) % 2;
-  return swept(std::clamp(2 * position - turn, 0.0, 1.0), along, 1, boardJoin(cells));
+  return swept(std::clamp(2 * position - turn, 0.0, 1.0), along, 1, joinOf(cells));
 }
 
-double dissolveJoin(const CellGrid& cells) {
-  return cells.feather(0.25);
-}
-
-/// Coverage of the cells when it is drawn in which order they come.
+/// Coverage of each cell, in the order that the seed draws.
 class Dissolve {
  public:
   Dissolve(const CellGrid& cells, const MixPoint& point)
@@ -50,17 +47,20 @@ class Dissolve {
   Shuffle order_;
 };
 
+double squareFeather(const CellGrid& cells) {
+  return cells.feather(0.125);
+}
+
 /// Half of a square's width as a part of its cell's, its soft edge included; a cell that is full is full to
 /// its corners.
 double squareHalf(const CellGrid& cells, double position, int column, int row) {
   const int last = std::max(1, cells.columns + cells.rows - 2);
-  return swept(position, column + row, last, kSquareGrowth * last) * (0.5 + cells.feather(0.125));
+  return swept(position, column + row, last, kSquareGrowth * last) * (0.5 + squareFeather(cells));
 }
 
 /// Coverage on one axis of a square.
 double squareEdge(const CellGrid& cells, double half, double fromMiddle) {
-  const double feather = cells.feather(0.125);
-  return std::clamp((half - fromMiddle) / feather, 0.0, 1.0);
+  return std::clamp((half - fromMiddle) / squareFeather(cells), 0.0, 1.0);
 }
 
 /// Masks of whole rows of cells, and of the rows between two of them. `fill(row, mask)` makes the mask of the
@@ -135,14 +135,14 @@ class PlainCells {
     int x = 0;
     for (int column = 0; column < columns_; ++column)
       if (ends_[column] > x) {
-        std::memset(mask + x, static_cast<int>(values[column] + 0.5F),
+        std::memset(mask + x, static_cast<int>(values[column] + kRounding),
                     static_cast<std::size_t>(ends_[column] - x));
         x = ends_[column];
       }
     for (const Border* border = borders_; border < borders_ + borderCount_; ++border) {
       const float own = values[border->cell];
       mask[border->x] =
-          static_cast<std::uint8_t>(own + (values[border->neighbour] - own) * border->weight + 0.5F);
+          static_cast<std::uint8_t>(own + (values[border->neighbour] - own) * border->weight + kRounding);
     }
   }
 
@@ -243,7 +243,7 @@ double CellGrid::feather(double most) const {
 
 double CheckerboardWipe::coverage(FrameSize size, const MixPoint& point, double x, double y) const {
   const CellGrid cells(size, kBoardColumns);
-  const double join = boardJoin(cells);
+  const double join = joinOf(cells);
   return joined(y / size.height * cells.rows, cells.rows, join, [&](int row, double) {
     return joined(x / size.width * cells.columns, cells.columns, join, [&](int column, double along) {
       return boardCoverage(cells, point.position, column, row, along);
@@ -254,7 +254,7 @@ double CheckerboardWipe::coverage(FrameSize size, const MixPoint& point, double 
 void CheckerboardWipe::mix(const Frame& from, const Frame& to, const MixPoint& point,
                            TransitionScratch& scratch, Frame& out) const {
   const CellGrid cells(out.size(), kBoardColumns);
-  const double join = boardJoin(cells);
+  const double join = joinOf(cells);
   mixByMask(from, to, scratch, out, [&](const PlaneGrid& grid) {
     return CellRowsMask(grid, cells.rows, join, 2, scratch, [&, grid](int row, std::uint8_t* mask) {
       for (int x = 0; x < grid.width; ++x)
@@ -269,7 +269,7 @@ void CheckerboardWipe::mix(const Frame& from, const Frame& to, const MixPoint& p
 double DissolveWipe::coverage(FrameSize size, const MixPoint& point, double x, double y) const {
   const CellGrid cells(size, kDissolveColumns);
   const Dissolve dissolve(cells, point);
-  const double join = dissolveJoin(cells);
+  const double join = joinOf(cells);
   return joined(y / size.height * cells.rows, cells.rows, join, [&](int row, double) {
     return joined(x / size.width * cells.columns, cells.columns, join,
                   [&](int column, double) { return dissolve.coverage(column, row); });
@@ -285,7 +285,7 @@ void DissolveWipe::mix(const Frame& from, const Frame& to, const MixPoint& point
   for (int row = 0; row < cells.rows; ++row)
     for (int column = 0; column < cells.columns; ++column)
       values[row * cells.columns + column] = static_cast<float>(255 * dissolve.coverage(column, row));
-  const double join = dissolveJoin(cells);
+  const double join = joinOf(cells);
   mixByMask(from, to, scratch, out, [&](const PlaneGrid& grid) {
     return CellRowsMask(grid, cells.rows, join, cells.rows, scratch,
                         PlainCells(grid, cells, join, values, scratch));

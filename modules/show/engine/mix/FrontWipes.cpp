@@ -22,7 +22,7 @@ struct Block {
 constexpr int kDrops = 12;
 /// The longest drop is ahead of what hangs back farthest by this part of the picture's height.
 constexpr double kDropLength = 0.5;
-/// On the flanks of a drop the edge is softened across, up to so many times as tall as it is wide.
+/// On the flanks of a drop the soft edge is taller, so as to be as wide across, up to so many times.
 constexpr double kFlankMax = 2;
 
 /// A value and how it changes with its argument.
@@ -39,6 +39,7 @@ Slope dropSide(double along) {
   constexpr double kTip = 0.25;
   const double flank = std::clamp((along - kFlankBegin) / kFlank, 0.0, 1.0);
   const double rest = 1 - along;
+  // Of the lines that are level at both ends one that bends little at the tip.
   const double round = 1 - rest * rest * (1 + 2 * along * rest);
   const double roundSlope = rest * along * (10 - 8 * along);
   return {(1 - kTip) * flank * flank * (3 - 2 * flank) + kTip * round,
@@ -71,27 +72,13 @@ Slope dropLag(std::uint32_t seed, double across) {
   return {lagOf(gap) + rise * side.value, rise * side.slope / width};
 }
 
-}  // namespace
-
-double FrontWipe::reached(FrameSize size, const MixPoint& point) const {
-  return point.position * (1 + featherMax(size)) - featherMax(size) / 2;
-}
-
-double FrontWipe::coverage(FrameSize size, const MixPoint& point, double x, double y) const {
-  const FrontColumn front = column(size, point.seed, x);
-  const double arrival = front.top + (front.bottom - front.top) * y / size.height;
-  return std::clamp((reached(size, point) - arrival) / front.feather + 0.5, 0.0, 1.0);
-}
-
-namespace {
-
 class FrontMask {
  public:
   FrontMask(const PlaneGrid& grid, const FrontColumn* columns, double reached, TransitionScratch& scratch)
       : grid_(grid),
         level_(scratch.buffer<float>(0, static_cast<std::size_t>(grid.width))),
         slope_(scratch.buffer<float>(1, static_cast<std::size_t>(grid.width))),
-        blocks_(scratch.buffer<Block>(2, static_cast<std::size_t>(grid.width / kBlock + 1))),
+        blocks_(scratch.buffer<Block>(2, static_cast<std::size_t>(grid.width) / kBlock + 1)),
         mask_(scratch.buffer<std::uint8_t>(3, static_cast<std::size_t>(grid.width))) {
     for (int x = 0; x < grid.width; ++x) {
       const FrontColumn& front = columns[x];
@@ -131,13 +118,24 @@ class FrontMask {
 
 }  // namespace
 
+double FrontWipe::reached(FrameSize size, const MixPoint& point) const {
+  return point.position * (1 + featherMax(size)) - featherMax(size) / 2;
+}
+
+double FrontWipe::coverage(FrameSize size, const MixPoint& point, double x, double y) const {
+  const FrontColumn front = column(size, point.seed, x);
+  const double arrival = front.top + (front.bottom - front.top) * y / size.height;
+  return std::clamp((reached(size, point) - arrival) / front.feather + 0.5, 0.0, 1.0);
+}
+
 void FrontWipe::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                     Frame& out) const {
   const FrameSize size = out.size();
   const PlaneGrid luma(size, false);
   const PlaneGrid chroma(size, true);
   const FrontColumn* columns = scratch.table<FrontColumn>(
-      this, size, point.seed, static_cast<std::size_t>(luma.width + chroma.width), [&](FrontColumn* table) {
+      this, size, point.seed, static_cast<std::size_t>(luma.width) + static_cast<std::size_t>(chroma.width),
+      [&](FrontColumn* table) {
         for (const PlaneGrid& grid : {luma, chroma})
           for (int x = 0; x < grid.width; ++x)
             *table++ = column(size, point.seed, grid.x(x));

@@ -38,7 +38,7 @@ MaskedPlanes::MaskedPlanes(const Frame& from, const Frame& to, bool chroma, Tran
   else if (out.hasAlpha())
     add(Frame::A);
   width_ = planes_[0].out.width;
-  const auto blocks = static_cast<std::size_t>(width_ / kMaskBlock + 1);
+  const auto blocks = static_cast<std::size_t>(width_) / kMaskBlock + 1;
   kinds_ = scratch.buffer<std::uint8_t>(kFirstBuffer, blocks);
   runs_ = scratch.buffer<Run>(kFirstBuffer + 1, blocks);
 }

@@ -28,8 +28,11 @@ inline double swept(double position, double place, double length, double feather
   return std::clamp((position * (length + feather) - place) / feather, 0.0, 1.0);
 }
 
+/// Rounds what is cut off to an integer; masks are never negative, and a call to round each is too slow.
+inline constexpr float kRounding = 0.5F;
+
 inline std::uint8_t maskOf(double coverage) {
-  return static_cast<std::uint8_t>(coverage * 255 + 0.5);
+  return static_cast<std::uint8_t>(coverage * 255 + kRounding);
 }
 
 }  // namespace korvia

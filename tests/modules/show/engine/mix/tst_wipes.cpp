@@ -61,12 +61,26 @@ void everyWipe() {
     QTest::newRow(kNames[effect]) << effect;
 }
 
-/// The mask of a wipe as a picture: 0 where there is nothing of the new one, 255 where there is all of it.
-FrameRef masked(int effect, FrameSize size, double position, std::uint32_t seed = 7, bool alpha = false) {
-  TransitionScratch scratch;
-  MutableFrame out(new Frame(size, alpha));
-  transitionFor(effect)->mix(*flat(size, 0, alpha), *flat(size, 255, alpha), {position, seed}, scratch, *out);
-  return std::move(out).publish();
+/// The masks of wipes as pictures: 0 where there is nothing of the new one, 255 where there is all of it.
+class Masks {
+ public:
+  explicit Masks(FrameSize size, bool alpha = false)
+      : old_(flat(size, 0, alpha)), fresh_(flat(size, 255, alpha)) {}
+
+  FrameRef of(int effect, double position, std::uint32_t seed = 7) {
+    MutableFrame out(new Frame(old_->size(), old_->hasAlpha()));
+    transitionFor(effect)->mix(*old_, *fresh_, {position, seed}, scratch_, *out);
+    return std::move(out).publish();
+  }
+
+ private:
+  FrameRef old_;
+  FrameRef fresh_;
+  TransitionScratch scratch_;
+};
+
+FrameRef masked(int effect, FrameSize size, double position, std::uint32_t seed = 7) {
+  return Masks(size).of(effect, position, seed);
 }
 
 int sample(const FrameRef& frame, int plane, int x, int y) {
@@ -133,10 +147,11 @@ class WipesTest : public QObject {
     const auto* wipe = dynamic_cast<const Wipe*>(transitionFor(effect));
     QVERIFY(wipe);
     for (const FrameSize size :
-         {FrameSize{320, 180}, {501, 60}, {67, 201}, {33, 17}, {17, 33}, {3, 2}, {1, 1}, {9, 1}, {1, 9}})
+         {FrameSize{320, 180}, {501, 60}, {67, 201}, {33, 17}, {17, 33}, {3, 2}, {1, 1}, {9, 1}, {1, 9}}) {
+      Masks masks(size, true);
       for (const double position : {0.0, 0.013, 0.31, 0.5, 0.77, 0.991, 1.0}) {
         const MixPoint point{position, 7};
-        const FrameRef frame = masked(effect, size, position, 7, true);
+        const FrameRef frame = masks.of(effect, position);
         for (int plane = 0; plane < 4; ++plane) {
           const int step = plane == Frame::U || plane == Frame::V ? 2 : 1;
           const PlaneView view = planeOf(*frame, plane);
@@ -156,15 +171,17 @@ class WipesTest : public QObject {
             }
         }
       }
+    }
   }
 
   void neverTakesAnythingBack_data() { everyWipe(); }
   void neverTakesAnythingBack() {
     QFETCH(int, effect);
     for (const FrameSize size : {FrameSize{854, 480}, {33, 17}, {17, 40}}) {
-      FrameRef last = masked(effect, size, 0);
+      Masks masks(size);
+      FrameRef last = masks.of(effect, 0);
       for (int i = 1; i <= 60; ++i) {
-        const FrameRef now = masked(effect, size, i / 60.0);
+        const FrameRef now = masks.of(effect, i / 60.0);
         for (int plane = 0; plane < 3; ++plane) {
           const PlaneView before = planeOf(*last, plane);
           const PlaneView after = planeOf(*now, plane);
