@@ -11,8 +11,10 @@
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/FramePool.h"
 #include "engine/items/PaintLayer.h"
+#include "engine/kernels/SampleKernels.h"
 #include "engine/mix/TransitionCatalog.h"
 #include "engine/monitor/PictureScaler.h"
+#include "transitions/TransitionCatalogue.h"
 
 using namespace korvia;
 
@@ -100,9 +102,14 @@ Timing timed(const std::function<void()>& reference, const std::function<void()>
   return {median(times), median(ratios)};
 }
 
+/// One line of the table, seen at once even where the output goes through a pipe.
+void print(const char* name, const Timing& timing, const char* verdict = "") {
+  std::printf("%-40s %8.3f ms %8.2f M%s\n", name, timing.ms, timing.copies, verdict);
+  std::fflush(stdout);
+}
+
 void measure(const char* name, const std::function<void()>& reference, const std::function<void()>& kernel) {
-  const Timing timing = timed(reference, kernel, kRounds);
-  std::printf("%-28s %8.3f ms %8.2f M\n", name, timing.ms, timing.copies);
+  print(name, timed(reference, kernel, kRounds));
 }
 
 struct EffectFamily {
@@ -125,6 +132,7 @@ constexpr int kRoundsAtAPosition = 24;
 void measureEffects(const QList<int>& wanted, Carousel<FrameRef>& in, Carousel<MutableFrame>& out,
                     const std::function<void()>& reference) {
   TransitionScratch scratch;
+  TransitionCatalogue catalogue;
   for (const EffectFamily& family : kFamilies)
     for (int effect = family.first; effect <= family.last; ++effect) {
       if (!wanted.isEmpty() && !wanted.contains(effect))
@@ -142,10 +150,15 @@ void measureEffects(const QList<int>& wanted, Carousel<FrameRef>& in, Carousel<M
           slowestPosition = position;
         }
       }
-      char name[40];
-      std::snprintf(name, sizeof name, "%s %d at %.1f", family.name, effect, slowestPosition);
-      std::printf("%-28s %8.3f ms %8.2f M of %4.1f%s\n", name, slowest.ms, slowest.copies, family.copiesMax,
-                  slowest.copies > family.copiesMax || slowest.ms > family.msMax ? "  over" : "");
+      const GListWidgetItemInfo* item = catalogue.find(effect);
+      const QByteArray label = item ? item->name.toUtf8() : QByteArray();
+      char name[64];
+      std::snprintf(name, sizeof name, "%s %d %s at %.1f", family.name, effect, label.constData(),
+                    slowestPosition);
+      char verdict[24];
+      std::snprintf(verdict, sizeof verdict, " of %4.1f%s", family.copiesMax,
+                    slowest.copies > family.copiesMax || slowest.ms > family.msMax ? "  over" : "");
+      print(name, slowest, verdict);
     }
 }
 
@@ -156,11 +169,27 @@ int runKernelBench(const QList<int>& effects) {
   Carousel<MutableFrame> out = targets();
   const auto reference = [&] { copy(in.next(), out.next()); };
 
-  std::printf("%-28s %11s %10s\n", "kernel, 1920 x 1080", "median", "of a copy");
+  std::printf("%-40s %11s %10s\n", "kernel, 1920 x 1080", "median", "of a copy");
   measure("copy", reference, reference);
   measureEffects(effects, in, out, reference);
   if (!effects.isEmpty())
     return 0;
+  std::vector<std::int32_t> x(kSize.width);
+  std::vector<std::int32_t> y(kSize.width);
+  measure("sampling at turned points", reference, [&] {
+    const Frame& from = in.next();
+    Frame& to = out.next();
+    for (int plane = 0; plane < 3; ++plane) {
+      const WritablePlane target = writablePlaneOf(to, plane);
+      for (int row = 0; row < target.height; ++row) {
+        for (int column = 0; column < target.width; ++column) {
+          x[column] = column * 250 - row * 30;
+          y[column] = row * 250 + column * 30;
+        }
+        sampleRow(planeOf(from, plane), x.data(), y.data(), target.row(row), target.width);
+      }
+    }
+  });
   PaintLayer drawing;
   QImage veil(kSize.width, kSize.height, QImage::Format_ARGB32);
   veil.fill(qRgba(255, 0, 0, 100));
