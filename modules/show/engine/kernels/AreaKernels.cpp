@@ -5,8 +5,6 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include <cstring>
-
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
@@ -62,10 +60,6 @@ void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCoun
         *out++ = static_cast<std::uint8_t>(
             (taps[0] * first + taps[1] * (256 - first - last) + taps[2] * last + 128) >> 8);
       }
-}
-
-void storeRow(const std::uint8_t* row, std::uint8_t* out, int count) {
-  std::memcpy(out, row, static_cast<std::size_t>(count));
 }
 
 #else
@@ -186,16 +180,6 @@ void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCoun
     }
 }
 
-void storeRow(const std::uint8_t* row, std::uint8_t* out, int count) {
-  const hn::ScalableTag<std::uint8_t> d8;
-  const int lanes = static_cast<int>(hn::Lanes(d8));
-  int x = 0;
-  if (reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0)
-    for (; x + lanes <= count; x += lanes)
-      hn::Stream(hn::LoadU(d8, row + x), d8, out + x);
-  std::memcpy(out + x, row + x, static_cast<std::size_t>(count - x));
-}
-
 #endif
 
 }  // namespace korvia::HWY_NAMESPACE
@@ -207,7 +191,6 @@ namespace korvia {
 HWY_EXPORT(averageRows);
 HWY_EXPORT(halveRow);
 HWY_EXPORT(shrinkRow);
-HWY_EXPORT(storeRow);
 
 void averageRows(const std::uint8_t* const* rows, const std::uint16_t* weights, int rowCount,
                  std::uint8_t* out, int count) {
@@ -220,10 +203,6 @@ void halveRow(const std::uint8_t* row, int count, int round, std::uint8_t* out) 
 
 void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCount, std::uint8_t* out) {
   HWY_DYNAMIC_DISPATCH(shrinkRow)(row, groups, groupCount, out);
-}
-
-void storeRow(const std::uint8_t* row, std::uint8_t* out, int count) {
-  HWY_DYNAMIC_DISPATCH(storeRow)(row, out, count);
 }
 
 }  // namespace korvia

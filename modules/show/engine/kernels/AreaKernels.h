@@ -1,5 +1,5 @@
 // Kernels that average samples over an area, for pictures that shrink or lie between the samples. What they
-// write stays in the cache, but for the last step into a frame. Pure functions, any thread.
+// write stays in the cache. Pure functions, any thread.
 #pragma once
 #include <cstdint>
 
@@ -18,8 +18,5 @@ void halveRow(const std::uint8_t* row, int count, int round, std::uint8_t* out);
 
 /// Shrinks a row by its groups. `out` takes up to eight samples more than the groups have.
 void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCount, std::uint8_t* out);
-
-/// Copies a row into a frame that is not read soon: past the cache, if `out` begins on a vector's boundary.
-void storeRow(const std::uint8_t* row, std::uint8_t* out, int count);
 
 }  // namespace korvia

@@ -4,6 +4,7 @@
 
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/AreaKernels.h"
+#include "engine/kernels/StreamRow.h"
 #include "engine/mix/PlacedPlane.h"
 
 namespace korvia {
@@ -53,7 +54,7 @@ void placePlane(PlacedPlane& front, PlacedPlane& behind, std::uint8_t* line, con
   for (int y = 0; y < out.height; ++y) {
     const int cover = frontShows ? front.rows().cover(y) : 0;
     if (cover == 0) {
-      storeRow(behind.row(y), out.row(y), out.width);
+      streamRow(behind.row(y), out.row(y), out.width);
       continue;
     }
     const std::uint8_t* row = composedRow(front, behind, y, out.width, line);
@@ -64,7 +65,7 @@ void placePlane(PlacedPlane& front, PlacedPlane& behind, std::uint8_t* line, con
       averageRows(rows, weights, 2, line, out.width);
       row = line;
     }
-    storeRow(row, out.row(y), out.width);
+    streamRow(row, out.row(y), out.width);
   }
 }
 

@@ -13,6 +13,7 @@ namespace {
 constexpr int kWhole = PlacedSide::kWhole;
 // Rows that one mean is made of at most; of more, so many are picked.
 constexpr int kRowsMost = 128;
+// What the weights of a mean add up to before they are rounded.
 constexpr int kWeightTotal = 255;
 constexpr std::size_t kAlignment = 64;
 constexpr int kRowsAhead = 3;
@@ -23,12 +24,6 @@ int floorOf(int place) {
 
 int ceilOf(int place) {
   return (place + kWhole - 1) >> 8;
-}
-
-/// Repeats the last of `count` samples until there are as many as a window takes.
-void extend(std::uint8_t* row, int count) {
-  if (count < ShrinkGroup::kWindow)
-    std::memset(row + count, row[count - 1], static_cast<std::size_t>(ShrinkGroup::kWindow - count));
 }
 
 }  // namespace
@@ -161,10 +156,11 @@ const std::uint8_t* PlacedPlane::shrunk(const std::uint8_t* row) {
     samples = (samples + 1) / 2;
   }
   if (samples < ShrinkGroup::kWindow) {
-    std::uint8_t* extended = halves_[halvings_ % 2];
-    std::memmove(extended, row, static_cast<std::size_t>(samples));
-    extend(extended, samples);
-    row = extended;
+    // Too short for a window: its last sample is repeated.
+    std::uint8_t* longer = halves_[halvings_ % 2];
+    std::copy_n(row, samples, longer);
+    std::fill(longer + samples, longer + ShrinkGroup::kWindow, row[samples - 1]);
+    row = longer;
   }
   shrinkRow(row, groups_, groupCount_, line_);
   return line_;

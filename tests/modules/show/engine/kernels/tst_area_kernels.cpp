@@ -117,17 +117,6 @@ class AreaKernelsTest : public QObject {
       }
   }
 
-  void storesEveryWhere() {
-    const std::vector<std::uint8_t> row = noise(300, 7);
-    for (int offset = 0; offset < 3; ++offset)
-      for (int count = 0; count <= 200; ++count) {
-        alignas(64) std::uint8_t out[256] = {};
-        storeRow(row.data() + 1, out + offset, count);
-        QVERIFY(std::equal(out + offset, out + offset + count, row.data() + 1));
-        QCOMPARE(int(out[offset + count]), 0);
-      }
-  }
-
   void mixesUnderLight() {
     for (int count = 1; count <= 200; ++count) {
       const std::vector<std::uint8_t> a = noise(count, 8);
