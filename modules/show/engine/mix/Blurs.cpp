@@ -262,7 +262,7 @@ void Sharpen::mix(const Frame& from, const Frame& to, const MixPoint& point, Tra
     // Edges as wide for the eye in a large picture as in a small one.
     const int spacing = std::max(1, static_cast<int>(std::lround(from.height() / 400.0 / stepOf(plane))));
     const auto width = static_cast<std::size_t>(target.width);
-    const auto border = static_cast<std::size_t>(2 * spacing);
+    const auto border = 2 * static_cast<std::size_t>(spacing);
     auto* columns = scratch.buffer<std::uint16_t>(kRowBuffer, width + 2 * border);
     for (int y = 0; y < target.height; ++y) {
       std::array<const std::uint8_t*, 5> rows;

@@ -150,8 +150,8 @@ class BlurKernelsTest : public QObject {
       std::array<RowTap, kTapCount> taps;
       for (RowTap& tap : taps)
         tap = {rows[static_cast<std::size_t>(draw.below(8))].data(),
-               rows[static_cast<std::size_t>(draw.below(8))].data(), static_cast<std::uint16_t>(draw.below(16)),
-               static_cast<std::uint16_t>(draw.below(16))};
+               rows[static_cast<std::size_t>(draw.below(8))].data(),
+               static_cast<std::uint16_t>(draw.below(16)), static_cast<std::uint16_t>(draw.below(16))};
       Row out(static_cast<std::size_t>(count));
       averageTapsRow(taps, out.data(), count);
       for (std::size_t x = 0; x < out.size(); ++x) {
