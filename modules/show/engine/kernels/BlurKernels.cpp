@@ -240,9 +240,7 @@ void enlargeRow(const std::uint8_t* HWY_RESTRICT upper, const std::uint8_t* HWY_
                         hn::BitCast(i16, hn::ShiftRight<6>(hn::Add(sum, hn::Set(d16, std::uint16_t{32})))));
   };
   std::array<std::uint16_t, kBlock + 2> columns;
-  const int whole = std::min(count, outCount / kShrink) / lanes * lanes;
-  for (int begin = 0; begin < whole; begin += kBlock) {
-    const int size = std::min(kBlock, whole - begin);
+  const auto enlarge = [&](int begin, int size) HWY_ATTR {
     columns[0] = columnAt(begin - 1);
     for (int i = 0; i < size; i += lanes) {
       const auto high = hn::PromoteTo(d16, hn::LoadU(d8, upper + begin + i));
@@ -258,8 +256,18 @@ void enlargeRow(const std::uint8_t* HWY_RESTRICT upper, const std::uint8_t* HWY_
                             between(own, after, kInnerWeight), between(own, after, kOuterWeight), d8,
                             out + static_cast<std::ptrdiff_t>(kShrink) * (begin + i));
     }
+  };
+  const int fours = std::min(count, outCount / kShrink);
+  if (fours < lanes) {
+    enlargeFrom(0, upper, lower, lowerWeight, count, out, outCount);
+    return;
   }
-  enlargeFrom(whole * kShrink, upper, lower, lowerWeight, count, out, outCount);
+  const int whole = fours / lanes * lanes;
+  for (int begin = 0; begin < whole; begin += kBlock)
+    enlarge(begin, std::min(kBlock, whole - begin));
+  if (whole < fours)
+    enlarge(fours - lanes, lanes);
+  enlargeFrom(fours * kShrink, upper, lower, lowerWeight, count, out, outCount);
 }
 
 void softenRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, int weight,
@@ -328,8 +336,7 @@ void averageTapsRow(const TapRows& taps, std::uint8_t* HWY_RESTRICT out, int cou
   const auto sixteen = hn::Set(d16, std::uint16_t{16});
   const auto round = hn::Set(d16, std::uint16_t{32});
   const auto load = [&](const std::uint8_t* row) HWY_ATTR { return hn::PromoteTo(d16, hn::LoadU(d8, row)); };
-  int x = 0;
-  for (; x + lanes <= count; x += lanes) {
+  const auto average = [&](int x) HWY_ATTR {
     auto sum = hn::Set(d16, std::uint16_t{128});
     for (const RowTap& tap : taps) {
       const auto right = hn::Set(d16, tap.right);
@@ -342,8 +349,15 @@ void averageTapsRow(const TapRows& taps, std::uint8_t* HWY_RESTRICT out, int cou
       sum = hn::Add(sum, hn::ShiftRight<6>(hn::Add(value, round)));
     }
     hn::StoreU(hn::DemoteTo(d8, hn::BitCast(i16, hn::ShiftRight<8>(sum))), d8, out + x);
+  };
+  if (count < lanes) {
+    averageTapsFrom(0, taps, out, count);
+    return;
   }
-  averageTapsFrom(x, taps, out, count);
+  for (int x = 0; x + lanes <= count; x += lanes)
+    average(x);
+  if (count % lanes != 0)
+    average(count - lanes);
 }
 
 void boxRow(const std::uint8_t* HWY_RESTRICT row, int radius256, std::uint32_t* HWY_RESTRICT sums,

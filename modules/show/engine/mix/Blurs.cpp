@@ -120,7 +120,7 @@ void drawZoomed(const Frame& from, const Frame& to, const ZoomStep& step, const 
                 const Frame& mask, TransitionScratch& scratch, Frame& out) {
   const auto width = static_cast<std::size_t>(out.width());
   auto* soft = scratch.buffer<std::uint8_t>(0, width);
-  auto* strengths = scratch.buffer<std::uint8_t>(1, width);
+  auto* strength = scratch.buffer<std::uint8_t>(1, width);
   auto* first = scratch.buffer<std::uint8_t>(kRowBuffer, width);
   auto* second = scratch.buffer<std::uint8_t>(kSumBuffer, width);
   for (int plane = 0; plane < planeCount(out); ++plane) {
@@ -130,23 +130,21 @@ void drawZoomed(const Frame& from, const Frame& to, const ZoomStep& step, const 
     const WritablePlane target = writablePlaneOf(out, plane);
     for (int y = 0; y < target.height; ++y) {
       enlargedRow(planeOf(small, plane), y, target.row(y), target.width);
-      if (isFull(planeOf(mask, maskPlaneOf(plane)), y))
-        continue;
-      enlargedRow(planeOf(mask, maskPlaneOf(plane)), y, strengths, target.width);
-      std::copy_n(target.row(y), target.width, soft);
       // Only round the middle there is something sharp to show.
-      int begin = 0;
-      int end = target.width;
-      while (begin < end && strengths[begin] == 255)
-        ++begin;
-      while (end > begin && strengths[end - 1] == 255)
-        --end;
+      const PlaneView strengths = planeOf(mask, maskPlaneOf(plane));
+      const ColumnSpan span = spanBelowFull(strengths, y, target.width);
+      const int begin = span.begin;
+      const int count = span.end - begin;
+      if (count == 0)
+        continue;
+      enlargedRow(strengths, y, strength, target.width);
+      std::copy_n(target.row(y) + begin, count, soft);
       if (step.weight < 256)
-        nearing.row(y, begin, end - begin, first);
+        nearing.row(y, begin, count, first);
       if (step.weight > 0)
-        settling.row(y, begin, end - begin, second);
-      softenRow(step.weight < 256 ? first : second, step.weight > 0 ? second : first, step.weight,
-                soft + begin, strengths + begin, target.row(y) + begin, end - begin);
+        settling.row(y, begin, count, second);
+      softenRow(step.weight < 256 ? first : second, step.weight > 0 ? second : first, step.weight, soft,
+                strength + begin, target.row(y) + begin, count);
     }
   }
 }
@@ -262,7 +260,7 @@ void Sharpen::mix(const Frame& from, const Frame& to, const MixPoint& point, Tra
     // Edges as wide for the eye in a large picture as in a small one.
     const int spacing = std::max(1, static_cast<int>(std::lround(from.height() / 400.0 / stepOf(plane))));
     const auto width = static_cast<std::size_t>(target.width);
-    const auto border = static_cast<std::size_t>(2 * spacing);
+    const auto border = 2 * static_cast<std::size_t>(spacing);
     auto* columns = scratch.buffer<std::uint16_t>(kRowBuffer, width + 2 * border);
     for (int y = 0; y < target.height; ++y) {
       std::array<const std::uint8_t*, 5> rows;

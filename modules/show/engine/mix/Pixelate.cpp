@@ -52,15 +52,21 @@ class BlockPainter {
     mask_ = scratch.buffer<std::uint8_t>(kMask, width);
   }
 
-  /// The fade itself and, with that weight of 256, blocks of `side` samples.
-  void paintOverPlain(int side, int blockWeight, const WritablePlane& out) {
+  void paintPlain(const WritablePlane& out) const {
+    for (int y = 0; y < out.height; ++y)
+      mixRow(from_.row(y), to_.row(y), weight_, out.row(y), out.width);
+  }
+
+  /// The fade itself and, with that weight of 256, blocks of two samples.
+  void paintSmallest(int blockWeight, const WritablePlane& out) {
+    constexpr int kSide = 2;
     std::fill_n(mask_, out.width, static_cast<std::uint8_t>((blockWeight * 255 + 128) / 256));
-    for (int top = 0; top < out.height; top += side) {
-      const int bottom = std::min(top + side, out.height);
-      sumUp(top, bottom, side, upper_);
-      toMeans(upper_, side, bottom - top);
+    for (int top = 0; top < out.height; top += kSide) {
+      const int bottom = std::min(top + kSide, out.height);
+      sumUp(top, bottom, kSide, upper_);
+      toMeans(upper_, kSide, bottom - top);
       for (int x = 0; x < out.width; ++x)
-        row_[x] = static_cast<std::uint8_t>(upper_[x / side]);
+        row_[x] = static_cast<std::uint8_t>(upper_[x / kSide]);
       for (int y = top; y < bottom; ++y)
         softenRow(from_.row(y), to_.row(y), weight_, row_, mask_, out.row(y), out.width);
     }
@@ -118,9 +124,10 @@ class BlockPainter {
   /// Divides the sums of blocks of that many rows.
   void toMeans(std::int32_t* sums, int side, int rows) const {
     const int whole = from_.width / side;
+    const int half = side * rows / 2;
     const float scale = 1.0F / static_cast<float>(side * rows);
     for (int i = 0; i < whole; ++i)
-      sums[i] = static_cast<std::int32_t>(static_cast<float>(sums[i]) * scale + 0.5F);
+      sums[i] = static_cast<std::int32_t>(static_cast<float>(sums[i] + half) * scale);
     const int rest = (from_.width - whole * side) * rows;
     if (rest > 0)
       sums[whole] = (sums[whole] + rest / 2) / rest;
@@ -149,12 +156,14 @@ void Pixelate::mix(const Frame& from, const Frame& to, const MixPoint& point, Tr
   for (int plane = 0; plane < planeCount(out); ++plane) {
     const WritablePlane target = writablePlaneOf(out, plane);
     BlockPainter painter(planeOf(from, plane), planeOf(to, plane), weight, scratch);
-    // A block of two luma samples is one of chroma, and one of one sample is the plain fade.
+    // Blocks of two luma samples are single samples of chroma.
     const int fine = blocks.fine / stepOf(plane);
     if (fine > 1)
       painter.paint(fine, blocks.coarseWeight, target);
+    else if (fine == 1)
+      painter.paintSmallest(blocks.coarseWeight, target);
     else
-      painter.paintOverPlain(fine == 1 ? 2 : 1, blocks.coarseWeight, target);
+      painter.paintPlain(target);
   }
 }
 

@@ -60,13 +60,22 @@ void enlargedRow(const PlaneView& small, int y, std::uint8_t* out, int width) {
   enlargeRow(rows.upper, rows.lower, rows.lowerWeight, small.width, out, width);
 }
 
-bool isFull(const PlaneView& small, int y) {
+ColumnSpan spanBelowFull(const PlaneView& small, int y, int width) {
   const RowPair rows = rowsAround(small, y);
-  const auto others = static_cast<std::size_t>(small.width) - 1;
-  const auto full = [&](const std::uint8_t* row) {
-    return row[0] == 255 && std::memcmp(row, row + 1, others) == 0;
+  const auto allFull = [&](const std::uint8_t* row) {
+    return row[0] == 255 && std::memcmp(row, row + 1, static_cast<std::size_t>(small.width) - 1) == 0;
   };
-  return full(rows.upper) && full(rows.lower);
+  if (allFull(rows.upper) && allFull(rows.lower))
+    return {};
+  const auto full = [&](int i) { return rows.upper[i] == 255 && rows.lower[i] == 255; };
+  int begin = 0;
+  int end = small.width;
+  while (full(begin))
+    ++begin;
+  while (full(end - 1))
+    --end;
+  // A small sample reaches half of its neighbours' columns.
+  return {std::max((begin - 1) * kShrink, 0), std::min((end + 1) * kShrink, width)};
 }
 
 void drawSoftened(const Frame& from, const Frame& to, int weight, const Frame& small, int strength,
@@ -100,7 +109,8 @@ void drawSoftened(const Frame& from, const Frame& to, int weight, const Frame& s
     const PlaneView strengths = planeOf(mask, maskPlaneOf(plane));
     const WritablePlane target = writablePlaneOf(out, plane);
     for (int y = 0; y < target.height; ++y) {
-      if (isFull(strengths, y)) {
+      const ColumnSpan span = spanBelowFull(strengths, y, target.width);
+      if (span.begin == span.end) {
         enlargedRow(blurred, y, target.row(y), target.width);
         continue;
       }

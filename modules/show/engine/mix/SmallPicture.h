@@ -27,8 +27,14 @@ void shrinkFade(const Frame& from, const Frame& to, int weight, Frame& small);
 /// Row `y` of a plane of full size out of that plane's small one, bilinear.
 void enlargedRow(const PlaneView& small, int y, std::uint8_t* out, int width);
 
-/// Whether row `y` of full size is 255 from end to end.
-bool isFull(const PlaneView& small, int y);
+/// Columns from `begin` to before `end`; none where they meet.
+struct ColumnSpan {
+  int begin = 0;
+  int end = 0;
+};
+
+/// Outside these columns row `y` of full size, `width` samples long, is 255.
+ColumnSpan spanBelowFull(const PlaneView& small, int y, int width);
 
 /// The fade with the small picture laid over it, 0 (none) to 255 (all) strong everywhere. Uses the scratch's
 /// buffers 0 and 1.
