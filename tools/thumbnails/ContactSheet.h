@@ -1,0 +1,11 @@
+// One picture with every transition of the catalogue, a row each. Needs a QGuiApplication with fonts; main
+// thread.
+#pragma once
+#include <QImage>
+
+namespace korvia {
+
+/// Rows of name, number and the pictures at 0, 25, 50, 75 and 100 %, in three blocks beside each other.
+QImage drawContactSheet();
+
+}  // namespace korvia

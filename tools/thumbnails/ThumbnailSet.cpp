@@ -1,0 +1,103 @@
+#include "ThumbnailSet.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QImage>
+#include <QLoggingCategory>
+#include <QPainter>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "EasingPicture.h"
+#include "EffectPictures.h"
+#include "SampleScene.h"
+#include "console/tagKorviaTakeButton.h"
+#include "engine/mix/Easing.h"
+#include "engine/mix/TransitionCatalog.h"
+#include "transitions/TransitionCatalogue.h"
+
+Q_LOGGING_CATEGORY(lcThumbnails, "korvia.thumbnails")
+
+namespace korvia {
+
+namespace {
+
+constexpr int kJpegQuality = 95;
+constexpr double kPosition = 0.45;
+
+struct Thumbnail {
+  /// Where the console looks for it.
+  QString path;
+  std::function<QImage()> draw;
+};
+using Thumbnails = std::vector<Thumbnail>;
+
+/// Several effects beside each other, for the choice among all of them.
+QImage drawMosaic(EffectPictures& effects) {
+  constexpr int kRows = 2;
+  constexpr int kColumns = 3;
+  // Circle, checkerboard and wheel; swirl, mosaic and push.
+  constexpr int kTiles[kRows][kColumns] = {{13, 12, 20}, {62, 55, 41}};
+  QImage mosaic(effects.size(), QImage::Format_RGB32);
+  QPainter painter(&mosaic);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  const double width = static_cast<double>(mosaic.width()) / kColumns;
+  const double height = static_cast<double>(mosaic.height()) / kRows;
+  for (int row = 0; row < kRows; ++row)
+    for (int column = 0; column < kColumns; ++column)
+      painter.drawImage(QRectF(column * width, row * height, width, height),
+                        effects.picture(kTiles[row][column], kPosition));
+  return mosaic;
+}
+
+QImage drawEffect(EffectPictures& effects, qint32 effect) {
+  if (effect == kEffectNone)
+    return drawCut(effects.size());
+  if (effect == tagKorviaTakeButton::kRandomEffect)
+    return drawDie(drawMosaic(effects));
+  return effects.picture(effect, kPosition);
+}
+
+void addEffects(Thumbnails& all) {
+  const auto effects = std::make_shared<EffectPictures>(kEffectPictureSize);
+  TransitionCatalogue catalogue;
+  for (const GListWidgetItemInfo& item : *catalogue.effectList(TransitionCatalogue::kAllCatalog))
+    all.push_back({item.thumbPath, [effects, effect = item.id] { return drawEffect(*effects, effect); }});
+}
+
+void addEasings(Thumbnails& all) {
+  for (int code = 0; code < kEasingCount; ++code)
+    all.push_back({TransitionCatalogue::easingThumbPath(code), [code] { return drawEasing(code); }});
+}
+
+/// Each adds the pictures of one picker.
+constexpr void (*kPickers[])(Thumbnails&) = {addEffects, addEasings};
+
+bool write(const QImage& image, const QString& path) {
+  if (image.isNull()) {
+    qCWarning(lcThumbnails, "failed to draw : %s", qPrintable(path));
+    return false;
+  }
+  if (!QFileInfo(path).dir().mkpath(QStringLiteral(".")) || !image.save(path, nullptr, kJpegQuality)) {
+    qCWarning(lcThumbnails, "failed to write : %s", qPrintable(path));
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool writeThumbnails(const QString& programFolder) {
+  Thumbnails all;
+  for (const auto picker : kPickers)
+    picker(all);
+  const QDir application(QCoreApplication::applicationDirPath());
+  const QDir target(programFolder);
+  for (const Thumbnail& thumbnail : all)
+    if (!write(thumbnail.draw(), target.filePath(application.relativeFilePath(thumbnail.path))))
+      return false;
+  return true;
+}
+
+}  // namespace korvia
