@@ -12,8 +12,9 @@ namespace korvia::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Each kernel is a struct with its formula twice: for one sample, and for as many as a register holds. Samples
-// are computed with in 16 bits. The registers' one is written with what a machine without vectors has too.
+// Each kernel is a struct with its formula twice: for one sample, and for as many as a register holds.
+// Samples are computed with in 16 bits. The registers' one is written with what a machine without vectors has
+// too.
 
 using Samples = hn::ScalableTag<std::uint16_t>;
 using Signed = hn::RebindToSigned<Samples>;
@@ -260,12 +261,10 @@ void halveRow(const std::uint8_t* upper, const std::uint8_t* lower, std::uint8_t
   }
 #endif
   for (; x < pairs; ++x)
-    out[x] =
-        byte((upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1] + 2) >> 2);
+    out[x] = byte((upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1] + 2) >> 2);
   if (width % 2 != 0)
     out[pairs] = byte((upper[width - 1] + lower[width - 1] + 1) >> 1);
 }
-
 
 void mixTurningRow(const TurningRow& a, const TurningRow& b, int black, int weight,
                    std::uint8_t* HWY_RESTRICT out, int count) {

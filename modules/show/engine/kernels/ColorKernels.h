@@ -17,8 +17,8 @@ void brighterRow(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out
 /// weights 0 to 256.
 void fadeKeyRow(int rise, int fall, std::uint8_t* key, int count);
 
-/// Weight of the soft edge in a mask: out = mask * (255 - mask) / 256, 63 at the most, and 0 where the mask is
-/// 0 or 255.
+/// Weight of the soft edge in a mask: out = mask * (255 - mask) / 256, 63 at the most, and 0 where the mask
+/// is 0 or 255.
 void edgeRow(const std::uint8_t* mask, std::uint8_t* out, int count);
 
 /// Weight of the shade in a relief: out = (255 - relief) * depth / 256; `depth` 0 to 256.

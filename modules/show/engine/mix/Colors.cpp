@@ -26,6 +26,13 @@ double ramp(double position, double begin, double end) {
   return t * t * (3 - 2 * t);
 }
 
+/// A share that hurries at first. Most pictures have little that is very bright, so that a threshold that
+/// came down evenly would long find nothing.
+double hurried(double position, double end) {
+  const double t = std::clamp(position / end, 0.0, 1.0);
+  return t * (3 - t) / 2;
+}
+
 int weightOf(double share, int full) {
   return static_cast<int>(std::lround(share * full));
 }
@@ -39,7 +46,8 @@ int thresholdAt(double share, int gain) {
 
 /// `rows` rows of `width` samples, one behind the other.
 std::uint8_t* rowsIn(TransitionScratch& scratch, Place place, int width, int rows = 1) {
-  return scratch.buffer<std::uint8_t>(place, static_cast<std::size_t>(width) * static_cast<std::size_t>(rows));
+  return scratch.buffer<std::uint8_t>(place,
+                                      static_cast<std::size_t>(width) * static_cast<std::size_t>(rows));
 }
 
 const std::uint8_t* levelRow(TransitionScratch& scratch, Place place, int level, int width) {
@@ -73,7 +81,8 @@ class WhiteRows {
 };
 
 /// Calls luma(y, place) for each luma row, place 0 or 1 in its pair, and then chroma(y, lower) for the chroma
-/// row under the pair, where `lower` is the place of its second luma row: 0 under the last one of an odd height.
+/// row under the pair, where `lower` is the place of its second luma row: 0 under the last one of an odd
+/// height.
 template <typename Luma, typename Chroma>
 void forRowPairs(const Frame& frame, Luma luma, Chroma chroma) {
   for (int y = 0; y < frame.size().chromaHeight(); ++y) {
@@ -84,8 +93,8 @@ void forRowPairs(const Frame& frame, Luma luma, Chroma chroma) {
   }
 }
 
-/// Mixes by a mask that maskRow(y, mask) writes for each luma row; chroma takes the mean of its four. Each row
-/// of a plane is made by mixed(plane, y, mask), that of alpha before that of luma.
+/// Mixes by a mask that maskRow(y, mask) writes for each luma row; chroma takes the mean of its four. Each
+/// row of a plane is made by mixed(plane, y, mask), that of alpha before that of luma.
 template <typename MaskOf, typename Mixed>
 void mixByMask(TransitionScratch& scratch, const Frame& out, MaskOf maskOf, Mixed mixed) {
   const int width = out.width();
@@ -175,8 +184,8 @@ void fillChecker(int cell, int even, int odd, std::uint8_t* evenRow, std::uint8_
   }
 }
 
-/// How far the line at height `y` of a band raster has changed; every other band follows after the first ones,
-/// and in each the middle leads.
+/// How far the line at height `y` of a band raster has changed; every other band follows after the first
+/// ones, and in each the middle leads.
 double lineShare(double position, double y, int band) {
   constexpr double kBandDelay = 0.4;
   constexpr double kEdgeDelay = 0.15;
@@ -206,9 +215,8 @@ void MostBright::mix(const Frame& from, const Frame& to, const MixPoint& point, 
 
 void BrightExtract::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                         Frame& out) const {
-  constexpr int kGain = 3;
-  // Most pictures have little that is very bright: the threshold hurries at first.
-  const int threshold = thresholdAt(point.position * (2 - point.position), kGain);
+  constexpr int kGain = 2;
+  const int threshold = thresholdAt(hurried(point.position, 1), kGain);
   const PlaneView luma = planeOf(from, Frame::Y);
   const WhiteRows white(scratch, WhiteToRows, out.width());
   const std::uint8_t* noChroma = levelRow(scratch, LevelRow, kNoChroma, out.width());
@@ -231,8 +239,8 @@ void BrightExtract::mix(const Frame& from, const Frame& to, const MixPoint& poin
 void InvertColor::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                       Frame& out) const {
   const double p = point.position;
-  const TurningPicture turningFrom(from, ramp(p, 0, 0.55), scratch, FromRows);
-  const TurningPicture turningTo(to, 1 - ramp(p, 0.45, 1), scratch, ToRows);
+  const TurningPicture turningFrom(from, hurried(p, 0.55), scratch, FromRows);
+  const TurningPicture turningTo(to, hurried(1 - p, 0.55), scratch, ToRows);
   const int weight = weightOf(ramp(p, 0.3, 0.7), 256);
   const WhiteRows whiteFrom(scratch, WhiteFromRows, out.width());
   const WhiteRows whiteTo(scratch, WhiteToRows, out.width());
@@ -320,8 +328,8 @@ void LinenFade::mix(const Frame& from, const Frame& to, const MixPoint& point, T
   const int depth = static_cast<int>(std::lround(kDepth * 4 * p * (1 - p)));
   const int width = out.width();
   const std::size_t count = static_cast<std::size_t>(width) * static_cast<std::size_t>(out.height());
-  const auto* relief = scratch.table<std::uint8_t>(this, out.size(), 0, count,
-                                                   [&](std::uint8_t* table) { weaveLinen(out.size(), table); });
+  const auto* relief = scratch.table<std::uint8_t>(
+      this, out.size(), 0, count, [&](std::uint8_t* table) { weaveLinen(out.size(), table); });
   const auto reliefRow = [&](int y) { return relief + static_cast<std::ptrdiff_t>(y) * width; };
   const std::uint8_t* black = levelRow(scratch, LevelRow, kBlackLuma, width);
   std::uint8_t* shade = rowsIn(scratch, WorkRow, width);

@@ -1,5 +1,5 @@
-// Transitions that decide by the colours of the two pictures, or by a fine raster over them, what changes first.
-// Engine thread.
+// Transitions that decide by the colours of the two pictures, or by a fine raster over them, what changes
+// first. Engine thread.
 #pragma once
 #include "engine/mix/Transition.h"
 

@@ -15,8 +15,8 @@ constexpr double kThreadWidthMin = 4;
 constexpr int kOne = 256;
 constexpr int kThreadDifference = 70;
 
-/// What crosses one axis of the picture, per sample: the thread there, how high it is from edge to edge, and how
-/// high the thread that runs along the axis bends over it.
+/// What crosses one axis of the picture, per sample: the thread there, how high it is from edge to edge, and
+/// how high the thread that runs along the axis bends over it.
 struct Thread {
   bool odd = false;
   int across = 0;

@@ -8,7 +8,8 @@
 namespace korvia {
 
 /// Writes size.width * size.height samples, row after row without a gap, from 16 in the gaps between threads
-/// to 235 on the highest ones. The threads are as wide as suits the size of the picture, four samples at least.
+/// to 235 on the highest ones. The threads are as wide as suits the size of the picture, four samples at
+/// least.
 void weaveLinen(FrameSize size, std::uint8_t* relief);
 
 }  // namespace korvia
