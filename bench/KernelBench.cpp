@@ -150,8 +150,8 @@ void measureEffects(const QList<int>& wanted, Carousel<FrameRef>& in, Carousel<M
           slowestPosition = position;
         }
       }
-      const tagTransitionEffectItem* item = catalogue.find(effect);
-      const QByteArray label = item ? item->label.toUtf8() : QByteArray();
+      const GListWidgetItemInfo* item = catalogue.find(effect);
+      const QByteArray label = item ? item->name.toUtf8() : QByteArray();
       char name[64];
       std::snprintf(name, sizeof name, "%s %d %s at %.1f", family.name, effect, label.constData(),
                     slowestPosition);

@@ -1,22 +1,13 @@
 #include "console/GWidgetDisplayObjectConfig.h"
 
-#include <QCloseEvent>
-
 #include "KorviaShowObjectID.h"
 #include "console/IKorviaSarnhawkPriv.h"
 #include "console/SourceText.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "ui_GWidgetDisplayObjectConfig.h"
 
-namespace {
-
-constexpr auto kToolWindow = static_cast<Qt::WindowFlags>(0x44001);
-static_assert(0x44001 == (Qt::Window | Qt::WindowStaysOnTopHint | Qt::WindowMinimizeButtonHint));
-
-}  // namespace
-
 GWidgetDisplayObjectConfig::GWidgetDisplayObjectConfig(IKorviaSarnhawkPriv* priv, QWidget* parent)
-    : QWidget(parent, kToolWindow), _ui(std::make_unique<Ui::GWidgetDisplayObjectConfig>()), _priv(priv) {
+    : GToolWindow(parent), _ui(std::make_unique<Ui::GWidgetDisplayObjectConfig>()), _priv(priv) {
   _ui->setupUi(this);
 }
 
@@ -50,17 +41,4 @@ QString GWidgetDisplayObjectConfig::mediaText(int index) const {
 QString GWidgetDisplayObjectConfig::stageText(int index) const {
   const tagKorviaStageSlot& slot = _priv->getConfig()->stages[static_cast<std::size_t>(index)];
   return slot.inUse ? slot.info.name : tr("This channel shows nothing");
-}
-
-void GWidgetDisplayObjectConfig::closeEvent(QCloseEvent* event) {
-  event->ignore();
-  hide();
-}
-
-// The way out where no window manager draws a close button.
-void GWidgetDisplayObjectConfig::keyPressEvent(QKeyEvent* event) {
-  if (event->key() == Qt::Key_Escape)
-    hide();
-  else
-    QWidget::keyPressEvent(event);
 }

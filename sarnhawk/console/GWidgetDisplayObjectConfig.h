@@ -1,7 +1,8 @@
 // The one floating window that tells what a channel shows and edits it. Console thread.
 #pragma once
-#include <QWidget>
 #include <memory>
+
+#include "console/GToolWindow.h"
 
 class IKorviaSarnhawkPriv;
 
@@ -9,7 +10,7 @@ namespace Ui {
 class GWidgetDisplayObjectConfig;
 }
 
-class GWidgetDisplayObjectConfig : public QWidget {
+class GWidgetDisplayObjectConfig : public GToolWindow {
   Q_OBJECT
 
  public:
@@ -20,11 +21,6 @@ class GWidgetDisplayObjectConfig : public QWidget {
   void showChannel(int objectId);
   /// The id of the last showChannel, 0 before it.
   int objectId() const { return _objectId; }
-
- protected:
-  /// Closing only hides: the console keeps the window to the end.
-  void closeEvent(QCloseEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   QString mediaText(int index) const;

@@ -14,7 +14,7 @@ class QWidget;
 struct tagGSystemTTFFontInfo;
 struct tagKorviaComponentParam;
 struct tagKorviaSarnhawkConfig;
-struct tagTransitionEffectItem;
+struct GListWidgetItemInfo;
 
 class IKorviaSarnhawkPriv : public IUnknownEx {
  public:
@@ -40,6 +40,6 @@ class IKorviaSarnhawkPriv : public IUnknownEx {
   /// Takes the channel selected on PVM.
   virtual void takeSelected(int transitionIndex) = 0;
   /// Effects of a catalog, all of them for catalog 8. Filled at the first call.
-  virtual QList<tagTransitionEffectItem>* getEffectList(int catalog) = 0;
+  virtual QList<GListWidgetItemInfo>* getEffectList(int catalog) = 0;
   virtual IKorviaShowSource* getSource(KorviaShowObjectID id) = 0;
 };

@@ -31,6 +31,7 @@
 #include "services/GDialogProductAbout.h"
 #include "shell/GAppCaptionBar.h"
 #include "tagCheckNetPortItem.h"
+#include "transitions/GWidgetTransitionEffectConfig.h"
 #include "ui_KorviaSarnhawk.h"
 
 namespace {
@@ -197,8 +198,9 @@ void KorviaSarnhawk::createLever() {
 }
 
 void KorviaSarnhawk::createWindows() {
-  // Sound control and transition editor come before the channel window, the screen cut and the statistics
-  // after it: windows stack in the order in which they are made.
+  // Sound control comes before the transition editor, the screen cut and the statistics after the channel
+  // window: windows stack in the order in which they are made.
+  _transitionConfig = new GWidgetTransitionEffectConfig(this, this);
   _channelConfig = new GWidgetDisplayObjectConfig(this, this);
   _ui->_screenCutPushButton->setEnabled(false);
 }
@@ -281,10 +283,7 @@ void KorviaSarnhawk::createTakeMenus() {
     QToolButton* button = takeButton(index);
     auto* menu = new QMenu(button);
     connect(menu->addAction(tr("Take Effect")), &QAction::triggered, this, takeSlots[index]);
-    QAction* config = menu->addAction(tr("Effect Config"));
-    connect(config, &QAction::triggered, this, configSlots[index]);
-    // There is no transition editor to show yet.
-    config->setEnabled(false);
+    connect(menu->addAction(tr("Effect Config")), &QAction::triggered, this, configSlots[index]);
     button->setMenu(menu);
     connect(button, &QToolButton::clicked, this, takeSlots[index]);
   }
@@ -451,7 +450,8 @@ void KorviaSarnhawk::hideAll() {
   for (GWidgetDisplayObject* strip : _strips->strips())
     strip->hideFloat();
   _whitePad.setVisible(false, false);
-  // The transition editor hides last: it may belong to a button of the pad.
+  if (_transitionConfig)
+    _transitionConfig->hide();
 }
 
 void KorviaSarnhawk::close() {
@@ -495,6 +495,11 @@ void KorviaSarnhawk::destroyUi() {
   // The floating windows go before the pages that they point at, the pages before the strips.
   delete _channelConfig;
   _channelConfig = nullptr;
+  // Editor and program list outlive the pages, which may still take.
+  if (_transitionConfig)
+    _transitionConfig->hide();
+  delete _transitionConfig;
+  _transitionConfig = nullptr;
   _strips->destroy();
 }
 

@@ -25,6 +25,7 @@
 class GAppCaptionBar;
 class GWidgetDisplayObject;
 class GWidgetDisplayObjectConfig;
+class GWidgetTransitionEffectConfig;
 class OutputSwitches;
 class QMenu;
 class QTimer;
@@ -80,7 +81,7 @@ class KorviaSarnhawk : public QMainWindow,
   void updateTakeButton(int transitionIndex) override;
   void takeChannel(int channelId, int transitionIndex) override;
   void takeSelected(int transitionIndex) override;
-  QList<tagTransitionEffectItem>* getEffectList(int catalog) override;
+  QList<GListWidgetItemInfo>* getEffectList(int catalog) override;
   IKorviaShowSource* getSource(KorviaShowObjectID id) override;
 
   // IKorviaShowThreadSink, engine thread
@@ -244,6 +245,7 @@ class KorviaSarnhawk : public QMainWindow,
   QVUMeter* _pgmMeter = nullptr;
   SwitchLever* _lever = nullptr;
   QMenu* _systemMenu = nullptr;
+  GWidgetTransitionEffectConfig* _transitionConfig = nullptr;
   GWidgetDisplayObjectConfig* _channelConfig = nullptr;
   GWhitePadObject _whitePad;
 

@@ -219,11 +219,11 @@ void KorviaSarnhawk::updateTakeButton(int transitionIndex) {
   if (!button)
     return;
   const qint32 effect = _config.takeButtons[static_cast<std::size_t>(transitionIndex)].effect;
-  const tagTransitionEffectItem* item = _transitions.find(effect);
+  const GListWidgetItemInfo* item = _transitions.find(effect);
   // A number that no catalog lists can be taken all the same; it shows as what it is.
   const QString text = item ? TransitionCatalogue::catalogName(static_cast<int>(
                                   KorviaShowUtil::getEffectCatalog(static_cast<unsigned>(effect)))) +
-                                  QLatin1Char('\n') + item->label
+                                  QLatin1Char('\n') + item->name
                             : QString::number(effect);
   button->setText(text);
   button->setToolTip(text);

@@ -13,6 +13,7 @@
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
 #include "present/popupAt.h"
+#include "transitions/GWidgetTransitionEffectConfig.h"
 #include "ui_KorviaSarnhawk.h"
 
 namespace {
@@ -38,10 +39,15 @@ IKorviaShowSource* KorviaSarnhawk::getSource(KorviaShowObjectID id) {
   return _engine ? _engine->getSource(id) : nullptr;
 }
 
-// Both are asked for before their windows exist; there is nothing to show then.
+// Asked for before its window exists; there is nothing to show then.
 void KorviaSarnhawk::showSoundControl(int, QWidget*) {}
 
-void KorviaSarnhawk::showTransitionConfig(int) {}
+void KorviaSarnhawk::showTransitionConfig(int transitionIndex) {
+  if (!_transitionConfig || !takeButton(transitionIndex))
+    return;
+  _transitionConfig->setTransition(transitionIndex);
+  _transitionConfig->present();
+}
 
 void KorviaSarnhawk::showChannelConfig(QWidget* button, int channelId) {
   if (!_channelConfig)
@@ -56,7 +62,7 @@ void KorviaSarnhawk::showChannelConfig(QWidget* button, int channelId) {
 // A show lives in memory only; a store would hang in here and gets the mask for free.
 void KorviaSarnhawk::saveChanges(unsigned, int) {}
 
-QList<tagTransitionEffectItem>* KorviaSarnhawk::getEffectList(int catalog) {
+QList<GListWidgetItemInfo>* KorviaSarnhawk::getEffectList(int catalog) {
   return _transitions.effectList(catalog);
 }
 

@@ -138,6 +138,10 @@ QString translated(const char* text) {
   return QCoreApplication::translate(kContext, text);
 }
 
+QString resourceFolder(const QString& name) {
+  return QStringLiteral("%1/res/%2/").arg(QCoreApplication::applicationDirPath(), name);
+}
+
 }  // namespace
 
 QString TransitionCatalogue::catalogName(int catalog) {
@@ -146,27 +150,29 @@ QString TransitionCatalogue::catalogName(int catalog) {
   return translated(kCatalogNames[catalog]);
 }
 
-QStringList TransitionCatalogue::easingLabels() {
-  QStringList labels;
-  for (const char* label : kEasings)
-    labels.append(translated(label));
-  return labels;
+QList<GListWidgetItemInfo> TransitionCatalogue::easingList() {
+  QList<GListWidgetItemInfo> curves;
+  for (const char* label : kEasings) {
+    const int code = curves.size();
+    curves.append({translated(label), easingThumbPath(code), code, QString(), QVariant()});
+  }
+  return curves;
 }
 
 QString TransitionCatalogue::easingThumbPath(int code) {
-  return QStringLiteral("%1/res/easing/%2.png").arg(QCoreApplication::applicationDirPath()).arg(code);
+  return QStringLiteral("%1%2.png").arg(resourceFolder(QStringLiteral("easing"))).arg(code);
 }
 
-QList<tagTransitionEffectItem>* TransitionCatalogue::effectList(int catalog) {
+QList<GListWidgetItemInfo>* TransitionCatalogue::effectList(int catalog) {
   if (catalog < 0 || catalog > kAllCatalog)
     return nullptr;
   fill();
   return &_lists[static_cast<std::size_t>(catalog)];
 }
 
-const tagTransitionEffectItem* TransitionCatalogue::find(qint32 effect) {
-  for (const tagTransitionEffectItem& item : *effectList(kAllCatalog)) {
-    if (item.effect == effect)
+const GListWidgetItemInfo* TransitionCatalogue::find(qint32 effect) {
+  for (const GListWidgetItemInfo& item : *effectList(kAllCatalog)) {
+    if (item.id == effect)
       return &item;
   }
   return nullptr;
@@ -175,10 +181,10 @@ const tagTransitionEffectItem* TransitionCatalogue::find(qint32 effect) {
 void TransitionCatalogue::fill() {
   if (!_lists[kAllCatalog].isEmpty())
     return;
-  const QString folder = QCoreApplication::applicationDirPath() + QStringLiteral("/res/switchKind/");
+  const QString folder = resourceFolder(QStringLiteral("switchKind"));
   for (const EffectEntry& entry : kEffects) {
-    const tagTransitionEffectItem item{translated(entry.label), folder + QLatin1String(entry.thumb),
-                                       entry.effect, QString(), QVariant()};
+    const GListWidgetItemInfo item{translated(entry.label), folder + QLatin1String(entry.thumb), entry.effect,
+                                   QString(), QVariant()};
     _lists[static_cast<std::size_t>(entry.catalog)].append(item);
     _lists[kAllCatalog].append(item);
   }

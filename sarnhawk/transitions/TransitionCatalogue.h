@@ -2,10 +2,9 @@
 // are only numbered and named. Console thread.
 #pragma once
 #include <QList>
-#include <QStringList>
 #include <array>
 
-#include "transitions/tagTransitionEffectItem.h"
+#include "present/GListWidgetItemInfo.h"
 
 class TransitionCatalogue {
  public:
@@ -15,19 +14,19 @@ class TransitionCatalogue {
 
   /// Translated name of a catalog, 0 to 7; empty for any other number.
   static QString catalogName(int catalog);
-  /// Translated labels; the place in the list is the easing code.
-  static QStringList easingLabels();
+  /// The easing curves under their translated names; the place in the list is the code.
+  static QList<GListWidgetItemInfo> easingList();
   /// Where the picture of an easing code lies, beside the application.
   static QString easingThumbPath(int code);
 
-  /// Effects of a catalog, all of them for kAllCatalog, null for any other number. Filled at the first call
-  /// and kept for the life of the catalogue.
-  QList<tagTransitionEffectItem>* effectList(int catalog);
+  /// Effects of a catalog by their numbers, all of them for kAllCatalog, null for any other number. Filled at
+  /// the first call and kept for the life of the catalogue.
+  QList<GListWidgetItemInfo>* effectList(int catalog);
   /// The entry of an effect number, null when the catalogue does not hold it.
-  const tagTransitionEffectItem* find(qint32 effect);
+  const GListWidgetItemInfo* find(qint32 effect);
 
  private:
   void fill();
 
-  std::array<QList<tagTransitionEffectItem>, kCatalogCount + 1> _lists;
+  std::array<QList<GListWidgetItemInfo>, kCatalogCount + 1> _lists;
 };

@@ -14,6 +14,8 @@ inline constexpr QSize kDeskSize{1280, 720};
 
 namespace place {
 inline constexpr QPoint kTakeButton{660, 113};
+inline constexpr QPoint kTakeMenuArrow{728, 113};
+inline constexpr QPoint kEffectConfigItem{665, 203};
 inline constexpr QPoint kLeverParked{575, 434};
 inline constexpr QPoint kLeverMiddle{575, 254};
 inline constexpr QPoint kLeverEnd{575, 66};
@@ -24,6 +26,13 @@ inline constexpr QPoint kCloseButton{1258, 20};
 inline constexpr std::array<QPoint, 3> kStripCloseButtons{QPoint(304, 467), QPoint(619, 467),
                                                           QPoint(942, 467)};
 }  // namespace place
+
+/// Places in the transition editor, from its upper left corner.
+namespace editor_place {
+inline constexpr QPoint kErasePage{142, 22};
+inline constexpr QPoint kCircleTile{459, 180};
+inline constexpr QPoint kTakeEffectBox{748, 486};
+}  // namespace editor_place
 
 class Desk {
  public:

@@ -29,6 +29,7 @@ class TestOperator : public QObject {
   void rightClickSelectsForProgram();
   void snapshotIsAFullSizePicture();
   void recordingHoldsEveryFrame();
+  void editorTakesTheEffectOfItsTile();
   void quitAsksAndCloses();
 
  private:
@@ -174,6 +175,25 @@ void TestOperator::recordingHoldsEveryFrame() {
     gaps += whole - 1;
   }
   QVERIFY2(gaps <= dropped, qPrintable(QString("%1 missing, %2 dropped").arg(gaps).arg(dropped)));
+}
+
+void TestOperator::editorTakesTheEffectOfItsTile() {
+  constexpr int kCircle = 13;
+  QVERIFY(display_.clickWindow(desk_->strip(0)));
+  QVERIFY(waitForNew(line("result", "ShowEventSelectChannel", {kPVM, kMedia0})) >= 0);
+  QVERIFY(display_.click(place::kTakeMenuArrow));
+  QVERIFY(display_.click(place::kEffectConfigItem));
+  const auto editor = display_.findWindow("Transition Effect - [0]");
+  QVERIFY(editor.has_value());
+  const QPoint corner = display_.geometryOf(*editor).topLeft();
+
+  QVERIFY(display_.click(corner + editor_place::kErasePage));
+  QVERIFY(display_.click(corner + editor_place::kTakeEffectBox));
+  QVERIFY(display_.click(corner + editor_place::kCircleTile));
+  const int posted = waitForNew(line("post", "ShowEventTake", {kMedia0, kCircle, 1.0, 0}));
+  QVERIFY(posted >= 0);
+  QVERIFY(waitForNew(line("result", "ShowEventSelectChannel", {kPGM, kMedia0})) > posted);
+  QCOMPARE(korvia_->blackBox().select(line("post", "ShowEventTake"), from_).size(), 1);
 }
 
 void TestOperator::quitAsksAndCloses() {

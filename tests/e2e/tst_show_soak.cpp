@@ -1,8 +1,5 @@
 // A thousand takes, opens and closes in a row leave nothing behind: no threads, no descriptors, no memory.
-#include <malloc.h>
-
 #include <QDir>
-#include <QFile>
 #include <QImage>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -11,11 +8,9 @@
 
 #include "KorviaMetaType.h"
 #include "KorviaShowEngine.h"
+#include "support/Holdings.h"
 #include "tagKorviaShowEngineInfo.h"
 #include "tagKorviaWindowInfo.h"
-
-// There when the address sanitizer's allocator is; the C library's own figures stay at nought then.
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
 namespace {
 
@@ -23,50 +18,6 @@ constexpr int kSteps = 1000;
 constexpr int kSettled = 200;
 constexpr quint32 kSeed = 20;
 constexpr int kStepFrames = 2;
-
-/// What a process holds when its show stands still.
-struct Holdings {
-  int threads = 0;
-  int descriptors = 0;
-  qint64 allocatedKiB = 0;
-  qint64 residentKiB = 0;
-
-  QByteArray text() const {
-    return QStringLiteral("%1 threads, %2 descriptors, %3 KiB allocated, %4 KiB resident")
-        .arg(threads)
-        .arg(descriptors)
-        .arg(allocatedKiB)
-        .arg(residentKiB)
-        .toUtf8();
-  }
-};
-
-int entries(const QString& folder) {
-  return QDir(folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size();
-}
-
-qint64 allocatedBytes() {
-  if (__sanitizer_get_current_allocated_bytes)
-    return static_cast<qint64>(__sanitizer_get_current_allocated_bytes());
-  const struct mallinfo2 info = mallinfo2();
-  return static_cast<qint64>(info.uordblks + info.hblkhd);
-}
-
-qint64 residentKiB() {
-  QFile status(QStringLiteral("/proc/self/status"));
-  if (!status.open(QIODevice::ReadOnly))
-    return 0;
-  for (const QByteArray& entry : status.readAll().split('\n')) {
-    if (entry.startsWith("VmRSS:"))
-      return entry.mid(6).trimmed().split(' ').first().toLongLong();
-  }
-  return 0;
-}
-
-Holdings holdingsNow() {
-  return {entries(QStringLiteral("/proc/self/task")), entries(QStringLiteral("/proc/self/fd")),
-          allocatedBytes() / 1024, residentKiB()};
-}
 
 /// Counts finished takes; everything else the engine says is let go.
 class CountingSink final : public IKorviaShowThreadSink {
@@ -179,7 +130,7 @@ bool TestShowSoak::comeToRest() {
   QElapsedTimer quiet;
   return QTest::qWaitFor(
       [&] {
-        const int now = entries(QStringLiteral("/proc/self/task"));
+        const int now = holdingsNow().threads;
         if (now != threads || !quiet.isValid())
           quiet.start();
         threads = now;

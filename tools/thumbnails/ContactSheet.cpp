@@ -41,9 +41,9 @@ std::vector<Row> rowsOfTheCatalogue() {
   rows.reserve(kEffectCount);
   TransitionCatalogue catalogue;
   for (int catalog = 0; catalog < TransitionCatalogue::kCatalogCount; ++catalog)
-    for (const tagTransitionEffectItem& item : *catalogue.effectList(catalog))
-      if (transitionFor(item.effect))
-        rows.push_back({item.effect, item.label, TransitionCatalogue::catalogName(catalog)});
+    for (const GListWidgetItemInfo& item : *catalogue.effectList(catalog))
+      if (transitionFor(item.id))
+        rows.push_back({item.id, item.name, TransitionCatalogue::catalogName(catalog)});
   return rows;
 }
 

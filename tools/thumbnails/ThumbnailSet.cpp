@@ -62,8 +62,8 @@ QImage drawEffect(EffectPictures& effects, qint32 effect) {
 void addEffects(Thumbnails& all) {
   const auto effects = std::make_shared<EffectPictures>(kEffectPictureSize);
   TransitionCatalogue catalogue;
-  for (const tagTransitionEffectItem& item : *catalogue.effectList(TransitionCatalogue::kAllCatalog))
-    all.push_back({item.thumbPath, [effects, effect = item.effect] { return drawEffect(*effects, effect); }});
+  for (const GListWidgetItemInfo& item : *catalogue.effectList(TransitionCatalogue::kAllCatalog))
+    all.push_back({item.thumbPath, [effects, effect = item.id] { return drawEffect(*effects, effect); }});
 }
 
 void addEasings(Thumbnails& all) {

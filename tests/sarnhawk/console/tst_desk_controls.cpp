@@ -17,6 +17,7 @@
 #include "console/GWidgetDisplayObject.h"
 #include "console/SwitchLever.h"
 #include "console/TransportRow.h"
+#include "present/GListWidgetItemInfo.h"
 #include "tagKorviaShowPresentPlacement.h"
 
 namespace {
@@ -267,7 +268,6 @@ class DeskControlsTest : public QObject {
     OpenDesk desk;
     for (const char* name : {"_screenCutPushButton", "_paintOutputPushButton"})
       QVERIFY2(!desk.button(name)->isEnabled(), name);
-    QVERIFY(!desk.child<QToolButton>("_takeTransitionToolButton_0")->menu()->actions().last()->isEnabled());
   }
 
   void recordButtonStartsWithACopyOfTheSettings() {
@@ -586,6 +586,31 @@ class DeskControlsTest : public QObject {
     QVERIFY(button->icon().isNull());
     desk.console->updateTakeButton(4);
     desk.console->updateTakeButton(-1);
+  }
+
+  void takeButtonWithoutItsPictureFileHasAnEmptyIcon() {
+    OpenDesk desk;
+    auto* button = desk.child<QToolButton>("_takeTransitionToolButton_0");
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("fade.jpg");
+    QVERIFY(QImage(50, 42, QImage::Format_RGB32).save(file));
+    for (GListWidgetItemInfo& item : *desk.console->getEffectList(8))
+      item.thumbPath = file;
+    desk.console->updateTakeButton(0);
+    QCOMPARE(button->icon().availableSizes(), QList<QSize>{QSize(50, 42)});
+    QVERIFY(QFile::remove(file));
+    desk.console->updateTakeButton(0);
+    QVERIFY(button->icon().isNull());
+    QCOMPARE(button->text(), QString("Fade\nNormal"));
+  }
+
+  void allTakeButtonsAreFilledAtTheStart() {
+    OpenDesk desk;
+    for (int index = 0; index < 4; ++index) {
+      auto* button = desk.child<QToolButton>(qPrintable(QString("_takeTransitionToolButton_%1").arg(index)));
+      QVERIFY2(button->text().contains('\n'), qPrintable(button->text()));
+      QCOMPARE(button->toolTip(), button->text());
+    }
   }
 
   void filmThatEndsOnPreviewTakesItsSuccessor() {

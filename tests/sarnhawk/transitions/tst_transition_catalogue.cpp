@@ -21,11 +21,11 @@ class TransitionCatalogueTest : public QObject {
                     {"Glide", 20, 25, 44},      {"Stretch", 6, 46, 51}, {"Blur", 8, 53, 60},
                     {"Distortion", 11, 62, 72}, {"Color", 6, 74, 79}};
     for (int i = 0; i < 8; ++i) {
-      const QList<tagTransitionEffectItem>* list = catalogue.effectList(i);
+      const QList<GListWidgetItemInfo>* list = catalogue.effectList(i);
       QCOMPARE(TransitionCatalogue::catalogName(i), QString(expected[i].name));
       QCOMPARE(list->size(), expected[i].size);
-      QCOMPARE(list->first().effect, expected[i].first);
-      QCOMPARE(list->last().effect, expected[i].last);
+      QCOMPARE(list->first().id, expected[i].first);
+      QCOMPARE(list->last().id, expected[i].last);
     }
     QCOMPARE(catalogue.effectList(8)->size(), 75);
     QVERIFY(!catalogue.effectList(9));
@@ -42,8 +42,8 @@ class TransitionCatalogueTest : public QObject {
   void numbersAreDistinctAndSixStayUnused() {
     TransitionCatalogue catalogue;
     std::set<int> numbers;
-    for (const tagTransitionEffectItem& item : *catalogue.effectList(8))
-      QVERIFY2(numbers.insert(item.effect).second, qPrintable(item.label));
+    for (const GListWidgetItemInfo& item : *catalogue.effectList(8))
+      QVERIFY2(numbers.insert(item.id).second, qPrintable(item.name));
     for (const int unused : {21, 24, 45, 52, 61, 73}) {
       QVERIFY(numbers.count(unused) == 0);
       QVERIFY(!catalogue.find(unused));
@@ -54,24 +54,25 @@ class TransitionCatalogueTest : public QObject {
   void entriesHaveLabelAndThumbnail() {
     TransitionCatalogue catalogue;
     const QString folder = QCoreApplication::applicationDirPath() + "/res/switchKind/";
-    QCOMPARE(catalogue.find(22)->label, QString("Normal"));
+    QCOMPARE(catalogue.find(22)->name, QString("Normal"));
     QCOMPARE(catalogue.find(22)->thumbPath, folder + "fade_Normal.jpg");
-    QCOMPARE(catalogue.find(66)->label, QString("Disolve"));
-    QCOMPARE(catalogue.find(72)->label, QString("ApplyTextureMap"));
-    QCOMPARE(catalogue.find(79)->label, QString("ApplyTextureMap"));
+    QCOMPARE(catalogue.find(66)->name, QString("Disolve"));
+    QCOMPARE(catalogue.find(72)->name, QString("ApplyTextureMap"));
+    QCOMPARE(catalogue.find(79)->name, QString("ApplyTextureMap"));
     QCOMPARE(catalogue.find(77)->thumbPath, folder + "color_TransparentAlternatingPixelsMultiplied.jpg");
-    QCOMPARE(catalogue.find(65535)->label, QString("Random"));
+    QCOMPARE(catalogue.find(65535)->name, QString("Random"));
   }
 
   void easingCodesAreThePlacesInTheList() {
-    const QStringList labels = TransitionCatalogue::easingLabels();
-    QCOMPARE(labels.size(), 29);
-    QCOMPARE(labels[0], QString("Linear"));
-    QCOMPARE(labels[4], QString("OutInQuad"));
-    QCOMPARE(labels[17], QString("InSine"));
-    QCOMPARE(labels[28], QString("OutInCirc"));
-    QCOMPARE(TransitionCatalogue::easingThumbPath(28),
-             QCoreApplication::applicationDirPath() + "/res/easing/28.png");
+    const QList<GListWidgetItemInfo> curves = TransitionCatalogue::easingList();
+    QCOMPARE(curves.size(), 29);
+    for (int code = 0; code < 29; ++code)
+      QCOMPARE(curves[code].id, code);
+    QCOMPARE(curves[0].name, QString("Linear"));
+    QCOMPARE(curves[4].name, QString("OutInQuad"));
+    QCOMPARE(curves[17].name, QString("InSine"));
+    QCOMPARE(curves[28].name, QString("OutInCirc"));
+    QCOMPARE(curves[28].thumbPath, QCoreApplication::applicationDirPath() + "/res/easing/28.png");
   }
 
   void plainSlotSendsItsNumber() {

@@ -32,7 +32,7 @@ double structure(const QImage& image) {
   return meanDifference(image, average.scaled(image.size()));
 }
 
-QList<tagTransitionEffectItem> entries() {
+QList<GListWidgetItemInfo> entries() {
   TransitionCatalogue catalogue;
   return *catalogue.effectList(TransitionCatalogue::kAllCatalog);
 }
@@ -45,7 +45,7 @@ class ThumbnailsTest : public QObject {
  private slots:
   void everyEntryOfTheCatalogueHasAPicture_data() {
     QTest::addColumn<QString>("path");
-    for (const tagTransitionEffectItem& item : entries())
+    for (const GListWidgetItemInfo& item : entries())
       QTest::newRow(qPrintable(QFileInfo(item.thumbPath).fileName())) << item.thumbPath;
   }
 

@@ -12,6 +12,8 @@ namespace korvia::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+namespace {
+
 // Each kernel is a struct with its formula twice: for one sample, and for as many as a register holds.
 // Samples are computed with in 16 bits. The registers' one is written with what a machine without vectors has
 // too.
@@ -143,16 +145,16 @@ struct MixTurning {
   }
 };
 
-struct MixLit {
+struct MixTowards {
   const std::uint8_t* a;
   const std::uint8_t* b;
   const std::uint8_t* mask;
-  const std::uint8_t* light;
+  const std::uint8_t* target;
   const std::uint8_t* weight;
-  int one(int x) const { return weighed(weighed(a[x], b[x], mask[x]), light[x], weight[x]); }
+  int one(int x) const { return weighed(weighed(a[x], b[x], mask[x]), target[x], weight[x]); }
   Vec many(int x) const {
     const Vec mixed = weighed(load(a + x), load(b + x), load(mask + x));
-    return weighed(mixed, load(light + x), load(weight + x));
+    return weighed(mixed, load(target + x), load(weight + x));
   }
 };
 
@@ -222,6 +224,8 @@ struct MixOver {
   }
 };
 
+}  // namespace
+
 void thresholdRow(const std::uint8_t* luma, int gain, int threshold, std::uint8_t* HWY_RESTRICT out,
                   int count) {
   run(Threshold{luma, gain, threshold}, out, count);
@@ -243,8 +247,8 @@ void shadeRow(const std::uint8_t* relief, int depth, std::uint8_t* HWY_RESTRICT 
   run(Shade{relief, depth}, out, count);
 }
 
-void halveRow(const std::uint8_t* upper, const std::uint8_t* lower, std::uint8_t* HWY_RESTRICT out,
-              int width) {
+void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::uint8_t* HWY_RESTRICT out,
+                   int width) {
   const int pairs = width / 2;
   int x = 0;
 #if HWY_TARGET != HWY_SCALAR
@@ -271,10 +275,10 @@ void mixTurningRow(const TurningRow& a, const TurningRow& b, int black, int weig
   run(MixTurning{a, b, black, weight}, out, count);
 }
 
-void mixLitRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
-               const std::uint8_t* light, const std::uint8_t* weight, std::uint8_t* HWY_RESTRICT out,
-               int count) {
-  run(MixLit{a, b, mask, light, weight}, out, count);
+void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
+                   const std::uint8_t* target, const std::uint8_t* weight, std::uint8_t* HWY_RESTRICT out,
+                   int count) {
+  run(MixTowards{a, b, mask, target, weight}, out, count);
 }
 
 void multiplyLumaRow(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* HWY_RESTRICT out,
@@ -303,9 +307,9 @@ HWY_EXPORT(brighterRow);
 HWY_EXPORT(fadeKeyRow);
 HWY_EXPORT(edgeRow);
 HWY_EXPORT(shadeRow);
-HWY_EXPORT(halveRow);
+HWY_EXPORT(chromaMeanRow);
 HWY_EXPORT(mixTurningRow);
-HWY_EXPORT(mixLitRow);
+HWY_EXPORT(mixTowardsRow);
 HWY_EXPORT(multiplyLumaRow);
 HWY_EXPORT(multiplyChromaRow);
 HWY_EXPORT(mixOverRow);
@@ -330,8 +334,8 @@ void shadeRow(const std::uint8_t* relief, int depth, std::uint8_t* out, int coun
   HWY_DYNAMIC_DISPATCH(shadeRow)(relief, depth, out, count);
 }
 
-void halveRow(const std::uint8_t* upper, const std::uint8_t* lower, std::uint8_t* out, int width) {
-  HWY_DYNAMIC_DISPATCH(halveRow)(upper, lower, out, width);
+void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::uint8_t* out, int width) {
+  HWY_DYNAMIC_DISPATCH(chromaMeanRow)(upper, lower, out, width);
 }
 
 void mixTurningRow(const TurningRow& a, const TurningRow& b, int black, int weight, std::uint8_t* out,
@@ -339,9 +343,9 @@ void mixTurningRow(const TurningRow& a, const TurningRow& b, int black, int weig
   HWY_DYNAMIC_DISPATCH(mixTurningRow)(a, b, black, weight, out, count);
 }
 
-void mixLitRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
-               const std::uint8_t* light, const std::uint8_t* weight, std::uint8_t* out, int count) {
-  HWY_DYNAMIC_DISPATCH(mixLitRow)(a, b, mask, light, weight, out, count);
+void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
+                   const std::uint8_t* target, const std::uint8_t* weight, std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(mixTowardsRow)(a, b, mask, target, weight, out, count);
 }
 
 void multiplyLumaRow(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, int count) {

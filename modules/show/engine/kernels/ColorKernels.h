@@ -26,7 +26,7 @@ void shadeRow(const std::uint8_t* relief, int depth, std::uint8_t* out, int coun
 
 /// The mean of the samples that lie about each chroma sample, rounded: of two rows, or of one given twice, of
 /// `width` samples. Writes (width + 1) / 2; the last one of an odd width has its own column only.
-void halveRow(const std::uint8_t* upper, const std::uint8_t* lower, std::uint8_t* out, int width);
+void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::uint8_t* out, int width);
 
 /// A row on its way to its negative, white + black - sample, held in 0 to 255: `weight` tells how far.
 struct TurningRow {
@@ -39,9 +39,9 @@ struct TurningRow {
 void mixTurningRow(const TurningRow& a, const TurningRow& b, int black, int weight, std::uint8_t* out,
                    int count);
 
-/// Mixes by `mask` and what comes of it with `light` by `weight`.
-void mixLitRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
-               const std::uint8_t* light, const std::uint8_t* weight, std::uint8_t* out, int count);
+/// Mixes by `mask`, and what comes of it with `target` by `weight`.
+void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
+                   const std::uint8_t* target, const std::uint8_t* weight, std::uint8_t* out, int count);
 
 /// Product of two rows of luma: 16 stays black, and 235 leaves the other one as it is.
 void multiplyLumaRow(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, int count);

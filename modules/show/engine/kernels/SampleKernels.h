@@ -15,4 +15,32 @@ inline constexpr int kSampleOne = 1 << kSampleFractionBits;
 void sampleRow(const PlaneView& plane, const std::int32_t* x, const std::int32_t* y, std::uint8_t* out,
                int count);
 
+/// Displacements of the samples of one row. They are given at nodes `1 << cellBits` samples apart, from
+/// sample 0 on, in the node rows above and below, and are linear between the four nodes around a sample. All
+/// four arrays can be read for 16 nodes more than the row has.
+struct BentRow {
+  const std::int32_t* upperX = nullptr;
+  const std::int32_t* upperY = nullptr;
+  const std::int32_t* lowerX = nullptr;
+  const std::int32_t* lowerY = nullptr;
+  /// 2 or 3.
+  int cellBits = 3;
+  /// How many rows this one lies below the upper node row, less than a cell.
+  int down = 0;
+  /// The unit of the displacements is 1 / (1 << fractionBits) sample, from 1/256 on. No displacement exceeds
+  /// 2^24 units.
+  int fractionBits = kSampleFractionBits;
+};
+
+/// A row to fill from a plane.
+struct BentTarget {
+  PlaneView plane;
+  std::uint8_t* out = nullptr;
+};
+
+/// For each target, out[i] = its plane at (i, y) moved by the displacement of sample i, bilinear and rounded
+/// as in sampleRow. Points outside are mirrored at the edges, and those further out than one picture take the
+/// far edge. All planes have the same size and stride: places are computed once.
+void sampleBentRow(const BentTarget* targets, int targetCount, int y, const BentRow& bent, int count);
+
 }  // namespace korvia

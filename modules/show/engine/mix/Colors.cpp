@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "LinenTexture.h"
+#include "MixCourse.h"
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/ColorKernels.h"
 #include "engine/kernels/RowKernels.h"
@@ -20,10 +21,9 @@ constexpr int kNoChroma = 128;
 /// Places of the scratch.
 enum Place { MaskRows, FromRows, ToRows, WorkRow, LevelRow, WhiteFromRows, WhiteToRows };
 
-/// 0 before `begin`, 1 after `end`, without a corner between.
+/// 0 up to `begin`, 1 from `end` on, without a corner between.
 double ramp(double position, double begin, double end) {
-  const double t = std::clamp((position - begin) / (end - begin), 0.0, 1.0);
-  return t * t * (3 - 2 * t);
+  return smoothStep((position - begin) / (end - begin));
 }
 
 /// A share that hurries at first. Most pictures have little that is very bright, so that a threshold that
@@ -96,7 +96,7 @@ void forRowPairs(const Frame& frame, Luma luma, Chroma chroma) {
 /// Mixes by a mask that maskRow(y, mask) writes for each luma row; chroma takes the mean of its four. Each
 /// row of a plane is made by mixed(plane, y, mask), that of alpha before that of luma.
 template <typename MaskOf, typename Mixed>
-void mixByMask(TransitionScratch& scratch, const Frame& out, MaskOf maskOf, Mixed mixed) {
+void mixByLumaMask(TransitionScratch& scratch, const Frame& out, MaskOf maskOf, Mixed mixed) {
   const int width = out.width();
   std::uint8_t* rows = rowsIn(scratch, MaskRows, width, 3);
   std::uint8_t* const masks[] = {rows, rows + width};
@@ -110,7 +110,7 @@ void mixByMask(TransitionScratch& scratch, const Frame& out, MaskOf maskOf, Mixe
         mixed(Frame::Y, y, masks[place]);
       },
       [&](int y, int lower) {
-        halveRow(masks[0], masks[lower], chromaMask, width);
+        chromaMeanRow(masks[0], masks[lower], chromaMask, width);
         mixed(Frame::U, y, chromaMask);
         mixed(Frame::V, y, chromaMask);
       });
@@ -153,7 +153,7 @@ class TurningPicture {
     return {luma, white, masks_[place]};
   }
   /// After the luma rows of a pair and before its chroma rows; `lower` is the place of its second row.
-  void halveMask(int lower) const { halveRow(masks_[0], masks_[lower], chromaMask_, width_); }
+  void halveMask(int lower) const { chromaMeanRow(masks_[0], masks_[lower], chromaMask_, width_); }
   TurningRow chromaRow(int plane, int y, const std::uint8_t* noChroma) const {
     return {planeOf(frame_, plane).row(y), noChroma, chromaMask_};
   }
@@ -204,7 +204,7 @@ void MostBright::mix(const Frame& from, const Frame& to, const MixPoint& point, 
   const int fall = weightOf(ramp(point.position, 0.4, 1), 256);
   const PlaneView lumaFrom = planeOf(from, Frame::Y);
   const PlaneView lumaTo = planeOf(to, Frame::Y);
-  mixByMask(
+  mixByLumaMask(
       scratch, out,
       [&](int y, std::uint8_t* mask) {
         brighterRow(lumaFrom.row(y), lumaTo.row(y), mask, out.width());
@@ -221,7 +221,7 @@ void BrightExtract::mix(const Frame& from, const Frame& to, const MixPoint& poin
   const WhiteRows white(scratch, WhiteToRows, out.width());
   const std::uint8_t* noChroma = levelRow(scratch, LevelRow, kNoChroma, out.width());
   std::uint8_t* rim = rowsIn(scratch, WorkRow, out.width());
-  mixByMask(
+  mixByLumaMask(
       scratch, out,
       [&](int y, std::uint8_t* mask) { thresholdRow(luma.row(y), kGain, threshold, mask, out.width()); },
       [&](int plane, int y, const std::uint8_t* mask) {
@@ -232,7 +232,7 @@ void BrightExtract::mix(const Frame& from, const Frame& to, const MixPoint& poin
         }
         const std::uint8_t* light = plane == Frame::Y ? white.row(out, y) : noChroma;
         edgeRow(mask, rim, rows.count);
-        mixLitRow(rows.from, rows.to, mask, light, rim, rows.out, rows.count);
+        mixTowardsRow(rows.from, rows.to, mask, light, rim, rows.out, rows.count);
       });
 }
 
@@ -295,8 +295,8 @@ void PixelsMultiplied::mix(const Frame& from, const Frame& to, const MixPoint& p
         mixOverRow(rows.from, product, rows.to, way, rows.out, width);
       },
       [&](int y, int lower) {
-        halveRow(fullFrom.row(2 * y), fullFrom.row(2 * y + lower), lumaFrom, width);
-        halveRow(fullTo.row(2 * y), fullTo.row(2 * y + lower), lumaTo, width);
+        chromaMeanRow(fullFrom.row(2 * y), fullFrom.row(2 * y + lower), lumaFrom, width);
+        chromaMeanRow(fullTo.row(2 * y), fullTo.row(2 * y + lower), lumaTo, width);
         for (const int plane : {Frame::U, Frame::V}) {
           const Rows rows = rowsOf(from, to, out, plane, y);
           multiplyChromaRow(rows.from, rows.to, lumaFrom, lumaTo, product, rows.count);
@@ -333,7 +333,7 @@ void LinenFade::mix(const Frame& from, const Frame& to, const MixPoint& point, T
   const auto reliefRow = [&](int y) { return relief + static_cast<std::ptrdiff_t>(y) * width; };
   const std::uint8_t* black = levelRow(scratch, LevelRow, kBlackLuma, width);
   std::uint8_t* shade = rowsIn(scratch, WorkRow, width);
-  mixByMask(
+  mixByLumaMask(
       scratch, out,
       [&](int y, std::uint8_t* mask) { thresholdRow(reliefRow(y), kGain, threshold, mask, width); },
       [&](int plane, int y, const std::uint8_t* mask) {
@@ -343,7 +343,7 @@ void LinenFade::mix(const Frame& from, const Frame& to, const MixPoint& point, T
           return;
         }
         shadeRow(reliefRow(y), depth, shade, width);
-        mixLitRow(rows.from, rows.to, mask, black, shade, rows.out, width);
+        mixTowardsRow(rows.from, rows.to, mask, black, shade, rows.out, width);
       });
 }
 

@@ -90,13 +90,17 @@ class SoftwareShowTest : public QObject {
     QVERIFY(
         backend_->openSource(static_cast<KorviaShowObjectID>(channel), info, tagKorviaFormatInfo(), nullptr));
   }
-  /// The program picture's colour in the middle.
-  QColor program() {
+  QImage programImage() {
     const QString path = folder_.filePath(QString("program%1.png").arg(++pictures_));
     post(ShowEventSnapshot, PGMObject, path);
     QImage image;
     const bool written = QTest::qWaitFor([&] { return QFile::exists(path) && image.load(path); }, 10000);
-    return !written ? QColor() : image.pixelColor(image.width() / 2, image.height() / 2);
+    return written ? image : QImage();
+  }
+  /// The program picture's colour in the middle.
+  QColor program() {
+    const QImage image = programImage();
+    return image.isNull() ? QColor() : image.pixelColor(image.width() / 2, image.height() / 2);
   }
   void openShow(const tagKorviaShowWindowPackInfo& windows = {}) {
     tagKorviaShowEngineInfo info;
@@ -185,6 +189,23 @@ class SoftwareShowTest : public QObject {
     post(ShowEventTake, kCh2, 0, 1.0F, 0);
     step();
     QCOMPARE(host_->log, (QStringList{"end", "pgm=12"}));
+  }
+
+  void leverForthAndBackFindsTheSamePicture() {
+    constexpr int kRandomBars = 16;
+    post(ShowEventTake, kCh1, kRandomBars, 0.0F, 0);
+    step();
+    QVERIFY(isNear(program(), Qt::blue));
+    QVector<QImage> pictures;
+    for (const float position : {0.5F, 0.9F, 0.2F, 0.5F}) {
+      post(ShowEventSwitchPosition, PGMObject, position);
+      step();
+      pictures << programImage();
+    }
+    QVERIFY(!pictures[0].isNull());
+    QVERIFY(pictures[1] != pictures[0]);
+    QVERIFY(pictures[2] != pictures[0]);
+    QCOMPARE(pictures[3], pictures[0]);
   }
 
   void takingTheChannelOnAirOnlyParksTheLever() {

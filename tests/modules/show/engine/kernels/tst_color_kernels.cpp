@@ -86,12 +86,11 @@ class ColorKernelsTest : public QObject {
          {std::pair{1, 0}, {2, 470}, {2, -223}, {2, 200}, {4, 940}, {4, 300}, {8, 1880}, {8, -127}}) {
       const int g = gain;
       const int t = threshold;
-      QCOMPARE(firstDifference(
-                   [&](const Rows& in, std::uint8_t* out, int count) {
-                     thresholdRow(in[0], g, t, out, count);
-                   },
-                   [&](const Rows& in, int x) { return held(g * qBound(16, int(in[0][x]), 235) - t); }),
-               QString());
+      QCOMPARE(
+          firstDifference(
+              [&](const Rows& in, std::uint8_t* out, int count) { thresholdRow(in[0], g, t, out, count); },
+              [&](const Rows& in, int x) { return held(g * qBound(16, int(in[0][x]), 235) - t); }),
+          QString());
     }
   }
 
@@ -117,9 +116,8 @@ class ColorKernelsTest : public QObject {
   }
 
   void weightsOfEdgesAndShadesFollowTheirFormulas() {
-    QCOMPARE(firstDifference(
-                 [](const Rows& in, std::uint8_t* out, int count) { edgeRow(in[0], out, count); },
-                 [](const Rows& in, int x) { return in[0][x] * (255 - in[0][x]) / 256; }),
+    QCOMPARE(firstDifference([](const Rows& in, std::uint8_t* out, int count) { edgeRow(in[0], out, count); },
+                             [](const Rows& in, int x) { return in[0][x] * (255 - in[0][x]) / 256; }),
              QString());
     for (const int depth : {0, 1, 200, 256})
       QCOMPARE(firstDifference(
@@ -128,14 +126,14 @@ class ColorKernelsTest : public QObject {
                QString());
   }
 
-  void halvingTakesTheMeanOfFour() {
+  void chromaTakesTheMeanOfFour() {
     const Noise noise;
     for (int width = 1; width <= 2 * kLengthMax; ++width)
       for (int start = 0; start < 3; ++start) {
         const Rows in = noise.from(start);
         std::uint8_t out[128];
         memset(out, kUntouched, sizeof out);
-        halveRow(in[0], in[1], out + start, width);
+        chromaMeanRow(in[0], in[1], out + start, width);
         for (int x = 0; x < (width + 1) / 2; ++x) {
           const int right = qMin(2 * x + 1, width - 1);
           const int sum = in[0][2 * x] + in[0][right] + in[1][2 * x] + in[1][right];
@@ -160,14 +158,12 @@ class ColorKernelsTest : public QObject {
                  QString());
   }
 
-  void litMixFollowsItsFormula() {
-    QCOMPARE(firstDifference(
-                 [](const Rows& in, std::uint8_t* out, int count) {
-                   mixLitRow(in[0], in[1], in[2], in[3], in[4], out, count);
-                 },
-                 [](const Rows& in, int x) {
-                   return weighed(weighed(in[0][x], in[1][x], in[2][x]), in[3][x], in[4][x]);
-                 }),
+  void mixTowardsFollowsItsFormula() {
+    QCOMPARE(firstDifference([](const Rows& in, std::uint8_t* out,
+                                int count) { mixTowardsRow(in[0], in[1], in[2], in[3], in[4], out, count); },
+                             [](const Rows& in, int x) {
+                               return weighed(weighed(in[0][x], in[1][x], in[2][x]), in[3][x], in[4][x]);
+                             }),
              QString());
   }
 
@@ -189,12 +185,12 @@ class ColorKernelsTest : public QObject {
           QVERIFY(out[i] >= 16 && out[i] <= qMin(i, other));
       }
     }
-    QCOMPARE(firstDifference(
-                 [](const Rows& in, std::uint8_t* to, int count) { multiplyLumaRow(in[0], in[1], to, count); },
-                 [](const Rows& in, int x) {
-                   const int product = qMax(in[0][x] - 16, 0) * qMax(in[1][x] - 16, 0);
-                   return held(16 + (product + 109) * 299 / 65536);
-                 }),
+    QCOMPARE(firstDifference([](const Rows& in, std::uint8_t* to,
+                                int count) { multiplyLumaRow(in[0], in[1], to, count); },
+                             [](const Rows& in, int x) {
+                               const int product = qMax(in[0][x] - 16, 0) * qMax(in[1][x] - 16, 0);
+                               return held(16 + (product + 109) * 299 / 65536);
+                             }),
              QString());
   }
 
@@ -210,18 +206,17 @@ class ColorKernelsTest : public QObject {
     multiplyChromaRow(in[0], in[1], in[2], in[3], out, 128);
     for (int x = 0; x < 128; ++x)
       QVERIFY2(qAbs(out[x] - exactly(in, x)) <= 1.5, qPrintable(QString::number(x)));
-    QCOMPARE(firstDifference(
-                 [](const Rows& rows, std::uint8_t* to, int count) {
-                   multiplyChromaRow(rows[0], rows[1], rows[2], rows[3], to, count);
-                 },
-                 [](const Rows& rows, int x) {
-                   const auto tinted = [&](int chroma, int luma) {
-                     return std::floor((rows[chroma][x] - 128) * qMax(rows[luma][x] - 16, 0) / 4.0);
-                   };
-                   const double sum = tinted(0, 3) + tinted(1, 2) + 27;
-                   return qBound(16, 128 + static_cast<int>(std::floor(sum * 1197 / 65536)), 240);
-                 }),
-             QString());
+    QCOMPARE(
+        firstDifference([](const Rows& rows, std::uint8_t* to,
+                           int count) { multiplyChromaRow(rows[0], rows[1], rows[2], rows[3], to, count); },
+                        [](const Rows& rows, int x) {
+                          const auto tinted = [&](int chroma, int luma) {
+                            return std::floor((rows[chroma][x] - 128) * qMax(rows[luma][x] - 16, 0) / 4.0);
+                          };
+                          const double sum = tinted(0, 3) + tinted(1, 2) + 27;
+                          return qBound(16, 128 + static_cast<int>(std::floor(sum * 1197 / 65536)), 240);
+                        }),
+        QString());
     // White leaves the other picture's colour alone, black takes all of it.
     const std::uint8_t color[] = {16, 90, 128, 200, 240};
     const std::uint8_t none[] = {128, 128, 128, 128, 128};
@@ -237,15 +232,13 @@ class ColorKernelsTest : public QObject {
   }
 
   void mixingOverTheMiddleFollowsItsFormula() {
-    QCOMPARE(firstDifference(
-                 [](const Rows& in, std::uint8_t* out, int count) {
-                   mixOverRow(in[0], in[1], in[2], in[3], out, count);
-                 },
-                 [](const Rows& in, int x) {
-                   const int way = 2 * in[3][x];
-                   return way <= 255 ? weighed(in[0][x], in[1][x], way)
-                                     : weighed(in[1][x], in[2][x], way - 255);
-                 }),
+    QCOMPARE(firstDifference([](const Rows& in, std::uint8_t* out,
+                                int count) { mixOverRow(in[0], in[1], in[2], in[3], out, count); },
+                             [](const Rows& in, int x) {
+                               const int way = 2 * in[3][x];
+                               return way <= 255 ? weighed(in[0][x], in[1][x], way)
+                                                 : weighed(in[1][x], in[2][x], way - 255);
+                             }),
              QString());
   }
 };

@@ -77,8 +77,8 @@ class ColorsTest : public QObject {
     QCOMPARE(rowOf(middle, Frame::Y, 1), (Samples{188, 188, 188, 188}));
     QCOMPARE(rowOf(middle, Frame::U, 0), (Samples{156, 104}));
     QCOMPARE(rowOf(middle, Frame::V, 0), (Samples{94, 146}));
-    // On the way in the dark parts of the new picture are still away, on the way out the bright ones of the old
-    // are still there.
+    // On the way in the dark parts of the new picture are still away, on the way out the bright ones of the
+    // old are still there.
     QCOMPARE(rowOf(mixed(kMostBright, a, b, 0.1), Frame::Y, 0), (Samples{52, 52, 200, 200}));
     QCOMPARE(rowOf(mixed(kMostBright, a, b, 0.9), Frame::Y, 0), (Samples{200, 200, 52, 52}));
   }
@@ -90,11 +90,11 @@ class ColorsTest : public QObject {
     // Those between are on their way, lit by the rim.
     QCOMPARE(rowOf(middle, Frame::Y, 1), (Samples{100, 100, 126, 126, 16, 16}));
     QCOMPARE(rowOf(middle, Frame::U, 0), (Samples{160, 129, 100}));
-    const FrameRef first = mixed(kBrightExtract, columns({180, 180, 80, 80}, 2, 100, 150),
-                                 even({4, 2}, 100, 160, 90), 0.1);
+    const FrameRef first =
+        mixed(kBrightExtract, columns({180, 180, 80, 80}, 2, 100, 150), even({4, 2}, 100, 160, 90), 0.1);
     QCOMPARE(rowOf(first, Frame::Y, 0), (Samples{180, 180, 80, 80}));
-    const FrameRef last = mixed(kBrightExtract, columns({40, 40, 16, 16}, 2, 100, 150),
-                                even({4, 2}, 100, 160, 90), 0.95);
+    const FrameRef last =
+        mixed(kBrightExtract, columns({40, 40, 16, 16}, 2, 100, 150), even({4, 2}, 100, 160, 90), 0.95);
     QCOMPARE(rowOf(last, Frame::U, 0)[0], 160);
     QVERIFY(rowOf(last, Frame::U, 0)[1] < 160);
   }
@@ -173,15 +173,16 @@ class ColorsTest : public QObject {
   }
 
   void applyTextureMapShadesAndChangesByTheRelief() {
-    // The same picture on both sides shows the shade alone: row 0 lies at the edge of its threads, row 1 nearer
-    // to their middle.
+    // The same picture on both sides shows the shade alone: row 0 lies at the edge of its threads, row 1
+    // nearer to their middle.
     const FrameRef a = even({8, 8}, 200, 100, 128);
     const FrameRef shaded = mixed(kApplyTextureMap, a, a, 0.5);
     QCOMPARE(rowOf(shaded, Frame::Y, 0), (Samples{101, 142, 142, 101, 92, 105, 105, 92}));
     QCOMPARE(rowOf(shaded, Frame::Y, 1), (Samples{117, 176, 176, 117, 124, 150, 150, 124}));
     QCOMPARE(rowOf(shaded, Frame::U, 0), (Samples{100, 100, 100, 100}));
     // The high parts change first.
-    const FrameRef changed = mixed(kApplyTextureMap, even({8, 8}, 16, 100, 128), even({8, 8}, 235, 100, 128), 0.3);
+    const FrameRef changed =
+        mixed(kApplyTextureMap, even({8, 8}, 16, 100, 128), even({8, 8}, 235, 100, 128), 0.3);
     const Samples high = rowOf(changed, Frame::Y, 1);
     QVERIFY(high[1] > high[0] + 30);
     QCOMPARE(rowOf(changed, Frame::Y, 0)[0], 16);
@@ -204,7 +205,8 @@ class ColorsTest : public QObject {
       for (int plane = 0; plane < 3; ++plane)
         for (int y = 0; y < now->planeHeight(plane); ++y)
           for (const int sample : rowOf(now, plane, y))
-            QVERIFY2(sample >= 16 && sample <= (plane == Frame::Y ? 235 : 240), qPrintable(QString::number(i)));
+            QVERIFY2(sample >= 16 && sample <= (plane == Frame::Y ? 235 : 240),
+                     qPrintable(QString::number(i)));
     }
   }
 

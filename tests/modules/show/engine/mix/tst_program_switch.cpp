@@ -61,6 +61,8 @@ class ProgramSwitchTest : public QObject {
     QTest::newRow("negative duration") << 22 << -1.0;
     QTest::newRow("not a number") << 22 << std::nan("");
     QTest::newRow("less than half a frame") << 22 << 0.01;
+    for (const int effect : {-1, 21, 24, 45, 52, 61, 73, 80, 65535})
+      QTest::addRow("unused effect %d", effect) << effect << 1.0;
   }
   void cuts() {
     QFETCH(int, effect);
@@ -159,6 +161,59 @@ class ProgramSwitchTest : public QObject {
     sw.take({kA, kB, korvia::kEffectNone, 1.0, 0}, 25);
     sw.moveLever(0.5F, kB, kA);
     QVERIFY(sw.transition() == nullptr);
+  }
+
+  void leverOfAnUnusedEffectCutsAtItsEnd() {
+    ProgramSwitch sw;
+    sw.take({kA, kB, 21, 1.0, 0}, 25);
+    sw.takeOutcome();
+    sw.moveLever(0.9F, kB, kA);
+    QVERIFY(sw.transition() == nullptr);
+    QCOMPARE(sw.takeOutcome().taken, 0);
+    sw.moveLever(1.0F, kB, kA);
+    QCOMPARE(sw.takeOutcome().taken, kA);
+  }
+
+  void seedStaysForATakeAndChangesWithTheNext() {
+    ProgramSwitch sw;
+    sw.take(fade(kA, kB), 25);
+    const quint32 first = sw.point().seed;
+    sw.step(10);
+    QCOMPARE(sw.point().seed, first);
+    QCOMPARE(sw.point().position, 0.4);
+    sw.step(20);
+    sw.take(fade(kB, kA), 25);
+    QVERIFY(sw.point().seed != first);
+  }
+
+  void seedStaysWhileTheLeverMovesBothWays() {
+    ProgramSwitch sw;
+    sw.moveLever(0.2F, kA, kB);
+    const quint32 first = sw.point().seed;
+    for (const float position : {0.9F, 0.1F, 0.5F}) {
+      sw.moveLever(position, kA, kB);
+      QCOMPARE(sw.point().seed, first);
+    }
+    // Run on by itself and caught again it is the same take.
+    sw.take(fade(kA, kB), 25);
+    sw.step(3);
+    QCOMPARE(sw.point().seed, first);
+    sw.moveLever(0.3F, kA, kB);
+    QCOMPARE(sw.point().seed, first);
+    sw.moveLever(0.0F, kA, kB);
+    sw.moveLever(0.2F, kA, kB);
+    QVERIFY(sw.point().seed != first);
+  }
+
+  void everyShowDrawsTheSameSeeds() {
+    ProgramSwitch one;
+    ProgramSwitch other;
+    for (ProgramSwitch* sw : {&one, &other}) {
+      sw->take(fade(kA, kB), 25);
+      sw->finish();
+      sw->take(fade(kB, kA), 25);
+    }
+    QCOMPARE(one.point().seed, other.point().seed);
   }
 
   void leverOutsideItsRangeIsHeldInside() {

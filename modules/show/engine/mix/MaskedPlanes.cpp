@@ -1,0 +1,84 @@
+#include "MaskedPlanes.h"
+
+#include <hwy/cache_control.h>
+
+#include <algorithm>
+
+#include "engine/kernels/MaskKernels.h"
+#include "engine/kernels/RowKernels.h"
+#include "engine/kernels/StreamRow.h"
+
+namespace korvia {
+
+namespace {
+
+constexpr std::uint8_t kFrom = 0;
+constexpr std::uint8_t kTo = 255;
+constexpr int kCacheLine = 64;
+// Where pictures change along a row, the memory's own look-ahead begins anew at each run; so the rows that
+// come are asked for in time.
+constexpr int kRowsAhead = 4;
+
+void fetch(const std::uint8_t* row, int begin, int end) {
+  for (int x = begin; x < end; x += kCacheLine)
+    hwy::Prefetch(row + x);
+}
+
+}  // namespace
+
+MaskedPlanes::MaskedPlanes(const Frame& from, const Frame& to, bool chroma, TransitionScratch& scratch,
+                           Frame& out) {
+  const auto add = [&](int plane) {
+    planes_[static_cast<std::size_t>(planeCount_++)] = {planeOf(from, plane), planeOf(to, plane),
+                                                        writablePlaneOf(out, plane)};
+  };
+  add(chroma ? Frame::U : Frame::Y);
+  if (chroma)
+    add(Frame::V);
+  else if (out.hasAlpha())
+    add(Frame::A);
+  width_ = planes_[0].out.width;
+  const auto blocks = static_cast<std::size_t>(width_) / kMaskBlock + 1;
+  kinds_ = scratch.buffer<std::uint8_t>(kFirstBuffer, blocks);
+  runs_ = scratch.buffer<Run>(kFirstBuffer + 1, blocks);
+}
+
+void MaskedPlanes::findRuns() {
+  maskBlockKinds(mask_, width_, kinds_);
+  runCount_ = 0;
+  for (int begin = 0; begin < width_; begin += kMaskBlock) {
+    const std::uint8_t kind = kinds_[begin / kMaskBlock];
+    const int end = std::min(begin + kMaskBlock, width_);
+    if (runCount_ > 0 && runs_[runCount_ - 1].kind == kind)
+      runs_[runCount_ - 1].end = end;
+    else
+      runs_[runCount_++] = {begin, end, kind};
+  }
+}
+
+void MaskedPlanes::mixRow(int y, const std::uint8_t* mask) {
+  if (mask) {
+    mask_ = mask;
+    findRuns();
+  }
+  for (int i = 0; i < planeCount_; ++i) {
+    const Planes& planes = planes_[static_cast<std::size_t>(i)];
+    const std::uint8_t* from = planes.from.row(y);
+    const std::uint8_t* to = planes.to.row(y);
+    std::uint8_t* out = planes.out.row(y);
+    const int ahead = std::min(y + kRowsAhead, planes.out.height - 1);
+    for (const Run* run = runs_; run < runs_ + runCount_; ++run) {
+      const int count = run->end - run->begin;
+      if (run->kind != kTo)
+        fetch(planes.from.row(ahead), run->begin, run->end);
+      if (run->kind != kFrom)
+        fetch(planes.to.row(ahead), run->begin, run->end);
+      if (run->kind == kFrom || run->kind == kTo)
+        streamRow((run->kind == kFrom ? from : to) + run->begin, out + run->begin, count);
+      else
+        mixMaskedRow(from + run->begin, to + run->begin, mask_ + run->begin, out + run->begin, count);
+    }
+  }
+}
+
+}  // namespace korvia

@@ -1,0 +1,81 @@
+#include "Noise.h"
+
+#include <algorithm>
+
+namespace korvia {
+
+namespace {
+
+// An avalanche of multiplications and shifts: each bit of the input changes half of the output's.
+std::uint32_t scattered(std::uint32_t value) {
+  value = (value ^ value >> 16) * 0x7feb352dU;
+  value = (value ^ value >> 15) * 0x846ca68bU;
+  return value ^ value >> 16;
+}
+
+double mixed(double a, double b, double weight) {
+  return a + (b - a) * weight;
+}
+
+}  // namespace
+
+double chanceAt(std::uint32_t seed, int x, int y) {
+  const std::uint32_t column = scattered(seed + 0x9e3779b9U * static_cast<std::uint32_t>(x));
+  return scattered(column + 0x85ebca6bU * static_cast<std::uint32_t>(y)) / 4294967296.0;
+}
+
+double CloudNoise::at(double x, double y) {
+  constexpr double kWeaker = 0.55;
+  double sum = 0;
+  double all = 0;
+  double strength = 1;
+  std::uint32_t seed = seed_;
+  for (Square& square : squares_) {
+    const int column = static_cast<int>(x);
+    const int row = static_cast<int>(y);
+    if (column != square.column || row != square.row)
+      square = {column,
+                row,
+                {chanceAt(seed, column, row), chanceAt(seed, column + 1, row),
+                 chanceAt(seed, column, row + 1), chanceAt(seed, column + 1, row + 1)}};
+    const double right = softStep(x - column);
+    const double top = mixed(square.corners[0], square.corners[1], right);
+    const double bottom = mixed(square.corners[2], square.corners[3], right);
+    sum += strength * mixed(top, bottom, softStep(y - row));
+    all += strength;
+    strength *= kWeaker;
+    x *= 2;
+    y *= 2;
+    ++seed;
+  }
+  return sum / all;
+}
+
+ChanceRing::ChanceRing(std::uint32_t seed, int directions)
+    : values_(static_cast<std::size_t>(directions) + 1) {
+  for (int i = 0; i < directions; ++i)
+    values_[static_cast<std::size_t>(i)] = chanceAt(seed, i, directions);
+  values_.back() = values_.front();
+}
+
+ChanceRing::Place ChanceRing::placeOf(double turn) const {
+  const double place = turn * static_cast<double>(values_.size() - 1);
+  const std::size_t before = std::min(static_cast<std::size_t>(place), values_.size() - 2);
+  return {before, place - static_cast<double>(before)};
+}
+
+double ChanceRing::between(const Place& place, double weight) const {
+  return mixed(values_[place.before], values_[place.before + 1], weight);
+}
+
+double ChanceRing::straightAt(double turn) const {
+  const Place place = placeOf(turn);
+  return between(place, place.beyond);
+}
+
+double ChanceRing::softAt(double turn) const {
+  const Place place = placeOf(turn);
+  return between(place, softStep(place.beyond));
+}
+
+}  // namespace korvia

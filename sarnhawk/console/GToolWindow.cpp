@@ -1,0 +1,37 @@
+#include "console/GToolWindow.h"
+
+#include <QCloseEvent>
+
+namespace {
+
+constexpr auto kToolWindow = static_cast<Qt::WindowFlags>(0x44001);
+static_assert(0x44001 == (Qt::Window | Qt::WindowStaysOnTopHint | Qt::WindowMinimizeButtonHint));
+
+}  // namespace
+
+GToolWindow::GToolWindow(QWidget* parent) : QWidget(parent, kToolWindow) {
+  // Without it the style sheet draws no frame.
+  setAttribute(Qt::WA_StyledBackground);
+}
+
+void GToolWindow::present() {
+  if (isMinimized())
+    showNormal();
+  else
+    show();
+  raise();
+  activateWindow();
+}
+
+void GToolWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  hide();
+}
+
+// The way out where no window manager draws a close button.
+void GToolWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape)
+    hide();
+  else
+    QWidget::keyPressEvent(event);
+}
