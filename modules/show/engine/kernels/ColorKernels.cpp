@@ -40,8 +40,8 @@ inline Vec constant(int value) {
 }
 
 /// Held in 0 to 255 where the value is read as a signed one.
-inline void store(Vec values, std::uint8_t* out) {
-  hn::StoreU(hn::DemoteTo(kBytes, hn::BitCast(kSigned, values)), kBytes, out);
+inline hn::Vec<Bytes> bytesOf(Vec values) {
+  return hn::DemoteTo(kBytes, hn::BitCast(kSigned, values));
 }
 
 /// sum / 255, rounded; exact for products of two bytes.
@@ -66,7 +66,22 @@ void run(const Kernel& kernel, std::uint8_t* out, int count) {
   const int lanes = static_cast<int>(hn::Lanes(kSamples));
   int x = 0;
   for (; x + lanes <= count; x += lanes)
-    store(kernel.many(x), out + x);
+    hn::StoreU(bytesOf(kernel.many(x)), kBytes, out + x);
+  for (; x < count; ++x)
+    out[x] = byte(kernel.one(x));
+}
+
+/// The same for a row of a frame, which is written past the cache where it can be.
+template <typename Kernel>
+void runPastCache(const Kernel& kernel, std::uint8_t* out, int count) {
+  const int lanes = static_cast<int>(hn::Lanes(kSamples));
+  if (reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) != 0) {
+    run(kernel, out, count);
+    return;
+  }
+  int x = 0;
+  for (; x + lanes <= count; x += lanes)
+    hn::Stream(bytesOf(kernel.many(x)), kBytes, out + x);
   for (; x < count; ++x)
     out[x] = byte(kernel.one(x));
 }
@@ -261,7 +276,7 @@ void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::ui
   };
   for (; x + lanes <= pairs; x += lanes) {
     const Vec sum = hn::Add(hn::Add(pairSum(upper + 2 * x), pairSum(lower + 2 * x)), constant(2));
-    store(hn::ShiftRight<2>(sum), out + x);
+    hn::StoreU(bytesOf(hn::ShiftRight<2>(sum)), kBytes, out + x);
   }
 #endif
   for (; x < pairs; ++x)
@@ -272,13 +287,13 @@ void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::ui
 
 void mixTurningRow(const TurningRow& a, const TurningRow& b, int black, int weight,
                    std::uint8_t* HWY_RESTRICT out, int count) {
-  run(MixTurning{a, b, black, weight}, out, count);
+  runPastCache(MixTurning{a, b, black, weight}, out, count);
 }
 
 void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
                    const std::uint8_t* target, const std::uint8_t* weight, std::uint8_t* HWY_RESTRICT out,
                    int count) {
-  run(MixTowards{a, b, mask, target, weight}, out, count);
+  runPastCache(MixTowards{a, b, mask, target, weight}, out, count);
 }
 
 void multiplyLumaRow(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* HWY_RESTRICT out,
@@ -293,7 +308,7 @@ void multiplyChromaRow(const std::uint8_t* a, const std::uint8_t* b, const std::
 
 void mixOverRow(const std::uint8_t* a, const std::uint8_t* middle, const std::uint8_t* b,
                 const std::uint8_t* way, std::uint8_t* HWY_RESTRICT out, int count) {
-  run(MixOver{a, middle, b, way}, out, count);
+  runPastCache(MixOver{a, middle, b, way}, out, count);
 }
 
 }  // namespace korvia::HWY_NAMESPACE

@@ -1,6 +1,7 @@
 // Kernels of the transitions that work on the colours of a picture, over rows of samples. Pure functions, any
 // thread. No row may overlap another, unless said. Unless said otherwise a weight is 0 to 255 and weighs as
-// mixMaskedRow() does: 0 gives exactly the first sample, 255 exactly the second.
+// mixMaskedRow() does: 0 gives exactly the first sample, 255 exactly the second. The mixes write rows of
+// frames, past the cache where these begin on a vector's boundary.
 #pragma once
 #include <cstdint>
 

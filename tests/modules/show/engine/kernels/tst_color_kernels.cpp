@@ -44,8 +44,8 @@ int weighed(int a, int b, int weight) {
   return static_cast<int>(std::floor((a * (255 - weight) + b * weight) / 255.0 + 0.5));
 }
 
-int held(double value) {
-  return qBound(0, static_cast<int>(value), 255);
+int held(int value) {
+  return qBound(0, value, 255);
 }
 
 using Kernel = std::function<void(const Rows&, std::uint8_t* out, int count)>;
