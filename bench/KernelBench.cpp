@@ -125,7 +125,8 @@ constexpr EffectFamily kFamilies[] = {
     {"glide", 25, 44, 4, kFrameMs}, {"stretch", 46, 51, 4, kFrameMs}, {"blur", 53, 60, 25, 8},
     {"distortion", 62, 72, 25, 8},  {"color", 74, 79, 6, kFrameMs},
 };
-constexpr double kPositions[] = {0.1, 0.3, 0.5, 0.7, 0.9};
+// Between whole samples: on them, what moves is only copied.
+constexpr double kPositions[] = {0.1013, 0.3037, 0.5071, 0.7053, 0.9029};
 constexpr int kRoundsAtAPosition = 24;
 
 /// Each effect at several positions; what counts is its slowest.
