@@ -552,7 +552,7 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(window->findChild<QLabel*>("_mediaInfoLabel")->text(), QString("Movie - opener.mp4"));
     desk.strip(0x100)->onClicked_configPushButton();
     QCOMPARE(window->windowTitle(), QString("Stage Config - 0"));
-    QVERIFY(!window->close());
+    QVERIFY(window->close());
     QVERIFY(!window->isVisible());
     window->show();
     QTest::keyClick(window, Qt::Key_Escape);
