@@ -570,6 +570,18 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(window->pos(), QPoint(3, 4));
   }
 
+  void minimisedConfigWindowComesBack() {
+    OpenDesk desk;
+    desk.strip(0x11)->onClicked_configPushButton();
+    auto* window = desk.console->findChild<GWidgetDisplayObjectConfig*>();
+    for (const int id : {0x11, 0x12}) {
+      window->showMinimized();
+      desk.strip(id)->onClicked_configPushButton();
+      QVERIFY(window->isVisible());
+      QVERIFY(!window->isMinimized());
+    }
+  }
+
   void visibleConfigWindowFollowsThePreview() {
     OpenDesk desk;
     desk.strip(0x11)->onClicked_configPushButton();
