@@ -57,6 +57,21 @@ class ThumbnailsTest : public QObject {
     QVERIFY(QFileInfo(path).size() < 20'000);
   }
 
+  void noTwoEntriesLookAlike() {
+    const QList<GListWidgetItemInfo> items = entries();
+    QList<QImage> pictures;
+    for (const GListWidgetItemInfo& item : items) {
+      pictures.append(QImage(item.thumbPath));
+      QCOMPARE(pictures.last().size(), QSize(100, 84));
+    }
+    QStringList alike;
+    for (int i = 0; i < items.size(); ++i)
+      for (int j = i + 1; j < items.size(); ++j)
+        if (meanDifference(pictures[i], pictures[j]) < 2)
+          alike.append(QString("%1 and %2").arg(items[i].id).arg(items[j].id));
+    QVERIFY2(alike.isEmpty(), qPrintable(alike.join(", ")));
+  }
+
   void noOtherPictureLiesBesideThem() {
     const QString res = QCoreApplication::applicationDirPath() + "/res/";
     QCOMPARE(QDir(res + "switchKind").entryList(QDir::Files).size(), 75);

@@ -55,7 +55,7 @@ void BandedSwirl::bend(const MixPoint& /*point*/, double swell, TransitionScratc
   constexpr double kBands = 5;
   constexpr double kAngle = 1.2;
   // The larger, the softer the passage from one band to the next.
-  constexpr double kSoftness = 0.1;
+  constexpr double kSoftness = 0.2;
   const double reach = grid.nodes().reach();
   grid.fillAround([&](double distance) -> RadialFactors {
     const double band = std::sin(kPi * kBands * distance / reach);
@@ -66,8 +66,8 @@ void BandedSwirl::bend(const MixPoint& /*point*/, double swell, TransitionScratc
 
 void Ripple::bend(const MixPoint& point, double swell, TransitionScratch& /*scratch*/,
                   DisplacementGrid& grid) const {
-  constexpr double kLength = 0.11;
-  constexpr double kHeight = 0.018;
+  constexpr double kLength = 0.17;
+  constexpr double kHeight = 0.027;
   constexpr double kWaves = 3;
   const double length = kLength * grid.nodes().reach();
   const double height = kHeight * grid.nodes().reach() * swell;
@@ -158,8 +158,8 @@ void RadialWiggle::fillField(const NodeGrid& nodes, std::uint32_t seed, Displace
 }
 
 void WovenGlass::fillField(const NodeGrid& nodes, std::uint32_t /*seed*/, Displacement* field) const {
-  constexpr double kStrand = 0.07;
-  constexpr double kDepth = 0.018;
+  constexpr double kStrand = 0.1;
+  constexpr double kDepth = 0.03;
   const double strand = kStrand * nodes.reach();
   const double depth = kDepth * nodes.reach();
   nodes.forEach([&](int column, int row, std::size_t node) {
@@ -212,8 +212,11 @@ void CloudReveal::fillArrivals(const NodeGrid& nodes, std::uint32_t seed, float*
 GrainDissolve::GrainDissolve() : TimedReveal(2, 0.3) {}
 
 void GrainDissolve::fillArrivals(const NodeGrid& nodes, std::uint32_t seed, float* arrivals) const {
-  nodes.forEach(
-      [&](int x, int y, std::size_t node) { arrivals[node] = static_cast<float>(chanceAt(seed, x, y)); });
+  nodes.forEach([&](int x, int y, std::size_t node) {
+    // More of the first and the last than of those between, which are there between the nodes anyhow.
+    const double chance = 2 * chanceAt(seed, x, y) - 1;
+    arrivals[node] = static_cast<float>((1 + std::copysign(std::sqrt(std::abs(chance)), chance)) / 2);
+  });
 }
 
 RandomCircleReveal::RandomCircleReveal() : TimedReveal(3, 0.05) {}

@@ -8,7 +8,8 @@ namespace korvia {
 LevelGrid::LevelGrid(FrameSize size, int cellBits, TransitionScratch& scratch)
     : nodes_{size, cellBits},
       levels_(scratch.buffer<std::int16_t>(2, nodes_.count())),
-      mask_(scratch.buffer<std::uint8_t>(3, static_cast<std::size_t>(nodes_.columns() * nodes_.cell()))),
+      mask_(scratch.buffer<std::uint8_t>(
+          3, static_cast<std::size_t>(nodes_.columns()) * static_cast<std::size_t>(nodes_.cell()))),
       chromaMask_(scratch.buffer<std::uint8_t>(4, static_cast<std::size_t>(size.chromaWidth()))) {}
 
 void LevelGrid::mix(const Frame& from, const Frame& to, Frame& out) const {

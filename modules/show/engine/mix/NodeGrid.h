@@ -10,7 +10,7 @@ namespace korvia {
 
 struct NodeGrid {
   /// What vectors may read past the last node of a row.
-  static constexpr int kSpare = 16;
+  static constexpr std::size_t kSpare = 16;
 
   FrameSize size;
   /// Nodes lie `1 << cellBits` samples of luma apart.
@@ -20,7 +20,7 @@ struct NodeGrid {
   int columns() const { return ((size.width - 1) >> cellBits) + 2; }
   int rows() const { return ((size.height - 1) >> cellBits) + 2; }
   /// Values from one row of nodes to the next.
-  std::size_t stride() const { return static_cast<std::size_t>(columns() + kSpare); }
+  std::size_t stride() const { return static_cast<std::size_t>(columns()) + kSpare; }
   std::size_t count() const { return stride() * static_cast<std::size_t>(rows()); }
 
   double centerX() const { return (size.width - 1) / 2.0; }

@@ -2,16 +2,11 @@
 
 #include <algorithm>
 
+#include "engine/mix/Chance.h"
+
 namespace korvia {
 
 namespace {
-
-// An avalanche of multiplications and shifts: each bit of the input changes half of the output's.
-std::uint32_t scattered(std::uint32_t value) {
-  value = (value ^ value >> 16) * 0x7feb352dU;
-  value = (value ^ value >> 15) * 0x846ca68bU;
-  return value ^ value >> 16;
-}
 
 double mixed(double a, double b, double weight) {
   return a + (b - a) * weight;
@@ -20,8 +15,7 @@ double mixed(double a, double b, double weight) {
 }  // namespace
 
 double chanceAt(std::uint32_t seed, int x, int y) {
-  const std::uint32_t column = scattered(seed + 0x9e3779b9U * static_cast<std::uint32_t>(x));
-  return scattered(column + 0x85ebca6bU * static_cast<std::uint32_t>(y)) / 4294967296.0;
+  return chance(scattered(seed) + static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y));
 }
 
 double CloudNoise::at(double x, double y) {

@@ -6,6 +6,7 @@
 #include "BandWipe.h"
 #include "Blurs.h"
 #include "CellWipes.h"
+#include "Colors.h"
 #include "CrossFade.h"
 #include "Distortions.h"
 #include "DropFade.h"
@@ -112,8 +113,12 @@ void addDistortions(Catalog& catalog) {
 }
 
 void addColors(Catalog& catalog) {
-  for (std::size_t i = 74; i <= 79; ++i)
-    catalog[i] = make<CrossFade>();
+  catalog[74] = make<MostBright>();
+  catalog[75] = make<BrightExtract>();
+  catalog[76] = make<InvertColor>();
+  catalog[77] = make<PixelsMultiplied>();
+  catalog[78] = make<Scanlines>();
+  catalog[79] = make<LinenFade>();
 }
 
 Catalog made() {

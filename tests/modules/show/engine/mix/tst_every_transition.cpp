@@ -115,6 +115,25 @@ class EveryTransitionTest : public QObject {
     }
   }
 
+  void noTwoAreTheSame() {
+    const FrameRef a = scenery({96, 54}, 0);
+    const FrameRef b = scenery({96, 54}, 1);
+    std::array<std::array<FrameRef, 3>, kEffectCount> pictures;
+    for (int effect = 0; effect < kEffectCount; ++effect)
+      for (std::size_t i = 0; transitionFor(effect) && i < 3; ++i)
+        pictures[static_cast<std::size_t>(effect)][i] =
+            mixed(effect, a, b, 0.25 * static_cast<double>(i + 1));
+    for (std::size_t one = 0; one < kEffectCount; ++one)
+      for (std::size_t two = one + 1; two < kEffectCount; ++two) {
+        if (!pictures[one][0] || !pictures[two][0])
+          continue;
+        double sum = 0;
+        for (std::size_t i = 0; i < 3; ++i)
+          sum += difference(*pictures[one][i], *pictures[two][i]).mean;
+        QVERIFY2(sum > 2, qPrintable(QString("%1 and %2: %3").arg(one).arg(two).arg(sum)));
+      }
+  }
+
   void theSamePointIsTheSamePicture_data() { everyEffect(); }
   void theSamePointIsTheSamePicture() {
     QFETCH(int, effect);

@@ -61,7 +61,7 @@ class ProgramSwitchTest : public QObject {
     QTest::newRow("negative duration") << 22 << -1.0;
     QTest::newRow("not a number") << 22 << std::nan("");
     QTest::newRow("less than half a frame") << 22 << 0.01;
-    for (const int effect : {-1, 21, 24, 45, 52, 61, 73, 80, 65535})
+    for (const int effect : {-1, 21, 24, 45, 52, 61, 73, 80, 99, 65535})
       QTest::addRow("unused effect %d", effect) << effect << 1.0;
   }
   void cuts() {
