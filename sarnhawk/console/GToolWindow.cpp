@@ -1,6 +1,6 @@
 #include "console/GToolWindow.h"
 
-#include <QCloseEvent>
+#include <QKeyEvent>
 
 namespace {
 
@@ -21,11 +21,6 @@ void GToolWindow::present() {
     show();
   raise();
   activateWindow();
-}
-
-void GToolWindow::closeEvent(QCloseEvent* event) {
-  event->ignore();
-  hide();
 }
 
 // The way out where no window manager draws a close button.

@@ -13,7 +13,5 @@ class GToolWindow : public QWidget {
   void present();
 
  protected:
-  /// Closing only hides.
-  void closeEvent(QCloseEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 };

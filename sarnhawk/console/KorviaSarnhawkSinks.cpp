@@ -52,10 +52,9 @@ void KorviaSarnhawk::showTransitionConfig(int transitionIndex) {
 void KorviaSarnhawk::showChannelConfig(QWidget* button, int channelId) {
   if (!_channelConfig)
     return;
-  if (_channelConfig->objectId() == channelId)
-    _channelConfig->show();
-  else
+  if (_channelConfig->objectId() != channelId)
     popupAt(_channelConfig, button, kPopupUnder, kPopupCentred);
+  _channelConfig->present();
   _channelConfig->showChannel(channelId);
 }
 

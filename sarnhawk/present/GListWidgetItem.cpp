@@ -30,7 +30,7 @@ QPixmap readThumbnail(const QString& path) {
   if (qint64{size.width()} * qint64{size.height()} > kPixelsMax)
     return QPixmap();
   if (size.width() > kThumbSizeMax.width() || size.height() > kThumbSizeMax.height())
-    reader.setScaledSize(size.scaled(kThumbSizeMax, Qt::KeepAspectRatio));
+    reader.setScaledSize(size.scaled(kThumbSizeMax, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
   return QPixmap::fromImageReader(&reader);
 }
 

@@ -74,12 +74,17 @@ void addEasings(Thumbnails& all) {
 /// Each adds the pictures of one picker.
 constexpr void (*kPickers[])(Thumbnails&) = {addEffects, addEasings};
 
+/// To PNG, which loses nothing, quality means how little to compress: its default serves.
+int qualityFor(const QString& path) {
+  return path.endsWith(QLatin1String(".jpg")) ? kJpegQuality : -1;
+}
+
 bool write(const QImage& image, const QString& path) {
   if (image.isNull()) {
     qCWarning(lcThumbnails, "failed to draw : %s", qPrintable(path));
     return false;
   }
-  if (!QFileInfo(path).dir().mkpath(QStringLiteral(".")) || !image.save(path, nullptr, kJpegQuality)) {
+  if (!QFileInfo(path).dir().mkpath(QStringLiteral(".")) || !image.save(path, nullptr, qualityFor(path))) {
     qCWarning(lcThumbnails, "failed to write : %s", qPrintable(path));
     return false;
   }

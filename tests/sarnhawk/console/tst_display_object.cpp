@@ -552,7 +552,7 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(window->findChild<QLabel*>("_mediaInfoLabel")->text(), QString("Movie - opener.mp4"));
     desk.strip(0x100)->onClicked_configPushButton();
     QCOMPARE(window->windowTitle(), QString("Stage Config - 0"));
-    QVERIFY(!window->close());
+    QVERIFY(window->close());
     QVERIFY(!window->isVisible());
     window->show();
     QTest::keyClick(window, Qt::Key_Escape);
@@ -568,6 +568,18 @@ class DisplayObjectTest : public QObject {
     desk.strip(0x11)->onClicked_configPushButton();
     QVERIFY(window->isVisible());
     QCOMPARE(window->pos(), QPoint(3, 4));
+  }
+
+  void minimisedConfigWindowComesBack() {
+    OpenDesk desk;
+    desk.strip(0x11)->onClicked_configPushButton();
+    auto* window = desk.console->findChild<GWidgetDisplayObjectConfig*>();
+    for (const int id : {0x11, 0x12}) {
+      window->showMinimized();
+      desk.strip(id)->onClicked_configPushButton();
+      QVERIFY(window->isVisible());
+      QVERIFY(!window->isMinimized());
+    }
   }
 
   void visibleConfigWindowFollowsThePreview() {

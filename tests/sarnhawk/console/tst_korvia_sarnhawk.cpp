@@ -19,6 +19,7 @@
 #include "console/StripLayout.h"
 #include "shell/GAppCaptionBar.h"
 #include "tagKorviaShowEngineInfo.h"
+#include "transitions/GWidgetTransitionEffectConfig.h"
 
 namespace {
 
@@ -534,6 +535,23 @@ class KorviaSarnhawkTest : public QObject {
              (QStringList{"web close", "web release", "income close", "income release"}));
     // The frame timer stays, stopped, until its parent goes.
     QCOMPARE(timerIntervals(desk), QList<int>{30});
+  }
+
+  void closeDestroysTheWindowsInTheirOrder() {
+    ConsoleDesk desk;
+    QVERIFY(desk.start());
+    const QString channelWindow = "channel window";
+    const QString editor = "transition editor";
+    const QString strip = "strip";
+    QStringList gone;
+    const auto watch = [&gone](const QObject* window, const QString& name) {
+      connect(window, &QObject::destroyed, [&gone, name] { gone.append(name); });
+    };
+    watch(desk.console->findChild<GWidgetDisplayObjectConfig*>(), channelWindow);
+    watch(desk.console->findChild<GWidgetTransitionEffectConfig*>(), editor);
+    watch(desk.strip(0x10), strip);
+    static_cast<IKorviaSarnhawk*>(desk.console)->close();
+    QCOMPARE(gone, (QStringList{channelWindow, editor, strip}));
   }
 
   void closeTwiceDoesNothingHarmful() {

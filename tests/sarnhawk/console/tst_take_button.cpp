@@ -1,8 +1,9 @@
-// How large a take button shows the picture of its transition.
+// How large a take button shows the picture and the name of its transition.
 #include <QtTest>
 
 #include "ConsoleLook.h"
 #include "console/TakeButton.h"
+#include "transitions/TransitionCatalogue.h"
 
 class TakeButtonTest : public QObject {
   Q_OBJECT
@@ -24,6 +25,19 @@ class TakeButtonTest : public QObject {
       QVERIFY(picture.height() > last || height == 60);
       QCOMPARE(picture.width(), picture.height() * 100 / 84);
       last = picture.height();
+    }
+  }
+
+  void namesOfTheEffectsAreReadInFull() {
+    constexpr int kTextRoom = 108;
+    const QStringList tooLong{"GrowablePoissonDisk", "RandomCircleReveal"};
+    TakeButton button;
+    button.setObjectName("_takeTransitionToolButton_0");
+    button.ensurePolished();
+    TransitionCatalogue catalogue;
+    for (const GListWidgetItemInfo& item : *catalogue.effectList(TransitionCatalogue::kAllCatalog)) {
+      const QString shown = button.fontMetrics().elidedText(item.name, Qt::ElideMiddle, kTextRoom);
+      QVERIFY2(shown == item.name || tooLong.contains(item.name), qPrintable(shown));
     }
   }
 

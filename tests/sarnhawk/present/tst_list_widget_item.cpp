@@ -1,4 +1,5 @@
 // A thumbnail tile: what it shows, how it is marked, whom it tells of clicks.
+#include <QImageReader>
 #include <QLabel>
 #include <QListWidget>
 #include <QTemporaryDir>
@@ -39,6 +40,10 @@ class ListWidgetItemTest : public QObject {
     picture.fill(Qt::yellow);
     QVERIFY(picture.save(in("yellow.png")));
     QVERIFY(picture.scaled(2000, 1000).save(in("large.png")));
+    QVERIFY(picture.scaled(2000, 1).save(in("thin.png")));
+    QImage huge(8200, 8200, QImage::Format_Mono);
+    huge.fill(0);
+    QVERIFY(huge.save(in("huge.png")));
     QFile broken(in("broken.png"));
     QVERIFY(broken.open(QIODevice::WriteOnly));
     broken.write("no picture at all");
@@ -104,6 +109,13 @@ class ListWidgetItemTest : public QObject {
   void largePictureIsReadAsSmallAsATileNeedsIt() {
     const Tile tile("Left", in("large.png"));
     QCOMPARE(tile.thumb()->pixmap(Qt::ReturnByValue).size(), QSize(512, 256));
+    const Tile thin("Left", in("thin.png"));
+    QCOMPARE(thin.thumb()->pixmap(Qt::ReturnByValue).size(), QSize(512, 1));
+  }
+
+  void pictureBeyondSixtyFourMegapixelsIsNotRead() {
+    QCOMPARE(QImageReader(in("huge.png")).size(), QSize(8200, 8200));
+    QVERIFY(!Tile("Left", in("huge.png")).hasThumbnail());
   }
 
   void selectionIsAStyleSheet() {

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
+#include <QPointer>
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QToolButton>
@@ -371,14 +372,19 @@ class TransitionEffectConfigTest : public QObject {
   }
 
   void closeAndEscapeHideTheEditor() {
-    Editor editor;
-    editor.widget.present();
-    QVERIFY(editor.widget.isVisible());
-    editor.widget.close();
-    QVERIFY(editor.widget.isHidden());
-    editor.widget.present();
-    QTest::keyClick(editor.duration(), Qt::Key_Escape);
-    QVERIFY(editor.widget.isHidden());
+    OpenDesk desk;
+    desk.console->showTransitionConfig(0);
+    const QPointer<GWidgetTransitionEffectConfig> editor = desk.editor();
+    QVERIFY(editor->isVisible());
+    // A window that refused would hold up the end of the desktop's session.
+    QVERIFY(editor->close());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(editor);
+    QVERIFY(editor->isHidden());
+    desk.console->showTransitionConfig(0);
+    QVERIFY(editor->isVisible());
+    QTest::keyClick(editor->findChild<QDoubleSpinBox*>("_durationDoubleSpinBox"), Qt::Key_Escape);
+    QVERIFY(editor->isHidden());
   }
 
   void minimisedEditorComesBack() {

@@ -66,8 +66,8 @@ void BandedSwirl::bend(const MixPoint& /*point*/, double swell, TransitionScratc
 
 void Ripple::bend(const MixPoint& point, double swell, TransitionScratch& /*scratch*/,
                   DisplacementGrid& grid) const {
-  constexpr double kLength = 0.11;
-  constexpr double kHeight = 0.018;
+  constexpr double kLength = 0.17;
+  constexpr double kHeight = 0.027;
   constexpr double kWaves = 3;
   const double length = kLength * grid.nodes().reach();
   const double height = kHeight * grid.nodes().reach() * swell;
@@ -158,8 +158,8 @@ void RadialWiggle::fillField(const NodeGrid& nodes, std::uint32_t seed, Displace
 }
 
 void WovenGlass::fillField(const NodeGrid& nodes, std::uint32_t /*seed*/, Displacement* field) const {
-  constexpr double kStrand = 0.07;
-  constexpr double kDepth = 0.018;
+  constexpr double kStrand = 0.1;
+  constexpr double kDepth = 0.03;
   const double strand = kStrand * nodes.reach();
   const double depth = kDepth * nodes.reach();
   nodes.forEach([&](int column, int row, std::size_t node) {

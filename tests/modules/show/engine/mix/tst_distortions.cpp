@@ -115,8 +115,8 @@ Place swirl(double position, double x, double y) {
 
 Place ripple(double position, double x, double y) {
   const double radius = std::hypot(x - kCenterX, y - kCenterY);
-  const double length = 0.11 * kReach;
-  const double wave = 4 * position * (1 - position) * 0.018 * kReach *
+  const double length = 0.17 * kReach;
+  const double wave = 4 * position * (1 - position) * 0.027 * kReach *
                       std::sin(2 * kPi * (radius / length - 3 * position)) * qMin(radius / (length / 2), 1.0);
   const double angle = std::atan2(y - kCenterY, x - kCenterX);
   return {wave * std::cos(angle), wave * std::sin(angle)};
@@ -127,8 +127,8 @@ Place wave(double position, double /*x*/, double y) {
 }
 
 Place weave(double position, double x, double y) {
-  const double strand = 0.07 * kReach;
-  const double depth = 4 * position * (1 - position) * 0.018 * kReach;
+  const double strand = 0.1 * kReach;
+  const double depth = 4 * position * (1 - position) * 0.03 * kReach;
   const bool down = (static_cast<int>(x / strand) + static_cast<int>(y / strand)) % 2 == 0;
   const double along = down ? x : y;
   const double end = down ? y : x;
