@@ -1,6 +1,7 @@
 // Pictures to mix: noise, and two that look like pictures, with or without alpha, in frames with or without a
 // single sample to spare.
 #pragma once
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <utility>

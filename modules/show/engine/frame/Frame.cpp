@@ -1,5 +1,7 @@
 #include "Frame.h"
 
+#include <hwy/cache_control.h>
+
 #include <cstdlib>
 #include <cstring>
 
@@ -70,6 +72,13 @@ void FrameRef::reset() {
   Frame* frame = std::exchange(frame_, nullptr);
   if (frame && frame->references_.fetch_sub(1, std::memory_order_acq_rel) == 1)
     frame->drop();
+}
+
+FrameRef MutableFrame::publish() && {
+  // Kernels write past the cache, and no atomic orders such writes before what tells other threads of the
+  // frame.
+  hwy::FlushStream();
+  return FrameRef::adopt(std::exchange(frame_, nullptr));
 }
 
 }  // namespace korvia

@@ -122,13 +122,13 @@ class MutableFrame {
   }
   ~MutableFrame() {
     if (frame_)
-      FrameRef::adopt(std::exchange(frame_, nullptr));
+      std::move(*this).publish();
   }
 
   Frame* operator->() { return frame_; }
   Frame& operator*() { return *frame_; }
   /// Ends writing; the frame is immutable from here on.
-  FrameRef publish() && { return FrameRef::adopt(std::exchange(frame_, nullptr)); }
+  FrameRef publish() &&;
 
  private:
   Frame* frame_ = nullptr;

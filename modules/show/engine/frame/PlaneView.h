@@ -36,6 +36,11 @@ inline int planeCount(const Frame& frame) {
   return frame.hasAlpha() ? 4 : 3;
 }
 
+/// Luma samples from one sample of the plane to the next, across and down.
+inline int stepOf(int plane) {
+  return plane == Frame::U || plane == Frame::V ? 2 : 1;
+}
+
 /// Code value of no colour: luma 16, chroma 128, alpha transparent.
 inline int blackOf(int plane) {
   constexpr int kBlack[] = {16, 128, 128, 0};

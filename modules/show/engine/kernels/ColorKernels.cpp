@@ -74,8 +74,10 @@ void run(const Kernel& kernel, std::uint8_t* out, int count) {
 /// The same for a row of a frame, which is written past the cache where it can be.
 template <typename Kernel>
 void runPastCache(const Kernel& kernel, std::uint8_t* out, int count) {
+  // Half a register, which is what the samples of a narrow one fill, cannot be written so.
+  constexpr int kLeast = 16;
   const int lanes = static_cast<int>(hn::Lanes(kSamples));
-  if (reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) != 0) {
+  if (lanes < kLeast || reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) != 0) {
     run(kernel, out, count);
     return;
   }

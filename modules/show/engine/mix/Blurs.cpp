@@ -171,19 +171,20 @@ void DirectionalBlur::mix(const Frame& from, const Frame& to, const MixPoint& po
   constexpr double kLargestRadius = 0.06;
   const double radius = kLargestRadius * from.width() * smoothStep(depthAt(point.position));
   const int weight = hiddenFadeWeight(point.position);
+  const auto borderMost = static_cast<std::size_t>(kLargestRadius * from.width()) + 2;
+  const std::size_t bordered = static_cast<std::size_t>(from.width()) + 2 * borderMost;
+  auto* sums = scratch.buffer<std::uint32_t>(kSumBuffer, bordered + 1);
+  constexpr int kAlignment = 64;
+  auto* borderedRow = scratch.buffer<std::uint8_t>(kRowBuffer, bordered + 2 * kAlignment);
   for (int plane = 0; plane < planeCount(out); ++plane) {
     const PlaneView a = planeOf(from, plane);
     const PlaneView b = planeOf(to, plane);
     const WritablePlane target = writablePlaneOf(out, plane);
     const int radius256 = static_cast<int>(std::lround(256 * radius / stepOf(plane)));
     const int border = radius256 / 256 + 1;
-    const std::size_t bordered =
-        static_cast<std::size_t>(target.width) + 2 * static_cast<std::size_t>(border);
-    auto* sums = scratch.buffer<std::uint32_t>(kSumBuffer, bordered + 1);
-    constexpr int kAlignment = 64;
     // One off the vectors' boundary, so that the row is not written past the cache: it is read at once.
     const int begin = (border / kAlignment + 1) * kAlignment + 1;
-    std::uint8_t* row = scratch.buffer<std::uint8_t>(kRowBuffer, bordered + 2 * kAlignment) + begin;
+    std::uint8_t* row = borderedRow + begin;
     for (int y = 0; y < target.height; ++y) {
       mixRow(a.row(y), b.row(y), weight, row, target.width);
       std::fill_n(row - border, border, row[0]);
@@ -195,10 +196,8 @@ void DirectionalBlur::mix(const Frame& from, const Frame& to, const MixPoint& po
 
 void GrowablePoissonDisk::mix(const Frame& from, const Frame& to, const MixPoint& point,
                               TransitionScratch& scratch, Frame& out) const {
-  // Of the picture's height.
-  constexpr double kLargestRadius = 0.05;
   constexpr double kBetweenTaps = 0.2;
-  const double radius = kLargestRadius * from.height() * smoothStep(depthAt(point.position));
+  const double radius = kLargestDisk * from.height() * smoothStep(depthAt(point.position));
   const int weight = hiddenFadeWeight(point.position);
   Frame& small = smallFade(from, to, weight, scratch);
   Frame& filled = scratch.frame(kSparePlace, small.size(), small.hasAlpha());

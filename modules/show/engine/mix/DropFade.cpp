@@ -2,17 +2,18 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/FetchAhead.h"
 #include "engine/kernels/LitMix.h"
 #include "engine/kernels/RowKernels.h"
+#include "engine/mix/MixCourse.h"
 
 namespace korvia {
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 // In half diagonals of the picture.
 constexpr double kFrontBreadth = 0.75;
 constexpr double kWaveLength = 0.2;
@@ -101,8 +102,8 @@ DropPoint dropPointAt(double distance, double position) {
   if (time == 0 || time == 1)
     return {time, 0};
   const double height = 4 * time * (1 - time);
-  const double phase = 2 * kPi * behindFront / kWaveLength;
-  const double weight = time * time * (3 - 2 * time) + kDelay * height * std::sin(phase);
+  const double phase = 2 * std::numbers::pi * behindFront / kWaveLength;
+  const double weight = smoothStep(time) + kDelay * height * std::sin(phase);
   return {std::clamp(weight, 0.0, 1.0), kLight * height * std::cos(phase)};
 }
 
@@ -118,8 +119,7 @@ void DropFade::mix(const Frame& from, const Frame& to, const MixPoint& point, Tr
       });
   const DropTable table(point.position);
   for (int plane = 0; plane < planeCount(out); ++plane) {
-    const bool chroma = plane == Frame::U || plane == Frame::V;
-    mixPlane(planeOf(from, plane), planeOf(to, plane), chroma ? steps + lumaCount : steps, table,
+    mixPlane(planeOf(from, plane), planeOf(to, plane), stepOf(plane) == 1 ? steps : steps + lumaCount, table,
              plane == Frame::Y, scratch, writablePlaneOf(out, plane));
   }
 }

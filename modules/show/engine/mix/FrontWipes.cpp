@@ -4,6 +4,7 @@
 
 #include "engine/kernels/MaskKernels.h"
 #include "engine/mix/Chance.h"
+#include "engine/mix/MixCourse.h"
 
 namespace korvia {
 
@@ -42,7 +43,7 @@ Slope dropSide(double along) {
   // Of the lines that are level at both ends one that bends little at the tip.
   const double round = 1 - rest * rest * (1 + 2 * along * rest);
   const double roundSlope = rest * along * (10 - 8 * along);
-  return {(1 - kTip) * flank * flank * (3 - 2 * flank) + kTip * round,
+  return {(1 - kTip) * smoothStep(flank) + kTip * round,
           (1 - kTip) * 6 * flank * (1 - flank) / kFlank + kTip * roundSlope};
 }
 

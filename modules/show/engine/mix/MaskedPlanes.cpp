@@ -1,9 +1,8 @@
 #include "MaskedPlanes.h"
 
-#include <hwy/cache_control.h>
-
 #include <algorithm>
 
+#include "engine/kernels/FetchAhead.h"
 #include "engine/kernels/MaskKernels.h"
 #include "engine/kernels/RowKernels.h"
 #include "engine/kernels/StreamRow.h"
@@ -14,15 +13,9 @@ namespace {
 
 constexpr std::uint8_t kFrom = 0;
 constexpr std::uint8_t kTo = 255;
-constexpr int kCacheLine = 64;
 // Where pictures change along a row, the memory's own look-ahead begins anew at each run; so the rows that
 // come are asked for in time.
 constexpr int kRowsAhead = 4;
-
-void fetch(const std::uint8_t* row, int begin, int end) {
-  for (int x = begin; x < end; x += kCacheLine)
-    hwy::Prefetch(row + x);
-}
 
 }  // namespace
 
@@ -70,9 +63,9 @@ void MaskedPlanes::mixRow(int y, const std::uint8_t* mask) {
     for (const Run* run = runs_; run < runs_ + runCount_; ++run) {
       const int count = run->end - run->begin;
       if (run->kind != kTo)
-        fetch(planes.from.row(ahead), run->begin, run->end);
+        fetchAhead(planes.from.row(ahead) + run->begin, count);
       if (run->kind != kFrom)
-        fetch(planes.to.row(ahead), run->begin, run->end);
+        fetchAhead(planes.to.row(ahead) + run->begin, count);
       if (run->kind == kFrom || run->kind == kTo)
         streamRow((run->kind == kFrom ? from : to) + run->begin, out + run->begin, count);
       else

@@ -71,8 +71,7 @@ void placePlane(PlacedPlane& front, PlacedPlane& behind, std::uint8_t* line, con
 
 PlacedPlane placed(const Frame& frame, int plane, const Placement& place, TransitionScratch& scratch,
                    int scratchPlace) {
-  const bool chroma = plane == Frame::U || plane == Frame::V;
-  const int scale = chroma ? 1 : 2;
+  const int scale = 2 / stepOf(plane);
   static_assert(Placement::kSteps * 2 == kWhole);
   const PlacedSide columns{place.x * scale, place.width * scale, frame.size().chromaWidth() * scale};
   const PlacedSide rows{place.y * scale, place.height * scale, frame.size().chromaHeight() * scale};

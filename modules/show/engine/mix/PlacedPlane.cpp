@@ -56,9 +56,9 @@ PlacedPlane::PlacedPlane(const PlaneView& plane, const PlacedSide& columns, cons
   average_ = line_ + stride;
   halves_[0] = average_ + stride;
   halves_[1] = halves_[0] + stride;
+  // Room for the whole width, which a picture that grows comes to need.
   if (columns_.isShrunk() && touched_.begin < touched_.end)
-    prepareShrinking(scratch.buffer<ShrinkGroup>(scratchPlace + 1,
-                                                 static_cast<std::size_t>(touched_.end - touched_.begin)));
+    prepareShrinking(scratch.buffer<ShrinkGroup>(scratchPlace + 1, static_cast<std::size_t>(plane.width)));
 }
 
 void PlacedPlane::prepareShrinking(ShrinkGroup* groups) {

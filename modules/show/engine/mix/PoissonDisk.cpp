@@ -31,12 +31,20 @@ Offsets offsetsFor(double radius) {
   return offsets;
 }
 
+/// Samples that a disk reads beyond a plane.
+int borderFor(double radius) {
+  return static_cast<int>(std::ceil(radius)) + 2;
+}
+
+std::size_t borderedCount(const PlaneView& plane, int border) {
+  const std::size_t both = 2 * static_cast<std::size_t>(border);
+  return (static_cast<std::size_t>(plane.width) + both) * (static_cast<std::size_t>(plane.height) + both);
+}
+
 /// The plane with `border` samples more on each side, all of them the nearest of its own.
-PlaneView bordered(const PlaneView& plane, int border, TransitionScratch& scratch) {
+PlaneView bordered(const PlaneView& plane, int border, std::uint8_t* data) {
   const int width = plane.width + 2 * border;
   const int height = plane.height + 2 * border;
-  auto* data =
-      scratch.buffer<std::uint8_t>(2, static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
   for (int y = 0; y < height; ++y) {
     const std::uint8_t* row = plane.row(std::clamp(y - border, 0, plane.height - 1));
     std::uint8_t* out = data + static_cast<std::ptrdiff_t>(y) * width;
@@ -62,11 +70,13 @@ const std::array<PlanePoint, 32>& poissonHalfDisk() {
 }
 
 void blurByDisk(const Frame& picture, double radius, TransitionScratch& scratch, Frame& out) {
+  const double largest = std::max(radius, kLargestDisk * picture.height());
+  auto* data = scratch.buffer<std::uint8_t>(2, borderedCount(planeOf(picture, Frame::Y), borderFor(largest)));
   for (int plane = 0; plane < planeCount(out); ++plane) {
     const double planeRadius = radius / stepOf(plane);
     const Offsets offsets = offsetsFor(planeRadius);
-    const int border = static_cast<int>(std::ceil(planeRadius)) + 2;
-    const PlaneView source = bordered(planeOf(picture, plane), border, scratch);
+    const int border = borderFor(planeRadius);
+    const PlaneView source = bordered(planeOf(picture, plane), border, data);
     const WritablePlane target = writablePlaneOf(out, plane);
     std::array<RowTap, kTapCount> taps;
     for (int y = 0; y < target.height; ++y) {

@@ -10,8 +10,11 @@ namespace korvia {
 /// nothing.
 const std::array<PlanePoint, 32>& poissonHalfDisk();
 
+/// Radius of the largest disk, as a part of the picture's height.
+inline constexpr double kLargestDisk = 0.05;
+
 /// Blurs a small picture by a disk of `radius` samples of its luma; 0 gives the picture. Uses the scratch's
-/// buffer 2.
+/// buffer 2, as much of it as the largest disk needs.
 void blurByDisk(const Frame& picture, double radius, TransitionScratch& scratch, Frame& out);
 
 }  // namespace korvia

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Chance.h"
 #include "Easing.h"
-#include "TransitionCatalog.h"
 
 namespace korvia {
 
@@ -14,14 +14,6 @@ constexpr double kDurationMax = 600;
 
 // Exactly 1 is the end of a take and is reported by nothing else; some curves get there early.
 const float kPositionMax = std::nextafter(1.0F, 0.0F);
-
-/// Spreads a count over all 32 bits, so that each take has chances of its own and a show can be told again:
-/// the finalizer of MurmurHash3.
-std::uint32_t scrambled(std::uint32_t count) {
-  count = (count ^ (count >> 16)) * 0x85EBCA6BU;
-  count = (count ^ (count >> 13)) * 0xC2B2AE35U;
-  return count ^ (count >> 16);
-}
 
 }  // namespace
 
@@ -92,7 +84,8 @@ void ProgramSwitch::abandon() {
 
 void ProgramSwitch::begin(const Take& take) {
   take_ = take;
-  seed_ = scrambled(++takeCount_);
+  // Drawn from the count, so that each take has chances of its own and a show can be told again.
+  seed_ = scattered(++takeCount_);
 }
 
 void ProgramSwitch::setPosition(double position) {

@@ -4,6 +4,7 @@
 #include <QtGlobal>
 
 #include "engine/mix/Transition.h"
+#include "engine/mix/TransitionCatalog.h"
 
 namespace korvia {
 
@@ -60,7 +61,7 @@ class ProgramSwitch {
 
   Mode mode_ = Mode::Idle;
   Take take_;
-  int lastEffect_ = 22;
+  int lastEffect_ = kEffectFade;
   std::uint32_t takeCount_ = 0;
   std::uint32_t seed_ = 0;
   double position_ = 0;

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstring>
+#include <numbers>
 
 #include "engine/kernels/MaskKernels.h"
 
@@ -9,7 +10,7 @@ namespace korvia {
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+using std::numbers::pi;
 
 /// Fills from sample `begin` to before `end`.
 void fill(std::uint8_t* mask, int begin, int end, int value) {
@@ -76,7 +77,7 @@ constexpr int kSpokes = 4;
 // A half of the wheel holds whole sectors, and the other half is the same.
 static_assert(kSpokes % 4 == 0);
 /// Of a sector: 1 % of the width halfway to the picture's side.
-constexpr double kSpokeFeather = 0.01 * 4 * kSpokes / (2 * kPi);
+constexpr double kSpokeFeather = 0.01 * 4 * kSpokes / (2 * pi);
 
 /// Coverage within a sector, `along` from 0 at its spoke's beginning to 1. Where the spoke begins, the sector
 /// before it is softened, which the next spoke covers at last.
@@ -147,7 +148,7 @@ class WheelMask {
     double slope = 0;
   };
 
-  static double angleOf(int sector, double along) { return ((sector + along) * 4 / kSpokes - 1) * kPi / 2; }
+  static double angleOf(int sector, double along) { return ((sector + along) * 4 / kSpokes - 1) * pi / 2; }
 
   Part part(int sector, double begin, double end) const {
     const double along = (begin + end) / 2;
@@ -204,7 +205,7 @@ void CircleWipe::mix(const Frame& from, const Frame& to, const MixPoint& point, 
 }
 
 double WheelWipe::coverage(FrameSize size, const MixPoint& point, double x, double y) const {
-  const double turn = std::atan2(x - size.width / 2.0, size.height / 2.0 - y) / (2 * kPi);
+  const double turn = std::atan2(x - size.width / 2.0, size.height / 2.0 - y) / (2 * pi);
   const double sector = turn * kSpokes;
   return wheelCoverage(point.position, sector - std::floor(sector));
 }

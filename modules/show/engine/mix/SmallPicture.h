@@ -5,11 +5,6 @@
 
 namespace korvia {
 
-/// Luma samples from one sample of the plane to the next.
-inline int stepOf(int plane) {
-  return plane == Frame::U || plane == Frame::V ? 2 : 1;
-}
-
 /// A point of a plane in its samples; a sample lies at its whole number.
 struct PlanePoint {
   double x = 0;

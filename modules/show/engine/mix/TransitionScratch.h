@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <vector>
+#include <type_traits>
 
 #include "engine/frame/Frame.h"
 
@@ -19,16 +19,20 @@ class TransitionScratch {
   /// to 3.
   Frame& frame(int place, FrameSize size, bool alpha);
 
-  /// `count` values of undefined content, aligned for vectors. Places 0 to 7; T is a plain number type.
+  /// `count` values of undefined content, aligned for vectors, the same ones at each call that wants no more.
+  /// Places 0 to 7; T is plain data.
   template <typename T>
   T* buffer(int place, std::size_t count) {
+    static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
     return reinterpret_cast<T*>(bytes(place, count * sizeof(T)));
   }
 
   /// A table that is made once per owner, size and seed: `fill(T* table)` writes its `count` values when the
-  /// last one kept was another. One table is kept.
+  /// last one kept was another. One table is kept, and the owner is known by its address: it must outlive the
+  /// scratch.
   template <typename T, typename Fill>
   const T* table(const void* owner, FrameSize size, std::uint32_t seed, std::size_t count, Fill&& fill) {
+    static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
     const TableKey key{owner, size, seed, count * sizeof(T)};
     T* values = reinterpret_cast<T*>(tableBytes(key.bytes));
     if (!(key == tableKey_)) {

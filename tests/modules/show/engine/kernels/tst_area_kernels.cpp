@@ -7,6 +7,7 @@
 
 #include "engine/kernels/AreaKernels.h"
 #include "engine/kernels/LitMix.h"
+#include "support/EveryInstructionSet.h"
 
 using namespace korvia;
 
@@ -136,5 +137,8 @@ class AreaKernelsTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(AreaKernelsTest)
+int main(int argc, char** argv) {
+  return korvia::test::runWithEveryInstructionSet<AreaKernelsTest>(argc, argv);
+}
+
 #include "tst_area_kernels.moc"

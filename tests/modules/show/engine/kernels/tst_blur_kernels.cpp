@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "engine/kernels/BlurKernels.h"
+#include "support/EveryInstructionSet.h"
 
 using namespace korvia;
 
@@ -253,5 +254,8 @@ class BlurKernelsTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(BlurKernelsTest)
+int main(int argc, char** argv) {
+  return korvia::test::runWithEveryInstructionSet<BlurKernelsTest>(argc, argv);
+}
+
 #include "tst_blur_kernels.moc"

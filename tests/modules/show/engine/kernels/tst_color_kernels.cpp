@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "engine/kernels/ColorKernels.h"
+#include "support/EveryInstructionSet.h"
 
 using namespace korvia;
 
@@ -243,5 +244,8 @@ class ColorKernelsTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(ColorKernelsTest)
+int main(int argc, char** argv) {
+  return korvia::test::runWithEveryInstructionSet<ColorKernelsTest>(argc, argv);
+}
+
 #include "tst_color_kernels.moc"

@@ -6,6 +6,7 @@
 
 #include "engine/kernels/MaskKernels.h"
 #include "engine/kernels/StreamRow.h"
+#include "support/EveryInstructionSet.h"
 
 using namespace korvia;
 
@@ -189,5 +190,8 @@ class MaskKernelsTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(MaskKernelsTest)
+int main(int argc, char** argv) {
+  return korvia::test::runWithEveryInstructionSet<MaskKernelsTest>(argc, argv);
+}
+
 #include "tst_mask_kernels.moc"

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "engine/kernels/NodeKernels.h"
+#include "support/EveryInstructionSet.h"
 
 using namespace korvia;
 
@@ -73,5 +74,8 @@ class NodeKernelsTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(NodeKernelsTest)
+int main(int argc, char** argv) {
+  return korvia::test::runWithEveryInstructionSet<NodeKernelsTest>(argc, argv);
+}
+
 #include "tst_node_kernels.moc"

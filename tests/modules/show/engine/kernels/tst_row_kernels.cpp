@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "engine/kernels/RowKernels.h"
+#include "support/EveryInstructionSet.h"
 
 using namespace korvia;
 
@@ -122,5 +123,8 @@ class RowKernelsTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(RowKernelsTest)
+int main(int argc, char** argv) {
+  return korvia::test::runWithEveryInstructionSet<RowKernelsTest>(argc, argv);
+}
+
 #include "tst_row_kernels.moc"

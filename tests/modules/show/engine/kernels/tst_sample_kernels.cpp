@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "engine/kernels/SampleKernels.h"
+#include "support/EveryInstructionSet.h"
 #include "support/MixPictures.h"
 
 using namespace korvia;
@@ -166,5 +167,8 @@ class SampleKernelsTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(SampleKernelsTest)
+int main(int argc, char** argv) {
+  return korvia::test::runWithEveryInstructionSet<SampleKernelsTest>(argc, argv);
+}
+
 #include "tst_sample_kernels.moc"

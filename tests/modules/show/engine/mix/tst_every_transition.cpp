@@ -3,6 +3,7 @@
 #include <QtTest>
 
 #include "engine/mix/TransitionCatalog.h"
+#include "support/Holdings.h"
 #include "support/MixPictures.h"
 
 using namespace korvia;
@@ -146,6 +147,24 @@ class EveryTransitionTest : public QObject {
     mixed(effect == 65 ? 16 : 65, a, b, {0.4, 7}, scratch);
     QCOMPARE(difference(*mixed(effect, a, b, {0.4, 7}, scratch), *first).largest, 0);
     QCOMPARE(difference(*mixed(effect, a, b, 0.4), *first).largest, 0);
+  }
+
+  void aTakeAllocatesAtItsFirstFrameOnly_data() { everyEffect(); }
+  void aTakeAllocatesAtItsFirstFrameOnly() {
+    QFETCH(int, effect);
+    const FrameRef a = noise({640, 360}, 1);
+    const FrameRef b = noise({640, 360}, 2);
+    MutableFrame out(new Frame(a->size(), false));
+    TransitionScratch scratch;
+    const auto mixAt = [&](double position) {
+      transitionFor(effect)->mix(*a, *b, {position, 7}, scratch, *out);
+    };
+    mixAt(0.04);
+    const qint64 first = allocatedBytes();
+    for (int frame = 2; frame <= 25; ++frame) {
+      mixAt(0.04 * frame);
+      QCOMPARE(allocatedBytes(), first);
+    }
   }
 
   void readsNoSampleTooMuch_data() { everyEffect(); }
