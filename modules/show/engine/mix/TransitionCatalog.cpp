@@ -3,18 +3,18 @@
 #include <array>
 #include <memory>
 
-#include "BandWipe.h"
-#include "Blurs.h"
-#include "CellWipes.h"
-#include "Colors.h"
-#include "CrossFade.h"
-#include "Distortions.h"
-#include "DropFade.h"
-#include "FrontWipes.h"
-#include "Glides.h"
-#include "Pixelate.h"
-#include "RoundWipes.h"
-#include "Stretches.h"
+#include "engine/mix/blurs/Blurs.h"
+#include "engine/mix/blurs/Pixelate.h"
+#include "engine/mix/colors/Colors.h"
+#include "engine/mix/distortions/Distortions.h"
+#include "engine/mix/fades/CrossFade.h"
+#include "engine/mix/fades/DropFade.h"
+#include "engine/mix/glides/Glides.h"
+#include "engine/mix/glides/Stretches.h"
+#include "engine/mix/wipes/BandWipe.h"
+#include "engine/mix/wipes/CellWipes.h"
+#include "engine/mix/wipes/FrontWipes.h"
+#include "engine/mix/wipes/RoundWipes.h"
 
 namespace korvia {
 

@@ -1,0 +1,44 @@
+// Wipes with edges along the picture's sides: bands, boxes, bars, slats. Engine thread.
+#pragma once
+#include "engine/mix/wipes/Wipe.h"
+
+namespace korvia {
+
+/// A place on one of the picture's two axes.
+struct BandPlace {
+  double place = 0;
+  /// Of the axis, as the place in luma samples.
+  double length = 0;
+  double feather = 0;
+  MixPoint point;
+};
+
+/// Coverage along one axis.
+using Band = double (*)(const BandPlace& at);
+
+double everywhere(const BandPlace& at);
+/// One edge, from the left or the top.
+double fromStart(const BandPlace& at);
+double fromEnd(const BandPlace& at);
+/// Two edges.
+double fromMiddle(const BandPlace& at);
+double fromBothEnds(const BandPlace& at);
+/// Slats that turn one and all.
+double inSlats(const BandPlace& at);
+/// Bars that come in an order of chance.
+double inRandomBars(const BandPlace& at);
+
+/// Shows what both axes cover.
+class BandWipe : public Wipe {
+ public:
+  BandWipe(Band across, Band down) : across_(across), down_(down) {}
+  double coverage(FrameSize size, const MixPoint& point, double x, double y) const override;
+  void mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
+           Frame& out) const override;
+
+ private:
+  Band across_;
+  Band down_;
+};
+
+}  // namespace korvia
