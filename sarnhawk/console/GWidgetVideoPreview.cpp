@@ -4,6 +4,7 @@
 
 #include <QGuiApplication>
 #include <QPainter>
+#include <QWindow>
 #include <memory>
 
 namespace {
@@ -54,9 +55,31 @@ QPaintEngine* GWidgetVideoPreview::paintEngine() const {
 
 bool GWidgetVideoPreview::event(QEvent* event) {
   const bool handled = QWidget::event(event);
+  if (event->type() == QEvent::Show || event->type() == QEvent::ParentChange)
+    followAncestors();
   if (event->type() == QEvent::WinIdChange && _engineDraws && internalWinId())
     setServerBackgroundBlack(internalWinId());
   return handled;
+}
+
+// Qt moves a native window along with its own widget only, not with those around it that have no window.
+void GWidgetVideoPreview::followAncestors() {
+  const QWidget* native = nativeParentWidget();
+  for (QWidget* ancestor = parentWidget(); ancestor && ancestor != native;
+       ancestor = ancestor->parentWidget())
+    ancestor->installEventFilter(this);
+  alignWindow();
+}
+
+bool GWidgetVideoPreview::eventFilter(QObject* ancestor, QEvent* event) {
+  if (event->type() == QEvent::Move)
+    alignWindow();
+  return QWidget::eventFilter(ancestor, event);
+}
+
+void GWidgetVideoPreview::alignWindow() {
+  if (windowHandle() && nativeParentWidget())
+    windowHandle()->setPosition(mapTo(nativeParentWidget(), QPoint()));
 }
 
 void GWidgetVideoPreview::paintEvent(QPaintEvent*) {

@@ -19,9 +19,14 @@ class GWidgetVideoPreview : public QWidget {
 
  protected:
   bool event(QEvent* event) override;
+  bool eventFilter(QObject* ancestor, QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  /// Watches the widgets between the window and its native parent.
+  void followAncestors();
+  void alignWindow();
+
   const bool _engineDraws;
   QMutex _mutex;
   QImage _image;             // guarded by _mutex

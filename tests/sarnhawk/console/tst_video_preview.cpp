@@ -1,4 +1,5 @@
 // The window that the engine shows its pictures in, on platforms where it hands them over.
+#include <QWindow>
 #include <QtTest>
 #include <thread>
 
@@ -15,6 +16,23 @@ class VideoPreviewTest : public QObject {
     frame.show();
     QVERIFY(preview.internalWinId() != 0);
     QCOMPARE(QWidget::find(preview.winId()), &preview);
+  }
+
+  void windowFollowsTheWidgetsAroundIt() {
+    QWidget frame;
+    QWidget page(&frame);
+    auto* box = new QWidget(&page);
+    GWidgetVideoPreview preview(box);
+    frame.resize(300, 200);
+    page.setGeometry(10, 20, 200, 150);
+    box->setGeometry(5, 6, 100, 80);
+    preview.setGeometry(1, 2, 50, 40);
+    frame.show();
+    QCOMPARE(preview.windowHandle()->position(), QPoint(16, 28));
+    box->move(30, 40);
+    QCOMPARE(preview.windowHandle()->position(), QPoint(41, 62));
+    page.move(0, 0);
+    QCOMPARE(preview.windowHandle()->position(), QPoint(31, 42));
   }
 
   void isBlackUntilAPictureComes() {

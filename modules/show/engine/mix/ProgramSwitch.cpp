@@ -18,17 +18,17 @@ const float kPositionMax = std::nextafter(1.0F, 0.0F);
 }  // namespace
 
 const Transition* ProgramSwitch::transition() const {
-  return transitionFor(mode_ == Mode::Lever ? lastEffect_ : take_.effect);
+  return transitionFor(take_.effect);
 }
 
 void ProgramSwitch::take(const Take& take, double framesPerSecond) {
   if (isRunning() && take.to == take_.to && mode_ == Mode::Auto)
     return;
-  if (mode_ == Mode::Lever && take.to == take_.to) {
-    const int from = take_.from;
+  if (mode_ == Mode::Lever && take.to == take_.to && transition()) {
+    // Half through one effect the picture would jump with another; only a cut may.
     start_ = position_;
-    take_ = take;
-    take_.from = from;
+    take_.duration = take.duration;
+    take_.easing = take.easing;
   } else {
     start_ = 0;
     begin(take);

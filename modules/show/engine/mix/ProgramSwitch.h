@@ -28,7 +28,8 @@ class ProgramSwitch {
   };
 
   /// Begins a take at this frame. The same target again lets a running take go on, and lets one that the
-  /// lever began run on by itself from where it stands. Another target must wait until finish() was called.
+  /// lever began run on by itself from where it stands, with the effect that it has. Another target must wait
+  /// until finish() was called.
   void take(const Take& take, double framesPerSecond);
   /// The lever stands at `position`, 0 to 1, between the two channels. At 1 the take is done, at 0 given up.
   void moveLever(float position, int from, int to);

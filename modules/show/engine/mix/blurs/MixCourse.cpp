@@ -3,12 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-namespace korvia {
+#include "engine/mix/SmoothStep.h"
 
-double smoothStep(double x) {
-  x = std::clamp(x, 0.0, 1.0);
-  return x * x * (3 - 2 * x);
-}
+namespace korvia {
 
 double depthAt(double position) {
   return std::clamp(1 - std::abs(2 * position - 1), 0.0, 1.0);

@@ -3,9 +3,6 @@
 
 namespace korvia {
 
-/// 0 up to 0, 1 from 1 on, level at both.
-double smoothStep(double x);
-
 /// How far a position is from both ends: 0 at them, 1 in the middle.
 double depthAt(double position);
 

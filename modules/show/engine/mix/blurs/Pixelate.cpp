@@ -7,6 +7,7 @@
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/BlurKernels.h"
 #include "engine/kernels/RowKernels.h"
+#include "engine/mix/SmoothStep.h"
 #include "engine/mix/blurs/MixCourse.h"
 #include "engine/mix/blurs/SmallPicture.h"
 

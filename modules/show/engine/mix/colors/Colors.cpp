@@ -8,7 +8,7 @@
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/ColorKernels.h"
 #include "engine/kernels/RowKernels.h"
-#include "engine/mix/blurs/MixCourse.h"
+#include "engine/mix/SmoothStep.h"
 
 namespace korvia {
 

@@ -4,8 +4,10 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <vector>
 
+#include "engine/mix/SmoothStep.h"
 #include "engine/mix/distortions/LevelGrid.h"
 #include "engine/mix/distortions/Noise.h"
 #include "engine/mix/fades/CrossFade.h"
@@ -14,16 +16,16 @@ namespace korvia {
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+constexpr double kPi = std::numbers::pi;
 
-/// Exactly 0 at both ends and 1 in the middle.
+/// Exactly 0 at both ends, from which it starts without a jerk, and 1 in the middle.
 double swellAt(double position) {
-  return 4 * position * (1 - position);
+  return smoothStep(4 * position * (1 - position));
 }
 
 /// Fades fastest where the picture is bent most.
 int fadeWeightAt(double position) {
-  return std::clamp(static_cast<int>(std::lround(softStep(position) * 256)), 0, 256);
+  return static_cast<int>(std::lround(smoothStep(position) * 256));
 }
 
 /// How many times around the centre a node is, 0 to 1.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/mix/Chance.h"
+#include "engine/mix/SmoothStep.h"
 
 namespace korvia {
 
@@ -32,10 +33,10 @@ double CloudNoise::at(double x, double y) {
                 row,
                 {chanceAt(seed, column, row), chanceAt(seed, column + 1, row),
                  chanceAt(seed, column, row + 1), chanceAt(seed, column + 1, row + 1)}};
-    const double right = softStep(x - column);
+    const double right = smoothStep(x - column);
     const double top = mixed(square.corners[0], square.corners[1], right);
     const double bottom = mixed(square.corners[2], square.corners[3], right);
-    sum += strength * mixed(top, bottom, softStep(y - row));
+    sum += strength * mixed(top, bottom, smoothStep(y - row));
     all += strength;
     strength *= kWeaker;
     x *= 2;
@@ -69,7 +70,7 @@ double ChanceRing::straightAt(double turn) const {
 
 double ChanceRing::softAt(double turn) const {
   const Place place = placeOf(turn);
-  return between(place, softStep(place.beyond));
+  return between(place, smoothStep(place.beyond));
 }
 
 }  // namespace korvia

@@ -10,11 +10,6 @@ namespace korvia {
 /// Evenly spread from 0, included, to 1, not included.
 double chanceAt(std::uint32_t seed, int x, int y);
 
-/// From 0 to 1 with level ends: the passage between two values of chance.
-inline double softStep(double t) {
-  return t * t * (3 - 2 * t);
-}
-
 /// Smooth noise of features of size 1 and, weaker each time, of half the size. It remembers where it was
 /// asked last: neighbours cost little.
 class CloudNoise {

@@ -8,7 +8,7 @@
 #include "engine/kernels/FetchAhead.h"
 #include "engine/kernels/LitMix.h"
 #include "engine/kernels/RowKernels.h"
-#include "engine/mix/blurs/MixCourse.h"
+#include "engine/mix/SmoothStep.h"
 
 namespace korvia {
 

@@ -4,7 +4,7 @@
 
 #include "engine/kernels/MaskKernels.h"
 #include "engine/mix/Chance.h"
-#include "engine/mix/blurs/MixCourse.h"
+#include "engine/mix/SmoothStep.h"
 
 namespace korvia {
 

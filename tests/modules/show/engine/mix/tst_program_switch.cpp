@@ -153,6 +153,41 @@ class ProgramSwitchTest : public QObject {
     QCOMPARE(sw.takeOutcome().taken, kB);
   }
 
+  void takeFromTheLeverKeepsTheEffectThatIsOnAir() {
+    ProgramSwitch sw;
+    sw.moveLever(0.5F, kA, kB);
+    const korvia::Transition* fading = sw.transition();
+    sw.take({kA, kB, 1, 1.0, 0}, 10);
+    QCOMPARE(sw.transition(), fading);
+    sw.step(5);
+    QCOMPARE(sw.position(), 0.75);
+    QCOMPARE(sw.transition(), fading);
+    sw.moveLever(0.8F, kA, kB);
+    QCOMPARE(sw.transition(), fading);
+    sw.moveLever(1.0F, kA, kB);
+    // The next time the lever draws what was taken last.
+    sw.moveLever(0.5F, kB, kA);
+    QCOMPARE(sw.transition(), korvia::transitionFor(1));
+  }
+
+  void cutFromTheLeverCuts() {
+    ProgramSwitch sw;
+    sw.moveLever(0.5F, kA, kB);
+    sw.take({kA, kB, korvia::kEffectNone, 1.0, 0}, 10);
+    QCOMPARE(sw.takeOutcome().taken, kB);
+  }
+
+  void takeFromALeverThatShowsNoEffectBeginsAnew() {
+    ProgramSwitch sw;
+    sw.take({kA, kB, korvia::kEffectNone, 1.0, 0}, 10);
+    sw.takeOutcome();
+    sw.moveLever(0.5F, kB, kA);
+    sw.take(fade(kB, kA), 10);
+    sw.step(5);
+    QCOMPARE(sw.position(), 0.5);
+    QCOMPARE(sw.transition(), korvia::transitionFor(korvia::kEffectFade));
+  }
+
   void leverUsesTheEffectOfTheLastTake() {
     ProgramSwitch sw;
     sw.moveLever(0.5F, kA, kB);

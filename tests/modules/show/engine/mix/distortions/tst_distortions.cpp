@@ -105,10 +105,16 @@ double level(double position, double softness, double arrival) {
   return qBound(0.0, (position * (1 + softness) - arrival) / softness, 1.0);
 }
 
+/// How strong a bend is at a position.
+double swellOf(double position) {
+  const double way = 4 * position * (1 - position);
+  return way * way * (3 - 2 * way);
+}
+
 Place swirl(double position, double x, double y) {
   const double radius = std::hypot(x - kCenterX, y - kCenterY);
   const double wave = std::sin(5 * kPi * radius / kReach);
-  const double angle = 4 * position * (1 - position) * 1.2 * wave / std::sqrt(wave * wave + 0.2);
+  const double angle = swellOf(position) * 1.2 * wave / std::sqrt(wave * wave + 0.2);
   const double turned = std::atan2(y - kCenterY, x - kCenterX) + angle;
   return {kCenterX + radius * std::cos(turned) - x, kCenterY + radius * std::sin(turned) - y};
 }
@@ -116,19 +122,19 @@ Place swirl(double position, double x, double y) {
 Place ripple(double position, double x, double y) {
   const double radius = std::hypot(x - kCenterX, y - kCenterY);
   const double length = 0.17 * kReach;
-  const double wave = 4 * position * (1 - position) * 0.027 * kReach *
+  const double wave = swellOf(position) * 0.027 * kReach *
                       std::sin(2 * kPi * (radius / length - 3 * position)) * qMin(radius / (length / 2), 1.0);
   const double angle = std::atan2(y - kCenterY, x - kCenterX);
   return {wave * std::cos(angle), wave * std::sin(angle)};
 }
 
 Place wave(double position, double /*x*/, double y) {
-  return {4 * position * (1 - position) * 48 * std::sin(2 * kPi * (y / (0.32 * 540) - 2 * position)), 0};
+  return {swellOf(position) * 48 * std::sin(2 * kPi * (y / (0.32 * 540) - 2 * position)), 0};
 }
 
 Place weave(double position, double x, double y) {
   const double strand = 0.1 * kReach;
-  const double depth = 4 * position * (1 - position) * 0.03 * kReach;
+  const double depth = swellOf(position) * 0.03 * kReach;
   const bool down = (static_cast<int>(x / strand) + static_cast<int>(y / strand)) % 2 == 0;
   const double along = down ? x : y;
   const double end = down ? y : x;
@@ -141,7 +147,7 @@ Place wiggle(double position, double x, double y) {
   const int ray = static_cast<int>(turn);
   const double a = chanceAt(7, ray % 48, 48);
   const double b = chanceAt(7, (ray + 1) % 48, 48);
-  const double stretch = 4 * position * (1 - position) * 0.3 * (2 * (a + (b - a) * (turn - ray)) - 1);
+  const double stretch = swellOf(position) * 0.3 * (2 * (a + (b - a) * (turn - ray)) - 1);
   return {(x - kCenterX) * stretch, (y - kCenterY) * stretch};
 }
 
@@ -162,7 +168,7 @@ Place crumble(double position, double x, double y) {
       const double turn = 0.9 * (2 * chanceAt(11, column, row) - 1);
       displacement = {far * std::cos(heading) - turn * toY, far * std::sin(heading) + turn * toX};
     }
-  const double swell = 4 * position * (1 - position);
+  const double swell = swellOf(position);
   return {swell * displacement.x, swell * displacement.y};
 }
 
@@ -276,7 +282,7 @@ class DistortionsTest : public QObject {
     const FrameRef b = smoothPicture(1);
     for (const double position : {0.15, 0.5, 0.85}) {
       const FrameRef actual = mixed(kMagnifySmooth, a, b, {position, 7});
-      const double magnified = 0.8 * 4 * position * (1 - position);
+      const double magnified = 0.8 * swellOf(position);
       const double lens = kReach * (0.3 + 0.7 * position);
       const Formula exactAt = [&](int plane, int x, int y) {
         const int scale = plane == 0 ? 1 : 2;
