@@ -17,7 +17,7 @@ constexpr int kSquareColumns = 16;
 constexpr int kNarrowest = 4;
 /// Parts of the take in which one cell fades in, and in which one square grows.
 constexpr double kCellFade = 0.15;
-constexpr double kSquareGrowth = 0.3;
+constexpr double kSquareGrowth = 0.22;
 
 /// Width of the soft borders between cells, and of the edges within them.
 double joinOf(const CellGrid& cells) {

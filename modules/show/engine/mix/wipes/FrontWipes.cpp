@@ -13,16 +13,20 @@ namespace {
 /// Columns whose masks are told from their extremes where all of them are the same.
 constexpr int kBlock = 64;
 
+constexpr int kMixed = -1;
+
 struct Block {
   float levelMin = 0;
   float levelMax = 0;
   float slopeMin = 0;
   float slopeMax = 0;
+  /// What all of its mask was in the last row; kMixed where that differed.
+  int value = kMixed;
 };
 
 constexpr int kDrops = 12;
 /// The longest drop is ahead of what hangs back farthest by this part of the picture's height.
-constexpr double kDropLength = 0.5;
+constexpr double kDropLength = 0.34;
 /// On the flanks of a drop the soft edge is taller, so as to be as wide across, up to so many times.
 constexpr double kFlankMax = 2;
 
@@ -90,26 +94,42 @@ class FrontMask {
       const int end = std::min(begin + kBlock, grid.width);
       const auto [levelMin, levelMax] = std::minmax_element(level_ + begin, level_ + end);
       const auto [slopeMin, slopeMax] = std::minmax_element(slope_ + begin, slope_ + end);
-      blocks_[begin / kBlock] = {*levelMin, *levelMax, *slopeMin, *slopeMax};
+      blocks_[begin / kBlock] = {*levelMin, *levelMax, *slopeMin, *slopeMax, kMixed};
     }
   }
 
   const std::uint8_t* row(int y) {
     const float place = static_cast<float>(grid_.y(y));
+    bool changed = false;
+    int mixedBegin = 0;
+    const auto drawMixed = [&](int end) {
+      if (mixedBegin < end)
+        slopedMaskRow(level_ + mixedBegin, slope_ + mixedBegin, place, mask_ + mixedBegin, end - mixedBegin);
+    };
     for (int begin = 0; begin < grid_.width; begin += kBlock) {
-      const int count = std::min(kBlock, grid_.width - begin);
-      const Block& block = blocks_[begin / kBlock];
-      if (block.levelMin - place * block.slopeMax >= 255)
-        std::memset(mask_ + begin, 255, static_cast<std::size_t>(count));
-      else if (block.levelMax - place * block.slopeMin <= 0)
-        std::memset(mask_ + begin, 0, static_cast<std::size_t>(count));
-      else
-        slopedMaskRow(level_ + begin, slope_ + begin, place, mask_ + begin, count);
+      Block& block = blocks_[begin / kBlock];
+      const int value = valueOf(block, place);
+      changed = changed || value == kMixed || value != block.value;
+      if (value != kMixed) {
+        const int end = std::min(begin + kBlock, grid_.width);
+        drawMixed(begin);
+        mixedBegin = end;
+        if (value != block.value)
+          std::memset(mask_ + begin, value, static_cast<std::size_t>(end - begin));
+      }
+      block.value = value;
     }
-    return mask_;
+    drawMixed(grid_.width);
+    return changed ? mask_ : nullptr;
   }
 
  private:
+  static int valueOf(const Block& block, float place) {
+    if (block.levelMin - place * block.slopeMax >= 255)
+      return 255;
+    return block.levelMax - place * block.slopeMin <= 0 ? 0 : kMixed;
+  }
+
   PlaneGrid grid_;
   float* level_;
   float* slope_;
