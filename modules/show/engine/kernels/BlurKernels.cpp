@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/kernels/StoreRow-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
@@ -273,40 +275,22 @@ void enlargeRow(const std::uint8_t* HWY_RESTRICT upper, const std::uint8_t* HWY_
 void softenRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, int weight,
                const std::uint8_t* HWY_RESTRICT soft, const std::uint8_t* HWY_RESTRICT mask,
                std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint8_t> d8;
-  const hn::RepartitionToWide<decltype(d8)> d16;
-  const hn::Half<decltype(d8)> half;
+  const hn::ScalableTag<std::uint16_t> d16;
+  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
   const hn::RebindToSigned<decltype(d16)> i16;
-  const int lanes = static_cast<int>(hn::Lanes(d8));
   const auto weightB = hn::Set(d16, static_cast<std::uint16_t>(weight));
   const auto weightA = hn::Set(d16, static_cast<std::uint16_t>(256 - weight));
   const auto full = hn::Set(d16, std::uint16_t{255});
   const auto round = hn::Set(d16, std::uint16_t{128});
-  const auto soften = [&](auto va, auto vb, auto vs, auto vm) HWY_ATTR {
-    const auto sharp = hn::ShiftRight<8>(hn::Add(
-        hn::Add(hn::Mul(hn::PromoteTo(d16, va), weightA), hn::Mul(hn::PromoteTo(d16, vb), weightB)), round));
-    const auto m = hn::PromoteTo(d16, vm);
-    const auto sum =
-        hn::Add(hn::Add(hn::Mul(sharp, hn::Sub(full, m)), hn::Mul(hn::PromoteTo(d16, vs), m)), round);
-    return hn::DemoteTo(half, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)))));
-  };
-  const bool aligned = reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0;
-  int x = 0;
-  for (; x + lanes <= count; x += lanes) {
-    const auto va = hn::LoadU(d8, a + x);
-    const auto vb = hn::LoadU(d8, b + x);
-    const auto vs = hn::LoadU(d8, soft + x);
-    const auto vm = hn::LoadU(d8, mask + x);
-    const auto low = soften(hn::LowerHalf(half, va), hn::LowerHalf(half, vb), hn::LowerHalf(half, vs),
-                            hn::LowerHalf(half, vm));
-    const auto high = soften(hn::UpperHalf(half, va), hn::UpperHalf(half, vb), hn::UpperHalf(half, vs),
-                             hn::UpperHalf(half, vm));
-    const auto softened = hn::Combine(d8, high, low);
-    if (aligned)
-      hn::Stream(softened, d8, out + x);
-    else
-      hn::StoreU(softened, d8, out + x);
-  }
+  const int x = storeRow(out, count, [&](int at) HWY_ATTR {
+    const auto va = hn::PromoteTo(d16, hn::LoadU(d8, a + at));
+    const auto vb = hn::PromoteTo(d16, hn::LoadU(d8, b + at));
+    const auto vs = hn::PromoteTo(d16, hn::LoadU(d8, soft + at));
+    const auto m = hn::PromoteTo(d16, hn::LoadU(d8, mask + at));
+    const auto sharp = hn::ShiftRight<8>(hn::Add(hn::Add(hn::Mul(va, weightA), hn::Mul(vb, weightB)), round));
+    const auto sum = hn::Add(hn::Add(hn::Mul(sharp, hn::Sub(full, m)), hn::Mul(vs, m)), round);
+    return hn::DemoteTo(d8, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)))));
+  });
   softenFrom(x, a, b, weight, soft, mask, out, count);
 }
 

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+#include "engine/kernels/StoreRow-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
@@ -33,37 +35,24 @@ namespace hn = hwy::HWY_NAMESPACE;
 void mixLitRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b,
                const std::uint8_t* HWY_RESTRICT mask, const std::int8_t* HWY_RESTRICT light,
                std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint8_t> d8;
-  const hn::RepartitionToWide<decltype(d8)> d16;
+  const hn::ScalableTag<std::uint16_t> d16;
   const hn::RebindToSigned<decltype(d16)> i16;
-  const hn::Half<decltype(d8)> half;
-  const hn::RebindToSigned<decltype(half)> half8;
-  const int lanes = static_cast<int>(hn::Lanes(d8));
-  const int halfLanes = lanes / 2;
+  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
+  const hn::RebindToSigned<decltype(d8)> i8;
   const auto full = hn::Set(d16, std::uint16_t{255});
   const auto round = hn::Set(d16, std::uint16_t{128});
   const auto black = hn::Set(i16, std::int16_t{16});
   const auto lightRound = hn::Set(i16, std::int16_t{64});
-  const auto lit = [&](int x) HWY_ATTR {
-    const auto va = hn::PromoteTo(d16, hn::LoadU(half, a + x));
-    const auto vb = hn::PromoteTo(d16, hn::LoadU(half, b + x));
-    const auto m = hn::PromoteTo(d16, hn::LoadU(half, mask + x));
+  const int x = storeRow(out, count, [&](int at) HWY_ATTR {
+    const auto va = hn::PromoteTo(d16, hn::LoadU(d8, a + at));
+    const auto vb = hn::PromoteTo(d16, hn::LoadU(d8, b + at));
+    const auto m = hn::PromoteTo(d16, hn::LoadU(d8, mask + at));
     const auto sum = hn::Add(hn::Add(hn::Mul(va, hn::Sub(full, m)), hn::Mul(vb, m)), round);
     const auto mixed = hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum))));
-    const auto gain = hn::PromoteTo(i16, hn::LoadU(half8, light + x));
+    const auto gain = hn::PromoteTo(i16, hn::LoadU(i8, light + at));
     const auto added = hn::ShiftRight<7>(hn::Add(hn::Mul(hn::Sub(mixed, black), gain), lightRound));
-    return hn::DemoteTo(half, hn::Add(mixed, added));
-  };
-  const bool aligned = reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0;
-  int x = 0;
-  for (; x + lanes <= count; x += lanes) {
-    const auto low = lit(x);
-    const auto row = hn::Combine(d8, lit(x + halfLanes), low);
-    if (aligned)
-      hn::Stream(row, d8, out + x);
-    else
-      hn::StoreU(row, d8, out + x);
-  }
+    return hn::DemoteTo(d8, hn::Add(mixed, added));
+  });
   mixLitSamples(a, b, mask, light, out, x, count);
 }
 

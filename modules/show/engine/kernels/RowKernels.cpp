@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+#include "engine/kernels/StoreRow-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
@@ -59,66 +61,36 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 void mixRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, int weight,
             std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint8_t> d8;
-  const hn::RepartitionToWide<decltype(d8)> d16;
-  const hn::Half<decltype(d8)> half;
+  const hn::ScalableTag<std::uint16_t> d16;
+  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
   const hn::RebindToSigned<decltype(d16)> i16;
-  const int lanes = static_cast<int>(hn::Lanes(d8));
   const auto weightB = hn::Set(d16, static_cast<std::uint16_t>(weight));
   const auto weightA = hn::Set(d16, static_cast<std::uint16_t>(256 - weight));
   const auto round = hn::Set(d16, std::uint16_t{128});
-  const auto mix = [&](auto va, auto vb) HWY_ATTR {
-    const auto sum =
-        hn::Add(hn::Mul(hn::PromoteTo(d16, va), weightA), hn::Mul(hn::PromoteTo(d16, vb), weightB));
-    return hn::DemoteTo(half, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, round))));
-  };
-  const bool aligned = reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0;
-  int x = 0;
-  for (; x + lanes <= count; x += lanes) {
-    const auto va = hn::LoadU(d8, a + x);
-    const auto vb = hn::LoadU(d8, b + x);
-    const auto low = mix(hn::LowerHalf(half, va), hn::LowerHalf(half, vb));
-    const auto high = mix(hn::UpperHalf(half, va), hn::UpperHalf(half, vb));
-    const auto mixed = hn::Combine(d8, high, low);
-    if (aligned)
-      hn::Stream(mixed, d8, out + x);
-    else
-      hn::StoreU(mixed, d8, out + x);
-  }
+  int x = storeRow(out, count, [&](int at) HWY_ATTR {
+    const auto va = hn::PromoteTo(d16, hn::LoadU(d8, a + at));
+    const auto vb = hn::PromoteTo(d16, hn::LoadU(d8, b + at));
+    const auto sum = hn::Add(hn::Add(hn::Mul(va, weightA), hn::Mul(vb, weightB)), round);
+    return hn::DemoteTo(d8, hn::BitCast(i16, hn::ShiftRight<8>(sum)));
+  });
   for (; x < count; ++x)
     out[x] = static_cast<std::uint8_t>((a[x] * (256 - weight) + b[x] * weight + 128) >> 8);
 }
 
 void mixMaskedRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b,
                   const std::uint8_t* HWY_RESTRICT mask, std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint8_t> d8;
-  const hn::RepartitionToWide<decltype(d8)> d16;
-  const hn::Half<decltype(d8)> half;
+  const hn::ScalableTag<std::uint16_t> d16;
+  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
   const hn::RebindToSigned<decltype(d16)> i16;
-  const int lanes = static_cast<int>(hn::Lanes(d8));
   const auto full = hn::Set(d16, std::uint16_t{255});
   const auto round = hn::Set(d16, std::uint16_t{128});
-  const auto mix = [&](auto va, auto vb, auto vm) HWY_ATTR {
-    const auto m = hn::PromoteTo(d16, vm);
-    const auto sum = hn::Add(
-        hn::Add(hn::Mul(hn::PromoteTo(d16, va), hn::Sub(full, m)), hn::Mul(hn::PromoteTo(d16, vb), m)),
-        round);
-    return hn::DemoteTo(half, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)))));
-  };
-  const bool aligned = reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0;
-  int x = 0;
-  for (; x + lanes <= count; x += lanes) {
-    const auto va = hn::LoadU(d8, a + x);
-    const auto vb = hn::LoadU(d8, b + x);
-    const auto vm = hn::LoadU(d8, mask + x);
-    const auto low = mix(hn::LowerHalf(half, va), hn::LowerHalf(half, vb), hn::LowerHalf(half, vm));
-    const auto high = mix(hn::UpperHalf(half, va), hn::UpperHalf(half, vb), hn::UpperHalf(half, vm));
-    const auto mixed = hn::Combine(d8, high, low);
-    if (aligned)
-      hn::Stream(mixed, d8, out + x);
-    else
-      hn::StoreU(mixed, d8, out + x);
-  }
+  int x = storeRow(out, count, [&](int at) HWY_ATTR {
+    const auto va = hn::PromoteTo(d16, hn::LoadU(d8, a + at));
+    const auto vb = hn::PromoteTo(d16, hn::LoadU(d8, b + at));
+    const auto m = hn::PromoteTo(d16, hn::LoadU(d8, mask + at));
+    const auto sum = hn::Add(hn::Add(hn::Mul(va, hn::Sub(full, m)), hn::Mul(vb, m)), round);
+    return hn::DemoteTo(d8, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)))));
+  });
   for (; x < count; ++x)
     out[x] = mixedByMask(a[x], b[x], mask[x]);
 }
