@@ -141,7 +141,7 @@ void sharpenFrom(int begin, const std::uint8_t* row, const std::uint16_t* column
 
 #if HWY_TARGET == HWY_SCALAR
 
-void shrinkRow(const ShrinkRows& a, const ShrinkRows& b, int weight, std::uint8_t* out, int count) {
+void mixShrunkRow(const ShrinkRows& a, const ShrinkRows& b, int weight, std::uint8_t* out, int count) {
   shrinkFrom(0, a, b, weight, out, count);
 }
 
@@ -187,8 +187,8 @@ void sharpenRow(const std::uint8_t* row, const std::uint16_t* columns, int spaci
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-void shrinkRow(const ShrinkRows& a, const ShrinkRows& b, int weight, std::uint8_t* HWY_RESTRICT out,
-               int count) {
+void mixShrunkRow(const ShrinkRows& a, const ShrinkRows& b, int weight, std::uint8_t* HWY_RESTRICT out,
+                  int count) {
   const hn::ScalableTag<std::uint8_t> d8;
   const hn::RepartitionToWide<decltype(d8)> d16;
   const hn::RepartitionToWide<decltype(d16)> d32;
@@ -430,7 +430,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace korvia {
 
-HWY_EXPORT(shrinkRow);
+HWY_EXPORT(mixShrunkRow);
 HWY_EXPORT(enlargeRow);
 HWY_EXPORT(softenRow);
 HWY_EXPORT(averageOfThreeRow);
@@ -440,9 +440,10 @@ HWY_EXPORT(addRow);
 HWY_EXPORT(binomialColumns);
 HWY_EXPORT(sharpenRow);
 
-void shrinkRow(const std::array<const std::uint8_t*, kShrink>& a,
-               const std::array<const std::uint8_t*, kShrink>& b, int weight, std::uint8_t* out, int count) {
-  HWY_DYNAMIC_DISPATCH(shrinkRow)(a, b, weight, out, count);
+void mixShrunkRow(const std::array<const std::uint8_t*, kShrink>& a,
+                  const std::array<const std::uint8_t*, kShrink>& b, int weight, std::uint8_t* out,
+                  int count) {
+  HWY_DYNAMIC_DISPATCH(mixShrunkRow)(a, b, weight, out, count);
 }
 
 void enlargeRow(const std::uint8_t* upper, const std::uint8_t* lower, int lowerWeight, int count,

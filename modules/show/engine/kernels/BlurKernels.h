@@ -12,8 +12,9 @@ inline constexpr int kShrink = 4;
 /// A row of the fade from `a` to `b` at a quarter of the size: out[i] = the mean of 4 x 4 samples, of `b`
 /// with `weight` 0 to 256, within 0.51 of exact. `count` is that of the full rows; out takes a quarter of it,
 /// rounded up, the last sample standing in for those that lack.
-void shrinkRow(const std::array<const std::uint8_t*, kShrink>& a,
-               const std::array<const std::uint8_t*, kShrink>& b, int weight, std::uint8_t* out, int count);
+void mixShrunkRow(const std::array<const std::uint8_t*, kShrink>& a,
+                  const std::array<const std::uint8_t*, kShrink>& b, int weight, std::uint8_t* out,
+                  int count);
 
 /// The way back, bilinear: out[x] for x up to `outCount` at the point (x + 0.5) / 4 - 0.5 of a row between
 /// `upper` and `lower`, `lowerWeight` 0 to 8 of 8. The rows have `count` samples, outCount is at most four

@@ -16,9 +16,9 @@
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
-/// Writes `samples(x)`, half a register of samples from `x` on, for as many whole registers as `count` samples
-/// hold, and returns how many samples that were. A row that begins on a register's boundary is written past the
-/// cache: a frame is larger than what the cache should give up.
+/// Writes `samples(x)`, half a register of samples from `x` on, for as many whole registers as `count`
+/// samples hold, and returns how many samples that were. A row that begins on a register's boundary is
+/// written past the cache: a frame is larger than what the cache should give up.
 template <typename Samples>
 HWY_INLINE int storeRow(std::uint8_t* HWY_RESTRICT out, int count, const Samples& samples) {
   namespace hn = hwy::HWY_NAMESPACE;

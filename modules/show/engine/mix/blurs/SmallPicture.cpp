@@ -51,7 +51,7 @@ void shrinkFade(const Frame& from, const Frame& to, int weight, Frame& small) {
     const PlaneView b = planeOf(weight > 0 ? to : from, plane);
     const WritablePlane shrunk = writablePlaneOf(small, plane);
     for (int y = 0; y < shrunk.height; ++y)
-      shrinkRow(rowsFrom(a, y * kShrink), rowsFrom(b, y * kShrink), weight, shrunk.row(y), a.width);
+      mixShrunkRow(rowsFrom(a, y * kShrink), rowsFrom(b, y * kShrink), weight, shrunk.row(y), a.width);
   }
 }
 

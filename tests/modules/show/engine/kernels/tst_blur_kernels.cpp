@@ -72,7 +72,7 @@ class BlurKernelsTest : public QObject {
           rowsB[i] = b[i].data();
         }
         Row out(static_cast<std::size_t>((count + 3) / 4));
-        shrinkRow(rowsA, rowsB, weight, out.data(), count);
+        mixShrunkRow(rowsA, rowsB, weight, out.data(), count);
         for (int i = 0; i < static_cast<int>(out.size()); ++i) {
           double sum = 0;
           for (std::size_t line = 0; line < kShrink; ++line)
@@ -82,8 +82,8 @@ class BlurKernelsTest : public QObject {
           QVERIFY2(qAbs(got - sum / 4096) <= 0.51, at(count, i, got, sum / 4096));
         }
         Row alone(out.size());
-        shrinkRow(rowsA, rowsA, weight, alone.data(), count);
-        shrinkRow(rowsA, rowsB, 0, out.data(), count);
+        mixShrunkRow(rowsA, rowsA, weight, alone.data(), count);
+        mixShrunkRow(rowsA, rowsB, 0, out.data(), count);
         QCOMPARE(alone, out);
       }
   }
