@@ -20,7 +20,7 @@ class IShowBackendHost {
  public:
   virtual void postResult(quint64 eventId, const QVariant& a1 = {}, const QVariant& a2 = {},
                           const QVariant& a3 = {}, const QVariant& a4 = {}) = 0;
-  virtual void setFrameRate(int numerator, int denominator) = 0;
+  virtual void setFrameRate(FrameRate rate) = 0;
   /// Null when nobody listens.
   virtual IKorviaShowEngineSink* engineSink() = 0;
 

@@ -110,16 +110,14 @@ void SoftwareBackend::open(const ShowEvent& event) {
   const auto info = fromVariant<tagKorviaShowEngineInfo>(event.args[0]);
   Show next;
   next.size = renderSize(info.format);
-  if (info.format.fpsNumerator > 0 && info.format.fpsDenominator > 0) {
-    next.rateNumerator = info.format.fpsNumerator;
-    next.rateDenominator = info.format.fpsDenominator;
-  }
+  if (const FrameRate rate{info.format.fpsNumerator, info.format.fpsDenominator}; rate.isValid())
+    next.rate = rate;
   {
     std::lock_guard lock(showMutex_);
     show_ = next;
   }
   pool_ = std::make_unique<FramePool>(next.size);
-  host_->setFrameRate(next.rateNumerator, next.rateDenominator);
+  host_->setFrameRate(next.rate);
   monitors_.open(fromVariant<tagKorviaShowWindowPackInfo>(event.args[1]));
   program_.reset();
   mixed_.reset();
@@ -130,7 +128,7 @@ void SoftwareBackend::open(const ShowEvent& event) {
   firstFrame_ = std::chrono::steady_clock::now();
   open_ = true;
   qCDebug(logEngine, "engine opened : %d x %d, %d / %d frames per second", next.size.width, next.size.height,
-          next.rateNumerator, next.rateDenominator);
+          static_cast<int>(next.rate.numerator), static_cast<int>(next.rate.denominator));
   host_->postResult(ShowEventOpen);
 }
 
@@ -200,7 +198,7 @@ void SoftwareBackend::take(const ShowEvent& event) {
   take.effect = event.args[1].toInt();
   take.duration = event.args[2].toDouble();
   take.easing = event.args[3].toInt();
-  switch_.take(take, show().framesPerSecond());
+  switch_.take(take, show().rate.framesPerSecond());
 }
 
 void SoftwareBackend::selectChannel(const ShowEvent& event) {
@@ -226,8 +224,7 @@ void SoftwareBackend::startOutput(const ShowEvent& event) {
   request.param = fromVariant<tagKorviaShowOutputParam>(event.args[1]);
   request.programName = event.args[2].toString();
   request.format = fromVariant<tagKorviaFormatInfo>(event.args[3]);
-  request.rateNumerator = now.rateNumerator;
-  request.rateDenominator = now.rateDenominator;
+  request.rate = now.rate;
   if (open_)
     outputs_.start(request);
   else
@@ -359,8 +356,7 @@ IKorviaShowSource* SoftwareBackend::openSource(KorviaShowObjectID id, const tagK
   SourceContext context;
   context.id = slot == kKaraokeSlot ? KaraokeObject : static_cast<KorviaShowObjectID>(MediaChannel + slot);
   context.renderSize = now.size;
-  context.rateNumerator = now.rateNumerator;
-  context.rateDenominator = now.rateDenominator;
+  context.rate = now.rate;
   context.sink = host ? static_cast<IKorviaShowEngineSink*>(
                             host->queryInterface(&kIKorviaShowEngineSinkId, kInterfaceVersion))
                       : sink_.load();

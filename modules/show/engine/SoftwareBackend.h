@@ -50,9 +50,7 @@ class SoftwareBackend final : public IShowBackend {
   /// The render set-up; written at open, read by both threads.
   struct Show {
     FrameSize size{1920, 1080};
-    int rateNumerator = 25;
-    int rateDenominator = 1;
-    double framesPerSecond() const { return static_cast<double>(rateNumerator) / rateDenominator; }
+    FrameRate rate;
   };
 
   // Events. Engine thread.

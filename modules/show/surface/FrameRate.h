@@ -1,27 +1,44 @@
-// A frame rate as a fraction, and exact turns between frames and time: floored to the nanosecond, and good
-// for shows that run for years. A plain value, any thread.
+// A frame rate as a fraction, and exact turns between frames, time and samples: floored, and good for shows
+// that run for years. A plain value, any thread.
 #pragma once
 #include <cstdint>
 
 namespace korvia {
 
 struct FrameRate {
-  /// Frames per second as numerator / denominator; both from 1 to 2'000'000.
+  /// Frames per second as numerator / denominator; both from 1 to kPartMax.
   std::int64_t numerator = 25;
   std::int64_t denominator = 1;
 
-  /// Time that `frames` last.
-  std::int64_t nsOf(std::int64_t frames) const {
-    const std::int64_t units = frames * denominator;
-    return units / numerator * kSecondNs + units % numerator * kSecondNs / numerator;
+  static constexpr std::int64_t kPartMax = 2'000'000;
+
+  bool isValid() const {
+    return numerator > 0 && denominator > 0 && numerator <= kPartMax && denominator <= kPartMax;
   }
+  double framesPerSecond() const { return static_cast<double>(numerator) / static_cast<double>(denominator); }
+  /// Time that `frames` last.
+  std::int64_t nsOf(std::int64_t frames) const { return unitsOf(frames, kSecondNs); }
   /// Whole frames within `ns`.
   std::int64_t framesIn(std::int64_t ns) const {
     return (ns / kSecondNs * numerator + ns % kSecondNs * numerator / kSecondNs) / denominator;
   }
+  /// Samples of a sound of `sampleRate` Hz that belong to `count` frames from frame `firstFrame` on. Counted
+  /// as the difference of two places in time, so that adjacent stretches neither overlap nor leave a sample
+  /// out: at 30000/1001 and 48 kHz that is 1601 or 1602 a frame.
+  std::int64_t samplesIn(std::int64_t firstFrame, std::int64_t count, std::int64_t sampleRate) const {
+    return unitsOf(firstFrame + count, sampleRate) - unitsOf(firstFrame, sampleRate);
+  }
+
+  friend bool operator==(const FrameRate&, const FrameRate&) = default;
 
  private:
   static constexpr std::int64_t kSecondNs = 1'000'000'000;
+
+  /// Units of a clock with `perSecond` units a second within `frames`.
+  std::int64_t unitsOf(std::int64_t frames, std::int64_t perSecond) const {
+    const std::int64_t parts = frames * denominator;
+    return parts / numerator * perSecond + parts % numerator * perSecond / numerator;
+  }
 };
 
 }  // namespace korvia

@@ -15,9 +15,7 @@ class KorviaShowEngine::Host final : public korvia::IShowBackendHost {
                   const QVariant& a4) override {
     engine_.KorviaShowThread::postResult(eventId, 0, a1, a2, a3, a4);
   }
-  void setFrameRate(int numerator, int denominator) override {
-    engine_.KorviaShowThread::setFrameRate(numerator, denominator);
-  }
+  void setFrameRate(korvia::FrameRate rate) override { engine_.KorviaShowThread::setFrameRate(rate); }
   IKorviaShowEngineSink* engineSink() override {
     IKorviaShowThreadSink* sink = engine_.threadSink();
     if (!sink)

@@ -11,7 +11,6 @@ constexpr qint64 kMissedMax = 250;
 // A float rate is kept to a thousandth of a frame.
 constexpr int kFpsScale = 1000;
 constexpr int kFpsMax = 1000;
-constexpr int kRatePartMax = 2'000'000;
 
 }  // namespace
 
@@ -25,17 +24,12 @@ KorviaShowThread::~KorviaShowThread() {
 void KorviaShowThread::setFps(float fps) {
   if (!std::isfinite(fps) || fps <= 0 || fps > kFpsMax)
     return;
-  setRate({std::max(1L, std::lround(fps * kFpsScale)), kFpsScale});
+  setFrameRate({std::max(1L, std::lround(fps * kFpsScale)), kFpsScale});
 }
 
-void KorviaShowThread::setFrameRate(int numerator, int denominator) {
-  if (numerator <= 0 || denominator <= 0 || numerator > kRatePartMax || denominator > kRatePartMax ||
-      numerator / denominator > kFpsMax)
+void KorviaShowThread::setFrameRate(korvia::FrameRate rate) {
+  if (!rate.isValid() || rate.numerator / rate.denominator > kFpsMax)
     return;
-  setRate({numerator, denominator});
-}
-
-void KorviaShowThread::setRate(korvia::FrameRate rate) {
   std::lock_guard lock(mutex_);
   rate_ = rate;
   clockRestart_ = true;

@@ -52,15 +52,14 @@ class KorviaShowThread : public QObject {
   virtual void onThreadEvent(const korvia::ShowEvent& event) = 0;
   virtual void doFrameStep(const korvia::FrameTick& tick) = 0;
 
-  /// Exact rate of the frame step, restarting the clock. Engine thread.
-  void setFrameRate(int numerator, int denominator);
+  /// Exact rate of the frame step, restarting the clock; one that is not valid is ignored. Any thread.
+  void setFrameRate(korvia::FrameRate rate);
   /// Hands a result to the sink. Engine thread.
   void postResult(quint64 eventId, quint64 result, const QVariant& a1, const QVariant& a2, const QVariant& a3,
                   const QVariant& a4);
   IKorviaShowThreadSink* threadSink() const { return sink_; }
 
  private:
-  void setRate(korvia::FrameRate rate);
   /// Sleeps to the next deadline and says which frame is due; false when the thread is to end.
   bool waitForTick(korvia::FrameTick& tick);
   void drainEvents();

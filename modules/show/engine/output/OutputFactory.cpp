@@ -51,8 +51,7 @@ std::unique_ptr<ProgramOutput> createProgramOutput(const OutputRequest& request)
                                        QDateTime::currentDateTime());
   settings.container = RecordContainer::of(item.recordEncapsulation);
   settings.size = recordSize(request.format.video);
-  settings.rateNumerator = request.rateNumerator;
-  settings.rateDenominator = request.rateDenominator;
+  settings.rate = request.rate;
   settings.videoKbps = recordKbps(request.param.encode[OutputSlotRecord].videoBitrate);
   return std::make_unique<RecordOutput>(std::move(settings));
 }

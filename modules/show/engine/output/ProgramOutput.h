@@ -2,6 +2,7 @@
 #pragma once
 #include <QString>
 
+#include "FrameRate.h"
 #include "engine/frame/Frame.h"
 #include "tagKorviaFormatInfo.h"
 #include "tagKorviaShowOutputParam.h"
@@ -15,8 +16,7 @@ struct OutputRequest {
   QString programName;
   /// Size of the encoded picture; its frame rate is not used, the show's is.
   tagKorviaFormatInfo format;
-  int rateNumerator = 25;
-  int rateDenominator = 1;
+  FrameRate rate;
 };
 
 struct OutputFigures {

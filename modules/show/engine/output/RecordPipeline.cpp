@@ -34,10 +34,11 @@ const RecordContainer::Property kEncoder[] = {
 GstCaps* rawCaps(const RecordSettings& settings) {
   return gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "I420", "width", G_TYPE_INT,
                              settings.size.width, "height", G_TYPE_INT, settings.size.height, "framerate",
-                             GST_TYPE_FRACTION, settings.rateNumerator, settings.rateDenominator,
-                             "pixel-aspect-ratio", GST_TYPE_FRACTION, 1, 1, "interlace-mode", G_TYPE_STRING,
-                             "progressive", "colorimetry", G_TYPE_STRING, GST_VIDEO_COLORIMETRY_BT709,
-                             "chroma-site", G_TYPE_STRING, "mpeg2", nullptr);
+                             GST_TYPE_FRACTION, static_cast<int>(settings.rate.numerator),
+                             static_cast<int>(settings.rate.denominator), "pixel-aspect-ratio",
+                             GST_TYPE_FRACTION, 1, 1, "interlace-mode", G_TYPE_STRING, "progressive",
+                             "colorimetry", G_TYPE_STRING, GST_VIDEO_COLORIMETRY_BT709, "chroma-site",
+                             G_TYPE_STRING, "mpeg2", nullptr);
 }
 
 template <typename Properties>
@@ -87,8 +88,7 @@ bool RecordPipeline::open(const RecordSettings& settings, const QString& fileNam
     g_clear_error(&error);
     return false;
   }
-  rateNumerator_ = settings.rateNumerator;
-  rateDenominator_ = settings.rateDenominator;
+  rate_ = settings.rate;
   pipeline_ = gst_pipeline_new("record");
   GstBus* bus = gst_element_get_bus(pipeline_);
   gst_bus_set_sync_handler(bus, onMessage, this, nullptr);
@@ -129,8 +129,8 @@ bool RecordPipeline::link(const RecordSettings& settings, const QString& fileNam
 
   setProperties(encoder, kEncoder);
   const auto keyInterval =
-      gst_util_uint64_scale_round(kKeySeconds, static_cast<guint64>(settings.rateNumerator),
-                                  static_cast<guint64>(settings.rateDenominator));
+      gst_util_uint64_scale_round(kKeySeconds, static_cast<guint64>(settings.rate.numerator),
+                                  static_cast<guint64>(settings.rate.denominator));
   g_object_set(encoder, "bitrate", static_cast<guint>(settings.videoKbps), "key-int-max",
                static_cast<guint>(keyInterval), nullptr);
   caps = gst_caps_new_simple("video/x-h264", "profile", G_TYPE_STRING, "high", nullptr);
@@ -157,17 +157,12 @@ bool RecordPipeline::hasRoom() const {
   return framesFed_ - framesTaken_ < kSourceBuffers;
 }
 
-GstClockTime RecordPipeline::timeOf(qint64 index) const {
-  return gst_util_uint64_scale(static_cast<guint64>(index),
-                               static_cast<guint64>(rateDenominator_) * GST_SECOND,
-                               static_cast<guint64>(rateNumerator_));
-}
-
 void RecordPipeline::feed(const FrameRef& frame, qint64 index) {
   GstBuffer* buffer = wrapFrame(frame);
-  GST_BUFFER_PTS(buffer) = timeOf(index);
+  const qint64 beginNs = rate_.nsOf(index);
+  GST_BUFFER_PTS(buffer) = static_cast<GstClockTime>(beginNs);
   // The difference of two stamps, so that rounding never adds up.
-  GST_BUFFER_DURATION(buffer) = timeOf(index + 1) - timeOf(index);
+  GST_BUFFER_DURATION(buffer) = static_cast<GstClockTime>(rate_.nsOf(index + 1) - beginNs);
   ++framesFed_;
   gst_app_src_push_buffer(source_, buffer);
 }

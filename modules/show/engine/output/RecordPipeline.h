@@ -45,7 +45,6 @@ class RecordPipeline {
   GstElement* add(const char* factory, const char* name);
   bool link(const RecordSettings& settings, const QString& fileName);
   void setFailure(const QString& text);
-  GstClockTime timeOf(qint64 index) const;
 
   static GstBusSyncReply onMessage(GstBus* bus, GstMessage* message, gpointer self);
   static GstPadProbeReturn onTaken(GstPad* pad, GstPadProbeInfo* info, gpointer self);
@@ -55,8 +54,7 @@ class RecordPipeline {
   const std::function<void()> wake_;
   GstElement* pipeline_ = nullptr;
   GstAppSrc* source_ = nullptr;  // owned by pipeline_
-  int rateNumerator_ = 25;
-  int rateDenominator_ = 1;
+  FrameRate rate_;
   qint64 framesFed_ = 0;
 
   mutable std::mutex mutex_;

@@ -3,6 +3,7 @@
 #include <QString>
 #include <functional>
 
+#include "FrameRate.h"
 #include "RecordContainer.h"
 #include "engine/frame/Frame.h"
 
@@ -13,9 +14,7 @@ struct RecordSettings {
   QString name;    ///< file name without suffix, cleaned
   RecordContainer container = RecordContainer::of(2);
   FrameSize size;  ///< of the recorded picture; both sides even
-  /// Frames per second, of the engine and of the file.
-  int rateNumerator = 25;
-  int rateDenominator = 1;
+  FrameRate rate;  ///< of the engine and of the file
   int videoKbps = 4096;
 
   /// Frames that may wait for the encoder: a second of the show, 75 MB of 1920x1080 at worst.

@@ -51,8 +51,8 @@ bool RecordWorker::start() {
   }
   sinceCheck_.start();
   qCInfo(logOutput, "recording to \"%s\" : %dx%d, %d/%d fps, %d kbit/s", qPrintable(fileName_),
-         settings_.size.width, settings_.size.height, settings_.rateNumerator, settings_.rateDenominator,
-         settings_.videoKbps);
+         settings_.size.width, settings_.size.height, static_cast<int>(settings_.rate.numerator),
+         static_cast<int>(settings_.rate.denominator), settings_.videoKbps);
   return true;
 }
 

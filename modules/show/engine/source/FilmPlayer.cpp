@@ -28,7 +28,7 @@ FilmPlayer::FilmPlayer(const SourceContext& context, const QString& path, Korvia
       path_(path),
       endAction_(endAction),
       switchChannel_(switchChannel),
-      tap_(context.rateNumerator, context.rateDenominator),
+      tap_(context.rate),
       maker_(context.renderSize),
       state_(Opening) {}
 
@@ -106,9 +106,7 @@ void FilmPlayer::onPicture(GstSample* sample) {
   int segmentNumber = 0;
   {
     std::lock_guard lock(timelineMutex_);
-    frameDurationNs_ = maker_.frameDurationNs() > 0
-                           ? maker_.frameDurationNs()
-                           : kSecondNs * context_.rateDenominator / std::max(1, context_.rateNumerator);
+    frameDurationNs_ = maker_.frameDurationNs() > 0 ? maker_.frameDurationNs() : context_.rate.nsOf(1);
     first = timeline_.pictures() == 0;
     if (first && !pts)
       pts = segmentStartNs_;

@@ -11,8 +11,7 @@ constexpr std::int64_t kLatestNs = 1'000'000'000;
 
 }  // namespace
 
-FrameTap::FrameTap(int rateNumerator, int rateDenominator, Limits limits)
-    : rate_{std::max(1, rateNumerator), std::max(1, rateDenominator)}, limits_(limits) {
+FrameTap::FrameTap(FrameRate rate, Limits limits) : rate_(rate), limits_(limits) {
   const auto most = static_cast<std::size_t>(std::max(limits.frames, limits.mostFrames));
   queue_.reserve(most);
   skipped_.reserve(most);

@@ -36,8 +36,8 @@ class FrameTap {
     bool drained = false;  ///< the end was reached at this call
   };
 
-  FrameTap(int rateNumerator, int rateDenominator) : FrameTap(rateNumerator, rateDenominator, Limits()) {}
-  FrameTap(int rateNumerator, int rateDenominator, Limits limits);
+  explicit FrameTap(FrameRate rate) : FrameTap(rate, Limits()) {}
+  FrameTap(FrameRate rate, Limits limits);
 
   /// Waits while full; false when the picture was refused by a flush or the close.
   bool push(TimedFrame frame);

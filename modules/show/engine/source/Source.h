@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "FrameRate.h"
 #include "IKorviaShowEngineSink.h"
 #include "IKorviaShowSource.h"
 #include "engine/frame/Frame.h"
@@ -19,9 +20,7 @@ inline constexpr std::int64_t kMostPixels = 64 * 1024 * 1024;
 struct SourceContext {
   KorviaShowObjectID id = SourceObject;
   FrameSize renderSize;
-  /// Render frames per second.
-  int rateNumerator = 25;
-  int rateDenominator = 1;
+  FrameRate rate;  ///< of the render
   /// May be null. Its onSourceNotify may be called from any thread of the source.
   IKorviaShowEngineSink* sink = nullptr;
 };

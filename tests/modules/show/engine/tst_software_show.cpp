@@ -32,12 +32,12 @@ class Host final : public IShowBackendHost {
       log << QString("result %1").arg(eventId);
     }
   }
-  void setFrameRate(int numerator, int denominator) override { rate = {numerator, denominator}; }
+  void setFrameRate(FrameRate next) override { rate = next; }
   IKorviaShowEngineSink* engineSink() override { return nullptr; }
 
   QStringList log;
   QList<float> positions;
-  QPair<int, int> rate;
+  FrameRate rate;
 };
 
 class MonitorWidget : public QWidget {
@@ -140,7 +140,7 @@ class SoftwareShowTest : public QObject {
     info.format.fpsDenominator = 1001;
     backend.handleEvent({ShowEventOpen, {toVariant(info), toVariant(tagKorviaShowWindowPackInfo()), {}, {}}});
     QCOMPARE(host.log, QStringList("result 0"));
-    QCOMPARE(host.rate, qMakePair(30000, 1001));
+    QVERIFY((host.rate == FrameRate{30000, 1001}));
     backend.end();
   }
 

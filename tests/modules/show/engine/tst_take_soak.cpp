@@ -32,7 +32,7 @@ class Host final : public IShowBackendHost {
     else if (eventId == ShowEventSelectChannel && a1.toULongLong() == PGMObject)
       program = a2.toInt();
   }
-  void setFrameRate(int, int) override {}
+  void setFrameRate(FrameRate) override {}
   IKorviaShowEngineSink* engineSink() override { return nullptr; }
 
   int ends = 0;

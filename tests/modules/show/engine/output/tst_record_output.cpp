@@ -209,8 +209,7 @@ class TestRecordOutput : public QObject {
     QTemporaryDir folder;
     FramePool pool(kSize);
     RecordSettings settings = settingsFor(folder.path(), 2);
-    settings.rateNumerator = 30000;
-    settings.rateDenominator = 1001;
+    settings.rate = {30000, 1001};
     RecordOutput output(settings);
     QVERIFY(feedFrames(output, pool, 0, 61));
     output.finish();

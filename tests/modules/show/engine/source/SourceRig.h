@@ -120,7 +120,7 @@ class SourceRig {
   explicit SourceRig(FrameSize size = {320, 180}, int rate = 25) {
     context_.id = static_cast<KorviaShowObjectID>(MediaChannel + 3);
     context_.renderSize = size;
-    context_.rateNumerator = rate;
+    context_.rate.numerator = rate;
     context_.sink = &sink_;
   }
   ~SourceRig() {

@@ -32,9 +32,8 @@ FrameTap::Limits roomy() {
 }
 
 /// Numbers shown in `ticks` ticks of a show at `rate`, of a film whose picture i stands at i * num / den s.
-std::vector<int> cadence(int rateNumerator, int rateDenominator, const std::vector<std::int64_t>& timesNs,
-                         int ticks) {
-  FrameTap tap(rateNumerator, rateDenominator, roomy());
+std::vector<int> cadence(korvia::FrameRate rate, const std::vector<std::int64_t>& timesNs, int ticks) {
+  FrameTap tap(rate, roomy());
   int number = 0;
   for (std::int64_t time : timesNs)
     tap.push(picture(number++, time));
@@ -65,7 +64,7 @@ class FrameTapTest : public QObject {
 
  private slots:
   void noPictureBeforeTheFirst() {
-    FrameTap tap(25, 1);
+    FrameTap tap({25, 1});
     const FrameTap::Pull pull = tap.pull(1);
     QVERIFY(!pull.frame);
     QVERIFY(!pull.fresh);
@@ -73,24 +72,25 @@ class FrameTapTest : public QObject {
   }
 
   void sameRateShowsEveryPictureOnce() {
-    QCOMPARE(cadence(25, 1, steady(8, 25), 8), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7}));
-    QCOMPARE(cadence(30000, 1001, steady(8, 30000.0 / 1001), 8), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7}));
+    QCOMPARE(cadence({25, 1}, steady(8, 25), 8), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7}));
+    QCOMPARE(cadence({30000, 1001}, steady(8, 30000.0 / 1001), 8),
+             (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7}));
   }
 
   void roundedStampsShowEveryPictureOnce() {
     std::vector<int> expected;
     for (int i = 0; i < 200; ++i)
       expected.push_back(i);
-    QCOMPARE(cadence(30000, 1001, roundedToMs(steady(200, 30000.0 / 1001)), 200), expected);
-    QCOMPARE(cadence(60, 1, roundedToMs(steady(200, 60)), 200), expected);
+    QCOMPARE(cadence({30000, 1001}, roundedToMs(steady(200, 30000.0 / 1001)), 200), expected);
+    QCOMPARE(cadence({60, 1}, roundedToMs(steady(200, 60)), 200), expected);
   }
 
   void doubleRateShowsEverySecond() {
-    QCOMPARE(cadence(25, 1, steady(12, 50), 6), (std::vector<int>{0, 2, 4, 6, 8, 10}));
+    QCOMPARE(cadence({25, 1}, steady(12, 50), 6), (std::vector<int>{0, 2, 4, 6, 8, 10}));
   }
 
   void filmRateRepeatsOnceASecond() {
-    const std::vector<int> shown = cadence(25, 1, steady(60, 24), 50);
+    const std::vector<int> shown = cadence({25, 1}, steady(60, 24), 50);
     int repeats = 0;
     for (std::size_t i = 1; i < shown.size(); ++i) {
       const int step = shown[i] - shown[i - 1];
@@ -101,7 +101,7 @@ class FrameTapTest : public QObject {
   }
 
   void thirtyOnTwentyFiveSkipsFiveASecond() {
-    const std::vector<int> shown = cadence(25, 1, steady(70, 30), 51);
+    const std::vector<int> shown = cadence({25, 1}, steady(70, 30), 51);
     for (std::size_t i = 1; i < shown.size(); ++i)
       QVERIFY(shown[i] - shown[i - 1] == 1 || shown[i] - shown[i - 1] == 2);
     QCOMPARE(shown[25], 30);
@@ -109,12 +109,12 @@ class FrameTapTest : public QObject {
   }
 
   void unevenFilmFollowsItsStamps() {
-    QCOMPARE(cadence(25, 1, {0, 40 * kMs, 160 * kMs, 170 * kMs, 240 * kMs}, 7),
+    QCOMPARE(cadence({25, 1}, {0, 40 * kMs, 160 * kMs, 170 * kMs, 240 * kMs}, 7),
              (std::vector<int>{0, 1, 1, 1, 3, 3, 4}));
   }
 
   void missedTicksSkip() {
-    FrameTap tap(25, 1, roomy());
+    FrameTap tap({25, 1}, roomy());
     for (int i = 0; i < 8; ++i)
       tap.push(picture(i, i * 40 * kMs));
     tap.setPlaying(true);
@@ -124,7 +124,7 @@ class FrameTapTest : public QObject {
   }
 
   void firstPictureShowsAlsoWhenNotPlaying() {
-    FrameTap tap(25, 1);
+    FrameTap tap({25, 1});
     tap.push(picture(1, 5'000 * kMs));
     tap.push(picture(2, 5'040 * kMs));
     QCOMPARE(numberOf(tap.pull(1)), 1);
@@ -134,7 +134,7 @@ class FrameTapTest : public QObject {
   }
 
   void latePictureIsHeldAndCaughtUp() {
-    FrameTap tap(25, 1, roomy());
+    FrameTap tap({25, 1}, roomy());
     tap.push(picture(0, 0));
     tap.setPlaying(true);
     QCOMPARE(numberOf(tap.pull(1)), 0);
@@ -150,7 +150,7 @@ class FrameTapTest : public QObject {
   }
 
   void clockWaitsForAFilmThatIsMoreThanASecondLate() {
-    FrameTap tap(25, 1, roomy());
+    FrameTap tap({25, 1}, roomy());
     tap.push(picture(0, 0));
     tap.setPlaying(true);
     tap.pull(1);
@@ -165,7 +165,7 @@ class FrameTapTest : public QObject {
   }
 
   void holdFreezesPictureAndClock() {
-    FrameTap tap(25, 1, roomy());
+    FrameTap tap({25, 1}, roomy());
     for (int i = 0; i < 4; ++i)
       tap.push(picture(i, i * 40 * kMs));
     tap.setPlaying(true);
@@ -185,7 +185,7 @@ class FrameTapTest : public QObject {
   }
 
   void flushKeepsThePictureUntilTheNext() {
-    FrameTap tap(25, 1, roomy());
+    FrameTap tap({25, 1}, roomy());
     for (int i = 0; i < 4; ++i)
       tap.push(picture(i, i * 40 * kMs));
     tap.setPlaying(true);
@@ -201,7 +201,7 @@ class FrameTapTest : public QObject {
   }
 
   void endIsToldOnceAfterTheLastPictureLasted() {
-    FrameTap tap(25, 1, roomy());
+    FrameTap tap({25, 1}, roomy());
     tap.push(picture(0, 0));
     tap.push(picture(1, 40 * kMs));
     tap.markEnd(80 * kMs);
@@ -220,14 +220,14 @@ class FrameTapTest : public QObject {
   }
 
   void endWithoutPicturesIsTold() {
-    FrameTap tap(25, 1);
+    FrameTap tap({25, 1});
     tap.setPlaying(true);
     tap.markEnd(0);
     QVERIFY(tap.pull(1).drained);
   }
 
   void pausedFilmDoesNotEnd() {
-    FrameTap tap(25, 1);
+    FrameTap tap({25, 1});
     tap.push(picture(0, 0));
     tap.markEnd(40 * kMs);
     for (int i = 0; i < 5; ++i)
@@ -235,7 +235,7 @@ class FrameTapTest : public QObject {
   }
 
   void pushWaitsWhileFullAndFlushReleasesIt() {
-    FrameTap tap(25, 1);
+    FrameTap tap({25, 1});
     for (int i = 0; i < 5; ++i)
       QVERIFY(tap.push(picture(i, i * 40 * kMs)));
     std::atomic<int> state{0};
@@ -248,7 +248,7 @@ class FrameTapTest : public QObject {
   }
 
   void fastFilmKeepsMorePictures() {
-    FrameTap tap(25, 1);
+    FrameTap tap({25, 1});
     for (int i = 0; i < 8; ++i)
       QVERIFY(tap.push(picture(i, i * 10 * kMs)));
     std::atomic<bool> pushed{false};
@@ -261,7 +261,7 @@ class FrameTapTest : public QObject {
   }
 
   void closeReleasesForGood() {
-    FrameTap tap(25, 1);
+    FrameTap tap({25, 1});
     std::thread pusher([&] {
       for (int i = 0; tap.push(picture(i, i * 40 * kMs)); ++i) {
       }
@@ -272,7 +272,7 @@ class FrameTapTest : public QObject {
   }
 
   void threadsAtOnce() {
-    FrameTap tap(1000, 1);
+    FrameTap tap({1000, 1});
     tap.setPlaying(true);
     std::atomic<bool> stop{false};
     std::thread pusher([&] {
