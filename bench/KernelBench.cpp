@@ -8,9 +8,9 @@
 #include <functional>
 #include <vector>
 
+#include "engine/bus/Compositor.h"
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/FramePool.h"
-#include "engine/items/PaintLayer.h"
 #include "engine/kernels/SampleKernels.h"
 #include "engine/mix/TransitionCatalog.h"
 #include "engine/monitor/PictureScaler.h"
@@ -191,18 +191,18 @@ int runKernelBench(const QList<int>& effects) {
       }
     }
   });
-  PaintLayer drawing;
+  Compositor compositor;
   QImage veil(kSize.width, kSize.height, QImage::Format_ARGB32);
   veil.fill(qRgba(255, 0, 0, 100));
-  drawing.commit(veil, kSize);
-  drawing.setValid(true);
-  FramePool drawn(kSize);
+  const std::vector<LayerRef> layers{Layer::make(veil, {}, kSize)};
+  FramePool composed(kSize);
   std::vector<FrameRef> below;
   below.reserve(kFrames);
   for (int i = 0; i < kFrames; ++i)
     below.push_back(noise(static_cast<std::uint32_t>(i)));
   int place = 0;
-  measure("drawing over all of it", reference, [&] { drawing.over(below[++place % kFrames], drawn); });
+  measure("drawing over all of it", reference,
+          [&] { compositor.over(below[++place % kFrames], layers, composed); });
   for (const FrameSize size : {FrameSize{296, 167}, FrameSize{544, 306}, FrameSize{912, 513}}) {
     PictureScaler scaler;
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(size.width) * size.height * 4);

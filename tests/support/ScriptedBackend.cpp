@@ -60,7 +60,7 @@ class ScriptedBackend final : public korvia::IShowBackend {
   void getOutputState(tagKorviaOutputStatistics*) override {
     show_.calls.append(QStringLiteral("getOutputState"));
   }
-  tagKorviaShowAudioLevel& getAudioLevel() override { return show_.levels; }
+  void getAudioLevel(tagKorviaShowAudioLevel& levels) override { levels = show_.levels; }
   void getFigures(tagKorviaShowEngineFigures& figures) override { figures = show_.figures; }
   void commitGrabImage(const QImage&) override { show_.calls.append(QStringLiteral("commitGrabImage")); }
   void setGrabImageValid(bool valid) override { note("setGrabImageValid", valid); }

@@ -1,42 +1,31 @@
-// Which channel stands on which bus, and what a take changes. Engine thread.
+// Which channel stands on which bus, and what a take makes of it. Plain values, engine thread.
 #pragma once
+#include "KorviaShowEvents.h"
 #include "KorviaShowObjectID.h"
+#include "backend/IShowBackend.h"
 
 namespace korvia {
 
-class BusSelection {
- public:
+struct BusSelection {
   /// Channel ids; 0 while nothing was selected.
-  int pvmChannel() const { return pvm_; }
-  int pgmChannel() const { return pgm_; }
-
-  void selectPvm(int channel) { pvm_ = channel; }
-  void selectPgm(int channel) { pgm_ = channel; }
-
-  struct Changes {
-    bool pvm = false;
-    bool pgm = false;
-  };
+  int pvm = 0;
+  int pgm = 0;
 
   /// The taken channel goes to program; when it stood on preview, the old program channel goes there. Nothing
   /// changes for 0, an empty preview.
-  Changes take(int channel) {
-    Changes changes;
-    if (channel == 0 || channel == pgm_)
-      return changes;
-    const int old = pgm_;
-    changes.pgm = true;
-    pgm_ = channel;
-    if (pvm_ == channel && old != 0) {
-      changes.pvm = true;
-      pvm_ = old;
-    }
-    return changes;
+  BusSelection afterTake(int channel) const {
+    if (channel == 0 || channel == pgm)
+      return *this;
+    return {pvm == channel && pgm != 0 ? pgm : pvm, channel};
   }
 
- private:
-  int pvm_ = 0;
-  int pgm_ = 0;
+  /// Reports what is other than `before`, program first.
+  void reportChanges(const BusSelection& before, IShowBackendHost& host) const {
+    if (pgm != before.pgm)
+      host.postResult(ShowEventSelectChannel, static_cast<qulonglong>(PGMObject), pgm);
+    if (pvm != before.pvm)
+      host.postResult(ShowEventSelectChannel, static_cast<qulonglong>(PVMObject), pvm);
+  }
 };
 
 }  // namespace korvia

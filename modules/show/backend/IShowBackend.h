@@ -46,7 +46,8 @@ class IShowBackend {
   virtual void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state) = 0;
   virtual void getSourceState(tagKorviaShowSourceStatisticsItem* items) = 0;
   virtual void getOutputState(tagKorviaOutputStatistics* statistics) = 0;
-  virtual tagKorviaShowAudioLevel& getAudioLevel() = 0;
+  /// Copies the newest levels out.
+  virtual void getAudioLevel(tagKorviaShowAudioLevel& levels) = 0;
   virtual void getFigures(tagKorviaShowEngineFigures& figures) = 0;
   virtual void commitGrabImage(const QImage& image) = 0;
   virtual void setGrabImageValid(bool valid) = 0;

@@ -1,110 +1,89 @@
-// The engine that works on the processor: sources, two buses, the switch between them, monitors, outputs.
-// The frame loop is frameStep(). Threads as IShowBackend says.
+// The engine that works on the processor: it owns the parts and runs the frame loop, frameStep(). What an
+// event does stands in the part that takes it. Threads as IShowBackend says.
 #pragma once
-#include <array>
 #include <atomic>
-#include <memory>
 #include <mutex>
 
-#include "backend/BusSelection.h"
 #include "backend/IShowBackend.h"
+#include "engine/EventTable.h"
 #include "engine/Janitor.h"
+#include "engine/ShowFormat.h"
 #include "engine/StageClock.h"
-#include "engine/frame/FramePool.h"
-#include "engine/items/PaintLayer.h"
-#include "engine/mix/ProgramSwitch.h"
-#include "engine/mix/TransitionScratch.h"
+#include "engine/audio/AudioMixer.h"
+#include "engine/bus/Switcher.h"
+#include "engine/channel/ChannelBank.h"
+#include "engine/items/ItemStage.h"
 #include "engine/monitor/MonitorHub.h"
 #include "engine/output/OutputRack.h"
 #include "engine/output/SnapshotWriter.h"
-#include "engine/source/SourceSet.h"
+#include "tagKorviaShowEngineInfo.h"
 
 namespace korvia {
 
 class SoftwareBackend final : public IShowBackend {
  public:
   SoftwareBackend();
-  ~SoftwareBackend() override;
 
   void begin(IShowBackendHost& host) override;
   void end() override;
-  void handleEvent(const ShowEvent& event) override;
+  void handleEvent(const ShowEvent& event) override { events_.dispatch(event); }
   void frameStep(const FrameTick& tick) override;
 
   IKorviaShowSource* openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,
                                 const tagKorviaFormatInfo& format, IUnknownEx* host) override;
-  void closeSource(KorviaShowObjectID id) override;
-  IKorviaShowSource* getSource(KorviaShowObjectID id) override;
+  void closeSource(KorviaShowObjectID id) override { channels_.closeSource(id); }
+  IKorviaShowSource* getSource(KorviaShowObjectID id) override { return channels_.getSource(id); }
   void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state) override;
   void getSourceState(tagKorviaShowSourceStatisticsItem* items) override;
   void getOutputState(tagKorviaOutputStatistics* statistics) override;
-  tagKorviaShowAudioLevel& getAudioLevel() override { return levels_; }
+  void getAudioLevel(tagKorviaShowAudioLevel& levels) override { mixer_.getLevels(levels); }
   void getFigures(tagKorviaShowEngineFigures& figures) override;
-  void commitGrabImage(const QImage& image) override;
-  void setGrabImageValid(bool valid) override;
-  void commitPaintPadImage(const QImage& image) override;
-  void setPaintPadValid(bool valid) override;
-  void pausePGMImage(bool pause) override;
+  // The screen cut is a layer that the engine does not have yet; nothing else shows it.
+  void commitGrabImage(const QImage&) override {}
+  void setGrabImageValid(bool) override {}
+  void commitPaintPadImage(const QImage& image) override { items_.commitPaintPad(image); }
+  void setPaintPadValid(bool valid) override { items_.setPaintPadValid(valid); }
+  void pausePGMImage(bool pause) override { programPaused_ = pause; }
 
  private:
-  /// The render set-up; written at open, read by both threads.
-  struct Show {
-    FrameSize size{1920, 1080};
-    FrameRate rate;
-  };
+  void fillEventTable();
 
   // Events. Engine thread.
-  void open(const ShowEvent& event);
+  void open(const tagKorviaShowEngineInfo& info, const tagKorviaShowWindowPackInfo& windows);
   void closeShow();
-  void resizeWindow(const ShowEvent& event);
-  void snapshot(const ShowEvent& event);
-  void moveLever(const ShowEvent& event);
-  void take(const ShowEvent& event);
-  void selectChannel(const ShowEvent& event);
-  void startOutput(const ShowEvent& event);
+  void snapshot(int object, const QString& path);
+  void startOutput(int slot, const tagKorviaShowOutputParam& param, const QString& programName,
+                   const tagKorviaFormatInfo& format);
+  void stopOutput(int slot, int kind);
 
   // The frame. Engine thread.
-  void pullSources(int ticks);
-  FrameRef inRenderSize(FrameRef picture) const;
-  FrameRef channelFrame(int channel) const;
-  FrameRef mixProgram();
-  void showMonitors();
-  void reportDoneTake();
-  void reportSwitch();
+  void showMonitors(const FrameRef& preview);
   void keepFigures(const FrameTick& tick);
-  Show show() const;
-  void closeSources();
 
   IShowBackendHost* host_ = nullptr;  // engine thread
   std::atomic<IKorviaShowEngineSink*> sink_{nullptr};
   bool open_ = false;  // engine thread
-
-  mutable std::mutex showMutex_;
-  Show show_;  // guarded by showMutex_
-
-  SourceSet sources_;
-  SourceArray active_;                             // engine thread: what sources_ held at the last change
-  quint64 sourcesVersion_ = 0;                     // engine thread
-  std::array<FrameRef, kSourceSlotCount> frames_;  // engine thread
-
-  std::unique_ptr<FramePool> pool_;  // engine thread
-  BusSelection buses_;               // engine thread
-  ProgramSwitch switch_;             // engine thread
-  TransitionScratch scratch_;        // engine thread
-  FrameRef mixed_;                   // engine thread: program without the drawing over it
-  FrameRef program_;                 // engine thread
+  ShowFormat format_;  // engine thread
+  FrameRef mixed_;     // engine thread; program without its layers
+  FrameRef program_;   // engine thread
   std::atomic<bool> programPaused_{false};
-  PaintLayer paint_;
+
+  // The parts, each after those that it needs.
   StageClock stages_;
   Janitor janitor_;
+  ChannelBank channels_;
+  Switcher switcher_;
+  std::unique_ptr<FramePool> pool_;  // engine thread; pictures with layers over them
+  ItemStage items_;
+  AudioMixer mixer_;
   MonitorHub monitors_;
   OutputRack outputs_;
   SnapshotWriter snapshots_;
+  EventTable events_;
 
   mutable std::mutex figuresMutex_;
   tagKorviaShowEngineFigures figures_;                // guarded by figuresMutex_
   std::chrono::steady_clock::time_point firstFrame_;  // engine thread
-  tagKorviaShowAudioLevel levels_;                    // silent until the mixer has sound
 };
 
 }  // namespace korvia

@@ -14,7 +14,7 @@ void SilentBackend::handleEvent(const ShowEvent& event) {
     case ShowEventSwitchPosition:
       host_->postResult(ShowEventSwitchPosition, a2);
       if (a2.toFloat() == 1.0F)
-        take(buses_.pvmChannel());
+        take(buses_.pvm);
       break;
     case ShowEventTake:
       host_->postResult(ShowEventSwitchPosition, 1.0F);
@@ -38,20 +38,17 @@ void SilentBackend::handleEvent(const ShowEvent& event) {
 }
 
 void SilentBackend::take(int channel) {
-  const BusSelection::Changes changes = buses_.take(channel);
-  if (changes.pgm)
-    host_->postResult(ShowEventSelectChannel, static_cast<qulonglong>(PGMObject), buses_.pgmChannel());
-  if (changes.pvm)
-    host_->postResult(ShowEventSelectChannel, static_cast<qulonglong>(PVMObject), buses_.pvmChannel());
+  const BusSelection before = std::exchange(buses_, buses_.afterTake(channel));
+  buses_.reportChanges(before, *host_);
 }
 
 void SilentBackend::select(const ShowEvent& event) {
   const int bus = event.args[0].toInt();
   const int channel = event.args[1].toInt();
   if (bus == PVMObject)
-    buses_.selectPvm(channel);
+    buses_.pvm = channel;
   else if (bus == PGMObject)
-    buses_.selectPgm(channel);
+    buses_.pgm = channel;
   else
     return;
   host_->postResult(ShowEventSelectChannel, static_cast<qulonglong>(bus), channel);
@@ -60,8 +57,8 @@ void SilentBackend::select(const ShowEvent& event) {
 void SilentBackend::frameStep(const FrameTick& tick) {
   std::lock_guard lock(figuresMutex_);
   figures_.frames += 1 + tick.missed;
-  figures_.pvmChannel = buses_.pvmChannel();
-  figures_.pgmChannel = buses_.pgmChannel();
+  figures_.pvmChannel = buses_.pvm;
+  figures_.pgmChannel = buses_.pgm;
 }
 
 IKorviaShowSource* SilentBackend::openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,

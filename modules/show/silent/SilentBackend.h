@@ -24,7 +24,7 @@ class SilentBackend final : public IShowBackend {
   void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state) override;
   void getSourceState(tagKorviaShowSourceStatisticsItem* items) override;
   void getOutputState(tagKorviaOutputStatistics* statistics) override;
-  tagKorviaShowAudioLevel& getAudioLevel() override { return levels_; }
+  void getAudioLevel(tagKorviaShowAudioLevel& levels) override { levels = {}; }
   void getFigures(tagKorviaShowEngineFigures& figures) override;
   void commitGrabImage(const QImage&) override {}
   void setGrabImageValid(bool) override {}
@@ -39,7 +39,6 @@ class SilentBackend final : public IShowBackend {
   IShowBackendHost* host_ = nullptr;                         // engine thread
   BusSelection buses_;                                       // engine thread
   std::unique_ptr<SilentSource> sources_[kSourceSlotCount];  // console thread
-  tagKorviaShowAudioLevel levels_;                           // console thread
   std::mutex figuresMutex_;
   tagKorviaShowEngineFigures figures_;  // guarded by figuresMutex_
 };

@@ -94,7 +94,8 @@ void KorviaShowEngine::getOutputState(tagKorviaOutputStatistics* statistics) {
 }
 
 tagKorviaShowAudioLevel& KorviaShowEngine::getAudioLevel() {
-  return backend_->getAudioLevel();
+  backend_->getAudioLevel(levels_);
+  return levels_;
 }
 
 void KorviaShowEngine::getFigures(tagKorviaShowEngineFigures& figures) {

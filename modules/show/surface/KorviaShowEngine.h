@@ -40,6 +40,7 @@ class KorviaShowEngine : public KorviaShowThread {
   /// `items`: one for each of the eight media channels.
   void getSourceState(tagKorviaShowSourceStatisticsItem* items);
   void getOutputState(tagKorviaOutputStatistics* statistics);
+  /// A copy of the newest levels, which stays as it is until the next call.
   tagKorviaShowAudioLevel& getAudioLevel();
   /// How the engine keeps its time, for the status page and for measuring.
   void getFigures(tagKorviaShowEngineFigures& figures);
@@ -62,6 +63,7 @@ class KorviaShowEngine : public KorviaShowThread {
 
   std::unique_ptr<Host> host_;
   std::unique_ptr<korvia::IShowBackend> backend_;
+  tagKorviaShowAudioLevel levels_;
   // One for each object that can hold a source; they outlive the calls made on them.
   std::unique_ptr<korvia::TracedSource> tracedSources_[korvia::kSourceSlotCount];
 };

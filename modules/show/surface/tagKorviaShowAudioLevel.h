@@ -1,4 +1,4 @@
-// Levels of all channels and both buses, from 0 to 100. Written by the engine, read on the console thread.
+// Levels of all channels and both buses, from 0 to 100. A plain value, copied from thread to thread.
 #pragma once
 #include <QMetaType>
 #include <array>

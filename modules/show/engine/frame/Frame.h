@@ -110,6 +110,10 @@ class FrameRef {
   Frame* frame_ = nullptr;
 };
 
+/// The picture over black: itself when it has no alpha, else a frame over the same memory that has none. The
+/// colours are premultiplied, so over black they are what they are.
+FrameRef opaque(const FrameRef& picture);
+
 /// The one writer of a frame that nobody else sees yet.
 class MutableFrame {
  public:

@@ -12,8 +12,9 @@
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
-// Without negative numbers: under * (255 - alpha) + black * alpha, divided by 255 exactly, less black.
-inline std::uint8_t laid(int top, int alpha, int under, int black) {
+// under * (255 - alpha) + black * alpha stays positive, so that it can be divided by 255 exactly; black is
+// taken off after.
+inline std::uint8_t blended(int top, int alpha, int under, int black) {
   const int sum = under * (255 - alpha) + black * alpha + 128;
   return static_cast<std::uint8_t>(std::clamp(top + ((sum + (sum >> 8)) >> 8) - black, 0, 255));
 }
@@ -37,10 +38,9 @@ void mixMaskedRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8
     out[x] = mixedByMask(a[x], b[x], mask[x]);
 }
 
-void layRow(const std::uint8_t* top, const std::uint8_t* alpha, const std::uint8_t* under, int black,
-            std::uint8_t* out, int count) {
+void blendRow(const std::uint8_t* top, const std::uint8_t* alpha, int black, std::uint8_t* row, int count) {
   for (int x = 0; x < count; ++x)
-    out[x] = laid(top[x], alpha[x], under[x], black);
+    row[x] = blended(top[x], alpha[x], row[x], black);
 }
 
 void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out) {
@@ -95,8 +95,8 @@ void mixMaskedRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RE
     out[x] = mixedByMask(a[x], b[x], mask[x]);
 }
 
-void layRow(const std::uint8_t* HWY_RESTRICT top, const std::uint8_t* HWY_RESTRICT alpha,
-            const std::uint8_t* HWY_RESTRICT under, int black, std::uint8_t* HWY_RESTRICT out, int count) {
+void blendRow(const std::uint8_t* HWY_RESTRICT top, const std::uint8_t* HWY_RESTRICT alpha, int black,
+              std::uint8_t* HWY_RESTRICT row, int count) {
   const hn::ScalableTag<std::uint16_t> d16;
   const hn::Rebind<std::uint8_t, decltype(d16)> d8;
   const hn::RebindToSigned<decltype(d16)> i16;
@@ -107,15 +107,15 @@ void layRow(const std::uint8_t* HWY_RESTRICT top, const std::uint8_t* HWY_RESTRI
   int x = 0;
   for (; x + lanes <= count; x += lanes) {
     const auto a = hn::PromoteTo(d16, hn::LoadU(d8, alpha + x));
-    const auto u = hn::PromoteTo(d16, hn::LoadU(d8, under + x));
+    const auto u = hn::PromoteTo(d16, hn::LoadU(d8, row + x));
     const auto t = hn::PromoteTo(d16, hn::LoadU(d8, top + x));
     const auto sum = hn::Add(hn::Add(hn::Mul(u, hn::Sub(full, a)), hn::Mul(none, a)), round);
     const auto dimmed = hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)));
     // Below zero it wraps to what is negative as a signed number.
-    hn::StoreU(hn::DemoteTo(d8, hn::BitCast(i16, hn::Sub(hn::Add(t, dimmed), none))), d8, out + x);
+    hn::StoreU(hn::DemoteTo(d8, hn::BitCast(i16, hn::Sub(hn::Add(t, dimmed), none))), d8, row + x);
   }
   for (; x < count; ++x)
-    out[x] = laid(top[x], alpha[x], under[x], black);
+    row[x] = blended(top[x], alpha[x], row[x], black);
 }
 
 void scaleRow(const std::uint8_t* HWY_RESTRICT row, const ColumnTable& table,
@@ -149,7 +149,7 @@ namespace korvia {
 
 HWY_EXPORT(mixRow);
 HWY_EXPORT(mixMaskedRow);
-HWY_EXPORT(layRow);
+HWY_EXPORT(blendRow);
 HWY_EXPORT(scaleRow);
 
 void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count) {
@@ -161,9 +161,8 @@ void mixMaskedRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8
   HWY_DYNAMIC_DISPATCH(mixMaskedRow)(a, b, mask, out, count);
 }
 
-void layRow(const std::uint8_t* top, const std::uint8_t* alpha, const std::uint8_t* under, int black,
-            std::uint8_t* out, int count) {
-  HWY_DYNAMIC_DISPATCH(layRow)(top, alpha, under, black, out, count);
+void blendRow(const std::uint8_t* top, const std::uint8_t* alpha, int black, std::uint8_t* row, int count) {
+  HWY_DYNAMIC_DISPATCH(blendRow)(top, alpha, black, row, count);
 }
 
 void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out) {

@@ -16,10 +16,9 @@ void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8
 void mixMaskedRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
                   int count);
 
-/// Lays a premultiplied row over another: out = top + (under - black) * (255 - alpha) / 255, rounded, where
-/// `black` is the code value of no colour, 16 for luma and 128 for chroma.
-void layRow(const std::uint8_t* top, const std::uint8_t* alpha, const std::uint8_t* under, int black,
-            std::uint8_t* out, int count);
+/// Blends a premultiplied row over `row`, in place: row = top + (row - black) * (255 - alpha) / 255, rounded,
+/// where `black` is the code value of no colour, 16 for luma and 128 for chroma.
+void blendRow(const std::uint8_t* top, const std::uint8_t* alpha, int black, std::uint8_t* row, int count);
 
 /// Scales a row by the table, which must be usable. `out` takes the table's width rounded up to eight.
 void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out);

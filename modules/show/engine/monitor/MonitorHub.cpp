@@ -1,9 +1,31 @@
 #include "MonitorHub.h"
 
+#include "KorviaShowObjectID.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
 
 namespace korvia {
+
+namespace {
+
+/// The MonitorHub::Window of an object, -1 for one without a window.
+int windowOf(int objectId) {
+  int index = 0;
+  const int kind = getObjectKind(objectId, index);
+  if (objectId == PGMObject)
+    return MonitorHub::Pgm;
+  if (objectId == PVMObject)
+    return MonitorHub::Pvm;
+  if (objectId == KaraokeObject)
+    return MonitorHub::Karaoke;
+  if (kind == MediaObjectKind && objectId >= MediaChannel && index < kMediaChannelMax)
+    return MonitorHub::FirstMedia + index;
+  if (kind == StageObjectKind && index < kStageChannelMax)
+    return MonitorHub::FirstStage + index;
+  return -1;
+}
+
+}  // namespace
 
 MonitorHub::~MonitorHub() {
   close();
@@ -42,8 +64,9 @@ void MonitorHub::close() {
   wanted_ = {};
 }
 
-void MonitorHub::resize(Window window, const tagKorviaWindowInfo& info) {
-  if (info.winId == 0)
+void MonitorHub::resizeObject(int objectId, const tagKorviaWindowInfo& info) {
+  const int window = windowOf(objectId);
+  if (window < 0 || info.winId == 0)
     return;
   wanted_[window] = true;
   std::lock_guard lock(mutex_);

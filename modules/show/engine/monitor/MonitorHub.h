@@ -36,8 +36,10 @@ class MonitorHub {
   // Engine thread.
   void open(const tagKorviaShowWindowPackInfo& windows);
   void close();
-  /// The window has another size, or is another window. One without a handle stays as it is.
-  void resize(Window window, const tagKorviaWindowInfo& info);
+  /// The window of a bus, a channel or the karaoke has another size, or is another window. Nothing happens
+  /// for one without a handle and for an object without a window.
+  void resizeObject(int objectId, const tagKorviaWindowInfo& info);
+  bool isShown(Window window) const { return wanted_[window]; }
   /// Leaves a picture for a window. Nothing is done for a window that does not exist.
   void show(Window window, const FrameRef& picture);
   /// All pictures of this frame are there: shows them.

@@ -63,7 +63,7 @@ class RowKernelsTest : public QObject {
       }
   }
 
-  void layingFollowsItsFormula() {
+  void blendingFollowsItsFormula() {
     const std::vector<std::uint8_t> top = noise(300, 3);
     const std::vector<std::uint8_t> under = noise(300, 4);
     std::vector<std::uint8_t> alpha = noise(300, 5);
@@ -74,7 +74,8 @@ class RowKernelsTest : public QObject {
         for (const int black : {16, 128}) {
           std::uint8_t out[256];
           memset(out, 99, sizeof out);
-          layRow(top.data() + start, alpha.data(), under.data() + 2 * start, black, out + start, count);
+          std::copy_n(under.data() + 2 * start, count, out + start);
+          blendRow(top.data() + start, alpha.data(), black, out + start, count);
           for (int x = 0; x < count; ++x) {
             const double exact = top[start + x] + (under[2 * start + x] - black) * (255 - alpha[x]) / 255.0;
             QVERIFY(qAbs(out[start + x] - qBound(0.0, exact, 255.0)) <= 0.51);

@@ -1,0 +1,18 @@
+// The render format of the open show. A plain value, any thread.
+#pragma once
+#include "FrameRate.h"
+#include "engine/frame/Frame.h"
+#include "tagKorviaFormatInfo.h"
+
+namespace korvia {
+
+struct ShowFormat {
+  FrameSize size{1920, 1080};
+  FrameRate rate;
+
+  /// The format that the console asks for; sides are even, since chroma and encoders count in pairs. A size or
+  /// a rate out of range is logged and replaced by 1920 x 1080 or 25 frames a second.
+  static ShowFormat of(const tagKorviaVideoFormat& video);
+};
+
+}  // namespace korvia

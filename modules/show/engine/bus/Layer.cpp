@@ -1,0 +1,104 @@
+#include "Layer.h"
+
+#include <QRect>
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+
+#include "engine/frame/PictureFrame.h"
+#include "engine/frame/PlaneView.h"
+
+namespace korvia {
+
+namespace {
+
+/// The smallest rectangle around all pixels within `part` that are not transparent.
+QRect coveredPart(const QImage& image, const QRect& part) {
+  const auto covers = [](QRgb pixel) { return qAlpha(pixel) != 0; };
+  int left = part.right() + 1;
+  int right = part.left();
+  int top = part.bottom() + 1;
+  int bottom = part.top();
+  for (int y = part.top(); y <= part.bottom(); ++y) {
+    const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+    const QRgb* begin = row + part.left();
+    const QRgb* end = row + part.right() + 1;
+    const QRgb* first = std::find_if(begin, end, covers);
+    if (first == end)
+      continue;
+    const QRgb* last = end;
+    while (!covers(last[-1]))
+      --last;
+    left = std::min(left, static_cast<int>(first - row));
+    right = std::max(right, static_cast<int>(last - row));
+    top = std::min(top, y);
+    bottom = y + 1;
+  }
+  return {left, top, std::max(0, right - left), std::max(0, bottom - top)};
+}
+
+/// The rectangle, in a bus's picture, with edges moved outwards to even places, but not past the borders.
+FrameRect onChromaGrid(const QRect& rect, FrameSize bus) {
+  const int left = rect.left() & ~1;
+  const int top = rect.top() & ~1;
+  const int right = std::min((rect.right() + 2) & ~1, bus.width);
+  const int bottom = std::min((rect.bottom() + 2) & ~1, bus.height);
+  return {left, top, right - left, bottom - top};
+}
+
+std::vector<std::uint8_t> meansOfAlpha(const Frame& picture) {
+  const PlaneView alpha = planeOf(picture, Frame::A);
+  const int width = picture.size().chromaWidth();
+  const int height = picture.size().chromaHeight();
+  std::vector<std::uint8_t> means(static_cast<std::size_t>(width) * height);
+  for (int y = 0; y < height; ++y) {
+    const std::uint8_t* upper = alpha.row(2 * y);
+    const std::uint8_t* lower = alpha.row(std::min(2 * y + 1, alpha.height - 1));
+    std::uint8_t* out = means.data() + static_cast<std::ptrdiff_t>(y) * width;
+    for (int x = 0; x < width; ++x) {
+      const int next = std::min(2 * x + 1, alpha.width - 1);
+      const int sum = upper[2 * x] + upper[next] + lower[2 * x] + lower[next];
+      out[x] = static_cast<std::uint8_t>((sum + 2) / 4);
+    }
+  }
+  return means;
+}
+
+}  // namespace
+
+LayerRef Layer::make(const QImage& image, QPoint at, FrameSize busSize) {
+  const QRect bus(0, 0, busSize.width, busSize.height);
+  const QRect visible = QRect(at, image.size()) & bus;
+  if (visible.isEmpty())
+    return {};
+  const QImage source = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+  const QRect covered = source.isNull() ? QRect() : coveredPart(source, visible.translated(-at));
+  if (covered.isEmpty())
+    return {};
+
+  auto layer = std::make_shared<Layer>();
+  layer->rect = onChromaGrid(covered.translated(at), busSize);
+  QImage canvas(layer->rect.width, layer->rect.height, QImage::Format_ARGB32_Premultiplied);
+  if (canvas.isNull())
+    return {};
+  canvas.fill(Qt::transparent);
+  const QPoint place = covered.topLeft() + at - QPoint(layer->rect.x, layer->rect.y);
+  for (int y = 0; y < covered.height(); ++y)
+    std::memcpy(canvas.scanLine(place.y() + y) + static_cast<std::ptrdiff_t>(place.x()) * sizeof(QRgb),
+                source.constScanLine(covered.y() + y) + static_cast<std::ptrdiff_t>(covered.x()) * sizeof(QRgb),
+                static_cast<std::size_t>(covered.width()) * sizeof(QRgb));
+  layer->picture = frameFromImage(canvas, ImageAlpha::Keep);
+  layer->chromaAlpha = meansOfAlpha(*layer->picture);
+  layer->busSize = busSize;
+  static std::atomic<std::uint64_t> lastVersion{0};
+  layer->version = ++lastVersion;
+  return layer;
+}
+
+const std::uint8_t* Layer::alphaRow(int plane, int y) const {
+  if (plane == Frame::Y)
+    return planeOf(*picture, Frame::A).row(y);
+  return chromaAlpha.data() + static_cast<std::ptrdiff_t>(y) * picture->size().chromaWidth();
+}
+
+}  // namespace korvia

@@ -1,0 +1,130 @@
+#include "ChannelBank.h"
+
+#include <algorithm>
+
+#include "engine/EngineLog.h"
+#include "engine/frame/FrameFit.h"
+#include "engine/source/SourceFactory.h"
+#include "engine/source/SourceThreads.h"
+
+namespace korvia {
+
+namespace {
+
+// Long enough for any pipeline that still answers; one that does not is left behind.
+constexpr int kSourceEndMs = 3000;
+
+}  // namespace
+
+ChannelBank::~ChannelBank() {
+  closeSources();
+}
+
+IKorviaShowSource* ChannelBank::openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,
+                                           const tagKorviaFormatInfo& format, IKorviaShowEngineSink* sink) {
+  const int slot = sourceIndexOf(id);
+  if (slot < 0) {
+    qCWarning(logEngine, "object %d holds no source", id);
+    return nullptr;
+  }
+  SourceContext context;
+  context.id = slot == kKaraokeSlot ? KaraokeObject : static_cast<KorviaShowObjectID>(MediaChannel + slot);
+  context.sink = sink;
+  {
+    std::lock_guard lock(formatMutex_);
+    context.renderSize = format_.size;
+    context.rate = format_.rate;
+  }
+  std::shared_ptr<Source> source = createSource(context, info, format);
+  IKorviaShowSource* result = source.get();
+  if (std::shared_ptr<Source> old = sources_.exchange(slot, std::move(source)))
+    old->close();
+  return result;
+}
+
+void ChannelBank::closeSource(KorviaShowObjectID id) {
+  const int slot = sourceIndexOf(id);
+  if (slot < 0)
+    return;
+  if (std::shared_ptr<Source> old = sources_.exchange(slot, nullptr))
+    old->close();
+}
+
+IKorviaShowSource* ChannelBank::getSource(KorviaShowObjectID id) {
+  const int slot = sourceIndexOf(id);
+  return slot < 0 ? nullptr : sources_.at(slot).get();
+}
+
+void ChannelBank::getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state) {
+  IKorviaShowSource* source = getSource(id);
+  state.playing = source && source->getPlayState() == Playing ? 1 : 0;
+  state.position = 0;
+  if (source)
+    source->getTime(state.position);
+}
+
+void ChannelBank::getSourceState(tagKorviaShowSourceStatisticsItem* items) {
+  for (int slot = 0; slot < kMediaChannelMax; ++slot) {
+    items[slot] = {};
+    const std::shared_ptr<Source> source = sources_.at(slot);
+    if (!source)
+      continue;
+    const SourceFigures figures = source->figures();
+    items[slot].description = figures.description;
+    items[slot].videoRate = figures.framesPerSecond / 1000;
+  }
+}
+
+void ChannelBank::open(const ShowFormat& format) {
+  {
+    std::lock_guard lock(formatMutex_);
+    format_ = format;
+  }
+  close();
+  pool_ = std::make_unique<FramePool>(format.size);
+}
+
+void ChannelBank::close() {
+  for (Channel& channel : channels_)
+    channel.clear();
+}
+
+void ChannelBank::closeSources() {
+  for (int slot = 0; slot < kSourceSlotCount; ++slot) {
+    if (std::shared_ptr<Source> old = sources_.exchange(slot, nullptr))
+      old->close();
+  }
+  active_ = {};
+  waitForClosedSources(kSourceEndMs);
+}
+
+void ChannelBank::beginTick(int ticks) {
+  SourceArray old;
+  if (sources_.refresh(sourcesVersion_, active_, old))
+    janitor_.dispose(std::move(old));
+  // Every source is pulled, looked at or not: its clock goes on.
+  for (int slot = 0; slot < kSourceSlotCount; ++slot)
+    channels_[slot].beginTick(active_[slot] ? inRenderSize(active_[slot]->pullFrame(ticks)) : FrameRef());
+}
+
+// A source keeps the size that it was opened for, which may be that of a show before this one.
+FrameRef ChannelBank::inRenderSize(FrameRef picture) {
+  if (!picture || picture->size() == pool_->size())
+    return picture;
+  MutableFrame fitted = pool_->acquire();
+  fitFrame(*picture, fitRect(picture->size(), 1, 1, pool_->size()), *fitted);
+  return std::move(fitted).publish();
+}
+
+FrameRef ChannelBank::picture(int channelId) {
+  // Below the media channels lie the ids of sources, which no bus shows.
+  const int slot = channelId >= MediaChannel ? sourceIndexOf(channelId) : -1;
+  return slot < 0 ? black() : channels_[slot].picture(*this, black());
+}
+
+int ChannelBank::sourceCount() const {
+  return static_cast<int>(
+      std::count_if(active_.begin(), active_.end(), [](const auto& source) { return source != nullptr; }));
+}
+
+}  // namespace korvia

@@ -1,0 +1,62 @@
+// All channels and the sources that feed them. Console thread: opening, closing and asking for sources; engine
+// thread: the pictures.
+#pragma once
+#include <array>
+#include <memory>
+#include <mutex>
+
+#include "engine/Janitor.h"
+#include "engine/ShowFormat.h"
+#include "engine/channel/Channel.h"
+#include "engine/frame/FramePool.h"
+#include "engine/source/SourceSet.h"
+#include "tagKorviaShowSourceStatisticsItem.h"
+#include "tagKorviaSourceState.h"
+
+namespace korvia {
+
+class ChannelBank final : public ChannelPictures {
+ public:
+  /// Sources whose end takes time are left to the janitor.
+  explicit ChannelBank(Janitor& janitor) : janitor_(janitor) {}
+  ~ChannelBank();
+
+  // Console thread.
+  /// Creates or replaces the source of the object. `sink` hears of it and may be null. Null, with a log line,
+  /// for an object that holds no source.
+  IKorviaShowSource* openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,
+                                const tagKorviaFormatInfo& format, IKorviaShowEngineSink* sink);
+  void closeSource(KorviaShowObjectID id);
+  IKorviaShowSource* getSource(KorviaShowObjectID id);
+  void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state);
+  /// `items`: one for each of the eight media channels.
+  void getSourceState(tagKorviaShowSourceStatisticsItem* items);
+
+  // Engine thread.
+  void open(const ShowFormat& format);
+  /// Forgets the pictures; the sources stay open.
+  void close();
+  /// Closes all sources and waits for them for a bounded time. Also for the console thread, when there is no
+  /// engine thread any more.
+  void closeSources();
+  /// Pulls the pictures of all sources for the next tick, `ticks` frames after the one before.
+  void beginTick(int ticks);
+  /// By the id of a media channel or of the karaoke; black for every other id.
+  FrameRef picture(int channelId) override;
+  FrameRef black() { return pool_->black(); }
+  int sourceCount() const;
+
+ private:
+  FrameRef inRenderSize(FrameRef picture);
+
+  Janitor& janitor_;
+  mutable std::mutex formatMutex_;
+  ShowFormat format_;  // guarded by formatMutex_
+  SourceSet sources_;
+  SourceArray active_;                              // engine thread: what sources_ held at the last change
+  quint64 sourcesVersion_ = 0;                      // engine thread
+  std::unique_ptr<FramePool> pool_;                 // engine thread
+  std::array<Channel, kSourceSlotCount> channels_;  // engine thread
+};
+
+}  // namespace korvia

@@ -1,0 +1,56 @@
+#include "ItemStage.h"
+
+#include "engine/frame/FrameFit.h"
+
+namespace korvia {
+
+namespace {
+
+const QString kPaintPadKey = QStringLiteral("paint pad");
+
+LayerRef drawingLayer(const QImage& image, FrameSize size) {
+  if (image.isNull() || size.isEmpty())
+    return {};
+  const FrameRect rect = fitRect({image.width(), image.height()}, 1, 1, size);
+  const QImage fitted = image.size() == QSize(rect.width, rect.height)
+                            ? image
+                            : image.scaled(rect.width, rect.height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  return Layer::make(fitted, {rect.x, rect.y}, size);
+}
+
+}  // namespace
+
+void ItemStage::commitPaintPad(const QImage& image) {
+  FrameSize size;
+  {
+    std::lock_guard lock(sizeMutex_);
+    size = size_;
+  }
+  raster_.request(kPaintPadKey, [image, size] { return drawingLayer(image, size); });
+}
+
+void ItemStage::setPaintPadValid(bool valid) {
+  paintPadValid_ = valid;
+  if (!valid)
+    raster_.withdraw(kPaintPadKey);
+}
+
+void ItemStage::open(const ShowFormat& format) {
+  std::lock_guard lock(sizeMutex_);
+  size_ = format.size;
+}
+
+void ItemStage::beginFrame() {
+  raster_.collect(drawn_);
+  for (RasterWorker::Drawn& drawn : drawn_) {
+    // What was shown so far goes back to the worker, which destroys it.
+    if (drawn.key == kPaintPadKey)
+      paintPad_.swap(drawn.layer);
+  }
+  if (paintPadValid_ && paintPad_)
+    pgm_.layers().put(LayerKind::PaintPad, kPaintPadKey, paintPad_);
+  else
+    pgm_.layers().remove(LayerKind::PaintPad, kPaintPadKey);
+}
+
+}  // namespace korvia
