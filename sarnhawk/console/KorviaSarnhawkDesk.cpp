@@ -14,6 +14,7 @@
 #include "console/GWidgetDisplayObject.h"
 #include "console/KorviaSarnhawk.h"
 #include "console/OutputSwitches.h"
+#include "console/ShowChange.h"
 #include "console/StatusPublisher.h"
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
@@ -24,7 +25,6 @@
 
 namespace {
 
-constexpr unsigned kAudioMixerChanged = 0x10;
 constexpr QPoint kSnapshotTipOffset(8, -52);
 
 }  // namespace
@@ -170,7 +170,7 @@ void KorviaSarnhawk::onClicked_audioMixModePushButton() {
   else if (button == _ui->_manulMixModePushButton)
     _config.audioMixer.mixMode = AudioMixModeManual;
   postEvent(ShowEventAudioMixMode, _config.audioMixer.mixMode);
-  saveChanges(kAudioMixerChanged);
+  saveChanges(ShowChangeAudioMixer);
 }
 
 float KorviaSarnhawk::volumeOf(int percent) {
@@ -180,7 +180,7 @@ float KorviaSarnhawk::volumeOf(int percent) {
 void KorviaSarnhawk::setVolume(int objectId, double& volume, int percent) {
   volume = static_cast<double>(volumeOf(percent));
   postEvent(ShowEventVolume, objectId, volume);
-  saveChanges(kAudioMixerChanged);
+  saveChanges(ShowChangeAudioMixer);
 }
 
 void KorviaSarnhawk::onValueChanged_pgmVolumeVerticalSlider(int value) {

@@ -10,6 +10,7 @@
 #include "console/GWidgetDisplayObjectConfig.h"
 #include "console/KorviaSarnhawk.h"
 #include "console/OutputSwitches.h"
+#include "console/ShowChange.h"
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
 #include "present/popupAt.h"
@@ -17,8 +18,6 @@
 #include "ui_KorviaSarnhawk.h"
 
 namespace {
-
-constexpr unsigned kChannelsChanged = 3;
 
 // What a film that ends takes over with.
 constexpr int kSwitchEffect = 22;
@@ -203,7 +202,7 @@ void KorviaSarnhawk::onSelectWhitePadChannel(int index) {
   for (GWidgetDisplayObject* strip : _strips->strips())
     strip->applyOnAirRule(channelId);
   postEvent(ShowEventSelectChannel, PVMObject, channelId);
-  saveChanges(kChannelsChanged);
+  saveChanges(ShowChangeMediaChannel | ShowChangeStageChannel);
 }
 
 void KorviaSarnhawk::onWhitePadShown() {}
