@@ -3,6 +3,7 @@
 #pragma once
 #include <QMainWindow>
 #include <array>
+#include <atomic>
 #include <memory>
 
 #include "CKorviaRTMPIncomeServerHelper.h"
@@ -229,6 +230,8 @@ class KorviaSarnhawk : public QMainWindow,
   GAppCaptionBar* _captionBar;
   tagKorviaProductInfo _product;
   tagKorviaSarnhawkConfig _config;
+  /// The record's pvmChannel, for the threads of sources: the record itself belongs to the console thread.
+  std::atomic<int> _selectedPVM{_config.pvmChannel};
   QString _rootPath;
   IProgressSink* _progress = nullptr;
   tagGSystemTTFFontInfo _fontInfo;

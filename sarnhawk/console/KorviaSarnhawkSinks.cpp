@@ -1,6 +1,5 @@
 // How the console answers: services to its children, results and questions of the engine, the paint pad.
 #include <QSignalBlocker>
-#include <atomic>
 
 #include "IKorviaShowSource.h"
 #include "KorviaMetaType.h"
@@ -83,9 +82,7 @@ void KorviaSarnhawk::unlockBackground(KorviaShowObjectID id, QImage& image) {
 }
 
 void KorviaSarnhawk::onSourceNotify(KorviaShowObjectID id, int what, int param) {
-  // The selection is written on the console thread while this runs on one of a source.
-  const int pvmChannel = std::atomic_ref<qint32>(_config.pvmChannel).load();
-  if (what == kSourceNotifySwitch && id == pvmChannel)
+  if (what == kSourceNotifySwitch && id == _selectedPVM.load())
     postEvent(ShowEventTake, param, kSwitchEffect, kSwitchSeconds, kSwitchEasing);
 }
 
@@ -130,7 +127,8 @@ void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1,
 
 void KorviaSarnhawk::onChannelSelected(quint64 bus, int channelId) {
   if (bus == PVMObject) {
-    std::atomic_ref<qint32>(_config.pvmChannel).store(channelId);
+    _config.pvmChannel = channelId;
+    _selectedPVM = channelId;
     if (_channelConfig && _channelConfig->isVisible())
       _channelConfig->showChannel(channelId);
     for (GWidgetDisplayObject* strip : _strips->strips())
