@@ -13,6 +13,7 @@
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
 #include "present/popupAt.h"
+#include "tagKorviaShowPresentPlacement.h"
 #include "transitions/GWidgetTransitionEffectConfig.h"
 #include "ui_KorviaSarnhawk.h"
 
@@ -102,7 +103,8 @@ void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1,
       onChannelSelected(a1.toULongLong(), a2.toInt());
       break;
     case ShowEventPlacementChanged:
-      // The page of the item takes the record over first; it goes back to the engine in any case.
+      // It goes back to the engine in any case, also when no page takes it over.
+      _pages.placement(fromVariant<tagKorviaShowPresentPlacement>(a1));
       postEvent(ShowEventPlacementCommit, a1);
       break;
     case ShowEventStartOutput:
