@@ -23,6 +23,11 @@ void GToolWindow::present() {
   activateWindow();
 }
 
+void GToolWindow::onDestroyUi() {
+  hide();
+  delete this;
+}
+
 // The way out where no window manager draws a close button.
 void GToolWindow::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape)

@@ -3,7 +3,9 @@
 #pragma once
 #include <QWidget>
 
-class GToolWindow : public QWidget {
+#include "console/ConsolePage.h"
+
+class GToolWindow : public QWidget, public ConsolePage {
   Q_OBJECT
 
  public:
@@ -11,6 +13,10 @@ class GToolWindow : public QWidget {
 
   /// Brings the window before the operator, also when it was minimised.
   void present();
+
+  void onHideAll() override { hide(); }
+  /// Deletes the window.
+  void onDestroyUi() override;
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;

@@ -14,6 +14,7 @@
 #include "console/GFloatWidgetToolButton.h"
 #include "console/IKorviaSarnhawkPriv.h"
 #include "console/MultimediaClock.h"
+#include "console/ShowChange.h"
 #include "console/StripChooser.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "console/windowInfoOf.h"
@@ -22,8 +23,6 @@
 
 namespace {
 
-constexpr unsigned kMediaChanged = 1;
-constexpr unsigned kStageChanged = 2;
 // An income stream that delivers no more than this is as good as silent.
 constexpr float kIncomeRateMin = 10.0F;
 
@@ -279,7 +278,7 @@ void GWidgetDisplayObject::openSlot(const tagKorviaShowChannelSlot& chosen) {
                        host);
   setTitle();
   _ui->_closePushButton->show();
-  _priv->saveChanges(kMediaChanged);
+  _priv->saveChanges(ShowChangeMediaChannel);
 }
 
 void GWidgetDisplayObject::openStage(const tagKorviaStageSlot& chosen) {
@@ -289,7 +288,7 @@ void GWidgetDisplayObject::openStage(const tagKorviaStageSlot& chosen) {
   _priv->postEvent(ShowEventAddComponent, _objectId, toVariant(slot.info));
   setTitle();
   _ui->_closePushButton->show();
-  _priv->saveChanges(kStageChanged);
+  _priv->saveChanges(ShowChangeStageChannel);
 }
 
 void GWidgetDisplayObject::onClicked_closeSourcePushButton() {
@@ -311,7 +310,7 @@ void GWidgetDisplayObject::closeMedia() {
   if (_pgmInOutActionTimer)
     _pgmInOutActionTimer->stop();
   _restartTick = 0;
-  _priv->saveChanges(kMediaChanged, -1);
+  _priv->saveChanges(ShowChangeMediaChannel, -1);
 }
 
 void GWidgetDisplayObject::closeStage() {
@@ -319,7 +318,7 @@ void GWidgetDisplayObject::closeStage() {
   slot.inUse = 0;
   _priv->postEvent(ShowEventRemoveComponent, _objectId, slot.info.scene.id);
   _ui->_closePushButton->hide();
-  _priv->saveChanges(kStageChanged, -1);
+  _priv->saveChanges(ShowChangeStageChannel, -1);
 }
 
 void GWidgetDisplayObject::onPGMInOutActionTimer() {

@@ -33,7 +33,7 @@ class IKorviaSarnhawkPriv : public IUnknownEx {
   virtual void showSoundControl(int channelId, QWidget* button) = 0;
   virtual void showTransitionConfig(int transitionIndex) = 0;
   virtual void showChannelConfig(QWidget* button, int channelId) = 0;
-  /// Called after every edit of the record, with a mask that says what changed. Stores nothing.
+  /// Called after every edit of the record; `what` is a mask of ShowChange. Stores nothing.
   virtual void saveChanges(unsigned what, int channel = -1) = 0;
   virtual void updateTakeButton(int transitionIndex) = 0;
   virtual void takeChannel(int channelId, int transitionIndex) = 0;

@@ -17,12 +17,13 @@
 #include "StatusBoard.h"
 #include "ZRCUtil.h"
 #include "audio/GDialogAudoDevCheck.h"
-#include "audio/QVUMeter.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/GWidgetDisplayObjectConfig.h"
+#include "console/LevelMeters.h"
 #include "console/MediaFileChooser.h"
 #include "console/MultimediaClock.h"
 #include "console/OutputSwitches.h"
+#include "console/StatisticsFetch.h"
 #include "console/StatusPublisher.h"
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
@@ -58,6 +59,18 @@ const QList<tagCheckNetPortItem> kNetPorts{{1935, true},  {8080, true},  {8800, 
 /// The console's own engine class: nothing is added, the type is what modules tell engines apart by.
 class ConsoleShowEngine final : public KorviaShowEngine {};
 
+class PaintPadPage final : public ConsolePage {
+ public:
+  explicit PaintPadPage(GWhitePadObject& pad) : _pad(pad) {}
+
+  void onFrameTick() override { _pad.updateBackground(); }
+  void onHideAll() override { _pad.setVisible(false, false); }
+  void onDestroyUi() override { _pad.destory(); }
+
+ private:
+  GWhitePadObject& _pad;
+};
+
 }  // namespace
 
 KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent)
@@ -66,10 +79,17 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent)
       _captionBar(captionBar),
       _stripChooser{&MediaFileChooser::choose, {}},
       _strips(std::make_unique<StripArea>(this, &_stripChooser)),
-      _transport(std::make_unique<TransportRow>(*_ui)),
+      _transport(std::make_unique<TransportRow>(this, *_ui)),
       _outputs(std::make_unique<OutputSwitches>(this, *_ui)),
-      _status(std::make_unique<StatusPublisher>(this, _strips.get())) {
+      _statistics(std::make_unique<StatisticsFetch>(this)),
+      _status(std::make_unique<StatusPublisher>(this, _strips.get())),
+      _whitePadPage(std::make_unique<PaintPadPage>(_whitePad)) {
   setObjectName(QStringLiteral("KorviaSarnhawk"));
+  _pages.add(PagePlace::Strips, _strips.get());
+  _pages.add(PagePlace::Transport, _transport.get());
+  _pages.add(PagePlace::StatisticsFetch, _statistics.get());
+  _pages.add(PagePlace::StatusPublisher, _status.get());
+  _pages.add(PagePlace::PaintPad, _whitePadPage.get());
   for (std::size_t index = 0; index < _config.channels.size(); ++index)
     _config.channels[index].source.incomePath = QStringLiteral("/income/%1").arg(index);
   _config.outputParam.items[OutputSlotRecord].recordPath = QStringLiteral("d:\\records\\vod\\%1\\").arg(0);
@@ -77,8 +97,7 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent)
 
 KorviaSarnhawk::~KorviaSarnhawk() {
   stopEngine();
-  _whitePad.destory();
-  _strips->destroy();
+  _pages.destroyUi();
 }
 
 bool KorviaSarnhawk::release() {
@@ -155,7 +174,8 @@ bool KorviaSarnhawk::createUi() {
   _ui->setupUi(this);
   _ui->_programNameLineEdit->setText(_config.programName);
   _strips->build(_config.layoutMode, _ui->_switchViewWidget);
-  createMeters();
+  _levels = std::make_unique<LevelMeters>(this, _strips.get(), *_ui);
+  _pages.add(PagePlace::Levels, _levels.get());
   createLever();
   createWindows();
   checkAudioDevices();
@@ -175,18 +195,6 @@ bool KorviaSarnhawk::createUi() {
   return true;
 }
 
-void KorviaSarnhawk::createMeters() {
-  const auto addMeter = [](QFrame* frame) {
-    auto* meter = new QVUMeter(frame, false);
-    auto* layout = new QVBoxLayout(frame);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(meter);
-    return meter;
-  };
-  _pvmMeter = addMeter(_ui->_pvmAUMeterFrame);
-  _pgmMeter = addMeter(_ui->_pgmAUMeterFrame);
-}
-
 void KorviaSarnhawk::createLever() {
   QWidget* container = _ui->_switchProcessPosVerticalSliderContainer;
   _lever = new SwitchLever(container);
@@ -201,7 +209,9 @@ void KorviaSarnhawk::createWindows() {
   // Sound control comes before the transition editor, the screen cut and the statistics after the channel
   // window: windows stack in the order in which they are made.
   _transitionConfig = new GWidgetTransitionEffectConfig(this, this);
+  _pages.add(PagePlace::TransitionEditor, _transitionConfig);
   _channelConfig = new GWidgetDisplayObjectConfig(this, this);
+  _pages.add(PagePlace::ChannelConfig, _channelConfig);
   _ui->_screenCutPushButton->setEnabled(false);
 }
 
@@ -382,9 +392,7 @@ void KorviaSarnhawk::onEngineOpened() {
   centralWidget()->setEnabled(true);
   for (int index = 0; index < kTakeButtonCount; ++index)
     updateTakeButton(index);
-  for (GWidgetDisplayObject* strip : _strips->strips())
-    strip->onEngineOpened();
-  // Pages hand their items to the engine here: it has its channels and not yet its state.
+  _pages.engineOpened();
   if (_engine)
     postInitialState();
   _outputs->applyDirectOutputs();
@@ -444,14 +452,7 @@ bool KorviaSarnhawk::openMedia(int index, const QString& path) {
 }
 
 void KorviaSarnhawk::hideAll() {
-  // Screen cut and statistics hide first, the program list after the channel window.
-  if (_channelConfig)
-    _channelConfig->hide();
-  for (GWidgetDisplayObject* strip : _strips->strips())
-    strip->hideFloat();
-  _whitePad.setVisible(false, false);
-  if (_transitionConfig)
-    _transitionConfig->hide();
+  _pages.hideAll();
 }
 
 void KorviaSarnhawk::close() {
@@ -491,16 +492,7 @@ void KorviaSarnhawk::stopEngine() {
 
 void KorviaSarnhawk::destroyUi() {
   qDebug("destory paint pad ...");
-  _whitePad.destory();
-  // The floating windows go before the pages that they point at, the pages before the strips.
-  delete _channelConfig;
-  _channelConfig = nullptr;
-  // Editor and program list outlive the pages, which may still take.
-  if (_transitionConfig)
-    _transitionConfig->hide();
-  delete _transitionConfig;
-  _transitionConfig = nullptr;
-  _strips->destroy();
+  _pages.destroyUi();
 }
 
 void KorviaSarnhawk::onAction_quit() {
@@ -562,8 +554,6 @@ bool KorviaSarnhawk::eventFilter(QObject* watched, QEvent* event) {
 void KorviaSarnhawk::followWindow(QEvent* event) {
   const bool isGone = event->type() == QEvent::Hide ||
                       (event->type() == QEvent::WindowStateChange && window()->isMinimized());
-  if (isGone) {
-    for (GWidgetDisplayObject* strip : _strips->strips())
-      strip->hideFloat();
-  }
+  if (isGone)
+    _strips->hideFloats();
 }

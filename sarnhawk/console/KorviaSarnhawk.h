@@ -2,7 +2,8 @@
 // servers and all child windows. GUI thread, except what the show sinks say.
 #pragma once
 #include <QMainWindow>
-#include <array>
+#include <QPointer>
+#include <atomic>
 #include <memory>
 
 #include "CKorviaRTMPIncomeServerHelper.h"
@@ -12,25 +13,25 @@
 #include "IKorviaShowEngineSink.h"
 #include "IKorviaShowThreadSink.h"
 #include "IKorviaWebServerSink.h"
+#include "console/ConsolePages.h"
 #include "console/IKorviaSarnhawkPriv.h"
 #include "console/StripChooser.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "shell/IKorviaSarnhawk.h"
 #include "shell/tagKorviaProductInfo.h"
 #include "tagGSystemTTFFontInfo.h"
-#include "tagKorviaOutputStatistics.h"
-#include "tagKorviaShowSourceStatisticsItem.h"
 #include "transitions/TransitionCatalogue.h"
 
 class GAppCaptionBar;
 class GWidgetDisplayObject;
 class GWidgetDisplayObjectConfig;
 class GWidgetTransitionEffectConfig;
+class LevelMeters;
 class OutputSwitches;
 class QMenu;
 class QTimer;
 class QToolButton;
-class QVUMeter;
+class StatisticsFetch;
 class StatusPublisher;
 class StripArea;
 class SwitchLever;
@@ -180,6 +181,7 @@ class KorviaSarnhawk : public QMainWindow,
 
   CKorviaWebServerHelper _webServer;
   CKorviaRTMPIncomeServerHelper _incomeServer;
+  ConsolePages _pages;
 
  private:
   static constexpr int kTakeButtonCount = 4;
@@ -187,7 +189,6 @@ class KorviaSarnhawk : public QMainWindow,
   void overrideConfig(const QString& rootPath);
   void addLyricFolders();
   bool createUi();
-  void createMeters();
   void createLever();
   void createWindows();
   void checkAudioDevices();
@@ -211,17 +212,12 @@ class KorviaSarnhawk : public QMainWindow,
   void stopEngine();
   void destroyUi();
 
-  void updateLevels();
-  void updateTransport();
-  void updateStatistics();
-
   void onChannelSelected(quint64 bus, int channelId);
   void onVolumeReported(int objectId, float volume);
   void onMixModeReported(int mode);
   void onChannelMixReported(int channelId, int audioState);
   static float volumeOf(int percent);
   void setVolume(int objectId, double& volume, int percent);
-  IKorviaShowSource* previewSource();
   QToolButton* takeButton(int transitionIndex) const;
   void followWindow(QEvent* event);
 
@@ -229,6 +225,8 @@ class KorviaSarnhawk : public QMainWindow,
   GAppCaptionBar* _captionBar;
   tagKorviaProductInfo _product;
   tagKorviaSarnhawkConfig _config;
+  /// The record's pvmChannel, for the threads of sources: the record itself belongs to the console thread.
+  std::atomic<int> _selectedPVM{_config.pvmChannel};
   QString _rootPath;
   IProgressSink* _progress = nullptr;
   tagGSystemTTFFontInfo _fontInfo;
@@ -240,20 +238,19 @@ class KorviaSarnhawk : public QMainWindow,
   std::unique_ptr<StripArea> _strips;
   std::unique_ptr<TransportRow> _transport;
   std::unique_ptr<OutputSwitches> _outputs;
+  std::unique_ptr<StatisticsFetch> _statistics;
   std::unique_ptr<StatusPublisher> _status;
-  QVUMeter* _pvmMeter = nullptr;
-  QVUMeter* _pgmMeter = nullptr;
+  std::unique_ptr<LevelMeters> _levels;
   SwitchLever* _lever = nullptr;
   QMenu* _systemMenu = nullptr;
-  GWidgetTransitionEffectConfig* _transitionConfig = nullptr;
-  GWidgetDisplayObjectConfig* _channelConfig = nullptr;
+  QPointer<GWidgetTransitionEffectConfig> _transitionConfig;
+  QPointer<GWidgetDisplayObjectConfig> _channelConfig;
   GWhitePadObject _whitePad;
+  std::unique_ptr<ConsolePage> _whitePadPage;
 
   QTimer* _frameTimer = nullptr;
   QTimer* _workTimer = nullptr;
   KorviaShowEngine* _engine = nullptr;
-  tagKorviaOutputStatistics _outputStatistics;
-  std::array<tagKorviaShowSourceStatisticsItem, kMediaChannelMax> _sourceStatistics;
 
   quint64 _frameTicks = 0;
   quint64 _workTicks = 0;
@@ -262,5 +259,4 @@ class KorviaSarnhawk : public QMainWindow,
   bool _engineRequested = false;
   bool _pgmVolumeHeld = false;
   bool _pvmVolumeHeld = false;
-  bool _seekHeld = false;
 };

@@ -10,21 +10,18 @@
 #include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
 #include "KorviaShowUtil.h"
-#include "audio/QVUMeter.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/KorviaSarnhawk.h"
 #include "console/OutputSwitches.h"
-#include "console/StatusPublisher.h"
+#include "console/ShowChange.h"
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
 #include "console/TransportRow.h"
-#include "tagKorviaShowAudioLevel.h"
 #include "transitions/TakeRules.h"
 #include "ui_KorviaSarnhawk.h"
 
 namespace {
 
-constexpr unsigned kAudioMixerChanged = 0x10;
 constexpr QPoint kSnapshotTipOffset(8, -52);
 
 }  // namespace
@@ -35,76 +32,41 @@ void KorviaSarnhawk::onFrameTimer() {
     _engineRequested = true;
     openEngine();
   }
-  for (GWidgetDisplayObject* strip : _strips->strips())
-    strip->onFrameTick();
-  // Pages move here: after the strips and before the levels, so that lyrics and pictures step together.
-  updateLevels();
-  _whitePad.updateBackground();
-  // The screen cut captures last, when everything on the screen has moved.
+  _pages.frameTick();
 }
 
 void KorviaSarnhawk::onWorkTimer() {
   ++_workTicks;
-  for (GWidgetDisplayObject* strip : _strips->strips())
-    strip->onWorkTick();
-  updateTransport();
-  updateStatistics();
-  _status->publish();
-}
-
-void KorviaSarnhawk::updateLevels() {
-  if (!_engine)
-    return;
-  const tagKorviaShowAudioLevel& levels = _engine->getAudioLevel();
-  _pvmMeter->setValues(levels.pvm().left, levels.pvm().right);
-  _pgmMeter->setValues(levels.pgm().left, levels.pgm().right);
-  for (GWidgetDisplayObject* strip : _strips->strips())
-    strip->updateLevels(levels);
-}
-
-IKorviaShowSource* KorviaSarnhawk::previewSource() {
-  return getSource(static_cast<KorviaShowObjectID>(_config.pvmChannel));
-}
-
-void KorviaSarnhawk::updateTransport() {
-  _transport->update(previewSource(), _seekHeld);
-}
-
-void KorviaSarnhawk::updateStatistics() {
-  if (!_engine)
-    return;
-  _outputStatistics = {};
-  _engine->getOutputState(&_outputStatistics);
-  _engine->getSourceState(_sourceStatistics.data());
+  _pages.workTick();
 }
 
 void KorviaSarnhawk::onClicked_playMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
+  if (IKorviaShowSource* source = _transport->source())
     source->play();
 }
 
 void KorviaSarnhawk::onClicked_stopMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
+  if (IKorviaShowSource* source = _transport->source())
     source->stop();
 }
 
 void KorviaSarnhawk::onClicked_pauseMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
+  if (IKorviaShowSource* source = _transport->source())
     source->pause();
 }
 
 void KorviaSarnhawk::onClicked_prevMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
+  if (IKorviaShowSource* source = _transport->source())
     source->prev();
 }
 
 void KorviaSarnhawk::onClicked_nextMediaPushButton() {
-  if (IKorviaShowSource* source = previewSource())
+  if (IKorviaShowSource* source = _transport->source())
     source->next();
 }
 
 void KorviaSarnhawk::onValueChanged_seekMediaHorizontalSlider(int value) {
-  IKorviaShowSource* source = previewSource();
+  IKorviaShowSource* source = _transport->source();
   if (!source)
     return;
   const int state = source->getPlayState();
@@ -114,11 +76,11 @@ void KorviaSarnhawk::onValueChanged_seekMediaHorizontalSlider(int value) {
 }
 
 void KorviaSarnhawk::onSliderPressed_seekMediaHorizontalSlider() {
-  _seekHeld = true;
+  _transport->holdSeek();
 }
 
 void KorviaSarnhawk::onSliderReleased_seekMediaHorizontalSlider() {
-  _seekHeld = false;
+  _transport->releaseSeek();
 }
 
 void KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider(int value) {
@@ -170,7 +132,7 @@ void KorviaSarnhawk::onClicked_audioMixModePushButton() {
   else if (button == _ui->_manulMixModePushButton)
     _config.audioMixer.mixMode = AudioMixModeManual;
   postEvent(ShowEventAudioMixMode, _config.audioMixer.mixMode);
-  saveChanges(kAudioMixerChanged);
+  saveChanges(ShowChangeAudioMixer);
 }
 
 float KorviaSarnhawk::volumeOf(int percent) {
@@ -180,7 +142,7 @@ float KorviaSarnhawk::volumeOf(int percent) {
 void KorviaSarnhawk::setVolume(int objectId, double& volume, int percent) {
   volume = static_cast<double>(volumeOf(percent));
   postEvent(ShowEventVolume, objectId, volume);
-  saveChanges(kAudioMixerChanged);
+  saveChanges(ShowChangeAudioMixer);
 }
 
 void KorviaSarnhawk::onValueChanged_pgmVolumeVerticalSlider(int value) {

@@ -1,6 +1,5 @@
 // How the console answers: services to its children, results and questions of the engine, the paint pad.
 #include <QSignalBlocker>
-#include <atomic>
 
 #include "IKorviaShowSource.h"
 #include "KorviaMetaType.h"
@@ -10,15 +9,15 @@
 #include "console/GWidgetDisplayObjectConfig.h"
 #include "console/KorviaSarnhawk.h"
 #include "console/OutputSwitches.h"
+#include "console/ShowChange.h"
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
 #include "present/popupAt.h"
+#include "tagKorviaShowPresentPlacement.h"
 #include "transitions/GWidgetTransitionEffectConfig.h"
 #include "ui_KorviaSarnhawk.h"
 
 namespace {
-
-constexpr unsigned kChannelsChanged = 3;
 
 // What a film that ends takes over with.
 constexpr int kSwitchEffect = 22;
@@ -84,9 +83,7 @@ void KorviaSarnhawk::unlockBackground(KorviaShowObjectID id, QImage& image) {
 }
 
 void KorviaSarnhawk::onSourceNotify(KorviaShowObjectID id, int what, int param) {
-  // The selection is written on the console thread while this runs on one of a source.
-  const int pvmChannel = std::atomic_ref<qint32>(_config.pvmChannel).load();
-  if (what == kSourceNotifySwitch && id == pvmChannel)
+  if (what == kSourceNotifySwitch && id == _selectedPVM.load())
     postEvent(ShowEventTake, param, kSwitchEffect, kSwitchSeconds, kSwitchEasing);
 }
 
@@ -106,7 +103,8 @@ void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1,
       onChannelSelected(a1.toULongLong(), a2.toInt());
       break;
     case ShowEventPlacementChanged:
-      // The page of the item takes the record over first; it goes back to the engine in any case.
+      // It goes back to the engine in any case, also when no page takes it over.
+      _pages.placement(fromVariant<tagKorviaShowPresentPlacement>(a1));
       postEvent(ShowEventPlacementCommit, a1);
       break;
     case ShowEventStartOutput:
@@ -131,7 +129,8 @@ void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1,
 
 void KorviaSarnhawk::onChannelSelected(quint64 bus, int channelId) {
   if (bus == PVMObject) {
-    std::atomic_ref<qint32>(_config.pvmChannel).store(channelId);
+    _config.pvmChannel = channelId;
+    _selectedPVM = channelId;
     if (_channelConfig && _channelConfig->isVisible())
       _channelConfig->showChannel(channelId);
     for (GWidgetDisplayObject* strip : _strips->strips())
@@ -203,7 +202,7 @@ void KorviaSarnhawk::onSelectWhitePadChannel(int index) {
   for (GWidgetDisplayObject* strip : _strips->strips())
     strip->applyOnAirRule(channelId);
   postEvent(ShowEventSelectChannel, PVMObject, channelId);
-  saveChanges(kChannelsChanged);
+  saveChanges(ShowChangeMediaChannel | ShowChangeStageChannel);
 }
 
 void KorviaSarnhawk::onWhitePadShown() {}

@@ -41,7 +41,7 @@ QJsonObject engineSection(const tagKorviaShowEngineFigures& figures, bool isOpen
 
 }  // namespace
 
-void StatusPublisher::publish() const {
+void StatusPublisher::onWorkTick() {
   tagKorviaShowEngineFigures figures;
   KorviaShowEngine* engine = _priv->getEngine();
   if (engine)

@@ -2,17 +2,19 @@
 #pragma once
 #include <QJsonObject>
 
+#include "console/ConsolePage.h"
+
 class IKorviaSarnhawkPriv;
 class StripArea;
 struct tagKorviaShowEngineFigures;
 
-class StatusPublisher {
+class StatusPublisher : public ConsolePage {
  public:
   /// Neither is owned; both must outlive the publisher.
   StatusPublisher(IKorviaSarnhawkPriv* priv, const StripArea* strips) : _priv(priv), _strips(strips) {}
 
   /// Replaces all sections; without an engine they tell of the record alone.
-  void publish() const;
+  void onWorkTick() override;
 
  private:
   QJsonObject buses(const tagKorviaShowEngineFigures& figures) const;

@@ -51,7 +51,27 @@ void StripArea::build(int layoutMode, QWidget* area) {
   }
 }
 
-void StripArea::destroy() {
+void StripArea::hideFloats() {
+  for (GWidgetDisplayObject* strip : _strips)
+    strip->hideFloat();
+}
+
+void StripArea::onEngineOpened() {
+  for (GWidgetDisplayObject* strip : _strips)
+    strip->onEngineOpened();
+}
+
+void StripArea::onFrameTick() {
+  for (GWidgetDisplayObject* strip : _strips)
+    strip->onFrameTick();
+}
+
+void StripArea::onWorkTick() {
+  for (GWidgetDisplayObject* strip : _strips)
+    strip->onWorkTick();
+}
+
+void StripArea::onDestroyUi() {
   for (GWidgetDisplayObject*& strip : _slots) {
     if (!strip)
       continue;

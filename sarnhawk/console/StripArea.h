@@ -4,20 +4,29 @@
 #include <array>
 
 #include "KorviaShowObjectID.h"
+#include "console/ConsolePage.h"
 
 class GWidgetDisplayObject;
 class IKorviaSarnhawkPriv;
 class QWidget;
 struct StripChooser;
 
-class StripArea {
+class StripArea : public ConsolePage {
  public:
   /// None is owned; all must outlive the strips.
   StripArea(IKorviaSarnhawkPriv* priv, const StripChooser* chooser) : _priv(priv), _chooser(chooser) {}
 
   /// Fills the area with the strips of the mode, media first. No strips for a mode that does not exist.
   void build(int layoutMode, QWidget* area);
-  void destroy();
+  /// Takes the buttons that float over the strips off the screen.
+  void hideFloats();
+
+  void onEngineOpened() override;
+  void onFrameTick() override;
+  void onWorkTick() override;
+  void onHideAll() override { hideFloats(); }
+  /// Leaves an area without strips.
+  void onDestroyUi() override;
 
   /// In the order in which they were made.
   const QList<GWidgetDisplayObject*>& strips() const { return _strips; }

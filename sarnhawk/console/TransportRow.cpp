@@ -6,6 +6,8 @@
 #include <iterator>
 
 #include "IKorviaShowSource.h"
+#include "console/IKorviaSarnhawkPriv.h"
+#include "console/tagKorviaSarnhawkConfig.h"
 #include "tagKorviaShowSourceInfo.h"
 #include "ui_KorviaSarnhawk.h"
 
@@ -67,7 +69,12 @@ QString TransportRow::timeText(qint64 tenthsOfMs) {
   return QTime::fromMSecsSinceStartOfDay(static_cast<int>(ms)).toString(QStringLiteral("hh:mm:ss"));
 }
 
-void TransportRow::update(IKorviaShowSource* source, bool isSeekHeld) {
+IKorviaShowSource* TransportRow::source() const {
+  return _priv->getSource(static_cast<KorviaShowObjectID>(_priv->getConfig()->pvmChannel));
+}
+
+void TransportRow::onWorkTick() {
+  IKorviaShowSource* source = this->source();
   _ui._mediaControlWidget->setEnabled(source != nullptr);
   if (!source)
     return;
@@ -79,7 +86,7 @@ void TransportRow::update(IKorviaShowSource* source, bool isSeekHeld) {
   _ui._mediaStateLabel->setText(
       stateName(source->getPlayState()) +
       QStringLiteral(" %1/%2").arg(source->getItemIndex() + 1).arg(source->getItemCount()));
-  if (!isSeekHeld) {
+  if (!_seekHeld) {
     qint64 position = 0;
     source->getPosition(position);
     const QSignalBlocker blocker(_ui._seekMediaHorizontalSlider);

@@ -1,21 +1,28 @@
-// What the transport row shows of the source on preview. Console thread.
+// The source on preview, and what the transport row shows of it. Console thread.
 #pragma once
 #include <QString>
 
+#include "console/ConsolePage.h"
+
+class IKorviaSarnhawkPriv;
 class IKorviaShowSource;
 
 namespace Ui {
 class KorviaSarnhawk;
 }
 
-class TransportRow {
+class TransportRow : public ConsolePage {
  public:
-  /// `ui` must outlive the row.
-  explicit TransportRow(Ui::KorviaSarnhawk& ui) : _ui(ui) {}
+  /// Both must outlive the row.
+  TransportRow(IKorviaSarnhawkPriv* priv, Ui::KorviaSarnhawk& ui) : _priv(priv), _ui(ui) {}
 
-  /// Shows time, state and the buttons that make sense for the source; disables the row for null. The seek
-  /// slider stays where it is while the operator holds it.
-  void update(IKorviaShowSource* source, bool isSeekHeld);
+  /// The source of the channel selected on PVM, null when there is none.
+  IKorviaShowSource* source() const;
+  /// Between the two the seek slider is the operator's and stays where it is.
+  void holdSeek() { _seekHeld = true; }
+  void releaseSeek() { _seekHeld = false; }
+  /// Shows time, state and the buttons that make sense for the source; disables the row without one.
+  void onWorkTick() override;
 
   /// Translated name of a KorviaShowPlayState; empty for any other number.
   static QString stateName(int state);
@@ -25,5 +32,7 @@ class TransportRow {
  private:
   void showButtons(int sourceKind);
 
+  IKorviaSarnhawkPriv* _priv;
   Ui::KorviaSarnhawk& _ui;
+  bool _seekHeld = false;
 };

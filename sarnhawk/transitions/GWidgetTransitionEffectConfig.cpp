@@ -3,6 +3,7 @@
 #include <QSignalBlocker>
 
 #include "console/IKorviaSarnhawkPriv.h"
+#include "console/ShowChange.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "present/GListWidgetItem.h"
 #include "present/buildThumbList.h"
@@ -11,7 +12,6 @@
 namespace {
 
 constexpr QSize kTileSize(100, 100);
-constexpr unsigned kTransitionsChanged = 4;
 
 }  // namespace
 
@@ -96,7 +96,7 @@ void GWidgetTransitionEffectConfig::onListWidgetItemClicked(QListWidget* listWid
   _priv->updateTakeButton(_transitionIndex);
   if (!easing && _ui->_takeEffectCheckBox->isChecked())
     _priv->takeSelected(_transitionIndex);
-  _priv->saveChanges(kTransitionsChanged);
+  _priv->saveChanges(ShowChangeSystem);
 }
 
 void GWidgetTransitionEffectConfig::onValueChanged_durationDoubleSpinBox(double value) {
@@ -104,5 +104,5 @@ void GWidgetTransitionEffectConfig::onValueChanged_durationDoubleSpinBox(double 
   if (!edited)
     return;
   edited->duration = static_cast<float>(value);
-  _priv->saveChanges(kTransitionsChanged);
+  _priv->saveChanges(ShowChangeSystem);
 }

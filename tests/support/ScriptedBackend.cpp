@@ -57,8 +57,9 @@ class ScriptedBackend final : public korvia::IShowBackend {
   void getSourceState(tagKorviaShowSourceStatisticsItem*) override {
     show_.calls.append(QStringLiteral("getSourceState"));
   }
-  void getOutputState(tagKorviaOutputStatistics*) override {
+  void getOutputState(tagKorviaOutputStatistics* statistics) override {
     show_.calls.append(QStringLiteral("getOutputState"));
+    *statistics = show_.outputStatistics;
   }
   void getAudioLevel(tagKorviaShowAudioLevel& levels) override { levels = show_.levels; }
   void getFigures(tagKorviaShowEngineFigures& figures) override { figures = show_.figures; }

@@ -98,6 +98,7 @@ class ScriptedShow {
   QStringList calls;
   tagKorviaShowAudioLevel levels;
   tagKorviaShowEngineFigures figures;
+  tagKorviaOutputStatistics outputStatistics;
   IUnknownEx* lastHost = nullptr;
   int enginesAlive = 0;
   IKorviaShowEngineSink* engineSink() const;

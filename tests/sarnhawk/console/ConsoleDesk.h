@@ -36,6 +36,8 @@ class DeskConsole : public KorviaSarnhawk {
   /// What saveChanges was called with, mask and channel, in order.
   SavedChanges savedChanges;
 
+  ConsolePages& pages() { return _pages; }
+
   void saveChanges(unsigned what, int channel = -1) override {
     savedChanges.append({what, channel});
     KorviaSarnhawk::saveChanges(what, channel);

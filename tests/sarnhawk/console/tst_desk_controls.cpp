@@ -632,6 +632,22 @@ class DeskControlsTest : public QObject {
     QCOMPARE(posted[0].args[3].toInt(), 0);
   }
 
+  void filmThatEndsAsksForTheSelectionOfThatMoment() {
+    OpenDesk desk;
+    IKorviaShowEngineSink* sink = desk.show.engineSink();
+    desk.report(ShowEventSelectChannel, qulonglong{0x1001}, 0x12);
+    desk.report(ShowEventSelectChannel, qulonglong{0x1002}, 0x10);
+    std::thread source([sink] {
+      sink->onSourceNotify(MediaChannel, 2, 0x10);
+      sink->onSourceNotify(static_cast<KorviaShowObjectID>(0x12), 2, 0x11);
+    });
+    source.join();
+    desk.settle();
+    const auto posted = desk.show.eventsOf(ShowEventTake);
+    QCOMPARE(posted.size(), std::size_t{1});
+    QCOMPARE(posted[0].args[0].toInt(), 0x11);
+  }
+
   void draggedItemGoesBackToTheEngine() {
     OpenDesk desk;
     tagKorviaShowPresentPlacement placement;

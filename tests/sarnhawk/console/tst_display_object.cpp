@@ -96,7 +96,7 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(panels[0]->findChildren<GWidgetDisplayObject*>().size(), layout->total / 2);
     QCOMPARE(panels[0]->layout()->spacing(), 2);
     QCOMPARE(panels[1]->layout()->spacing(), 4);
-    area.destroy();
+    area.onDestroyUi();
     QVERIFY(place.findChildren<GWidgetDisplayObject*>().isEmpty());
   }
 

@@ -1,11 +1,25 @@
 // What a fresh show record holds.
 #include <QtTest>
 
+#include "ShowChange.h"
 #include "tagKorviaSarnhawkConfig.h"
 
 class SarnhawkConfigTest : public QObject {
   Q_OBJECT
  private slots:
+  void changesHaveTheirMasks() {
+    QCOMPARE(unsigned{ShowChangeMediaChannel}, 0x1U);
+    QCOMPARE(unsigned{ShowChangeStageChannel}, 0x2U);
+    QCOMPARE(unsigned{ShowChangeSystem}, 0x4U);
+    QCOMPARE(unsigned{ShowChangeAudioMixer}, 0x10U);
+    QCOMPARE(unsigned{ShowChangeOutput}, 0x20U);
+    QCOMPARE(unsigned{ShowChangeKaraoke}, 0x100U);
+    QCOMPARE(unsigned{ShowChangeTexts}, 0x200U);
+    QCOMPARE(unsigned{ShowChangeLogos}, 0x400U);
+    QCOMPARE(unsigned{ShowChangeOverlays}, 0x800U);
+    QCOMPARE(unsigned{ShowChangeComponents}, 0x1000U);
+  }
+
   void holdsItsDefaults() {
     const tagKorviaSarnhawkConfig config;
     QCOMPARE(config.language, QString());

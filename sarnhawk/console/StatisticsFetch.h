@@ -1,0 +1,30 @@
+// Fetches what the engine counts of its sources and outputs, once a work tick, for whoever shows it. Console
+// thread.
+#pragma once
+#include <array>
+
+#include "KorviaShowObjectID.h"
+#include "console/ConsolePage.h"
+#include "tagKorviaOutputStatistics.h"
+#include "tagKorviaShowSourceStatisticsItem.h"
+
+class IKorviaSarnhawkPriv;
+
+class StatisticsFetch : public ConsolePage {
+ public:
+  using Sources = std::array<tagKorviaShowSourceStatisticsItem, kMediaChannelMax>;
+
+  /// `priv` must outlive the object.
+  explicit StatisticsFetch(IKorviaSarnhawkPriv* priv) : _priv(priv) {}
+
+  /// Without an engine the figures stay as they are.
+  void onWorkTick() override;
+
+  const tagKorviaOutputStatistics& outputs() const { return _outputs; }
+  const Sources& sources() const { return _sources; }
+
+ private:
+  IKorviaSarnhawkPriv* _priv;
+  tagKorviaOutputStatistics _outputs;
+  Sources _sources;
+};
