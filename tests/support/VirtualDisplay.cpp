@@ -22,13 +22,17 @@ VirtualDisplay::~VirtualDisplay() {
   server_.waitForFinished(kEndMs);
 }
 
-bool VirtualDisplay::start(const QSize& screen) {
+bool VirtualDisplay::start(const QSize& screen, const QStringList& arguments) {
   server_.setStandardErrorFile(QProcess::nullDevice());
   // The server chooses a free number and writes it to its standard output.
-  server_.start(QStringLiteral("Xvfb"),
-                {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-nolisten"),
-                 QStringLiteral("tcp"), QStringLiteral("-screen"), QStringLiteral("0"),
-                 QStringLiteral("%1x%2x24").arg(screen.width()).arg(screen.height())});
+  const QStringList own{QStringLiteral("-displayfd"),
+                        QStringLiteral("1"),
+                        QStringLiteral("-nolisten"),
+                        QStringLiteral("tcp"),
+                        QStringLiteral("-screen"),
+                        QStringLiteral("0"),
+                        QStringLiteral("%1x%2x24").arg(screen.width()).arg(screen.height())};
+  server_.start(QStringLiteral("Xvfb"), own + arguments);
   QByteArray number;
   while (!number.endsWith('\n') && server_.waitForReadyRead(kStartMs))
     number += server_.readAllStandardOutput();

@@ -15,8 +15,8 @@ class VirtualDisplay {
   VirtualDisplay& operator=(const VirtualDisplay&) = delete;
   ~VirtualDisplay();
 
-  /// False, after ten seconds at most, when there is no server.
-  bool start(const QSize& screen);
+  /// Starts the server, with these further arguments. False, after ten seconds at most, when there is none.
+  bool start(const QSize& screen, const QStringList& arguments = {});
   /// What DISPLAY is to be, e.g. ":7".
   QString name() const { return name_; }
 

@@ -100,7 +100,7 @@ void MonitorHub::commit() {
 void MonitorHub::run() {
   nameThread("kv-monitor");
   runBehind();
-  factory_ = createMonitorSurfaceFactory();
+  factory_ = makeFactory_();
   std::array<FrameRef, WindowCount> pictures;
   std::unique_lock lock(mutex_);
   for (;;) {
@@ -130,6 +130,7 @@ void MonitorHub::run() {
     lock.lock();
   }
   lock.unlock();
+  shown_ = {};
   for (std::unique_ptr<MonitorSurface>& surface : surfaces_)
     surface.reset();
   factory_.reset();
@@ -138,8 +139,11 @@ void MonitorHub::run() {
 void MonitorHub::showPictures(std::array<FrameRef, WindowCount>& pictures) {
   StageClock::Scope scope(stages_, StageClock::Monitors);
   for (int i = 0; i < WindowCount; ++i) {
-    if (pictures[i] && surfaces_[i])
+    // A picture that stands still stays on the screen by itself.
+    if (pictures[i] && surfaces_[i] && (pictures[i] != shown_[i] || surfaces_[i]->isLost()))
       surfaces_[i]->show(*pictures[i]);
+    if (pictures[i])
+      shown_[i] = std::move(pictures[i]);
     // Program and preview have been shown; when the next frame is here already, the strips wait for it.
     pictures[i].reset();
     if (i + 1 >= FirstMedia && i + 1 < WindowCount && pictures[i + 1]) {

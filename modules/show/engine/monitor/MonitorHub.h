@@ -4,6 +4,7 @@
 #include <array>
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -27,8 +28,12 @@ class MonitorHub {
     WindowCount = Karaoke + 1,
   };
 
-  /// The time that each frame's pictures take is kept in `stages`, which must outlive the hub.
-  explicit MonitorHub(StageClock& stages) : stages_(stages) {}
+  using MakeFactory = std::function<std::unique_ptr<MonitorSurfaceFactory>()>;
+
+  /// The time that each frame's pictures take is kept in `stages`, which must outlive the hub. `makeFactory`
+  /// is called on the monitor thread.
+  explicit MonitorHub(StageClock& stages, MakeFactory makeFactory = createMonitorSurfaceFactory)
+      : stages_(stages), makeFactory_(std::move(makeFactory)) {}
   ~MonitorHub();
   MonitorHub(const MonitorHub&) = delete;
   MonitorHub& operator=(const MonitorHub&) = delete;
@@ -59,6 +64,7 @@ class MonitorHub {
   void showPictures(std::array<FrameRef, WindowCount>& pictures);
 
   StageClock& stages_;
+  const MakeFactory makeFactory_;
   std::mutex mutex_;
   std::condition_variable wake_;              // with mutex_
   std::array<Slot, WindowCount> slots_;       // guarded by mutex_
@@ -72,6 +78,7 @@ class MonitorHub {
   std::unique_ptr<MonitorSurfaceFactory> factory_;                     // monitor thread
   std::array<std::unique_ptr<MonitorSurface>, WindowCount> surfaces_;  // monitor thread
   std::array<WId, WindowCount> windowIds_{};                           // monitor thread
+  std::array<FrameRef, WindowCount> shown_;                            // monitor thread; the last pictures
 };
 
 }  // namespace korvia

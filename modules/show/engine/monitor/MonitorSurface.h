@@ -14,6 +14,9 @@ class MonitorSurface {
   virtual void resize(const tagKorviaWindowInfo& window) = 0;
   /// Shows the picture, centred, black around it.
   virtual void show(const Frame& picture) = 0;
+  /// Whether what was shown last may not be on the screen any more, so that it must be shown again although
+  /// it did not change.
+  virtual bool isLost() const = 0;
 };
 
 /// Makes the surfaces of one kind of desktop. Monitor thread.

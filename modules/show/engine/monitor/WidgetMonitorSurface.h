@@ -12,11 +12,16 @@ namespace korvia {
 class WidgetMonitorSurface final : public MonitorSurface {
  public:
   explicit WidgetMonitorSurface(const tagKorviaWindowInfo& window) : window_(window) {}
-  void resize(const tagKorviaWindowInfo& window) override { window_ = window; }
+  void resize(const tagKorviaWindowInfo& window) override {
+    window_ = window;
+    lost_ = true;
+  }
   void show(const Frame& picture) override;
+  bool isLost() const override { return lost_; }
 
  private:
   tagKorviaWindowInfo window_;
+  bool lost_ = true;  // a widget that has a picture paints it again by itself
   PictureScaler scaler_;
   // One picture may be under way to the widget; the next waits until that one has been taken.
   std::shared_ptr<std::atomic<bool>> underWay_ = std::make_shared<std::atomic<bool>>(false);

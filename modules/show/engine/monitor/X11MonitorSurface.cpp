@@ -6,6 +6,7 @@
 #include <QLoggingCategory>
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace korvia {
 
@@ -28,19 +29,51 @@ XcbReply<Reply> ownReply(Reply* reply) {
 
 bool canDraw(xcb_connection_t* connection) {
   const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
-  if (!screen || screen->root_depth != kDepth)
+  return screen && screen->root_depth == kDepth;
+}
+
+/// A new segment of shared memory that the display has attached as `segment`; null when it cannot.
+void* shareWith(xcb_connection_t* connection, xcb_shm_seg_t segment, std::size_t bytes) {
+  const int id = shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0600);
+  if (id < 0)
+    return nullptr;
+  void* memory = shmat(id, nullptr, 0);
+  const bool attached =
+      memory != reinterpret_cast<void*>(-1) &&
+      !ownReply(xcb_request_check(connection, xcb_shm_attach_checked(connection, segment, id, 0)));
+  // Marked now, the segment goes with its last user, also when the program is killed.
+  shmctl(id, IPC_RMID, nullptr);
+  if (attached)
+    return memory;
+  if (memory != reinterpret_cast<void*>(-1))
+    shmdt(memory);
+  return nullptr;
+}
+
+bool canShareMemory(xcb_connection_t* connection) {
+  const xcb_query_extension_reply_t* extension = xcb_get_extension_data(connection, &xcb_shm_id);
+  if (!extension || !extension->present)
     return false;
-  const auto version =
-      ownReply(xcb_shm_query_version_reply(connection, xcb_shm_query_version(connection), nullptr));
-  return version != nullptr;
+  constexpr std::size_t kProbeBytes = 4096;
+  const xcb_shm_seg_t segment = xcb_generate_id(connection);
+  void* memory = shareWith(connection, segment, kProbeBytes);
+  if (!memory)
+    return false;
+  xcb_shm_detach(connection, segment);
+  shmdt(memory);
+  return true;
 }
 
 }  // namespace
 
 std::unique_ptr<X11MonitorSurfaceFactory> X11MonitorSurfaceFactory::connect() {
   xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
-  if (xcb_connection_has_error(connection) == 0 && canDraw(connection))
-    return std::unique_ptr<X11MonitorSurfaceFactory>(new X11MonitorSurfaceFactory(connection));
+  if (xcb_connection_has_error(connection) == 0 && canDraw(connection)) {
+    const bool sharesMemory = canShareMemory(connection);
+    if (!sharesMemory)
+      qCInfo(logMonitor, "the display attaches no shared memory, pictures go through the connection");
+    return std::unique_ptr<X11MonitorSurfaceFactory>(new X11MonitorSurfaceFactory(connection, sharesMemory));
+  }
   qCWarning(logMonitor, "failed to draw into windows directly, monitors go through the console's thread");
   xcb_disconnect(connection);
   return nullptr;
@@ -60,8 +93,9 @@ void X11MonitorSurfaceFactory::flush() {
     return;
   }
   // Any round trip will do: when the answer is here the server has read the shared pictures.
-  ownReply(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
-  dropEvents();
+  if (std::exchange(drawn_, false))
+    ownReply(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
+  handleEvents();
 }
 
 void X11MonitorSurfaceFactory::lookAtWindows() {
@@ -79,17 +113,28 @@ void X11MonitorSurfaceFactory::lookAtWindows() {
     const auto geometry = ownReply(xcb_get_geometry_reply(connection_, question.geometry, nullptr));
     const auto attributes =
         ownReply(xcb_get_window_attributes_reply(connection_, question.attributes, nullptr));
-    question.surface->visible_ = attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
-    if (geometry)
-      question.surface->windowSize_ = {geometry->width, geometry->height};
+    X11MonitorSurface& surface = *question.surface;
+    const bool visible = attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+    const FrameSize size = geometry ? FrameSize{geometry->width, geometry->height} : surface.windowSize_;
+    if (visible != surface.visible_ || size != surface.windowSize_)
+      surface.lost_ = true;
+    surface.visible_ = visible;
+    surface.windowSize_ = size;
   }
-  dropEvents();
+  drawn_ = false;
+  handleEvents();
 }
 
 // Errors of windows that are gone arrive here too and mean nothing more.
-void X11MonitorSurfaceFactory::dropEvents() {
-  while (xcb_generic_event_t* event = xcb_poll_for_event(connection_))
-    std::free(event);
+void X11MonitorSurfaceFactory::handleEvents() {
+  constexpr int kSentBit = 0x80;
+  while (const auto event = ownReply(xcb_poll_for_event(connection_))) {
+    if ((event->response_type & ~kSentBit) != XCB_EXPOSE)
+      continue;
+    const xcb_window_t window = reinterpret_cast<const xcb_expose_event_t*>(event.get())->window;
+    for (X11MonitorSurface* surface : surfaces_)
+      surface->lost_ = surface->lost_ || surface->window_ == window;
+  }
 }
 
 X11MonitorSurface::X11MonitorSurface(X11MonitorSurfaceFactory& factory, const tagKorviaWindowInfo& window)
@@ -100,6 +145,9 @@ X11MonitorSurface::X11MonitorSurface(X11MonitorSurfaceFactory& factory, const ta
   const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
   const std::uint32_t values[] = {screen->black_pixel, 0};
   xcb_create_gc(connection_, context_, window_, XCB_GC_FOREGROUND | XCB_GC_GRAPHICS_EXPOSURES, values);
+  // Told of what the server could not keep: a window that was covered comes back empty.
+  const std::uint32_t events = XCB_EVENT_MASK_EXPOSURE;
+  xcb_change_window_attributes(connection_, window_, XCB_CW_EVENT_MASK, &events);
   factory_.surfaces_.push_back(this);
   resize(window);
 }
@@ -115,43 +163,62 @@ void X11MonitorSurface::resize(const tagKorviaWindowInfo& window) {
       ownReply(xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window_), nullptr));
   windowSize_ = geometry ? FrameSize{geometry->width, geometry->height}
                          : FrameSize{window.right - window.left + 1, window.bottom - window.top + 1};
+  lost_ = true;
 }
 
 void X11MonitorSurface::dropImage() {
-  if (!pixels_)
-    return;
-  xcb_shm_detach(connection_, segment_);
-  shmdt(pixels_);
+  if (segment_ != 0) {
+    xcb_shm_detach(connection_, segment_);
+    shmdt(pixels_);
+  }
+  segment_ = 0;
   pixels_ = nullptr;
   imageSize_ = {};
 }
 
-bool X11MonitorSurface::prepareImage(FrameSize size) {
+void X11MonitorSurface::prepareImage(FrameSize size) {
   if (pixels_ && imageSize_ == size)
-    return true;
+    return;
   dropImage();
   const std::size_t bytes = static_cast<std::size_t>(size.width) * size.height * 4;
-  const int id = shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0600);
-  if (id < 0)
-    return false;
-  void* memory = shmat(id, nullptr, 0);
-  if (memory == reinterpret_cast<void*>(-1)) {
-    shmctl(id, IPC_RMID, nullptr);
-    return false;
+  if (!factory_.sharesMemory_ || !shareImage(bytes)) {
+    ownPixels_.resize(bytes);
+    pixels_ = ownPixels_.data();
   }
-  segment_ = xcb_generate_id(connection_);
-  const auto error =
-      ownReply(xcb_request_check(connection_, xcb_shm_attach_checked(connection_, segment_, id, 0)));
-  // Marked now, the segment goes with its last user, also when the program is killed.
-  shmctl(id, IPC_RMID, nullptr);
-  if (error) {
-    shmdt(memory);
-    qCWarning(logMonitor, "failed to share a picture with the display");
-    return false;
-  }
-  pixels_ = static_cast<std::uint8_t*>(memory);
   imageSize_ = size;
+}
+
+bool X11MonitorSurface::shareImage(std::size_t bytes) {
+  const xcb_shm_seg_t segment = xcb_generate_id(connection_);
+  void* memory = shareWith(connection_, segment, bytes);
+  if (!memory)
+    return false;
+  segment_ = segment;
+  pixels_ = static_cast<std::uint8_t*>(memory);
   return true;
+}
+
+void X11MonitorSurface::putImage(const MonitorRect& rect) {
+  const auto word = [](int value) { return static_cast<std::int16_t>(value); };
+  const auto count = [](int value) { return static_cast<std::uint16_t>(value); };
+  const FrameSize size = rect.size;
+  if (segment_ != 0) {
+    xcb_shm_put_image(connection_, window_, context_, count(size.width), count(size.height), 0, 0,
+                      count(size.width), count(size.height), word(rect.x), word(rect.y), kDepth,
+                      XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment_, 0);
+    return;
+  }
+  // A request has a largest length, in words of four bytes, so the picture goes in bands of rows.
+  const int rowBytes = size.width * 4;
+  const std::int64_t room = std::int64_t{xcb_get_maximum_request_length(connection_)} * 4 -
+                            static_cast<std::int64_t>(sizeof(xcb_put_image_request_t)) - 4;
+  const int band = static_cast<int>(std::clamp<std::int64_t>(room / rowBytes, 1, size.height));
+  for (int y = 0; y < size.height; y += band) {
+    const int rows = std::min(band, size.height - y);
+    xcb_put_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window_, context_, count(size.width), count(rows),
+                  word(rect.x), word(rect.y + y), 0, kDepth, static_cast<std::uint32_t>(rows * rowBytes),
+                  pixels_ + static_cast<std::ptrdiff_t>(y) * rowBytes);
+  }
 }
 
 void X11MonitorSurface::fillAround(const MonitorRect& rect) {
@@ -170,14 +237,13 @@ void X11MonitorSurface::fillAround(const MonitorRect& rect) {
 
 void X11MonitorSurface::show(const Frame& picture) {
   const MonitorRect rect = monitorRect(picture.size(), windowSize_);
-  if (!visible_ || rect.size.isEmpty() || !prepareImage(rect.size))
+  if (!visible_ || rect.size.isEmpty())
     return;
+  prepareImage(rect.size);
   scaler_.toRgb(picture, rect.size, pixels_, rect.size.width * 4);
-  const auto width = static_cast<std::uint16_t>(rect.size.width);
-  const auto height = static_cast<std::uint16_t>(rect.size.height);
-  xcb_shm_put_image(connection_, window_, context_, width, height, 0, 0, width, height,
-                    static_cast<std::int16_t>(rect.x), static_cast<std::int16_t>(rect.y), kDepth,
-                    XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment_, 0);
+  putImage(rect);
+  factory_.drawn_ = true;
+  lost_ = false;
   if (rect.size != windowSize_)
     fillAround(rect);
 }

@@ -1,5 +1,6 @@
-// Draws pictures straight into X11 windows with shared memory, over a connection of its own, so that monitors
-// keep moving while the console's thread is busy. Monitor thread.
+// Draws pictures straight into X11 windows over a connection of its own, so that monitors keep moving while
+// the console's thread is busy: with shared memory where the display can attach it, else through the
+// connection. Monitor thread.
 #pragma once
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
@@ -16,7 +17,8 @@ class X11MonitorSurface;
 
 class X11MonitorSurfaceFactory final : public MonitorSurfaceFactory {
  public:
-  /// Null with a log line when the display has no 24-bit colour or no shared memory.
+  /// Null with a log line when the display has no 24-bit colour. Whether the display can attach shared memory
+  /// is tried once here: it cannot in a container with an IPC name space of its own or on another machine.
   static std::unique_ptr<X11MonitorSurfaceFactory> connect();
   ~X11MonitorSurfaceFactory() override;
 
@@ -25,14 +27,17 @@ class X11MonitorSurfaceFactory final : public MonitorSurfaceFactory {
 
  private:
   friend class X11MonitorSurface;
-  explicit X11MonitorSurfaceFactory(xcb_connection_t* connection) : connection_(connection) {}
-  void dropEvents();
+  X11MonitorSurfaceFactory(xcb_connection_t* connection, bool sharesMemory)
+      : connection_(connection), sharesMemory_(sharesMemory) {}
+  void handleEvents();
   /// Asks the server for the true size of all windows and whether they can be seen.
   void lookAtWindows();
 
   xcb_connection_t* connection_;
+  const bool sharesMemory_;
   std::vector<X11MonitorSurface*> surfaces_;
   int flushes_ = 0;
+  bool drawn_ = false;  // something since the last flush
 };
 
 class X11MonitorSurface final : public MonitorSurface {
@@ -41,11 +46,14 @@ class X11MonitorSurface final : public MonitorSurface {
   ~X11MonitorSurface() override;
   void resize(const tagKorviaWindowInfo& window) override;
   void show(const Frame& picture) override;
+  bool isLost() const override { return lost_; }
 
  private:
   friend class X11MonitorSurfaceFactory;
-  bool prepareImage(FrameSize size);
+  void prepareImage(FrameSize size);
+  bool shareImage(std::size_t bytes);
   void dropImage();
+  void putImage(const MonitorRect& rect);
   void fillAround(const MonitorRect& rect);
 
   X11MonitorSurfaceFactory& factory_;
@@ -53,10 +61,12 @@ class X11MonitorSurface final : public MonitorSurface {
   xcb_window_t window_;
   xcb_gcontext_t context_ = 0;
   xcb_shm_seg_t segment_ = 0;
-  std::uint8_t* pixels_ = nullptr;
+  std::uint8_t* pixels_ = nullptr;       // in the shared segment or in ownPixels_
+  std::vector<std::uint8_t> ownPixels_;  // where memory cannot be shared
   FrameSize imageSize_;
   FrameSize windowSize_;
   bool visible_ = true;
+  bool lost_ = true;
   PictureScaler scaler_;
 };
 
