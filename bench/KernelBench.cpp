@@ -11,6 +11,7 @@
 #include "engine/bus/Compositor.h"
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/FramePool.h"
+#include "engine/kernels/InstructionSet.h"
 #include "engine/kernels/SampleKernels.h"
 #include "engine/mix/TransitionCatalog.h"
 #include "engine/monitor/PictureScaler.h"
@@ -170,7 +171,9 @@ int runKernelBench(const QList<int>& effects) {
   Carousel<MutableFrame> out = targets();
   const auto reference = [&] { copy(in.next(), out.next()); };
 
-  std::printf("%-40s %11s %10s\n", "kernel, 1920 x 1080", "median", "of a copy");
+  char title[40];
+  std::snprintf(title, sizeof title, "kernel, 1920 x 1080, %s", instructionSetName());
+  std::printf("%-40s %11s %10s\n", title, "median", "of a copy");
   measure("copy", reference, reference);
   measureEffects(effects, in, out, reference);
   if (!effects.isEmpty())

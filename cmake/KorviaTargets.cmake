@@ -6,13 +6,17 @@ function(korvia_library name kind)
 endfunction()
 
 # korvia_test(NAME [LABELS label...] [ENVIRONMENT VAR=value...] SOURCES ... LIBRARIES ...):
-# a QtTest program registered with CTest on the offscreen platform.
+# a QtTest program registered with CTest on the offscreen platform. Those with the label "release" are what
+# korvia_release_tests builds.
 function(korvia_test name)
   cmake_parse_arguments(arg "" "TIMEOUT" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} Qt5::Test korvia_flags)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+  if("release" IN_LIST arg_LABELS)
+    add_dependencies(korvia_release_tests ${name})
+  endif()
   add_test(NAME ${name} COMMAND ${name})
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)

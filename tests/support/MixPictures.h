@@ -1,5 +1,5 @@
-// Pictures to mix: noise, and two that look like pictures, with or without alpha, in frames with or without a
-// single sample to spare.
+// Pictures to mix: noise, and two that look like pictures, in frames with or without a single sample to
+// spare.
 #pragma once
 #include <algorithm>
 #include <cmath>
@@ -13,10 +13,10 @@ namespace korvia::test {
 
 /// `sample(plane, x, y)` for every sample of a new frame.
 template <typename Sample>
-FrameRef frameOf(FrameSize size, bool alpha, Sample sample) {
-  FramePool pool(size, alpha);
+FrameRef frameOf(FrameSize size, Sample sample) {
+  FramePool pool(size);
   MutableFrame frame = pool.acquire();
-  for (int plane = 0; plane < planeCount(*frame); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const WritablePlane view = writablePlaneOf(*frame, plane);
     for (int y = 0; y < view.height; ++y)
       for (int x = 0; x < view.width; ++x)
@@ -25,29 +25,27 @@ FrameRef frameOf(FrameSize size, bool alpha, Sample sample) {
   return std::move(frame).publish();
 }
 
-inline FrameRef noise(FrameSize size, std::uint32_t seed, bool alpha = false) {
-  return frameOf(size, alpha, [&](int, int, int) {
+inline FrameRef noise(FrameSize size, std::uint32_t seed) {
+  return frameOf(size, [&](int, int, int) {
     seed = seed * 1664525 + 1013904223;
     return seed >> 24;
   });
 }
 
 /// Y, U and V are 0 in the one and 255 in the other, so that a mix shows its weights.
-inline FrameRef flat(FrameSize size, int value, bool alpha = false) {
-  return frameOf(size, alpha, [&](int, int, int) { return value; });
+inline FrameRef flat(FrameSize size, int value) {
+  return frameOf(size, [&](int, int, int) { return value; });
 }
 
 /// Soft rings in warm colours, `variant` 0, or soft stripes in cold ones, 1.
-inline FrameRef scenery(FrameSize size, int variant, bool alpha = false) {
-  return frameOf(size, alpha, [&](int plane, int x, int y) {
+inline FrameRef scenery(FrameSize size, int variant) {
+  return frameOf(size, [&](int plane, int x, int y) {
     const bool chroma = plane == 1 || plane == 2;
     const double u = (chroma ? 2 * x : x) / static_cast<double>(size.width);
     const double v = (chroma ? 2 * y : y) / static_cast<double>(size.height);
     const double wave = variant == 0 ? std::cos(12 * std::hypot(u - 0.4, v - 0.6)) : std::sin(9 * u + 5 * v);
     if (plane == 0)
       return static_cast<int>((variant == 0 ? 80 : 150) + 50 * wave);
-    if (plane == 3)
-      return variant == 0 ? 255 : static_cast<int>(128 + 100 * v);
     return static_cast<int>(128 + ((plane == 1) == (variant == 0) ? -40 : 50) + 20 * wave);
   });
 }
@@ -57,10 +55,10 @@ inline FrameRef scenery(FrameSize size, int variant, bool alpha = false) {
 inline FrameRef withoutSpare(const Frame& picture) {
   Frame::External external;
   struct Planes {
-    std::uint8_t* data[4] = {};
+    std::uint8_t* data[3] = {};
   };
   auto* planes = new Planes;
-  for (int plane = 0; plane < planeCount(picture); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView view = planeOf(picture, plane);
     planes->data[plane] = static_cast<std::uint8_t*>(
         std::malloc(static_cast<std::size_t>(view.width) * static_cast<std::size_t>(view.height)));
@@ -89,7 +87,7 @@ inline Difference difference(const Frame& a, const Frame& b) {
   Difference result;
   double sum = 0;
   double count = 0;
-  for (int plane = 0; plane < planeCount(a); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView va = planeOf(a, plane);
     const PlaneView vb = planeOf(b, plane);
     for (int y = 0; y < va.height; ++y)

@@ -103,7 +103,7 @@ class PlacedReference {
 inline double differenceToPlaced(const Frame& mixed, const Frame& front, LumaRect frontRect,
                                  const Frame& behind, LumaRect behindRect) {
   double largest = 0;
-  for (int plane = 0; plane < planeCount(mixed); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     PlacedReference over(front, plane, frontRect);
     PlacedReference under(behind, plane, behindRect);
     const PlaneView view = planeOf(mixed, plane);

@@ -14,13 +14,13 @@ bool covers(const LayerRef& layer, const FrameRef& base) {
 }
 
 void copy(const Frame& from, Frame& to) {
-  for (int plane = Frame::Y; plane <= Frame::V; ++plane)
+  for (const int plane : kOpaquePlanes)
     libyuv::CopyPlane(from.plane(plane), from.stride(plane), to.writablePlane(plane), to.stride(plane),
                       from.planeWidth(plane), from.planeHeight(plane));
 }
 
 void blend(const Layer& layer, Frame& onto) {
-  for (int plane = Frame::Y; plane <= Frame::V; ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView top = planeOf(*layer.picture, plane);
     const WritablePlane under = writablePlaneOf(onto, plane);
     const int step = stepOf(plane);

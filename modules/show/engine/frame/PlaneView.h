@@ -32,9 +32,8 @@ inline WritablePlane writablePlaneOf(Frame& frame, int plane) {
   return {frame.writablePlane(plane), frame.stride(plane), frame.planeWidth(plane), frame.planeHeight(plane)};
 }
 
-inline int planeCount(const Frame& frame) {
-  return frame.hasAlpha() ? 4 : 3;
-}
+/// The planes of a picture without alpha.
+inline constexpr int kOpaquePlanes[] = {Frame::Y, Frame::U, Frame::V};
 
 /// Luma samples from one sample of the plane to the next, across and down.
 inline int stepOf(int plane) {

@@ -1,8 +1,14 @@
 #include "RgbRow.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "engine/frame/RgbRow.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
 #include <algorithm>
 
-namespace korvia {
+HWY_BEFORE_NAMESPACE();
+namespace korvia::HWY_NAMESPACE {
 
 namespace {
 
@@ -21,11 +27,7 @@ inline int toByte(int value) {
 
 }  // namespace
 
-// The compiler vectorises the loop well; it only has to be allowed the wider registers where they are. The
-// sanitizers cannot run before the choice between the two is made.
-#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-__attribute__((target_clones("avx2", "default")))
-#endif
+// The compiler vectorises the loop well; it only has to be allowed the wider registers where they are.
 void rowToRgb(const std::uint8_t* y, const std::uint8_t* u, const std::uint8_t* v, std::uint32_t* pixels,
               int width) {
   for (int x = 0; x < width; ++x) {
@@ -39,4 +41,18 @@ void rowToRgb(const std::uint8_t* y, const std::uint8_t* u, const std::uint8_t* 
   }
 }
 
+}  // namespace korvia::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace korvia {
+
+HWY_EXPORT(rowToRgb);
+
+void rowToRgb(const std::uint8_t* y, const std::uint8_t* u, const std::uint8_t* v, std::uint32_t* pixels,
+              int width) {
+  HWY_DYNAMIC_DISPATCH(rowToRgb)(y, u, v, pixels, width);
+}
+
 }  // namespace korvia
+#endif

@@ -142,14 +142,14 @@ struct Shade {
 struct MixTurning {
   TurningRow a;
   TurningRow b;
-  int black;
+  int ends;
   int weight;
   int turned(const TurningRow& row, int x) const {
-    return weighed(row.samples[x], byte(row.white[x] + black - row.samples[x]), row.weight[x]);
+    return weighed(row.samples[x], byte(ends - row.samples[x]), row.weight[x]);
   }
   int one(int x) const { return (turned(a, x) * (256 - weight) + turned(b, x) * weight + 128) >> 8; }
   Vec turned(const TurningRow& row, Vec samples, int x) const {
-    const Vec negative = hn::Sub(hn::Add(load(row.white + x), constant(black)), samples);
+    const Vec negative = hn::Sub(constant(ends), samples);
     const auto held = hn::Min(hn::Max(hn::BitCast(kSigned, negative), hn::Zero(kSigned)),
                               hn::Set(kSigned, std::int16_t{255}));
     return weighed(samples, hn::BitCast(kSamples, held), load(row.weight + x));
@@ -166,12 +166,12 @@ struct MixTowards {
   const std::uint8_t* a;
   const std::uint8_t* b;
   const std::uint8_t* mask;
-  const std::uint8_t* target;
+  int target;
   const std::uint8_t* weight;
-  int one(int x) const { return weighed(weighed(a[x], b[x], mask[x]), target[x], weight[x]); }
+  int one(int x) const { return weighed(weighed(a[x], b[x], mask[x]), target, weight[x]); }
   Vec many(int x) const {
     const Vec mixed = weighed(load(a + x), load(b + x), load(mask + x));
-    return weighed(mixed, load(target + x), load(weight + x));
+    return weighed(mixed, constant(target), load(weight + x));
   }
 };
 
@@ -287,14 +287,13 @@ void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::ui
     out[pairs] = byte((upper[width - 1] + lower[width - 1] + 1) >> 1);
 }
 
-void mixTurningRow(const TurningRow& a, const TurningRow& b, int black, int weight,
+void mixTurningRow(const TurningRow& a, const TurningRow& b, int ends, int weight,
                    std::uint8_t* HWY_RESTRICT out, int count) {
-  runPastCache(MixTurning{a, b, black, weight}, out, count);
+  runPastCache(MixTurning{a, b, ends, weight}, out, count);
 }
 
-void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
-                   const std::uint8_t* target, const std::uint8_t* weight, std::uint8_t* HWY_RESTRICT out,
-                   int count) {
+void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, int target,
+                   const std::uint8_t* weight, std::uint8_t* HWY_RESTRICT out, int count) {
   runPastCache(MixTowards{a, b, mask, target, weight}, out, count);
 }
 
@@ -355,13 +354,13 @@ void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::ui
   HWY_DYNAMIC_DISPATCH(chromaMeanRow)(upper, lower, out, width);
 }
 
-void mixTurningRow(const TurningRow& a, const TurningRow& b, int black, int weight, std::uint8_t* out,
+void mixTurningRow(const TurningRow& a, const TurningRow& b, int ends, int weight, std::uint8_t* out,
                    int count) {
-  HWY_DYNAMIC_DISPATCH(mixTurningRow)(a, b, black, weight, out, count);
+  HWY_DYNAMIC_DISPATCH(mixTurningRow)(a, b, ends, weight, out, count);
 }
 
-void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
-                   const std::uint8_t* target, const std::uint8_t* weight, std::uint8_t* out, int count) {
+void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, int target,
+                   const std::uint8_t* weight, std::uint8_t* out, int count) {
   HWY_DYNAMIC_DISPATCH(mixTowardsRow)(a, b, mask, target, weight, out, count);
 }
 

@@ -29,20 +29,20 @@ void shadeRow(const std::uint8_t* relief, int depth, std::uint8_t* out, int coun
 /// `width` samples. Writes (width + 1) / 2; the last one of an odd width has its own column only.
 void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::uint8_t* out, int width);
 
-/// A row on its way to its negative, white + black - sample, held in 0 to 255: `weight` tells how far.
+/// A row on its way to its negative: `weight` tells how far.
 struct TurningRow {
   const std::uint8_t* samples;
-  const std::uint8_t* white;
   const std::uint8_t* weight;
 };
 
-/// Mixes two rows, both turned as far as they are, as mixRow() does: `weight` 0 to 256.
-void mixTurningRow(const TurningRow& a, const TurningRow& b, int black, int weight, std::uint8_t* out,
+/// Mixes two rows, both turned as far as they are, as mixRow() does: `weight` 0 to 256. The negative of a
+/// sample is `ends` - sample, held in 0 to 255; `ends` is the sum of the range's two ends, 0 to 510.
+void mixTurningRow(const TurningRow& a, const TurningRow& b, int ends, int weight, std::uint8_t* out,
                    int count);
 
-/// Mixes by `mask`, and what comes of it with `target` by `weight`.
-void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
-                   const std::uint8_t* target, const std::uint8_t* weight, std::uint8_t* out, int count);
+/// Mixes by `mask`, and what comes of it with the code value `target`, 0 to 255, by `weight`.
+void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, int target,
+                   const std::uint8_t* weight, std::uint8_t* out, int count);
 
 /// Product of two rows of luma: 16 stays black, and 235 leaves the other one as it is.
 void multiplyLumaRow(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* out, int count);

@@ -21,9 +21,8 @@ class Transition {
   virtual ~Transition() = default;
   /// The picture at `point`. Any order of positions: the lever moves both ways. At 0 the picture is `from`
   /// and at 1 `to`, to the bit, by the transition's own arithmetic, so that nothing jumps beside the ends.
-  /// All three frames have the same size, of one pixel at least, and either all of them have alpha, the
-  /// colours premultiplied, or none has. Inputs may be read up to the last sample of their last row, no
-  /// further.
+  /// All three frames have the same size, of one pixel at least, and no alpha. Inputs may be read up to the
+  /// last sample of their last row, no further.
   virtual void mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                    Frame& out) const = 0;
 };

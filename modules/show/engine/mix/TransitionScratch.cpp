@@ -18,10 +18,10 @@ std::uint8_t* TransitionScratch::Bytes::grownTo(std::size_t count) {
   return memory.get();
 }
 
-Frame& TransitionScratch::frame(int place, FrameSize size, bool alpha) {
+Frame& TransitionScratch::frame(int place, FrameSize size) {
   std::unique_ptr<Frame>& kept = frames_[static_cast<std::size_t>(place)];
-  if (!kept || kept->size() != size || kept->hasAlpha() != alpha)
-    kept = std::make_unique<Frame>(size, alpha);
+  if (!kept || kept->size() != size)
+    kept = std::make_unique<Frame>(size, false);
   return *kept;
 }
 

@@ -15,9 +15,9 @@ class TransitionScratch {
   static constexpr int kFrameCount = 4;
   static constexpr int kBufferCount = 8;
 
-  /// A frame of that size with undefined content, the same one at each call with the same arguments. Places 0
-  /// to 3.
-  Frame& frame(int place, FrameSize size, bool alpha);
+  /// A frame of that size without alpha, of undefined content, the same one at each call with the same
+  /// arguments. Places 0 to 3.
+  Frame& frame(int place, FrameSize size);
 
   /// `count` values of undefined content, aligned for vectors, the same ones at each call that wants no more.
   /// Places 0 to 7; T is plain data.

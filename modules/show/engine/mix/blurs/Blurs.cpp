@@ -30,7 +30,7 @@ constexpr int kSumBuffer = 4;
 constexpr double kHidingSmear = 10;
 
 Frame& smallFade(const Frame& from, const Frame& to, int weight, TransitionScratch& scratch) {
-  Frame& small = scratch.frame(kSmallPlace, smallSizeOf(from.size()), from.hasAlpha());
+  Frame& small = scratch.frame(kSmallPlace, smallSizeOf(from.size()));
   shrinkFade(from, to, weight, small);
   return small;
 }
@@ -60,7 +60,7 @@ void fillRound(FrameSize size, TransitionScratch& scratch, Frame& mask, Strength
 }
 
 Frame& maskFor(const Frame& small, TransitionScratch& scratch) {
-  return scratch.frame(kMaskPlace, small.size(), false);
+  return scratch.frame(kMaskPlace, small.size());
 }
 
 /// A fade smeared along a movement that passes a point at its distance from the middle times `pace`.
@@ -74,21 +74,6 @@ void mixSmeared(const Frame& from, const Frame& to, int weight, Movement movemen
   drawSoftened(from, to, weight, small, mask, scratch, out);
 }
 
-void copyPlane(const Frame& from, int plane, Frame& to) {
-  const PlaneView source = planeOf(from, plane);
-  const WritablePlane target = writablePlaneOf(to, plane);
-  for (int y = 0; y < target.height; ++y)
-    std::copy_n(source.row(y), target.width, target.row(y));
-}
-
-/// Row `y` of a plane's cover, which alpha gives.
-void coverRow(const PlaneView& alpha, int plane, int y, std::uint8_t* out, int width) {
-  const int step = stepOf(plane);
-  const std::uint8_t* row = alpha.row(y * step);
-  for (int x = 0; x < width; ++x)
-    out[x] = row[x * step];
-}
-
 /// How both pictures stand in a zoom.
 struct ZoomStep {
   int weight = 0;
@@ -100,9 +85,9 @@ struct ZoomStep {
 /// The fade of the two moved pictures, small and smeared.
 const Frame& smallZoom(const Frame& from, const Frame& to, const ZoomStep& step, TransitionScratch& scratch) {
   const FrameSize size = from.size();
-  Frame& small = scratch.frame(kSmallPlace, smallSizeOf(size), from.hasAlpha());
-  Frame& first = scratch.frame(kSparePlace, small.size(), small.hasAlpha());
-  Frame& second = scratch.frame(kOtherPlace, small.size(), small.hasAlpha());
+  Frame& small = scratch.frame(kSmallPlace, smallSizeOf(size));
+  Frame& first = scratch.frame(kSparePlace, small.size());
+  Frame& second = scratch.frame(kOtherPlace, small.size());
   if (step.weight < 256) {
     shrinkFade(from, from, 0, small);
     moveSmall(small, size, step.nearing, first);
@@ -124,7 +109,7 @@ void drawZoomed(const Frame& from, const Frame& to, const ZoomStep& step, const 
   auto* strength = scratch.buffer<std::uint8_t>(1, width);
   auto* first = scratch.buffer<std::uint8_t>(kRowBuffer, width);
   auto* second = scratch.buffer<std::uint8_t>(kSumBuffer, width);
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlanePoint centre = centreOf(out.size(), stepOf(plane));
     const MovedPlane nearing(planeOf(from, plane), centre, step.nearing);
     const MovedPlane settling(planeOf(to, plane), centre, step.settling);
@@ -177,7 +162,7 @@ void DirectionalBlur::mix(const Frame& from, const Frame& to, const MixPoint& po
   auto* sums = scratch.buffer<std::uint32_t>(kSumBuffer, bordered + 1);
   constexpr int kAlignment = 64;
   auto* borderedRow = scratch.buffer<std::uint8_t>(kRowBuffer, bordered + 2 * kAlignment);
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView a = planeOf(from, plane);
     const PlaneView b = planeOf(to, plane);
     const WritablePlane target = writablePlaneOf(out, plane);
@@ -201,7 +186,7 @@ void GrowablePoissonDisk::mix(const Frame& from, const Frame& to, const MixPoint
   const double radius = kLargestDisk * from.height() * smoothStep(depthAt(point.position));
   const int weight = hiddenFadeWeight(point.position);
   Frame& small = smallFade(from, to, weight, scratch);
-  Frame& filled = scratch.frame(kSparePlace, small.size(), small.hasAlpha());
+  Frame& filled = scratch.frame(kSparePlace, small.size());
   // The taps are so far apart that a fine pattern would show; a small disk fills what lies between them.
   blurByDisk(small, kBetweenTaps * radius / kShrink, scratch, filled);
   blurByDisk(filled, radius / kShrink, scratch, small);
@@ -218,7 +203,7 @@ void TelescopicBlur::mix(const Frame& from, const Frame& to, const MixPoint& poi
   const double open = std::hypot(size.width, size.height) / 2 + kShrink;
   const double eyepiece = open + (0.3 * size.height - open) * depth;
   Frame& small = smallFade(from, to, weight, scratch);
-  Frame& larger = scratch.frame(kSparePlace, small.size(), small.hasAlpha());
+  Frame& larger = scratch.frame(kSparePlace, small.size());
   moveSmall(small, size, {0, 0.15}, larger);
   blurByDisk(larger, 0.025 * size.height / kShrink, scratch, small);
 
@@ -227,7 +212,7 @@ void TelescopicBlur::mix(const Frame& from, const Frame& to, const MixPoint& poi
     return 0.35 + 0.4 * smoothStep((distance - eyepiece) / (0.25 * size.height));
   });
   auto* black = scratch.buffer<std::uint8_t>(kRowBuffer, static_cast<std::size_t>(small.width()));
-  for (const int plane : {Frame::Y, Frame::U, Frame::V}) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView blurred = planeOf(small, plane);
     const WritablePlane darkened = writablePlaneOf(larger, plane);
     const PlaneView light = planeOf(mask, maskPlaneOf(plane));
@@ -235,8 +220,6 @@ void TelescopicBlur::mix(const Frame& from, const Frame& to, const MixPoint& poi
     for (int y = 0; y < darkened.height; ++y)
       mixMaskedRow(black, blurred.row(y), light.row(y), darkened.row(y), darkened.width);
   }
-  if (out.hasAlpha())
-    copyPlane(small, Frame::A, larger);
   fillRound(size, scratch, mask, [&](double distance) { return smoothStep((distance - eyepiece) / rim); });
   drawSoftened(from, to, weight, larger, mask, scratch, out);
 }
@@ -250,11 +233,9 @@ void Sharpen::mix(const Frame& from, const Frame& to, const MixPoint& point, Tra
   };
   constexpr Range kLegal[] = {{16, 235}, {16, 240}, {16, 240}};
   const int gain256 = static_cast<int>(std::lround(256 * kLargestGain * smoothStep(depthAt(point.position))));
-  Frame& faded = scratch.frame(kSmallPlace, from.size(), from.hasAlpha());
+  Frame& faded = scratch.frame(kSmallPlace, from.size());
   crossFade(from, to, hiddenFadeWeight(point.position), faded);
-  auto* row = scratch.buffer<std::uint8_t>(0, static_cast<std::size_t>(from.width()));
-  auto* cover = scratch.buffer<std::uint8_t>(1, static_cast<std::size_t>(from.width()));
-  for (int plane = 0; plane < 3; ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView source = planeOf(faded, plane);
     const WritablePlane target = writablePlaneOf(out, plane);
     // Edges as wide for the eye in a large picture as in a small one.
@@ -270,18 +251,10 @@ void Sharpen::mix(const Frame& from, const Frame& to, const MixPoint& point, Tra
       binomialColumns(rows, columns + border, target.width);
       std::fill_n(columns, border, columns[border]);
       std::fill_n(columns + border + width, border, columns[border + width - 1]);
-      std::uint8_t* driven = out.hasAlpha() ? row : target.row(y);
-      sharpenRow(source.row(y), columns, spacing, gain256, kLegal[plane].low, kLegal[plane].high, driven,
-                 target.width);
-      if (!out.hasAlpha())
-        continue;
-      // Where other pictures show through, edges of this one must not add light to them.
-      coverRow(planeOf(faded, Frame::A), plane, y, cover, target.width);
-      mixMaskedRow(source.row(y), driven, cover, target.row(y), target.width);
+      sharpenRow(source.row(y), columns, spacing, gain256, kLegal[plane].low, kLegal[plane].high,
+                 target.row(y), target.width);
     }
   }
-  if (out.hasAlpha())
-    copyPlane(faded, Frame::A, out);
 }
 
 void ZoomBlur::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,

@@ -154,7 +154,7 @@ void Pixelate::mix(const Frame& from, const Frame& to, const MixPoint& point, Tr
                    Frame& out) const {
   const int weight = hiddenFadeWeight(point.position);
   const Blocks blocks = blocksAt(point.position, from.height());
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const WritablePlane target = writablePlaneOf(out, plane);
     BlockPainter painter(planeOf(from, plane), planeOf(to, plane), weight, scratch);
     // Blocks of two luma samples are single samples of chroma.

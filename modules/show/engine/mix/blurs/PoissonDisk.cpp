@@ -72,7 +72,7 @@ const std::array<PlanePoint, 32>& poissonHalfDisk() {
 void blurByDisk(const Frame& picture, double radius, TransitionScratch& scratch, Frame& out) {
   const double largest = std::max(radius, kLargestDisk * picture.height());
   auto* data = scratch.buffer<std::uint8_t>(2, borderedCount(planeOf(picture, Frame::Y), borderFor(largest)));
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const double planeRadius = radius / stepOf(plane);
     const Offsets offsets = offsetsFor(planeRadius);
     const int border = borderFor(planeRadius);

@@ -46,7 +46,7 @@ FrameSize smallSizeOf(FrameSize size) {
 }
 
 void shrinkFade(const Frame& from, const Frame& to, int weight, Frame& small) {
-  for (int plane = 0; plane < planeCount(small); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView a = planeOf(weight < 256 ? from : to, plane);
     const PlaneView b = planeOf(weight > 0 ? to : from, plane);
     const WritablePlane shrunk = writablePlaneOf(small, plane);
@@ -84,7 +84,7 @@ void drawSoftened(const Frame& from, const Frame& to, int weight, const Frame& s
   auto* soft = scratch.buffer<std::uint8_t>(0, width);
   auto* mask = scratch.buffer<std::uint8_t>(1, width);
   std::fill_n(mask, width, static_cast<std::uint8_t>(strength));
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView a = planeOf(from, plane);
     const PlaneView b = planeOf(to, plane);
     const PlaneView blurred = planeOf(small, plane);
@@ -102,7 +102,7 @@ void drawSoftened(const Frame& from, const Frame& to, int weight, const Frame& s
   const auto width = static_cast<std::size_t>(out.width());
   auto* soft = scratch.buffer<std::uint8_t>(0, width);
   auto* strength = scratch.buffer<std::uint8_t>(1, width);
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView a = planeOf(from, plane);
     const PlaneView b = planeOf(to, plane);
     const PlaneView blurred = planeOf(small, plane);

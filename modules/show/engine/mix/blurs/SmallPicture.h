@@ -36,8 +36,8 @@ ColumnSpan spanBelowFull(const PlaneView& small, int y, int width);
 void drawSoftened(const Frame& from, const Frame& to, int weight, const Frame& small, int strength,
                   TransitionScratch& scratch, Frame& out);
 
-/// The same with a strength for each place: a mask of the small size without alpha, whose plane Y is for luma
-/// and alpha, and U for chroma.
+/// The same with a strength for each place: a mask of the small size, whose plane Y is for luma and U for
+/// chroma.
 void drawSoftened(const Frame& from, const Frame& to, int weight, const Frame& small, const Frame& mask,
                   TransitionScratch& scratch, Frame& out);
 

@@ -66,7 +66,7 @@ void MovedPlane::row(int y, int begin, int count, std::uint8_t* out) const {
 }
 
 void moveSmall(const Frame& picture, FrameSize size, Movement movement, Frame& out) {
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const MovedPlane moved = movedSmall(picture, plane, size, movement);
     const WritablePlane target = writablePlaneOf(out, plane);
     for (int y = 0; y < target.height; ++y)
@@ -79,9 +79,9 @@ void smearSmall(Frame& picture, FrameSize size, Movement movement, TransitionScr
   auto* onwards = scratch.buffer<std::uint8_t>(1, static_cast<std::size_t>(picture.width()));
   Movement step{movement.turn / kTaps, movement.growth / kTaps};
   Frame* in = &picture;
-  Frame* out = &scratch.frame(1, picture.size(), picture.hasAlpha());
+  Frame* out = &scratch.frame(1, picture.size());
   for (int pass = 0; pass < kPasses; ++pass) {
-    for (int plane = 0; plane < planeCount(picture); ++plane) {
+    for (const int plane : kOpaquePlanes) {
       const PlaneView source = planeOf(*in, plane);
       const MovedPlane before = movedSmall(*in, plane, size, {-step.turn, -step.growth});
       const MovedPlane after = movedSmall(*in, plane, size, step);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "LinenTexture.h"
 #include "engine/frame/PlaneView.h"
@@ -19,7 +18,7 @@ constexpr int kWhiteLuma = 235;
 constexpr int kNoChroma = 128;
 
 /// Places of the scratch.
-enum Place { MaskRows, FromRows, ToRows, WorkRow, LevelRow, WhiteFromRows, WhiteToRows };
+enum Place { MaskRows, FromRows, ToRows, WorkRow };
 
 /// 0 up to `begin`, 1 from `end` on, without a corner between.
 double ramp(double position, double begin, double end) {
@@ -50,36 +49,6 @@ std::uint8_t* rowsIn(TransitionScratch& scratch, Place place, int width, int row
                                       static_cast<std::size_t>(width) * static_cast<std::size_t>(rows));
 }
 
-const std::uint8_t* levelRow(TransitionScratch& scratch, Place place, int level, int width) {
-  std::uint8_t* row = rowsIn(scratch, place, width);
-  std::memset(row, level, static_cast<std::size_t>(width));
-  return row;
-}
-
-/// White luma row by row: as premultiplied colours are, no brighter than the alpha of its picture.
-class WhiteRows {
- public:
-  WhiteRows(TransitionScratch& scratch, Place place, int width)
-      : rows_(rowsIn(scratch, place, width, 3)), width_(width) {
-    const auto count = static_cast<std::size_t>(width);
-    std::memset(rows_, kWhiteLuma, count);
-    std::memset(rows_ + width, kBlackLuma, count);
-  }
-
-  /// Valid until the next call.
-  const std::uint8_t* row(const Frame& frame, int y) const {
-    if (!frame.hasAlpha())
-      return rows_;
-    std::uint8_t* ofAlpha = rows_ + 2 * width_;
-    mixMaskedRow(rows_ + width_, rows_, planeOf(frame, Frame::A).row(y), ofAlpha, width_);
-    return ofAlpha;
-  }
-
- private:
-  std::uint8_t* rows_;
-  int width_;
-};
-
 /// Calls luma(y, place) for each luma row, place 0 or 1 in its pair, and then chroma(y, lower) for the chroma
 /// row under the pair, where `lower` is the place of its second luma row: 0 under the last one of an odd
 /// height.
@@ -94,7 +63,7 @@ void forRowPairs(const Frame& frame, Luma luma, Chroma chroma) {
 }
 
 /// Mixes by a mask that maskRow(y, mask) writes for each luma row; chroma takes the mean of its four. Each
-/// row of a plane is made by mixed(plane, y, mask), that of alpha before that of luma.
+/// row of a plane is made by mixed(plane, y, mask).
 template <typename MaskOf, typename Mixed>
 void mixByLumaMask(TransitionScratch& scratch, const Frame& out, MaskOf maskOf, Mixed mixed) {
   const int width = out.width();
@@ -105,8 +74,6 @@ void mixByLumaMask(TransitionScratch& scratch, const Frame& out, MaskOf maskOf, 
       out,
       [&](int y, int place) {
         maskOf(y, masks[place]);
-        if (out.hasAlpha())
-          mixed(Frame::A, y, masks[place]);
         mixed(Frame::Y, y, masks[place]);
       },
       [&](int y, int lower) {
@@ -147,16 +114,14 @@ class TurningPicture {
         chromaMask_(rows_ + 2 * width_) {}
 
   /// `place` 0 or 1 in the pair over a chroma row.
-  TurningRow lumaRow(int y, int place, const std::uint8_t* white) const {
+  TurningRow lumaRow(int y, int place) const {
     const std::uint8_t* luma = planeOf(frame_, Frame::Y).row(y);
     thresholdRow(luma, kGain, threshold_, masks_[place], width_);
-    return {luma, white, masks_[place]};
+    return {luma, masks_[place]};
   }
   /// After the luma rows of a pair and before its chroma rows; `lower` is the place of its second row.
   void halveMask(int lower) const { chromaMeanRow(masks_[0], masks_[lower], chromaMask_, width_); }
-  TurningRow chromaRow(int plane, int y, const std::uint8_t* noChroma) const {
-    return {planeOf(frame_, plane).row(y), noChroma, chromaMask_};
-  }
+  TurningRow chromaRow(int plane, int y) const { return {planeOf(frame_, plane).row(y), chromaMask_}; }
 
  private:
   static constexpr int kGain = 2;
@@ -218,21 +183,15 @@ void BrightExtract::mix(const Frame& from, const Frame& to, const MixPoint& poin
   constexpr int kGain = 2;
   const int threshold = thresholdAt(hurried(point.position, 1), kGain);
   const PlaneView luma = planeOf(from, Frame::Y);
-  const WhiteRows white(scratch, WhiteToRows, out.width());
-  const std::uint8_t* noChroma = levelRow(scratch, LevelRow, kNoChroma, out.width());
   std::uint8_t* rim = rowsIn(scratch, WorkRow, out.width());
   mixByLumaMask(
       scratch, out,
       [&](int y, std::uint8_t* mask) { thresholdRow(luma.row(y), kGain, threshold, mask, out.width()); },
       [&](int plane, int y, const std::uint8_t* mask) {
         const Rows rows = rowsOf(from, to, out, plane, y);
-        if (plane == Frame::A) {
-          mixMasked(rows, mask);
-          return;
-        }
-        const std::uint8_t* light = plane == Frame::Y ? white.row(out, y) : noChroma;
         edgeRow(mask, rim, rows.count);
-        mixTowardsRow(rows.from, rows.to, mask, light, rim, rows.out, rows.count);
+        mixTowardsRow(rows.from, rows.to, mask, plane == Frame::Y ? kWhiteLuma : kNoChroma, rim, rows.out,
+                      rows.count);
       });
 }
 
@@ -242,27 +201,19 @@ void InvertColor::mix(const Frame& from, const Frame& to, const MixPoint& point,
   const TurningPicture turningFrom(from, hurried(p, 0.55), scratch, FromRows);
   const TurningPicture turningTo(to, hurried(1 - p, 0.55), scratch, ToRows);
   const int weight = weightOf(ramp(p, 0.3, 0.7), 256);
-  const WhiteRows whiteFrom(scratch, WhiteFromRows, out.width());
-  const WhiteRows whiteTo(scratch, WhiteToRows, out.width());
-  const std::uint8_t* noChroma = levelRow(scratch, LevelRow, kNoChroma, out.width());
   forRowPairs(
       out,
       [&](int y, int place) {
-        if (out.hasAlpha()) {
-          const Rows alpha = rowsOf(from, to, out, Frame::A, y);
-          mixRow(alpha.from, alpha.to, weight, alpha.out, alpha.count);
-        }
-        mixTurningRow(turningFrom.lumaRow(y, place, whiteFrom.row(from, y)),
-                      turningTo.lumaRow(y, place, whiteTo.row(to, y)), kBlackLuma, weight,
-                      writablePlaneOf(out, Frame::Y).row(y), out.width());
+        mixTurningRow(turningFrom.lumaRow(y, place), turningTo.lumaRow(y, place), kBlackLuma + kWhiteLuma,
+                      weight, writablePlaneOf(out, Frame::Y).row(y), out.width());
       },
       [&](int y, int lower) {
         turningFrom.halveMask(lower);
         turningTo.halveMask(lower);
         for (const int plane : {Frame::U, Frame::V}) {
           const WritablePlane mixed = writablePlaneOf(out, plane);
-          mixTurningRow(turningFrom.chromaRow(plane, y, noChroma), turningTo.chromaRow(plane, y, noChroma),
-                        kNoChroma, weight, mixed.row(y), mixed.width);
+          mixTurningRow(turningFrom.chromaRow(plane, y), turningTo.chromaRow(plane, y), 2 * kNoChroma, weight,
+                        mixed.row(y), mixed.width);
         }
       });
 }
@@ -288,8 +239,6 @@ void PixelsMultiplied::mix(const Frame& from, const Frame& to, const MixPoint& p
       out,
       [&](int y, int) {
         const std::uint8_t* way = lumaWays[y / cell % 2];
-        if (out.hasAlpha())
-          mixMasked(rowsOf(from, to, out, Frame::A, y), way);
         const Rows rows = rowsOf(from, to, out, Frame::Y, y);
         multiplyLumaRow(rows.from, rows.to, product, width);
         mixOverRow(rows.from, product, rows.to, way, rows.out, width);
@@ -308,10 +257,9 @@ void PixelsMultiplied::mix(const Frame& from, const Frame& to, const MixPoint& p
 void Scanlines::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& /*scratch*/,
                     Frame& out) const {
   const int band = evenPart(out.height(), 120, 2);
-  for (int plane = 0; plane < planeCount(out); ++plane) {
-    const bool isChroma = plane == Frame::U || plane == Frame::V;
+  for (const int plane : kOpaquePlanes) {
     for (int y = 0; y < out.planeHeight(plane); ++y) {
-      const double middle = isChroma ? 2 * y + 1 : y + 0.5;
+      const double middle = (y + 0.5) * stepOf(plane);
       const Rows rows = rowsOf(from, to, out, plane, y);
       mixRow(rows.from, rows.to, weightOf(lineShare(point.position, middle, band), 256), rows.out,
              rows.count);
@@ -331,7 +279,6 @@ void LinenFade::mix(const Frame& from, const Frame& to, const MixPoint& point, T
   const auto* relief = scratch.table<std::uint8_t>(
       this, out.size(), 0, count, [&](std::uint8_t* table) { weaveLinen(out.size(), table); });
   const auto reliefRow = [&](int y) { return relief + static_cast<std::ptrdiff_t>(y) * width; };
-  const std::uint8_t* black = levelRow(scratch, LevelRow, kBlackLuma, width);
   std::uint8_t* shade = rowsIn(scratch, WorkRow, width);
   mixByLumaMask(
       scratch, out,
@@ -343,7 +290,7 @@ void LinenFade::mix(const Frame& from, const Frame& to, const MixPoint& point, T
           return;
         }
         shadeRow(reliefRow(y), depth, shade, width);
-        mixTowardsRow(rows.from, rows.to, mask, black, shade, rows.out, width);
+        mixTowardsRow(rows.from, rows.to, mask, kBlackLuma, shade, rows.out, width);
       });
 }
 

@@ -13,7 +13,6 @@ namespace {
 
 // Farther than any picture is wide, and not so far that the kernel's sums overflow.
 constexpr double kFarthest = 1 << 15;
-constexpr int kNone = -1;
 
 }  // namespace
 
@@ -28,15 +27,19 @@ std::int32_t DisplacementGrid::fixed(double samples) {
 }
 
 void DisplacementGrid::bend(const Frame& in, Frame& out) const {
-  bendPlanes(in, Frame::U, Frame::V, out);
-  bendPlanes(in, Frame::Y, out.hasAlpha() ? Frame::A : kNone, out);
+  if (in.stride(Frame::U) == in.stride(Frame::V)) {
+    bendPlanes(in, {Frame::U, Frame::V}, out);
+  } else {
+    bendPlanes(in, {Frame::U}, out);
+    bendPlanes(in, {Frame::V}, out);
+  }
+  bendPlanes(in, {Frame::Y}, out);
 }
 
-void DisplacementGrid::bendPlanes(const Frame& in, int first, int second, Frame& out) const {
-  // Only planes of the same layout share their places.
-  const bool both = second != kNone && in.stride(first) == in.stride(second);
+void DisplacementGrid::bendPlanes(const Frame& in, std::initializer_list<int> planes, Frame& out) const {
+  const int first = *planes.begin();
   // Chroma has half the samples to a cell, each of twice the width.
-  const int halved = first == Frame::U || first == Frame::V ? 1 : 0;
+  const int halved = stepOf(first) - 1;
   BentRow bent;
   bent.cellBits = nodes_.cellBits - halved;
   bent.fractionBits = kSampleFractionBits + halved;
@@ -49,13 +52,11 @@ void DisplacementGrid::bendPlanes(const Frame& in, int first, int second, Frame&
     bent.lowerY = y_ + lower;
     bent.down = y & ((1 << bent.cellBits) - 1);
     std::array<BentTarget, 2> targets;
-    targets[0] = {planeOf(in, first), writablePlaneOf(out, first).row(y)};
-    if (both)
-      targets[1] = {planeOf(in, second), writablePlaneOf(out, second).row(y)};
-    sampleBentRow(targets.data(), both ? 2 : 1, y, bent, out.planeWidth(first));
+    int count = 0;
+    for (const int plane : planes)
+      targets[static_cast<std::size_t>(count++)] = {planeOf(in, plane), writablePlaneOf(out, plane).row(y)};
+    sampleBentRow(targets.data(), count, y, bent, out.planeWidth(first));
   }
-  if (second != kNone && !both)
-    bendPlanes(in, second, kNone, out);
 }
 
 }  // namespace korvia

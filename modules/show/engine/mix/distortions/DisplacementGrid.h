@@ -3,6 +3,7 @@
 // thread.
 #pragma once
 #include <cstdint>
+#include <initializer_list>
 
 #include "engine/mix/TransitionScratch.h"
 #include "engine/mix/distortions/NodeGrid.h"
@@ -63,7 +64,8 @@ class DisplacementGrid {
  private:
   static std::int32_t fixed(double samples);
   std::size_t profileCount() const { return static_cast<std::size_t>(nodes_.reach()) + 2; }
-  void bendPlanes(const Frame& in, int first, int second, Frame& out) const;
+  /// Planes of the same layout, which share their places.
+  void bendPlanes(const Frame& in, std::initializer_list<int> planes, Frame& out) const;
 
   NodeGrid nodes_;
   std::int32_t* x_;

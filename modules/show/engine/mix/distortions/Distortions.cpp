@@ -45,7 +45,7 @@ void openCircle(double position, double softness, LevelGrid& levels) {
 void BentFade::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                    Frame& out) const {
   // Both pictures share the displacement, so that they can be mixed before they are bent.
-  Frame& mixed = scratch.frame(0, out.size(), out.hasAlpha());
+  Frame& mixed = scratch.frame(0, out.size());
   crossFade(from, to, fadeWeightAt(point.position), mixed);
   DisplacementGrid grid(out.size(), scratch);
   bend(point, swellAt(point.position), scratch, grid);
@@ -259,7 +259,7 @@ void CircleStretch::mix(const Frame& from, const Frame& to, const MixPoint& poin
     const double outwards = std::min((x * x + y * y) / (rim * rim), kOutermost);
     return {x * outwards * squeezedX, y * outwards * squeezedY};
   });
-  Frame& stretched = scratch.frame(0, out.size(), out.hasAlpha());
+  Frame& stretched = scratch.frame(0, out.size());
   grid.bend(to, stretched);
   LevelGrid levels(out.size(), nodes.cellBits, scratch);
   openCircle(point.position, kSoftness, levels);
@@ -275,7 +275,7 @@ void MagnifySmooth::mix(const Frame& from, const Frame& to, const MixPoint& poin
   DisplacementGrid grid(out.size(), scratch);
   LevelGrid levels(out.size(), grid.nodes().cellBits, scratch);
   openCircle(point.position, kSoftness, levels);
-  Frame& mixed = scratch.frame(0, out.size(), out.hasAlpha());
+  Frame& mixed = scratch.frame(0, out.size());
   levels.mix(from, to, mixed);
 
   const double magnified = kMagnified * swellAt(point.position);

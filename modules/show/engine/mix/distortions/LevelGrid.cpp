@@ -25,8 +25,6 @@ void LevelGrid::mix(const Frame& from, const Frame& to, Frame& out) const {
     levels.down = y & (nodes_.cell() - 1);
     maskFromNodes(levels, mask_, out.width());
     mixRowOf(Frame::Y, y, mask_);
-    if (out.hasAlpha())
-      mixRowOf(Frame::A, y, mask_);
     if (y % 2 == 0) {
       everySecond(mask_, chromaMask_, out.planeWidth(Frame::U));
       mixRowOf(Frame::U, y / 2, chromaMask_);

@@ -9,7 +9,7 @@
 namespace korvia {
 
 void crossFade(const Frame& from, const Frame& to, int weight, Frame& out) {
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const PlaneView a = planeOf(from, plane);
     const PlaneView b = planeOf(to, plane);
     const WritablePlane mixed = writablePlaneOf(out, plane);

@@ -118,7 +118,7 @@ void DropFade::mix(const Frame& from, const Frame& to, const MixPoint& point, Tr
         fillDistances(size.chromaWidth(), size.chromaHeight(), values + lumaCount);
       });
   const DropTable table(point.position);
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     mixPlane(planeOf(from, plane), planeOf(to, plane), stepOf(plane) == 1 ? steps : steps + lumaCount, table,
              plane == Frame::Y, scratch, writablePlaneOf(out, plane));
   }

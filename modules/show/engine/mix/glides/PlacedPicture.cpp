@@ -87,7 +87,7 @@ Placement wholeFrame(FrameSize size) {
 void placePictures(const Frame& front, const Placement& frontPlace, const Frame& behind,
                    const Placement& behindPlace, TransitionScratch& scratch, Frame& out) {
   auto* line = scratch.buffer<std::uint8_t>(kLinePlace, static_cast<std::size_t>(out.width()));
-  for (int plane = 0; plane < planeCount(out); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     PlacedPlane frontPlane = placed(front, plane, frontPlace, scratch, kFrontPlace);
     PlacedPlane behindPlane = placed(behind, plane, behindPlace, scratch, kBehindPlace);
     placePlane(frontPlane, behindPlane, line, writablePlaneOf(out, plane));

@@ -28,8 +28,6 @@ MaskedPlanes::MaskedPlanes(const Frame& from, const Frame& to, bool chroma, Tran
   add(chroma ? Frame::U : Frame::Y);
   if (chroma)
     add(Frame::V);
-  else if (out.hasAlpha())
-    add(Frame::A);
   width_ = planes_[0].out.width;
   const auto blocks = static_cast<std::size_t>(width_) / kMaskBlock + 1;
   kinds_ = scratch.buffer<std::uint8_t>(kFirstBuffer, blocks);

@@ -9,7 +9,7 @@
 
 namespace korvia {
 
-/// The samples of the planes that share a mask, luma and alpha or the two of chroma, as places in the
+/// The samples of the planes that share a mask, luma alone or the two of chroma, as places in the
 /// picture.
 struct PlaneGrid {
   PlaneGrid(FrameSize picture, bool chroma)

@@ -24,7 +24,7 @@ QImage noiseImage(QSize size, std::uint32_t seed) {
 
 /// What lies over what, in exact arithmetic and rounded after each layer.
 FrameRef reference(const FrameRef& base, const std::vector<LayerRef>& layers) {
-  return frameOf(base->size(), false, [&](int plane, int x, int y) {
+  return frameOf(base->size(), [&](int plane, int x, int y) {
     double value = planeOf(*base, plane).row(y)[x];
     for (const LayerRef& layer : layers) {
       const int step = stepOf(plane);
@@ -77,7 +77,7 @@ class CompositorTest : public QObject {
     image.fill(Qt::white);
     Compositor compositor;
     const FrameRef composed = compositor.over(noise(kSize, 1), {Layer::make(image, {0, 0}, kSize)}, pool);
-    const FrameRef white = frameOf(kSize, false, [](int plane, int, int) { return plane == 0 ? 235 : 128; });
+    const FrameRef white = frameOf(kSize, [](int plane, int, int) { return plane == 0 ? 235 : 128; });
     QCOMPARE(difference(*composed, *white).largest, 0);
   }
 

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "engine/frame/RgbRow.h"
+#include "support/EveryInstructionSet.h"
 
 class RgbRowTest : public QObject {
   Q_OBJECT
@@ -27,6 +28,24 @@ class RgbRowTest : public QObject {
         }
   }
 
+  void aRowIsConvertedAsItsPixelsAre() {
+    constexpr int kWidth = 203;
+    std::vector<std::uint8_t> y(kWidth), u(kWidth), v(kWidth);
+    std::uint32_t seed = 1;
+    for (int x = 0; x < kWidth; ++x)
+      for (std::vector<std::uint8_t>* row : {&y, &u, &v}) {
+        seed = seed * 1664525 + 1013904223;
+        (*row)[x] = static_cast<std::uint8_t>(seed >> 24);
+      }
+    std::vector<std::uint32_t> pixels(kWidth);
+    korvia::rowToRgb(y.data(), u.data(), v.data(), pixels.data(), kWidth);
+    for (int x = 0; x < kWidth; ++x) {
+      std::uint32_t pixel = 0;
+      korvia::rowToRgb(&y[x], &u[x], &v[x], &pixel, 1);
+      QCOMPARE(pixels[x], pixel);
+    }
+  }
+
   void everyWidthWritesItsPixelsAndNoMore() {
     const std::vector<std::uint8_t> y(70, 235), c(70, 128);
     for (int width = 0; width <= 70; ++width) {
@@ -38,5 +57,8 @@ class RgbRowTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(RgbRowTest)
+int main(int argc, char** argv) {
+  return korvia::test::runWithEveryInstructionSet<RgbRowTest>(argc, argv);
+}
+
 #include "tst_rgb_row.moc"

@@ -13,9 +13,9 @@ namespace {
 constexpr int kLengthMax = 70;
 constexpr std::uint8_t kUntouched = 99;
 
-using Rows = std::array<const std::uint8_t*, 6>;
+using Rows = std::array<const std::uint8_t*, 4>;
 
-/// Six rows of noise with all the corner values among it.
+/// Four rows of noise with all the corner values among it.
 class Noise {
  public:
   Noise() {
@@ -38,7 +38,7 @@ class Noise {
   }
 
  private:
-  std::array<std::vector<std::uint8_t>, 6> rows_;
+  std::array<std::vector<std::uint8_t>, 4> rows_;
 };
 
 int weighed(int a, int b, int weight) {
@@ -145,27 +145,29 @@ class ColorKernelsTest : public QObject {
   }
 
   void turningFollowsItsFormula() {
-    for (const int black : {16, 128})
+    for (const int ends : {0, 16 + 235, 2 * 128, 510})
       for (const int weight : {0, 77, 256})
         QCOMPARE(firstDifference(
                      [&](const Rows& in, std::uint8_t* out, int count) {
-                       mixTurningRow({in[0], in[1], in[2]}, {in[3], in[4], in[5]}, black, weight, out, count);
+                       mixTurningRow({in[0], in[1]}, {in[2], in[3]}, ends, weight, out, count);
                      },
                      [&](const Rows& in, int x) {
-                       const int a = weighed(in[0][x], held(in[1][x] + black - in[0][x]), in[2][x]);
-                       const int b = weighed(in[3][x], held(in[4][x] + black - in[3][x]), in[5][x]);
+                       const int a = weighed(in[0][x], held(ends - in[0][x]), in[1][x]);
+                       const int b = weighed(in[2][x], held(ends - in[2][x]), in[3][x]);
                        return (a * (256 - weight) + b * weight + 128) / 256;
                      }),
                  QString());
   }
 
   void mixTowardsFollowsItsFormula() {
-    QCOMPARE(firstDifference([](const Rows& in, std::uint8_t* out,
-                                int count) { mixTowardsRow(in[0], in[1], in[2], in[3], in[4], out, count); },
-                             [](const Rows& in, int x) {
-                               return weighed(weighed(in[0][x], in[1][x], in[2][x]), in[3][x], in[4][x]);
-                             }),
-             QString());
+    for (const int target : {0, 16, 128, 235, 255})
+      QCOMPARE(
+          firstDifference([&](const Rows& in, std::uint8_t* out,
+                              int count) { mixTowardsRow(in[0], in[1], in[2], target, in[3], out, count); },
+                          [&](const Rows& in, int x) {
+                            return weighed(weighed(in[0][x], in[1][x], in[2][x]), target, in[3][x]);
+                          }),
+          QString());
   }
 
   void productOfLumaIsThatOfItsLight() {

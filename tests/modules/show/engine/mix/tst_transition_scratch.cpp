@@ -11,13 +11,12 @@ class TransitionScratchTest : public QObject {
  private slots:
   void framesAreKeptWhileTheyFit() {
     TransitionScratch scratch;
-    Frame* frame = &scratch.frame(1, {33, 17}, true);
+    Frame* frame = &scratch.frame(1, {33, 17});
     QCOMPARE(frame->width(), 33);
-    QVERIFY(frame->hasAlpha());
-    QCOMPARE(&scratch.frame(1, {33, 17}, true), frame);
-    QVERIFY(&scratch.frame(2, {33, 17}, true) != frame);
-    QVERIFY(!scratch.frame(1, {33, 17}, false).hasAlpha());
-    QCOMPARE(scratch.frame(1, {20, 10}, false).height(), 10);
+    QVERIFY(!frame->hasAlpha());
+    QCOMPARE(&scratch.frame(1, {33, 17}), frame);
+    QVERIFY(&scratch.frame(2, {33, 17}) != frame);
+    QCOMPARE(scratch.frame(1, {20, 10}).height(), 10);
   }
 
   void buffersGrowAndStay() {

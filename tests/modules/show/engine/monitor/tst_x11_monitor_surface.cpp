@@ -13,7 +13,7 @@ namespace {
 constexpr FrameSize kPicture{320, 180};
 
 FrameRef grey(int luma) {
-  return frameOf(kPicture, false, [luma](int plane, int, int) { return plane == 0 ? luma : 128; });
+  return frameOf(kPicture, [luma](int plane, int, int) { return plane == 0 ? luma : 128; });
 }
 
 /// Windows on the display, made over a connection that is not the monitors'.
@@ -29,7 +29,8 @@ class Windows {
     const xcb_window_t window = xcb_generate_id(connection_);
     xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, screen->root, 0, 0,
                       static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height), 0,
-                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, XCB_CW_BACK_PIXEL, &screen->white_pixel);
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual, XCB_CW_BACK_PIXEL,
+                      &screen->white_pixel);
     xcb_map_window(connection_, window);
     sync();
     tagKorviaWindowInfo info;

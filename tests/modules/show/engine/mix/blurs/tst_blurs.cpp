@@ -17,7 +17,7 @@ enum Effect { kCircular = 53, kRadial, kPixelate, kDirectional, kDisk, kSharpen,
 
 FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, double position) {
   TransitionScratch scratch;
-  MutableFrame out(new Frame(from->size(), from->hasAlpha()));
+  MutableFrame out(new Frame(from->size(), false));
   transitionFor(effect)->mix(*from, *to, {position, 1}, scratch, *out);
   return std::move(out).publish();
 }
@@ -44,7 +44,7 @@ double shade(int plane, double x, double y) {
 
 /// That picture, or what `value(plane, x, y)` makes of it.
 FrameRef shaded(const std::function<double(int, double, double)>& value) {
-  return frameOf(kSize, false, [&](int plane, int x, int y) {
+  return frameOf(kSize, [&](int plane, int x, int y) {
     const int step = plane == 0 ? 1 : 2;
     return qRound(value(plane, (x + 0.5) * step - kSize.width / 2.0, (y + 0.5) * step - kSize.height / 2.0));
   });
@@ -105,9 +105,9 @@ class BlursTest : public QObject {
     // An eyepiece darkens what lies round it, all but black.
     const bool black = effect == kTelescopic;
     for (const FrameSize size : {FrameSize{1, 1}, {1, 7}, {5, 1}, {33, 17}, {160, 90}}) {
-      const FrameRef picture = frameOf(size, true, [&](int plane, int, int) {
-        constexpr int kBlack[] = {16, 128, 128, 255};
-        constexpr int kColor[] = {93, 61, 201, 255};
+      const FrameRef picture = frameOf(size, [&](int plane, int, int) {
+        constexpr int kBlack[] = {16, 128, 128};
+        constexpr int kColor[] = {93, 61, 201};
         return black ? kBlack[plane] : kColor[plane];
       });
       for (const double position : {0.04, 0.3, 0.5, 0.83})
@@ -119,7 +119,7 @@ class BlursTest : public QObject {
   void theRangeIsKept() {
     QFETCH(int, effect);
     const auto legal = [](std::uint32_t seed) {
-      return frameOf({90, 70}, false, [seed](int plane, int, int) mutable {
+      return frameOf({90, 70}, [seed](int plane, int, int) mutable {
         seed = seed * 1664525 + 1013904223;
         return 16 + static_cast<int>((seed >> 24) % (plane == 0 ? 220U : 225U));
       });
@@ -133,21 +133,6 @@ class BlursTest : public QObject {
             QVERIFY(view.row(y)[x] >= 16 && view.row(y)[x] <= (plane == 0 ? 235 : 240));
       }
     }
-  }
-
-  void alphaIsBlurredLikeLuma_data() { everyBlur(); }
-  void alphaIsBlurredLikeLuma() {
-    QFETCH(int, effect);
-    if (effect == kSharpen || effect == kTelescopic)
-      return;
-    const auto picture = [](int phase) {
-      return frameOf({130, 74}, true, [=](int plane, int x, int y) {
-        return plane == Frame::Y || plane == Frame::A ? (x * 7 + y * 3 + phase) % 200 + 20 : 128;
-      });
-    };
-    const FrameRef now = mixed(effect, picture(0), picture(90), 0.4);
-    for (int y = 0; y < 74; ++y)
-      QCOMPARE(std::memcmp(planeOf(*now, Frame::A).row(y), planeOf(*now, Frame::Y).row(y), 130), 0);
   }
 
   void circularSmearsAlongCircles() {
@@ -194,10 +179,10 @@ class BlursTest : public QObject {
   }
 
   void pixelateAveragesBlocks() {
-    const FrameRef a = noise({401, 277}, 1, true);
-    const FrameRef b = noise({401, 277}, 2, true);
+    const FrameRef a = noise({401, 277}, 1);
+    const FrameRef b = noise({401, 277}, 2);
     const FrameRef now = mixed(kPixelate, a, b, 0.5);
-    for (int plane = 0; plane < 4; ++plane) {
+    for (int plane = 0; plane < 3; ++plane) {
       const PlaneView first = planeOf(*a, plane);
       const PlaneView second = planeOf(*b, plane);
       const PlaneView out = planeOf(*now, plane);
@@ -249,15 +234,15 @@ class BlursTest : public QObject {
   }
 
   void directionalKeepsLinesAlongIt() {
-    const FrameRef lines = frameOf({150, 60}, false, [](int, int, int y) { return y % 2 ? 200 : 40; });
-    const FrameRef posts = frameOf({150, 60}, false, [](int, int x, int) { return x % 2 ? 200 : 40; });
+    const FrameRef lines = frameOf({150, 60}, [](int, int, int y) { return y % 2 ? 200 : 40; });
+    const FrameRef posts = frameOf({150, 60}, [](int, int x, int) { return x % 2 ? 200 : 40; });
     for (const double position : {0.1, 0.45})
       QCOMPARE(difference(*blurred(kDirectional, lines, position), *lines).largest, 0);
     QVERIFY(difference(*blurred(kDirectional, posts, 0.45), *posts).mean > 60);
   }
 
   void diskSpreadsAPointEvenly() {
-    const FrameRef point = frameOf({320, 240}, false, [](int plane, int x, int y) {
+    const FrameRef point = frameOf({320, 240}, [](int plane, int x, int y) {
       return plane == 0 && x >= 156 && x < 164 && y >= 116 && y < 124 ? 235 : 16;
     });
     const FrameRef disk = blurred(kDisk, point, 0.5);
@@ -286,7 +271,7 @@ class BlursTest : public QObject {
   }
 
   void sharpenOverdrawsEdges() {
-    const FrameRef edge = frameOf({120, 60}, false, [](int, int x, int) { return x < 60 ? 100 : 150; });
+    const FrameRef edge = frameOf({120, 60}, [](int, int x, int) { return x < 60 ? 100 : 150; });
     const FrameRef now = blurred(kSharpen, edge, 0.5);
     const PlaneView luma = planeOf(*now, Frame::Y);
     for (int y = 0; y < 60; ++y) {
@@ -300,25 +285,8 @@ class BlursTest : public QObject {
   }
 
   void sharpenLeavesSoftShadesAlone() {
-    const FrameRef shade = frameOf({240, 60}, false, [](int, int x, int y) { return 60 + x / 4 + y / 10; });
+    const FrameRef shade = frameOf({240, 60}, [](int, int x, int y) { return 60 + x / 4 + y / 10; });
     QVERIFY(difference(*blurred(kSharpen, shade, 0.5), *shade).largest <= 1);
-  }
-
-  void sharpenAddsNoLightToWhatIsTransparent() {
-    const FrameRef cut = frameOf({120, 60}, true, [](int plane, int x, int) {
-      const bool covered = plane == Frame::U || plane == Frame::V ? x >= 30 : x >= 60;
-      constexpr int kInside[] = {180, 90, 150, 255};
-      constexpr int kOutside[] = {16, 128, 128, 0};
-      return covered ? kInside[plane] : kOutside[plane];
-    });
-    const FrameRef now = blurred(kSharpen, cut, 0.5);
-    for (int plane = 0; plane < 4; ++plane) {
-      const PlaneView before = planeOf(*cut, plane);
-      const PlaneView after = planeOf(*now, plane);
-      for (int y = 0; y < before.height; ++y)
-        QCOMPARE(std::memcmp(before.row(y), after.row(y), static_cast<std::size_t>(before.width) / 2), 0);
-    }
-    QVERIFY(planeOf(*now, Frame::Y).row(30)[60] > 220);
   }
 
   void telescopicIsSharpInsideItsEyepiece() {
@@ -341,9 +309,8 @@ class BlursTest : public QObject {
     QVERIFY(luma.row(120)[160 + 82] < 110);
     QVERIFY(luma.row(120)[310] > 120 && luma.row(120)[310] < 170);
     // A line 100 samples from the middle shows where 100 * exp(0.15) is.
-    const FrameRef line = frameOf({320, 240}, false, [](int plane, int x, int) {
-      return plane == 0 && x >= 258 && x < 262 ? 235 : 16;
-    });
+    const FrameRef line = frameOf(
+        {320, 240}, [](int plane, int x, int) { return plane == 0 && x >= 258 && x < 262 ? 235 : 16; });
     const FrameRef moved = blurred(kTelescopic, line, 0.5);
     const std::uint8_t* row = planeOf(*moved, Frame::Y).row(120);
     const auto brightest = static_cast<int>(std::max_element(row + 240, row + 320) - row);

@@ -13,7 +13,7 @@ namespace {
 
 FrameRef blurred(const FrameRef& picture, double radius) {
   TransitionScratch scratch;
-  MutableFrame out(new Frame(picture->size(), picture->hasAlpha()));
+  MutableFrame out(new Frame(picture->size(), false));
   blurByDisk(*picture, radius, scratch, *out);
   return std::move(out).publish();
 }
@@ -46,7 +46,7 @@ class PoissonDiskTest : public QObject {
   }
 
   void withoutRadiusChangesNothing() {
-    const FrameRef picture = withoutSpare(*noise({37, 21}, 3, true));
+    const FrameRef picture = withoutSpare(*noise({37, 21}, 3));
     QCOMPARE(difference(*blurred(picture, 0), *picture).largest, 0);
   }
 
@@ -80,7 +80,7 @@ class PoissonDiskTest : public QObject {
   }
 
   void aPointBecomesADisk() {
-    const FrameRef point = frameOf({81, 61}, false, [](int plane, int x, int y) {
+    const FrameRef point = frameOf({81, 61}, [](int plane, int x, int y) {
       return plane == 0 && qAbs(x - 40) < 3 && qAbs(y - 30) < 3 ? 255 : 16;
     });
     const FrameRef disk = blurred(point, 12);

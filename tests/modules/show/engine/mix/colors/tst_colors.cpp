@@ -26,7 +26,7 @@ FrameRef columns(const Samples& luma, int height, int u, int v) {
   const auto sample = [&](int plane, int x, int) {
     return plane == Frame::Y ? luma[x] : plane == Frame::U ? u : v;
   };
-  return frameOf({luma.size(), height}, false, sample);
+  return frameOf({luma.size(), height}, sample);
 }
 
 FrameRef even(FrameSize size, int luma, int u, int v) {
@@ -35,7 +35,7 @@ FrameRef even(FrameSize size, int luma, int u, int v) {
 
 FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, double position) {
   TransitionScratch scratch;
-  MutableFrame out(new Frame(from->size(), from->hasAlpha()));
+  MutableFrame out(new Frame(from->size(), false));
   transitionFor(effect)->mix(*from, *to, {position, 7}, scratch, *out);
   return std::move(out).publish();
 }
@@ -198,8 +198,8 @@ class ColorsTest : public QObject {
       // The ends of the range come often.
       return 16 + qBound(0, static_cast<int>(seed >> 24) * (range + 100) / 255 - 50, range);
     };
-    const FrameRef a = frameOf({61, 43}, false, legal);
-    const FrameRef b = frameOf({61, 43}, false, legal);
+    const FrameRef a = frameOf({61, 43}, legal);
+    const FrameRef b = frameOf({61, 43}, legal);
     for (int i = 0; i <= 40; ++i) {
       const FrameRef now = mixed(effect, a, b, i / 40.0);
       for (int plane = 0; plane < 3; ++plane)
@@ -207,42 +207,6 @@ class ColorsTest : public QObject {
           for (const int sample : rowOf(now, plane, y))
             QVERIFY2(sample >= 16 && sample <= (plane == Frame::Y ? 235 : 240),
                      qPrintable(QString::number(i)));
-    }
-  }
-
-  void coloursStayWithinTheirAlpha_data() { everyEffect(); }
-  void coloursStayWithinTheirAlpha() {
-    QFETCH(int, effect);
-    constexpr int kRounding = 2;
-    // Alpha differs from column to column in the one picture, from row to row in the other; chroma samples
-    // have one alpha each.
-    // Either white or a dark violet.
-    const auto premultiplied = [](int alpha, int plane, bool isWhite) {
-      if (plane == Frame::A)
-        return alpha;
-      return plane == Frame::Y ? 16 + (isWhite ? 219 : 60) * alpha / 255
-                               : 128 + (isWhite ? 0 : 60) * alpha / 255;
-    };
-    const auto block = [](int plane, int place) { return plane == 1 || plane == 2 ? place : place / 2; };
-    const FrameRef a = frameOf({64, 36}, true, [&](int plane, int x, int y) {
-      return premultiplied(8 * block(plane, x), plane, block(plane, y) % 2 == 0);
-    });
-    const FrameRef b = frameOf({64, 36}, true, [&](int plane, int x, int y) {
-      return premultiplied(255 - 15 * block(plane, y), plane, block(plane, x) % 3 == 0);
-    });
-    for (int i = 0; i <= 20; ++i) {
-      const FrameRef now = mixed(effect, a, b, i / 20.0);
-      for (int y = 0; y < 36; ++y) {
-        const Samples alpha = rowOf(now, Frame::A, y);
-        const Samples luma = rowOf(now, Frame::Y, y);
-        const Samples u = rowOf(now, Frame::U, y / 2);
-        for (int x = 0; x < 64; ++x) {
-          const QString where = QString("%1 at %2, %3").arg(i).arg(x).arg(y);
-          QVERIFY2(luma[x] - 16 <= 219 * alpha[x] / 255 + kRounding, qPrintable(where));
-          if (effect <= kPixelsMultiplied)
-            QVERIFY2(qAbs(u[x / 2] - 128) <= 60 * alpha[x] / 255 + kRounding, qPrintable(where));
-        }
-      }
     }
   }
 };

@@ -35,7 +35,7 @@ const double kReach = std::hypot(480.5, 274.5);
 
 FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, MixPoint point) {
   TransitionScratch scratch;
-  MutableFrame out(new Frame(from->size(), from->hasAlpha()));
+  MutableFrame out(new Frame(from->size(), false));
   transitionFor(effect)->mix(*from, *to, point, scratch, *out);
   return std::move(out).publish();
 }
@@ -50,8 +50,7 @@ double smooth(int picture, int plane, double x, double y) {
 }
 
 FrameRef smoothPicture(int picture) {
-  return frameOf(kSize, false,
-                 [&](int plane, int x, int y) { return std::lround(smooth(picture, plane, x, y)); });
+  return frameOf(kSize, [&](int plane, int x, int y) { return std::lround(smooth(picture, plane, x, y)); });
 }
 
 struct Place {
@@ -176,7 +175,7 @@ using Field = Place (*)(double position, double x, double y);
 
 /// Symmetric left to right and top to bottom.
 FrameRef symmetricPicture(double length) {
-  return frameOf({240, 136}, false, [&](int plane, int x, int y) {
+  return frameOf({240, 136}, [&](int plane, int x, int y) {
     const double scale = plane == 0 ? 1 : 2;
     const double u = std::abs((plane == 0 ? x - 119.5 : x - 59.5) * scale);
     const double v = std::abs((plane == 0 ? y - 67.5 : y - 33.5) * scale);

@@ -11,7 +11,7 @@ using namespace korvia::test;
 namespace {
 
 FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, double position) {
-  MutableFrame out(new Frame(from->size(), from->hasAlpha()));
+  MutableFrame out(new Frame(from->size(), false));
   TransitionScratch scratch;
   transitionFor(effect)->mix(*from, *to, {position, 1}, scratch, *out);
   return std::move(out).publish();
@@ -108,7 +108,7 @@ class StretchesTest : public QObject {
     QFETCH(QList<int>, luma);
     QFETCH(QList<int>, chroma);
     const auto picture = [&](int base) {
-      return frameOf({4, 4}, false, [&](int, int x, int y) { return base + 40 * (down ? y : x); });
+      return frameOf({4, 4}, [&](int, int x, int y) { return base + 40 * (down ? y : x); });
     };
     const FrameRef now = mixed(effect, picture(0), picture(100), position);
     QCOMPARE(line(*now, 0, down), luma);
@@ -123,8 +123,8 @@ class StretchesTest : public QObject {
   }
   void inTheCenter() {
     QFETCH(int, effect);
-    const FrameRef small = frameOf({4, 4}, false, [](int, int x, int y) { return 4 * x + 16 * y; });
-    const FrameRef large = frameOf({4, 4}, false, [](int, int x, int y) { return 200 + x + 4 * y; });
+    const FrameRef small = frameOf({4, 4}, [](int, int x, int y) { return 4 * x + 16 * y; });
+    const FrameRef large = frameOf({4, 4}, [](int, int x, int y) { return 200 + x + 4 * y; });
     const FrameRef now = mixed(effect, effect == 50 ? small : large, effect == 50 ? large : small, 0.5);
     const int expected[4][4] = {
         {200, 201, 202, 203}, {204, 10, 18, 207}, {208, 42, 50, 211}, {212, 213, 214, 215}};
@@ -140,9 +140,8 @@ class StretchesTest : public QObject {
     QFETCH(int, effect);
     for (int side = 1; side <= 70; side += side < 6 ? 1 : 7) {
       const FrameSize size{side, (side * 5) % 71};
-      const bool alpha = side % 2 == 0;
-      const FrameRef a = noise(size, 1, alpha);
-      const FrameRef b = noise(size, 2, alpha);
+      const FrameRef a = noise(size, 1);
+      const FrameRef b = noise(size, 2);
       for (const double position : {0.013, 0.23, 0.31, 0.5, 0.77}) {
         const Places places = placesOf(effect, size, position);
         const FrameRef now = mixed(effect, a, b, position);
@@ -183,7 +182,7 @@ class StretchesTest : public QObject {
     for (const FrameSize size :
          {FrameSize{640, 360}, FrameSize{61, 1}, FrameSize{1, 61}, FrameSize{16, 2000}})
       for (const double position : {1e-9, 1e-4, 0.003, 0.29, 0.9, 0.9999}) {
-        const FrameRef plain = frameOf(size, true, [](int plane, int, int) { return 77 + 40 * plane; });
+        const FrameRef plain = frameOf(size, [](int plane, int, int) { return 77 + 40 * plane; });
         QCOMPARE(difference(*mixed(effect, plain, plain, position), *plain).largest, 0);
       }
   }
@@ -215,29 +214,13 @@ class StretchesTest : public QObject {
     QFETCH(int, effect);
     QFETCH(bool, down);
     const FrameSize size{320, 320};
-    const FrameRef stripes =
-        frameOf(size, false, [&](int, int x, int y) { return 255 * ((down ? y : x) % 2); });
+    const FrameRef stripes = frameOf(size, [&](int, int x, int y) { return 255 * ((down ? y : x) % 2); });
     for (const double position : {0.07, 0.13, 0.21}) {
       const FrameRef now = mixed(effect, flat(size, 0), stripes, position);
       const int end = static_cast<int>(320 * position);
       const QList<int> values = line(*now, 0, down);
       for (int i = 0; i < end; ++i)
         QVERIFY2(std::abs(values.at(i) - 127) <= 32, qPrintable(QString::number(values.at(i))));
-    }
-  }
-
-  void alphaMovesWithLuma_data() { everyStretch(); }
-  void alphaMovesWithLuma() {
-    QFETCH(int, effect);
-    const auto picture = [](int seed) {
-      return frameOf({35, 22}, true, [=](int, int x, int y) { return (x * 37 + y * 91 + seed * 57) % 256; });
-    };
-    for (const double position : {0.1, 0.37, 0.8}) {
-      const FrameRef now = mixed(effect, picture(1), picture(2), position);
-      const PlaneView luma = planeOf(*now, Frame::Y);
-      const PlaneView alpha = planeOf(*now, Frame::A);
-      for (int y = 0; y < luma.height; ++y)
-        QVERIFY(std::equal(luma.row(y), luma.row(y) + luma.width, alpha.row(y)));
     }
   }
 };
