@@ -1,6 +1,8 @@
 #include "KernelBench.h"
 
 #include <libyuv.h>
+#include <QJsonArray>
+#include <QJsonObject>
 
 #include <algorithm>
 #include <chrono>
@@ -103,15 +105,24 @@ Timing timed(const std::function<void()>& reference, const std::function<void()>
   return {median(times), median(ratios)};
 }
 
-/// One line of the table, seen at once even where the output goes through a pipe.
-void print(const char* name, const Timing& timing, const char* verdict = "") {
-  std::printf("%-40s %8.3f ms %8.2f M%s\n", name, timing.ms, timing.copies, verdict);
-  std::fflush(stdout);
-}
+/// The lines of the table, printed as they come and kept for the file.
+class Table {
+ public:
+  void add(const char* name, const Timing& timing, const char* verdict = "") {
+    std::printf("%-40s %8.3f ms %8.2f M%s\n", name, timing.ms, timing.copies, verdict);
+    // Seen at once, even where the output goes through a pipe.
+    std::fflush(stdout);
+    lines_.append(QJsonObject{{"name", name}, {"ms", timing.ms}, {"copies", timing.copies}});
+  }
+  void measure(const char* name, const std::function<void()>& reference,
+               const std::function<void()>& kernel) {
+    add(name, timed(reference, kernel, kRounds));
+  }
+  QJsonObject json() const { return {{"instructionSet", instructionSetName()}, {"kernels", lines_}}; }
 
-void measure(const char* name, const std::function<void()>& reference, const std::function<void()>& kernel) {
-  print(name, timed(reference, kernel, kRounds));
-}
+ private:
+  QJsonArray lines_;
+};
 
 struct EffectFamily {
   const char* name;
@@ -132,7 +143,7 @@ constexpr int kRoundsAtAPosition = 24;
 
 /// Each effect at several positions; what counts is its slowest.
 void measureEffects(const QList<int>& wanted, Carousel<FrameRef>& in, Carousel<MutableFrame>& out,
-                    const std::function<void()>& reference) {
+                    const std::function<void()>& reference, Table& table) {
   TransitionScratch scratch;
   TransitionCatalogue catalogue;
   for (const EffectFamily& family : kFamilies)
@@ -160,13 +171,11 @@ void measureEffects(const QList<int>& wanted, Carousel<FrameRef>& in, Carousel<M
       char verdict[24];
       std::snprintf(verdict, sizeof verdict, " of %4.1f%s", family.copiesMax,
                     slowest.copies > family.copiesMax || slowest.ms > family.msMax ? "  over" : "");
-      print(name, slowest, verdict);
+      table.add(name, slowest, verdict);
     }
 }
 
-}  // namespace
-
-int runKernelBench(const QList<int>& effects) {
+void measureAll(const QList<int>& effects, Table& table) {
   Carousel<FrameRef> in = pictures();
   Carousel<MutableFrame> out = targets();
   const auto reference = [&] { copy(in.next(), out.next()); };
@@ -174,13 +183,13 @@ int runKernelBench(const QList<int>& effects) {
   char title[40];
   std::snprintf(title, sizeof title, "kernel, 1920 x 1080, %s", instructionSetName());
   std::printf("%-40s %11s %10s\n", title, "median", "of a copy");
-  measure("copy", reference, reference);
-  measureEffects(effects, in, out, reference);
+  table.measure("copy", reference, reference);
+  measureEffects(effects, in, out, reference, table);
   if (!effects.isEmpty())
-    return 0;
+    return;
   std::vector<std::int32_t> x(kSize.width);
   std::vector<std::int32_t> y(kSize.width);
-  measure("sampling at turned points", reference, [&] {
+  table.measure("sampling at turned points", reference, [&] {
     const Frame& from = in.next();
     Frame& to = out.next();
     for (int plane = 0; plane < 3; ++plane) {
@@ -204,14 +213,14 @@ int runKernelBench(const QList<int>& effects) {
   for (int i = 0; i < kFrames; ++i)
     below.push_back(noise(static_cast<std::uint32_t>(i)));
   int place = 0;
-  measure("drawing over all of it", reference,
-          [&] { compositor.over(below[++place % kFrames], layers, composed); });
+  table.measure("drawing over all of it", reference,
+                [&] { compositor.over(below[++place % kFrames], layers, composed); });
   for (const FrameSize size : {FrameSize{296, 167}, FrameSize{544, 306}, FrameSize{912, 513}}) {
     PictureScaler scaler;
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(size.width) * size.height * 4);
     char name[40];
     std::snprintf(name, sizeof name, "monitor %d x %d", size.width, size.height);
-    measure(name, reference, [&] { scaler.toRgb(in.next(), size, pixels.data(), size.width * 4); });
+    table.measure(name, reference, [&] { scaler.toRgb(in.next(), size, pixels.data(), size.width * 4); });
   }
   const FrameSize small{1280, 720};
   FramePool smallPool(small);
@@ -219,6 +228,13 @@ int runKernelBench(const QList<int>& effects) {
   smallFrame->fillBlack();
   const FrameRef picture = std::move(smallFrame).publish();
   const FrameRect rect = fitRect(small, 1, 1, kSize);
-  measure("fit 1280 x 720", reference, [&] { fitFrame(*picture, rect, out.next()); });
-  return 0;
+  table.measure("fit 1280 x 720", reference, [&] { fitFrame(*picture, rect, out.next()); });
+}
+
+}  // namespace
+
+int runKernelBench(const QList<int>& effects, const QString& jsonFile) {
+  Table table;
+  measureAll(effects, table);
+  return jsonFile.isEmpty() || writeReport(table.json(), jsonFile) ? 0 : 1;
 }

@@ -3,4 +3,5 @@
 #include <QList>
 
 /// Runs and prints; the exit code of the program. With effects only those, otherwise all kernels and effects.
-int runKernelBench(const QList<int>& effects);
+/// Writes the lines to `jsonFile` too, unless that is empty.
+int runKernelBench(const QList<int>& effects, const QString& jsonFile);

@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -14,6 +13,7 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEngine.h"
 #include "ProcessFigures.h"
+#include "Report.h"
 #include "tagKorviaShowEngineInfo.h"
 #include "tagKorviaShowOutputParam.h"
 #include "tagKorviaWindowInfo.h"
@@ -121,7 +121,8 @@ void startRecording(KorviaShowEngine& engine, const ShowBenchOptions& options) {
 }
 
 QJsonObject stage(const tagKorviaShowEngineFigures::StageTime& time) {
-  return {{"p50Ms", time.p50Ms}, {"p99Ms", time.p99Ms}, {"maxMs", time.maxMs}};
+  return {
+      {"p50Ms", time.p50Ms}, {"p99Ms", time.p99Ms}, {"maxMs", time.maxMs}, {"maxOfRunMs", time.maxOfRunMs}};
 }
 
 QJsonObject report(const ShowBenchOptions& options, const tagKorviaShowEngineFigures& before,
@@ -140,6 +141,8 @@ QJsonObject report(const ShowBenchOptions& options, const tagKorviaShowEngineFig
           {"lateTicks", after.lateTicks - before.lateTicks},
           {"repeatedFrames", after.repeatedFrames - before.repeatedFrames},
           {"droppedStripPictures", after.droppedStripPictures - before.droppedStripPictures},
+          {"heldFilmFrames", after.heldFilmFrames - before.heldFilmFrames},
+          {"skippedFilmFrames", after.skippedFilmFrames - before.skippedFilmFrames},
           {"coreSecondsPerSecond", (processAfter.cpuSeconds - processBefore.cpuSeconds) / wallSeconds},
           {"coresByThread", threads},
           {"peakResidentMiB", static_cast<double>(processAfter.peakResidentBytes) / (1 << 20)},
@@ -201,14 +204,6 @@ int runShowBench(const ShowBenchOptions& options) {
 
   QJsonObject result = report(options, before, after, wallSeconds, processBefore, processAfter);
   result["startToFirstFrameMs"] = firstFrameMs;
-  const QByteArray json = QJsonDocument(result).toJson();
-  std::fputs(json.constData(), stdout);
-  if (!options.jsonFile.isEmpty()) {
-    QFile file(options.jsonFile);
-    if (!file.open(QIODevice::WriteOnly) || file.write(json) != json.size()) {
-      std::fprintf(stderr, "failed to write %s\n", qPrintable(options.jsonFile));
-      return 1;
-    }
-  }
-  return 0;
+  std::fputs(QJsonDocument(result).toJson().constData(), stdout);
+  return options.jsonFile.isEmpty() || writeReport(result, options.jsonFile) ? 0 : 1;
 }

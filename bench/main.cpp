@@ -49,7 +49,7 @@ int kernels(const QCommandLineParser& parser) {
   if (parser.isSet("effect"))
     for (const QString& number : parser.values("effect"))
       effects << number.toInt();
-  return runKernelBench(effects);
+  return runKernelBench(effects, parser.value("json"));
 }
 
 }  // namespace

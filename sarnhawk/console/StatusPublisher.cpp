@@ -19,16 +19,20 @@ QString channelTitle(int channelId) {
 }
 
 QJsonObject stageTime(const tagKorviaShowEngineFigures::StageTime& time) {
-  return {{"p50Ms", time.p50Ms}, {"p99Ms", time.p99Ms}, {"maxMs", time.maxMs}};
+  return {
+      {"p50Ms", time.p50Ms}, {"p99Ms", time.p99Ms}, {"maxMs", time.maxMs}, {"maxOfRunMs", time.maxOfRunMs}};
 }
 
 QJsonObject engineSection(const tagKorviaShowEngineFigures& figures, bool isOpen) {
   return {{"open", isOpen},
           {"frames", figures.frames},
           {"fps", figures.fps},
+          {"fpsOfRun", figures.fpsOfRun},
           {"lateTicks", figures.lateTicks},
           {"repeatedFrames", figures.repeatedFrames},
           {"droppedStripPictures", figures.droppedStripPictures},
+          {"heldFilmFrames", figures.heldFilmFrames},
+          {"skippedFilmFrames", figures.skippedFilmFrames},
           {"sources", figures.sourceCount},
           {"tick", stageTime(figures.tick)},
           {"stages", QJsonObject{{"sources", stageTime(figures.sources)},

@@ -63,8 +63,9 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
   {
     std::lock_guard lock(figuresMutex_);
     figures_ = {};
+    frameMeter_.start(std::chrono::steady_clock::now());
   }
-  firstFrame_ = std::chrono::steady_clock::now();
+  stages_.restart();
   open_ = true;
   qCDebug(logEngine, "engine opened : %d x %d, %.3f frames per second", format_.size.width,
           format_.size.height, format_.rate.framesPerSecond());
@@ -156,13 +157,11 @@ void SoftwareBackend::showMonitors(const FrameRef& preview) {
 }
 
 void SoftwareBackend::keepFigures(const FrameTick& tick) {
-  using Seconds = std::chrono::duration<double>;
-  const double seconds = Seconds(std::chrono::steady_clock::now() - firstFrame_).count();
+  const bool late = tick.missed > 0 || tick.lateNs > format_.rate.nsOf(1) / 4;
   std::lock_guard lock(figuresMutex_);
-  figures_.frames += 1 + tick.missed;
+  frameMeter_.count(1 + tick.missed, std::chrono::steady_clock::now());
   figures_.repeatedFrames += tick.missed;
-  figures_.lateTicks += tick.missed > 0 ? 1 : 0;
-  figures_.fps = seconds > 0 ? static_cast<double>(figures_.frames) / seconds : 0;
+  figures_.lateTicks += late ? 1 : 0;
   figures_.switchPosition = static_cast<float>(switcher_.position());
   figures_.pvmChannel = switcher_.pvm().channel();
   figures_.pgmChannel = switcher_.pgm().channel();
@@ -193,7 +192,11 @@ void SoftwareBackend::getOutputState(tagKorviaOutputStatistics* statistics) {
 void SoftwareBackend::getFigures(tagKorviaShowEngineFigures& figures) {
   {
     std::lock_guard lock(figuresMutex_);
+    const auto now = std::chrono::steady_clock::now();
     figures = figures_;
+    figures.frames = frameMeter_.total();
+    figures.fps = frameMeter_.perSecond(now);
+    figures.fpsOfRun = frameMeter_.perSecondOfRun(now);
   }
   stages_.read(figures);
   figures.droppedStripPictures = monitors_.droppedPictures();

@@ -6,6 +6,7 @@
 
 #include "backend/IShowBackend.h"
 #include "engine/EventTable.h"
+#include "engine/FrameMeter.h"
 #include "engine/Janitor.h"
 #include "engine/ShowFormat.h"
 #include "engine/StageClock.h"
@@ -82,8 +83,8 @@ class SoftwareBackend final : public IShowBackend {
   EventTable events_;
 
   mutable std::mutex figuresMutex_;
-  tagKorviaShowEngineFigures figures_;                // guarded by figuresMutex_
-  std::chrono::steady_clock::time_point firstFrame_;  // engine thread
+  tagKorviaShowEngineFigures figures_;  // guarded by figuresMutex_
+  FrameMeter frameMeter_;               // guarded by figuresMutex_
 };
 
 }  // namespace korvia

@@ -2,6 +2,7 @@
 #pragma once
 #include <array>
 #include <chrono>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -28,19 +29,28 @@ class StageClock {
     std::chrono::steady_clock::time_point begin_;
   };
 
-  void add(Stage stage, std::chrono::nanoseconds time);
-  /// Median, 99th percentile and maximum over the last ticks (the maximum over all).
-  void read(tagKorviaShowEngineFigures& figures) const;
+  using Time = std::chrono::steady_clock::time_point;
+
+  void add(Stage stage, std::chrono::nanoseconds time, Time now = std::chrono::steady_clock::now());
+  /// Median, 99th percentile and maximum over the last 10 s, and the maximum since the last restart().
+  void read(tagKorviaShowEngineFigures& figures, Time now = std::chrono::steady_clock::now()) const;
+  /// Forgets everything.
+  void restart();
 
  private:
-  static constexpr int kWindow = 2048;
+  // More than 10 s at 200 frames a second.
+  static constexpr int kCapacity = 2048;
+  struct Sample {
+    Time time;
+    float ms = 0;
+  };
   struct Samples {
-    std::array<float, kWindow> ms{};
+    std::array<Sample, kCapacity> ring{};
     int count = 0;
     int next = 0;
-    double maxMs = 0;
+    double maxOfRunMs = 0;
   };
-  tagKorviaShowEngineFigures::StageTime summary(const Samples& samples) const;
+  static tagKorviaShowEngineFigures::StageTime summary(const Samples& samples, Time now);
 
   mutable std::mutex mutex_;
   std::array<Samples, StageCount> stages_;  // guarded by mutex_

@@ -119,6 +119,6 @@ bool KorviaShowThread::waitForTick(korvia::FrameTick& tick) {
   }
   clockFrame_ = due;
   frameNumber_ += missed + 1;
-  tick = {frameNumber_, static_cast<int>(missed)};
+  tick = {frameNumber_, static_cast<int>(missed), elapsedNs - rate_.nsOf(due)};
   return true;
 }

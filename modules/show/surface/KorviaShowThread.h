@@ -20,10 +20,11 @@ struct ShowEvent {
   QVariant args[4];
 };
 
-/// One step of the frame clock. `missed` frames went by since the last step without a step of their own.
+/// One step of the frame clock.
 struct FrameTick {
   qint64 number = 0;
-  int missed = 0;
+  int missed = 0;     ///< frames that went by since the last step without a step of their own
+  qint64 lateNs = 0;  ///< how long after its deadline the step began
 };
 
 }  // namespace korvia

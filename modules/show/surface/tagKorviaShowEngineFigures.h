@@ -3,23 +3,31 @@
 #include <QMetaType>
 
 struct tagKorviaShowEngineFigures {
+  /// Over the last 10 s, and the longest time since the engine opened.
   struct StageTime {
     double p50Ms = 0;
     double p99Ms = 0;
     double maxMs = 0;
+    double maxOfRunMs = 0;
 
     friend bool operator==(const StageTime&, const StageTime&) = default;
   };
 
   /// Program frames since the engine opened.
   qint64 frames = 0;
-  /// Ticks that began after their deadline.
+  /// Ticks that began more than a quarter of a frame after their deadline, missed frames or not.
   qint64 lateTicks = 0;
   /// Program frames that repeat the one before because a tick came late.
   qint64 repeatedFrames = 0;
   /// Strip pictures that were left out to save time.
   qint64 droppedStripPictures = 0;
+  /// Pictures that films did not have in time, and pictures that they left out to catch up; of the sources
+  /// that are open.
+  qint64 heldFilmFrames = 0;
+  qint64 skippedFilmFrames = 0;
+  /// Over the last 10 s, and since the engine opened.
   double fps = 0;
+  double fpsOfRun = 0;
   StageTime sources;
   StageTime mix;
   StageTime items;

@@ -359,6 +359,7 @@ void visitFields(R& r, V&& visit) {
   visit("p50Ms", r.p50Ms);
   visit("p99Ms", r.p99Ms);
   visit("maxMs", r.maxMs);
+  visit("maxOfRunMs", r.maxOfRunMs);
 }
 
 template <RecordOf<tagKorviaShowEngineFigures> R, class V>
@@ -367,7 +368,10 @@ void visitFields(R& r, V&& visit) {
   visit("lateTicks", r.lateTicks);
   visit("repeatedFrames", r.repeatedFrames);
   visit("droppedStripPictures", r.droppedStripPictures);
+  visit("heldFilmFrames", r.heldFilmFrames);
+  visit("skippedFilmFrames", r.skippedFilmFrames);
   visit("fps", r.fps);
+  visit("fpsOfRun", r.fpsOfRun);
   visit("sources", r.sources);
   visit("mix", r.mix);
   visit("items", r.items);

@@ -355,6 +355,12 @@ class SoftwareShowTest : public QObject {
     QCOMPARE(after.frames - before.frames, 4);
     QCOMPARE(after.repeatedFrames - before.repeatedFrames, 3);
     QCOMPARE(after.lateTicks - before.lateTicks, 1);
+    // Late within its own frame: nothing is missed, but it is late.
+    backend_->frameStep({++frame_, 0, 20'000'000});
+    backend_->frameStep({++frame_, 0, 5'000'000});
+    backend_->getFigures(after);
+    QCOMPARE(after.lateTicks - before.lateTicks, 2);
+    QCOMPARE(after.repeatedFrames - before.repeatedFrames, 3);
     QCOMPARE(after.sourceCount, 3);
     QCOMPARE(after.pgmChannel, kCh0);
   }

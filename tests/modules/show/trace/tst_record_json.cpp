@@ -200,7 +200,7 @@ class RecordJsonTest : public QObject {
     QCOMPARE(json["frames"].toInt(), 1500);
     QCOMPARE(json["tick"].toObject()["p99Ms"].toDouble(), 12.5);
     QCOMPARE(json["recording"], QJsonValue(true));
-    QCOMPARE(json["handOver"].toObject().size(), 3);
+    QCOMPARE(json["handOver"].toObject().size(), 4);
 
     QCOMPARE(objectOf(tagKorviaShowAudioLevel{})["values"].toArray().size(), 96);
     QCOMPARE(objectOf(tagKorviaSourceLinkState{}).size(), 4);

@@ -17,15 +17,14 @@ constexpr FrameSize kSize{32, 18};
 FrameRef withAlpha(const FrameRef& picture) {
   FramePool pool(picture->size(), true);
   MutableFrame frame = pool.acquire();
-  for (int plane = 0; plane < planeCount(*frame); ++plane) {
+  for (const int plane : kOpaquePlanes) {
     const WritablePlane view = writablePlaneOf(*frame, plane);
-    for (int y = 0; y < view.height; ++y) {
-      if (plane == Frame::A)
-        std::fill_n(view.row(y), view.width, std::uint8_t{128});
-      else
-        std::copy_n(planeOf(*picture, plane).row(y), view.width, view.row(y));
-    }
+    for (int y = 0; y < view.height; ++y)
+      std::copy_n(planeOf(*picture, plane).row(y), view.width, view.row(y));
   }
+  const WritablePlane alpha = writablePlaneOf(*frame, Frame::A);
+  for (int y = 0; y < alpha.height; ++y)
+    std::fill_n(alpha.row(y), alpha.width, std::uint8_t{128});
   return std::move(frame).publish();
 }
 

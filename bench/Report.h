@@ -1,0 +1,7 @@
+// The figures of a run as a file.
+#pragma once
+#include <QJsonObject>
+#include <QString>
+
+/// False, with a line on the error output, when the file cannot be written.
+bool writeReport(const QJsonObject& report, const QString& fileName);

@@ -1,0 +1,33 @@
+// Counts frames and tells how many there were a second, lately and since the start. Guarded by its owner.
+#pragma once
+#include <array>
+#include <chrono>
+#include <cstdint>
+
+namespace korvia {
+
+class FrameMeter {
+ public:
+  using Time = std::chrono::steady_clock::time_point;
+  static constexpr int kWindowSeconds = 10;
+
+  /// Forgets everything; the count begins now.
+  void start(Time now);
+  void count(int frames, Time now);
+
+  std::int64_t total() const { return total_; }
+  /// Over the last 10 whole seconds, or since the start as long as these have not passed.
+  double perSecond(Time now) const;
+  double perSecondOfRun(Time now) const;
+
+ private:
+  std::int64_t secondOf(Time now) const;
+
+  Time start_;
+  std::int64_t total_ = 0;
+  // One more than the window: the second that is being counted does not belong to it yet.
+  std::array<std::int64_t, kWindowSeconds + 1> frames_{};
+  std::int64_t newest_ = 0;  // second of the newest entry
+};
+
+}  // namespace korvia
