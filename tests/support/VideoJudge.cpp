@@ -35,8 +35,12 @@ VideoVerdict VideoJudge::judge(const QString& fileName) {
   verdict.frames = verdict.stream[QStringLiteral("nb_read_frames")].toString().toInt();
   verdict.durationSeconds =
       root[QStringLiteral("format")].toObject()[QStringLiteral("duration")].toString().toDouble();
-  for (const QJsonValue packet : root[QStringLiteral("packets")].toArray())
-    verdict.pts.append(packet.toObject()[QStringLiteral("pts_time")].toString().toDouble());
+  for (const QJsonValue value : root[QStringLiteral("packets")].toArray()) {
+    const QJsonObject packet = value.toObject();
+    if (packet[QStringLiteral("flags")].toString().startsWith('K'))
+      verdict.keyFrames.append(verdict.pts.size());
+    verdict.pts.append(packet[QStringLiteral("pts_time")].toString().toDouble());
+  }
   return verdict;
 }
 

@@ -12,6 +12,7 @@ struct VideoVerdict {
   int frames = 0;              ///< decoded
   double durationSeconds = 0;  ///< of the file
   QVector<double> pts;         ///< seconds, in the order of the packets
+  QVector<int> keyFrames;      ///< places of the key frames in that order
 };
 
 class VideoJudge {

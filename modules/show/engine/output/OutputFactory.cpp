@@ -1,15 +1,19 @@
 #include "OutputFactory.h"
 
-#include <QDateTime>
 #include <algorithm>
+#include <utility>
 
+#include "FileTarget.h"
 #include "OutputLog.h"
-#include "RecordFileName.h"
-#include "RecordOutput.h"
 
 namespace korvia {
 
 namespace {
+
+/// Null when the request does not ask for this kind of target.
+using TargetMaker = std::unique_ptr<Target> (*)(const OutputRequest& request);
+
+constexpr TargetMaker kTargetMakers[] = {FileTarget::create};
 
 constexpr int kMinSide = 16;
 constexpr int kMaxSide = 8192;
@@ -23,37 +27,38 @@ int usableSide(int side) {
   return std::clamp(side, kMinSide, kMaxSide) / 2 * 2;
 }
 
-FrameSize recordSize(const tagKorviaVideoFormat& video) {
+FrameSize encodedSize(const tagKorviaVideoFormat& video) {
   const FrameSize wanted{video.width, video.height};
   return wanted.isEmpty() ? kDefaultSize : FrameSize{usableSide(wanted.width), usableSide(wanted.height)};
 }
 
 // The record's text field gives 0 for what is no number.
-int recordKbps(int kbps) {
+int encodedKbps(int kbps) {
   return kbps <= 0 ? kDefaultKbps : std::clamp(kbps, kMinKbps, kMaxKbps);
 }
 
 }  // namespace
 
-std::unique_ptr<ProgramOutput> createProgramOutput(const OutputRequest& request) {
-  if (request.slot == OutputSlotStream) {
-    qCWarning(logOutput, "streams are not available in this version");
-    return nullptr;
-  }
-  if (request.slot != OutputSlotRecord) {
+std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janitor& janitor) {
+  if (request.slot != OutputSlotStream && request.slot != OutputSlotRecord) {
     qCWarning(logOutput, "there is no output %d", request.slot);
     return nullptr;
   }
-  const tagKorviaShowOutputItem& item = request.param.items[OutputSlotRecord];
-  RecordSettings settings;
-  settings.folder = item.recordPath;
-  settings.name = RecordFileName::make(item.recordNameFormat, item.recordTimeFormat, request.programName,
-                                       QDateTime::currentDateTime());
-  settings.container = RecordContainer::of(item.recordEncapsulation);
-  settings.size = recordSize(request.format.video);
-  settings.rate = request.rate;
-  settings.videoKbps = recordKbps(request.param.encode[OutputSlotRecord].videoBitrate);
-  return std::make_unique<RecordOutput>(std::move(settings));
+  OutputSlot::Targets targets;
+  for (const TargetMaker make : kTargetMakers) {
+    if (std::unique_ptr<Target> target = make(request))
+      targets.push_back(std::move(target));
+  }
+  if (targets.empty()) {
+    qCWarning(logOutput, "streams are not available in this version");
+    return nullptr;
+  }
+  EncoderSettings encoder;
+  encoder.label =
+      request.slot == OutputSlotRecord ? QStringLiteral("the recording") : QStringLiteral("the stream");
+  encoder.picture = {encodedSize(request.format.video), request.rate,
+                     encodedKbps(request.param.encode[request.slot].videoBitrate)};
+  return std::make_unique<OutputSlot>(std::move(encoder), std::move(targets), janitor);
 }
 
 }  // namespace korvia

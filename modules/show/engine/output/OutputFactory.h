@@ -2,11 +2,12 @@
 #pragma once
 #include <memory>
 
-#include "engine/output/ProgramOutput.h"
+#include "OutputRequest.h"
+#include "OutputSlot.h"
 
 namespace korvia {
 
-/// An output that starts on its own thread, or null with a log line for a slot that cannot run.
-std::unique_ptr<ProgramOutput> createProgramOutput(const OutputRequest& request);
+/// An output with all targets that the request asks for, or null with a log line for a slot that cannot run.
+std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janitor& janitor);
 
 }  // namespace korvia

@@ -9,19 +9,18 @@ void OutputRack::start(const OutputRequest& request) {
   if (slot < 0 || slot >= kSlots)
     return;
   stop(slot);
-  std::shared_ptr<ProgramOutput> output = createProgramOutput(request);
+  std::shared_ptr<OutputSlot> output = createOutputSlot(request, janitor_);
   std::lock_guard lock(mutex_);
-  slots_[slot] = {std::move(output), 0};
+  slots_[slot] = std::move(output);
 }
 
 void OutputRack::stop(int slot) {
   if (slot < 0 || slot >= kSlots)
     return;
-  std::shared_ptr<ProgramOutput> output;
+  std::shared_ptr<OutputSlot> output;
   {
     std::lock_guard lock(mutex_);
-    output = std::move(slots_[slot].output);
-    slots_[slot] = {};
+    output = std::move(slots_[slot]);
   }
   if (!output)
     return;
@@ -35,25 +34,23 @@ void OutputRack::stopAll() {
 }
 
 void OutputRack::push(const FrameRef& frame, int count) {
-  for (Slot& slot : slots_) {
-    if (!slot.output)
-      continue;
-    for (int i = 0; i < count; ++i)
-      slot.output->pushFrame(frame, slot.frames++);
+  for (const std::shared_ptr<OutputSlot>& slot : slots_) {
+    for (int i = 0; slot && i < count; ++i)
+      slot->pushFrame(frame);
   }
 }
 
 bool OutputRack::isRunning(int slot) const {
   std::lock_guard lock(mutex_);
-  return slots_[slot].output && slots_[slot].output->figures().up;
+  return slots_[slot] && slots_[slot]->figures().up;
 }
 
 void OutputRack::statistics(tagKorviaOutputStatistics& statistics) const {
   std::lock_guard lock(mutex_);
   for (int slot = 0; slot < kSlots; ++slot) {
-    if (!slots_[slot].output)
+    if (!slots_[slot])
       continue;
-    const OutputFigures figures = slots_[slot].output->figures();
+    const OutputFigures figures = slots_[slot]->figures();
     tagKorviaOutputStatisticsBlock& block = statistics.blocks[slot];
     block.videoFps = figures.framesPerSecond;
     block.videoBitrate = figures.videoKbps;

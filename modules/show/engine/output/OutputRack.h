@@ -6,7 +6,8 @@
 #include <mutex>
 
 #include "engine/Janitor.h"
-#include "engine/output/ProgramOutput.h"
+#include "engine/output/OutputRequest.h"
+#include "engine/output/OutputSlot.h"
 #include "tagKorviaOutputStatistics.h"
 
 namespace korvia {
@@ -28,14 +29,9 @@ class OutputRack {
   void statistics(tagKorviaOutputStatistics& statistics) const;
 
  private:
-  struct Slot {
-    std::shared_ptr<ProgramOutput> output;
-    qint64 frames = 0;
-  };
-
   Janitor& janitor_;
   mutable std::mutex mutex_;
-  std::array<Slot, kSlots>
+  std::array<std::shared_ptr<OutputSlot>, kSlots>
       slots_;  // the pointers are written under mutex_, which the other threads hold to read
 };
 

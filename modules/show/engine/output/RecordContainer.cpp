@@ -8,8 +8,8 @@ namespace {
 
 // Fragments carry their own index, so a file that is never finalised plays to its last fragment; a clean stop
 // turns the file into an ordinary one with a single index.
-const std::vector<RecordContainer::Property> kFragments = {{"fragment-duration", "500"},
-                                                           {"fragment-mode", "first-moov-then-finalise"}};
+const std::vector<ElementProperty> kFragments = {{"fragment-duration", "500"},
+                                                 {"fragment-mode", "first-moov-then-finalise"}};
 
 // In the order of preference for an unknown number.
 const RecordContainer kContainers[] = {

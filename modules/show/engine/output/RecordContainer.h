@@ -3,22 +3,18 @@
 #pragma once
 #include <vector>
 
+#include "ElementProperty.h"
+
 namespace korvia {
 
 struct RecordContainer {
-  /// A property of the multiplexer and its value as text.
-  struct Property {
-    const char* name;
-    const char* value;
-  };
-
   int encapsulation;
   const char* suffix;  ///< of the file, without the dot
   const char* muxer;   ///< GStreamer element
   /// Seconds between repeated stream headers: -1 with every key picture, 0 once in the file's own header.
   int headerInterval;
   bool boxes;  ///< the file is a row of boxes, of which the last must be whole
-  std::vector<Property> properties;
+  std::vector<ElementProperty> properties;
 
   /// The format for a KorviaShowEncapsulation; mp4, the default of new records, for any other number.
   static const RecordContainer& of(int encapsulation);

@@ -6,8 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "RecordFeed.h"
-#include "engine/output/RecordOutput.h"
+#include "RecordRig.h"
 
 int main(int argc, char** argv) {
   if (argc < 3)
@@ -19,14 +18,14 @@ int main(int argc, char** argv) {
     const rlimit limit{bytes, bytes};
     setrlimit(RLIMIT_FSIZE, &limit);
   }
-  korvia::RecordSettings settings;
-  settings.folder = QString::fromLocal8Bit(argv[1]);
-  settings.name = QStringLiteral("host");
-  settings.container = korvia::RecordContainer::of(std::atoi(argv[2]));
-  settings.size = {320, 180};
-  settings.videoKbps = 500;
-  korvia::FramePool pool(settings.size);
-  korvia::RecordOutput output(settings);
+  korvia::test::RecordingSettings settings;
+  settings.file.folder = QString::fromLocal8Bit(argv[1]);
+  settings.file.name = QStringLiteral("host");
+  settings.file.container = korvia::RecordContainer::of(std::atoi(argv[2]));
+  settings.encoder.picture.size = {320, 180};
+  settings.encoder.picture.kbps = 500;
+  korvia::FramePool pool(settings.encoder.picture.size);
+  korvia::test::Recording output(settings);
   for (int frame = 0; !output.waitFinished(0); ++frame) {
     if (!korvia::test::feedFrames(output, pool, frame, 1) && !output.waitFinished(0))
       return 3;

@@ -1,0 +1,36 @@
+// A recording: packets into a file of one of the containers. Made on any thread; its own thread does the
+// rest.
+#pragma once
+#include <functional>
+#include <memory>
+
+#include "OutputRequest.h"
+#include "RecordContainer.h"
+#include "Target.h"
+
+namespace korvia {
+
+struct FileSettings {
+  QString folder;  ///< drive path or path of this machine
+  QString name;    ///< file name without suffix, cleaned
+  RecordContainer container = RecordContainer::of(EncapsulationMp4);
+  /// The file is closed in time when less than this is left on its disk.
+  qint64 minimumFreeBytes = 64LL * 1024 * 1024;
+  /// Bytes free at a folder, negative when unknown. Called about once a second on the target's own thread.
+  std::function<qint64(const QString& folder)> freeBytes;
+  TargetSettings target{QStringLiteral("a recording"), "kv-record"};
+};
+
+class FileTarget : public Target {
+ public:
+  /// Starts at once. The file appears when the target's thread has made it; a failure to do so is logged.
+  explicit FileTarget(const FileSettings& settings);
+
+  /// The recording that the request asks for; null when it asks for none.
+  static std::unique_ptr<Target> create(const OutputRequest& request);
+
+  /// Path of the file on this machine; empty while there is none.
+  QString fileName() const { return figures().location; }
+};
+
+}  // namespace korvia

@@ -1,0 +1,90 @@
+#include "MuxPipeline.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "engine/Handover.h"
+
+namespace korvia {
+
+namespace {
+
+qint64 sizeOf(const GstPadProbeInfo* info) {
+  if (info->type & GST_PAD_PROBE_TYPE_BUFFER_LIST)
+    return static_cast<qint64>(gst_buffer_list_calculate_size(GST_PAD_PROBE_INFO_BUFFER_LIST(info)));
+  return static_cast<qint64>(gst_buffer_get_size(GST_PAD_PROBE_INFO_BUFFER(info)));
+}
+
+}  // namespace
+
+MuxPipeline::MuxPipeline(std::function<void()> wake) : pipeline_(std::move(wake)) {}
+
+MuxPipeline::~MuxPipeline() {
+  pipeline_.stop();
+  takeOver(this);
+}
+
+bool MuxPipeline::open(const TrackList& tracks, const RecordContainer& container, const MuxSink& sink) {
+  if (!pipeline_.create("target") || !link(tracks, container, sink))
+    return false;
+  handOver(this);
+  return pipeline_.play();
+}
+
+bool MuxPipeline::link(const TrackList& tracks, const RecordContainer& container, const MuxSink& sink) {
+  GstElement* muxer = pipeline_.add(container.muxer, "muxer");
+  GstElement* end = pipeline_.add(sink.element, "sink");
+  if (!muxer || !end)
+    return false;
+  OutputPipeline::setProperties(muxer, container.properties);
+  OutputPipeline::setProperties(end, sink.properties);
+  g_object_set(end, sink.addressProperty, sink.address.constData(), nullptr);
+  OutputPipeline::addProbe(end, "sink", onWritten, this);
+  for (const Track& track : tracks) {
+    if (!addTrack(track, container, muxer))
+      return false;
+  }
+  if (gst_element_link(muxer, end))
+    return true;
+  pipeline_.setFailure(QStringLiteral("the parts of the target do not fit together"));
+  return false;
+}
+
+bool MuxPipeline::addTrack(const Track& track, const RecordContainer& container, GstElement* muxer) {
+  inlets_.push_back(std::make_unique<PipelineInlet>(pipeline_));
+  GstElement* source = inlets_.back()->create(nullptr, track.caps.get());
+  GstElement* parser = pipeline_.add("h264parse", nullptr);
+  if (!source || !parser)
+    return false;
+  g_object_set(parser, "config-interval", container.headerInterval, nullptr);
+  if (gst_element_link_many(source, parser, muxer, nullptr))
+    return true;
+  pipeline_.setFailure(QStringLiteral("the container does not take the track"));
+  return false;
+}
+
+bool MuxPipeline::hasRoom() const {
+  return std::all_of(inlets_.begin(), inlets_.end(), [](const auto& inlet) { return inlet->hasRoom(); });
+}
+
+void MuxPipeline::feed(const Packet& packet) {
+  // A copy of the stamps alone: the data stay shared with the other targets.
+  GstBuffer* buffer = gst_buffer_copy(packet.data.get());
+  GST_BUFFER_PTS(buffer) = static_cast<GstClockTime>(packet.ptsNs);
+  GST_BUFFER_DTS(buffer) = static_cast<GstClockTime>(packet.dtsNs);
+  GST_BUFFER_DURATION(buffer) = static_cast<GstClockTime>(packet.durationNs);
+  inlets_[static_cast<std::size_t>(packet.track)]->push(buffer);
+}
+
+void MuxPipeline::endStream() {
+  for (const auto& inlet : inlets_)
+    inlet->end();
+}
+
+GstPadProbeReturn MuxPipeline::onWritten(GstPad*, GstPadProbeInfo* info, gpointer self) {
+  const HandoverScope scope(self);
+  static_cast<MuxPipeline*>(self)->bytesWritten_ += sizeOf(info);
+  return GST_PAD_PROBE_OK;
+}
+
+}  // namespace korvia

@@ -1,0 +1,45 @@
+// One output of the show: an encoder and the targets that take its packets. Engine thread, but for figures()
+// and waitFinished(); destroyed on the janitor's thread, since the end of a target may wait for a disk.
+#pragma once
+#include <memory>
+#include <vector>
+
+#include "SlotEncoder.h"
+
+namespace korvia {
+
+struct OutputFigures {
+  bool up = false;  ///< a target is up
+  qint64 framesEncoded = 0;
+  qint64 framesDropped = 0;  ///< by the encoder and by the targets
+  qint64 bytesWritten = 0;   ///< by all targets
+  float videoKbps = 0;
+  float framesPerSecond = 0;
+};
+
+class OutputSlot {
+ public:
+  using Targets = std::vector<std::shared_ptr<Target>>;
+
+  /// All targets begin with the first frame.
+  OutputSlot(EncoderSettings encoder, Targets targets, Janitor& janitor);
+  /// Finishes, and waits for the encoder and for all targets, these for a bounded time.
+  ~OutputSlot() = default;
+  OutputSlot(const OutputSlot&) = delete;
+  OutputSlot& operator=(const OutputSlot&) = delete;
+
+  /// The next program frame: the n-th call makes the n-th time stamp. Never blocks.
+  void pushFrame(const FrameRef& frame) { encoder_.pushFrame(frame, frames_++); }
+  /// Ends the output: what was pushed is encoded and written, and the targets end, in the background.
+  void finish() { encoder_.finish(); }
+  /// Whether all targets have ended, by finish() or by themselves, waiting for it at most this long.
+  bool waitFinished(int timeoutMs);
+  OutputFigures figures() const;
+
+ private:
+  const Targets targets_;
+  SlotEncoder encoder_;  // goes first, and finishes the targets
+  qint64 frames_ = 0;
+};
+
+}  // namespace korvia

@@ -1,0 +1,57 @@
+// One encoded picture, or a stretch of encoded sound, on its way from an encoder to its targets. Immutable,
+// and shared by all targets without a copy. Any thread.
+#pragma once
+#include <gst/gst.h>
+
+#include <QtGlobal>
+#include <memory>
+#include <vector>
+
+#include "FrameRate.h"
+#include "engine/frame/Frame.h"
+
+namespace korvia {
+
+using BufferRef = std::shared_ptr<GstBuffer>;
+using CapsRef = std::shared_ptr<GstCaps>;
+
+/// Takes over the caller's reference.
+inline BufferRef holdBuffer(GstBuffer* buffer) {
+  return {buffer, [](GstBuffer* held) { gst_buffer_unref(held); }};
+}
+inline CapsRef holdCaps(GstCaps* caps) {
+  return {caps, [](GstCaps* held) { gst_caps_unref(held); }};
+}
+
+/// What an encoder puts out on one track.
+struct Track {
+  enum class Kind { Picture, Sound };
+
+  Kind kind = Kind::Picture;
+  CapsRef caps;    ///< of the packets; with the codec's headers where they are not in the packets
+  FrameSize size;  ///< of a picture
+  FrameRate rate;  ///< of the pictures
+  int kbps = 0;    ///< that the encoder aims at
+};
+
+using TrackList = std::vector<Track>;
+
+struct Packet {
+  /// All tracks of the stream that the packet belongs to, so that a target knows them from its first packet.
+  std::shared_ptr<const TrackList> tracks;
+  int track = 0;  ///< index into `tracks`
+  BufferRef data;
+  qint64 bytes = 0;  ///< of the data
+  /// Presentation and decoding time since the encoder's frame 0, or since a target's join. The stamps of the
+  /// buffer itself mean nothing.
+  qint64 ptsNs = 0;
+  qint64 dtsNs = 0;
+  qint64 durationNs = 0;
+  /// Decoding may begin here: a key frame of the pictures. Never set on sound.
+  bool keyFrame = false;
+
+  bool isPicture() const { return (*tracks)[static_cast<std::size_t>(track)].kind == Track::Kind::Picture; }
+  qint64 endNs() const { return ptsNs + durationNs; }
+};
+
+}  // namespace korvia

@@ -1,0 +1,36 @@
+// Where buffers enter a pipeline: an appsrc, and a count of what waits in it. Used by the thread that feeds;
+// one inlet for each track.
+#pragma once
+#include <gst/app/gstappsrc.h>
+
+#include <atomic>
+
+#include "OutputPipeline.h"
+
+namespace korvia {
+
+class PipelineInlet {
+ public:
+  /// The pipeline, which must be stopped before the inlet goes, is woken when hasRoom() may have changed.
+  explicit PipelineInlet(OutputPipeline& pipeline) : pipeline_(pipeline) {}
+  PipelineInlet(const PipelineInlet&) = delete;
+  PipelineInlet& operator=(const PipelineInlet&) = delete;
+
+  /// The element for the pipeline's first place, which the pipeline owns; null when it is not installed.
+  GstElement* create(const char* name, GstCaps* caps);
+  /// Whether a buffer can be pushed without it waiting for long. Takes no lock.
+  bool hasRoom() const;
+  /// Takes over the buffer, whose stamps count from 0. Never blocks.
+  void push(GstBuffer* buffer);
+  void end();
+
+ private:
+  static GstPadProbeReturn onTaken(GstPad* pad, GstPadProbeInfo* info, gpointer self);
+
+  OutputPipeline& pipeline_;
+  GstAppSrc* source_ = nullptr;  // owned by the pipeline
+  qint64 pushed_ = 0;
+  std::atomic<qint64> taken_{0};  // by what comes behind
+};
+
+}  // namespace korvia

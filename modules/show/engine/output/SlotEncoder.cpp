@@ -1,0 +1,201 @@
+#include "SlotEncoder.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "OutputLog.h"
+#include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
+#include "engine/frame/FrameFit.h"
+
+namespace korvia {
+
+namespace {
+
+constexpr int kMeasureMs = 1000;
+
+}  // namespace
+
+SlotEncoder::SlotEncoder(EncoderSettings settings, Janitor& janitor)
+    : settings_(std::move(settings)), targets_(janitor), queue_(settings_.queueCapacity) {
+  thread_ = std::thread([this] { run(); });
+}
+
+SlotEncoder::~SlotEncoder() {
+  finish();
+  thread_.join();
+}
+
+void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
+  if (!frame || targets_.isEmpty())
+    return;
+  {
+    std::lock_guard lock(mutex_);
+    if (!accepting_)
+      return;
+    if (!queue_.push(frame, frameIndex)) {
+      ++figures_.framesDropped;
+      return;
+    }
+  }
+  // After the lock: who wakes up must not run into it.
+  changed_.notify_all();
+}
+
+void SlotEncoder::finish() {
+  std::lock_guard lock(mutex_);
+  accepting_ = false;
+  changed_.notify_all();
+}
+
+bool SlotEncoder::waitFinished(int timeoutMs) {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [this] { return finished_; });
+}
+
+EncoderFigures SlotEncoder::figures() const {
+  std::lock_guard lock(mutex_);
+  EncoderFigures figures = figures_;
+  figures.framesEncoded = framesEncoded_;
+  return figures;
+}
+
+void SlotEncoder::run() {
+  nameThread("kv-encoder");
+  runAsBatch();
+  sinceMeasure_.start();
+  Step result = Step::Continue;
+  while (result == Step::Continue)
+    result = step();
+  close(result == Step::Failed);
+}
+
+SlotEncoder::Step SlotEncoder::step() {
+  QueuedFrame queued;
+  bool finishing = false;
+  bool drained = false;
+  {
+    std::unique_lock lock(mutex_);
+    const auto isOver = [this] { return pipeline_ && (pipeline_->isEnded() || pipeline_->hasFailed()); };
+    const auto canFeed = [this] { return !queue_.isEmpty() && (!pipeline_ || pipeline_->hasRoom()); };
+    const auto mustAct = [&] {
+      return canFeed() || isOver() || (!accepting_ && queue_.isEmpty() && !streamEnded_);
+    };
+    const qint64 untilMeasure = std::max<qint64>(1, kMeasureMs - sinceMeasure_.elapsed());
+    changed_.wait_for(lock, std::chrono::milliseconds(untilMeasure), mustAct);
+    if (canFeed())
+      queued = queue_.pop();
+    finishing = !accepting_;
+    drained = queue_.isEmpty();
+  }
+
+  // x264 holds many megabytes, and encodes for nobody.
+  if (pipeline_ && !streamEnded_ && targets_.isEmpty())
+    pipeline_.reset();
+  if (pipeline_ && pipeline_->hasFailed()) {
+    reason_ = pipeline_->failure();
+    return Step::Failed;
+  }
+  if (pipeline_ && pipeline_->isEnded())
+    return Step::Ended;
+  if (queued.frame && !feed(queued))
+    return Step::Failed;
+  if (sinceMeasure_.hasExpired(kMeasureMs))
+    measure();
+  return finishing ? stepToEnd(drained) : Step::Continue;
+}
+
+SlotEncoder::Step SlotEncoder::stepToEnd(bool drained) {
+  if (!sinceFinish_.isValid())
+    sinceFinish_.start();
+  if (drained && !streamEnded_) {
+    if (!pipeline_)
+      return Step::Ended;
+    pipeline_->endStream();
+    streamEnded_ = true;
+  }
+  if (!sinceFinish_.hasExpired(settings_.finishTimeoutMs))
+    return Step::Continue;
+  reason_ = QStringLiteral("the last frames were not encoded in time");
+  return Step::Failed;
+}
+
+bool SlotEncoder::feed(const QueuedFrame& queued) {
+  if (targets_.isEmpty())
+    return true;
+  if (!pipeline_ && !open())
+    return false;
+  FrameRef frame = queued.frame;
+  const FrameSize size = settings_.picture.size;
+  if (frame->size() != size) {
+    if (!scaled_)
+      scaled_ = std::make_unique<FramePool>(size);
+    MutableFrame target = scaled_->acquire();
+    fitFrame(*frame, fitRect(frame->size(), 1, 1, size), *target);
+    frame = std::move(target).publish();
+  }
+  if (targets_.takeKeyRequest())
+    pipeline_->requestKeyFrame();
+  pipeline_->feed(frame, queued.index);
+  return true;
+}
+
+bool SlotEncoder::open() {
+  pipeline_ = std::make_unique<EncodePipeline>([this](const Packet& packet) { onPacket(packet); },
+                                               [this] { wake(); });
+  if (pipeline_->open(settings_.picture))
+    return true;
+  reason_ = pipeline_->failure();
+  return false;
+}
+
+void SlotEncoder::onPacket(const Packet& packet) {
+  targets_.deliver(packet);
+  ++framesEncoded_;
+  bytesEncoded_ += packet.bytes;
+}
+
+void SlotEncoder::wake() {
+  // A test of the condition that is going on ends first, so that its thread does not miss the call.
+  { std::lock_guard lock(mutex_); }
+  changed_.notify_all();
+}
+
+void SlotEncoder::measure() {
+  const qint64 elapsedMs = std::max<qint64>(1, sinceMeasure_.restart());
+  const qint64 frames = framesEncoded_;
+  const qint64 bytes = bytesEncoded_;
+  qint64 dropped = 0;
+  {
+    std::lock_guard lock(mutex_);
+    figures_.framesPerSecond =
+        static_cast<float>(frames - lastFrames_) * 1000.0F / static_cast<float>(elapsedMs);
+    figures_.videoKbps = static_cast<float>(bytes - lastBytes_) * 8.0F / static_cast<float>(elapsedMs);
+    dropped = figures_.framesDropped;
+  }
+  if (dropped > lastDropped_)
+    qCWarning(logOutput, "%s cannot keep up, %lld frames dropped", qPrintable(settings_.label),
+              static_cast<long long>(dropped - lastDropped_));
+  lastFrames_ = frames;
+  lastBytes_ = bytes;
+  lastDropped_ = dropped;
+}
+
+void SlotEncoder::close(bool failed) {
+  pipeline_.reset();
+  if (failed)
+    qCWarning(logOutput, "%s cannot be encoded : %s", qPrintable(settings_.label), qPrintable(reason_));
+  // The packets of all frames are with the targets now.
+  targets_.finishAll();
+  std::lock_guard lock(mutex_);
+  accepting_ = false;
+  while (!queue_.isEmpty())
+    queue_.pop();
+  figures_.framesPerSecond = 0;
+  figures_.videoKbps = 0;
+  finished_ = true;
+  changed_.notify_all();
+}
+
+}  // namespace korvia

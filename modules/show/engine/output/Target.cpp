@@ -1,0 +1,102 @@
+#include "Target.h"
+
+#include <cmath>
+#include <utility>
+
+#include "OutputLog.h"
+#include "TargetWorker.h"
+#include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
+
+namespace korvia {
+
+namespace {
+
+// For what follows the end of the stream: closing the file and the thread's last steps.
+constexpr int kCloseMs = 2000;
+
+/// Whole pictures between the end of the last one and this one.
+qint64 framesBetween(qint64 endNs, const Packet& packet) {
+  if (packet.ptsNs <= endNs || packet.durationNs <= 0)
+    return 0;
+  return std::llround(static_cast<double>(packet.ptsNs - endNs) / static_cast<double>(packet.durationNs));
+}
+
+}  // namespace
+
+Target::Target(TargetSettings settings, std::unique_ptr<TargetWriter> writer)
+    : share_(std::make_shared<TargetShare>(std::move(settings))),
+      thread_([share = share_, writer = std::move(writer)]() mutable {
+        nameThread(share->settings.threadName);
+        runAsBatch();
+        TargetWorker(std::move(share), std::move(writer)).run();
+      }) {}
+
+Target::~Target() {
+  finish();
+  QDeadlineTimer end;
+  {
+    std::lock_guard lock(share_->mutex);
+    end = share_->finishDeadline;
+  }
+  if (waitFinished(static_cast<int>(end.remainingTime()) + kCloseMs)) {
+    thread_.join();
+    return;
+  }
+  // A disk that never answers holds its thread for good; the rest of the engine goes on without it.
+  qCWarning(logOutput, "%s does not end, left behind", qPrintable(share_->settings.label));
+  thread_.detach();
+}
+
+bool Target::push(const Packet& packet) {
+  {
+    std::lock_guard lock(share_->mutex);
+    if (!share_->accepting)
+      return false;
+    if (!share_->originNs) {
+      if (!packet.keyFrame)
+        return true;
+      share_->originNs = packet.ptsNs;
+    }
+    Packet own = packet;
+    own.ptsNs -= *share_->originNs;
+    own.dtsNs -= *share_->originNs;
+    // Sound of before the first picture.
+    if (own.ptsNs < 0)
+      return true;
+    const bool picture = own.isPicture();
+    if (picture) {
+      share_->figures.framesSkipped += framesBetween(share_->pictureEndNs, own);
+      share_->pictureEndNs = own.endNs();
+    }
+    if (!share_->queue.push(std::move(own))) {
+      share_->figures.framesDropped += picture ? 1 : 0;
+      return true;
+    }
+  }
+  // After the lock: who wakes up must not run into it.
+  share_->changed.notify_all();
+  return true;
+}
+
+void Target::finish() {
+  std::lock_guard lock(share_->mutex);
+  share_->endAccepting();
+  share_->changed.notify_all();
+}
+
+bool Target::waitFinished(int timeoutMs) {
+  std::unique_lock lock(share_->mutex);
+  return share_->changed.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                                  [this] { return share_->ended; });
+}
+
+TargetFigures Target::figures() const {
+  std::lock_guard lock(share_->mutex);
+  TargetFigures figures = share_->figures;
+  figures.queuedBytes = share_->queue.bytes();
+  figures.queuedNs = share_->queue.durationNs();
+  return figures;
+}
+
+}  // namespace korvia

@@ -1,0 +1,88 @@
+#include "TargetList.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvia {
+
+void TargetList::join(std::shared_ptr<Target> target) {
+  std::lock_guard lock(mutex_);
+  addEntry({std::move(target), nullptr, true});
+}
+
+void TargetList::leave(const Target& target) {
+  std::lock_guard lock(mutex_);
+  removeEntry(&target);
+}
+
+void TargetList::replace(const Target& last, std::shared_ptr<Target> next) {
+  std::lock_guard lock(mutex_);
+  const bool isThere = std::any_of(entries_.begin(), entries_.end(),
+                                   [&last](const Entry& entry) { return entry.target.get() == &last; });
+  addEntry({std::move(next), isThere ? &last : nullptr, true});
+}
+
+bool TargetList::takeKeyRequest() {
+  std::lock_guard lock(mutex_);
+  if (keyAsked_)
+    return false;
+  keyAsked_ = std::any_of(entries_.begin(), entries_.end(), [](const Entry& entry) { return entry.waiting; });
+  return keyAsked_;
+}
+
+void TargetList::deliver(const Packet& packet) {
+  std::lock_guard lock(mutex_);
+  if (packet.keyFrame)
+    beginAtKeyFrame();
+  for (std::size_t i = 0; i < entries_.size();) {
+    if (entries_[i].waiting || entries_[i].target->push(packet))
+      ++i;
+    else
+      removeEntry(entries_[i].target.get());
+  }
+}
+
+void TargetList::finishAll() {
+  std::lock_guard lock(mutex_);
+  ended_ = true;
+  while (!entries_.empty())
+    removeEntry(entries_.back().target.get());
+}
+
+void TargetList::addEntry(Entry entry) {
+  const Target* target = entry.target.get();
+  entries_.push_back(std::move(entry));
+  count_ = entries_.size();
+  if (ended_)
+    removeEntry(target);
+}
+
+void TargetList::removeEntry(const Target* target) {
+  const auto place = std::find_if(entries_.begin(), entries_.end(),
+                                  [target](const Entry& entry) { return entry.target.get() == target; });
+  if (place == entries_.end())
+    return;
+  place->target->finish();
+  janitor_.dispose(std::move(place->target));
+  entries_.erase(place);
+  count_ = entries_.size();
+  // The address may come back with another target.
+  for (Entry& entry : entries_) {
+    if (entry.replaced == target)
+      entry.replaced = nullptr;
+  }
+}
+
+void TargetList::beginAtKeyFrame() {
+  keyAsked_ = false;
+  std::vector<const Target*> replaced;
+  for (Entry& entry : entries_) {
+    if (entry.waiting && entry.replaced)
+      replaced.push_back(entry.replaced);
+    entry.waiting = false;
+  }
+  for (const Target* target : replaced)
+    removeEntry(target);
+}
+
+}  // namespace korvia

@@ -1,0 +1,58 @@
+// The targets of an encoder: who joins, leaves or takes over at a key frame, and the way of each packet to
+// all of them. Any thread; a call waits for the delivery of one packet at most, which only queues.
+#pragma once
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "Target.h"
+#include "engine/Janitor.h"
+
+namespace korvia {
+
+class TargetList {
+ public:
+  /// Targets that leave are handed to the janitor, since their destruction may wait for a disk.
+  explicit TargetList(Janitor& janitor) : janitor_(janitor) {}
+  ~TargetList() { finishAll(); }
+  TargetList(const TargetList&) = delete;
+  TargetList& operator=(const TargetList&) = delete;
+
+  /// The target gets all packets from the next key frame on. After finishAll() it is finished at once.
+  void join(std::shared_ptr<Target> target);
+  /// The target gets nothing more and finishes; nothing happens when it is not in the list.
+  void leave(const Target& target);
+  /// `next` joins, and at that same key frame `last` leaves: together they get every packet exactly once.
+  /// When `last` is gone by then, `next` joins alone.
+  void replace(const Target& last, std::shared_ptr<Target> next);
+  /// Takes no lock.
+  bool isEmpty() const { return count_ == 0; }
+
+  /// Whether a target waits for a key frame that nobody has asked for; the caller asks the encoder for it.
+  bool takeKeyRequest();
+  /// The encoder's next packet. A target that takes no more packets leaves.
+  void deliver(const Packet& packet);
+  /// The encoder has ended: all targets finish and leave.
+  void finishAll();
+
+ private:
+  struct Entry {
+    std::shared_ptr<Target> target;
+    const Target* replaced = nullptr;  ///< leaves at the key frame; compared only, never followed
+    bool waiting = true;
+  };
+
+  void addEntry(Entry entry);
+  void removeEntry(const Target* target);
+  void beginAtKeyFrame();
+
+  Janitor& janitor_;
+  std::mutex mutex_;
+  std::vector<Entry> entries_;         // guarded by mutex_
+  bool keyAsked_ = false;              // guarded by mutex_; a key frame was asked for and has not come yet
+  bool ended_ = false;                 // guarded by mutex_
+  std::atomic<std::size_t> count_{0};  // of entries_
+};
+
+}  // namespace korvia

@@ -1,0 +1,144 @@
+#include "TargetWorker.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "OutputLog.h"
+
+namespace korvia {
+
+namespace {
+
+constexpr int kCheckMs = 1000;
+
+}  // namespace
+
+void TargetShare::endAccepting() {
+  if (!accepting)
+    return;
+  accepting = false;
+  finishDeadline.setRemainingTime(settings.finishTimeoutMs);
+  figures.state = TargetState::Finishing;
+}
+
+TargetWorker::TargetWorker(std::shared_ptr<TargetShare> share, std::unique_ptr<TargetWriter> writer)
+    : share_(std::move(share)), writer_(std::move(writer)) {}
+
+void TargetWorker::run() {
+  Step result = start() ? Step::Continue : Step::Failed;
+  while (result == Step::Continue)
+    result = step();
+  close(result == Step::Failed);
+}
+
+bool TargetWorker::start() {
+  const bool opened = writer_->open([share = share_.get()] {
+    // A test of the condition that is going on ends first, so that its thread does not miss the call.
+    { std::lock_guard lock(share->mutex); }
+    share->changed.notify_all();
+  });
+  if (!opened) {
+    reason_ = writer_->failure();
+    return false;
+  }
+  sinceCheck_.start();
+  const QString location = writer_->location();
+  std::lock_guard lock(share_->mutex);
+  share_->figures.location = location;
+  return true;
+}
+
+TargetWorker::Step TargetWorker::step() {
+  std::optional<Packet> packet;
+  bool finishing = false;
+  bool drained = false;
+  QDeadlineTimer deadline;
+  {
+    std::unique_lock lock(share_->mutex);
+    const auto canWrite = [this] { return !share_->queue.isEmpty() && writer_->hasRoom(); };
+    const auto mustAct = [&] {
+      return canWrite() || writer_->progress() != TargetWriter::Progress::Open ||
+             (!share_->accepting && share_->queue.isEmpty() && !endAsked_);
+    };
+    const qint64 untilCheck = std::max<qint64>(1, kCheckMs - sinceCheck_.elapsed());
+    share_->changed.wait_for(lock, std::chrono::milliseconds(untilCheck), mustAct);
+    if (canWrite())
+      packet = share_->queue.pop();
+    finishing = !share_->accepting;
+    drained = share_->queue.isEmpty();
+    deadline = share_->finishDeadline;
+    TargetFigures& figures = share_->figures;
+    figures.bytesWritten = writer_->bytesWritten();
+    figures.framesWritten += packet && packet->isPicture() ? 1 : 0;
+    if (figures.state == TargetState::Waiting && figures.bytesWritten > 0)
+      figures.state = TargetState::Up;
+  }
+
+  const TargetWriter::Progress progress = writer_->progress();
+  if (progress == TargetWriter::Progress::Failed) {
+    reason_ = writer_->failure();
+    return Step::Failed;
+  }
+  if (progress == TargetWriter::Progress::Ended)
+    return Step::Ended;
+  if (packet) {
+    writer_->write(*packet);
+    ++packetsWritten_;
+  }
+  if (sinceCheck_.hasExpired(kCheckMs))
+    check(finishing);
+  return finishing ? stepToEnd(drained, deadline) : Step::Continue;
+}
+
+TargetWorker::Step TargetWorker::stepToEnd(bool drained, const QDeadlineTimer& deadline) {
+  if (drained && !endAsked_) {
+    // A muxer that never saw a packet fails at its end.
+    if (packetsWritten_ == 0)
+      return Step::Ended;
+    writer_->end();
+    endAsked_ = true;
+  }
+  if (deadline.hasExpired()) {
+    reason_ = QStringLiteral("the end was not written in time");
+    return Step::Failed;
+  }
+  return Step::Continue;
+}
+
+void TargetWorker::check(bool finishing) {
+  sinceCheck_.start();
+  const bool goesOn = finishing || writer_->mayGoOn();
+  qint64 dropped = 0;
+  {
+    std::lock_guard lock(share_->mutex);
+    if (!goesOn)
+      share_->endAccepting();
+    dropped = share_->figures.framesDropped;
+  }
+  if (dropped > lastDropped_)
+    qCWarning(logOutput, "%s cannot keep up, %lld frames dropped", qPrintable(share_->settings.label),
+              static_cast<long long>(dropped - lastDropped_));
+  lastDropped_ = dropped;
+}
+
+void TargetWorker::close(bool failed) {
+  TargetOutcome outcome{failed, reason_, 0, 0};
+  {
+    std::lock_guard lock(share_->mutex);
+    share_->endAccepting();
+    share_->queue.clear();
+    outcome.framesWritten = share_->figures.framesWritten;
+    outcome.framesDropped = share_->figures.framesDropped + share_->figures.framesSkipped;
+  }
+  writer_->close(outcome);
+  const qint64 bytesWritten = writer_->bytesWritten();
+  std::lock_guard lock(share_->mutex);
+  share_->figures.state = failed ? TargetState::Failed : TargetState::Finished;
+  share_->figures.reason = reason_;
+  share_->figures.bytesWritten = bytesWritten;
+  share_->ended = true;
+  share_->changed.notify_all();
+}
+
+}  // namespace korvia

@@ -1,0 +1,319 @@
+#include <QDir>
+#include <QElapsedTimer>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <atomic>
+
+#include "PacketRig.h"
+#include "RecordRig.h"
+#include "engine/output/SlotEncoder.h"
+#include "support/VideoJudge.h"
+
+using namespace korvia;
+using namespace korvia::test;
+
+namespace {
+
+constexpr FrameSize kSize{320, 180};
+constexpr int kFinishMs = 12000;
+
+EncoderSettings encoderSettings() {
+  EncoderSettings settings;
+  settings.label = QStringLiteral("the slot");
+  settings.picture.size = kSize;
+  settings.picture.kbps = 1000;
+  return settings;
+}
+
+FileSettings fileSettings(const QTemporaryDir& folder, const char* name) {
+  FileSettings settings;
+  settings.folder = folder.path();
+  settings.name = QString::fromLatin1(name);
+  return settings;
+}
+
+/// An encoder whose frames are counted.
+struct Rig {
+  explicit Rig(EncoderSettings settings = encoderSettings()) : encoder(std::move(settings), janitor) {}
+
+  /// Feeds frames and waits until all but the last, which x264 keeps until the next, are with the targets.
+  bool feed(int count) {
+    const int end = next + count;
+    for (; next < end; ++next) {
+      QElapsedTimer timer;
+      timer.start();
+      encoder.pushFrame(patternFrame(pool, next), next);
+      longestPushMs = std::max(longestPushMs, timer.elapsed());
+      if (!waitEncoded(next - 8))
+        return false;
+    }
+    return waitEncoded(end - 1);
+  }
+  bool waitEncoded(qint64 count) {
+    return QTest::qWaitFor([&] { return encoder.figures().framesEncoded >= count; }, 10000);
+  }
+  bool finish() {
+    encoder.finish();
+    return encoder.waitFinished(kFinishMs);
+  }
+
+  Janitor janitor;
+  SlotEncoder encoder;
+  FramePool pool{kSize};
+  int next = 0;
+  qint64 longestPushMs = 0;
+};
+
+QVector<int> numbersOf(const FileTarget& file, QByteArray* complaints = nullptr) {
+  return numbersIn(VideoJudge::decodeLuma(file.fileName(), complaints), kSize);
+}
+
+}  // namespace
+
+class TestSlotEncoder : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() { gst_init(nullptr, nullptr); }
+
+  void hangingTargetHoldsUpNobody_data() {
+    QTest::addColumn<qint64>("queueBytes");
+    QTest::addColumn<qint64>("queueNs");
+    QTest::newRow("bytes") << qint64(30'000) << qint64(3600'000'000'000);
+    QTest::newRow("time") << qint64(100'000'000) << qint64(500'000'000);
+  }
+  void hangingTargetHoldsUpNobody() {
+    QFETCH(qint64, queueBytes);
+    QFETCH(qint64, queueNs);
+    QTemporaryDir folder;
+    Gate gate;
+    FileSettings hangs = fileSettings(folder, "hangs");
+    hangs.target.queueBytes = queueBytes;
+    hangs.target.queueNs = queueNs;
+    std::atomic<bool> diskHangs{false};
+    hangs.freeBytes = [&gate, &diskHangs](const QString&) {
+      if (diskHangs)
+        gate.pass();
+      return qint64(-1);
+    };
+    const auto good = std::make_shared<FileTarget>(fileSettings(folder, "good"));
+    const auto hanging = std::make_shared<FileTarget>(hangs);
+    Rig rig;
+    const auto opener = qScopeGuard([&gate] { gate.open(); });
+    rig.encoder.join(good);
+    rig.encoder.join(hanging);
+    for (int i = 0; i < 20; ++i) {
+      QVERIFY(rig.feed(1));
+      QTRY_COMPARE(hanging->figures().queuedBytes, qint64(0));
+    }
+    diskHangs = true;
+    QVERIFY(gate.waitReached());
+    for (int i = 0; i < 100; ++i) {
+      QVERIFY(rig.feed(1));
+      const TargetFigures figures = hanging->figures();
+      QVERIFY(figures.queuedBytes <= queueBytes);
+      QVERIFY(figures.queuedNs <= queueNs);
+    }
+    QVERIFY(hanging->figures().framesDropped > 0);
+    QCOMPARE(rig.encoder.figures().framesDropped, qint64(0));
+    QVERIFY2(rig.longestPushMs < 1000, qPrintable(QString::number(rig.longestPushMs)));
+    gate.open();
+    QTRY_COMPARE(hanging->figures().queuedBytes, qint64(0));
+    for (int i = 0; i < 60; ++i) {
+      QVERIFY(rig.feed(1));
+      QTRY_COMPARE(hanging->figures().queuedBytes, qint64(0));
+    }
+    QVERIFY(rig.finish());
+    QVERIFY(good->waitFinished(kFinishMs) && hanging->waitFinished(kFinishMs));
+
+    QByteArray complaints;
+    QCOMPARE(numbersOf(*good, &complaints), countTo(180));
+    QVERIFY(areSpaced(VideoJudge::judge(good->fileName()).pts, 0.04, countTo(180)));
+    QCOMPARE(good->figures().framesDropped, qint64(0));
+    const QVector<int> kept = numbersOf(*hanging, &complaints);
+    QCOMPARE(complaints, QByteArray());
+    QCOMPARE(qint64(kept.size()), 180 - hanging->figures().framesDropped);
+    QCOMPARE(kept.mid(0, 20), countTo(20));
+    QCOMPARE(kept.mid(kept.size() - 30), countFrom(150, 180));
+    for (int i = 1; i < kept.size(); ++i)
+      QVERIFY2(kept[i] == kept[i - 1] + 1 || (kept[i] > kept[i - 1] && kept[i] % 50 == 0),
+               qPrintable(QString::number(kept[i])));
+    QVERIFY(areSpaced(VideoJudge::judge(hanging->fileName()).pts, 0.04, kept));
+  }
+
+  void joinsAtOnceMakeOneKeyFrame() {
+    QTemporaryDir folder;
+    const auto first = std::make_shared<FileTarget>(fileSettings(folder, "first"));
+    const auto second = std::make_shared<FileTarget>(fileSettings(folder, "second"));
+    const auto third = std::make_shared<FileTarget>(fileSettings(folder, "third"));
+    Rig rig;
+    rig.encoder.join(first);
+    QVERIFY(rig.feed(20));
+    rig.encoder.join(second);
+    rig.encoder.join(third);
+    QVERIFY(rig.feed(40));
+    QVERIFY(rig.finish());
+    QVERIFY(first->waitFinished(kFinishMs) && second->waitFinished(kFinishMs) &&
+            third->waitFinished(kFinishMs));
+
+    QCOMPARE(numbersOf(*first), countTo(60));
+    const VideoVerdict verdict = VideoJudge::judge(first->fileName());
+    QVERIFY(areSpaced(verdict.pts, 0.04, countTo(60)));
+    QCOMPARE(verdict.keyFrames, QVector<int>({0, 20}));
+    for (const auto& late : {second, third}) {
+      QByteArray complaints;
+      QCOMPARE(numbersOf(*late, &complaints), countFrom(20, 60));
+      QCOMPARE(complaints, QByteArray());
+      const VideoVerdict own = VideoJudge::judge(late->fileName());
+      QCOMPARE(own.pts.value(0), 0.0);
+      QCOMPARE(own.keyFrames.value(0, -1), 0);
+      QVERIFY(areSpaced(own.pts, 0.04, countTo(40)));
+    }
+  }
+
+  void oneLeavesTheOtherGoesOn() {
+    QTemporaryDir folder;
+    const auto stays = std::make_shared<FileTarget>(fileSettings(folder, "stays"));
+    const auto leaves = std::make_shared<FileTarget>(fileSettings(folder, "leaves"));
+    Rig rig;
+    rig.encoder.join(stays);
+    rig.encoder.join(leaves);
+    QVERIFY(rig.feed(25));
+    rig.encoder.leave(*leaves);
+    QVERIFY(leaves->waitFinished(kFinishMs));
+    QCOMPARE(leaves->figures().state, TargetState::Finished);
+    QCOMPARE(numbersOf(*leaves), countTo(24));
+    QVERIFY(rig.feed(25));
+    QVERIFY(rig.finish());
+    QVERIFY(stays->waitFinished(kFinishMs));
+    QCOMPARE(numbersOf(*stays), countTo(50));
+    QCOMPARE(VideoJudge::judge(stays->fileName()).keyFrames, QVector<int>({0}));
+  }
+
+  void splitFilesHaveEachFrameOnce() {
+    QTemporaryDir folder;
+    Rig rig;
+    std::vector<std::shared_ptr<FileTarget>> files{
+        std::make_shared<FileTarget>(fileSettings(folder, "part"))};
+    rig.encoder.join(files.back());
+    for (int part = 0; part < 3; ++part) {
+      QVERIFY(rig.feed(31));
+      files.push_back(std::make_shared<FileTarget>(fileSettings(folder, "part")));
+      rig.encoder.replace(*files[files.size() - 2], files.back());
+    }
+    QVERIFY(rig.feed(31));
+    QVERIFY(rig.finish());
+    for (std::size_t part = 0; part < files.size(); ++part) {
+      QVERIFY(files[part]->waitFinished(kFinishMs));
+      QByteArray complaints;
+      const int first = static_cast<int>(part) * 31;
+      QCOMPARE(numbersOf(*files[part], &complaints), countFrom(first, first + 31));
+      QCOMPARE(complaints, QByteArray());
+      const VideoVerdict verdict = VideoJudge::judge(files[part]->fileName());
+      QCOMPARE(verdict.pts.value(0), 0.0);
+      QCOMPARE(verdict.keyFrames, QVector<int>({0}));
+      QVERIFY(areSpaced(verdict.pts, 0.04, countTo(31)));
+      QVERIFY(qAbs(verdict.durationSeconds - 1.24) < 0.001);
+    }
+  }
+
+  void failedTargetLeavesTheOthersAlone() {
+    QTemporaryDir folder;
+    const auto good = std::make_shared<FileTarget>(fileSettings(folder, "good"));
+    const auto notes = std::make_shared<WriterNotes>();
+    notes->failAt(10);
+    const auto fails = std::make_shared<Target>(TargetSettings{}, std::make_unique<MemoryWriter>(notes));
+    Rig rig;
+    rig.encoder.join(good);
+    rig.encoder.join(fails);
+    QVERIFY(rig.feed(40));
+    QVERIFY(fails->waitFinished(kFinishMs));
+    QCOMPARE(fails->figures().state, TargetState::Failed);
+    QVERIFY(rig.feed(20));
+    QVERIFY(rig.finish());
+    QVERIFY(good->waitFinished(kFinishMs));
+    QCOMPARE(good->figures().state, TargetState::Finished);
+    QCOMPARE(numbersOf(*good), countTo(60));
+    QCOMPARE(rig.encoder.figures().framesDropped, qint64(0));
+  }
+
+  void nothingIsEncodedForNobody() {
+    QTemporaryDir folder;
+    Rig rig;
+    for (; rig.next < 30; ++rig.next)
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+    const auto notes = std::make_shared<WriterNotes>();
+    notes->failAt(5);
+    const auto fails = std::make_shared<Target>(TargetSettings{}, std::make_unique<MemoryWriter>(notes));
+    rig.encoder.join(fails);
+    for (; !fails->waitFinished(0); ++rig.next) {
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+      QTest::qWait(5);
+    }
+    QCOMPARE(notes->keyFrames(), QVector<bool>({true, false, false, false, false}));
+    QCOMPARE(notes->ptsNs().value(0), qint64(0));
+
+    // One that comes later has a whole file all the same.
+    const auto file = std::make_shared<FileTarget>(fileSettings(folder, "late"));
+    const int first = rig.next;
+    rig.encoder.join(file);
+    for (; rig.next < first + 12; ++rig.next)
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+    QVERIFY(rig.finish());
+    QVERIFY(file->waitFinished(kFinishMs));
+    QByteArray complaints;
+    QCOMPARE(numbersOf(*file, &complaints), countFrom(first, first + 12));
+    QCOMPARE(complaints, QByteArray());
+    QCOMPARE(rig.encoder.figures().framesDropped, qint64(0));
+  }
+
+  void encoderThatFailsEndsItsTargets() {
+    QTemporaryDir folder;
+    EncoderSettings settings = encoderSettings();
+    settings.picture.size = {20000, 16};  // more than H.264 has levels for
+    const auto file = std::make_shared<FileTarget>(fileSettings(folder, "none"));
+    Rig rig(settings);
+    rig.encoder.join(file);
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^the slot cannot be encoded : .+"));
+    rig.encoder.pushFrame(patternFrame(rig.pool, 0), 0);
+    QVERIFY(rig.encoder.waitFinished(kFinishMs));
+    rig.encoder.pushFrame(patternFrame(rig.pool, 1), 1);
+    QVERIFY(file->waitFinished(kFinishMs));
+    QVERIFY(QDir(folder.path()).isEmpty());
+  }
+
+  void keyFramesComeEveryTwoSecondsOverCuts_data() {
+    QTest::addColumn<int>("numerator");
+    QTest::addColumn<int>("denominator");
+    QTest::addColumn<int>("interval");
+    QTest::newRow("25") << 25 << 1 << 50;
+    QTest::newRow("29.97") << 30000 << 1001 << 60;
+  }
+  void keyFramesComeEveryTwoSecondsOverCuts() {
+    QFETCH(int, numerator);
+    QFETCH(int, denominator);
+    QFETCH(int, interval);
+    QTemporaryDir folder;
+    EncoderSettings settings = encoderSettings();
+    settings.picture.rate = {numerator, denominator};
+    const auto file = std::make_shared<FileTarget>(fileSettings(folder, "cuts"));
+    Rig rig(settings);
+    rig.encoder.join(file);
+    FramePool dark(kSize);
+    // A cut every seven frames, which falls on a second of no stream.
+    for (; rig.next < 130; ++rig.next) {
+      const bool black = rig.next / 7 % 2 == 1;
+      rig.encoder.pushFrame(black ? dark.black() : patternFrame(rig.pool, rig.next * 31), rig.next);
+      QVERIFY(rig.waitEncoded(rig.next - 8));
+    }
+    QVERIFY(rig.finish());
+    QVERIFY(file->waitFinished(kFinishMs));
+    const VideoVerdict verdict = VideoJudge::judge(file->fileName());
+    QCOMPARE(verdict.frames, 130);
+    QCOMPARE(verdict.keyFrames, QVector<int>({0, interval, 2 * interval}));
+  }
+};
+
+QTEST_GUILESS_MAIN(TestSlotEncoder)
+#include "tst_slot_encoder.moc"
