@@ -26,9 +26,7 @@ KorviaShowEndAction endActionOf(const tagKorviaShowSourceInfo& info) {
 
 FilmSource::FilmSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
                        const tagKorviaFormatInfo& format)
-    : id_(context.id),
-      info_(info),
-      format_(format),
+    : Source(context, info, format),
       player_(std::make_shared<FilmPlayer>(context, DrivePath::resolve(info.moviePath), endActionOf(info),
                                            info.movieSwitchChannel)) {
   thread_ = startSourceThread(info.moviePath, [player = player_] { player->run(); });
@@ -52,11 +50,9 @@ FrameRef FilmSource::pullFrame(int ticks) {
 SourceFigures FilmSource::figures() {
   SourceFigures figures;
   const FrameSize size = player_->pictureSize();
-  figures.description = size.isEmpty() ? QFileInfo(info_.moviePath).fileName()
-                                       : QStringLiteral("%1, %2 x %3")
-                                             .arg(QFileInfo(info_.moviePath).fileName())
-                                             .arg(size.width)
-                                             .arg(size.height);
+  const QString name = QFileInfo(info().moviePath).fileName();
+  figures.description =
+      size.isEmpty() ? name : QStringLiteral("%1, %2 x %3").arg(name).arg(size.width).arg(size.height);
   figures.framesDecoded = player_->arrivals().total();
   figures.framesHeld = player_->framesHeld();
   figures.framesPerSecond = player_->arrivals().perSecond();
