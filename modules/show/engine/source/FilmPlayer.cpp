@@ -28,7 +28,8 @@ FilmPlayer::FilmPlayer(const SourceContext& context, const QString& path, Korvia
       path_(path),
       endAction_(endAction),
       switchChannel_(switchChannel),
-      tap_(context.rate),
+      clock_(context.rate),
+      queue_(clock_),
       maker_(context.renderSize),
       state_(Opening) {}
 
@@ -56,7 +57,7 @@ void FilmPlayer::close() {
   }
   closing_ = true;
   state_ = NothingSpecial;
-  tap_.close();
+  queue_.close();
   {
     std::lock_guard lock(mutex_);  // so that the control thread is not between its look and its wait
   }
@@ -66,7 +67,7 @@ void FilmPlayer::close() {
 // Engine thread.
 
 FrameRef FilmPlayer::pull(int ticks) {
-  FrameTap::Pull pulled = tap_.pull(ticks);
+  VideoQueue::Pull pulled = queue_.pull(clock_.advance(ticks));
   if (pulled.fresh) {
     positionNs_ = std::max<std::int64_t>(0, pulled.mediaNs - startNs_);
     ++framesShown_;
@@ -115,7 +116,7 @@ void FilmPlayer::onPicture(GstSample* sample) {
     if (startNs_ < 0)
       startNs_ = stamp.mediaNs;
   }
-  if (tap_.push({std::move(frame), stamp.timeNs, stamp.mediaNs}) && first)
+  if (queue_.push({std::move(frame), stamp.timeNs, stamp.mediaNs}) && first)
     postEvent({EventKind::Picture, segmentNumber, {}});
 }
 
@@ -125,16 +126,16 @@ void FilmPlayer::onOrientation(const char* tag) {
 
 void FilmPlayer::onFlushStart() {
   std::lock_guard lock(timelineMutex_);
-  // At the seam of a loop the tap's pictures bridge the time until new ones come.
+  // At the seam of a loop queued pictures bridge the time until new ones come.
   if (join_ == StreamTimeline::Join::Jump)
-    tap_.beginFlush();
+    queue_.beginFlush(clock_.flush());
 }
 
 void FilmPlayer::onFlushStop() {
   std::lock_guard lock(timelineMutex_);
   timeline_.beginSegment(join_);
   ++segment_;
-  tap_.endFlush();
+  queue_.endFlush();
 }
 
 void FilmPlayer::onEndOfStream() {
@@ -219,9 +220,9 @@ bool FilmPlayer::startPipeline() {
 void FilmPlayer::stopPipeline() {
   if (!pipeline_)
     return;
-  tap_.beginFlush();  // releases the streaming thread
+  queue_.beginFlush(clock_.flush());  // releases the streaming thread
   pipeline_.reset();
-  tap_.endFlush();
+  queue_.endFlush();
 }
 
 void FilmPlayer::handleEvent(const Event& event) {
@@ -263,7 +264,7 @@ void FilmPlayer::handleRequest(const Request& request) {
       if (state_ == Opening)
         wanted_ = Paused;
       else if (state_ == Playing) {
-        tap_.setPlaying(false);
+        clock_.setPlaying(false);
         state_ = Paused;
       }
       break;
@@ -283,7 +284,7 @@ void FilmPlayer::handleFirstPicture() {
   updateDuration();
   if (state_ != Opening)
     return;
-  tap_.setPlaying(wanted_ == Playing);
+  clock_.setPlaying(wanted_ == Playing);
   state_ = wanted_;
   qCDebug(logSource, "film runs : %s, %d x %d, %.1f s", qUtf8Printable(path_), pictureWidth_.load(),
           pictureHeight_.load(), static_cast<double>(durationNs_) / kSecondNs);
@@ -332,14 +333,14 @@ void FilmPlayer::handleEndOfStream() {
       return;
   }
   if (pipeline_)
-    tap_.markEnd(endNs);
+    queue_.markEnd(endNs);
 }
 
 void FilmPlayer::handleDrained() {
   // A seek or a play may have come between the end and this.
-  if (!tap_.isDrained() || state_ != Playing)
+  if (!queue_.isDrained() || state_ != Playing)
     return;
-  tap_.setPlaying(false);
+  clock_.setPlaying(false);
   positionNs_ = durationNs_.load();
   state_ = Ended;
   if (endAction_ == EndActionStopAndSwitch)
@@ -350,7 +351,7 @@ void FilmPlayer::handleFailure(const QString& reason) {
   qCWarning(logSource, "film does not play : %s : %s", qUtf8Printable(path_), qUtf8Printable(reason));
   openDeadline_.reset();
   seekDeadline_.reset();
-  tap_.setPlaying(false);
+  clock_.setPlaying(false);
   stopPipeline();
   if (!closing_)
     state_ = Error;
@@ -379,7 +380,7 @@ void FilmPlayer::play() {
     default:
       return;
   }
-  tap_.setPlaying(true);
+  clock_.setPlaying(true);
   state_ = Playing;
 }
 
@@ -390,7 +391,7 @@ void FilmPlayer::stop() {
   }
   if (state_ != Playing && state_ != Paused && state_ != Ended)
     return;
-  tap_.setPlaying(false);
+  clock_.setPlaying(false);
   if (goTo(0, StreamTimeline::Join::Jump) || restart(StreamTimeline::Join::Jump)) {
     positionNs_ = 0;
     state_ = Stopped;
@@ -428,7 +429,7 @@ bool FilmPlayer::goTo(std::int64_t positionNs, StreamTimeline::Join join) {
   seekTargetNs_ = positionNs;
   const bool done = pipeline_->seek(positionNs);
   if (!done)
-    tap_.endFlush();
+    queue_.endFlush();
   else if (join == StreamTimeline::Join::Jump)
     seekDeadline_ = Clock::now() + kSeekTimeout;
   return done;

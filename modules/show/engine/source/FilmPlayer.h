@@ -12,11 +12,11 @@
 #include <optional>
 
 #include "FilmPipeline.h"
-#include "FrameTap.h"
 #include "RateMeter.h"
 #include "Source.h"
 #include "StreamTimeline.h"
 #include "VideoFrameMaker.h"
+#include "VideoQueue.h"
 
 namespace korvia {
 
@@ -32,7 +32,7 @@ class FilmPlayer : public FilmPipelineListener {
   void run();
   /// Console thread. `percent` counts for Seek only; the newest seek wins.
   void post(Command command, double percent = 0);
-  void setHold(bool hold) { tap_.setHold(hold); }
+  void setHold(bool hold) { clock_.setHold(hold); }
   /// Returns at once; no notify comes after it, and run() ends as soon as it can.
   void close();
 
@@ -94,7 +94,8 @@ class FilmPlayer : public FilmPipelineListener {
   const QString path_;
   const KorviaShowEndAction endAction_;
   const int switchChannel_;
-  FrameTap tap_;
+  MediaClock clock_;
+  VideoQueue queue_;
   VideoFrameMaker maker_;  // streaming thread
   RateMeter arrivals_;
 
