@@ -3,7 +3,7 @@
 #pragma once
 #include <memory>
 
-#include "FilmPlayer.h"
+#include "FilmTransport.h"
 #include "Source.h"
 #include "SourceThreads.h"  // waitForClosedSources, for whoever ends a show
 
@@ -33,7 +33,7 @@ class FilmSource final : public Source {
   int getPlayState() override;
 
  private:
-  const std::shared_ptr<FilmPlayer> player_;
+  const std::shared_ptr<FilmTransport> transport_;
   quint64 thread_ = 0;
   bool closed_ = false;
 };
