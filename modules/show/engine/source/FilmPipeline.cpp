@@ -144,7 +144,7 @@ bool FilmPipeline::makePictureChain(QString& reason) {
   gst_util_set_object_arg(G_OBJECT(deinterlace_), "fields", "top");
   gst_util_set_object_arg(G_OBJECT(deinterlace_), "mode", "auto");
   GstCaps* caps = gst_caps_new_empty_simple("video/x-raw");
-  // The tap's clock paces the film, so the sink runs free and needs no preroll.
+  // The media clock paces the film, so the sink runs free and needs no preroll.
   g_object_set(pictureSink_, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1u,
                "enable-last-sample", FALSE, "qos", FALSE, nullptr);
   gst_caps_unref(caps);
@@ -339,7 +339,7 @@ void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
   gst_object_unref(sink);
 }
 
-// The film's sound, still encoded: the place where decoder and audio tap follow on.
+// The film's sound, still encoded: the place where decoder and audio queue follow on.
 void FilmPipeline::linkSound(GstPad* pad) {
   linkNowhere(pad);
 }

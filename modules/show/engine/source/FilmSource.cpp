@@ -12,26 +12,34 @@ namespace {
 // The interface counts in tenths of a millisecond.
 constexpr std::int64_t kTenthMsNs = 100'000;
 
-KorviaShowEndAction endActionOf(const tagKorviaShowSourceInfo& info) {
-  switch (info.movieEndAction) {
-    case EndActionStop:
-    case EndActionStopAndSwitch:
-      return static_cast<KorviaShowEndAction>(info.movieEndAction);
-    default:
-      return EndActionLoop;
-  }
+class SingleFilm final : public FilmSequence {
+ public:
+  SingleFilm(const QString& path, bool loops) : path_(path), loops_(loops) {}
+
+  QString present() const override { return path_; }
+  QString following(int) const override { return loops_ ? path_ : QString(); }
+  void advance(int) override {}
+
+ private:
+  const QString path_;
+  const bool loops_;
+};
+
+std::shared_ptr<FilmTransport> makeTransport(const SourceContext& context,
+                                             const tagKorviaShowSourceInfo& info) {
+  const bool switches = info.movieEndAction == EndActionStopAndSwitch;
+  const bool loops = info.movieEndAction != EndActionStop && !switches;
+  return std::make_shared<FilmTransport>(
+      context, std::make_unique<SingleFilm>(DrivePath::resolve(info.moviePath), loops),
+      switches ? std::optional<int>(info.movieSwitchChannel) : std::nullopt);
 }
 
 }  // namespace
 
 FilmSource::FilmSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
                        const tagKorviaFormatInfo& format)
-    : id_(context.id),
-      info_(info),
-      format_(format),
-      player_(std::make_shared<FilmPlayer>(context, DrivePath::resolve(info.moviePath), endActionOf(info),
-                                           info.movieSwitchChannel)) {
-  thread_ = startSourceThread(info.moviePath, [player = player_] { player->run(); });
+    : Source(context, info, format), transport_(makeTransport(context, info)) {
+  thread_ = startSourceThread(info.moviePath, [transport = transport_] { transport->run(); });
 }
 
 FilmSource::~FilmSource() {
@@ -41,73 +49,71 @@ FilmSource::~FilmSource() {
 void FilmSource::close() {
   if (std::exchange(closed_, true))
     return;
-  player_->close();
+  transport_->close();
   markSourceThreadClosing(thread_);
 }
 
 FrameRef FilmSource::pullFrame(int ticks) {
-  return player_->pull(ticks);
+  return transport_->pull(ticks);
 }
 
 SourceFigures FilmSource::figures() {
   SourceFigures figures;
-  const FrameSize size = player_->pictureSize();
-  figures.description = size.isEmpty() ? QFileInfo(info_.moviePath).fileName()
-                                       : QStringLiteral("%1, %2 x %3")
-                                             .arg(QFileInfo(info_.moviePath).fileName())
-                                             .arg(size.width)
-                                             .arg(size.height);
-  figures.framesDecoded = player_->arrivals().total();
-  figures.framesHeld = player_->framesHeld();
-  figures.framesPerSecond = player_->arrivals().perSecond();
+  const FrameSize size = transport_->pictureSize();
+  const QString name = QFileInfo(info().moviePath).fileName();
+  figures.description =
+      size.isEmpty() ? name : QStringLiteral("%1, %2 x %3").arg(name).arg(size.width).arg(size.height);
+  figures.framesDecoded = transport_->arrivals().total();
+  figures.framesHeld = transport_->framesHeld();
+  figures.framesPerSecond = transport_->arrivals().perSecond();
   return figures;
 }
 
 void FilmSource::getState(tagKorviaSourceLinkState& state) {
-  state.rate = player_->arrivals().perSecond();
+  state.rate = transport_->arrivals().perSecond();
 }
 
 void FilmSource::play() {
-  player_->post(FilmPlayer::Command::Play);
+  transport_->post(FilmTransport::Command::Play);
 }
 
 void FilmSource::stop() {
-  player_->post(FilmPlayer::Command::Stop);
+  transport_->post(FilmTransport::Command::Stop);
 }
 
 void FilmSource::pause() {
-  player_->post(FilmPlayer::Command::Pause);
+  transport_->post(FilmTransport::Command::Pause);
 }
 
 void FilmSource::setHold(bool hold) {
-  player_->setHold(hold);
+  transport_->setHold(hold);
 }
 
 void FilmSource::getDuration(qint64& duration) {
-  duration = player_->durationNs() / kTenthMsNs;
+  duration = transport_->durationNs() / kTenthMsNs;
 }
 
 void FilmSource::getTime(qint64& time) {
-  time = player_->positionNs() / kTenthMsNs;
+  time = transport_->positionNs() / kTenthMsNs;
 }
 
 void FilmSource::getFrameCount(qint64& frames) {
-  frames = player_->framesShown();
+  frames = transport_->framesShown();
 }
 
 void FilmSource::getPosition(qint64& position) {
-  const std::int64_t duration = player_->durationNs();
-  position = duration > 0
-                 ? std::clamp<std::int64_t>((player_->positionNs() * 100 + duration / 2) / duration, 0, 100)
-                 : 0;
+  const std::int64_t duration = transport_->durationNs();
+  position = duration > 0 ? std::clamp<std::int64_t>(
+                                (transport_->positionNs() * 100 + duration / 2) / duration, 0, 100)
+                          : 0;
 }
 
 void FilmSource::setPosition(qint64 position) {
-  player_->post(FilmPlayer::Command::Seek, static_cast<double>(std::clamp<qint64>(position, 0, 100)));
+  transport_->post(FilmTransport::Command::Seek, static_cast<double>(std::clamp<qint64>(position, 0, 100)));
 }
 
 int FilmSource::getPlayState() {
-  return closed_ ? NothingSpecial : player_->state();
+  return closed_ ? NothingSpecial : transport_->state();
 }
 
 }  // namespace korvia

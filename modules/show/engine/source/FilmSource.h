@@ -3,7 +3,7 @@
 #pragma once
 #include <memory>
 
-#include "FilmPlayer.h"
+#include "FilmTransport.h"
 #include "Source.h"
 #include "SourceThreads.h"  // waitForClosedSources, for whoever ends a show
 
@@ -20,30 +20,20 @@ class FilmSource final : public Source {
   void close() override;
   SourceFigures figures() override;
 
-  KorviaShowObjectID getObjectId() override { return id_; }
-  int* getSourceInfo() override { return &info_.kind; }
-  const tagKorviaFormatInfo* getFormat() override { return &format_; }
   void getState(tagKorviaSourceLinkState& state) override;
   void play() override;
   void stop() override;
   void pause() override;
   void setHold(bool hold) override;
-  void prev() override {}
-  void next() override {}
   void getDuration(qint64& duration) override;
   void getTime(qint64& time) override;
   void getFrameCount(qint64& frames) override;
   void getPosition(qint64& position) override;
   void setPosition(qint64 position) override;
   int getPlayState() override;
-  int getItemCount() override { return 1; }
-  int getItemIndex() override { return 0; }
 
  private:
-  const KorviaShowObjectID id_;
-  tagKorviaShowSourceInfo info_;
-  const tagKorviaFormatInfo format_;
-  const std::shared_ptr<FilmPlayer> player_;
+  const std::shared_ptr<FilmTransport> transport_;
   quint64 thread_ = 0;
   bool closed_ = false;
 };

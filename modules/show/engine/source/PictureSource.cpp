@@ -4,7 +4,7 @@ namespace korvia {
 
 PictureSource::PictureSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
                              const tagKorviaFormatInfo& format, KorviaShowPlayState state)
-    : context_(context), info_(info), format_(format), state_(state) {}
+    : Source(context, info, format), state_(state) {}
 
 FrameRef PictureSource::pullFrame(int) {
   std::lock_guard lock(pictureMutex_);

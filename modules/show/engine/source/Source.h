@@ -1,5 +1,7 @@
 // A thing that has pictures: a film, a still, a colour. The engine thread pulls one frame a tick; everything
 // of IKorviaShowSource is called on the console thread; slow work happens on the source's own threads.
+// The base owns the record and the format, and is by itself a source of one item without length whose buttons
+// do nothing: a kind overrides what it does differently.
 #pragma once
 #include <QString>
 #include <cstdint>
@@ -34,19 +36,48 @@ struct SourceFigures {
 
 class Source : public IKorviaShowSource {
  public:
-  ~Source() override = default;
-
   /// The picture for this tick in the render size, or null for black. `ticks` is 1 plus the frames missed
   /// since the last call. Never blocks. Engine thread.
   virtual FrameRef pullFrame(int ticks) = 0;
   /// Begins the end: returns at once, no notify comes after it. Console thread.
   virtual void close() = 0;
-  virtual SourceFigures figures() = 0;
+  virtual SourceFigures figures() { return {}; }
+
+  KorviaShowObjectID getObjectId() override { return context_.id; }
+  int* getSourceInfo() override { return &info_.kind; }
+  const tagKorviaFormatInfo* getFormat() override { return &format_; }
+  void getState(tagKorviaSourceLinkState& state) override { state.rate = 0; }
+  void play() override {}
+  void stop() override {}
+  void pause() override {}
+  void setHold(bool) override {}
+  void prev() override {}
+  void next() override {}
+  void getDuration(qint64& duration) override { duration = 0; }
+  void getTime(qint64& time) override { time = 0; }
+  void getFrameCount(qint64& frames) override { frames = 0; }
+  void getPosition(qint64& position) override { position = 0; }
+  void setPosition(qint64) override {}
+  int getPlayState() override { return NothingSpecial; }
+  int getItemCount() override { return 1; }
+  int getItemIndex() override { return 0; }
 
   // A source belongs to the engine: a holder's release() leaves it alone.
   bool isValid() override { return true; }
   bool release() override { return true; }
   void* queryInterface(const Identifier*, unsigned) override { return nullptr; }
+
+ protected:
+  Source(const SourceContext& context, const tagKorviaShowSourceInfo& info, const tagKorviaFormatInfo& format)
+      : context_(context), info_(info), format_(format) {}
+
+  const SourceContext& context() const { return context_; }
+  const tagKorviaShowSourceInfo& info() const { return info_; }
+
+ private:
+  const SourceContext context_;
+  tagKorviaShowSourceInfo info_;  // the console gets it as a pointer that may write
+  const tagKorviaFormatInfo format_;
 };
 
 }  // namespace korvia

@@ -22,6 +22,11 @@ void StreamTimeline::beginSegment(Join join) {
   shiftNs_ = 0;
 }
 
+void StreamTimeline::beginSegmentAt(std::int64_t timeNs) {
+  beginSegment(Join::Seamless);
+  nextNs_ = timeNs;
+}
+
 std::int64_t StreamTimeline::placeOf(std::optional<std::int64_t> ptsNs, std::int64_t frameDurationNs) {
   if (pictures_ == 0)
     return ptsNs.value_or(0);

@@ -18,6 +18,8 @@ class StreamTimeline {
 
   /// The next picture begins a segment.
   void beginSegment(Join join);
+  /// The next picture begins a segment that stands at `timeNs`: the end of another film.
+  void beginSegmentAt(std::int64_t timeNs);
   /// `ptsNs` and `durationNs` as the film has them, empty when it has none. `frameDurationNs` > 0 is what a
   /// picture lasts by the film's frame rate.
   Stamp stamp(std::optional<std::int64_t> ptsNs, std::optional<std::int64_t> durationNs,

@@ -84,6 +84,13 @@ class StreamTimelineTest : public QObject {
     QCOMPARE(timeline.mediaEndNs(), kFrame);
   }
 
+  void anotherFilmGoesOnWhereTheFirstEnded() {
+    StreamTimeline timeline;
+    timeline.beginSegmentAt(7'000 * kMs);
+    QCOMPARE(timeline.endNs(), 7'000 * kMs);
+    QCOMPARE(places(timeline, {1'400, 1'440}), (std::vector<int>{7'000, 7'040}));
+  }
+
   void jumpTakesTheFilmsOwnTime() {
     StreamTimeline timeline;
     places(timeline, {0, 40, 80});

@@ -1,0 +1,362 @@
+#include "FilmDecoder.h"
+
+#include <algorithm>
+
+#include "SourceLog.h"
+
+namespace korvia {
+
+namespace {
+
+constexpr std::int64_t kSecondNs = 1'000'000'000;
+constexpr std::chrono::seconds kOpenTimeout{10};
+// A drag of the slider asks for more places than can be shown: each gets this long to bring its picture.
+constexpr std::chrono::seconds kSeekTimeout{1};
+// Opening a film takes a part of a second on a busy machine; a decoder that waits holds one picture.
+constexpr std::int64_t kOpenAheadNs = 5 * kSecondNs;
+constexpr int kMostEmptySegments = 2;
+
+std::optional<std::int64_t> known(GstClockTime time) {
+  if (!GST_CLOCK_TIME_IS_VALID(time))
+    return std::nullopt;
+  return static_cast<std::int64_t>(time);
+}
+
+}  // namespace
+
+FilmDecoder::FilmDecoder(const SourceContext& context, const QString& path, int number, const Outlet& outlet,
+                         Admission admission)
+    : context_(context),
+      path_(path),
+      number_(number),
+      outlet_(outlet),
+      maker_(context.renderSize),
+      admitted_(admission == Admission::AtOnce) {}
+
+FilmDecoder::~FilmDecoder() {
+  close(Queued::Keep);
+}
+
+// GStreamer's threads.
+
+void FilmDecoder::tell(FilmEvent::Kind kind, int segment, const QString& reason) {
+  outlet_.sink.onFilmEvent({kind, number_, segment, reason});
+}
+
+bool FilmDecoder::waitForTurn() {
+  std::unique_lock lock(timelineMutex_);
+  if (!admitted_ && !closed_) {
+    lock.unlock();
+    tell(FilmEvent::Kind::Picture);
+    lock.lock();
+  }
+  turn_.wait(lock, [this] { return admitted_ || closed_; });
+  return !closed_;
+}
+
+void FilmDecoder::onPicture(GstSample* sample) {
+  GstBuffer* buffer = gst_sample_get_buffer(sample);
+  const GstSegment* segment = gst_sample_get_segment(sample);
+  std::optional<std::int64_t> ptsNs = known(GST_BUFFER_PTS(buffer));
+  const std::optional<std::int64_t> durationNs = known(GST_BUFFER_DURATION(buffer));
+  if (ptsNs && segment && segment->format == GST_FORMAT_TIME) {
+    // Decoders that do not cut to the place of a seek leave that to us.
+    const GstClockTime start = GST_BUFFER_PTS(buffer);
+    const auto lasts = static_cast<GstClockTime>(durationNs.value_or(0));
+    if (start < segment->start && start + lasts <= segment->start)
+      return;
+    ptsNs =
+        known(gst_segment_to_stream_time(segment, GST_FORMAT_TIME, std::max<guint64>(start, segment->start)));
+  }
+  FrameRef frame = maker_.make(sample);
+  if (!frame)
+    return;
+  outlet_.arrivals.count();
+  if (!waitForTurn())
+    return;
+  int segmentNumber = 0;
+  bool first = false;
+  bool newSize = false;
+  bool nearEnd = false;
+  TimedFrame placed;
+  {
+    std::lock_guard lock(timelineMutex_);
+    if (closed_)
+      return;
+    segmentNumber = segment_;
+    first = timeline_.pictures() == 0;
+    newSize = pictureSize_ != maker_.pictureSize();
+    pictureSize_ = maker_.pictureSize();
+    placed = place(std::move(frame), ptsNs, durationNs);
+    nearEnd = !nearEnd_ && durationNs_ > 0 && placed.mediaNs + kOpenAheadNs >= durationNs_;
+    nearEnd_ = nearEnd_ || nearEnd;
+  }
+  if (!outlet_.queue.push(std::move(placed)))
+    return;
+  if (first)
+    tell(FilmEvent::Kind::Picture, segmentNumber);
+  else if (newSize)
+    tell(FilmEvent::Kind::Facts);
+  if (nearEnd)
+    tell(FilmEvent::Kind::NearEnd);
+}
+
+TimedFrame FilmDecoder::place(FrameRef frame, std::optional<std::int64_t> ptsNs,
+                              std::optional<std::int64_t> durationNs) {
+  frameDurationNs_ = maker_.frameDurationNs() > 0 ? maker_.frameDurationNs() : context_.rate.nsOf(1);
+  if (timeline_.pictures() == 0 && !ptsNs)
+    ptsNs = segmentStartNs_;
+  const StreamTimeline::Stamp stamp = timeline_.stamp(ptsNs, durationNs, frameDurationNs_);
+  if (startNs_ < 0)
+    startNs_ = stamp.mediaNs;
+  return {std::move(frame), stamp.timeNs, stamp.mediaNs - startNs_, number_};
+}
+
+void FilmDecoder::onOrientation(const char* tag) {
+  maker_.setOrientation(PictureOrientation::fromTag(tag));
+}
+
+void FilmDecoder::onFlushStart() {
+  std::lock_guard lock(timelineMutex_);
+  // At the seam of a loop the queued pictures bridge the time until new ones come.
+  if (join_ == StreamTimeline::Join::Jump)
+    outlet_.queue.beginFlush(outlet_.clock.flush());
+}
+
+void FilmDecoder::onFlushStop() {
+  std::lock_guard lock(timelineMutex_);
+  beginSegment();
+  outlet_.queue.endFlush();
+}
+
+void FilmDecoder::beginSegment() {
+  timeline_.beginSegment(join_);
+  ++segment_;
+  nearEnd_ = false;
+}
+
+void FilmDecoder::onEndOfStream() {
+  int segment = 0;
+  {
+    std::lock_guard lock(timelineMutex_);
+    segment = segment_;
+  }
+  tell(FilmEvent::Kind::EndOfStream, segment);
+}
+
+void FilmDecoder::onDurationChanged() {
+  tell(FilmEvent::Kind::Facts);
+}
+
+void FilmDecoder::onFailure(const QString& reason) {
+  tell(FilmEvent::Kind::Failure, 0, reason);
+}
+
+// Control thread.
+
+void FilmDecoder::open() {
+  qCDebug(logSource, "film opens : %s", qUtf8Printable(path_));
+  start();
+}
+
+bool FilmDecoder::start() {
+  openDeadline_ = Clock::now() + kOpenTimeout;
+  FilmPipelineListener& listener = *this;
+  pipeline_ = std::make_unique<FilmPipeline>(listener);
+  QString reason;
+  if (pipeline_->start(path_, reason))
+    return true;
+  tell(FilmEvent::Kind::Failure, 0, reason);
+  return false;
+}
+
+bool FilmDecoder::refusePictures() {
+  bool pushed = false;
+  {
+    std::lock_guard lock(timelineMutex_);
+    closed_ = true;
+    pushed = startNs_ >= 0;
+  }
+  turn_.notify_all();
+  return pushed;
+}
+
+void FilmDecoder::close(Queued queued) {
+  openDeadline_.reset();
+  seekDeadline_.reset();
+  if (!pipeline_)
+    return;
+  refusePictures();
+  if (queued == Queued::Flush)
+    outlet_.queue.beginFlush(outlet_.clock.flush());  // releases the streaming thread
+  pipeline_.reset();
+  if (queued == Queued::Flush)
+    outlet_.queue.endFlush();
+}
+
+void FilmDecoder::admit(std::int64_t timeNs) {
+  {
+    std::lock_guard lock(timelineMutex_);
+    timeline_.beginSegmentAt(timeNs);
+    admitted_ = true;
+  }
+  turn_.notify_all();
+}
+
+bool FilmDecoder::goTo(std::int64_t positionNs, StreamTimeline::Join join) {
+  if (!canSeek())
+    return false;
+  {
+    std::lock_guard lock(timelineMutex_);
+    join_ = join;
+    segmentStartNs_ = positionNs;
+  }
+  seekTargetNs_ = positionNs;
+  if (!pipeline_->seek(positionNs)) {
+    outlet_.queue.endFlush();
+    return false;
+  }
+  ended_ = false;
+  if (join == StreamTimeline::Join::Jump)
+    seekDeadline_ = Clock::now() + kSeekTimeout;
+  return true;
+}
+
+bool FilmDecoder::restart(StreamTimeline::Join join) {
+  if (join == StreamTimeline::Join::Jump)
+    close(Queued::Flush);
+  pipeline_.reset();
+  {
+    std::lock_guard lock(timelineMutex_);
+    join_ = join;
+    segmentStartNs_ = 0;
+    closed_ = false;
+    beginSegment();
+  }
+  seekTargetNs_ = 0;
+  ended_ = false;
+  return start();
+}
+
+std::optional<std::int64_t> FilmDecoder::seekToPercent(double percent) {
+  std::int64_t startNs = 0;
+  std::int64_t lastNs = 0;
+  {
+    std::lock_guard lock(timelineMutex_);
+    startNs = startNs_;
+    lastNs = std::max<std::int64_t>(0, durationNs_ - frameDurationNs_);
+  }
+  const auto wantedNs = static_cast<std::int64_t>(static_cast<double>(durationNs_) * percent / 100);
+  const std::int64_t placeNs = std::clamp<std::int64_t>(wantedNs, 0, lastNs);
+  if (!goTo(startNs + placeNs, StreamTimeline::Join::Jump))
+    return std::nullopt;
+  return placeNs;
+}
+
+bool FilmDecoder::rewind() {
+  return goTo(0, StreamTimeline::Join::Jump) || restart(StreamTimeline::Join::Jump);
+}
+
+bool FilmDecoder::loop() {
+  if (!canSeek() || emptySegments_ > kMostEmptySegments)
+    return false;
+  int pictures = 0;
+  {
+    std::lock_guard lock(timelineMutex_);
+    pictures = timeline_.pictures();
+  }
+  if (pictures == 0)
+    ++emptySegments_;
+  if (!goTo(0, StreamTimeline::Join::Seamless))
+    restart(StreamTimeline::Join::Seamless);
+  return true;
+}
+
+void FilmDecoder::noteFirstPicture() {
+  openDeadline_.reset();
+  seekDeadline_.reset();
+  emptySegments_ = 0;
+  noteFacts();
+}
+
+void FilmDecoder::noteFacts() {
+  const std::int64_t duration = pipeline_ ? pipeline_->durationNs() : 0;
+  if (duration > 0)
+    durationNs_ = duration;
+}
+
+FilmDecoder::SegmentEnd FilmDecoder::noteEndOfStream() {
+  seekDeadline_.reset();
+  std::int64_t startNs = 0;
+  std::int64_t mediaEndNs = 0;
+  int pictures = 0;
+  {
+    std::lock_guard lock(timelineMutex_);
+    startNs = startNs_;
+    mediaEndNs = timeline_.mediaEndNs();
+    pictures = timeline_.pictures();
+  }
+  if (startNs < 0)
+    return SegmentEnd::NoPicture;
+  if (pictures > 0) {
+    compareDuration(mediaEndNs - startNs);
+  } else if (++emptySegments_ <= kMostEmptySegments && seekTargetNs_ > 0) {
+    // A seek behind the last picture: sound may be longer. Or a film that gives nothing any more.
+    goTo(std::max<std::int64_t>(0, seekTargetNs_ - kSecondNs * emptySegments_), StreamTimeline::Join::Jump);
+    return SegmentEnd::SoughtBack;
+  }
+  ended_ = true;
+  return SegmentEnd::Ended;
+}
+
+void FilmDecoder::compareDuration(std::int64_t lastedNs) {
+  if (durationNs_ == 0) {
+    durationNs_ = lastedNs;
+  } else if (lastedNs + kSecondNs < durationNs_ && !earlyEndLogged_) {
+    earlyEndLogged_ = true;
+    qCWarning(logSource, "film ends early : %s, after %.1f of %.1f s", qUtf8Printable(path_),
+              static_cast<double>(lastedNs) / kSecondNs, static_cast<double>(durationNs_) / kSecondNs);
+  }
+}
+
+void FilmDecoder::handleTimeouts(Clock::time_point now) {
+  if (seekDeadline_ && now >= *seekDeadline_)
+    seekDeadline_.reset();
+  if (!openDeadline_ || now < *openDeadline_)
+    return;
+  openDeadline_.reset();
+  tell(FilmEvent::Kind::Failure, 0, QStringLiteral("no picture within %1 s").arg(kOpenTimeout.count()));
+}
+
+std::optional<FilmDecoder::Clock::time_point> FilmDecoder::deadline() const {
+  if (openDeadline_ && seekDeadline_)
+    return std::min(*openDeadline_, *seekDeadline_);
+  return openDeadline_ ? openDeadline_ : seekDeadline_;
+}
+
+bool FilmDecoder::isAdmitted() const {
+  std::lock_guard lock(timelineMutex_);
+  return admitted_;
+}
+
+bool FilmDecoder::isCurrent(int segment) const {
+  std::lock_guard lock(timelineMutex_);
+  return segment == segment_;
+}
+
+bool FilmDecoder::isNearEnd() const {
+  std::lock_guard lock(timelineMutex_);
+  return nearEnd_;
+}
+
+std::int64_t FilmDecoder::endNs() const {
+  std::lock_guard lock(timelineMutex_);
+  return timeline_.endNs();
+}
+
+FrameSize FilmDecoder::pictureSize() const {
+  std::lock_guard lock(timelineMutex_);
+  return pictureSize_;
+}
+
+}  // namespace korvia

@@ -1,0 +1,103 @@
+#include "LiveClock.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace korvia {
+
+namespace {
+
+// Stamps that go back by more than this, or data that come earlier than any could by more than that, mean
+// that the source counts anew.
+constexpr std::int64_t kBackNs = 500'000'000;
+constexpr std::int64_t kEarlyNs = 100'000'000;
+// Data that all come too late for so long will go on to, unless they catch up.
+constexpr std::int64_t kLateForNs = 1'000'000'000;
+constexpr std::int64_t kCatchesUpNs = 100'000'000;
+// Time follows what is measured with this time constant and at most so much beside the source's speed; what
+// is further off is set.
+constexpr double kFollowNs = 8e9;
+constexpr double kMostSlew = 0.005;
+constexpr std::int64_t kSlewNs = 100'000'000;
+
+}  // namespace
+
+std::int64_t LiveClock::arrive(std::int64_t stampNs, std::int64_t arrivalNs) {
+  std::lock_guard lock(mutex_);
+  if (!shiftNs_) {
+    shiftNs_ = arrivalNs - stampNs;
+    lastStampNs_ = stampNs;
+  }
+  const std::int64_t expectedNs = estimator_.transitAt(arrivalNs);
+  const std::int64_t beyondNs = arrivalNs - (stampNs + *shiftNs_) - expectedNs;
+  if (isJump(stampNs, beyondNs))
+    reanchor(beyondNs);
+  else if (isLateForLong(arrivalNs, beyondNs))
+    reanchor(lateLeastNs_);
+  lastStampNs_ = stampNs;
+  const std::int64_t timeNs = stampNs + *shiftNs_;
+  estimator_.add(arrivalNs - timeNs, arrivalNs);
+  return timeNs;
+}
+
+bool LiveClock::isJump(std::int64_t stampNs, std::int64_t beyondNs) const {
+  return stampNs < lastStampNs_ - kBackNs || (estimator_.isSettled() && beyondNs < -kEarlyNs);
+}
+
+bool LiveClock::isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs) {
+  if (beyondNs <= targetNs_) {
+    lateSinceNs_.reset();
+    return false;
+  }
+  if (!lateSinceNs_ || beyondNs < lateFirstNs_ - kCatchesUpNs) {
+    lateSinceNs_ = arrivalNs;
+    lateFirstNs_ = lateLeastNs_ = beyondNs;
+  }
+  lateLeastNs_ = std::min(lateLeastNs_, beyondNs);
+  return arrivalNs - *lateSinceNs_ >= kLateForNs;
+}
+
+void LiveClock::reanchor(std::int64_t beyondNs) {
+  *shiftNs_ += beyondNs;
+  estimator_.beginSegment();
+  lateSinceNs_.reset();
+  ++reanchors_;
+}
+
+void LiveClock::setHold(bool hold) {
+  std::lock_guard lock(mutex_);
+  hold_ = hold;
+}
+
+ClockReading LiveClock::advance(int ticks, std::int64_t nowNs) {
+  std::lock_guard lock(mutex_);
+  const std::int64_t undelayedNs = nowNs - estimator_.transitAt(nowNs);
+  if (shiftNs_) {
+    const auto passedNs = static_cast<double>(rate_.nsOf(ticks));
+    timeNs_ += std::llround(passedNs * (1 + estimator_.driftPpm() * 1e-6));
+    const std::int64_t offNs = undelayedNs - targetNs_ - timeNs_;
+    if (!started_ || std::abs(offNs) > kSlewNs)
+      timeNs_ += offNs;
+    else
+      timeNs_ +=
+          std::llround(passedNs * std::clamp(static_cast<double>(offNs) / kFollowNs, -kMostSlew, kMostSlew));
+    started_ = true;
+    latencyNs_ = undelayedNs - timeNs_;
+  }
+  ClockReading reading;
+  reading.timeNs = timeNs_;
+  reading.frameNs = rate_.nsOf(1);
+  reading.latencyNs = latencyNs_;
+  reading.ticks = ticks;
+  reading.started = started_;
+  reading.running = !hold_;
+  return reading;
+}
+
+LiveClock::Figures LiveClock::figures() const {
+  std::lock_guard lock(mutex_);
+  return {estimator_.driftPpm(), latencyNs_, reanchors_};
+}
+
+}  // namespace korvia

@@ -1,0 +1,170 @@
+#include "VideoQueue.h"
+
+#include <algorithm>
+
+namespace korvia {
+
+VideoQueue::VideoQueue(MediaClock& clock, File limits) : VideoQueue(&clock, limits, WhenFull::Wait) {}
+
+VideoQueue::VideoQueue(Live limits)
+    : VideoQueue(nullptr, {1, limits.spanNs, limits.mostFrames}, WhenFull::DropOldest) {}
+
+VideoQueue::VideoQueue(MediaClock* clock, File limits, WhenFull whenFull)
+    : clock_(clock), number_(clock ? clock->addQueue() : 0), limits_(limits), whenFull_(whenFull) {
+  const auto most = static_cast<std::size_t>(std::max(limits.frames, limits.mostFrames));
+  queue_.reserve(most);
+  replaced_.reserve(most + 1);
+}
+
+bool VideoQueue::isFull() const {
+  const int count = static_cast<int>(queue_.size());
+  if (count < limits_.frames)
+    return false;
+  return count >= limits_.mostFrames || queue_.back().timeNs - queue_.front().timeNs >= limits_.spanNs;
+}
+
+bool VideoQueue::push(TimedFrame frame) {
+  TimedFrame dropped;  // its memory goes back outside of the lock
+  std::unique_lock lock(mutex_);
+  if (whenFull_ == WhenFull::Wait) {
+    if (isFull() && firstIsDue_)
+      clock_->beginNow(epoch_);
+    room_.wait(lock, [this] { return closed_ || flushing_ || !isFull(); });
+  }
+  if (closed_ || flushing_)
+    return false;
+  if (isFull()) {
+    dropped = std::move(queue_.front());
+    queue_.erase(queue_.begin());
+    overflowed_ = true;
+    ++figures_.dropped;
+  }
+  ended_ = false;
+  drained_ = false;
+  if (clock_ && !std::exchange(begun_, true))
+    clock_->begin(number_, epoch_, frame.timeNs);
+  queue_.push_back(std::move(frame));
+  lock.unlock();
+  return true;
+}
+
+void VideoQueue::beginFlush(std::uint64_t epoch) {
+  std::vector<TimedFrame> dropped;
+  dropped.reserve(static_cast<std::size_t>(limits_.mostFrames));
+  {
+    std::lock_guard lock(mutex_);
+    flushing_ = true;
+    ended_ = false;
+    drained_ = false;
+    begun_ = false;
+    firstIsDue_ = true;
+    overflowed_ = false;
+    epoch_ = epoch;
+    dropped.swap(queue_);
+  }
+  room_.notify_all();
+}
+
+void VideoQueue::endFlush() {
+  std::lock_guard lock(mutex_);
+  flushing_ = false;
+}
+
+void VideoQueue::markEnd(std::int64_t endNs) {
+  std::lock_guard lock(mutex_);
+  ended_ = true;
+  endNs_ = endNs;
+  if (clock_ && !begun_)
+    clock_->beginWithout(number_, epoch_);
+}
+
+void VideoQueue::close() {
+  std::vector<TimedFrame> dropped;
+  {
+    std::lock_guard lock(mutex_);
+    closed_ = true;
+    dropped.swap(queue_);
+  }
+  room_.notify_all();
+}
+
+bool VideoQueue::isDrained() const {
+  std::lock_guard lock(mutex_);
+  return drained_;
+}
+
+VideoQueue::Figures VideoQueue::figures() const {
+  std::lock_guard lock(mutex_);
+  return figures_;
+}
+
+bool VideoQueue::isDue(const ClockReading& reading) const {
+  return !queue_.empty() && queue_.front().timeNs <= reading.timeNs + bias_ * (reading.frameNs / 4);
+}
+
+void VideoQueue::take(Pull& result) {
+  if (result.fresh)
+    ++figures_.dropped;
+  replaced_.push_back(std::exchange(shown_, std::move(queue_.front())));
+  queue_.erase(queue_.begin());
+  result.fresh = true;
+}
+
+void VideoQueue::settleBias(const Pull& result, bool skipped) {
+  if (skipped)
+    bias_ = 1;
+  else if (!result.fresh && !result.missed)
+    bias_ = -1;
+}
+
+bool VideoQueue::reachedEnd(const ClockReading& reading) const {
+  return ended_ && !drained_ && reading.running && queue_.empty() &&
+         (firstIsDue_ || reading.timeNs >= endNs_);
+}
+
+VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
+  Pull result;
+  std::int64_t shownNs = 0;
+  {
+    std::lock_guard lock(mutex_);
+    const bool current = reading.epoch == epoch_;
+    if (current && firstIsDue_) {
+      if (reading.started && !queue_.empty()) {
+        take(result);
+        firstIsDue_ = false;
+      } else {
+        result.missed = reading.running && !ended_;
+      }
+    } else if (current && reading.running) {
+      const std::int64_t droppedBefore = figures_.dropped;
+      // Where the oldest picture had to make room, the next one cannot wait any longer.
+      if (std::exchange(overflowed_, false) && !queue_.empty())
+        take(result);
+      while (isDue(reading))
+        take(result);
+      result.missed = !result.fresh && queue_.empty() && !ended_;
+      if (whenFull_ == WhenFull::DropOldest && reading.ticks == 1)
+        settleBias(result, figures_.dropped != droppedBefore);
+    }
+    if (current && reachedEnd(reading)) {
+      drained_ = true;
+      result.drained = true;
+    }
+    figures_.missed += result.missed ? 1 : 0;
+    if (result.fresh)
+      figures_.latencyNs = reading.latencyNs + (clock_ ? 0 : reading.timeNs - shown_.timeNs);
+    shownNs = shown_.timeNs;
+    result.frame = shown_.frame;
+    result.mediaNs = shown_.mediaNs;
+    result.film = shown_.film;
+  }
+  replaced_.clear();
+  if (result.fresh) {
+    room_.notify_one();
+    if (clock_)
+      clock_->tellLate(reading, shownNs);
+  }
+  return result;
+}
+
+}  // namespace korvia
