@@ -1,6 +1,7 @@
 #include "Janitor.h"
 
 #include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
@@ -25,6 +26,7 @@ void Janitor::push(std::function<void()> job) {
 
 void Janitor::run() {
   nameThread("kv-janitor");
+  runAsBatch();
   std::unique_lock lock(mutex_);
   for (;;) {
     wake_.wait(lock, [this] { return stop_ || !jobs_.empty(); });

@@ -25,8 +25,8 @@ void SoftwareBackend::fillEventTable() {
   events_.on(ShowEventSwitchPosition, switcher_, &Switcher::moveLever);
   events_.on(ShowEventTake, switcher_, &Switcher::take);
   events_.on(ShowEventSelectChannel, switcher_, &Switcher::selectChannel);
-  events_.on(ShowEventStartOutput, *this, &SoftwareBackend::startOutput);
-  events_.on(ShowEventStopOutput, *this, &SoftwareBackend::stopOutput);
+  events_.on(ShowEventStartOutput, outputs_, &OutputRack::start);
+  events_.on(ShowEventStopOutput, outputs_, &OutputRack::stop);
   events_.on(ShowEventAudioMixMode, mixer_, &AudioMixer::setMixMode);
   events_.on(ShowEventVolume, mixer_, &AudioMixer::setVolume);
   events_.on(ShowEventChannelMix, mixer_, &AudioMixer::setChannelMix);
@@ -38,6 +38,7 @@ void SoftwareBackend::begin(IShowBackendHost& host) {
   host_ = &host;
   switcher_.setHost(&host);
   mixer_.setHost(&host);
+  outputs_.setHost(&host);
   sink_ = host.engineSink();
 }
 
@@ -47,6 +48,7 @@ void SoftwareBackend::end() {
   sink_ = nullptr;
   switcher_.setHost(nullptr);
   mixer_.setHost(nullptr);
+  outputs_.setHost(nullptr);
   host_ = nullptr;
 }
 
@@ -57,6 +59,7 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
   channels_.open(format_);
   switcher_.open(format_);
   items_.open(format_);
+  outputs_.open(format_);
   monitors_.open(windows);
   program_.reset();
   mixed_.reset();
@@ -76,7 +79,7 @@ void SoftwareBackend::closeShow() {
   if (!open_)
     return;
   open_ = false;
-  outputs_.stopAll();
+  outputs_.close();
   monitors_.close();
   snapshots_.flush();
   program_.reset();
@@ -88,20 +91,6 @@ void SoftwareBackend::closeShow() {
 void SoftwareBackend::snapshot(int, const QString& path) {
   if (open_)
     snapshots_.write(program_ ? program_ : channels_.black(), path);
-}
-
-void SoftwareBackend::startOutput(int slot, const tagKorviaShowOutputParam& param, const QString& programName,
-                                  const tagKorviaFormatInfo& format) {
-  if (open_)
-    outputs_.start({slot, param, programName, format, format_.rate});
-  else
-    qCWarning(logEngine, "no output starts before the show is open");
-  host_->postResult(ShowEventStartOutput, slot, toVariant(param));
-}
-
-void SoftwareBackend::stopOutput(int slot, int kind) {
-  outputs_.stop(slot);
-  host_->postResult(ShowEventStopOutput, slot, kind);
 }
 
 void SoftwareBackend::frameStep(const FrameTick& tick) {
@@ -199,6 +188,7 @@ void SoftwareBackend::getFigures(tagKorviaShowEngineFigures& figures) {
     figures.fpsOfRun = frameMeter_.perSecondOfRun(now);
   }
   stages_.read(figures);
+  channels_.getFigures(figures);
   figures.droppedStripPictures = monitors_.droppedPictures();
   figures.recording = outputs_.isRunning(OutputSlotRecord);
   figures.streaming = outputs_.isRunning(OutputSlotStream);

@@ -53,9 +53,6 @@ class SoftwareBackend final : public IShowBackend {
   void open(const tagKorviaShowEngineInfo& info, const tagKorviaShowWindowPackInfo& windows);
   void closeShow();
   void snapshot(int object, const QString& path);
-  void startOutput(int slot, const tagKorviaShowOutputParam& param, const QString& programName,
-                   const tagKorviaFormatInfo& format);
-  void stopOutput(int slot, int kind);
 
   // The frame. Engine thread.
   void showMonitors(const FrameRef& preview);

@@ -12,17 +12,18 @@ namespace korvia {
 
 /// Makes the calling thread, and those that it starts from here on, batch work: they get their share of the
 /// processor, but what wakes them goes on first. Without it the engine thread loses up to ten milliseconds of
-/// a tick to the encoder at the moment it hands a frame over.
-inline void runAsBatch() {
+/// a tick to the encoder at the moment it hands a frame over. The niceness is set too, since a thread
+/// inherits that of the thread that starts it.
+inline void runAsBatch(int nice = 0) {
   const sched_param parameter{};
   pthread_setschedparam(pthread_self(), SCHED_BATCH, &parameter);
+  setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), nice);
 }
 
 /// Takes less than an equal share for the calling thread: what it does gives way first.
 inline void runBehind() {
   constexpr int kNice = 5;
-  runAsBatch();
-  setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), kNice);
+  runAsBatch(kNice);
 }
 
 /// Asks for more than an equal share for the calling thread. Ordinary users may not have it; then nothing

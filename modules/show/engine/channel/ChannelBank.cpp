@@ -75,6 +75,17 @@ void ChannelBank::getSourceState(tagKorviaShowSourceStatisticsItem* items) {
   }
 }
 
+void ChannelBank::getFigures(tagKorviaShowEngineFigures& figures) {
+  for (int slot = 0; slot < kSourceSlotCount; ++slot) {
+    const std::shared_ptr<Source> source = sources_.at(slot);
+    if (!source)
+      continue;
+    const SourceFigures ofSource = source->figures();
+    figures.heldFilmFrames += ofSource.framesHeld;
+    figures.skippedFilmFrames += ofSource.framesSkipped;
+  }
+}
+
 void ChannelBank::open(const ShowFormat& format) {
   {
     std::lock_guard lock(formatMutex_);

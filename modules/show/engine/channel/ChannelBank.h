@@ -10,6 +10,7 @@
 #include "engine/channel/Channel.h"
 #include "engine/frame/FramePool.h"
 #include "engine/source/SourceSet.h"
+#include "tagKorviaShowEngineFigures.h"
 #include "tagKorviaShowSourceStatisticsItem.h"
 #include "tagKorviaSourceState.h"
 
@@ -31,6 +32,8 @@ class ChannelBank final : public ChannelPictures {
   void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state);
   /// `items`: one for each of the eight media channels.
   void getSourceState(tagKorviaShowSourceStatisticsItem* items);
+  /// Held and skipped pictures of all sources that are open.
+  void getFigures(tagKorviaShowEngineFigures& figures);
 
   // Engine thread.
   void open(const ShowFormat& format);

@@ -1,22 +1,43 @@
 #include "OutputRack.h"
 
+#include "KorviaMetaType.h"
+#include "KorviaShowEvents.h"
 #include "OutputFactory.h"
+#include "OutputLog.h"
 
 namespace korvia {
 
-void OutputRack::start(const OutputRequest& request) {
-  const int slot = request.slot;
-  if (slot < 0 || slot >= kSlots)
-    return;
-  stop(slot);
-  std::shared_ptr<OutputSlot> output = createOutputSlot(request, janitor_);
-  std::lock_guard lock(mutex_);
-  slots_[slot] = std::move(output);
+void OutputRack::open(const ShowFormat& format) {
+  rate_ = format.rate;
 }
 
-void OutputRack::stop(int slot) {
-  if (slot < 0 || slot >= kSlots)
-    return;
+void OutputRack::close() {
+  for (int slot = 0; slot < kSlots; ++slot)
+    end(slot);
+  rate_.reset();
+}
+
+void OutputRack::start(int slot, const tagKorviaShowOutputParam& param, const QString& programName,
+                       const tagKorviaFormatInfo& format) {
+  if (!rate_) {
+    qCWarning(logOutput, "no output starts before the show is open");
+  } else if (slot >= 0 && slot < kSlots) {
+    end(slot);
+    std::shared_ptr<OutputSlot> output =
+        createOutputSlot({slot, param, programName, format, *rate_}, janitor_);
+    std::lock_guard lock(mutex_);
+    slots_[slot] = std::move(output);
+  }
+  host_->postResult(ShowEventStartOutput, slot, toVariant(param));
+}
+
+void OutputRack::stop(int slot, int kind) {
+  if (slot >= 0 && slot < kSlots)
+    end(slot);
+  host_->postResult(ShowEventStopOutput, slot, kind);
+}
+
+void OutputRack::end(int slot) {
   std::shared_ptr<OutputSlot> output;
   {
     std::lock_guard lock(mutex_);
@@ -26,11 +47,6 @@ void OutputRack::stop(int slot) {
     return;
   output->finish();
   janitor_.dispose(std::move(output));
-}
-
-void OutputRack::stopAll() {
-  for (int slot = 0; slot < kSlots; ++slot)
-    stop(slot);
 }
 
 void OutputRack::push(const FrameRef& frame, int count) {

@@ -4,8 +4,11 @@
 #include <array>
 #include <memory>
 #include <mutex>
+#include <optional>
 
+#include "backend/IShowBackend.h"
 #include "engine/Janitor.h"
+#include "engine/ShowFormat.h"
 #include "engine/output/OutputRequest.h"
 #include "engine/output/OutputSlot.h"
 #include "tagKorviaOutputStatistics.h"
@@ -18,10 +21,20 @@ class OutputRack {
 
   explicit OutputRack(Janitor& janitor) : janitor_(janitor) {}
 
-  /// Starts the output of a slot, ending one that runs there. Nothing happens for a slot that does not exist.
-  void start(const OutputRequest& request);
-  void stop(int slot);
-  void stopAll();
+  /// Results go to `host` from here on; null ends that.
+  void setHost(IShowBackendHost* host) { host_ = host; }
+  void open(const ShowFormat& format);
+  /// Ends all outputs.
+  void close();
+
+  // Events.
+  /// Starts the output of a slot, ending one that runs there. Nothing starts for a slot that does not exist
+  /// and before the show is open; the console gets its answer all the same.
+  void start(int slot, const tagKorviaShowOutputParam& param, const QString& programName,
+             const tagKorviaFormatInfo& format);
+  /// `kind` goes back with the answer.
+  void stop(int slot, int kind);
+
   /// One program frame, `count` times: 1 plus the frames that were missed.
   void push(const FrameRef& frame, int count);
 
@@ -29,7 +42,11 @@ class OutputRack {
   void statistics(tagKorviaOutputStatistics& statistics) const;
 
  private:
+  void end(int slot);
+
   Janitor& janitor_;
+  IShowBackendHost* host_ = nullptr;
+  std::optional<FrameRate> rate_;  // of the open show
   mutable std::mutex mutex_;
   std::array<std::shared_ptr<OutputSlot>, kSlots>
       slots_;  // the pointers are written under mutex_, which the other threads hold to read

@@ -65,6 +65,7 @@ SourceFigures FilmSource::figures() {
       size.isEmpty() ? name : QStringLiteral("%1, %2 x %3").arg(name).arg(size.width).arg(size.height);
   figures.framesDecoded = transport_->arrivals().total();
   figures.framesHeld = transport_->framesHeld();
+  figures.framesSkipped = transport_->framesSkipped();
   figures.framesPerSecond = transport_->arrivals().perSecond();
   return figures;
 }

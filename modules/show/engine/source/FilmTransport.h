@@ -51,6 +51,7 @@ class FilmTransport : public FilmEventSink {
   FrameSize pictureSize() const { return {pictureWidth_, pictureHeight_}; }
   std::int64_t framesShown() const { return framesShown_; }
   std::int64_t framesHeld() const { return framesHeld_; }
+  std::int64_t framesSkipped() const { return queue_.figures().dropped; }
   const RateMeter& arrivals() const { return arrivals_; }
 
  private:

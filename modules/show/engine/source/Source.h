@@ -30,7 +30,8 @@ struct SourceContext {
 struct SourceFigures {
   QString description;
   qint64 framesDecoded = 0;
-  qint64 framesHeld = 0;  ///< ticks at which no new picture was there while playing
+  qint64 framesHeld = 0;     ///< ticks at which no new picture was there while playing
+  qint64 framesSkipped = 0;  ///< pictures that were never shown, since they were due too close to others
   float framesPerSecond = 0;
 };
 
