@@ -91,12 +91,13 @@ void FilmDecoder::onPicture(GstSample* sample) {
     nearEnd = !nearEnd_ && durationNs_ > 0 && placed.mediaNs + kOpenAheadNs >= durationNs_;
     nearEnd_ = nearEnd_ || nearEnd;
   }
-  if (!outlet_.queue.push(std::move(placed)))
-    return;
+  // Told before the push, which waits as long as the film is paused at the seam of a loop.
   if (first)
     tell(FilmEvent::Kind::Picture, segmentNumber);
   else if (newSize)
     tell(FilmEvent::Kind::Facts);
+  if (!outlet_.queue.push(std::move(placed)))
+    return;
   if (nearEnd)
     tell(FilmEvent::Kind::NearEnd);
 }

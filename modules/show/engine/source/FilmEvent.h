@@ -19,6 +19,8 @@ struct FilmEvent {
   int film = 0;  ///< FilmDecoder::number
   int segment = 0;
   QString reason;  ///< of a failure
+
+  friend bool operator==(const FilmEvent&, const FilmEvent&) = default;
 };
 
 class FilmEventSink {

@@ -216,7 +216,7 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
                    this);
   g_signal_connect(decoder, "no-more-pads", G_CALLBACK(+[](GstElement*, gpointer self) {
                      const HandoverScope scope(self);
-                     static_cast<FilmPipeline*>(self)->failWithoutPicture();
+                     static_cast<FilmPipeline*>(self)->onNoMorePads();
                    }),
                    this);
   g_signal_connect(decoder, "autoplug-continue",
@@ -280,6 +280,12 @@ bool FilmPipeline::wantsDecoding(GstPad* pad, GstCaps* caps) {
   const std::string stream = id ? id : "";
   g_free(id);
   std::lock_guard lock(streamMutex_);
+  // What a demuxer adds when all was there belongs to what follows: a transport stream may change its
+  // streams.
+  if (std::exchange(groupIsComplete_, false)) {
+    pictureStream_.clear();
+    pictureTaken_ = false;
+  }
   if (pictureStream_.empty())
     pictureStream_ = stream;
   return pictureStream_ == stream;
@@ -300,7 +306,7 @@ void FilmPipeline::onPadAdded(GstPad* pad) {
   const GstStructure* format =
       caps && !gst_caps_is_empty(caps) && !gst_caps_is_any(caps) ? gst_caps_get_structure(caps, 0) : nullptr;
   const char* name = format ? gst_structure_get_name(format) : "";
-  if (g_str_has_prefix(name, "video/x-raw") && !hasPicture_.exchange(true))
+  if (g_str_has_prefix(name, "video/x-raw") && takePicture())
     linkPicture(pad, format);
   else if (g_str_has_prefix(name, "audio/"))
     linkSound(pad);
@@ -308,6 +314,12 @@ void FilmPipeline::onPadAdded(GstPad* pad) {
     linkNowhere(pad);
   if (caps)
     gst_caps_unref(caps);
+}
+
+bool FilmPipeline::takePicture() {
+  std::lock_guard lock(streamMutex_);
+  hasPicture_ = true;
+  return !std::exchange(pictureTaken_, true);
 }
 
 void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
@@ -334,6 +346,11 @@ void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
   }
   if (!sink)
     sink = gst_element_get_static_pad(deinterlace_, "sink");
+  // After a change of the codec in the middle the pad of the old decoder is still linked.
+  if (GstPad* old = gst_pad_get_peer(sink)) {
+    gst_pad_unlink(old, sink);
+    gst_object_unref(old);
+  }
   if (gst_pad_link(pad, sink) != GST_PAD_LINK_OK)
     fail(QStringLiteral("picture cannot be linked"));
   gst_object_unref(sink);
@@ -386,7 +403,11 @@ void FilmPipeline::fail(const QString& reason) {
     listener_.onFailure(reason);
 }
 
-void FilmPipeline::failWithoutPicture() {
+void FilmPipeline::onNoMorePads() {
+  {
+    std::lock_guard lock(streamMutex_);
+    groupIsComplete_ = true;
+  }
   if (!hasPicture_)
     fail(QStringLiteral("no picture in the file"));
 }

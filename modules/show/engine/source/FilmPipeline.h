@@ -49,6 +49,8 @@ class FilmPipeline {
   GstElement* makeReader(const QString& path, QString& reason);
   bool makePictureChain(QString& reason);
   void onPadAdded(GstPad* pad);
+  /// Whether the pad that was added is the one that pictures come from.
+  bool takePicture();
   void linkPicture(GstPad* pad, const GstStructure* format);
   void linkSound(GstPad* pad);
   void linkNowhere(GstPad* pad);
@@ -56,7 +58,7 @@ class FilmPipeline {
   void onElementAdded(GstElement* element);
   GstPadProbeReturn onSinkProbe(GstPadProbeInfo* info);
   void fail(const QString& reason);
-  void failWithoutPicture();
+  void onNoMorePads();
 
   static GstBusSyncReply onMessage(GstBus* bus, GstMessage* message, gpointer self);
 
@@ -69,7 +71,9 @@ class FilmPipeline {
   std::atomic<bool> hasPicture_{false};
   std::atomic<bool> failed_{false};
   std::mutex streamMutex_;
-  std::string pictureStream_;  // guarded by streamMutex_
+  std::string pictureStream_;     // guarded by streamMutex_
+  bool pictureTaken_ = false;     // guarded by streamMutex_; a pad of this group is linked
+  bool groupIsComplete_ = false;  // guarded by streamMutex_
 };
 
 }  // namespace korvia

@@ -74,6 +74,9 @@ FrameRef FilmTransport::pull(int ticks) {
 void FilmTransport::onFilmEvent(FilmEvent event) {
   {
     std::lock_guard lock(mutex_);
+    // A control thread that is held up by a disk finds each thing told once, however often it happened.
+    if (std::find(events_.begin(), events_.end(), event) != events_.end())
+      return;
     events_.push_back(std::move(event));
   }
   wake_.notify_one();
@@ -268,8 +271,10 @@ void FilmTransport::handleTimeouts() {
 }
 
 void FilmTransport::handleRequest(const Request& request) {
-  if (!present_->isOpen())
+  if (!present_->isOpen()) {
+    handleRequestAfterFailure(request);
     return;
+  }
   switch (request.command) {
     case Command::Play:
       play();
@@ -283,6 +288,16 @@ void FilmTransport::handleRequest(const Request& request) {
     case Command::Seek:
       seekToPercent(request.percent);
       break;
+  }
+}
+
+void FilmTransport::handleRequestAfterFailure(const Request& request) {
+  if (request.command == Command::Stop) {
+    state_ = Stopped;
+  } else if (request.command == Command::Play) {
+    wanted_ = Playing;
+    state_ = Opening;
+    present_ = makeFilm(sequence_->present(), FilmDecoder::Admission::AtOnce);
   }
 }
 

@@ -72,6 +72,8 @@ class FilmTransport : public FilmEventSink {
   void handleDrained();
   void handleFailure(const FilmDecoder& film, const QString& reason);
   void handleRequest(const Request& request);
+  /// A film that failed is opened anew by play; stop takes the error away.
+  void handleRequestAfterFailure(const Request& request);
   void handleTimeouts();
   void continueSequence();
   void publishFacts();

@@ -25,7 +25,8 @@ struct Thread {
 /// All threads of this process but the one that asks.
 QList<Thread> otherThreads() {
   QList<Thread> threads;
-  for (const QString& task : QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+  for (const QString& task :
+       QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
     const int id = task.toInt();
     QFile comm(QStringLiteral("/proc/self/task/%1/comm").arg(id));
     if (id == QCoreApplication::applicationPid() || !comm.open(QIODevice::ReadOnly))
@@ -89,8 +90,9 @@ class ThreadsTest : public QObject {
     const QList<Thread> threads = otherThreads();
     for (const QString& name : batch) {
       const Thread thread = find(threads, name);
-      QVERIFY2(thread.policy == SCHED_BATCH && thread.nice == 0,
-               qPrintable(QString("%1 has policy %2, niceness %3").arg(name).arg(thread.policy).arg(thread.nice)));
+      QVERIFY2(
+          thread.policy == SCHED_BATCH && thread.nice == 0,
+          qPrintable(QString("%1 has policy %2, niceness %3").arg(name).arg(thread.policy).arg(thread.nice)));
     }
     const Thread monitor = find(threads, "kv-monitor");
     QCOMPARE(monitor.policy, SCHED_BATCH);

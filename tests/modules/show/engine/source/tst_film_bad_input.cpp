@@ -95,6 +95,32 @@ class FilmBadInputTest : public QObject {
       QVERIFY(rig.tick());
   }
 
+  void aFailedFilmIsOpenedAnewByPlay() {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("film.mp4");
+    QVERIFY(QFile::copy(clip("text.mp4"), path));
+    SourceRig rig;
+    rig.openFilm(path, EndActionStop);
+    QVERIFY(rig.tickUntil(Error));
+    // It fails again as long as the file is what it is.
+    rig->play();
+    QVERIFY(rig.tickUntil(Error));
+    rig->stop();
+    QVERIFY(rig.tickUntil(Stopped));
+    QVERIFY(QFile::remove(path) && QFile::copy(clip("clip25.mp4"), path));
+    rig->play();
+    QVERIFY(rig.tickUntil(Playing));
+    QVERIFY(rig.tickUntil([&] { return numberIn(rig.last()) > 5; }));
+  }
+
+  void aStreamThatChangesItsCodecGoesOn() {
+    SourceRig rig;
+    rig.openFilm(clip("change_of_codec.ts"), EndActionStop);
+    QVERIFY(rig.tickUntil([&] { return rig.last() && rig.last()->plane(Frame::Y)[0] > 200; }));
+    QVERIFY(rig.tickUntil([&] { return rig.last()->plane(Frame::Y)[0] < 40; }));
+    QVERIFY(rig.tickUntil(Ended));
+  }
+
   void fifoThatNeverDelivers() {
     QTemporaryDir folder;
     const QString path = folder.filePath("never.ts");

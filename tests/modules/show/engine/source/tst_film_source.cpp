@@ -35,6 +35,21 @@ class FilmSourceTest : public QObject {
   Q_OBJECT
 
  private slots:
+  void aLoopThatIsPausedAtItsSeamLastsLongerThanAnOpening() {
+    // Raw H.264 cannot be sought, so a loop opens it anew; paused there, nothing is pulled from its queue.
+    SourceRig rig;
+    rig.openFilm(clip("bare.h264"), EndActionLoop);
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    numbers(rig, 47);
+    rig->pause();
+    QTRY_COMPARE(rig->getPlayState(), int(Paused));
+    QVERIFY(!QTest::qWaitFor([&] { return rig->getPlayState() != Paused; }, 11'000));
+    rig->play();
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    const std::vector<int> shown = numbers(rig, 10);
+    QVERIFY(std::find(shown.begin(), shown.end(), 3) != shown.end());
+  }
+
   void playsByItselfEveryPictureOnce_data() {
     QTest::addColumn<QString>("file");
     QTest::addColumn<int>("durationMs");
