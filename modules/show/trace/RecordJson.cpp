@@ -110,7 +110,7 @@ using RecordTypes =
                tagKorviaShowTextInfo, tagKorviaShowLogoInfo, tagKorviaShowTextStyle,
                tagKorviaShowPresentAnimation, tagKorviaShowAudioLevel, tagKorviaShowEngineFigures,
                tagKorviaSourceLinkState, tagKorviaSourceState, tagKorviaOutputStatistics,
-               tagKorviaShowSourceStatisticsItem>;
+               tagKorviaShowSourceStatisticsItem, tagZRCFileInfo>;
 
 using RecordWriter = QJsonValue (*)(const void* record);
 
