@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <cmath>
 
+#include "HomeFolder.h"
+
 namespace {
 
 constexpr int kMediaChannels = 8;
@@ -18,7 +20,8 @@ const QCommandLineOption kEngine("engine", "Engine behind the console: software 
 const QCommandLineOption kTrace("trace",
                                 "Writes what console and engine tell each other, a JSON object a line.",
                                 "FILE");
-const QCommandLineOption kOpen("open", "Opens a film or picture on media channel N (0 to 7). Repeatable.",
+const QCommandLineOption kOpen("open",
+                               "Opens a film or picture on media channel N (0 to 7). Repeatable.",
                                "N=FILE");
 const QCommandLineOption kExitAfter("exit-after", "Closes in the orderly way after this time.", "SECONDS");
 const QCommandLineOption kScreenshot("screenshot",
@@ -141,7 +144,7 @@ HostCommandLine HostCommandLine::parse(const QStringList& arguments) {
                   QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
 
   HostCommandLine commandLine;
-  readRoot(QDir::homePath() + QStringLiteral("/Korvia"), commandLine.options);
+  readRoot(korvia::homeFolder() + QStringLiteral("/Korvia"), commandLine.options);
   for (const OptionReader& reader : kReaders) {
     for (const QString& value : parser.values(reader.option)) {
       const QString refusal = reader.read(value, commandLine.options);

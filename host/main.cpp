@@ -6,6 +6,7 @@
 
 #include "ConsoleLibrary.h"
 #include "DrivePath.h"
+#include "HomeFolder.h"
 #include "HostOptions.h"
 #include "HostSession.h"
 #include "ProductRecord.h"
@@ -64,9 +65,15 @@ int runConsole(const HostOptions& options) {
   return exitCode;
 }
 
+/// What the toolkit and the libraries below it read; a home of "/" would put the operator's files there.
+void setHome() {
+  qputenv("HOME", QFile::encodeName(korvia::homeFolder()));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  setHome();
   const HostCommandLine commandLine = readCommandLine(argc, argv);
   if (commandLine.outcome == HostCommandLine::Outcome::Refuse)
     return complain(commandLine.text + QStringLiteral("\nTry \"korvia --help\"."), kUsage);

@@ -1,3 +1,6 @@
+#include <pwd.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -12,6 +15,7 @@ class TestHostOptions : public QObject {
  private slots:
   void hasDefaults();
   void readsEverything();
+  void rootIsTheUsersWithoutAHomeInTheEnvironment();
   void rootEndsInOneSeparator_data();
   void rootEndsInOneSeparator();
   void openIsRepeatableAndTheLastOneWins();
@@ -58,6 +62,14 @@ void TestHostOptions::readsEverything() {
   QCOMPARE(*line.options.exitAfterS, 2.5);
   QCOMPARE(line.options.screenshotFile, folder.filePath("shot.PNG"));
   QCOMPARE(line.options.size, QSize(1920, 1080));
+}
+
+void TestHostOptions::rootIsTheUsersWithoutAHomeInTheEnvironment() {
+  const QByteArray home = qgetenv("HOME");
+  qunsetenv("HOME");
+  const QString root = parse({}).options.rootPath;
+  qputenv("HOME", home);
+  QCOMPARE(root, QFile::decodeName(getpwuid(getuid())->pw_dir) + "/Korvia/");
 }
 
 void TestHostOptions::rootEndsInOneSeparator_data() {
