@@ -21,7 +21,7 @@ const QCommandLineOption kTrace("trace",
                                 "Writes what console and engine tell each other, a JSON object a line.",
                                 "FILE");
 const QCommandLineOption kOpen("open",
-                               "Opens a film or picture on media channel N (0 to 7). Repeatable.",
+                               "Opens a film or picture on media channel N (0 is the first). Repeatable.",
                                "N=FILE");
 const QCommandLineOption kExitAfter("exit-after", "Closes in the orderly way after this time.", "SECONDS");
 const QCommandLineOption kScreenshot("screenshot",
@@ -121,6 +121,16 @@ HostCommandLine answer(HostCommandLine::Outcome outcome, const QString& text) {
 }
 
 }  // namespace
+
+QString HostOptions::channelRefusal(int mediaChannels) const {
+  for (auto file = openFiles.cbegin(); file != openFiles.cend(); ++file) {
+    if (file.key().toInt() >= mediaChannels)
+      return QStringLiteral("--open: there is no media channel %1, the show has the channels 0 to %2")
+          .arg(file.key())
+          .arg(mediaChannels - 1);
+  }
+  return QString();
+}
 
 HostCommandLine HostCommandLine::parse(const QStringList& arguments) {
   QCommandLineParser parser;

@@ -16,6 +16,7 @@
 #include "SignalWatcher.h"
 #include "shell/IKorviaSarnhawk.h"
 #include "shell/IMainFrame.h"
+#include "shell/StartChannels.h"
 
 namespace {
 
@@ -82,6 +83,9 @@ int main(int argc, char** argv) {
     return kSuccess;
   }
   const HostOptions& options = commandLine.options;
+  const QString channelRefusal = options.channelRefusal(korvia::kMediaChannelsAtStart);
+  if (!channelRefusal.isEmpty())
+    return complain(channelRefusal, kFailure);
   if (!QDir().mkpath(options.rootPath))
     return complain(QStringLiteral("the folder %1 cannot be made").arg(options.rootPath), kUsage);
 

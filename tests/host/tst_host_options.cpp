@@ -16,6 +16,7 @@ class TestHostOptions : public QObject {
   void hasDefaults();
   void readsEverything();
   void rootIsTheUsersWithoutAHomeInTheEnvironment();
+  void channelsMustBeOfTheShow();
   void rootEndsInOneSeparator_data();
   void rootEndsInOneSeparator();
   void openIsRepeatableAndTheLastOneWins();
@@ -70,6 +71,14 @@ void TestHostOptions::rootIsTheUsersWithoutAHomeInTheEnvironment() {
   const QString root = parse({}).options.rootPath;
   qputenv("HOME", home);
   QCOMPARE(root, QFile::decodeName(getpwuid(getuid())->pw_dir) + "/Korvia/");
+}
+
+void TestHostOptions::channelsMustBeOfTheShow() {
+  const HostOptions options = parse({"--open", "0=/a.mp4", "--open", "5=/b.mp4"}).options;
+  QCOMPARE(options.channelRefusal(6), QString());
+  QCOMPARE(options.channelRefusal(3),
+           QStringLiteral("--open: there is no media channel 5, the show has the channels 0 to 2"));
+  QCOMPARE(HostOptions().channelRefusal(3), QString());
 }
 
 void TestHostOptions::rootEndsInOneSeparator_data() {

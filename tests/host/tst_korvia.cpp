@@ -28,6 +28,7 @@ class TestKorvia : public QObject {
   void signalsCloseInOrder_data();
   void signalsCloseInOrder();
   void fillsTheShowDataFolder();
+  void channelThatTheShowDoesNotHave();
 
  private:
   void useFakeConsole() { QVERIFY(QFile::copy(FAKE_CONSOLE_LIBRARY, in("bin/libKorviaSarnhawk.so"))); }
@@ -225,6 +226,14 @@ void TestKorvia::fillsTheShowDataFolder() {
   file.close();
   QCOMPARE(run({"--exit-after", "0"}), 0);
   QVERIFY(QFile::exists(in("d/KorviaVR/code/output/ShowData/Common/a.txt")));
+}
+
+void TestKorvia::channelThatTheShowDoesNotHave() {
+  useFakeConsole();
+  QCOMPARE(run({"--open", "5=/a.mp4"}), 1);
+  QCOMPARE(complaint(),
+           QStringLiteral("korvia: --open: there is no media channel 5, the show has the channels 0 to 2\n"));
+  QVERIFY(!QFileInfo::exists(in("root")));
 }
 
 QTEST_GUILESS_MAIN(TestKorvia)
