@@ -2,11 +2,13 @@
 #include <QApplication>
 #include <QDir>
 #include <QIcon>
+#include <csignal>
 #include <cstdio>
 
 #include "ConsoleLibrary.h"
 #include "DrivePath.h"
 #include "HomeFolder.h"
+#include "HostLog.h"
 #include "HostOptions.h"
 #include "HostSession.h"
 #include "ProductRecord.h"
@@ -74,6 +76,8 @@ void setHome() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A reader of the standard streams may go away at any time.
+  std::signal(SIGPIPE, SIG_IGN);
   setHome();
   const HostCommandLine commandLine = readCommandLine(argc, argv);
   if (commandLine.outcome == HostCommandLine::Outcome::Refuse)
@@ -90,6 +94,7 @@ int main(int argc, char** argv) {
     return complain(QStringLiteral("the folder %1 cannot be made").arg(options.rootPath), kUsage);
 
   QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+  korvia::HostLog::start(korvia::HostLog::defaultFileName());
   QApplication application(argc, argv);
   const QString folder = QCoreApplication::applicationDirPath();
   QApplication::setApplicationName(QStringLiteral("korvia"));

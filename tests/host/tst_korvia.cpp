@@ -1,3 +1,7 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -29,8 +33,21 @@ class TestKorvia : public QObject {
   void signalsCloseInOrder();
   void fillsTheShowDataFolder();
   void channelThatTheShowDoesNotHave();
+  void logsToAFileBesideTheConfiguration();
+  void standardErrorThatNobodyReadsHoldsNobodyUp();
+  void standardErrorThatIsClosedHarmsNobody();
+  void fatalMessageIsInTheLog();
 
  private:
+  void setEnvironment(const QString& name, const QString& value) {
+    QProcessEnvironment environment = _program->processEnvironment();
+    environment.insert(name, value);
+    _program->setProcessEnvironment(environment);
+  }
+  QStringList log() {
+    QFile file(in("home/.config/korvia/korvia.log"));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split('\n') : QStringList();
+  }
   void useFakeConsole() { QVERIFY(QFile::copy(FAKE_CONSOLE_LIBRARY, in("bin/libKorviaSarnhawk.so"))); }
   QString in(const QString& name) const { return _folder->filePath(name); }
   void start(const QStringList& arguments);
@@ -50,6 +67,7 @@ void TestKorvia::init() {
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.insert("KORVIA_DRIVE_D", in("d"));
   environment.insert("HOME", in("home"));
+  environment.remove("XDG_CONFIG_HOME");
   environment.remove("KORVIA_ENGINE");
   environment.remove("KORVIA_TRACE");
   _program->setProcessEnvironment(environment);
@@ -234,6 +252,70 @@ void TestKorvia::channelThatTheShowDoesNotHave() {
   QCOMPARE(complaint(),
            QStringLiteral("korvia: --open: there is no media channel 5, the show has the channels 0 to 2\n"));
   QVERIFY(!QFileInfo::exists(in("root")));
+}
+
+void TestKorvia::logsToAFileBesideTheConfiguration() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "chatter");
+  QCOMPARE(run({"--exit-after", "0"}), 0);
+  static const QRegularExpression form(
+      "^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} debug default : line 0$");
+  QCOMPARE(log().filter(form).size(), 1);
+  QVERIFY(complaint().contains(log().filter(form).value(0)));
+}
+
+void TestKorvia::standardErrorThatNobodyReadsHoldsNobodyUp() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "chatter");
+  const QByteArray pipe = QFile::encodeName(in("pipe"));
+  QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
+  const int unread = ::open(pipe.constData(), O_RDWR | O_CLOEXEC);
+  QVERIFY(unread >= 0);
+  _program->setStandardErrorFile(in("pipe"));
+  QCOMPARE(run({"--exit-after", "0"}), 0);
+  ::close(unread);
+  QCOMPARE(said().mid(4), QStringList({"created", "closing 400x300", "close", "release", ""}));
+
+  // Each line is in the file in its order, or counted at the place where it is missing.
+  int next = 0;
+  for (const QString& line : log()) {
+    const int number = line.section(" debug default : line ", 1).toInt();
+    if (line.contains(" debug default : line ")) {
+      QCOMPARE(number, next);
+      ++next;
+    } else if (line.endsWith(" lines dropped")) {
+      next += line.section(" : ", 1).section(' ', 0, 0).toInt();
+    }
+  }
+  QCOMPARE(next, 100000);
+}
+
+void TestKorvia::standardErrorThatIsClosedHarmsNobody() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "chatter");
+  const QByteArray pipe = QFile::encodeName(in("pipe"));
+  QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
+  const int reader = ::open(pipe.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  QVERIFY(reader >= 0);
+  _program->setStandardErrorFile(in("pipe"));
+  start({"--exit-after", "0"});
+  ::close(reader);
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitStatus(), QProcess::NormalExit);
+  QCOMPARE(_program->exitCode(), 0);
+}
+
+void TestKorvia::fatalMessageIsInTheLog() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "fatal");
+  start({});
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitStatus(), QProcess::CrashExit);
+  const QString text = log().join('\n');
+  QVERIFY2(text.contains("warning default : last words\n") && text.contains("fatal default : the end\n"),
+           qPrintable(text));
+  const QString complained = complaint();
+  QVERIFY2(complained.contains("fatal default : the end\n"), qPrintable(complained));
 }
 
 QTEST_GUILESS_MAIN(TestKorvia)
