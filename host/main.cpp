@@ -4,8 +4,10 @@
 #include <QIcon>
 #include <csignal>
 #include <cstdio>
+#include <optional>
 
 #include "ConsoleLibrary.h"
+#include "DisplayGuard.h"
 #include "DrivePath.h"
 #include "HomeFolder.h"
 #include "HostLog.h"
@@ -95,7 +97,9 @@ int main(int argc, char** argv) {
 
   QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
   korvia::HostLog::start(korvia::HostLog::defaultFileName());
+  std::optional<korvia::DisplayGuard> displayGuard(std::in_place);
   QApplication application(argc, argv);
+  displayGuard.reset();
   const QString folder = QCoreApplication::applicationDirPath();
   QApplication::setApplicationName(QStringLiteral("korvia"));
   QApplication::setApplicationVersion(QStringLiteral(KORVIA_VERSION));

@@ -32,6 +32,8 @@ class TestKorvia : public QObject {
   void signalsCloseInOrder_data();
   void signalsCloseInOrder();
   void fillsTheShowDataFolder();
+  void missingDisplayIsOneSentence_data();
+  void missingDisplayIsOneSentence();
   void channelThatTheShowDoesNotHave();
   void logsToAFileBesideTheConfiguration();
   void standardErrorThatNobodyReadsHoldsNobodyUp();
@@ -244,6 +246,37 @@ void TestKorvia::fillsTheShowDataFolder() {
   file.close();
   QCOMPARE(run({"--exit-after", "0"}), 0);
   QVERIFY(QFile::exists(in("d/KorviaVR/code/output/ShowData/Common/a.txt")));
+}
+
+void TestKorvia::missingDisplayIsOneSentence_data() {
+  QTest::addColumn<QString>("platform");
+  QTest::addColumn<QString>("display");
+  QTest::addColumn<QString>("sentence");
+  QTest::newRow("no display")
+      << "xcb"
+      << ""
+      << "korvia: there is no display, DISPLAY is not set; ./run brings a virtual one\n";
+  QTest::newRow("dead display")
+      << "xcb"
+      << ":4711"
+      << "korvia: the display \":4711\" cannot be reached; ./run brings a virtual one\n";
+  QTest::newRow("no platform")
+      << "cinema"
+      << ""
+      << "korvia: the window system \"cinema\" cannot be used; ./run brings a virtual "
+         "one\n";
+}
+
+void TestKorvia::missingDisplayIsOneSentence() {
+  QFETCH(QString, platform);
+  QFETCH(QString, display);
+  QFETCH(QString, sentence);
+  useFakeConsole();
+  setEnvironment("QT_QPA_PLATFORM", platform);
+  setEnvironment("DISPLAY", display);
+  setEnvironment("QT_LOGGING_RULES", "");
+  QCOMPARE(run({}), 1);
+  QCOMPARE(complaint(), sentence);
 }
 
 void TestKorvia::channelThatTheShowDoesNotHave() {
