@@ -47,7 +47,7 @@ void publish(const HostOptions& options) {
   qApp->setProperty("korviaOpen", options.openFiles);
 }
 
-int runConsole(const HostOptions& options) {
+int runConsole(const HostOptions& options, korvia::HostLog& log) {
   korvia::ConsoleLibrary library(QCoreApplication::applicationDirPath());
   IKorviaSarnhawk* console = library.createConsole();
   if (!console)
@@ -60,6 +60,10 @@ int runConsole(const HostOptions& options) {
   korvia::SignalWatcher signalWatcher;
   QObject::connect(&signalWatcher, &korvia::SignalWatcher::closeRequested, &session,
                    &korvia::HostSession::requestClose);
+  QObject::connect(&signalWatcher, &korvia::SignalWatcher::hungUp, [&] {
+    log.leaveTerminal();
+    session.onHangUp();
+  });
   korvia::ProgressLog progress;
   const tagKorviaProductInfo product = makeProductRecord();
   int exitCode = kFailure;
@@ -96,7 +100,7 @@ int main(int argc, char** argv) {
     return complain(QStringLiteral("the folder %1 cannot be made").arg(options.rootPath), kUsage);
 
   QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-  korvia::HostLog::start(korvia::HostLog::defaultFileName());
+  korvia::HostLog& log = korvia::HostLog::start(korvia::HostLog::defaultFileName());
   std::optional<korvia::DisplayGuard> displayGuard(std::in_place);
   QApplication application(argc, argv);
   displayGuard.reset();
@@ -107,5 +111,5 @@ int main(int argc, char** argv) {
   publish(options);
   korvia::copyMissingFiles(folder + QStringLiteral("/../showdata"),
                            korvia::DrivePath::resolve(QString::fromLatin1(korvia::kShowDataDrivePath)));
-  return runConsole(options);
+  return runConsole(options, log);
 }

@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <cstdio>
 
+#include "StatusBoard.h"
 #include "shell/IKorviaSarnhawk.h"
 #include "shell/IMainFrame.h"
 #include "shell/tagKorviaProductInfo.h"
@@ -69,6 +70,8 @@ class FakeConsole : public QWidget, public IMainFrame, public IKorviaSarnhawk {
 
  private:
   static void misbehave(const QByteArray& how) {
+    if (how == "recording")
+      korvia::StatusBoard::instance().publish("outputs", {{"recording", true}, {"streaming", false}});
     if (how == "chatter") {
       for (int line = 0; line < 100000; ++line)
         qDebug("line %d", line);

@@ -1,4 +1,6 @@
 #include <fcntl.h>
+#include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +11,46 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <csignal>
+
+namespace {
+
+/// A program whose standard input and error may be on a terminal of its own, which can be closed.
+class TerminalProcess : public QProcess {
+ public:
+  ~TerminalProcess() override { closeTerminal(); }
+
+  bool openTerminal() {
+    if (openpty(&_master, &_slave, nullptr, nullptr, nullptr) != 0)
+      return false;
+    ::fcntl(_master, F_SETFD, FD_CLOEXEC);
+    return true;
+  }
+  void closeTerminal() {
+    for (int* end : {&_master, &_slave}) {
+      if (*end >= 0)
+        ::close(*end);
+      *end = -1;
+    }
+  }
+
+ protected:
+  void setupChildProcess() override {
+    if (_slave < 0)
+      return;
+    ::setsid();
+    ::dup2(_slave, STDIN_FILENO);
+    ::dup2(_slave, STDERR_FILENO);
+    ::ioctl(STDERR_FILENO, TIOCSCTTY, 0);
+    ::close(_slave);
+    ::close(_master);
+  }
+
+ private:
+  int _master = -1;
+  int _slave = -1;
+};
+
+}  // namespace
 
 class TestKorvia : public QObject {
   Q_OBJECT
@@ -31,6 +73,8 @@ class TestKorvia : public QObject {
   void pictureThatCannotBeWrittenIsAFailure();
   void signalsCloseInOrder_data();
   void signalsCloseInOrder();
+  void hangUpClosesInOrder();
+  void hangUpEndsNoRecording();
   void fillsTheShowDataFolder();
   void missingDisplayIsOneSentence_data();
   void missingDisplayIsOneSentence();
@@ -58,14 +102,15 @@ class TestKorvia : public QObject {
   QString complaint() { return QString::fromUtf8(_program->readAllStandardError()); }
 
   std::unique_ptr<QTemporaryDir> _folder;
-  std::unique_ptr<QProcess> _program;
+  std::unique_ptr<TerminalProcess> _program;
 };
 
 void TestKorvia::init() {
   _folder = std::make_unique<QTemporaryDir>();
   QVERIFY(QDir().mkpath(in("bin")));
   QVERIFY(QFile::copy(KORVIA_PROGRAM, in("bin/korvia")));
-  _program = std::make_unique<QProcess>();
+  QVERIFY(QFile::copy(COMMON_MODULE, in("bin/" + QFileInfo(COMMON_MODULE).fileName())));
+  _program = std::make_unique<TerminalProcess>();
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.insert("KORVIA_DRIVE_D", in("d"));
   environment.insert("HOME", in("home"));
@@ -246,6 +291,37 @@ void TestKorvia::fillsTheShowDataFolder() {
   file.close();
   QCOMPARE(run({"--exit-after", "0"}), 0);
   QVERIFY(QFile::exists(in("d/KorviaVR/code/output/ShowData/Common/a.txt")));
+}
+
+void TestKorvia::hangUpClosesInOrder() {
+  useFakeConsole();
+  QVERIFY(_program->openTerminal());
+  start({});
+  QTRY_VERIFY(_program->peek(4096).contains("created"));
+  _program->closeTerminal();
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitStatus(), QProcess::NormalExit);
+  QCOMPARE(_program->exitCode(), 0);
+  QCOMPARE(said().mid(4), QStringList({"created", "closing 400x300", "close", "release", ""}));
+  QVERIFY(log().join('\n').contains("the terminal is gone, closing"));
+}
+
+void TestKorvia::hangUpEndsNoRecording() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "recording");
+  QVERIFY(_program->openTerminal());
+  start({});
+  QTRY_VERIFY(_program->peek(4096).contains("created"));
+  _program->closeTerminal();
+  QTRY_VERIFY(log().join('\n').contains("the terminal is gone, going on without it while recording"));
+  // None of its streams is on the terminal any more.
+  const QString descriptors = QString("/proc/%1/fd/").arg(_program->processId());
+  QCOMPARE(QFile::symLinkTarget(descriptors + "2"), QStringLiteral("/dev/null"));
+  QCOMPARE(_program->state(), QProcess::Running);
+  ::kill(static_cast<pid_t>(_program->processId()), SIGTERM);
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitCode(), 0);
+  QCOMPARE(said().mid(4), QStringList({"created", "closing 400x300", "close", "release", ""}));
 }
 
 void TestKorvia::missingDisplayIsOneSentence_data() {
