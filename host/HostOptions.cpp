@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <cmath>
 
+#include "HomeFolder.h"
+
 namespace {
 
 constexpr int kMediaChannels = 8;
@@ -18,7 +20,8 @@ const QCommandLineOption kEngine("engine", "Engine behind the console: software 
 const QCommandLineOption kTrace("trace",
                                 "Writes what console and engine tell each other, a JSON object a line.",
                                 "FILE");
-const QCommandLineOption kOpen("open", "Opens a film or picture on media channel N (0 to 7). Repeatable.",
+const QCommandLineOption kOpen("open",
+                               "Opens a film or picture on media channel N (0 is the first). Repeatable.",
                                "N=FILE");
 const QCommandLineOption kExitAfter("exit-after", "Closes in the orderly way after this time.", "SECONDS");
 const QCommandLineOption kScreenshot("screenshot",
@@ -119,6 +122,16 @@ HostCommandLine answer(HostCommandLine::Outcome outcome, const QString& text) {
 
 }  // namespace
 
+QString HostOptions::channelRefusal(int mediaChannels) const {
+  for (auto file = openFiles.cbegin(); file != openFiles.cend(); ++file) {
+    if (file.key().toInt() >= mediaChannels)
+      return QStringLiteral("--open: there is no media channel %1, the show has the channels 0 to %2")
+          .arg(file.key())
+          .arg(mediaChannels - 1);
+  }
+  return QString();
+}
+
 HostCommandLine HostCommandLine::parse(const QStringList& arguments) {
   QCommandLineParser parser;
   parser.setApplicationDescription(QStringLiteral("Live video switcher for one operator at a desk."));
@@ -141,7 +154,7 @@ HostCommandLine HostCommandLine::parse(const QStringList& arguments) {
                   QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first()));
 
   HostCommandLine commandLine;
-  readRoot(QDir::homePath() + QStringLiteral("/Korvia"), commandLine.options);
+  readRoot(korvia::homeFolder() + QStringLiteral("/Korvia"), commandLine.options);
   for (const OptionReader& reader : kReaders) {
     for (const QString& value : parser.values(reader.option)) {
       const QString refusal = reader.read(value, commandLine.options);

@@ -15,6 +15,9 @@ struct HostOptions {
   std::optional<double> exitAfterS;
   QString screenshotFile;
   QSize size;  ///< invalid for the console's own choice
+
+  /// Why `openFiles` does not fit a show of so many media channels; empty when it does.
+  QString channelRefusal(int mediaChannels) const;
 };
 
 struct HostCommandLine {

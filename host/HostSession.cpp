@@ -9,11 +9,27 @@
 #include <algorithm>
 #include <cmath>
 
+#include "StatusBoard.h"
 #include "WindowPicture.h"
 
 Q_LOGGING_CATEGORY(lcSession, "korvia.host.session")
 
 namespace korvia {
+
+namespace {
+
+/// What the console says that the show is put out to: "recording", "streaming".
+QStringList runningOutputs() {
+  const QJsonObject outputs = StatusBoard::instance().snapshot()[QStringLiteral("outputs")].toObject();
+  QStringList running;
+  for (const QString& output : outputs.keys()) {
+    if (outputs[output].toBool())
+      running << output;
+  }
+  return running;
+}
+
+}  // namespace
 
 HostSession::HostSession(QWidget* frame, const HostOptions& options, QObject* parent)
     : QObject(parent), frame_(frame), options_(options), pictureDue_(!options.screenshotFile.isEmpty()) {
@@ -60,6 +76,17 @@ void HostSession::requestClose() {
   while (QWidget* dialog = QApplication::activeModalWidget()) {
     if (!dialog->close())
       break;
+  }
+}
+
+void HostSession::onHangUp() {
+  const QStringList running = runningOutputs();
+  if (running.isEmpty()) {
+    qCWarning(lcSession, "the terminal is gone, closing");
+    requestClose();
+  } else {
+    qCWarning(lcSession, "the terminal is gone, going on without it while %s",
+              qUtf8Printable(running.join(QStringLiteral(" and "))));
   }
 }
 

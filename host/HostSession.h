@@ -24,6 +24,8 @@ class HostSession : public QObject {
  public slots:
   /// Closes the window without a question, also while a dialog waits. May come at any time, also twice.
   void requestClose();
+  /// The terminal is gone: closes the window, unless something is recorded or streamed.
+  void onHangUp();
 
  private:
   void applySize();

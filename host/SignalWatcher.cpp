@@ -5,6 +5,7 @@
 
 #include <QLoggingCategory>
 #include <QSocketNotifier>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <iterator>
@@ -15,17 +16,26 @@ namespace korvia {
 
 namespace {
 
-constexpr int kSignals[] = {SIGINT, SIGTERM};
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-// The handler may use nothing but this descriptor.
+// The handler may use nothing but these.
 int pipeEnds[2] = {-1, -1};
+std::atomic<bool> closeAsked{false};
+std::atomic<bool> terminalGone{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
 
-void onSignal(int) {
+void onSignal(int number) {
   const int savedErrno = errno;
+  (number == SIGHUP ? terminalGone : closeAsked) = true;
   const char byte = 1;
   // A full pipe already holds enough requests.
   [[maybe_unused]] const ssize_t written = write(pipeEnds[1], &byte, 1);
   errno = savedErrno;
+}
+
+bool isIgnored(int number) {
+  struct sigaction action {};
+  return sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 void setAction(void (*handler)(int)) {
@@ -33,8 +43,10 @@ void setAction(void (*handler)(int)) {
   action.sa_handler = handler;
   action.sa_flags = SA_RESTART;
   sigemptyset(&action.sa_mask);
-  for (int number : kSignals)
-    sigaction(number, &action, nullptr);
+  for (int number : kSignals) {
+    if (number != SIGHUP || !isIgnored(number))
+      sigaction(number, &action, nullptr);
+  }
 }
 
 }  // namespace
@@ -65,7 +77,10 @@ void SignalWatcher::readPipe() {
   char bytes[16];
   while (read(pipeEnds[0], bytes, std::size(bytes)) > 0) {
   }
-  emit closeRequested();
+  if (terminalGone.exchange(false))
+    emit hungUp();
+  if (closeAsked.exchange(false))
+    emit closeRequested();
 }
 
 }  // namespace korvia

@@ -1,5 +1,6 @@
-// Turns SIGINT and SIGTERM into a Qt signal, so that the console is closed in the orderly way. While one is
-// alive those signals end nothing by themselves, however often they come. One at a time, GUI thread.
+// Turns SIGINT and SIGTERM, and the SIGHUP of a terminal that goes away, into Qt signals, so that the console
+// is closed in the orderly way. While one is alive those signals end nothing by themselves, however often
+// they come. A SIGHUP that the program was started to ignore stays ignored. One at a time, GUI thread.
 #pragma once
 #include <QObject>
 
@@ -12,11 +13,12 @@ class SignalWatcher : public QObject {
 
  public:
   explicit SignalWatcher(QObject* parent = nullptr);
-  /// Both signals are ignored from then on: the program is ending.
+  /// The signals are ignored from then on: the program is ending.
   ~SignalWatcher() override;
 
  signals:
   void closeRequested();
+  void hungUp();
 
  private:
   void readPipe();

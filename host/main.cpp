@@ -2,10 +2,15 @@
 #include <QApplication>
 #include <QDir>
 #include <QIcon>
+#include <csignal>
 #include <cstdio>
+#include <optional>
 
 #include "ConsoleLibrary.h"
+#include "DisplayGuard.h"
 #include "DrivePath.h"
+#include "HomeFolder.h"
+#include "HostLog.h"
 #include "HostOptions.h"
 #include "HostSession.h"
 #include "ProductRecord.h"
@@ -15,6 +20,7 @@
 #include "SignalWatcher.h"
 #include "shell/IKorviaSarnhawk.h"
 #include "shell/IMainFrame.h"
+#include "shell/StartChannels.h"
 
 namespace {
 
@@ -41,7 +47,7 @@ void publish(const HostOptions& options) {
   qApp->setProperty("korviaOpen", options.openFiles);
 }
 
-int runConsole(const HostOptions& options) {
+int runConsole(const HostOptions& options, korvia::HostLog& log) {
   korvia::ConsoleLibrary library(QCoreApplication::applicationDirPath());
   IKorviaSarnhawk* console = library.createConsole();
   if (!console)
@@ -54,6 +60,10 @@ int runConsole(const HostOptions& options) {
   korvia::SignalWatcher signalWatcher;
   QObject::connect(&signalWatcher, &korvia::SignalWatcher::closeRequested, &session,
                    &korvia::HostSession::requestClose);
+  QObject::connect(&signalWatcher, &korvia::SignalWatcher::hungUp, [&] {
+    log.leaveTerminal();
+    session.onHangUp();
+  });
   korvia::ProgressLog progress;
   const tagKorviaProductInfo product = makeProductRecord();
   int exitCode = kFailure;
@@ -64,9 +74,17 @@ int runConsole(const HostOptions& options) {
   return exitCode;
 }
 
+/// What the toolkit and the libraries below it read; a home of "/" would put the operator's files there.
+void setHome() {
+  qputenv("HOME", QFile::encodeName(korvia::homeFolder()));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A reader of the standard streams may go away at any time.
+  std::signal(SIGPIPE, SIG_IGN);
+  setHome();
   const HostCommandLine commandLine = readCommandLine(argc, argv);
   if (commandLine.outcome == HostCommandLine::Outcome::Refuse)
     return complain(commandLine.text + QStringLiteral("\nTry \"korvia --help\"."), kUsage);
@@ -75,11 +93,17 @@ int main(int argc, char** argv) {
     return kSuccess;
   }
   const HostOptions& options = commandLine.options;
+  const QString channelRefusal = options.channelRefusal(korvia::kMediaChannelsAtStart);
+  if (!channelRefusal.isEmpty())
+    return complain(channelRefusal, kFailure);
   if (!QDir().mkpath(options.rootPath))
     return complain(QStringLiteral("the folder %1 cannot be made").arg(options.rootPath), kUsage);
 
   QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+  korvia::HostLog& log = korvia::HostLog::start(korvia::HostLog::defaultFileName());
+  std::optional<korvia::DisplayGuard> displayGuard(std::in_place);
   QApplication application(argc, argv);
+  displayGuard.reset();
   const QString folder = QCoreApplication::applicationDirPath();
   QApplication::setApplicationName(QStringLiteral("korvia"));
   QApplication::setApplicationVersion(QStringLiteral(KORVIA_VERSION));
@@ -87,5 +111,5 @@ int main(int argc, char** argv) {
   publish(options);
   korvia::copyMissingFiles(folder + QStringLiteral("/../showdata"),
                            korvia::DrivePath::resolve(QString::fromLatin1(korvia::kShowDataDrivePath)));
-  return runConsole(options);
+  return runConsole(options, log);
 }

@@ -31,6 +31,7 @@
 #include "console/windowInfoOf.h"
 #include "services/GDialogProductAbout.h"
 #include "shell/GAppCaptionBar.h"
+#include "shell/StartChannels.h"
 #include "tagCheckNetPortItem.h"
 #include "transitions/GWidgetTransitionEffectConfig.h"
 #include "ui_KorviaSarnhawk.h"
@@ -154,8 +155,8 @@ void KorviaSarnhawk::overrideConfig(const QString& rootPath) {
   info.renderDevice = 1;
   info.renderAccelerator = 1;
   _config.layoutMode = 1;
-  info.mediaChannelCount = 3;
-  info.stageChannelCount = 1;
+  info.mediaChannelCount = korvia::kMediaChannelsAtStart;
+  info.stageChannelCount = korvia::kStageChannelsAtStart;
   info.reserved1 = 1;
   info.reserved2 = 1;
   info.reserved3 = 1;

@@ -1,11 +1,17 @@
 // The console's model of a show: one record, owned by the console and handed out live to its pages, which
 // read and write it on the console thread without a lock.
 #pragma once
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <array>
+#include <memory>
+#include <vector>
 
+#include "tagGMusicInfo.h"
 #include "tagGShowKaroakeTextParam.h"
+#include "tagKorviaComponentParam.h"
+#include "tagKorviaLogoParam.h"
 #include "tagKorviaShowAlphaMattingParam.h"
 #include "tagKorviaShowAudioMixerParam.h"
 #include "tagKorviaShowChannelBackgroundInfo.h"
@@ -14,6 +20,7 @@
 #include "tagKorviaShowEngineInfo.h"
 #include "tagKorviaShowOutputParam.h"
 #include "tagKorviaStageSlot.h"
+#include "tagKorviaSubtitleParam.h"
 #include "tagKorviaTakeButton.h"
 
 struct tagKorviaSarnhawkConfig {
@@ -41,13 +48,18 @@ struct tagKorviaSarnhawkConfig {
   /// Channel ids on the two buses.
   qint32 pvmChannel = 0x10;
   qint32 pgmChannel = 0x10;
-  // The list of music, musicList, stands here.
+  /// In the order of being added.
+  std::vector<std::unique_ptr<tagGMusicInfo>> musicList;
   QStringList lyricFolders;
   qint32 karaokeVisiblePVM = 0;
   qint32 karaokeVisiblePGM = 0;
   qint32 karaokeVisibleDesktop = 0;
   tagGShowKaroakeTextParam karaokeText;
-  // The lists of present items, textList, logoList, overlayList and componentList, stand here.
+  // The items over the picture, in the order of being added.
+  QList<tagKorviaSubtitleParam> textList;
+  QList<tagKorviaLogoParam> logoList;
+  QList<tagKorviaLogoParam> overlayList;
+  QList<tagKorviaComponentParam> componentList;
   tagKorviaShowOutputParam outputParam;
   /// Port of the operator's page: the first one to try, then the one that the web server took.
   qint32 httpPort = 8800;

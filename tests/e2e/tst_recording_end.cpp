@@ -42,6 +42,7 @@ class TestRecordingEnd : public QObject {
  private slots:
   void initTestCase();
   void killedProgramLeavesAPlayableFile();
+  void hangUpLeavesTheRecordingAlone();
   void signalFinalisesTheFile_data();
   void signalFinalisesTheFile();
 
@@ -83,6 +84,22 @@ void TestRecordingEnd::killedProgramLeavesAPlayableFile() {
   QVERIFY2(verdict.frames >= 75, qPrintable(QString::number(verdict.frames)));
   const QStringList boxes = topBoxes(file);
   QVERIFY2(boxes.count("moof") >= 5, qPrintable(boxes.join(' ')));
+}
+
+void TestRecordingEnd::hangUpLeavesTheRecordingAlone() {
+  KorviaProcess korvia(display_);
+  Desk desk(display_, korvia);
+  QString file;
+  record(korvia, 25, file);
+  QTRY_VERIFY_WITH_TIMEOUT(korvia.status()["outputs"].toObject()["recording"].toBool(), 10000);
+  korvia.sendSignal(SIGHUP);
+  QVERIFY(korvia.waitForLog("the terminal is gone, going on without it while recording"));
+  QVERIFY(desk.runsOn(50));
+  korvia.sendSignal(SIGTERM);
+  QVERIFY(korvia.waitForExit());
+  QCOMPARE(korvia.trouble(), QString());
+  const VideoVerdict verdict = VideoJudge::judge(file);
+  QVERIFY2(verdict.frames >= 75, qPrintable(QString::number(verdict.frames)));
 }
 
 void TestRecordingEnd::signalFinalisesTheFile_data() {

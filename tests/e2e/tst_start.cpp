@@ -158,7 +158,7 @@ void TestStart::saysWhichModuleIsMissing() {
   KorviaProcess korvia(display_);
   const QString bin = QCoreApplication::applicationDirPath();
   QVERIFY(QDir().mkpath(korvia.in("bin")));
-  for (const QString file : {"korvia", "libKorviaSarnhawk.so"})
+  for (const QString file : {"korvia", "libKorviaSarnhawk.so", "libKorviaCommonModule.so"})
     QVERIFY(QFile::copy(bin + '/' + file, korvia.in("bin/" + file)));
   korvia.setProgram(korvia.in("bin/korvia"));
   QVERIFY(korvia.start());

@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <cstdio>
 
+#include "StatusBoard.h"
 #include "shell/IKorviaSarnhawk.h"
 #include "shell/IMainFrame.h"
 #include "shell/tagKorviaProductInfo.h"
@@ -44,6 +45,7 @@ class FakeConsole : public QWidget, public IMainFrame, public IKorviaSarnhawk {
     setStyleSheet("background: rgb(200, 100, 50)");
     resize(400, 300);
     show();
+    misbehave(qgetenv("FAKE_CONSOLE"));
     // A tool window that stays open must not keep the program alive.
     _tool.show();
     say("created");
@@ -67,6 +69,19 @@ class FakeConsole : public QWidget, public IMainFrame, public IKorviaSarnhawk {
   }
 
  private:
+  static void misbehave(const QByteArray& how) {
+    if (how == "recording")
+      korvia::StatusBoard::instance().publish("outputs", {{"recording", true}, {"streaming", false}});
+    if (how == "chatter") {
+      for (int line = 0; line < 100000; ++line)
+        qDebug("line %d", line);
+    }
+    if (how == "fatal") {
+      qWarning("last words");
+      qFatal("the end");
+    }
+  }
+
   QWidget _tool;
 };
 

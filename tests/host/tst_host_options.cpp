@@ -1,3 +1,6 @@
+#include <pwd.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -12,6 +15,8 @@ class TestHostOptions : public QObject {
  private slots:
   void hasDefaults();
   void readsEverything();
+  void rootIsTheUsersWithoutAHomeInTheEnvironment();
+  void channelsMustBeOfTheShow();
   void rootEndsInOneSeparator_data();
   void rootEndsInOneSeparator();
   void openIsRepeatableAndTheLastOneWins();
@@ -58,6 +63,22 @@ void TestHostOptions::readsEverything() {
   QCOMPARE(*line.options.exitAfterS, 2.5);
   QCOMPARE(line.options.screenshotFile, folder.filePath("shot.PNG"));
   QCOMPARE(line.options.size, QSize(1920, 1080));
+}
+
+void TestHostOptions::rootIsTheUsersWithoutAHomeInTheEnvironment() {
+  const QByteArray home = qgetenv("HOME");
+  qunsetenv("HOME");
+  const QString root = parse({}).options.rootPath;
+  qputenv("HOME", home);
+  QCOMPARE(root, QFile::decodeName(getpwuid(getuid())->pw_dir) + "/Korvia/");
+}
+
+void TestHostOptions::channelsMustBeOfTheShow() {
+  const HostOptions options = parse({"--open", "0=/a.mp4", "--open", "5=/b.mp4"}).options;
+  QCOMPARE(options.channelRefusal(6), QString());
+  QCOMPARE(options.channelRefusal(3),
+           QStringLiteral("--open: there is no media channel 5, the show has the channels 0 to 2"));
+  QCOMPARE(HostOptions().channelRefusal(3), QString());
 }
 
 void TestHostOptions::rootEndsInOneSeparator_data() {

@@ -1,3 +1,9 @@
+#include <fcntl.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -5,6 +11,46 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <csignal>
+
+namespace {
+
+/// A program whose standard input and error may be on a terminal of its own, which can be closed.
+class TerminalProcess : public QProcess {
+ public:
+  ~TerminalProcess() override { closeTerminal(); }
+
+  bool openTerminal() {
+    if (openpty(&_master, &_slave, nullptr, nullptr, nullptr) != 0)
+      return false;
+    ::fcntl(_master, F_SETFD, FD_CLOEXEC);
+    return true;
+  }
+  void closeTerminal() {
+    for (int* end : {&_master, &_slave}) {
+      if (*end >= 0)
+        ::close(*end);
+      *end = -1;
+    }
+  }
+
+ protected:
+  void setupChildProcess() override {
+    if (_slave < 0)
+      return;
+    ::setsid();
+    ::dup2(_slave, STDIN_FILENO);
+    ::dup2(_slave, STDERR_FILENO);
+    ::ioctl(STDERR_FILENO, TIOCSCTTY, 0);
+    ::close(_slave);
+    ::close(_master);
+  }
+
+ private:
+  int _master = -1;
+  int _slave = -1;
+};
+
+}  // namespace
 
 class TestKorvia : public QObject {
   Q_OBJECT
@@ -27,9 +73,27 @@ class TestKorvia : public QObject {
   void pictureThatCannotBeWrittenIsAFailure();
   void signalsCloseInOrder_data();
   void signalsCloseInOrder();
+  void hangUpClosesInOrder();
+  void hangUpEndsNoRecording();
   void fillsTheShowDataFolder();
+  void missingDisplayIsOneSentence_data();
+  void missingDisplayIsOneSentence();
+  void channelThatTheShowDoesNotHave();
+  void logsToAFileBesideTheConfiguration();
+  void standardErrorThatNobodyReadsHoldsNobodyUp();
+  void standardErrorThatIsClosedHarmsNobody();
+  void fatalMessageIsInTheLog();
 
  private:
+  void setEnvironment(const QString& name, const QString& value) {
+    QProcessEnvironment environment = _program->processEnvironment();
+    environment.insert(name, value);
+    _program->setProcessEnvironment(environment);
+  }
+  QStringList log() {
+    QFile file(in("home/.config/korvia/korvia.log"));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split('\n') : QStringList();
+  }
   void useFakeConsole() { QVERIFY(QFile::copy(FAKE_CONSOLE_LIBRARY, in("bin/libKorviaSarnhawk.so"))); }
   QString in(const QString& name) const { return _folder->filePath(name); }
   void start(const QStringList& arguments);
@@ -38,17 +102,19 @@ class TestKorvia : public QObject {
   QString complaint() { return QString::fromUtf8(_program->readAllStandardError()); }
 
   std::unique_ptr<QTemporaryDir> _folder;
-  std::unique_ptr<QProcess> _program;
+  std::unique_ptr<TerminalProcess> _program;
 };
 
 void TestKorvia::init() {
   _folder = std::make_unique<QTemporaryDir>();
   QVERIFY(QDir().mkpath(in("bin")));
   QVERIFY(QFile::copy(KORVIA_PROGRAM, in("bin/korvia")));
-  _program = std::make_unique<QProcess>();
+  QVERIFY(QFile::copy(COMMON_MODULE, in("bin/" + QFileInfo(COMMON_MODULE).fileName())));
+  _program = std::make_unique<TerminalProcess>();
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.insert("KORVIA_DRIVE_D", in("d"));
   environment.insert("HOME", in("home"));
+  environment.remove("XDG_CONFIG_HOME");
   environment.remove("KORVIA_ENGINE");
   environment.remove("KORVIA_TRACE");
   _program->setProcessEnvironment(environment);
@@ -225,6 +291,140 @@ void TestKorvia::fillsTheShowDataFolder() {
   file.close();
   QCOMPARE(run({"--exit-after", "0"}), 0);
   QVERIFY(QFile::exists(in("d/KorviaVR/code/output/ShowData/Common/a.txt")));
+}
+
+void TestKorvia::hangUpClosesInOrder() {
+  useFakeConsole();
+  QVERIFY(_program->openTerminal());
+  start({});
+  QTRY_VERIFY(_program->peek(4096).contains("created"));
+  _program->closeTerminal();
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitStatus(), QProcess::NormalExit);
+  QCOMPARE(_program->exitCode(), 0);
+  QCOMPARE(said().mid(4), QStringList({"created", "closing 400x300", "close", "release", ""}));
+  QVERIFY(log().join('\n').contains("the terminal is gone, closing"));
+}
+
+void TestKorvia::hangUpEndsNoRecording() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "recording");
+  QVERIFY(_program->openTerminal());
+  start({});
+  QTRY_VERIFY(_program->peek(4096).contains("created"));
+  _program->closeTerminal();
+  QTRY_VERIFY(log().join('\n').contains("the terminal is gone, going on without it while recording"));
+  // None of its streams is on the terminal any more.
+  const QString descriptors = QString("/proc/%1/fd/").arg(_program->processId());
+  QCOMPARE(QFile::symLinkTarget(descriptors + "2"), QStringLiteral("/dev/null"));
+  QCOMPARE(_program->state(), QProcess::Running);
+  ::kill(static_cast<pid_t>(_program->processId()), SIGTERM);
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitCode(), 0);
+  QCOMPARE(said().mid(4), QStringList({"created", "closing 400x300", "close", "release", ""}));
+}
+
+void TestKorvia::missingDisplayIsOneSentence_data() {
+  QTest::addColumn<QString>("platform");
+  QTest::addColumn<QString>("display");
+  QTest::addColumn<QString>("sentence");
+  QTest::newRow("no display")
+      << "xcb"
+      << ""
+      << "korvia: there is no display, DISPLAY is not set; ./run brings a virtual one\n";
+  QTest::newRow("dead display")
+      << "xcb"
+      << ":4711"
+      << "korvia: the display \":4711\" cannot be reached; ./run brings a virtual one\n";
+  QTest::newRow("no platform")
+      << "cinema"
+      << ""
+      << "korvia: the window system \"cinema\" cannot be used; ./run brings a virtual "
+         "one\n";
+}
+
+void TestKorvia::missingDisplayIsOneSentence() {
+  QFETCH(QString, platform);
+  QFETCH(QString, display);
+  QFETCH(QString, sentence);
+  useFakeConsole();
+  setEnvironment("QT_QPA_PLATFORM", platform);
+  setEnvironment("DISPLAY", display);
+  setEnvironment("QT_LOGGING_RULES", "");
+  QCOMPARE(run({}), 1);
+  QCOMPARE(complaint(), sentence);
+}
+
+void TestKorvia::channelThatTheShowDoesNotHave() {
+  useFakeConsole();
+  QCOMPARE(run({"--open", "5=/a.mp4"}), 1);
+  QCOMPARE(complaint(),
+           QStringLiteral("korvia: --open: there is no media channel 5, the show has the channels 0 to 2\n"));
+  QVERIFY(!QFileInfo::exists(in("root")));
+}
+
+void TestKorvia::logsToAFileBesideTheConfiguration() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "chatter");
+  QCOMPARE(run({"--exit-after", "0"}), 0);
+  static const QRegularExpression form(
+      "^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d\\.\\d{3} debug default : line 0$");
+  QCOMPARE(log().filter(form).size(), 1);
+  QVERIFY(complaint().contains(log().filter(form).value(0)));
+}
+
+void TestKorvia::standardErrorThatNobodyReadsHoldsNobodyUp() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "chatter");
+  const QByteArray pipe = QFile::encodeName(in("pipe"));
+  QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
+  const int unread = ::open(pipe.constData(), O_RDWR | O_CLOEXEC);
+  QVERIFY(unread >= 0);
+  _program->setStandardErrorFile(in("pipe"));
+  QCOMPARE(run({"--exit-after", "0"}), 0);
+  ::close(unread);
+  QCOMPARE(said().mid(4), QStringList({"created", "closing 400x300", "close", "release", ""}));
+
+  // Each line is in the file in its order, or counted at the place where it is missing.
+  int next = 0;
+  for (const QString& line : log()) {
+    const int number = line.section(" debug default : line ", 1).toInt();
+    if (line.contains(" debug default : line ")) {
+      QCOMPARE(number, next);
+      ++next;
+    } else if (line.endsWith(" lines dropped")) {
+      next += line.section(" : ", 1).section(' ', 0, 0).toInt();
+    }
+  }
+  QCOMPARE(next, 100000);
+}
+
+void TestKorvia::standardErrorThatIsClosedHarmsNobody() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "chatter");
+  const QByteArray pipe = QFile::encodeName(in("pipe"));
+  QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
+  const int reader = ::open(pipe.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  QVERIFY(reader >= 0);
+  _program->setStandardErrorFile(in("pipe"));
+  start({"--exit-after", "0"});
+  ::close(reader);
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitStatus(), QProcess::NormalExit);
+  QCOMPARE(_program->exitCode(), 0);
+}
+
+void TestKorvia::fatalMessageIsInTheLog() {
+  useFakeConsole();
+  setEnvironment("FAKE_CONSOLE", "fatal");
+  start({});
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitStatus(), QProcess::CrashExit);
+  const QString text = log().join('\n');
+  QVERIFY2(text.contains("warning default : last words\n") && text.contains("fatal default : the end\n"),
+           qPrintable(text));
+  const QString complained = complaint();
+  QVERIFY2(complained.contains("fatal default : the end\n"), qPrintable(complained));
 }
 
 QTEST_GUILESS_MAIN(TestKorvia)

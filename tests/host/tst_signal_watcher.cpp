@@ -11,6 +11,8 @@ class TestSignalWatcher : public QObject {
   void turnsSignalsIntoRequests_data();
   void turnsSignalsIntoRequests();
   void survivesManySignals();
+  void tellsAHangUpApart();
+  void leavesAnIgnoredHangUpAlone();
   void ignoresSignalsOnceTheProgramEnds();
 };
 
@@ -37,6 +39,32 @@ void TestSignalWatcher::survivesManySignals() {
   for (int i = 0; i < 100000; ++i)
     std::raise(SIGTERM);
   QTRY_VERIFY(requests.count() >= 1);
+}
+
+void TestSignalWatcher::tellsAHangUpApart() {
+  std::signal(SIGHUP, SIG_DFL);  // watchers of the tests before left it ignored
+  korvia::SignalWatcher watcher;
+  QSignalSpy requests(&watcher, &korvia::SignalWatcher::closeRequested);
+  QSignalSpy hangUps(&watcher, &korvia::SignalWatcher::hungUp);
+  std::raise(SIGHUP);
+  QTRY_COMPARE(hangUps.count(), 1);
+  std::raise(SIGTERM);
+  QTRY_COMPARE(requests.count(), 1);
+  QCOMPARE(hangUps.count(), 1);
+}
+
+void TestSignalWatcher::leavesAnIgnoredHangUpAlone() {
+  std::signal(SIGHUP, SIG_IGN);
+  {
+    korvia::SignalWatcher watcher;
+    QSignalSpy hangUps(&watcher, &korvia::SignalWatcher::hungUp);
+    QSignalSpy requests(&watcher, &korvia::SignalWatcher::closeRequested);
+    std::raise(SIGHUP);
+    std::raise(SIGTERM);
+    QTRY_COMPARE(requests.count(), 1);
+    QCOMPARE(hangUps.count(), 0);
+  }
+  std::signal(SIGHUP, SIG_DFL);
 }
 
 void TestSignalWatcher::ignoresSignalsOnceTheProgramEnds() {

@@ -7,6 +7,7 @@
 namespace {
 
 constexpr std::chrono::seconds kTimeLimit{2};
+constexpr char kDeviceClasses[] = "Audio/Sink";
 
 struct Device {
   QString name;
@@ -35,6 +36,27 @@ QString interfaceOf(GstDevice* device) {
   return name;
 }
 
+/// Appends the provider's devices to the list. A provider that can watch its sound server is started first:
+/// its plain listing keeps three descriptors each time that no server answers, its start gives back what it
+/// took.
+void appendDevices(GstDeviceProvider* provider, QList<Device>& devices) {
+  if (GST_DEVICE_PROVIDER_GET_CLASS(provider)->start) {
+    if (!gst_device_provider_start(provider))
+      return;
+    gst_device_provider_stop(provider);
+  }
+  GList* found = gst_device_provider_get_devices(provider);
+  for (GList* entry = found; entry; entry = entry->next) {
+    auto* device = GST_DEVICE(entry->data);
+    if (!gst_device_has_classes(device, kDeviceClasses))
+      continue;
+    gchar* name = gst_device_get_display_name(device);
+    devices.append({QString::fromUtf8(name), interfaceOf(device)});
+    g_free(name);
+  }
+  g_list_free_full(found, gst_object_unref);
+}
+
 QList<Device> askSystem() {
   QList<Device> devices;
   GError* error = nullptr;
@@ -43,16 +65,17 @@ QList<Device> askSystem() {
     g_clear_error(&error);
     return devices;
   }
+  // The monitor chooses the providers: one may stand for another.
   GstDeviceMonitor* monitor = gst_device_monitor_new();
-  gst_device_monitor_add_filter(monitor, "Audio/Sink", nullptr);
-  GList* found = gst_device_monitor_get_devices(monitor);
-  for (GList* entry = found; entry; entry = entry->next) {
-    auto* device = GST_DEVICE(entry->data);
-    gchar* name = gst_device_get_display_name(device);
-    devices.append({QString::fromUtf8(name), interfaceOf(device)});
-    g_free(name);
+  gst_device_monitor_add_filter(monitor, kDeviceClasses, nullptr);
+  gchar** names = gst_device_monitor_get_providers(monitor);
+  for (gchar** name = names; name && *name; ++name) {
+    if (GstDeviceProvider* provider = gst_device_provider_factory_get_by_name(*name)) {
+      appendDevices(provider, devices);
+      gst_object_unref(provider);
+    }
   }
-  g_list_free_full(found, gst_object_unref);
+  g_strfreev(names);
   gst_object_unref(monitor);
   return devices;
 }

@@ -84,32 +84,35 @@ void* IncomeServer::queryInterface(const Identifier* id, unsigned version) {
 int IncomeServer::open(const QString& rootPath, int port, const QString& htmlPath) {
   if (supervisor_ || port < 1 || port > 65535 || htmlPath.isEmpty())
     return -EINVAL;
+  close();  // takes an earlier refusal off the board
   NginxSupervisor::Settings settings;
   settings.program = findNginx();
-  if (settings.program.isEmpty()) {
-    qCWarning(lcIncome, "nginx is missing, streams cannot be pushed to the console");
-    return -ENOENT;
-  }
+  if (settings.program.isEmpty())
+    return refuse(-ENOENT, "nginx is missing");
   settings.config.modulePath = findRtmpModule();
-  if (settings.config.modulePath.isEmpty()) {
-    qCWarning(lcIncome, "the rtmp module of nginx is missing, streams cannot be pushed to the console");
-    return -ENOENT;
-  }
+  if (settings.config.modulePath.isEmpty())
+    return refuse(-ENOENT, "the rtmp module of nginx is missing");
   settings.cacheFolder = absolute(rootPath) + QStringLiteral("/cache");
   settings.config.htmlFolder = absolute(htmlPath);
   settings.config.address = listenAddress();
   settings.config.httpPort = port;
   settings.config.rtmpPort = wantedRtmpPort();
+  if (!NginxConfig::quoted(settings.config.htmlFolder) || !NginxConfig::quoted(settings.config.modulePath))
+    return refuse(-EINVAL, "nginx cannot serve a folder of that name");
 
   supervisor_ = std::make_unique<NginxSupervisor>();
   supervisor_->moveToThread(&thread_);
   thread_.setObjectName(QStringLiteral("income server"));
   thread_.start();
-  int result = -EIO;
-  QMetaObject::invokeMethod(
-      supervisor_.get(), [&] { result = supervisor_->start(settings); }, Qt::BlockingQueuedConnection);
-  if (result < 0)
-    close();
+  QMetaObject::invokeMethod(supervisor_.get(),
+                            [supervisor = supervisor_.get(), settings] { supervisor->start(settings); });
+  return 0;
+}
+
+int IncomeServer::refuse(int result, const char* reason) {
+  qCWarning(lcIncome, "%s, streams cannot be pushed to the console", reason);
+  NginxSupervisor::publishFailure(QString::fromLatin1(reason));
+  refused_ = true;
   return result;
 }
 
@@ -122,6 +125,9 @@ int IncomeServer::rtmpPort() {
 }
 
 void IncomeServer::close() {
+  if (refused_)
+    NginxSupervisor::takeOffBoard();
+  refused_ = false;
   if (!supervisor_)
     return;
   supervisor_->cancel();

@@ -29,8 +29,11 @@ class IncomeServer : public IKorviaRTMPIncomeServer {
   void close() override;
 
  private:
+  int refuse(int result, const char* reason);
+
   QThread thread_;  // lives as long as the child, which the kernel ends together with it
   std::unique_ptr<NginxSupervisor> supervisor_;  // on thread_
+  bool refused_ = false;                         // the status board says why
 };
 
 }  // namespace korvia

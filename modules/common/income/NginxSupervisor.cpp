@@ -30,6 +30,7 @@ constexpr int kStopLimitMs = 2000;
 constexpr int kRestartDelaysMs[] = {250, 1000, 4000, 10000, 30000};
 constexpr qint64 kStableMs = 60000;
 constexpr char kWorkPrefix[] = "income-";
+const QString kBoardSection = QStringLiteral("incomeServer");
 
 class BoundProcess : public QProcess {
  public:
@@ -46,6 +47,8 @@ class BoundProcess : public QProcess {
     sigprocmask(SIG_SETMASK, &none, nullptr);
     // Sockets and devices of the console are none of the child's; Qt needs its own pipe until exec.
     close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    // What a terminal sends to its programs is for the console, which ends the child in order.
+    setpgid(0, 0);
   }
 
  private:
@@ -86,24 +89,25 @@ NginxSupervisor::~NginxSupervisor() {
   stop();
 }
 
-int NginxSupervisor::start(const Settings& settings) {
+void NginxSupervisor::start(const Settings& settings) {
+  if (cancelled_)
+    return;
   settings_ = settings;
-  if (!NginxConfig::quoted(settings_.config.htmlFolder) ||
-      !NginxConfig::quoted(settings_.config.modulePath)) {
-    qCWarning(lcIncome, "income server cannot serve a folder of that name : %s",
-              qUtf8Printable(settings_.config.htmlFolder));
-    return -EINVAL;
-  }
   if (!makeWorkFolder()) {
-    qCWarning(lcIncome, "income server has no folder to work in : %s", qUtf8Printable(settings_.cacheFolder));
-    return -EACCES;
+    fail(QStringLiteral("income server has no folder to work in : %1").arg(settings_.cacheFolder));
+    return;
   }
   settings_.config.workFolder = work_->path();
   settings_.config.readyToken = QUuid::createUuid().toByteArray(QUuid::Id128);
-  const int result = launch();
-  if (result < 0)
-    stop();
-  return result;
+  if (launch() || cancelled_)
+    return;
+  stop();
+  fail(QStringLiteral("income server does not come up"));
+}
+
+void NginxSupervisor::fail(const QString& reason) {
+  qCWarning(lcIncome, "%s", qUtf8Printable(reason));
+  publishFailure(reason);
 }
 
 bool NginxSupervisor::makeWorkFolder() {
@@ -113,9 +117,9 @@ bool NginxSupervisor::makeWorkFolder() {
   return work_ != nullptr;
 }
 
-int NginxSupervisor::launch() {
+bool NginxSupervisor::launch() {
   sinceStart_.start();
-  for (int tries = 0; tries < kLaunchTries; ++tries) {
+  for (int tries = 0; tries < kLaunchTries && !cancelled_; ++tries) {
     // Between the test of a port and its use another program may take it: then the child ends, and again.
     bool endedEarly = false;
     if (launchOnce(kReadyLimitMs, endedEarly)) {
@@ -123,13 +127,12 @@ int NginxSupervisor::launch() {
       rtmpPort_ = settings_.config.rtmpPort;
       running_ = true;
       publish();
-      return 0;
+      return true;
     }
     if (!endedEarly)
       break;
   }
-  qCWarning(lcIncome, "income server does not come up");
-  return cancelled_ ? -ECANCELED : -EIO;
+  return false;
 }
 
 bool NginxSupervisor::launchOnce(qint64 deadlineMs, bool& endedEarly) {
@@ -244,13 +247,11 @@ void NginxSupervisor::endProcess() {
 
 void NginxSupervisor::stop() {
   restartTimer_.stop();
-  const bool wasOpen = rtmpPort_ != 0;
   running_ = false;
   rtmpPort_ = 0;
   endProcess();
   work_.reset();
-  if (wasOpen)
-    StatusBoard::instance().publish(QStringLiteral("incomeServer"), {});
+  takeOffBoard();
 }
 
 void NginxSupervisor::onFinished() {
@@ -266,7 +267,7 @@ void NginxSupervisor::scheduleRestart() {
   if (restartsInARow_ < static_cast<int>(std::size(kRestartDelaysMs)))
     restartTimer_.start(kRestartDelaysMs[restartsInARow_]);
   else
-    qCWarning(lcIncome, "income server does not stay up, gave up");
+    fail(QStringLiteral("income server does not stay up"));
 }
 
 void NginxSupervisor::restart() {
@@ -276,8 +277,17 @@ void NginxSupervisor::restart() {
   ++restartsInARow_;
   ++restarts_;
   qCInfo(lcIncome, "restart income server, attempt %d", restartsInARow_);
-  if (launch() < 0)
+  if (!launch() && !cancelled_)
     scheduleRestart();
+}
+
+void NginxSupervisor::publishFailure(const QString& reason) {
+  StatusBoard::instance().publish(kBoardSection,
+                                  {{QStringLiteral("running"), false}, {QStringLiteral("failure"), reason}});
+}
+
+void NginxSupervisor::takeOffBoard() {
+  StatusBoard::instance().publish(kBoardSection, {});
 }
 
 void NginxSupervisor::publish() const {
@@ -288,7 +298,7 @@ void NginxSupervisor::publish() const {
                      {QStringLiteral("restarts"), restarts_}};
   if (running_)
     values.insert(QStringLiteral("processId"), process_->processId());
-  StatusBoard::instance().publish(QStringLiteral("incomeServer"), values);
+  StatusBoard::instance().publish(kBoardSection, values);
 }
 
 }  // namespace korvia

@@ -25,8 +25,8 @@ class NginxSupervisor : public QObject {
   NginxSupervisor();
   ~NginxSupervisor() override;
 
-  /// Starts the child and waits until it answers. Negative errno on failure.
-  int start(const Settings& settings);
+  /// Starts the child and waits until it answers. A failure is logged and published.
+  void start(const Settings& settings);
   /// Ends the child and removes its working folder.
   void stop();
 
@@ -37,9 +37,13 @@ class NginxSupervisor : public QObject {
   /// Any thread: a start that is waiting gives up soon, and no restart follows.
   void cancel() { cancelled_ = true; }
 
+  /// The section of the income server on the status board, any thread: why there is no server, or nothing.
+  static void publishFailure(const QString& reason);
+  static void takeOffBoard();
+
  private:
   bool makeWorkFolder();
-  int launch();
+  bool launch();
   bool launchOnce(qint64 deadlineMs, bool& endedEarly);
   bool writeConfig(const QString& path);
   bool waitUntilReady(qint64 deadlineMs);
@@ -50,6 +54,7 @@ class NginxSupervisor : public QObject {
   void scheduleRestart();
   void restart();
   void publish() const;
+  void fail(const QString& reason);
 
   Settings settings_;
   std::unique_ptr<QTemporaryDir> work_;

@@ -1,12 +1,13 @@
 #include "DrivePath.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 #include <QVector>
 #include <cstring>
 #include <utility>
+
+#include "HomeFolder.h"
 
 namespace korvia {
 
@@ -68,7 +69,7 @@ QString DrivePath::driveFolder(QChar letter) {
   const QByteArray variable = QByteArray("KORVIA_DRIVE_") + letter.toUpper().toLatin1();
   QString folder = QFile::decodeName(qgetenv(variable.constData()));
   if (folder.isEmpty() && letter.toLower() == QLatin1Char('d'))
-    folder = QDir::homePath() + QStringLiteral("/Korvia/d");
+    folder = homeFolder() + QStringLiteral("/Korvia/d");
   while (folder.size() > 1 && folder.endsWith(QLatin1Char('/')))
     folder.chop(1);
   return folder;

@@ -7,10 +7,12 @@
 
 class IKorviaRTMPIncomeServer : public IUnknownEx {
  public:
-  /// Starts the server and waits until it answers, five seconds at most. port is the wanted port of the page
-  /// server for the folder htmlPath; a busy port gives way to the next free one. Working files lie in a
-  /// temporary folder below the cache of rootPath. Returns 0, or a negative value when the server program or
-  /// its RTMP module is missing, or does not come up.
+  /// Has the server started, without waiting for it: isRunning() tells when it answers. port is the wanted
+  /// port of the page server for the folder htmlPath; a busy port gives way to the next free one. Working
+  /// files lie in a temporary folder below the cache of rootPath. Returns 0, or a negative value for what is
+  /// known at once: bad arguments, a folder name that cannot be served, a missing server program or RTMP
+  /// module. A server that does not come up is logged and shown on the status board; it stays open until
+  /// close().
   virtual int open(const QString& rootPath, int port, const QString& htmlPath) = 0;
   /// True while the child process runs and answers.
   virtual bool isRunning() = 0;

@@ -12,7 +12,8 @@ namespace korvia {
 
 namespace {
 constexpr int kMaxPort = 65535;
-constexpr int kBacklog = 32;
+// A client that finds no place here asks again after a second only.
+constexpr int kBacklog = 256;
 }  // namespace
 
 int LoopbackPort::listenOn(int port) {

@@ -1,6 +1,7 @@
 #include "WebServer.h"
 
 #include <microhttpd.h>
+#include <sys/socket.h>
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -22,7 +23,9 @@ Q_LOGGING_CATEGORY(lcWeb, "korvia.web", QtInfoMsg)
 
 constexpr int kDefaultPort = 8800;
 constexpr int kPortTries = 100;
-constexpr unsigned kConnectionLimit = 32;
+constexpr std::size_t kConnectionsKept = 64;
+// Room for connections that were shut down and are not cleaned up yet.
+constexpr unsigned kConnectionLimit = 4 * kConnectionsKept;
 constexpr unsigned kConnectionTimeoutS = 10;
 constexpr std::size_t kConnectionMemoryBytes = 32 * 1024;
 
@@ -80,6 +83,14 @@ MHD_Result onRequest(void* server, MHD_Connection* connection, const char* url, 
   return static_cast<MHD_Result>(static_cast<WebServer*>(server)->answer(connection, url, method));
 }
 
+void onConnection(void* server, MHD_Connection* connection, void** /*state*/,
+                  MHD_ConnectionNotificationCode code) {
+  if (code == MHD_CONNECTION_NOTIFY_STARTED)
+    static_cast<WebServer*>(server)->onConnectionStarted(connection);
+  else
+    static_cast<WebServer*>(server)->onConnectionClosed(connection);
+}
+
 __attribute__((format(printf, 2, 0))) void onServerLog(void* /*server*/, const char* format,
                                                        va_list arguments) {
   char line[512];
@@ -135,11 +146,12 @@ int WebServer::open(IKorviaWebServerSink* /*sink*/, int* httpPort) {
   }
   const int port = LoopbackPort::portOf(socket);
   uptime_.start();
-  daemon_ = MHD_start_daemon(MHD_USE_AUTO_INTERNAL_THREAD | MHD_USE_ERROR_LOG, 0, nullptr, nullptr, onRequest,
-                             this, MHD_OPTION_EXTERNAL_LOGGER, onServerLog, nullptr, MHD_OPTION_LISTEN_SOCKET,
-                             socket, MHD_OPTION_CONNECTION_LIMIT, kConnectionLimit,
-                             MHD_OPTION_CONNECTION_TIMEOUT, kConnectionTimeoutS,
-                             MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemoryBytes, MHD_OPTION_END);
+  daemon_ =
+      MHD_start_daemon(MHD_USE_AUTO_INTERNAL_THREAD | MHD_USE_ERROR_LOG, 0, nullptr, nullptr, onRequest, this,
+                       MHD_OPTION_EXTERNAL_LOGGER, onServerLog, nullptr, MHD_OPTION_LISTEN_SOCKET, socket,
+                       MHD_OPTION_CONNECTION_LIMIT, kConnectionLimit, MHD_OPTION_CONNECTION_TIMEOUT,
+                       kConnectionTimeoutS, MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemoryBytes,
+                       MHD_OPTION_NOTIFY_CONNECTION, onConnection, this, MHD_OPTION_END);
   if (!daemon_) {
     ::close(socket);
     qCWarning(lcWeb, "failed to start web server on port %d", port);
@@ -162,6 +174,20 @@ QByteArray WebServer::statusJson() const {
   const QJsonObject status{{QStringLiteral("uptimeSeconds"), uptime_.elapsed() / 1000},
                            {QStringLiteral("sections"), StatusBoard::instance().snapshot()}};
   return QJsonDocument(status).toJson(QJsonDocument::Compact);
+}
+
+void WebServer::onConnectionStarted(MHD_Connection* connection) {
+  connections_.push_back(connection);
+  if (connections_.size() <= kConnectionsKept)
+    return;
+  // Shut down, the connection reads its end and is closed as if the client had left.
+  if (const auto* info = MHD_get_connection_info(connections_.front(), MHD_CONNECTION_INFO_CONNECTION_FD))
+    ::shutdown(info->connect_fd, SHUT_RDWR);
+  connections_.pop_front();
+}
+
+void WebServer::onConnectionClosed(MHD_Connection* connection) {
+  connections_.remove(connection);
 }
 
 int WebServer::answer(MHD_Connection* connection, const char* url, const char* method) {

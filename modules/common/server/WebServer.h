@@ -3,6 +3,7 @@
 #pragma once
 #include <QByteArray>
 #include <QElapsedTimer>
+#include <list>
 
 #include "IKorviaWebServer.h"
 
@@ -27,6 +28,11 @@ class WebServer : public IKorviaWebServer {
   /// Answers one request. Server thread.
   int answer(MHD_Connection* connection, const char* url, const char* method);
 
+  /// Keep the list of connections. When there are too many, the oldest is shut down, so that clients which
+  /// never finish a request cannot keep others out; a connection serves one request. Server thread.
+  void onConnectionStarted(MHD_Connection* connection);
+  void onConnectionClosed(MHD_Connection* connection);
+
  private:
   QByteArray statusJson() const;
 
@@ -35,6 +41,8 @@ class WebServer : public IKorviaWebServer {
   QByteArray pagePolicy_;  // content security policy that allows the page's own script and style
   QElapsedTimer uptime_;
   MHD_Daemon* daemon_ = nullptr;
+  // Open connections, the oldest first. Server thread only.
+  std::list<MHD_Connection*> connections_;
 };
 
 }  // namespace korvia

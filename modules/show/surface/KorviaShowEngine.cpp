@@ -41,6 +41,7 @@ void KorviaShowEngine::start(IKorviaShowThreadSink* sink, KorviaShowThreadMode m
 
 void KorviaShowEngine::stop() {
   KorviaShowThread::stop();
+  BlackBox::instance().flush();
 }
 
 void KorviaShowEngine::onThreadBegin() {

@@ -1,41 +1,81 @@
-// The flight recorder: every posted event, every result, every call that changes the engine, one JSON
-// object a line, flushed per line. Off unless KORVIA_TRACE names a file. Any thread.
+// The flight recorder: every posted event, every result, every call that changes the engine, one JSON object
+// a line. Off unless KORVIA_TRACE names a file. Any thread: a call copies its values into a bounded queue,
+// and a thread of the black box encodes and writes them, ten times a second.
 #pragma once
 #include <QElapsedTimer>
 #include <QFile>
-#include <QJsonObject>
 #include <QString>
 #include <QVariant>
+#include <array>
 #include <atomic>
+#include <condition_variable>
 #include <mutex>
+#include <thread>
+#include <vector>
 
 namespace korvia {
 
 class BlackBox {
  public:
+  static constexpr std::size_t kQueuedLinesMax = 8192;
+
   /// The one of the process. Opens the file of KORVIA_TRACE at the first use.
   static BlackBox& instance();
 
-  /// Writes to another file from now on, truncating it; an empty name ends the recording. False with a log
-  /// line when the file cannot be written.
+  BlackBox(const BlackBox&) = delete;
+  BlackBox& operator=(const BlackBox&) = delete;
+  /// Lines that still wait are lost: flush() or open() come first.
+  ~BlackBox();
+
+  /// Writes to another file from now on, truncating it; an empty name ends the recording. Waits until the
+  /// file before is written. False with a log line when the file cannot be written. Console thread.
   bool open(const QString& fileName);
   bool isOpen() const { return open_.load(std::memory_order_relaxed); }
+  /// Waits until all that was noted so far is in the file, two seconds at most.
+  void flush();
 
   void post(quint64 eventId, const QVariant& a1, const QVariant& a2, const QVariant& a3, const QVariant& a4);
   void result(quint64 eventId, const QVariant& a1, const QVariant& a2, const QVariant& a3,
               const QVariant& a4);
-  /// A synchronous call; `object` is the object id that it names, 0 for none.
+  /// A synchronous call; `name` is a literal, `object` the object id that it names, 0 for none. Four
+  /// arguments at most.
   void call(const char* name, int object, const QVariantList& args = {});
 
  private:
+  enum class Kind { Post, Result, Call };
+  enum class Rest { Written, Lost };
+
+  /// One line before it is encoded.
+  struct Note {
+    Kind kind = Kind::Post;
+    qint64 timeMs = 0;
+    quint64 eventId = 0;  // of a call: the object id
+    const char* name = nullptr;
+    int argCount = 0;
+    std::array<QVariant, 4> args;
+  };
+
   BlackBox();
-  void event(const char* direction, quint64 eventId, const QVariantList& args);
-  void write(QJsonObject line);
+  void note(Note note);
+  void endWriter(Rest rest);
+  void run();
+  void write(const std::vector<Note>& notes, quint64 dropped);
+  static QByteArray lineOf(const Note& note);
 
   std::atomic<bool> open_{false};
+  QFile file_;  // the writer's while it runs
+  std::thread writer_;
+
   std::mutex mutex_;
-  QFile file_;           // guarded by mutex_
-  QElapsedTimer clock_;  // guarded by mutex_
+  std::condition_variable wake_;
+  std::condition_variable written_;
+  std::vector<Note> queue_;   // guarded by mutex_
+  quint64 dropped_ = 0;       // notes that came after the last of queue_ and found it full; guarded by mutex_
+  quint64 noted_ = 0;         // guarded by mutex_
+  quint64 done_ = 0;          // of noted_ those that are in the file; guarded by mutex_
+  bool flushWanted_ = false;  // guarded by mutex_
+  bool endWanted_ = false;    // guarded by mutex_
+  QElapsedTimer clock_;       // guarded by mutex_
 };
 
 }  // namespace korvia

@@ -28,6 +28,7 @@
 #include "tagKorviaSourceLinkState.h"
 #include "tagKorviaSourceState.h"
 #include "tagKorviaWindowInfo.h"
+#include "tagZRCFileInfo.h"
 
 namespace korvia {
 
@@ -601,4 +602,31 @@ void visitFields(R& r, V&& visit) {
   visit("images", r.images);
   visit("actions", r.actions);
 }
+
+template <RecordOf<tagZRCWordInfo> R, class V>
+void visitFields(R& r, V&& visit) {
+  visit("text", r.text);
+  visit("start", r.start);
+  visit("duration", r.duration);
+  visit("reserved", r.reserved);
+}
+
+template <RecordOf<tagZRCLineInfo> R, class V>
+void visitFields(R& r, V&& visit) {
+  visit("index", r.index);
+  visit("text", r.text);
+  visit("start", r.start);
+  visit("duration", r.duration);
+  visit("reserved", r.reserved);
+  visit("words", r.words);
+}
+
+template <RecordOf<tagZRCFileInfo> R, class V>
+void visitFields(R& r, V&& visit) {
+  visit("title", r.title);
+  visit("artist", r.artist);
+  visit("timeDiff", r.timeDiff);
+  visit("lines", r.lines);
+}
+
 }  // namespace korvia

@@ -37,6 +37,10 @@ QJsonValue numberJson(float value) {
                               : QJsonValue::Null;
 }
 
+QJsonValue sizeJson(const QSize& size) {
+  return QJsonObject{{"width", size.width()}, {"height", size.height()}};
+}
+
 template <class T>
 struct IsList : std::false_type {};
 template <class T>
@@ -106,7 +110,7 @@ using RecordTypes =
                tagKorviaShowTextInfo, tagKorviaShowLogoInfo, tagKorviaShowTextStyle,
                tagKorviaShowPresentAnimation, tagKorviaShowAudioLevel, tagKorviaShowEngineFigures,
                tagKorviaSourceLinkState, tagKorviaSourceState, tagKorviaOutputStatistics,
-               tagKorviaShowSourceStatisticsItem>;
+               tagKorviaShowSourceStatisticsItem, tagZRCFileInfo>;
 
 using RecordWriter = QJsonValue (*)(const void* record);
 
@@ -168,10 +172,10 @@ QJsonValue toJson(const QVariant& value) {
       return value.toUuid().toString();
     case QMetaType::QColor:
       return colorJson(qvariant_cast<QColor>(value));
-    case QMetaType::QImage: {
-      const auto image = qvariant_cast<QImage>(value);
-      return QJsonObject{{"width", image.width()}, {"height", image.height()}};
-    }
+    case QMetaType::QImage:
+      return sizeJson(qvariant_cast<QImage>(value).size());
+    case QMetaType::QSize:
+      return sizeJson(value.toSize());
     default:
       return recordJson(value);
   }

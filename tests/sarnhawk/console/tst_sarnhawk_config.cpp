@@ -42,6 +42,68 @@ class SarnhawkConfigTest : public QObject {
     QCOMPARE(config.programName, QStringLiteral("programName"));
   }
 
+  void listsStartEmpty() {
+    const tagKorviaSarnhawkConfig config;
+    QVERIFY(config.musicList.empty());
+    QVERIFY(config.textList.isEmpty());
+    QVERIFY(config.logoList.isEmpty());
+    QVERIFY(config.overlayList.isEmpty());
+    QVERIFY(config.componentList.isEmpty());
+  }
+
+  void itemsStartHidden() {
+    const tagKorviaSubtitleParam text;
+    QCOMPARE(text.pvmVisible, 0);
+    QCOMPARE(text.pgmVisible, 0);
+    QCOMPARE(text.info.text, QStringLiteral("Time: ${Time}"));
+    const tagKorviaLogoParam logo;
+    QCOMPARE(logo.pvmVisible, 0);
+    QCOMPARE(logo.pgmVisible, 0);
+    QCOMPARE(logo.info.exit.effect, 26);
+    const tagKorviaComponentParam component;
+    QCOMPARE(component.pvmVisible, 0);
+    QCOMPARE(component.pgmVisible, 0);
+    QVERIFY(component.translator == nullptr);
+    QCOMPARE(component.folder, QString());
+    QCOMPARE(component.thumbPath, QString());
+    // Whatever is shown can be told apart by its identifier.
+    QVERIFY(text.info.id != tagKorviaSubtitleParam{}.info.id);
+    QVERIFY(logo.info.id != tagKorviaLogoParam{}.info.id);
+    QVERIFY(component.info.scene.id != tagKorviaComponentParam{}.info.scene.id);
+  }
+
+  void itemsAreEqualFieldByField() {
+    const tagKorviaSubtitleParam text;
+    tagKorviaSubtitleParam otherText = text;
+    QVERIFY(otherText == text);
+    otherText.info.scrollEndY = 0.5;
+    QVERIFY(!(otherText == text));
+    const tagKorviaLogoParam logo;
+    tagKorviaLogoParam otherLogo = logo;
+    QVERIFY(otherLogo == logo);
+    otherLogo.pgmVisible = 1;
+    QVERIFY(!(otherLogo == logo));
+    const tagKorviaComponentParam component;
+    tagKorviaComponentParam otherComponent = component;
+    QVERIFY(otherComponent == component);
+    otherComponent.info.texts.append(tagKorviaComponentItemParam{});
+    QVERIFY(!(otherComponent == component));
+  }
+
+  void musicStartsWithoutLength() {
+    tagGMusicInfo music;
+    QCOMPARE(music.musicPath, QString());
+    QCOMPARE(music.lyricsPath, QString());
+    QCOMPARE(music.length, QStringLiteral("00:00"));
+    QVERIFY(music.zrc.lines.isEmpty());
+    QCOMPARE(QByteArray(QMetaType::typeName(qRegisterMetaType<tagGMusicInfo>())),
+             QByteArray("tagGMusicInfo"));
+    const tagGMusicInfo copy = music;
+    music.zrc.lines.append(tagZRCLineInfo{});
+    QVERIFY(!(copy == music));
+    QVERIFY(copy.zrc.lines.isEmpty());
+  }
+
   void takeButtonsRememberFourTransitions() {
     const tagKorviaSarnhawkConfig config;
     QCOMPARE(config.takeButtons[0].effect, 22);

@@ -13,6 +13,7 @@
 #include "shell/GAppCaptionBar.h"
 #include "shell/MainFrame.h"
 #include "shell/tagKorviaProductInfo.h"
+#include "support/Holdings.h"
 
 class TestMainFrameConsole : public QObject {
   Q_OBJECT
@@ -27,6 +28,7 @@ class TestMainFrameConsole : public QObject {
   void menuPopsUpUnderItsButton();
   void closingTheWindowEndsTheEventLoop();
   void closeMayComeTwice();
+  void consolesOneAfterAnotherLeaveNothing();
 
  private:
   QTemporaryDir _root;
@@ -116,6 +118,22 @@ void TestMainFrameConsole::closeMayComeTwice() {
   static_cast<IKorviaSarnhawk*>(_frame)->close();
   _frame->takeSnapshot();
   _frame->quitApp();
+}
+
+void TestMainFrameConsole::consolesOneAfterAnotherLeaveNothing() {
+  const auto cycle = [this] {
+    cleanup();
+    init();
+  };
+  const auto threads = [] { return holdingsNow().threads; };
+  cycle();
+  cycle();
+  const Holdings afterTwo = holdingsNow();
+  for (int n = 0; n < 3; ++n)
+    cycle();
+  // The listing of sound devices ends its thread after it has answered.
+  QTRY_VERIFY(threads() <= afterTwo.threads);
+  QCOMPARE(holdingsNow().descriptors, afterTwo.descriptors);
 }
 
 QTEST_MAIN(TestMainFrameConsole)

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "GLAudioDeviceInfo.h"
+#include "support/Holdings.h"
 
 class GLAudioDeviceInfoTest : public QObject {
   Q_OBJECT
@@ -29,6 +30,23 @@ class GLAudioDeviceInfoTest : public QObject {
 
   void unknownInterfaceHasNoDevices() {
     QCOMPARE(GLAudioDeviceInfo::enumAudioDeviceList("no such interface"), QStringList());
+  }
+
+  void listingsWithoutASoundServerKeepNothing() {
+    QTemporaryDir folder;
+    qputenv("PULSE_SERVER", "unix:" + QFile::encodeName(folder.filePath("pulse")));
+    const auto listTwice = [] {
+      for (int n = 0; n < 2; ++n)
+        GLAudioDeviceInfo::enumAudioDeviceList("dsound");
+    };
+    const int threads = holdingsNow().threads;
+    listTwice();
+    QTRY_COMPARE(holdingsNow().threads, threads);
+    const int descriptors = holdingsNow().descriptors;
+    listTwice();
+    QTRY_COMPARE(holdingsNow().threads, threads);
+    QCOMPARE(holdingsNow().descriptors, descriptors);
+    qputenv("PULSE_SERVER", "unix:/nonexistent/pulse");
   }
 
   void hangingSoundServer() {

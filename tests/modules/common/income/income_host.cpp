@@ -2,6 +2,7 @@
 // prints its figures as one line of JSON, and waits.
 #include <QCoreApplication>
 #include <QJsonDocument>
+#include <QThread>
 #include <cstdio>
 
 #include "CKorviaRTMPIncomeServerHelper.h"
@@ -15,6 +16,8 @@ int main(int argc, char** argv) {
     return 2;
   if (helper._interface->open(arguments[1], arguments[2].toInt(), arguments[3]) < 0)
     return 1;
+  while (!helper._interface->isRunning())
+    QThread::msleep(10);
   const QJsonObject figures = korvia::StatusBoard::instance().snapshot()["incomeServer"].toObject();
   std::puts(QJsonDocument(figures).toJson(QJsonDocument::Compact).constData());
   std::fflush(stdout);

@@ -207,10 +207,46 @@ class IncomeServerTest : public QObject {
     QVERIFY(timer.elapsed() < 9000);
   }
 
-  void brokenModuleIsANegativeOpen() {
+  void openAndCloseDoNotWaitForAHangingProgram() {
+    const QString fake = root_->filePath("nginx");
+    qputenv("KORVIA_NGINX", QFile::encodeName(fake));
+    write(fake, "#!/bin/sh\nexec sleep 600\n");
+    QVERIFY(QFile::setPermissions(fake, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(openOnly(), 0);
+    QVERIFY2(timer.elapsed() < 500, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY(!helper_._interface->isRunning());
+    QCOMPARE(helper_._interface->rtmpPort(), 0);
+    timer.start();
+    helper_._interface->close();
+    QVERIFY2(timer.elapsed() < 2500, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(figures(), QJsonObject());
+  }
+
+  void brokenModuleIsToldOnTheBoard() {
     write(root_->filePath("ngx_rtmp_module.so"), "no library");
     qputenv("KORVIA_NGINX_MODULES", QFile::encodeName(root_->path()));
-    QVERIFY(open() < 0);
+    QCOMPARE(openOnly(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(figures()["failure"].toString(),
+                              QStringLiteral("income server does not come up"), 15000);
+    QCOMPARE(figures()["running"].toBool(true), false);
+    QCOMPARE(QDir(root_->filePath("cache")).entryList({"income-*"}), QStringList());
+    helper_._interface->close();
+    QCOMPARE(figures(), QJsonObject());
+  }
+
+  void missingProgramIsToldOnTheBoard() {
+    qputenv("KORVIA_NGINX", "/no/such/nginx");
+    QVERIFY(openOnly() < 0);
+    QCOMPARE(figures()["failure"].toString(), QStringLiteral("nginx is missing"));
+    helper_._interface->close();
+    QCOMPARE(figures(), QJsonObject());
+  }
+
+  void ctrlCOfTheTerminalIsNotForTheServer() {
+    QCOMPARE(open(), 0);
+    QVERIFY(::getpgid(static_cast<pid_t>(figures()["processId"].toInt())) != ::getpgrp());
   }
 
   void badArguments() {
@@ -269,7 +305,20 @@ class IncomeServerTest : public QObject {
   }
 
  private:
-  int open() { return helper_._interface->open(root_->path() + "/", httpPort_, html_); }
+  int openOnly() { return helper_._interface->open(root_->path() + "/", httpPort_, html_); }
+
+  /// Opens and waits for the answer; a server that does not come up is closed again and a negative value.
+  int open() {
+    const int result = openOnly();
+    if (result < 0)
+      return result;
+    (void)QTest::qWaitFor([&] { return helper_._interface->isRunning() || figures().contains("failure"); },
+                          15000);
+    if (helper_._interface->isRunning())
+      return 0;
+    helper_._interface->close();
+    return -1;
+  }
 
   static void write(const QString& path, const QByteArray& content) {
     QFile file(path);

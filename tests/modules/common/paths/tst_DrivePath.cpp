@@ -1,7 +1,11 @@
 // Drive paths, foreign paths, and file names made of foreign texts.
+#include <pwd.h>
+#include <unistd.h>
+
 #include <QtTest>
 
 #include "DrivePath.h"
+#include "HomeFolder.h"
 
 using korvia::DrivePath;
 
@@ -56,6 +60,22 @@ class DrivePathTest : public QObject {
     QCOMPARE(DrivePath::driveFolder('d'), QDir::homePath() + "/Korvia/d");
     QCOMPARE(DrivePath::driveFolder('e'), QString());
     QCOMPARE(DrivePath::driveFolder('1'), QString());
+  }
+
+  void homeComesFromTheUserWhenTheEnvironmentHasNone() {
+    const QByteArray home = qgetenv("HOME");
+    const QString entry = QFile::decodeName(getpwuid(getuid())->pw_dir);
+    qunsetenv("KORVIA_DRIVE_D");
+    for (const char* value : {"", "/", "here"}) {
+      qputenv("HOME", value);
+      QCOMPARE(korvia::homeFolder(), entry);
+      QCOMPARE(DrivePath::driveFolder('d'), entry + "/Korvia/d");
+    }
+    qunsetenv("HOME");
+    QCOMPARE(DrivePath::driveFolder('d'), entry + "/Korvia/d");
+    qputenv("HOME", "/srv/operator/");
+    QCOMPARE(korvia::homeFolder(), QStringLiteral("/srv/operator"));
+    qputenv("HOME", home);
   }
 
   void fileWithBackSlashInItsNameStaysReachable() {

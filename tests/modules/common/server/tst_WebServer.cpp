@@ -146,6 +146,31 @@ class WebServerTest : public QObject {
     QTRY_COMPARE(request(port_, "GET", "/status.json").status, 200);
   }
 
+  void halfRequestsKeepNobodyOut_data() {
+    QTest::addColumn<int>("count");
+    QTest::newRow("32") << 32;
+    QTest::newRow("200") << 200;
+    QTest::newRow("400") << 400;
+  }
+
+  void halfRequestsKeepNobodyOut() {
+    QFETCH(int, count);
+    std::vector<std::unique_ptr<QTcpSocket>> half;
+    for (int n = 0; n < count; ++n) {
+      half.push_back(std::make_unique<QTcpSocket>());
+      half.back()->connectToHost("127.0.0.1", static_cast<quint16>(port_));
+      QVERIFY(half.back()->waitForConnected(5000));
+      half.back()->write("GET /status.json HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Slow: ");
+      QVERIFY(half.back()->waitForBytesWritten(5000));
+    }
+    for (int n = 0; n < 3; ++n) {
+      QElapsedTimer timer;
+      timer.start();
+      QCOMPARE(request(port_, "GET", "/status.json").status, 200);
+      QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
+    }
+  }
+
   void busyPortGivesWay() {
     const int socket = LoopbackPort::listenOn(0);
     const int busy = LoopbackPort::portOf(socket);

@@ -291,6 +291,25 @@ class RecordsTest : public QObject {
     QCOMPARE(info.enterTimeline.lastIndex, -1);
   }
 
+  void lyricsStartWithoutLines() {
+    const tagZRCFileInfo lyrics;
+    QCOMPARE(lyrics.title, QString());
+    QCOMPARE(lyrics.timeDiff, 0);
+    QVERIFY(lyrics.lines.isEmpty());
+    const tagZRCLineInfo line;
+    QCOMPARE(line.index, -1);
+    QCOMPARE(line.start, qint64{0});
+    QVERIFY(line.words.isEmpty());
+    tagZRCFileInfo other = lyrics;
+    QVERIFY(other == lyrics);
+    other.lines.append(line);
+    other.lines[0].words.append(tagZRCWordInfo{.text = "la"});
+    QVERIFY(!(other == lyrics));
+    tagZRCFileInfo changed = other;
+    changed.lines[0].words[0].duration = 1;
+    QVERIFY(!(changed == other));
+  }
+
   void textAndLogoDefaults() {
     const tagKorviaShowTextInfo text;
     QCOMPARE(text.text, QStringLiteral("Time: ${Time}"));
@@ -396,6 +415,7 @@ class RecordsTest : public QObject {
     row("tagKorviaShowComponentInfo", korviaMetaTypeId<tagKorviaShowComponentInfo>());
     row("tagGShowKaroakeTextParam", korviaMetaTypeId<tagGShowKaroakeTextParam>());
     row("tagKorviaAudioEffectParam", korviaMetaTypeId<tagKorviaAudioEffectParam>());
+    row("tagZRCFileInfo", korviaMetaTypeId<tagZRCFileInfo>());
     row("tagKorviaShowTextInfo", korviaMetaTypeId<tagKorviaShowTextInfo>());
     row("tagKorviaShowLogoInfo", korviaMetaTypeId<tagKorviaShowLogoInfo>());
     row("tagKorviaWindowHWNDInfo", korviaMetaTypeId<tagKorviaWindowHWNDInfo>());

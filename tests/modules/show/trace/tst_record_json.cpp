@@ -185,6 +185,18 @@ class RecordJsonTest : public QObject {
     QCOMPARE(objectOf(tagKorviaShowPresentTimelineInfo{}).size(), 6);
   }
 
+  void lyrics() {
+    tagZRCFileInfo info;
+    info.timeDiff = -40;
+    tagZRCLineInfo line{.index = 0, .text = "la la", .start = 10, .duration = 20, .words = {}};
+    line.words.append({.text = "la", .start = 10, .duration = 8});
+    info.lines.append(line);
+    QCOMPARE(textOf(korvia::toJson(toVariant(info))),
+             QByteArray("{\"artist\":\"\",\"lines\":[{\"duration\":20,\"index\":0,\"reserved\":0,"
+                        "\"start\":10,\"text\":\"la la\",\"words\":[{\"duration\":8,\"reserved\":0,"
+                        "\"start\":10,\"text\":\"la\"}]}],\"timeDiff\":-40,\"title\":\"\"}"));
+  }
+
   void items() {
     QCOMPARE(objectOf(tagKorviaShowTextInfo{}).size(), 15);
     QCOMPARE(objectOf(tagKorviaShowTextInfo{})["exit"].toObject()["effect"].toInt(), 26);

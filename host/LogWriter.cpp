@@ -1,0 +1,81 @@
+#include "LogWriter.h"
+
+#include <pthread.h>
+
+#include <condition_variable>
+#include <csignal>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "LogLine.h"
+
+namespace korvia {
+
+struct LogWriter::State {
+  Target target;
+  std::mutex mutex;
+  std::condition_variable wake;
+  std::condition_variable written;
+  QByteArray queue;        // guarded by mutex
+  quint64 dropped = 0;     // lines that came after the queue and did not fit; guarded by mutex
+  quint64 added = 0;       // guarded by mutex
+  quint64 done = 0;        // of those added; guarded by mutex
+  bool endWanted = false;  // guarded by mutex
+};
+
+LogWriter::LogWriter(Target target) : state_(std::make_shared<State>()) {
+  state_->target = std::move(target);
+  std::thread([state = state_] { run(state); }).detach();
+}
+
+LogWriter::~LogWriter() {
+  {
+    std::lock_guard lock(state_->mutex);
+    state_->endWanted = true;
+  }
+  state_->wake.notify_one();
+}
+
+void LogWriter::add(const QByteArray& line) {
+  std::lock_guard lock(state_->mutex);
+  ++state_->added;
+  // Once a line is dropped the following ones are too, so that the count stands at their place.
+  if (state_->dropped != 0 || state_->queue.size() + line.size() > kQueueBytesMax) {
+    ++state_->dropped;
+    return;
+  }
+  state_->queue += line;
+  state_->wake.notify_one();
+}
+
+bool LogWriter::drain(std::chrono::milliseconds limit) {
+  std::unique_lock lock(state_->mutex);
+  const quint64 upTo = state_->added;
+  return state_->written.wait_for(lock, limit, [&] { return state_->done >= upTo; });
+}
+
+void LogWriter::run(const std::shared_ptr<State>& state) {
+  pthread_setname_np(pthread_self(), "kv-log");
+  sigset_t all;
+  sigfillset(&all);
+  pthread_sigmask(SIG_BLOCK, &all, nullptr);
+  std::unique_lock lock(state->mutex);
+  for (bool ending = false; !ending;) {
+    state->wake.wait(lock, [&] { return state->endWanted || state->added != state->done; });
+    ending = state->endWanted;
+    QByteArray lines = std::exchange(state->queue, {});
+    const quint64 dropped = std::exchange(state->dropped, 0);
+    const quint64 taken = state->added;
+    lock.unlock();
+    if (dropped != 0)
+      lines += logLine(QtWarningMsg, "korvia.host.log", QStringLiteral("%1 lines dropped").arg(dropped));
+    if (!lines.isEmpty())
+      state->target(lines);
+    lock.lock();
+    state->done = taken;
+    state->written.notify_all();
+  }
+}
+
+}  // namespace korvia
