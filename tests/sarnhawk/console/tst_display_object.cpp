@@ -552,11 +552,24 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(window->findChild<QLabel*>("_mediaInfoLabel")->text(), QString("Movie - opener.mp4"));
     desk.strip(0x100)->onClicked_configPushButton();
     QCOMPARE(window->windowTitle(), QString("Stage Config - 0"));
-    QVERIFY(window->close());
-    QVERIFY(!window->isVisible());
+    window->hide();
     window->show();
     QTest::keyClick(window, Qt::Key_Escape);
     QVERIFY(!window->isVisible());
+  }
+
+  void configWindowIgnoresItsCloseAndHides() {
+    OpenDesk desk;
+    desk.strip(0x11)->onClicked_configPushButton();
+    const QPointer<GWidgetDisplayObjectConfig> window =
+        desk.console->findChild<GWidgetDisplayObjectConfig*>();
+    QVERIFY(window->isVisible());
+    QCloseEvent event;
+    QCoreApplication::sendEvent(window, &event);
+    QVERIFY(!event.isAccepted());
+    QVERIFY(!window->isVisible());
+    desk.strip(0x11)->onClicked_configPushButton();
+    QVERIFY(window->isVisible());
   }
 
   void configWindowStaysInPlaceForTheSameChannel() {
