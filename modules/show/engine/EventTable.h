@@ -17,9 +17,9 @@ namespace korvia {
 
 class EventTable {
  public:
-  /// Events of this number call `handle` on `part`, which must outlive the table. The handler takes up to four
-  /// arguments: int, float, double, QString, or a record that travels in a variant. An argument that holds
-  /// something else is 0, empty, or a default record.
+  /// Events of this number call `handle` on `part`, which must outlive the table. The handler takes up to
+  /// four arguments: int, float, double, QString, or a record that travels in a variant. An argument that
+  /// holds something else is 0, empty, or a default record.
   template <typename Part, typename... Arguments>
   void on(KorviaShowEvent id, Part& part, void (Part::*handle)(Arguments...)) {
     static_assert(sizeof...(Arguments) <= std::extent_v<decltype(ShowEvent::args)>);

@@ -1,5 +1,5 @@
-// The sound of the buses. There is no sound yet: the mixer answers what the console asks of it and gives silent
-// levels. Engine thread, but for the levels.
+// The sound of the buses. There is no sound yet: the mixer answers what the console asks of it and gives
+// silent levels. Engine thread, but for the levels.
 #pragma once
 #include "backend/IShowBackend.h"
 

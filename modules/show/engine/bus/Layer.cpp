@@ -84,9 +84,10 @@ LayerRef Layer::make(const QImage& image, QPoint at, FrameSize busSize) {
   canvas.fill(Qt::transparent);
   const QPoint place = covered.topLeft() + at - QPoint(layer->rect.x, layer->rect.y);
   for (int y = 0; y < covered.height(); ++y)
-    std::memcpy(canvas.scanLine(place.y() + y) + static_cast<std::ptrdiff_t>(place.x()) * sizeof(QRgb),
-                source.constScanLine(covered.y() + y) + static_cast<std::ptrdiff_t>(covered.x()) * sizeof(QRgb),
-                static_cast<std::size_t>(covered.width()) * sizeof(QRgb));
+    std::memcpy(
+        canvas.scanLine(place.y() + y) + static_cast<std::ptrdiff_t>(place.x()) * sizeof(QRgb),
+        source.constScanLine(covered.y() + y) + static_cast<std::ptrdiff_t>(covered.x()) * sizeof(QRgb),
+        static_cast<std::size_t>(covered.width()) * sizeof(QRgb));
   layer->picture = frameFromImage(canvas, ImageAlpha::Keep);
   layer->chromaAlpha = meansOfAlpha(*layer->picture);
   layer->busSize = busSize;

@@ -6,9 +6,8 @@
 namespace korvia {
 
 std::size_t LayerStack::find(LayerKind kind, const QString& key) const {
-  const auto found = std::find_if(places_.begin(), places_.end(), [&](const Place& place) {
-    return place.kind == kind && place.key == key;
-  });
+  const auto found = std::find_if(places_.begin(), places_.end(),
+                                  [&](const Place& place) { return place.kind == kind && place.key == key; });
   return static_cast<std::size_t>(found - places_.begin());
 }
 
@@ -16,8 +15,8 @@ LayerRef LayerStack::put(LayerKind kind, const QString& key, LayerRef layer) {
   const std::size_t at = find(kind, key);
   if (at < places_.size())
     return std::exchange(layers_[at], std::move(layer));
-  const auto above = std::find_if(places_.begin(), places_.end(),
-                                  [kind](const Place& place) { return place.kind > kind; });
+  const auto above =
+      std::find_if(places_.begin(), places_.end(), [kind](const Place& place) { return place.kind > kind; });
   layers_.insert(layers_.begin() + (above - places_.begin()), std::move(layer));
   places_.insert(above, {kind, key});
   return {};

@@ -12,8 +12,8 @@ enum class LayerKind { Overlay, Logo, Text, Component, Lyrics, ScreenCut, PaintP
 
 class LayerStack {
  public:
-  /// Shows a layer on top of its kind, or in the place of the one that the same kind and key had. A null layer
-  /// keeps the place and shows nothing there. Gives back what lay there before.
+  /// Shows a layer on top of its kind, or in the place of the one that the same kind and key had. A null
+  /// layer keeps the place and shows nothing there. Gives back what lay there before.
   LayerRef put(LayerKind kind, const QString& key, LayerRef layer);
   /// Takes the layer away and gives it back; its place in the order is lost.
   LayerRef remove(LayerKind kind, const QString& key);

@@ -1,12 +1,12 @@
-// The preview and the program bus, and the take that runs on program. Reports to the console what takes and the
-// lever change. Engine thread.
+// The preview and the program bus, and the take that runs on program. Reports to the console what takes and
+// the lever change. Engine thread.
 #pragma once
 #include <memory>
 
 #include "backend/IShowBackend.h"
 #include "engine/ShowFormat.h"
-#include "engine/channel/ChannelStage.h"
 #include "engine/bus/Bus.h"
+#include "engine/channel/ChannelStage.h"
 #include "engine/mix/ProgramSwitch.h"
 #include "engine/mix/TransitionScratch.h"
 

@@ -1,5 +1,5 @@
-// One channel: the picture of its source, changed by its stages in their order. The picture is made once a tick
-// and only when somebody asks for it. Engine thread.
+// One channel: the picture of its source, changed by its stages in their order. The picture is made once a
+// tick and only when somebody asks for it. Engine thread.
 #pragma once
 #include <array>
 #include <memory>
@@ -17,8 +17,8 @@ class Channel {
   std::unique_ptr<ChannelStage> setStage(Stage place, std::unique_ptr<ChannelStage> stage);
   /// The next tick begins, with this picture of the source; null for black.
   void beginTick(FrameRef sourcePicture);
-  /// The channel's picture at this tick; `black` stands for the picture of a source that has none. A call that
-  /// comes from within the making of this very picture gives that of the tick before.
+  /// The channel's picture at this tick; `black` stands for the picture of a source that has none. A call
+  /// that comes from within the making of this very picture gives that of the tick before.
   FrameRef picture(ChannelPictures& others, const FrameRef& black);
   /// Forgets all pictures.
   void clear();

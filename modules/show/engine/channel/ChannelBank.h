@@ -1,5 +1,5 @@
-// All channels and the sources that feed them. Console thread: opening, closing and asking for sources; engine
-// thread: the pictures.
+// All channels and the sources that feed them. Console thread: opening, closing and asking for sources;
+// engine thread: the pictures.
 #pragma once
 #include <array>
 #include <memory>

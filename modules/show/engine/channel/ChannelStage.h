@@ -1,5 +1,5 @@
-// What changes a channel's picture on its way from the source to the buses: its look, its key, its background.
-// Engine thread.
+// What changes a channel's picture on its way from the source to the buses: its look, its key, its
+// background. Engine thread.
 #pragma once
 #include "engine/frame/Frame.h"
 

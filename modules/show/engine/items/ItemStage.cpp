@@ -12,9 +12,10 @@ LayerRef drawingLayer(const QImage& image, FrameSize size) {
   if (image.isNull() || size.isEmpty())
     return {};
   const FrameRect rect = fitRect({image.width(), image.height()}, 1, 1, size);
-  const QImage fitted = image.size() == QSize(rect.width, rect.height)
-                            ? image
-                            : image.scaled(rect.width, rect.height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  const QImage fitted =
+      image.size() == QSize(rect.width, rect.height)
+          ? image
+          : image.scaled(rect.width, rect.height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   return Layer::make(fitted, {rect.x, rect.y}, size);
 }
 

@@ -1,13 +1,13 @@
-// What lies over the buses: draws the items on the raster worker and puts their layers on the buses' stacks at a
-// frame boundary. Console thread: the paint pad's calls; engine thread: the rest.
+// What lies over the buses: draws the items on the raster worker and puts their layers on the buses' stacks
+// at a frame boundary. Console thread: the paint pad's calls; engine thread: the rest.
 #pragma once
 #include <QImage>
 #include <atomic>
 #include <mutex>
 
 #include "engine/ShowFormat.h"
-#include "engine/items/RasterWorker.h"
 #include "engine/bus/Bus.h"
+#include "engine/items/RasterWorker.h"
 
 namespace korvia {
 
@@ -17,8 +17,8 @@ class ItemStage {
   explicit ItemStage(Bus& pgm) : pgm_(pgm) {}
 
   // Console thread.
-  /// The operator's drawing from now on, in its own shape as large as fits into the picture; its alpha says how
-  /// much it covers. A null image covers nothing.
+  /// The operator's drawing from now on, in its own shape as large as fits into the picture; its alpha says
+  /// how much it covers. A null image covers nothing.
   void commitPaintPad(const QImage& image);
   /// Whether the drawing is shown. The end forgets it, so that the next one does not begin with it.
   void setPaintPadValid(bool valid);

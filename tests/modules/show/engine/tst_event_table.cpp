@@ -69,8 +69,8 @@ class EventTableTest : public QObject {
     QTest::ignoreMessage(QtWarningMsg, "no part of the engine takes event 4711 ");
     table.dispatch({4711, {}});
     static int further = 0;
-    const QtMessageHandler before = qInstallMessageHandler(
-        [](QtMsgType, const QMessageLogContext&, const QString&) { ++further; });
+    const QtMessageHandler before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++further; });
     table.dispatch({ShowEventAddText, {}});
     table.dispatch({4711, {}});
     qInstallMessageHandler(before);

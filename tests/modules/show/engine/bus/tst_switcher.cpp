@@ -2,8 +2,8 @@
 #include <QtTest>
 #include <map>
 
-#include "engine/bus/Switcher.h"
 #include "KorviaShowEvents.h"
+#include "engine/bus/Switcher.h"
 #include "support/MixPictures.h"
 
 using namespace korvia;
@@ -15,7 +15,8 @@ constexpr FrameSize kSize{32, 18};
 
 class Host final : public IShowBackendHost {
  public:
-  void postResult(quint64 id, const QVariant& a1, const QVariant& a2, const QVariant&, const QVariant&) override {
+  void postResult(quint64 id, const QVariant& a1, const QVariant& a2, const QVariant&,
+                  const QVariant&) override {
     if (id == ShowEventSwitchPosition)
       log << QString("position %1").arg(a1.toDouble());
     else
@@ -55,9 +56,7 @@ class SwitcherTest : public QObject {
     host_.log.clear();
   }
 
-  void anOpaqueChannelIsHandedOnAsItIs() {
-    QVERIFY(switcher_->programPicture() == pictures_.pictures[1]);
-  }
+  void anOpaqueChannelIsHandedOnAsItIs() { QVERIFY(switcher_->programPicture() == pictures_.pictures[1]); }
 
   void aChannelWithAlphaLiesOnBlack() {
     const FrameRef shown = switcher_->previewPicture();
