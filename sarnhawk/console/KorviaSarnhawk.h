@@ -15,6 +15,7 @@
 #include "IKorviaWebServerSink.h"
 #include "console/ConsolePages.h"
 #include "console/IKorviaSarnhawkPriv.h"
+#include "console/SnapshotNames.h"
 #include "console/StripChooser.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "shell/IKorviaSarnhawk.h"
@@ -233,6 +234,7 @@ class KorviaSarnhawk : public QMainWindow,
   QList<tagKorviaComponentParam*> _componentCatalog;
   QList<tagKorviaComponentParam*> _stageCatalog;
   TransitionCatalogue _transitions;
+  SnapshotNames _snapshotNames;
 
   StripChooser _stripChooser;
   std::unique_ptr<StripArea> _strips;

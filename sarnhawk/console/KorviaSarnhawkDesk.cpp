@@ -115,9 +115,7 @@ void KorviaSarnhawk::onClicked_paintOutputPushButton() {
 void KorviaSarnhawk::takeSnapshot() {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
   QDir().mkpath(folder);
-  const QString path = folder + QDir::separator() +
-                       QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hhmmss")) +
-                       QStringLiteral(".png");
+  const QString path = _snapshotNames.next(folder, QDateTime::currentDateTime());
   postEvent(ShowEventSnapshot, PGMObject, path);
   QWidget* frame = parentWidget() ? parentWidget() : this;
   QToolTip::showText(frame->geometry().bottomLeft() + kSnapshotTipOffset, path, frame);

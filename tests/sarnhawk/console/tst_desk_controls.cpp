@@ -6,6 +6,7 @@
 #include <QSlider>
 #include <QStandardPaths>
 #include <QToolButton>
+#include <QToolTip>
 #include <QtTest>
 #include <thread>
 
@@ -396,6 +397,23 @@ class DeskControlsTest : public QObject {
                                   "/\\d{4}-\\d\\d-\\d\\d \\d{6}\\.png$");
     QVERIFY2(name.match(path).hasMatch(), qPrintable(path));
     QVERIFY(QDir(folder).exists());
+    QCOMPARE(QToolTip::text(), path);
+  }
+
+  void snapshotsInARowHaveFilesOfTheirOwn() {
+    OpenDesk desk;
+    QStandardPaths::setTestModeEnabled(true);
+    for (int shot = 0; shot < 3; ++shot)
+      desk.console->takeSnapshot();
+    desk.settle();
+    QSet<QString> paths;
+    QString last;
+    for (const auto& event : desk.show.eventsOf(ShowEventSnapshot)) {
+      last = event.args[1].toString();
+      paths.insert(last);
+    }
+    QCOMPARE(paths.size(), 3);
+    QCOMPARE(QToolTip::text(), last);
   }
 
   void paintPadReachesTheEngine() {
