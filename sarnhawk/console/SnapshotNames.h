@@ -6,8 +6,8 @@
 
 class SnapshotNames {
  public:
-  /// Path of a new picture in the folder: "yyyy-MM-dd hhmmss.png" by the time; the second and later ones of the
-  /// same second, and one whose file is there already, get "-1", "-2" … before ".png".
+  /// Path of a new picture in the folder: "yyyy-MM-dd hhmmss.png" by the time; the second and later ones of
+  /// the same second, and one whose file is there already, get "-1", "-2" … before ".png".
   QString next(const QString& folder, const QDateTime& time);
 
  private:

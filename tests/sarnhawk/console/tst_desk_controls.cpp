@@ -38,6 +38,12 @@ class OpenDesk : public ConsoleDesk {
   QSlider* lever() const { return slider("_switchProcessPosVerticalSlider"); }
   QPushButton* button(const char* name) const { return child<QPushButton>(name); }
   QString text(const char* name) const { return child<QLabel>(name)->text(); }
+  bool activate() {
+    frame.activateWindow();
+    return QTest::qWaitForWindowActive(&frame);
+  }
+  /// A key as it comes from the window system: to whoever has the focus.
+  void press(Qt::Key key) { QTest::keyClick(frame.windowHandle(), key); }
   tagKorviaSarnhawkConfig* config() const { return console->getConfig(); }
 
   bool isOpen = false;
@@ -237,6 +243,74 @@ class DeskControlsTest : public QObject {
     QCOMPARE(desk.lever()->toolTip(), QString("0%"));
     QVERIFY(desk.lever()->isVisible());
     QCOMPARE(desk.show.count(ShowEventSwitchPosition), 0);
+  }
+
+  void finishedSwitchLeavesTheFocusWithTheLever() {
+    OpenDesk desk;
+    QVERIFY(desk.activate());
+    desk.lever()->setFocus(Qt::MouseFocusReason);
+    desk.report(ShowEventSwitchPosition, 1.0F);
+    QVERIFY(desk.lever()->hasFocus());
+    desk.press(Qt::Key_Home);
+    QCOMPARE(desk.slider("_pvmVolumeVerticalSlider")->value(), 100);
+    QCOMPARE(desk.slider("_pgmVolumeVerticalSlider")->value(), 100);
+    desk.settle();
+    QCOMPARE(desk.show.count(ShowEventVolume), 0);
+  }
+
+  void transportThatIsOffForAMomentGetsItsFocusBack() {
+    OpenDesk desk;
+    QVERIFY(desk.activate());
+    desk.console->onWorkTimer();
+    QSlider* seek = desk.slider("_seekMediaHorizontalSlider");
+    seek->setFocus(Qt::MouseFocusReason);
+    desk.show.removeSource(0);
+    desk.console->onWorkTimer();
+    // The next in the tab order is the lever, which End would switch with.
+    desk.press(Qt::Key_End);
+    desk.settle();
+    QVERIFY(desk.show.events().empty());
+    desk.source = desk.show.addSource(0);
+    desk.console->onWorkTimer();
+    QVERIFY(seek->hasFocus());
+    desk.press(Qt::Key_End);
+    QCOMPARE(desk.source->calls, QStringList{"seek 100"});
+  }
+
+  void focusThatWentElsewhereStaysThere() {
+    OpenDesk desk;
+    QVERIFY(desk.activate());
+    desk.console->onWorkTimer();
+    desk.slider("_seekMediaHorizontalSlider")->setFocus(Qt::MouseFocusReason);
+    desk.show.removeSource(0);
+    desk.console->onWorkTimer();
+    desk.child<QLineEdit>("_programNameLineEdit")->setFocus(Qt::MouseFocusReason);
+    desk.show.addSource(0);
+    desk.console->onWorkTimer();
+    QVERIFY(desk.child<QLineEdit>("_programNameLineEdit")->hasFocus());
+  }
+
+  void volumeSlidersGetTheFocusByAClickAlone() {
+    OpenDesk desk;
+    QVERIFY(desk.activate());
+    for (const char* name : {"_pvmVolumeVerticalSlider", "_pgmVolumeVerticalSlider"}) {
+      QSlider* volume = desk.slider(name);
+      QCOMPARE(volume->focusPolicy(), Qt::ClickFocus);
+      QTest::mouseClick(volume, Qt::LeftButton);
+      QVERIFY2(volume->hasFocus(), name);
+      desk.press(Qt::Key_Home);
+      QCOMPARE(volume->value(), 0);
+    }
+    // Each neighbour that is disabled hands the focus on.
+    for (QWidget* neighbour : desk.console->centralWidget()->findChildren<QWidget*>()) {
+      if (!neighbour->isVisible() || !neighbour->isEnabled() || !(neighbour->focusPolicy() & Qt::TabFocus))
+        continue;
+      neighbour->setFocus(Qt::MouseFocusReason);
+      neighbour->setEnabled(false);
+      QVERIFY(desk.frame.focusWidget() != desk.slider("_pvmVolumeVerticalSlider"));
+      QVERIFY(desk.frame.focusWidget() != desk.slider("_pgmVolumeVerticalSlider"));
+      neighbour->setEnabled(true);
+    }
   }
 
   void almostFinishedSwitchLeavesTheLever() {
