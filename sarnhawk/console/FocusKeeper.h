@@ -1,5 +1,5 @@
-// Keeps the keyboard's focus for a part of the desk that is disabled or hidden for a moment. Qt would hand the
-// focus to the next control, and the operator's next key would move that one. Console thread.
+// Keeps the keyboard's focus for a part of the desk that is disabled or hidden for a moment. Qt would hand
+// the focus to the next control, and the operator's next key would move that one. Console thread.
 #pragma once
 #include <QPointer>
 #include <QWidget>

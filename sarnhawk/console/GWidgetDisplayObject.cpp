@@ -1,6 +1,5 @@
 #include "console/GWidgetDisplayObject.h"
 
-#include <QMessageBox>
 #include <QMouseEvent>
 #include <QTimer>
 #include <QToolButton>
@@ -16,6 +15,7 @@
 #include "console/MultimediaClock.h"
 #include "console/ShowChange.h"
 #include "console/StripChooser.h"
+#include "console/askOperator.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "console/windowInfoOf.h"
 #include "tagKorviaShowAudioLevel.h"
@@ -299,9 +299,10 @@ void GWidgetDisplayObject::onClicked_closeSourcePushButton() {
 }
 
 void GWidgetDisplayObject::closeMedia() {
-  const auto answer = QMessageBox::question(this, tr("Message"), tr("Are you sure to close this source ?"),
-                                            QMessageBox::Yes | QMessageBox::No);
-  if (answer != QMessageBox::Yes)
+  const bool isOnAir = _priv->getConfig()->pgmChannel == _objectId;
+  if (!askOperator(this, tr("Are you sure to close this source ?"),
+                   isOnAir ? tr("%1 is ON AIR").arg(_ui->_titleLabel->text()) : QString(),
+                   isOnAir ? QMessageBox::No : QMessageBox::NoButton))
     return;
   if (KorviaShowEngine* engine = _priv->getEngine())
     engine->closeSource(static_cast<KorviaShowObjectID>(SourceObject + _index));

@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QMenu>
-#include <QMessageBox>
 #include <QSignalBlocker>
 #include <QTimer>
 
@@ -28,6 +27,7 @@
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
 #include "console/TransportRow.h"
+#include "console/askOperator.h"
 #include "console/windowInfoOf.h"
 #include "services/GDialogProductAbout.h"
 #include "shell/GAppCaptionBar.h"
@@ -496,9 +496,7 @@ void KorviaSarnhawk::destroyUi() {
 }
 
 void KorviaSarnhawk::onAction_quit() {
-  const auto answer = QMessageBox::question(this, tr("Message"), tr("Are you sure to quit ?"),
-                                            QMessageBox::Yes | QMessageBox::No);
-  if (answer == QMessageBox::Yes && parentWidget())
+  if (askOperator(this, tr("Are you sure to quit ?"), QString()) && parentWidget())
     parentWidget()->close();
 }
 

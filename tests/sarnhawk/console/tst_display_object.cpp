@@ -485,6 +485,25 @@ class DisplayObjectTest : public QObject {
     QVERIFY(desk.button(0x11, "_closePushButton")->isHidden());
   }
 
+  void closeOfTheChannelOnAirWarns() {
+    OpenDesk desk;
+    desk.put(1, sourceOf(SourceKindMovie));
+    desk.put(2, sourceOf(SourceKindMovie));
+    desk.report(ShowEventSelectChannel, qulonglong{0x1002}, 0x11);
+    const QuestionAnswer onAir(QMessageBox::No);
+    desk.strip(0x11)->onClicked_closeSourcePushButton();
+    QCOMPARE(onAir.text, QString("Are you sure to close this source ?"));
+    QCOMPARE(onAir.details, QString("Media-1 is ON AIR"));
+    QCOMPARE(onAir.defaultButton, QMessageBox::No);
+    QVERIFY(desk.show.source(1));
+
+    const QuestionAnswer offAir(QMessageBox::No);
+    desk.strip(0x12)->onClicked_closeSourcePushButton();
+    QVERIFY(offAir.wasAsked);
+    QCOMPARE(offAir.details, QString());
+    QVERIFY(offAir.defaultButton != QMessageBox::No);
+  }
+
   void stageOpensWithoutAStageChooserNotAtAll() {
     OpenDesk desk;
     QVERIFY(!desk.floatOf(3)->button()->isEnabled());
