@@ -361,6 +361,14 @@ void visitFields(R& r, V&& visit) {
   visit("maxMs", r.maxMs);
 }
 
+template <RecordOf<tagKorviaShowOutputReport> R, class V>
+void visitFields(R& r, V&& visit) {
+  visit("state", r.state);
+  visit("reason", r.reason);
+  visit("fileName", r.fileName);
+  visit("droppedFrames", r.droppedFrames);
+}
+
 template <RecordOf<tagKorviaShowEngineFigures> R, class V>
 void visitFields(R& r, V&& visit) {
   visit("frames", r.frames);
@@ -381,6 +389,7 @@ void visitFields(R& r, V&& visit) {
   visit("pgmChannel", r.pgmChannel);
   visit("recording", r.recording);
   visit("streaming", r.streaming);
+  visit("outputs", r.outputs);
 }
 
 template <RecordOf<tagKorviaShowEncodeParam> R, class V>
