@@ -29,6 +29,7 @@ class GWidgetDisplayObjectConfig;
 class GWidgetTransitionEffectConfig;
 class LevelMeters;
 class OutputSwitches;
+class OutputWatch;
 class QMenu;
 class QTimer;
 class QToolButton;
@@ -241,6 +242,7 @@ class KorviaSarnhawk : public QMainWindow,
   std::unique_ptr<TransportRow> _transport;
   std::unique_ptr<OutputSwitches> _outputs;
   std::unique_ptr<StatisticsFetch> _statistics;
+  std::unique_ptr<OutputWatch> _outputWatch;
   std::unique_ptr<StatusPublisher> _status;
   std::unique_ptr<LevelMeters> _levels;
   SwitchLever* _lever = nullptr;
