@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QMenu>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QTimer>
 
@@ -501,7 +502,12 @@ void KorviaSarnhawk::destroyUi() {
 }
 
 void KorviaSarnhawk::onAction_quit() {
-  if (askOperator(this, tr("Are you sure to quit ?"), QString()) && parentWidget())
+  // A window manager may ask for the close again before the question is there.
+  if (_isAskedToQuit)
+    return;
+  const QScopedValueRollback<bool> asked(_isAskedToQuit, true);
+  const QString running = _outputWatch ? _outputWatch->runningText() : QString();
+  if (askOperator(this, tr("Are you sure to quit ?"), running) && parentWidget())
     parentWidget()->close();
 }
 

@@ -261,6 +261,7 @@ class KorviaSarnhawk : public QMainWindow,
   quint64 _resizeCount = 0;
   quint32 _startTick = 0;
   bool _engineRequested = false;
+  bool _isAskedToQuit = false;
   bool _pgmVolumeHeld = false;
   bool _pvmVolumeHeld = false;
 };

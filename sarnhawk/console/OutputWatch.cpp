@@ -121,8 +121,8 @@ QString OutputWatch::runningText() const {
                         QStringLiteral(": ")));
   }
   if (isRunning(OutputSlotStream))
-    lines.append(joined({text(kTexts[OutputSlotStream].running),
-                         _switches->streamTargets().join(QStringLiteral(", "))},
-                        QStringLiteral(": ")));
+    lines.append(joined(
+        {text(kTexts[OutputSlotStream].running), _switches->streamTargets().join(QStringLiteral(", "))},
+        QStringLiteral(": ")));
   return lines.join(QLatin1Char('\n'));
 }

@@ -14,8 +14,8 @@ enum class KorviaShowOutputState : qint32 {
   Finished,
 };
 
-/// Tells of the newest start of its slot from the result of ShowEventStartOutput on: Failed then means that this
-/// output failed, not the one before.
+/// Tells of the newest start of its slot from the result of ShowEventStartOutput on: Failed then means that
+/// this output failed, not the one before.
 struct tagKorviaShowOutputReport {
   KorviaShowOutputState state = KorviaShowOutputState::Idle;
   /// Why it failed, a plain phrase for people without addresses and keys; empty in other states.

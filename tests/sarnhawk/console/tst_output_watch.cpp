@@ -88,7 +88,8 @@ class OutputWatchTest : public QObject {
       QVERIFY(desk.notice()->isVisible());
       QVERIFY(place.width() > 100);
       auto* box = desk.child<QGroupBox>("_pgmViewGroupBox");
-      const int titleEnd = box->mapTo(desk.console, QPoint()).x() + box->fontMetrics().horizontalAdvance(box->title());
+      const int titleEnd =
+          box->mapTo(desk.console, QPoint()).x() + box->fontMetrics().horizontalAdvance(box->title());
       QVERIFY(place.left() > titleEnd);
       for (const char* name : {"_pvmPreviewWidget", "_pgmPreviewWidget", "_videoPreviewWidget"}) {
         for (QWidget* picture : desk.console->findChildren<QWidget*>(name))
