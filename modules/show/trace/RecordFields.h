@@ -219,7 +219,7 @@ void visitFields(R& r, V&& visit) {
 template <RecordOf<tagKorviaSourceLinkState> R, class V>
 void visitFields(R& r, V&& visit) {
   visit("reserved1", r.reserved1);
-  visit("reserved2", r.reserved2);
+  visit("reason", r.reason);
   visit("rate", r.rate);
   visit("reserved3", r.reserved3);
 }

@@ -49,6 +49,11 @@ void FilmPlayer::post(Command command, double percent) {
   wake_.notify_one();
 }
 
+QString FilmPlayer::failureReason() const {
+  std::lock_guard lock(mutex_);
+  return failureReason_;
+}
+
 void FilmPlayer::close() {
   {
     std::lock_guard lock(notifyMutex_);
@@ -348,6 +353,10 @@ void FilmPlayer::handleDrained() {
 
 void FilmPlayer::handleFailure(const QString& reason) {
   qCWarning(logSource, "film does not play : %s : %s", qUtf8Printable(path_), qUtf8Printable(reason));
+  {
+    std::lock_guard lock(mutex_);
+    failureReason_ = reason;
+  }
   openDeadline_.reset();
   seekDeadline_.reset();
   tap_.setPlaying(false);

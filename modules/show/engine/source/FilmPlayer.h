@@ -39,6 +39,8 @@ class FilmPlayer : public FilmPipelineListener {
   FrameRef pull(int ticks);
 
   KorviaShowPlayState state() const { return state_; }
+  /// Why the state is Error; empty before.
+  QString failureReason() const;
   std::int64_t durationNs() const { return durationNs_; }
   std::int64_t positionNs() const { return positionNs_; }
   std::int64_t framesShown() const { return framesShown_; }
@@ -107,8 +109,9 @@ class FilmPlayer : public FilmPipelineListener {
   std::atomic<int> pictureWidth_{0};
   std::atomic<int> pictureHeight_{0};
 
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   std::condition_variable wake_;  // with mutex_
+  QString failureReason_;         // guarded by mutex_
   std::deque<Event> events_;      // guarded by mutex_
   std::deque<Request> requests_;  // guarded by mutex_
   std::atomic<bool> closing_{false};

@@ -65,6 +65,7 @@ SourceFigures FilmSource::figures() {
 
 void FilmSource::getState(tagKorviaSourceLinkState& state) {
   state.rate = player_->arrivals().perSecond();
+  state.reason = player_->failureReason();
 }
 
 void FilmSource::play() {
