@@ -252,7 +252,7 @@ class DeskControlsTest : public QObject {
     QVERIFY(desk.activate());
     desk.lever()->setFocus(Qt::MouseFocusReason);
     desk.report(ShowEventSwitchPosition, 1.0F);
-    QCOMPARE(desk.focus(), desk.lever());
+    QVERIFY(desk.focus() == desk.lever());
     desk.press(Qt::Key_Home);
     QCOMPARE(desk.slider("_pvmVolumeVerticalSlider")->value(), 100);
     QCOMPARE(desk.slider("_pgmVolumeVerticalSlider")->value(), 100);
@@ -274,7 +274,7 @@ class DeskControlsTest : public QObject {
     QVERIFY(desk.show.events().empty());
     desk.source = desk.show.addSource(0);
     desk.console->onWorkTimer();
-    QCOMPARE(desk.focus(), seek);
+    QVERIFY(desk.focus() == seek);
     desk.press(Qt::Key_End);
     QCOMPARE(desk.source->calls, QStringList{"seek 100"});
   }
@@ -289,7 +289,7 @@ class DeskControlsTest : public QObject {
     desk.child<QLineEdit>("_programNameLineEdit")->setFocus(Qt::MouseFocusReason);
     desk.show.addSource(0);
     desk.console->onWorkTimer();
-    QCOMPARE(desk.focus(), desk.child<QLineEdit>("_programNameLineEdit"));
+    QVERIFY(desk.focus() == desk.child<QLineEdit>("_programNameLineEdit"));
   }
 
   void volumeSlidersGetTheFocusByAClickAlone() {
@@ -299,7 +299,7 @@ class DeskControlsTest : public QObject {
       QSlider* volume = desk.slider(name);
       QCOMPARE(volume->focusPolicy(), Qt::ClickFocus);
       QTest::mouseClick(volume, Qt::LeftButton);
-      QCOMPARE(desk.focus(), volume);
+      QVERIFY(desk.focus() == volume);
       desk.press(Qt::Key_Home);
       QCOMPARE(volume->value(), 0);
     }
