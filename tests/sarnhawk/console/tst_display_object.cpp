@@ -35,12 +35,6 @@ class OpenDesk : public ConsoleDesk {
 
   QString border(int id) const { return stripChild<QFrame>(id, "_mainFrame")->styleSheet(); }
   QString pictureBorder(int id) const { return stripChild<QFrame>(id, "_videoFrame")->styleSheet(); }
-  /// Lets the strip look at its source; the tool tip of the mark, or nothing while there is no mark.
-  QString mark(int id) {
-    strip(id)->onFrameTick();
-    const auto* label = stripChild<QLabel>(id, "_sourceMarkLabel");
-    return label->isVisible() ? label->toolTip() : QString();
-  }
   QWidget* picture(int id) const { return stripChild<QWidget>(id, "_videoPreviewWidget"); }
   QPushButton* button(int id, const char* name) const { return stripChild<QPushButton>(id, name); }
   /// Floats belong to the window; they stand in the order of the strips.
@@ -694,111 +688,6 @@ class DisplayObjectTest : public QObject {
     desk.passTime(3201);
     desk.strip(0x11)->onFrameTick();
     QCOMPARE(!source->calls.isEmpty(), restarts);
-  }
-
-  void failedSourceIsMarkedWithItsReason() {
-    OpenDesk desk;
-    desk.show.addSource(1, desk.slot(1) = sourceOf(SourceKindImage));
-    ScriptedSource* source = desk.show.source(1);
-    QCOMPARE(desk.mark(0x11), QString());
-    source->playState = Error;
-    QCOMPARE(desk.mark(0x11), QString("This source cannot be shown"));
-    source->reason = "no such file";
-    QCOMPARE(desk.mark(0x11), QString("Error: no such file"));
-    // On preview or not.
-    desk.report(ShowEventSelectChannel, qulonglong{0x1001}, 0x11);
-    QCOMPARE(desk.mark(0x11), QString("Error: no such file"));
-    source->playState = Playing;
-    QCOMPARE(desk.mark(0x11), QString());
-    source->playState = Error;
-    desk.mark(0x11);
-    desk.show.removeSource(1);
-    QCOMPARE(desk.mark(0x11), QString());
-  }
-
-  void endedSourceIsMarkedUntilItPlays() {
-    OpenDesk desk;
-    ScriptedSource* source = desk.put(1, sourceOf(SourceKindMovie));
-    source->playState = Ended;
-    QCOMPARE(desk.mark(0x11), QString("This source has ended"));
-    source->playState = Playing;
-    QCOMPARE(desk.mark(0x11), QString());
-  }
-
-  void sourceThatStandsStillIsMarked_data() {
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<bool>("marked");
-    for (const int kind : {1, 2, 3, 4, 7, 8, 18})
-      QTest::newRow(qPrintable(QString::number(kind))) << kind << true;
-    for (const int kind : {5, 6, 9, 12, 13, 14, 15})
-      QTest::newRow(qPrintable(QString::number(kind))) << kind << false;
-  }
-  void sourceThatStandsStillIsMarked() {
-    QFETCH(int, kind);
-    QFETCH(bool, marked);
-    OpenDesk desk;
-    ScriptedSource* source = desk.put(1, sourceOf(kind));
-    source->frameCount = 10;
-    QCOMPARE(desk.mark(0x11), QString());
-    desk.passTime(1000);
-    QCOMPARE(desk.mark(0x11), QString());
-    desk.passTime(1);
-    QCOMPARE(desk.mark(0x11), marked ? QString("No new picture for more than a second") : QString());
-    ++source->frameCount;
-    QCOMPARE(desk.mark(0x11), QString());
-  }
-
-  void sourceThatMayStandStillIsNotMarked_data() {
-    QTest::addColumn<int>("state");
-    for (const int state : {NothingSpecial, Opening, Buffering, Paused, Stopped})
-      QTest::newRow(qPrintable(QString::number(state))) << state;
-  }
-  void sourceThatMayStandStillIsNotMarked() {
-    QFETCH(int, state);
-    OpenDesk desk;
-    ScriptedSource* source = desk.put(1, sourceOf(SourceKindMovie));
-    desk.mark(0x11);
-    source->playState = state;
-    desk.passTime(5000);
-    QCOMPARE(desk.mark(0x11), QString());
-    // The second counts from when it plays.
-    source->playState = Playing;
-    QCOMPARE(desk.mark(0x11), QString());
-    desk.passTime(1001);
-    QVERIFY(!desk.mark(0x11).isEmpty());
-  }
-
-  void filmOnHoldIsNotMarked() {
-    OpenDesk desk;
-    tagKorviaShowSourceInfo info = sourceOf(SourceKindMovie);
-    info.moviePGMAction = PGMActionPauseResume;
-    desk.put(1, info);
-    desk.mark(0x11);
-    desk.strip(0x11)->applyOnAirRule(0x10);
-    desk.passTime(5000);
-    QCOMPARE(desk.mark(0x11), QString());
-    desk.strip(0x11)->applyOnAirRule(0x11);
-    QCOMPARE(desk.mark(0x11), QString());
-    desk.passTime(1001);
-    QVERIFY(!desk.mark(0x11).isEmpty());
-  }
-
-  void markCoversNoPictureAndLeavesTheTitleReadable() {
-    OpenDesk desk;
-    desk.put(1, sourceOf(SourceKindMovie))->playState = Error;
-    const QRect pictureBefore = desk.picture(0x11)->geometry();
-    QVERIFY(!desk.mark(0x11).isEmpty());
-    desk.settle();
-    QCOMPARE(desk.picture(0x11)->geometry(), pictureBefore);
-    const auto* title = desk.stripChild<QLabel>(0x11, "_titleLabel");
-    QVERIFY(title->width() >= title->fontMetrics().horizontalAdvance(title->text()));
-    QVERIFY(!desk.stripChild<QLabel>(0x11, "_sourceMarkLabel")->pixmap(Qt::ReturnByValue).isNull());
-  }
-
-  void stagesAreNotMarked() {
-    OpenDesk desk;
-    desk.passTime(5000);
-    QCOMPARE(desk.mark(0x100), QString());
   }
 
   void filmsAreNotWatched() {
