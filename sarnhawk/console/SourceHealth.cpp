@@ -31,9 +31,9 @@ QString failureOf(IKorviaShowSource* source) {
 
 QString SourceHealth::examine(IKorviaShowSource* source, int kind, bool isOnHold) {
   const int state = source->getPlayState();
-  const bool shouldMove = state == Playing && !isOnHold &&
-                          std::find(std::begin(kMovingKinds), std::end(kMovingKinds), kind) !=
-                              std::end(kMovingKinds);
+  const bool shouldMove =
+      state == Playing && !isOnHold &&
+      std::find(std::begin(kMovingKinds), std::end(kMovingKinds), kind) != std::end(kMovingKinds);
   if (!shouldMove)
     _frames = -1;
   if (state == Error)
