@@ -110,7 +110,12 @@ void HostSession::takePicture() {
 }
 
 void HostSession::quitWhenClosed() {
-  if (running_ && (!frame_ || !frame_->isVisible()))
+  if (frame_ && frame_->isVisible()) {
+    // The close was refused: the picture is to be of the real end.
+    pictureDue_ = !options_.screenshotFile.isEmpty();
+    return;
+  }
+  if (running_)
     QApplication::quit();
 }
 

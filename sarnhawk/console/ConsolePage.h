@@ -19,6 +19,7 @@ enum class PagePlace {
   ScreenCut,
   Transport,
   StatisticsFetch,
+  OutputWatch,
   StatisticsWindow,
   StatusPublisher,
   SoundControl,

@@ -17,11 +17,11 @@ constexpr Place kFrameTickOrder[] = {Place::Strips, Place::Karaoke,  Place::Subt
                                      Place::Logo,   Place::Overlay,  Place::Component,
                                      Place::Levels, Place::PaintPad, Place::ScreenCut};
 
-// The statistics are fetched before the windows that show them.
-constexpr Place kWorkTickOrder[] = {Place::Strips,      Place::Karaoke,         Place::Subtitle,
-                                    Place::Logo,        Place::Overlay,         Place::Component,
-                                    Place::Transport,   Place::StatisticsFetch, Place::StatisticsWindow,
-                                    Place::ProgramList, Place::StatusPublisher};
+// The statistics are fetched before whoever shows them.
+constexpr Place kWorkTickOrder[] = {
+    Place::Strips,      Place::Karaoke,          Place::Subtitle,    Place::Logo,
+    Place::Overlay,     Place::Component,        Place::Transport,   Place::StatisticsFetch,
+    Place::OutputWatch, Place::StatisticsWindow, Place::ProgramList, Place::StatusPublisher};
 
 constexpr Place kHideAllOrder[] = {Place::ScreenCut,       Place::StatisticsWindow, Place::ChannelConfig,
                                    Place::ProgramList,     Place::Strips,           Place::PaintPad,

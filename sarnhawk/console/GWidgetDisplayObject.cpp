@@ -1,6 +1,5 @@
 #include "console/GWidgetDisplayObject.h"
 
-#include <QMessageBox>
 #include <QMouseEvent>
 #include <QTimer>
 #include <QToolButton>
@@ -16,6 +15,7 @@
 #include "console/MultimediaClock.h"
 #include "console/ShowChange.h"
 #include "console/StripChooser.h"
+#include "console/askOperator.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "console/windowInfoOf.h"
 #include "tagKorviaShowAudioLevel.h"
@@ -25,6 +25,8 @@ namespace {
 
 // An income stream that delivers no more than this is as good as silent.
 constexpr float kIncomeRateMin = 10.0F;
+
+constexpr int kMarkSize = 20;
 
 const QString kPreviewBorder = QStringLiteral("#_mainFrame{border: 2px solid rgb(9, 124, 37);}");
 const QString kProgramBorder = QStringLiteral("#_videoFrame{border: 2px solid rgb(232, 32, 32);}");
@@ -80,6 +82,9 @@ GWidgetDisplayObject::GWidgetDisplayObject(IKorviaSarnhawkPriv* priv, const Stri
   // There is no sound control to show yet.
   _ui->_enableAudioPushButton->setEnabled(false);
   _ui->_closePushButton->hide();
+  _ui->_sourceMarkLabel->setPixmap(
+      QIcon(QStringLiteral(":/KorviaSarnhawk/Resources/style/warning.png")).pixmap(kMarkSize, kMarkSize));
+  _ui->_sourceMarkLabel->hide();
 
   if (isStage()) {
     // A stage has no sound of its own.
@@ -118,6 +123,7 @@ void GWidgetDisplayObject::onEngineOpened() {
 void GWidgetDisplayObject::onFrameTick() {
   updateOverlay();
   updateWatchdog();
+  updateMark();
 }
 
 void GWidgetDisplayObject::onWorkTick() {}
@@ -161,9 +167,14 @@ void GWidgetDisplayObject::applyOnAirRule(int targetId) {
   else if (info.kind == SourceKindMovieList)
     action = info.listPGMAction;
   if (onAir && (action == PGMActionPlay || action == PGMActionPauseResume))
-    source->setHold(false);
+    setHold(source, false);
   else if (!onAir && action == PGMActionPauseResume)
-    source->setHold(true);
+    setHold(source, true);
+}
+
+void GWidgetDisplayObject::setHold(IKorviaShowSource* source, bool hold) {
+  _isOnHold = hold;
+  source->setHold(hold);
 }
 
 void GWidgetDisplayObject::hideFloat() {
@@ -233,6 +244,17 @@ void GWidgetDisplayObject::updateWatchdog() {
   }
 }
 
+void GWidgetDisplayObject::updateMark() {
+  if (!isMedia())
+    return;
+  IKorviaShowSource* source = _priv->getSource(static_cast<KorviaShowObjectID>(_objectId));
+  const int kind = _priv->getConfig()->channels[static_cast<std::size_t>(_index)].source.kind;
+  const QString trouble = source ? _health.examine(source, kind, _isOnHold) : QString();
+  if (_ui->_sourceMarkLabel->toolTip() != trouble)
+    _ui->_sourceMarkLabel->setToolTip(trouble);
+  _ui->_sourceMarkLabel->setVisible(!trouble.isEmpty());
+}
+
 void GWidgetDisplayObject::restartSilentSource(IKorviaShowSource* source, bool isAlive) {
   if (isAlive) {
     _restartTick = 0;
@@ -276,6 +298,7 @@ void GWidgetDisplayObject::openSlot(const tagKorviaShowChannelSlot& chosen) {
   if (KorviaShowEngine* engine = _priv->getEngine())
     engine->openSource(static_cast<KorviaShowObjectID>(SourceObject + _index), slot.source, slot.format,
                        host);
+  _isOnHold = false;
   setTitle();
   _ui->_closePushButton->show();
   _priv->saveChanges(ShowChangeMediaChannel);
@@ -299,9 +322,10 @@ void GWidgetDisplayObject::onClicked_closeSourcePushButton() {
 }
 
 void GWidgetDisplayObject::closeMedia() {
-  const auto answer = QMessageBox::question(this, tr("Message"), tr("Are you sure to close this source ?"),
-                                            QMessageBox::Yes | QMessageBox::No);
-  if (answer != QMessageBox::Yes)
+  const bool isOnAir = _priv->getConfig()->pgmChannel == _objectId;
+  if (!askOperator(this, tr("Are you sure to close this source ?"),
+                   isOnAir ? tr("%1 is ON AIR").arg(_ui->_titleLabel->text()) : QString(),
+                   isOnAir ? QMessageBox::No : QMessageBox::NoButton))
     return;
   if (KorviaShowEngine* engine = _priv->getEngine())
     engine->closeSource(static_cast<KorviaShowObjectID>(SourceObject + _index));

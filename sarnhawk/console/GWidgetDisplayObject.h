@@ -7,6 +7,7 @@
 #include <QWidget>
 #include <memory>
 
+#include "console/SourceHealth.h"
 #include "tagKorviaWindowInfo.h"
 
 class GFloatWidgetToolButton;
@@ -71,6 +72,8 @@ class GWidgetDisplayObject : public QWidget {
   /// The float is a window of its own: it must go when its picture cannot be seen.
   bool isPictureOnScreen() const;
   void updateWatchdog();
+  void updateMark();
+  void setHold(IKorviaShowSource* source, bool hold);
   void restartSilentSource(IKorviaShowSource* source, bool isAlive);
   void selectFor(int bus);
   void openStage(const tagKorviaStageSlot& slot);
@@ -86,6 +89,9 @@ class GWidgetDisplayObject : public QWidget {
   QVUMeter* _auMeter = nullptr;
   /// When the source fell silent; 0 while it is alive.
   quint32 _restartTick = 0;
+  SourceHealth _health;
+  /// The on-air rule stopped the source on purpose.
+  bool _isOnHold = false;
   QTimer* _pgmInOutActionTimer = nullptr;
   /// Belongs to the window below it, which may go first.
   QPointer<GFloatWidgetToolButton> _floatButton;

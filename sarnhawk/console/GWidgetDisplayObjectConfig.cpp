@@ -1,5 +1,7 @@
 #include "console/GWidgetDisplayObjectConfig.h"
 
+#include <QCloseEvent>
+
 #include "KorviaShowObjectID.h"
 #include "console/IKorviaSarnhawkPriv.h"
 #include "console/SourceText.h"
@@ -26,6 +28,11 @@ void GWidgetDisplayObjectConfig::showChannel(int objectId) {
     _ui->_stageInfoLabel->setText(stageText(index));
     setWindowTitle(tr("Stage Config - %1").arg(index));
   }
+}
+
+void GWidgetDisplayObjectConfig::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  hide();
 }
 
 QString GWidgetDisplayObjectConfig::mediaText(int index) const {

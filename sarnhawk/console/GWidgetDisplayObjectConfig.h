@@ -22,6 +22,10 @@ class GWidgetDisplayObjectConfig : public GToolWindow {
   /// The id of the last showChannel, 0 before it.
   int objectId() const { return _objectId; }
 
+ protected:
+  /// Hides the window and ignores the event, so that whoever asked knows that the window is still there.
+  void closeEvent(QCloseEvent* event) override;
+
  private:
   QString mediaText(int index) const;
   QString stageText(int index) const;

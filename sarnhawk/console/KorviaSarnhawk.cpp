@@ -2,7 +2,7 @@
 
 #include <QDir>
 #include <QMenu>
-#include <QMessageBox>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QTimer>
 
@@ -17,17 +17,20 @@
 #include "StatusBoard.h"
 #include "ZRCUtil.h"
 #include "audio/GDialogAudoDevCheck.h"
+#include "console/GOutputNotice.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/GWidgetDisplayObjectConfig.h"
 #include "console/LevelMeters.h"
 #include "console/MediaFileChooser.h"
 #include "console/MultimediaClock.h"
 #include "console/OutputSwitches.h"
+#include "console/OutputWatch.h"
 #include "console/StatisticsFetch.h"
 #include "console/StatusPublisher.h"
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
 #include "console/TransportRow.h"
+#include "console/askOperator.h"
 #include "console/windowInfoOf.h"
 #include "services/GDialogProductAbout.h"
 #include "shell/GAppCaptionBar.h"
@@ -83,7 +86,7 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent)
       _transport(std::make_unique<TransportRow>(this, *_ui)),
       _outputs(std::make_unique<OutputSwitches>(this, *_ui)),
       _statistics(std::make_unique<StatisticsFetch>(this)),
-      _status(std::make_unique<StatusPublisher>(this, _strips.get())),
+      _status(std::make_unique<StatusPublisher>(this, _strips.get(), _statistics.get())),
       _whitePadPage(std::make_unique<PaintPadPage>(_whitePad)) {
   setObjectName(QStringLiteral("KorviaSarnhawk"));
   _pages.add(PagePlace::Strips, _strips.get());
@@ -177,6 +180,9 @@ bool KorviaSarnhawk::createUi() {
   _strips->build(_config.layoutMode, _ui->_switchViewWidget);
   _levels = std::make_unique<LevelMeters>(this, _strips.get(), *_ui);
   _pages.add(PagePlace::Levels, _levels.get());
+  _outputWatch = std::make_unique<OutputWatch>(_statistics.get(), _outputs.get(),
+                                               new GOutputNotice(_ui->_pgmViewGroupBox));
+  _pages.add(PagePlace::OutputWatch, _outputWatch.get());
   createLever();
   createWindows();
   checkAudioDevices();
@@ -497,9 +503,12 @@ void KorviaSarnhawk::destroyUi() {
 }
 
 void KorviaSarnhawk::onAction_quit() {
-  const auto answer = QMessageBox::question(this, tr("Message"), tr("Are you sure to quit ?"),
-                                            QMessageBox::Yes | QMessageBox::No);
-  if (answer == QMessageBox::Yes && parentWidget())
+  // A window manager may ask for the close again before the question is there.
+  if (_isAskedToQuit)
+    return;
+  const QScopedValueRollback<bool> asked(_isAskedToQuit, true);
+  const QString running = _outputWatch ? _outputWatch->runningText() : QString();
+  if (askOperator(this, tr("Are you sure to quit ?"), running) && parentWidget())
     parentWidget()->close();
 }
 

@@ -15,6 +15,7 @@
 #include "IKorviaWebServerSink.h"
 #include "console/ConsolePages.h"
 #include "console/IKorviaSarnhawkPriv.h"
+#include "console/SnapshotNames.h"
 #include "console/StripChooser.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "shell/IKorviaSarnhawk.h"
@@ -28,6 +29,7 @@ class GWidgetDisplayObjectConfig;
 class GWidgetTransitionEffectConfig;
 class LevelMeters;
 class OutputSwitches;
+class OutputWatch;
 class QMenu;
 class QTimer;
 class QToolButton;
@@ -233,12 +235,14 @@ class KorviaSarnhawk : public QMainWindow,
   QList<tagKorviaComponentParam*> _componentCatalog;
   QList<tagKorviaComponentParam*> _stageCatalog;
   TransitionCatalogue _transitions;
+  SnapshotNames _snapshotNames;
 
   StripChooser _stripChooser;
   std::unique_ptr<StripArea> _strips;
   std::unique_ptr<TransportRow> _transport;
   std::unique_ptr<OutputSwitches> _outputs;
   std::unique_ptr<StatisticsFetch> _statistics;
+  std::unique_ptr<OutputWatch> _outputWatch;
   std::unique_ptr<StatusPublisher> _status;
   std::unique_ptr<LevelMeters> _levels;
   SwitchLever* _lever = nullptr;
@@ -257,6 +261,7 @@ class KorviaSarnhawk : public QMainWindow,
   quint64 _resizeCount = 0;
   quint32 _startTick = 0;
   bool _engineRequested = false;
+  bool _isAskedToQuit = false;
   bool _pgmVolumeHeld = false;
   bool _pvmVolumeHeld = false;
 };

@@ -13,6 +13,7 @@
 #include "console/GWidgetDisplayObject.h"
 #include "console/KorviaSarnhawk.h"
 #include "console/OutputSwitches.h"
+#include "console/OutputWatch.h"
 #include "console/ShowChange.h"
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
@@ -88,18 +89,22 @@ void KorviaSarnhawk::onValueChanged_switchProcessPosVerticalSlider(int value) {
 }
 
 void KorviaSarnhawk::onClicked_startRecordPushButton() {
-  if (_ui->_startRecordPushButton->isChecked())
+  if (_ui->_startRecordPushButton->isChecked()) {
+    _outputWatch->onStart(OutputSlotRecord);
     _outputs->start(OutputKindRecord);
-  else
+  } else {
     _outputs->stop(OutputKindRecord);
+  }
   _ui->_startRecordPushButton->setEnabled(false);
 }
 
 void KorviaSarnhawk::onClicked_startStreamPushButton() {
-  if (_ui->_startStreamPushButton->isChecked())
+  if (_ui->_startStreamPushButton->isChecked()) {
+    _outputWatch->onStart(OutputSlotStream);
     _outputs->start(OutputKindStream);
-  else
+  } else {
     _outputs->stop(OutputKindStream);
+  }
   _ui->_startStreamPushButton->setEnabled(false);
 }
 
@@ -115,9 +120,7 @@ void KorviaSarnhawk::onClicked_paintOutputPushButton() {
 void KorviaSarnhawk::takeSnapshot() {
   const QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
   QDir().mkpath(folder);
-  const QString path = folder + QDir::separator() +
-                       QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hhmmss")) +
-                       QStringLiteral(".png");
+  const QString path = _snapshotNames.next(folder, QDateTime::currentDateTime());
   postEvent(ShowEventSnapshot, PGMObject, path);
   QWidget* frame = parentWidget() ? parentWidget() : this;
   QToolTip::showText(frame->geometry().bottomLeft() + kSnapshotTipOffset, path, frame);

@@ -160,9 +160,7 @@ void KorviaSarnhawk::onVolumeReported(int objectId, float volume) {
   // One hold counts for both sliders: while the operator rides the program level, nothing else moves.
   if (!slider || _pgmVolumeHeld)
     return;
-  // What the slider itself sent comes back as it was; truncating it would pull some values one step down.
-  if (volume == volumeOf(slider->value()))
-    return;
+  // Truncated, also when it is the slider's own volume that comes back.
   const QSignalBlocker blocker(slider);
   slider->setValue(static_cast<int>(volume * 100.0F));
 }

@@ -1,5 +1,7 @@
 #include "console/OutputSwitches.h"
 
+#include <QSignalBlocker>
+
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
 #include "console/IKorviaSarnhawkPriv.h"
@@ -16,6 +18,18 @@ int slotOf(int kind) {
     return OutputSlotStream;
   return -1;
 }
+
+constexpr struct {
+  quint8 tagKorviaShowOutputItem::*enable;
+  const char* name;
+} kStreamTargets[] = {
+    {&tagKorviaShowOutputItem::rtmp0Enable, "RTMP - 0"},
+    {&tagKorviaShowOutputItem::rtmp1Enable, "RTMP - 1"},
+    {&tagKorviaShowOutputItem::rtmpLocalEnable, "RTMP - Local"},
+    {&tagKorviaShowOutputItem::httpEnable, "HTTP"},
+    {&tagKorviaShowOutputItem::hlsEnable, "HLS"},
+    {&tagKorviaShowOutputItem::udpEnable, "UDP"},
+};
 
 }  // namespace
 
@@ -79,4 +93,32 @@ void OutputSwitches::enableButton(unsigned kind) {
     _ui._startRecordPushButton->setEnabled(true);
   else if (kind == OutputKindStream)
     _ui._startStreamPushButton->setEnabled(true);
+}
+
+QPushButton* OutputSwitches::button(int slot) const {
+  return slot == OutputSlotRecord ? _ui._startRecordPushButton : _ui._startStreamPushButton;
+}
+
+bool OutputSwitches::isOn(int slot) const {
+  return button(slot)->isChecked();
+}
+
+bool OutputSwitches::isWaiting(int slot) const {
+  return !button(slot)->isEnabledTo(_ui._pgmControlWidget);
+}
+
+void OutputSwitches::springBack(int slot) {
+  const QSignalBlocker blocker(button(slot));
+  button(slot)->setChecked(false);
+  button(slot)->setEnabled(true);
+}
+
+QStringList OutputSwitches::streamTargets() const {
+  const tagKorviaShowOutputItem& item = _priv->getConfig()->outputParam.items[OutputSlotStream];
+  QStringList names;
+  for (const auto& target : kStreamTargets) {
+    if (item.*target.enable != 0)
+      names.append(QLatin1String(target.name));
+  }
+  return names;
 }

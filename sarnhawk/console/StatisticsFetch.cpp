@@ -10,4 +10,5 @@ void StatisticsFetch::onWorkTick() {
   _outputs = {};
   engine->getOutputState(&_outputs);
   engine->getSourceState(_sources.data());
+  engine->getFigures(_figures);
 }

@@ -6,6 +6,7 @@
 #include "KorviaShowObjectID.h"
 #include "console/ConsolePage.h"
 #include "tagKorviaOutputStatistics.h"
+#include "tagKorviaShowEngineFigures.h"
 #include "tagKorviaShowSourceStatisticsItem.h"
 
 class IKorviaSarnhawkPriv;
@@ -22,9 +23,11 @@ class StatisticsFetch : public ConsolePage {
 
   const tagKorviaOutputStatistics& outputs() const { return _outputs; }
   const Sources& sources() const { return _sources; }
+  const tagKorviaShowEngineFigures& figures() const { return _figures; }
 
  private:
   IKorviaSarnhawkPriv* _priv;
   tagKorviaOutputStatistics _outputs;
   Sources _sources;
+  tagKorviaShowEngineFigures _figures;
 };

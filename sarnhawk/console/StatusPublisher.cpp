@@ -1,11 +1,14 @@
 #include "console/StatusPublisher.h"
 
+#include <QFileInfo>
+#include <iterator>
+
 #include "IKorviaShowSource.h"
-#include "KorviaShowEngine.h"
 #include "StatusBoard.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/IKorviaSarnhawkPriv.h"
 #include "console/SourceText.h"
+#include "console/StatisticsFetch.h"
 #include "console/StripArea.h"
 #include "console/TransportRow.h"
 #include "console/tagKorviaSarnhawkConfig.h"
@@ -43,19 +46,35 @@ QJsonObject engineSection(const tagKorviaShowEngineFigures& figures, bool isOpen
                                  {"handOver", stageTime(figures.handOver)}}}};
 }
 
+// Words of the status page, which programs read: not translated.
+constexpr const char* kOutputStates[] = {"Idle", "Starting", "Running", "Failed", "Finished"};
+static_assert(std::size(kOutputStates) == static_cast<std::size_t>(KorviaShowOutputState::Finished) + 1);
+
+QJsonObject outputReport(const tagKorviaShowOutputReport& report) {
+  return {{"state", kOutputStates[static_cast<std::size_t>(report.state)]},
+          {"reason", report.reason},
+          {"file", QFileInfo(report.fileName).fileName()},
+          {"droppedFrames", report.droppedFrames}};
+}
+
+QJsonObject outputsSection(const tagKorviaShowEngineFigures& figures) {
+  const auto& [stream, record] = figures.outputs;
+  return {{"recording", figures.recording && record.state != KorviaShowOutputState::Failed},
+          {"streaming", figures.streaming && stream.state != KorviaShowOutputState::Failed},
+          {"record", outputReport(record)},
+          {"stream", outputReport(stream)}};
+}
+
 }  // namespace
 
 void StatusPublisher::onWorkTick() {
-  tagKorviaShowEngineFigures figures;
-  KorviaShowEngine* engine = _priv->getEngine();
-  if (engine)
-    engine->getFigures(figures);
+  const bool isOpen = _priv->getEngine() != nullptr;
+  const tagKorviaShowEngineFigures figures = isOpen ? _statistics->figures() : tagKorviaShowEngineFigures{};
   korvia::StatusBoard& board = korvia::StatusBoard::instance();
   board.publish(QStringLiteral("buses"), buses(figures));
   board.publish(QStringLiteral("channels"), channels());
-  board.publish(QStringLiteral("engine"), engineSection(figures, engine != nullptr));
-  board.publish(QStringLiteral("outputs"),
-                {{"recording", figures.recording}, {"streaming", figures.streaming}});
+  board.publish(QStringLiteral("engine"), engineSection(figures, isOpen));
+  board.publish(QStringLiteral("outputs"), outputsSection(figures));
 }
 
 QJsonObject StatusPublisher::buses(const tagKorviaShowEngineFigures& figures) const {

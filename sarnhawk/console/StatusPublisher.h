@@ -5,13 +5,15 @@
 #include "console/ConsolePage.h"
 
 class IKorviaSarnhawkPriv;
+class StatisticsFetch;
 class StripArea;
 struct tagKorviaShowEngineFigures;
 
 class StatusPublisher : public ConsolePage {
  public:
-  /// Neither is owned; both must outlive the publisher.
-  StatusPublisher(IKorviaSarnhawkPriv* priv, const StripArea* strips) : _priv(priv), _strips(strips) {}
+  /// None is owned; all must outlive the publisher.
+  StatusPublisher(IKorviaSarnhawkPriv* priv, const StripArea* strips, const StatisticsFetch* statistics)
+      : _priv(priv), _strips(strips), _statistics(statistics) {}
 
   /// Replaces all sections; without an engine they tell of the record alone.
   void onWorkTick() override;
@@ -23,4 +25,5 @@ class StatusPublisher : public ConsolePage {
 
   IKorviaSarnhawkPriv* _priv;
   const StripArea* _strips;
+  const StatisticsFetch* _statistics;
 };

@@ -2,6 +2,8 @@
 
 #include <QSignalBlocker>
 
+#include "console/FocusKeeper.h"
+
 namespace {
 
 constexpr int kOverhang = 6;
@@ -32,15 +34,19 @@ float SwitchLever::positionOf(int value) {
 
 void SwitchLever::showPosition(float position) {
   const bool finished = position == 1.0F;
-  if (finished)
+  FocusKeeper focus;
+  if (finished) {
+    focus.takeFrom(this);
     hide();
+  }
   {
     const QSignalBlocker blocker(this);
-    // What the lever itself sent comes back as it was: truncating it could take the last step back.
-    if (position != positionOf(value()) || finished)
-      setValue(finished ? 0 : static_cast<int>(position * kRange));
+    // Truncated, also when it is the lever's own position that comes back.
+    setValue(finished ? 0 : static_cast<int>(position * kRange));
     setToolTip(QStringLiteral("%1%").arg(finished ? 0.0 : static_cast<double>(position * 100.0F), 0, 'g'));
   }
-  if (finished)
+  if (finished) {
     show();
+    focus.giveBack();
+  }
 }

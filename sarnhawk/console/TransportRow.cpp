@@ -75,7 +75,7 @@ IKorviaShowSource* TransportRow::source() const {
 
 void TransportRow::onWorkTick() {
   IKorviaShowSource* source = this->source();
-  _ui._mediaControlWidget->setEnabled(source != nullptr);
+  setEnabled(source != nullptr);
   if (!source)
     return;
   qint64 duration = 0;
@@ -94,6 +94,14 @@ void TransportRow::onWorkTick() {
   }
   if (const int* kind = source->getSourceInfo())
     showButtons(*kind);
+}
+
+void TransportRow::setEnabled(bool enabled) {
+  if (!enabled)
+    _focus.takeFrom(_ui._mediaControlWidget);
+  _ui._mediaControlWidget->setEnabled(enabled);
+  if (enabled)
+    _focus.giveBack();
 }
 
 void TransportRow::showButtons(int sourceKind) {

@@ -3,6 +3,7 @@
 #include <QString>
 
 #include "console/ConsolePage.h"
+#include "console/FocusKeeper.h"
 
 class IKorviaSarnhawkPriv;
 class IKorviaShowSource;
@@ -30,9 +31,11 @@ class TransportRow : public ConsolePage {
   static QString timeText(qint64 tenthsOfMs);
 
  private:
+  void setEnabled(bool enabled);
   void showButtons(int sourceKind);
 
   IKorviaSarnhawkPriv* _priv;
   Ui::KorviaSarnhawk& _ui;
+  FocusKeeper _focus;
   bool _seekHeld = false;
 };

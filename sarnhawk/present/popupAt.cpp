@@ -1,19 +1,11 @@
 #include "present/popupAt.h"
 
-#include <QGuiApplication>
-#include <QScreen>
-#include <QWidget>
+#include <QApplication>
+#include <QDesktopWidget>
 
 namespace {
 
 constexpr int kCentre = 0x84;
-
-QRect roomFor(const QPoint& place) {
-  const QScreen* screen = QGuiApplication::screenAt(place);
-  if (!screen)
-    screen = QGuiApplication::primaryScreen();
-  return screen ? screen->availableGeometry() : QRect();
-}
 
 }  // namespace
 
@@ -31,7 +23,7 @@ void popupAt(QWidget* popup, const QWidget* anchor, int vertical, int horizontal
   else if (horizontal == kCentre)
     x = corner.x() - size.width() / 2;
 
-  const QRect room = roomFor(corner);
+  const QRect room = QApplication::desktop()->availableGeometry(popup);
   x = std::max(x, room.left());
   y = std::max(y, room.top());
   x = std::min(x, room.left() + room.width() - size.width());

@@ -208,6 +208,13 @@ void MainFrame::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void MainFrame::closeEvent(QCloseEvent* event) {
+  if (_console && event->spontaneous()) {
+    // A close by the window manager is an operator's wish, so it asks like the menu. The question waits until
+    // this event is over: a frame that is closing cannot be closed by a signal.
+    event->ignore();
+    QMetaObject::invokeMethod(_console, &KorviaSarnhawk::onAction_quit, Qt::QueuedConnection);
+    return;
+  }
   if (_console)
     _console->hideAll();
   QFrame::closeEvent(event);

@@ -46,6 +46,7 @@ class MainFrame : public QFrame, public IMainFrame, public IKorviaSarnhawk {
  protected:
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  /// Asks the operator when the window manager closes the window; a close by the program goes through.
   void closeEvent(QCloseEvent* event) override;
 
   GAppCaptionBar* _captionBar = nullptr;

@@ -1,8 +1,10 @@
 // Stands in for the console: a window and a log on stdout. FAKE_CONSOLE says what goes wrong.
 #include <QApplication>
+#include <QCloseEvent>
 #include <QVariantMap>
 #include <QWidget>
 #include <cstdio>
+#include <utility>
 
 #include "StatusBoard.h"
 #include "shell/IKorviaSarnhawk.h"
@@ -64,6 +66,11 @@ class FakeConsole : public QWidget, public IMainFrame, public IKorviaSarnhawk {
 
  protected:
   void closeEvent(QCloseEvent* event) override {
+    if (qgetenv("FAKE_CONSOLE") == "refuse once" && !std::exchange(_refused, true)) {
+      event->ignore();
+      say("refused");
+      return;
+    }
     say(QString("closing %1x%2").arg(width()).arg(height()));
     QWidget::closeEvent(event);
   }
@@ -83,6 +90,7 @@ class FakeConsole : public QWidget, public IMainFrame, public IKorviaSarnhawk {
   }
 
   QWidget _tool;
+  bool _refused = false;
 };
 
 }  // namespace

@@ -70,6 +70,7 @@ class TestKorvia : public QObject {
   void tellsTheConsoleWhatWasAsked();
   void closesInOrderAfterTheTimeLimit();
   void takesAPictureAtTheExit();
+  void refusedCloseLeavesThePictureToTheNext();
   void pictureThatCannotBeWrittenIsAFailure();
   void signalsCloseInOrder_data();
   void signalsCloseInOrder();
@@ -245,6 +246,22 @@ void TestKorvia::takesAPictureAtTheExit() {
   const QImage picture(in("shot.png"));
   QCOMPARE(picture.size(), QSize(400, 300));
   QCOMPARE(picture.pixelColor(200, 150), QColor(200, 100, 50));
+}
+
+void TestKorvia::refusedCloseLeavesThePictureToTheNext() {
+  useFakeConsole();
+  QProcessEnvironment environment = _program->processEnvironment();
+  environment.insert("FAKE_CONSOLE", "refuse once");
+  _program->setProcessEnvironment(environment);
+  start({"--screenshot", in("shot.png")});
+  QTRY_VERIFY(_program->peek(4096).contains("created"));
+  ::kill(static_cast<pid_t>(_program->processId()), SIGTERM);
+  QTRY_VERIFY(_program->peek(4096).contains("refused"));
+  QVERIFY(QFile::remove(in("shot.png")));
+  ::kill(static_cast<pid_t>(_program->processId()), SIGTERM);
+  QVERIFY(_program->waitForFinished());
+  QCOMPARE(_program->exitCode(), 0);
+  QVERIFY(QFile::exists(in("shot.png")));
 }
 
 void TestKorvia::pictureThatCannotBeWrittenIsAFailure() {

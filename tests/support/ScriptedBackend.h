@@ -24,7 +24,10 @@ class ScriptedSource : public IKorviaShowSource {
   KorviaShowObjectID getObjectId() override { return id; }
   int* getSourceInfo() override { return &info.kind; }
   const tagKorviaFormatInfo* getFormat() override { return &format; }
-  void getState(tagKorviaSourceLinkState& state) override { state.rate = rate; }
+  void getState(tagKorviaSourceLinkState& state) override {
+    state.rate = rate;
+    state.reason = reason;
+  }
   void play() override { calls.append(QStringLiteral("play")); }
   void stop() override { calls.append(QStringLiteral("stop")); }
   void pause() override { calls.append(QStringLiteral("pause")); }
@@ -35,7 +38,7 @@ class ScriptedSource : public IKorviaShowSource {
   void next() override { calls.append(QStringLiteral("next")); }
   void getDuration(qint64& value) override { value = duration; }
   void getTime(qint64& value) override { value = time; }
-  void getFrameCount(qint64& value) override { value = 0; }
+  void getFrameCount(qint64& value) override { value = frameCount; }
   void getPosition(qint64& value) override { value = position; }
   void setPosition(qint64 value) override { calls.append(QStringLiteral("seek %1").arg(value)); }
   int getPlayState() override { return playState; }
@@ -48,6 +51,8 @@ class ScriptedSource : public IKorviaShowSource {
   tagKorviaShowSourceInfo info;
   tagKorviaFormatInfo format;
   float rate = 25.0F;
+  QString reason;
+  qint64 frameCount = 0;
   qint64 duration = 0;
   qint64 time = 0;
   qint64 position = 0;

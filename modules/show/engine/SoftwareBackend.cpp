@@ -192,6 +192,7 @@ void SoftwareBackend::getFigures(tagKorviaShowEngineFigures& figures) {
   figures.droppedStripPictures = monitors_.droppedPictures();
   figures.recording = outputs_.isRunning(OutputSlotRecord);
   figures.streaming = outputs_.isRunning(OutputSlotStream);
+  figures.outputs = outputs_.reports();
 }
 
 }  // namespace korvia

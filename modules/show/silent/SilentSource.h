@@ -26,7 +26,8 @@ class SilentSource final : public IKorviaShowSource {
   void next() override {}
   void getDuration(qint64& duration) override { duration = 0; }
   void getTime(qint64& time) override { time = 0; }
-  void getFrameCount(qint64& frames) override { frames = 0; }
+  /// Claims a new picture each time, so that nobody takes it for standing still.
+  void getFrameCount(qint64& frames) override { frames = ++framesClaimed_; }
   void getPosition(qint64& position) override { position = position_; }
   void setPosition(qint64 position) override { position_ = position; }
   int getPlayState() override { return state_; }
@@ -39,6 +40,7 @@ class SilentSource final : public IKorviaShowSource {
   tagKorviaFormatInfo format_;
   int state_ = Playing;
   qint64 position_ = 0;
+  qint64 framesClaimed_ = 0;
 };
 
 }  // namespace korvia

@@ -1,6 +1,9 @@
 // How the engine keeps up: what the status page, the bench and the black box report. A plain value.
 #pragma once
 #include <QMetaType>
+#include <array>
+
+#include "tagKorviaShowOutputReport.h"
 
 struct tagKorviaShowEngineFigures {
   /// Over the last 10 s, and the longest time since the engine opened.
@@ -43,6 +46,8 @@ struct tagKorviaShowEngineFigures {
   int pgmChannel = 0;
   bool recording = false;
   bool streaming = false;
+  /// By KorviaShowOutputSlot: the stream, the recording.
+  std::array<tagKorviaShowOutputReport, 2> outputs;
 
   friend bool operator==(const tagKorviaShowEngineFigures&, const tagKorviaShowEngineFigures&) = default;
 };

@@ -1,11 +1,15 @@
-// The state of a source's connection, filled by the source for the restart watchdog. A plain value.
+// The state of a source's connection, filled by the source for the restart watchdog and for the mark of a
+// failed source. A plain value.
 #pragma once
 #include <QMetaType>
 #include <QString>
 
 struct tagKorviaSourceLinkState {
+  /// Counts nothing yet.
   qint32 reserved1 = 0;
-  QString reserved2;
+  /// While the source is in the state Error: why, a plain phrase for people without addresses and keys. Empty
+  /// otherwise, and when the source does not know.
+  QString reason;
   /// Frames a second that arrive; exactly 0 when no data is arriving.
   float rate = 0;
   qint64 reserved3 = 0;

@@ -220,7 +220,7 @@ void visitFields(R& r, V&& visit) {
 template <RecordOf<tagKorviaSourceLinkState> R, class V>
 void visitFields(R& r, V&& visit) {
   visit("reserved1", r.reserved1);
-  visit("reserved2", r.reserved2);
+  visit("reason", r.reason);
   visit("rate", r.rate);
   visit("reserved3", r.reserved3);
 }
@@ -363,6 +363,14 @@ void visitFields(R& r, V&& visit) {
   visit("maxOfRunMs", r.maxOfRunMs);
 }
 
+template <RecordOf<tagKorviaShowOutputReport> R, class V>
+void visitFields(R& r, V&& visit) {
+  visit("state", r.state);
+  visit("reason", r.reason);
+  visit("fileName", r.fileName);
+  visit("droppedFrames", r.droppedFrames);
+}
+
 template <RecordOf<tagKorviaShowEngineFigures> R, class V>
 void visitFields(R& r, V&& visit) {
   visit("frames", r.frames);
@@ -386,6 +394,7 @@ void visitFields(R& r, V&& visit) {
   visit("pgmChannel", r.pgmChannel);
   visit("recording", r.recording);
   visit("streaming", r.streaming);
+  visit("outputs", r.outputs);
 }
 
 template <RecordOf<tagKorviaShowEncodeParam> R, class V>

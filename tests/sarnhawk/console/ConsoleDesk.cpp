@@ -160,6 +160,9 @@ QuestionAnswer::QuestionAnswer(QMessageBox::StandardButton button)
           return dialog->reject();
         title = box->windowTitle();
         text = box->text();
+        details = box->informativeText();
+        defaultButton =
+            box->defaultButton() ? box->standardButton(box->defaultButton()) : QMessageBox::NoButton;
         buttons = box->standardButtons();
         box->button(button)->click();
       }) {}

@@ -104,5 +104,8 @@ class QuestionAnswer : public QObject {
   bool wasAsked = false;
   QString title;
   QString text;
+  /// The informative text under the question.
+  QString details;
   QMessageBox::StandardButtons buttons;
+  QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
 };

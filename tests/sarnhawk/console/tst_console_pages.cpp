@@ -26,6 +26,7 @@ const QList<QPair<PagePlace, QString>> kPlaces{
     {PagePlace::Karaoke, "karaoke"},
     {PagePlace::Levels, "levels"},
     {PagePlace::StatisticsFetch, "statistics fetch"},
+    {PagePlace::OutputWatch, "output watch"},
     {PagePlace::Subtitle, "subtitle"},
     {PagePlace::ChannelConfig, "channel config"},
 };
@@ -34,9 +35,9 @@ const QStringList kEngineOpenedOrder{"strips",  "karaoke",   "subtitle",    "log
                                      "overlay", "component", "program list"};
 const QStringList kFrameTickOrder{"strips",    "karaoke", "subtitle",  "logo",      "overlay",
                                   "component", "levels",  "paint pad", "screen cut"};
-const QStringList kWorkTickOrder{
-    "strips",    "karaoke",          "subtitle",          "logo",         "overlay",         "component",
-    "transport", "statistics fetch", "statistics window", "program list", "status publisher"};
+const QStringList kWorkTickOrder{"strips",       "karaoke",           "subtitle",     "logo",
+                                 "overlay",      "component",         "transport",    "statistics fetch",
+                                 "output watch", "statistics window", "program list", "status publisher"};
 const QStringList kHideAllOrder{"screen cut", "statistics window", "channel config",   "program list",
                                 "strips",     "paint pad",         "transition editor"};
 const QStringList kDestroyUiOrder{"paint pad",      "screen cut", "statistics window", "sound control",

@@ -485,6 +485,25 @@ class DisplayObjectTest : public QObject {
     QVERIFY(desk.button(0x11, "_closePushButton")->isHidden());
   }
 
+  void closeOfTheChannelOnAirWarns() {
+    OpenDesk desk;
+    desk.put(1, sourceOf(SourceKindMovie));
+    desk.put(2, sourceOf(SourceKindMovie));
+    desk.report(ShowEventSelectChannel, qulonglong{0x1002}, 0x11);
+    const QuestionAnswer onAir(QMessageBox::No);
+    desk.strip(0x11)->onClicked_closeSourcePushButton();
+    QCOMPARE(onAir.text, QString("Are you sure to close this source ?"));
+    QCOMPARE(onAir.details, QString("Media-1 is ON AIR"));
+    QCOMPARE(onAir.defaultButton, QMessageBox::No);
+    QVERIFY(desk.show.source(1));
+
+    const QuestionAnswer offAir(QMessageBox::No);
+    desk.strip(0x12)->onClicked_closeSourcePushButton();
+    QVERIFY(offAir.wasAsked);
+    QCOMPARE(offAir.details, QString());
+    QVERIFY(offAir.defaultButton != QMessageBox::No);
+  }
+
   void stageOpensWithoutAStageChooserNotAtAll() {
     OpenDesk desk;
     QVERIFY(!desk.floatOf(3)->button()->isEnabled());
@@ -552,11 +571,24 @@ class DisplayObjectTest : public QObject {
     QCOMPARE(window->findChild<QLabel*>("_mediaInfoLabel")->text(), QString("Movie - opener.mp4"));
     desk.strip(0x100)->onClicked_configPushButton();
     QCOMPARE(window->windowTitle(), QString("Stage Config - 0"));
-    QVERIFY(window->close());
-    QVERIFY(!window->isVisible());
+    window->hide();
     window->show();
     QTest::keyClick(window, Qt::Key_Escape);
     QVERIFY(!window->isVisible());
+  }
+
+  void configWindowIgnoresItsCloseAndHides() {
+    OpenDesk desk;
+    desk.strip(0x11)->onClicked_configPushButton();
+    const QPointer<GWidgetDisplayObjectConfig> window =
+        desk.console->findChild<GWidgetDisplayObjectConfig*>();
+    QVERIFY(window->isVisible());
+    QCloseEvent event;
+    QCoreApplication::sendEvent(window, &event);
+    QVERIFY(!event.isAccepted());
+    QVERIFY(!window->isVisible());
+    desk.strip(0x11)->onClicked_configPushButton();
+    QVERIFY(window->isVisible());
   }
 
   void configWindowStaysInPlaceForTheSameChannel() {

@@ -622,6 +622,32 @@ class KorviaSarnhawkTest : public QObject {
     QVERIFY(!desk.frame.isVisible());
   }
 
+  void quitNamesWhatRuns() {
+    ConsoleDesk desk;
+    QVERIFY(desk.start());
+    const auto details = [&desk] {
+      const QuestionAnswer answer(QMessageBox::No);
+      desk.console->onAction_quit();
+      return answer.details;
+    };
+    QCOMPARE(details(), QString());
+    desk.show.figures.recording = true;
+    desk.show.figures.outputs[OutputSlotRecord] = {
+        KorviaShowOutputState::Running, {}, "/records/vod/0/evening.mp4", 0};
+    desk.console->onWorkTimer();
+    QCOMPARE(details(), QString("A recording is running: evening.mp4"));
+    tagKorviaShowOutputItem& stream = desk.console->getConfig()->outputParam.items[OutputSlotStream];
+    stream.rtmp0Enable = 1;
+    stream.rtmp0Url = "rtmp://host/live?key=secret";
+    stream.hlsEnable = 1;
+    // Not answered yet, so no report tells of it.
+    desk.child<QPushButton>("_startStreamPushButton")->click();
+    QCOMPARE(details(), QString("A recording is running: evening.mp4\nA stream is running: RTMP - 0, HLS"));
+    desk.show.figures.outputs[OutputSlotRecord].state = KorviaShowOutputState::Failed;
+    desk.console->onWorkTimer();
+    QCOMPARE(details(), QString("A stream is running: RTMP - 0, HLS"));
+  }
+
   void hideAllTakesEverythingFloatingOffTheScreen() {
     ConsoleDesk desk;
     QVERIFY(desk.start());

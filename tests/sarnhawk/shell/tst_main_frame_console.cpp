@@ -10,6 +10,9 @@
 #include <QtTest>
 #include <algorithm>
 
+#include "ConsoleDesk.h"
+#include "console/GFloatWidgetToolButton.h"
+#include "console/GWidgetDisplayObjectConfig.h"
 #include "shell/GAppCaptionBar.h"
 #include "shell/MainFrame.h"
 #include "shell/tagKorviaProductInfo.h"
@@ -29,8 +32,15 @@ class TestMainFrameConsole : public QObject {
   void closingTheWindowEndsTheEventLoop();
   void closeMayComeTwice();
   void consolesOneAfterAnotherLeaveNothing();
+  void windowManagersCloseAsksAndNoChangesNothing();
+  void windowManagersCloseAndYesClosesAfterOneQuestion();
+  void closeThatComesTwiceAsksOnce();
+  void signalClosesWhileTheQuestionIsOpen();
 
  private:
+  /// What Qt makes of the close that a window manager asks for. False when it was refused.
+  bool closeAsTheWindowManager();
+
   QTemporaryDir _root;
   MainFrame* _frame = nullptr;
 };
@@ -134,6 +144,59 @@ void TestMainFrameConsole::consolesOneAfterAnotherLeaveNothing() {
   // The listing of sound devices ends its thread after it has answered.
   QTRY_VERIFY(threads() <= afterTwo.threads);
   QCOMPARE(holdingsNow().descriptors, afterTwo.descriptors);
+}
+
+bool TestMainFrameConsole::closeAsTheWindowManager() {
+  QCloseEvent event;
+  QSpontaneKeyEvent::setSpontaneous(&event);
+  // sendEvent would make it an event of the program again.
+  qApp->notify(_frame, &event);
+  return event.isAccepted();
+}
+
+void TestMainFrameConsole::windowManagersCloseAsksAndNoChangesNothing() {
+  auto* config = _frame->findChild<GWidgetDisplayObjectConfig*>();
+  config->show();
+  const QList<GFloatWidgetToolButton*> floats = _frame->findChildren<GFloatWidgetToolButton*>();
+  floats.first()->setShown(true);
+  const QuestionAnswer answer(QMessageBox::No);
+  QVERIFY(!closeAsTheWindowManager());
+  QTRY_VERIFY(answer.wasAsked);
+  QCOMPARE(answer.title, QString("Message"));
+  QCOMPARE(answer.text, QString("Are you sure to quit ?"));
+  QCOMPARE(answer.buttons, QMessageBox::Yes | QMessageBox::No);
+  QVERIFY(_frame->isVisible());
+  QVERIFY(config->isVisible());
+  QVERIFY(floats.first()->isVisible());
+}
+
+void TestMainFrameConsole::windowManagersCloseAndYesClosesAfterOneQuestion() {
+  const QuestionAnswer yes(QMessageBox::Yes);
+  QVERIFY(!closeAsTheWindowManager());
+  QTRY_VERIFY(!_frame->isVisible());
+  QVERIFY(yes.wasAsked);
+  QCoreApplication::processEvents();
+  QVERIFY(!QApplication::activeModalWidget());
+}
+
+void TestMainFrameConsole::closeThatComesTwiceAsksOnce() {
+  const QuestionAnswer no(QMessageBox::No);
+  closeAsTheWindowManager();
+  closeAsTheWindowManager();
+  QTRY_VERIFY(no.wasAsked);
+  QCoreApplication::processEvents();
+  QVERIFY(!QApplication::activeModalWidget());
+}
+
+void TestMainFrameConsole::signalClosesWhileTheQuestionIsOpen() {
+  bool closed = false;
+  const QuestionAnswer signal([this, &closed](QDialog* question) {
+    closed = static_cast<QWidget*>(_frame)->close() && !_frame->isVisible();
+    question->reject();
+  });
+  closeAsTheWindowManager();
+  QTRY_VERIFY(signal.wasAsked);
+  QVERIFY(closed);
 }
 
 QTEST_MAIN(TestMainFrameConsole)

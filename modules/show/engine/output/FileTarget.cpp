@@ -39,7 +39,7 @@ class FileWriter : public TargetWriter {
   void write(const Packet& packet) override;
   void end() override { mux_->endStream(); }
   Progress progress() const override;
-  QString failure() const override { return mux_ ? mux_->failure() : reason_; }
+  QString failure() const override { return mux_ && reason_.isEmpty() ? mux_->failure() : reason_; }
   bool mayGoOn() override;
   qint64 bytesWritten() const override { return mux_ ? mux_->bytesWritten() : bytesWritten_; }
   void close(const TargetOutcome& outcome) override;
@@ -101,6 +101,7 @@ bool FileWriter::hasSpace() const {
 bool FileWriter::mayGoOn() {
   if (hasSpace())
     return true;
+  reason_ = QStringLiteral("the disk is nearly full");
   qCWarning(logOutput, "the disk is nearly full, closing \"%s\"", qPrintable(fileName_));
   return false;
 }

@@ -7,6 +7,35 @@
 
 namespace korvia {
 
+namespace {
+
+// Longer than encoder and targets together may take to end.
+constexpr int kEndMs = 30'000;
+
+}  // namespace
+
+/// An output on its way to the janitor, which destroys it when its end is known.
+struct OutputRack::Ending {
+  std::shared_ptr<OutputSlot> output;
+  std::shared_ptr<Ledger> ledger;
+  int slot = 0;
+  int start = 0;
+
+  Ending(std::shared_ptr<OutputSlot> ending, std::shared_ptr<Ledger> book, int number, int count)
+      : output(std::move(ending)), ledger(std::move(book)), slot(number), start(count) {}
+  Ending(Ending&&) = default;
+  Ending& operator=(Ending&&) = delete;
+  ~Ending() {
+    if (!output)
+      return;
+    output->waitFinished(kEndMs);
+    const tagKorviaShowOutputReport report = output->report();
+    std::lock_guard lock(ledger->mutex);
+    if (ledger->starts[static_cast<std::size_t>(slot)] == start)
+      ledger->reports[static_cast<std::size_t>(slot)] = report;
+  }
+};
+
 void OutputRack::open(const ShowFormat& format) {
   rate_ = format.rate;
 }
@@ -23,6 +52,11 @@ void OutputRack::start(int slot, const tagKorviaShowOutputParam& param, const QS
     qCWarning(logOutput, "no output starts before the show is open");
   } else if (slot >= 0 && slot < kSlots) {
     end(slot);
+    {
+      std::lock_guard lock(ledger_->mutex);
+      ++ledger_->starts[static_cast<std::size_t>(slot)];
+      ledger_->reports[static_cast<std::size_t>(slot)] = {};
+    }
     std::shared_ptr<OutputSlot> output =
         createOutputSlot({slot, param, programName, format, *rate_}, janitor_);
     std::lock_guard lock(mutex_);
@@ -46,7 +80,24 @@ void OutputRack::end(int slot) {
   if (!output)
     return;
   output->finish();
-  janitor_.dispose(std::move(output));
+  int start = 0;
+  {
+    std::lock_guard lock(ledger_->mutex);
+    start = ledger_->starts[static_cast<std::size_t>(slot)];
+    ledger_->reports[static_cast<std::size_t>(slot)] = output->report();
+  }
+  janitor_.dispose(Ending(std::move(output), ledger_, slot, start));
+}
+
+OutputRack::Reports OutputRack::reports() const {
+  std::lock_guard lock(mutex_);
+  std::lock_guard ledgerLock(ledger_->mutex);
+  Reports reports = ledger_->reports;
+  for (std::size_t slot = 0; slot < slots_.size(); ++slot) {
+    if (slots_[slot])
+      reports[slot] = slots_[slot]->report();
+  }
+  return reports;
 }
 
 void OutputRack::push(const FrameRef& frame, int count) {

@@ -1,5 +1,5 @@
-// The output slots: starts, feeds and ends what leaves the engine. Engine thread, but for isRunning() and
-// statistics().
+// The output slots: starts, feeds and ends what leaves the engine. Engine thread, but for isRunning(),
+// statistics() and reports().
 #pragma once
 #include <array>
 #include <memory>
@@ -18,6 +18,8 @@ namespace korvia {
 class OutputRack {
  public:
   static constexpr int kSlots = 2;
+
+  using Reports = std::array<tagKorviaShowOutputReport, kSlots>;
 
   explicit OutputRack(Janitor& janitor) : janitor_(janitor) {}
 
@@ -40,11 +42,22 @@ class OutputRack {
 
   bool isRunning(int slot) const;
   void statistics(tagKorviaOutputStatistics& statistics) const;
+  /// What becomes of the newest output of each slot, also when it was stopped. Any thread.
+  Reports reports() const;
 
  private:
+  /// What the outputs told at their ends; shared with those that still end when the rack is gone.
+  struct Ledger {
+    std::mutex mutex;
+    Reports reports;                   // guarded by mutex
+    std::array<int, kSlots> starts{};  // guarded by mutex; a late end of an output before is not told
+  };
+  struct Ending;
+
   void end(int slot);
 
   Janitor& janitor_;
+  const std::shared_ptr<Ledger> ledger_ = std::make_shared<Ledger>();
   IShowBackendHost* host_ = nullptr;
   std::optional<FrameRate> rate_;  // of the open show
   mutable std::mutex mutex_;

@@ -20,6 +20,40 @@ bool OutputSlot::waitFinished(int timeoutMs) {
   return true;
 }
 
+void OutputSlot::finish() {
+  stopped_ = true;
+  encoder_.finish();
+}
+
+tagKorviaShowOutputReport OutputSlot::report() const {
+  const EncoderFigures encoder = encoder_.figures();
+  tagKorviaShowOutputReport report;
+  report.droppedFrames = encoder.framesDropped;
+  report.reason = encoder.failure;
+  bool up = false;
+  bool allEnded = true;
+  for (const std::shared_ptr<Target>& target : targets_) {
+    const TargetFigures own = target->figures();
+    report.droppedFrames += own.framesDropped;
+    if (report.fileName.isEmpty())
+      report.fileName = own.location;
+    if (report.reason.isEmpty())
+      report.reason = own.reason;
+    up = up || own.state == TargetState::Up;
+    allEnded = allEnded && (own.state == TargetState::Failed || own.state == TargetState::Finished);
+  }
+  // An output that ends without being asked has failed, whole as its file may be.
+  if (!encoder.failure.isEmpty() || (allEnded && (!stopped_ || !report.reason.isEmpty())))
+    report.state = KorviaShowOutputState::Failed;
+  else if (allEnded)
+    report.state = KorviaShowOutputState::Finished;
+  else
+    report.state = up || stopped_ ? KorviaShowOutputState::Running : KorviaShowOutputState::Starting;
+  if (report.state != KorviaShowOutputState::Failed)
+    report.reason.clear();
+  return report;
+}
+
 OutputFigures OutputSlot::figures() const {
   const EncoderFigures encoder = encoder_.figures();
   OutputFigures figures;

@@ -1,10 +1,12 @@
 // One output of the show: an encoder and the targets that take its packets. Engine thread, but for figures()
 // and waitFinished(); destroyed on the janitor's thread, since the end of a target may wait for a disk.
 #pragma once
+#include <atomic>
 #include <memory>
 #include <vector>
 
 #include "SlotEncoder.h"
+#include "tagKorviaShowOutputReport.h"
 
 namespace korvia {
 
@@ -31,15 +33,18 @@ class OutputSlot {
   /// The next program frame: the n-th call makes the n-th time stamp. Never blocks.
   void pushFrame(const FrameRef& frame) { encoder_.pushFrame(frame, frames_++); }
   /// Ends the output: what was pushed is encoded and written, and the targets end, in the background.
-  void finish() { encoder_.finish(); }
+  void finish();
   /// Whether all targets have ended, by finish() or by themselves, waiting for it at most this long.
   bool waitFinished(int timeoutMs);
   OutputFigures figures() const;
+  /// What the console is told.
+  tagKorviaShowOutputReport report() const;
 
  private:
   const Targets targets_;
   SlotEncoder encoder_;  // goes first, and finishes the targets
   qint64 frames_ = 0;
+  std::atomic<bool> stopped_{false};  // by finish()
 };
 
 }  // namespace korvia

@@ -192,6 +192,7 @@ void SlotEncoder::close(bool failed) {
   accepting_ = false;
   while (!queue_.isEmpty())
     queue_.pop();
+  figures_.failure = failed ? reason_ : QString();
   figures_.framesPerSecond = 0;
   figures_.videoKbps = 0;
   finished_ = true;

@@ -27,6 +27,7 @@ struct EncoderSettings {
 };
 
 struct EncoderFigures {
+  QString failure;  ///< why it failed; empty as long as it did not
   qint64 framesEncoded = 0;
   qint64 framesDropped = 0;
   float videoKbps = 0;

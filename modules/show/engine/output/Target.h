@@ -31,7 +31,7 @@ enum class TargetState {
 
 struct TargetFigures {
   TargetState state = TargetState::Waiting;
-  QString reason;            ///< why it failed
+  QString reason;            ///< why it failed, or ended without being asked
   QString location;          ///< file or address; empty while there is none
   qint64 framesWritten = 0;  ///< handed to the writer
   qint64 framesDropped = 0;  ///< left out here

@@ -109,6 +109,8 @@ TargetWorker::Step TargetWorker::stepToEnd(bool drained, const QDeadlineTimer& d
 void TargetWorker::check(bool finishing) {
   sinceCheck_.start();
   const bool goesOn = finishing || writer_->mayGoOn();
+  if (!goesOn)
+    reason_ = writer_->failure();
   qint64 dropped = 0;
   {
     std::lock_guard lock(share_->mutex);

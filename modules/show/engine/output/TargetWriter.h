@@ -37,7 +37,8 @@ class TargetWriter {
   /// Takes no lock.
   virtual Progress progress() const = 0;
   virtual QString failure() const = 0;
-  /// Asked once a second; false, with a log line, ends the target in time for what was queued.
+  /// Asked once a second; false, with a log line and the reason in failure(), ends the target in time for
+  /// what was queued.
   virtual bool mayGoOn() { return true; }
   virtual qint64 bytesWritten() const = 0;
   /// Called once, also when open() has failed: releases everything and logs the outcome.

@@ -72,6 +72,7 @@ SourceFigures FilmSource::figures() {
 
 void FilmSource::getState(tagKorviaSourceLinkState& state) {
   state.rate = transport_->arrivals().perSecond();
+  state.reason = transport_->failureReason();
 }
 
 void FilmSource::play() {

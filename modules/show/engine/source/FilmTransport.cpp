@@ -52,6 +52,16 @@ void FilmTransport::close() {
   wake_.notify_one();
 }
 
+QString FilmTransport::failureReason() const {
+  std::lock_guard lock(mutex_);
+  return failureReason_;
+}
+
+void FilmTransport::setFailureReason(const QString& reason) {
+  std::lock_guard lock(mutex_);
+  failureReason_ = reason;
+}
+
 // Engine thread.
 
 FrameRef FilmTransport::pull(int ticks) {
@@ -252,6 +262,7 @@ void FilmTransport::handleFailure(const FilmDecoder& film, const QString& reason
   }
   clock_.setPlaying(false);
   closeFilms();
+  setFailureReason(reason);
   if (!closing_)
     state_ = Error;
 }
@@ -293,8 +304,10 @@ void FilmTransport::handleRequest(const Request& request) {
 
 void FilmTransport::handleRequestAfterFailure(const Request& request) {
   if (request.command == Command::Stop) {
+    setFailureReason({});
     state_ = Stopped;
   } else if (request.command == Command::Play) {
+    setFailureReason({});
     wanted_ = Playing;
     state_ = Opening;
     present_ = makeFilm(sequence_->present(), FilmDecoder::Admission::AtOnce);

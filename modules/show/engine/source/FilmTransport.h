@@ -45,6 +45,8 @@ class FilmTransport : public FilmEventSink {
   void onFilmEvent(FilmEvent event) override;
 
   KorviaShowPlayState state() const { return state_; }
+  /// Why the state is Error; empty in other states.
+  QString failureReason() const;
   // Of the film on show; 0 when unknown.
   std::int64_t durationNs() const { return durationNs_; }
   std::int64_t positionNs() const { return positionNs_; }
@@ -71,6 +73,7 @@ class FilmTransport : public FilmEventSink {
   void handleShown(int number);
   void handleDrained();
   void handleFailure(const FilmDecoder& film, const QString& reason);
+  void setFailureReason(const QString& reason);
   void handleRequest(const Request& request);
   /// A film that failed is opened anew by play; stop takes the error away.
   void handleRequestAfterFailure(const Request& request);
@@ -103,8 +106,9 @@ class FilmTransport : public FilmEventSink {
   std::atomic<int> pictureHeight_{0};
   int shownFilm_ = 0;  // engine thread
 
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   std::condition_variable wake_;  // with mutex_
+  QString failureReason_;         // guarded by mutex_
   std::deque<FilmEvent> events_;  // guarded by mutex_
   std::deque<Request> requests_;  // guarded by mutex_
   std::atomic<bool> closing_{false};

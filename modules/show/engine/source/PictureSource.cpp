@@ -39,10 +39,17 @@ void PictureSource::showPicture(FrameRef picture) {
     state_ = wanted_;
 }
 
-void PictureSource::fail() {
+void PictureSource::fail(const QString& reason) {
   std::lock_guard lock(pictureMutex_);
+  failureReason_ = reason;
   if (state_ == Opening)
     state_ = Error;
+}
+
+void PictureSource::getState(tagKorviaSourceLinkState& state) {
+  std::lock_guard lock(pictureMutex_);
+  state.rate = 0;
+  state.reason = failureReason_;
 }
 
 }  // namespace korvia

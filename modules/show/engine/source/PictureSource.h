@@ -14,6 +14,7 @@ class PictureSource : public Source {
   void close() override;
   SourceFigures figures() override;
 
+  void getState(tagKorviaSourceLinkState& state) override;
   void play() override { change(Playing); }
   void stop() override { change(Stopped); }
   void pause() override { change(Paused); }
@@ -27,7 +28,8 @@ class PictureSource : public Source {
   virtual QString description() const = 0;
   /// The picture is there; a source that was opening plays.
   void showPicture(FrameRef picture);
-  void fail();
+  /// The picture will not come; `reason` is kept for getState().
+  void fail(const QString& reason);
 
  private:
   void change(KorviaShowPlayState state);
@@ -36,6 +38,7 @@ class PictureSource : public Source {
   std::atomic<qint64> shown_{0};
   std::mutex pictureMutex_;
   FrameRef picture_;                      // guarded by pictureMutex_
+  QString failureReason_;                 // guarded by pictureMutex_
   KorviaShowPlayState wanted_ = Playing;  // guarded by pictureMutex_
 };
 

@@ -68,7 +68,7 @@ void StillSource::load() {
   QImage image = readPicture(path, renderSize, reason);
   if (image.isNull()) {
     qCWarning(logSource, "picture cannot be shown : %s : %s", qUtf8Printable(path), qUtf8Printable(reason));
-    fail();
+    fail(reason);
     return;
   }
   if (closing_)
@@ -82,7 +82,7 @@ void StillSource::load() {
   image = QImage();
   if (!picture) {
     qCWarning(logSource, "picture cannot be shown : %s : out of memory", qUtf8Printable(path));
-    fail();
+    fail(QStringLiteral("out of memory"));
     return;
   }
   MutableFrame fitted(new Frame(renderSize, false));

@@ -67,6 +67,9 @@ class FilmBadInputTest : public QObject {
     tagKorviaSourceLinkState state;
     rig->getState(state);
     QCOMPARE(state.rate, 0.0f);
+    // The same words as in the log.
+    QVERIFY(!state.reason.isEmpty());
+    QVERIFY(log.lines().first().endsWith(" : " + state.reason));
     qint64 value = -1;
     rig->getDuration(value);
     QCOMPARE(value, qint64(0));

@@ -162,6 +162,10 @@ class StillSourceTest : public QObject {
     QVERIFY2(
         log.lines().last().startsWith("picture cannot be shown : ") && log.lines().last().endsWith(reason),
         qPrintable(log.lines().last()));
+    tagKorviaSourceLinkState state;
+    rig->getState(state);
+    QVERIFY(!state.reason.isEmpty());
+    QVERIFY(log.lines().last().endsWith(" : " + state.reason));
     rig->play();
     QCOMPARE(rig->getPlayState(), int(Error));
   }

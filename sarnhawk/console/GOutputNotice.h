@@ -1,0 +1,26 @@
+// One line about an output, in the title strip of a group box: it covers no picture and moves nothing. A
+// click takes it away. Console thread.
+#pragma once
+#include <QPushButton>
+
+class QGroupBox;
+
+class GOutputNotice : public QPushButton {
+  Q_OBJECT
+
+ public:
+  /// Hidden at first. It follows the size of the box, which owns it.
+  explicit GOutputNotice(QGroupBox* box);
+
+  /// Shows the line, cut at its end where the box is too narrow, with `details` as tool tip.
+  void present(const QString& line, const QString& details);
+
+ protected:
+  bool eventFilter(QObject* box, QEvent* event) override;
+
+ private:
+  void place();
+
+  QGroupBox* _box;
+  QString _line;
+};

@@ -1,0 +1,56 @@
+#include "console/SourceHealth.h"
+
+#include <QCoreApplication>
+#include <algorithm>
+#include <iterator>
+
+#include "IKorviaShowSource.h"
+#include "console/MultimediaClock.h"
+#include "tagKorviaShowSourceInfo.h"
+
+namespace {
+
+constexpr quint32 kHeldMs = 1000;
+
+/// Kinds that bring new pictures all the time while they play.
+constexpr int kMovingKinds[] = {SourceKindMovie,  SourceKindMovieList, SourceKindUrl,   SourceKindKrmp,
+                                SourceKindDevice, SourceKindDevice3D,  SourceKindIncome};
+
+QString text(const char* source) {
+  return QCoreApplication::translate("SourceHealth", source);
+}
+
+QString failureOf(IKorviaShowSource* source) {
+  tagKorviaSourceLinkState link;
+  source->getState(link);
+  return link.reason.isEmpty() ? text(QT_TRANSLATE_NOOP("SourceHealth", "This source cannot be shown"))
+                               : text(QT_TRANSLATE_NOOP("SourceHealth", "Error: %1")).arg(link.reason);
+}
+
+}  // namespace
+
+QString SourceHealth::examine(IKorviaShowSource* source, int kind, bool isOnHold) {
+  const int state = source->getPlayState();
+  const bool shouldMove =
+      state == Playing && !isOnHold &&
+      std::find(std::begin(kMovingKinds), std::end(kMovingKinds), kind) != std::end(kMovingKinds);
+  if (!shouldMove)
+    _frames = -1;
+  if (state == Error)
+    return failureOf(source);
+  if (state == Ended)
+    return text(QT_TRANSLATE_NOOP("SourceHealth", "This source has ended"));
+  if (shouldMove && isStandingStill(source))
+    return text(QT_TRANSLATE_NOOP("SourceHealth", "No new picture for more than a second"));
+  return QString();
+}
+
+bool SourceHealth::isStandingStill(IKorviaShowSource* source) {
+  qint64 frames = 0;
+  source->getFrameCount(frames);
+  if (frames != _frames) {
+    _frames = frames;
+    _lastPictureTick = MultimediaClock::now();
+  }
+  return MultimediaClock::since(_lastPictureTick) > kHeldMs;
+}

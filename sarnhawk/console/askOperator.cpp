@@ -1,0 +1,12 @@
+#include "console/askOperator.h"
+
+#include <QCoreApplication>
+
+bool askOperator(QWidget* parent, const QString& question, const QString& details,
+                 QMessageBox::StandardButton defaultButton) {
+  QMessageBox box(QMessageBox::Question, QCoreApplication::translate("askOperator", "Message"), question,
+                  QMessageBox::Yes | QMessageBox::No, parent);
+  box.setInformativeText(details);
+  box.setDefaultButton(defaultButton);
+  return box.exec() == QMessageBox::Yes;
+}

@@ -1,0 +1,219 @@
+// What the operator is told of outputs that fail or lose frames, and how their buttons follow.
+#include <QGroupBox>
+#include <QPushButton>
+#include <QtTest>
+
+#include "ConsoleDesk.h"
+#include "KorviaMetaType.h"
+#include "KorviaShowEvents.h"
+#include "StatusBoard.h"
+#include "console/GOutputNotice.h"
+
+namespace {
+
+class OpenDesk : public ConsoleDesk {
+ public:
+  OpenDesk() {
+    isOpen = start();
+    show.answer(ShowEventStartOutput, [](const ScriptedShow::Event& event) {
+      return std::pair<QVariant, QVariant>(event.args[0], event.args[1]);
+    });
+    show.answer(ShowEventStopOutput, [](const ScriptedShow::Event& event) {
+      return std::pair<QVariant, QVariant>(event.args[0], event.args[1]);
+    });
+  }
+
+  QPushButton* record() const { return child<QPushButton>("_startRecordPushButton"); }
+  QPushButton* stream() const { return child<QPushButton>("_startStreamPushButton"); }
+  GOutputNotice* notice() const { return child<GOutputNotice>("_outputNoticePushButton"); }
+  tagKorviaShowOutputReport& output(int slot) { return show.figures.outputs[static_cast<std::size_t>(slot)]; }
+  /// Presses the button and lets the engine answer.
+  void click(QPushButton* button) {
+    button->click();
+    settle();
+  }
+  void tick() { console->onWorkTimer(); }
+  void failRecording() {
+    output(OutputSlotRecord) = {KorviaShowOutputState::Failed, "no space left on device",
+                                "/records/vod/0/evening.mp4", 0};
+    tick();
+  }
+  QJsonObject outputsOnBoard() const {
+    return korvia::StatusBoard::instance().snapshot()["outputs"].toObject();
+  }
+
+  bool isOpen = false;
+};
+
+}  // namespace
+
+class OutputWatchTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void buttonOfAFailedRecordingSpringsBack() {
+    OpenDesk desk;
+    desk.click(desk.record());
+    QVERIFY(desk.record()->isChecked());
+    desk.show.clearEvents();
+    desk.failRecording();
+    QVERIFY(!desk.record()->isChecked());
+    QVERIFY(desk.record()->isEnabled());
+    desk.settle();
+    QVERIFY(desk.show.events().empty());
+  }
+
+  void noticeTellsReasonAndFile() {
+    OpenDesk desk;
+    QVERIFY(!desk.notice()->isVisible());
+    desk.click(desk.record());
+    desk.failRecording();
+    QVERIFY(desk.notice()->isVisible());
+    QCOMPARE(desk.notice()->text(), QString("Recording failed: no space left on device - evening.mp4"));
+    QCOMPARE(desk.notice()->toolTip(),
+             QString("Recording failed: no space left on device\n/records/vod/0/evening.mp4"));
+  }
+
+  void noticeCoversNoPicture() {
+    OpenDesk desk;
+    desk.click(desk.record());
+    desk.output(OutputSlotRecord).fileName = "/records/" + QString(300, 'x') + ".mp4";
+    desk.output(OutputSlotRecord).state = KorviaShowOutputState::Failed;
+    desk.output(OutputSlotRecord).reason = QString(100, 'y');
+    for (const QSize& size : {QSize(1270, 670), QSize(1014, 600), QSize(1900, 1000)}) {
+      desk.console->resize(size);
+      desk.settle();
+      desk.tick();
+      const QRect place(desk.notice()->mapTo(desk.console, QPoint()), desk.notice()->size());
+      QVERIFY(desk.notice()->isVisible());
+      QVERIFY(place.width() > 100);
+      auto* box = desk.child<QGroupBox>("_pgmViewGroupBox");
+      const int titleEnd =
+          box->mapTo(desk.console, QPoint()).x() + box->fontMetrics().horizontalAdvance(box->title());
+      QVERIFY(place.left() > titleEnd);
+      for (const char* name : {"_pvmPreviewWidget", "_pgmPreviewWidget", "_videoPreviewWidget"}) {
+        for (QWidget* picture : desk.console->findChildren<QWidget*>(name))
+          QVERIFY2(!place.intersects({picture->mapTo(desk.console, QPoint()), picture->size()}), name);
+      }
+    }
+  }
+
+  void noticeIsClickedAwayForGood() {
+    OpenDesk desk;
+    desk.click(desk.record());
+    desk.failRecording();
+    QTest::mouseClick(desk.notice(), Qt::LeftButton);
+    QVERIFY(!desk.notice()->isVisible());
+    desk.tick();
+    QVERIFY(!desk.notice()->isVisible());
+  }
+
+  void noticeGoesWhenTheNextRecordingStarts() {
+    OpenDesk desk;
+    desk.click(desk.record());
+    desk.failRecording();
+    desk.click(desk.record());
+    QVERIFY(!desk.notice()->isVisible());
+    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0};
+    desk.tick();
+    QVERIFY(!desk.notice()->isVisible());
+    QVERIFY(desk.record()->isChecked());
+    // The next failure is told anew.
+    desk.failRecording();
+    QVERIFY(desk.notice()->isVisible());
+  }
+
+  void reportOfTheOutputBeforeIsNotTakenForTheNewOnes() {
+    OpenDesk desk;
+    desk.click(desk.record());
+    desk.failRecording();
+    // The answer lies in the event queue, so to the console the engine has not come to the start yet.
+    desk.record()->click();
+    desk.tick();
+    QVERIFY(desk.record()->isChecked());
+    QVERIFY(!desk.record()->isEnabled());
+    QVERIFY(!desk.notice()->isVisible());
+  }
+
+  void failureAfterTheStopIsToldToo() {
+    OpenDesk desk;
+    desk.click(desk.record());
+    desk.click(desk.record());
+    QVERIFY(!desk.record()->isChecked());
+    desk.failRecording();
+    QVERIFY(desk.notice()->isVisible());
+  }
+
+  void otherStatesLeaveTheButton_data() {
+    QTest::addColumn<int>("state");
+    QTest::newRow("idle") << int(KorviaShowOutputState::Idle);
+    QTest::newRow("starting") << int(KorviaShowOutputState::Starting);
+    QTest::newRow("running") << int(KorviaShowOutputState::Running);
+    QTest::newRow("finished") << int(KorviaShowOutputState::Finished);
+  }
+  void otherStatesLeaveTheButton() {
+    QFETCH(int, state);
+    OpenDesk desk;
+    desk.click(desk.record());
+    desk.output(OutputSlotRecord).state = static_cast<KorviaShowOutputState>(state);
+    desk.tick();
+    QVERIFY(desk.record()->isChecked());
+    QVERIFY(!desk.notice()->isVisible());
+  }
+
+  void lostFramesAreToldOncePerRecording() {
+    OpenDesk desk;
+    desk.click(desk.record());
+    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/evening.mp4", 3};
+    desk.tick();
+    QCOMPARE(desk.notice()->text(), QString("Frames lost in the recording: 3 - evening.mp4"));
+    QVERIFY(desk.record()->isChecked());
+    desk.output(OutputSlotRecord).droppedFrames = 12;
+    desk.tick();
+    QCOMPARE(desk.notice()->text(), QString("Frames lost in the recording: 12 - evening.mp4"));
+    desk.notice()->click();
+    desk.output(OutputSlotRecord).droppedFrames = 20;
+    desk.tick();
+    QVERIFY(!desk.notice()->isVisible());
+    // A failure weighs more than what was clicked away.
+    desk.failRecording();
+    QVERIFY(desk.notice()->isVisible());
+    desk.click(desk.record());
+    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 1};
+    desk.tick();
+    QCOMPARE(desk.notice()->text(), QString("Frames lost in the recording: 1 - night.mp4"));
+  }
+
+  void streamIsToldOfInItsOwnWords() {
+    OpenDesk desk;
+    desk.click(desk.stream());
+    desk.click(desk.record());
+    desk.output(OutputSlotStream) = {KorviaShowOutputState::Failed, "connection refused", {}, 0};
+    desk.tick();
+    QVERIFY(!desk.stream()->isChecked());
+    QVERIFY(desk.record()->isChecked());
+    QCOMPARE(desk.notice()->toolTip(), QString("Stream failed: connection refused"));
+  }
+
+  void statusAgrees() {
+    OpenDesk desk;
+    desk.click(desk.record());
+    desk.show.figures.recording = true;
+    desk.tick();
+    QCOMPARE(desk.outputsOnBoard()["recording"], QJsonValue(true));
+    desk.failRecording();
+    desk.output(OutputSlotRecord).droppedFrames = 4;
+    desk.tick();
+    const QJsonObject outputs = desk.outputsOnBoard();
+    QCOMPARE(outputs["recording"], QJsonValue(false));
+    const QJsonObject record = outputs["record"].toObject();
+    QCOMPARE(record["state"].toString(), QString("Failed"));
+    QCOMPARE(record["reason"].toString(), QString("no space left on device"));
+    QCOMPARE(record["file"].toString(), QString("evening.mp4"));
+    QCOMPARE(record["droppedFrames"].toInt(), 4);
+    QCOMPARE(outputs["stream"].toObject()["state"].toString(), QString("Idle"));
+  }
+};
+
+QTEST_MAIN(OutputWatchTest)
+#include "tst_output_watch.moc"
