@@ -50,7 +50,7 @@ std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janit
       targets.push_back(std::move(target));
   }
   if (targets.empty()) {
-    qCWarning(logOutput, "streams are not available in this version");
+    qCWarning(logOutput, "%s", kNoTarget);
     return nullptr;
   }
   EncoderSettings encoder;

@@ -59,6 +59,12 @@ void OutputRack::start(int slot, const tagKorviaShowOutputParam& param, const QS
     }
     std::shared_ptr<OutputSlot> output =
         createOutputSlot({slot, param, programName, format, *rate_}, janitor_);
+    if (!output) {
+      std::lock_guard lock(ledger_->mutex);
+      tagKorviaShowOutputReport& report = ledger_->reports[static_cast<std::size_t>(slot)];
+      report.state = KorviaShowOutputState::Failed;
+      report.reason = QString::fromLatin1(kNoTarget);
+    }
     std::lock_guard lock(mutex_);
     slots_[slot] = std::move(output);
   }

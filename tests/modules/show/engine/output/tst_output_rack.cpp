@@ -1,0 +1,140 @@
+// What the console is told of its outputs, from the start to the end.
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "KorviaShowEvents.h"
+#include "engine/output/OutputRack.h"
+#include "support/TestPattern.h"
+
+using namespace korvia;
+using namespace korvia::test;
+
+namespace {
+
+constexpr FrameSize kSize{320, 180};
+
+class Host final : public IShowBackendHost {
+ public:
+  void postResult(quint64 id, const QVariant& a1, const QVariant& a2, const QVariant&,
+                  const QVariant&) override {
+    log << QString("%1 %2").arg(id).arg(a1.toInt());
+    kinds << a2;
+  }
+  void setFrameRate(FrameRate) override {}
+  IKorviaShowEngineSink* engineSink() override { return nullptr; }
+
+  QStringList log;
+  QList<QVariant> kinds;
+};
+
+}  // namespace
+
+class OutputRackTest : public QObject {
+  Q_OBJECT
+
+ private:
+  QTemporaryDir folder_;
+  Host host_;
+  Janitor janitor_;
+  FramePool pool_{kSize};
+  std::unique_ptr<OutputRack> rack_;
+  int frames_ = 0;
+
+  void record(const QString& path) {
+    tagKorviaShowOutputParam param;
+    param.items[OutputSlotRecord].recordPath = path;
+    param.items[OutputSlotRecord].recordNameFormat = QStringLiteral("take");
+    tagKorviaFormatInfo format;
+    format.video.width = kSize.width;
+    format.video.height = kSize.height;
+    rack_->start(OutputSlotRecord, param, QStringLiteral("show"), format);
+  }
+  tagKorviaShowOutputReport report(int slot = OutputSlotRecord) const {
+    return rack_->reports()[static_cast<std::size_t>(slot)];
+  }
+  bool pushUntil(KorviaShowOutputState state) {
+    return QTest::qWaitFor(
+        [&] {
+          rack_->push(patternFrame(pool_, frames_++), 1);
+          return report().state == state;
+        },
+        20'000);
+  }
+
+ private slots:
+  void init() {
+    host_.log.clear();
+    host_.kinds.clear();
+    rack_ = std::make_unique<OutputRack>(janitor_);
+    rack_->setHost(&host_);
+    rack_->open({kSize, {25, 1}});
+  }
+  void cleanup() { rack_.reset(); }
+
+  void aRecordingRunsAndFinishes() {
+    QCOMPARE(report().state, KorviaShowOutputState::Idle);
+    record(folder_.path() + '/');
+    QVERIFY(report().state == KorviaShowOutputState::Starting);
+    QVERIFY(pushUntil(KorviaShowOutputState::Running));
+    QVERIFY(rack_->isRunning(OutputSlotRecord));
+    const QString fileName = report().fileName;
+    QVERIFY(QFile::exists(fileName));
+    rack_->stop(OutputSlotRecord, OutputKindRecord);
+    QCOMPARE(report().fileName, fileName);
+    QTRY_COMPARE_WITH_TIMEOUT(report().state, KorviaShowOutputState::Finished, 20'000);
+    QCOMPARE(report().reason, QString());
+    QCOMPARE(host_.log, (QStringList{"41 1", "42 1"}));
+    QCOMPARE(host_.kinds.last().toInt(), int(OutputKindRecord));
+  }
+
+  void aFolderThatCannotBeMadeIsAFailure() {
+    QFile file(folder_.filePath("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    record(file.fileName() + "/below/");
+    QVERIFY(pushUntil(KorviaShowOutputState::Failed));
+    QVERIFY(!report().reason.isEmpty());
+    // The failure stays told after the console has stopped it, until the next start.
+    rack_->stop(OutputSlotRecord, OutputKindRecord);
+    QCOMPARE(report().state, KorviaShowOutputState::Failed);
+    record(folder_.path() + '/');
+    QCOMPARE(report().state, KorviaShowOutputState::Starting);
+    QCOMPARE(report().reason, QString());
+  }
+
+  void aLateEndDoesNotOverwriteTheNextStart() {
+    record(folder_.path() + '/');
+    QVERIFY(pushUntil(KorviaShowOutputState::Running));
+    const QString first = report().fileName;
+    record(folder_.path() + '/');
+    QVERIFY(pushUntil(KorviaShowOutputState::Running));
+    const QString second = report().fileName;
+    QVERIFY(second != first);
+    rack_->stop(OutputSlotRecord, OutputKindRecord);
+    QTRY_COMPARE_WITH_TIMEOUT(report().state, KorviaShowOutputState::Finished, 20'000);
+    QCOMPARE(report().fileName, second);
+  }
+
+  void aStreamHasNothingToSendTo() {
+    rack_->start(OutputSlotStream, {}, {}, {});
+    QCOMPARE(report(OutputSlotStream).state, KorviaShowOutputState::Failed);
+    QCOMPARE(report(OutputSlotStream).reason, QString("streams are not available in this version"));
+    QCOMPARE(host_.log, QStringList{"41 0"});
+  }
+
+  void slotsThatDoNotExistAreAnsweredAndNothingElse() {
+    rack_->start(7, {}, {}, {});
+    rack_->stop(-1, OutputKindRecord);
+    QCOMPARE(host_.log, (QStringList{"41 7", "42 -1"}));
+  }
+
+  void nothingStartsBeforeTheShowIsOpen() {
+    rack_->close();
+    QTest::ignoreMessage(QtWarningMsg, "no output starts before the show is open");
+    record(folder_.path() + '/');
+    QCOMPARE(report().state, KorviaShowOutputState::Idle);
+    QCOMPARE(host_.log, QStringList{"41 1"});
+  }
+};
+
+QTEST_GUILESS_MAIN(OutputRackTest)
+#include "tst_output_rack.moc"
