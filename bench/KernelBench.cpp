@@ -10,6 +10,7 @@
 #include <functional>
 #include <vector>
 
+#include "Report.h"
 #include "engine/bus/Compositor.h"
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/FramePool.h"
