@@ -19,7 +19,7 @@ class LogWriter {
   explicit LogWriter(Target target);
   LogWriter(const LogWriter&) = delete;
   LogWriter& operator=(const LogWriter&) = delete;
-  /// Leaves a target that blocks behind, after the end of drain()'s time.
+  /// Returns at once: the thread writes what is queued and ends by itself.
   ~LogWriter();
 
   /// `line` ends in a line feed. Never waits for the target.

@@ -9,8 +9,8 @@ void EventTable::dispatch(const ShowEvent& event) {
   if (found != handlers_.end())
     found->second(event);
   else if (logged_.insert(event.id).second)
-    qCWarning(logEngine, "no part of the engine takes event %llu %s",
-              static_cast<unsigned long long>(event.id), korviaShowEventName(event.id));
+    qCInfo(logEngine, "no part of the engine takes event %llu %s", static_cast<unsigned long long>(event.id),
+           korviaShowEventName(event.id));
 }
 
 }  // namespace korvia

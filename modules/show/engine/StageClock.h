@@ -2,7 +2,6 @@
 #pragma once
 #include <array>
 #include <chrono>
-#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -45,6 +44,8 @@ class StageClock {
     float ms = 0;
   };
   struct Samples {
+    mutable std::mutex mutex;
+    // All guarded by mutex.
     std::array<Sample, kCapacity> ring{};
     int count = 0;
     int next = 0;
@@ -52,8 +53,8 @@ class StageClock {
   };
   static tagKorviaShowEngineFigures::StageTime summary(const Samples& samples, Time now);
 
-  mutable std::mutex mutex_;
-  std::array<Samples, StageCount> stages_;  // guarded by mutex_
+  // A lock a stage, held as long as it takes to copy its times: who reads never holds up a whole frame.
+  std::array<Samples, StageCount> stages_;
 };
 
 }  // namespace korvia

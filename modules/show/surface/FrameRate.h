@@ -11,9 +11,11 @@ struct FrameRate {
   std::int64_t denominator = 1;
 
   static constexpr std::int64_t kPartMax = 2'000'000;
+  static constexpr std::int64_t kFramesPerSecondMax = 1000;
 
   bool isValid() const {
-    return numerator > 0 && denominator > 0 && numerator <= kPartMax && denominator <= kPartMax;
+    return numerator > 0 && denominator > 0 && numerator <= kPartMax && denominator <= kPartMax &&
+           numerator <= denominator * kFramesPerSecondMax;
   }
   double framesPerSecond() const { return static_cast<double>(numerator) / static_cast<double>(denominator); }
   /// Time that `frames` last.

@@ -10,7 +10,6 @@ namespace {
 constexpr qint64 kMissedMax = 250;
 // A float rate is kept to a thousandth of a frame.
 constexpr int kFpsScale = 1000;
-constexpr int kFpsMax = 1000;
 
 }  // namespace
 
@@ -22,13 +21,13 @@ KorviaShowThread::~KorviaShowThread() {
 }
 
 void KorviaShowThread::setFps(float fps) {
-  if (!std::isfinite(fps) || fps <= 0 || fps > kFpsMax)
+  if (!std::isfinite(fps) || fps <= 0 || fps > korvia::FrameRate::kFramesPerSecondMax)
     return;
   setFrameRate({std::max(1L, std::lround(fps * kFpsScale)), kFpsScale});
 }
 
 void KorviaShowThread::setFrameRate(korvia::FrameRate rate) {
-  if (!rate.isValid() || rate.numerator / rate.denominator > kFpsMax)
+  if (!rate.isValid())
     return;
   std::lock_guard lock(mutex_);
   rate_ = rate;

@@ -13,6 +13,7 @@
 #include "KorviaShowEvents.h"
 #include "RecordJson.h"
 #include "engine/ThreadName.h"
+#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
@@ -142,6 +143,7 @@ void BlackBox::note(Note note) {
 
 void BlackBox::run() {
   nameThread("kv-trace");
+  runAsBatch();
   std::vector<Note> notes;
   notes.reserve(kQueuedLinesMax);
   std::unique_lock lock(mutex_);

@@ -10,10 +10,6 @@ void Switcher::open(const ShowFormat& format) {
   pool_ = std::make_unique<FramePool>(format.size);
 }
 
-void Switcher::close() {
-  pool_.reset();
-}
-
 void Switcher::take(int channel, int effect, double seconds, int easing) {
   if (channel == 0)
     return;

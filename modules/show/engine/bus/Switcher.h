@@ -20,7 +20,6 @@ class Switcher {
   /// Results go to `host` from here on; null ends that.
   void setHost(IShowBackendHost* host) { host_ = host; }
   void open(const ShowFormat& format);
-  void close();
 
   // Events.
   void take(int channel, int effect, double seconds, int easing);

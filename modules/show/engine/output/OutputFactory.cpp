@@ -58,6 +58,8 @@ std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janit
       request.slot == OutputSlotRecord ? QStringLiteral("the recording") : QStringLiteral("the stream");
   encoder.picture = {encodedSize(request.format.video), request.rate,
                      encodedKbps(request.param.encode[request.slot].videoBitrate)};
+  encoder.queueCapacity =
+      static_cast<int>(std::clamp<std::int64_t>(request.rate.framesIn(1'000'000'000), 1, 60));
   return std::make_unique<OutputSlot>(std::move(encoder), std::move(targets), janitor);
 }
 

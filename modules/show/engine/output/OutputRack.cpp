@@ -9,8 +9,8 @@ namespace korvia {
 
 namespace {
 
-// Longer than encoder and targets together may take to end.
-constexpr int kEndMs = 30'000;
+// A little longer than a target may take to end; the janitor's next work waits for it.
+constexpr int kEndMs = 12'000;
 
 }  // namespace
 
@@ -28,8 +28,12 @@ struct OutputRack::Ending {
   ~Ending() {
     if (!output)
       return;
-    output->waitFinished(kEndMs);
-    const tagKorviaShowOutputReport report = output->report();
+    const bool ended = output->waitFinished(kEndMs);
+    tagKorviaShowOutputReport report = output->report();
+    if (!ended) {
+      report.state = KorviaShowOutputState::Failed;
+      report.reason = QStringLiteral("the end was not written in time");
+    }
     std::lock_guard lock(ledger->mutex);
     if (ledger->starts[static_cast<std::size_t>(slot)] == start)
       ledger->reports[static_cast<std::size_t>(slot)] = report;
@@ -78,19 +82,18 @@ void OutputRack::stop(int slot, int kind) {
 }
 
 void OutputRack::end(int slot) {
-  std::shared_ptr<OutputSlot> output;
-  {
-    std::lock_guard lock(mutex_);
-    output = std::move(slots_[slot]);
-  }
-  if (!output)
+  if (!slots_[slot])
     return;
-  output->finish();
+  slots_[slot]->finish();
+  std::shared_ptr<OutputSlot> output;
   int start = 0;
   {
-    std::lock_guard lock(ledger_->mutex);
+    // Both at once, so that reports() finds the output in one of the two.
+    std::lock_guard lock(mutex_);
+    std::lock_guard ledgerLock(ledger_->mutex);
     start = ledger_->starts[static_cast<std::size_t>(slot)];
-    ledger_->reports[static_cast<std::size_t>(slot)] = output->report();
+    ledger_->reports[static_cast<std::size_t>(slot)] = slots_[slot]->report();
+    output = std::move(slots_[slot]);
   }
   janitor_.dispose(Ending(std::move(output), ledger_, slot, start));
 }

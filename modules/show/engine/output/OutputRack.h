@@ -37,7 +37,7 @@ class OutputRack {
   /// `kind` goes back with the answer.
   void stop(int slot, int kind);
 
-  /// One program frame, `count` times: 1 plus the frames that were missed.
+  /// One program frame, `count` times in a row.
   void push(const FrameRef& frame, int count);
 
   bool isRunning(int slot) const;

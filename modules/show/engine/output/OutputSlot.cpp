@@ -39,7 +39,7 @@ tagKorviaShowOutputReport OutputSlot::report() const {
       report.fileName = own.location;
     if (report.reason.isEmpty())
       report.reason = own.reason;
-    up = up || own.state == TargetState::Up;
+    up = up || own.state == TargetState::Up || own.state == TargetState::Finishing;
     allEnded = allEnded && (own.state == TargetState::Failed || own.state == TargetState::Finished);
   }
   // An output that ends without being asked has failed, whole as its file may be.

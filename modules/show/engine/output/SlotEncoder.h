@@ -20,7 +20,7 @@ namespace korvia {
 struct EncoderSettings {
   QString label;  ///< in the log, as the subject of a sentence
   PictureEncoding picture;
-  /// Frames that may wait for the encoder: a second of the show, 75 MB of 1920x1080 at worst.
+  /// Frames that may wait for the encoder: a second of the show, 75 MB of 1920x1080 at 25 frames a second.
   int queueCapacity = 25;
   /// How long what was pushed may take to be encoded after the end.
   int finishTimeoutMs = 10000;

@@ -13,7 +13,8 @@ class DriftEstimator {
  public:
   /// Transits are small numbers: the owner takes off the difference between the two clocks.
   void add(std::int64_t transitNs, std::int64_t arrivalNs);
-  /// What follows has another level. Its first window is measured before the level changes.
+  /// The transit changes to another level for good. The line keeps its old level until the first window of
+  /// the new one is complete.
   void beginSegment();
   /// The transit of undelayed data that arrive at this time; 0 before the first add.
   std::int64_t transitAt(std::int64_t timeNs) const;

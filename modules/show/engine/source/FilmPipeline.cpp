@@ -214,6 +214,11 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
                      static_cast<FilmPipeline*>(self)->onPadAdded(pad);
                    }),
                    this);
+  g_signal_connect(decoder, "pad-removed", G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer self) {
+                     const HandoverScope scope(self);
+                     static_cast<FilmPipeline*>(self)->onPadRemoved(pad);
+                   }),
+                   this);
   g_signal_connect(decoder, "no-more-pads", G_CALLBACK(+[](GstElement*, gpointer self) {
                      const HandoverScope scope(self);
                      static_cast<FilmPipeline*>(self)->onNoMorePads();
@@ -282,10 +287,8 @@ bool FilmPipeline::wantsDecoding(GstPad* pad, GstCaps* caps) {
   std::lock_guard lock(streamMutex_);
   // What a demuxer adds when all was there belongs to what follows: a transport stream may change its
   // streams.
-  if (std::exchange(groupIsComplete_, false)) {
+  if (std::exchange(groupIsComplete_, false))
     pictureStream_.clear();
-    pictureTaken_ = false;
-  }
   if (pictureStream_.empty())
     pictureStream_ = stream;
   return pictureStream_ == stream;
@@ -306,7 +309,7 @@ void FilmPipeline::onPadAdded(GstPad* pad) {
   const GstStructure* format =
       caps && !gst_caps_is_empty(caps) && !gst_caps_is_any(caps) ? gst_caps_get_structure(caps, 0) : nullptr;
   const char* name = format ? gst_structure_get_name(format) : "";
-  if (g_str_has_prefix(name, "video/x-raw") && takePicture())
+  if (g_str_has_prefix(name, "video/x-raw") && takePicture(pad))
     linkPicture(pad, format);
   else if (g_str_has_prefix(name, "audio/"))
     linkSound(pad);
@@ -316,10 +319,20 @@ void FilmPipeline::onPadAdded(GstPad* pad) {
     gst_caps_unref(caps);
 }
 
-bool FilmPipeline::takePicture() {
+bool FilmPipeline::takePicture(GstPad* pad) {
   std::lock_guard lock(streamMutex_);
+  if (picturePad_)
+    return false;
+  picturePad_ = pad;
   hasPicture_ = true;
-  return !std::exchange(pictureTaken_, true);
+  return true;
+}
+
+// A stream that changes its codec in the middle gets another decoder: the old one's pad goes first.
+void FilmPipeline::onPadRemoved(GstPad* pad) {
+  std::lock_guard lock(streamMutex_);
+  if (pad == picturePad_)
+    picturePad_ = nullptr;
 }
 
 void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
@@ -328,6 +341,12 @@ void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
   const char* pixels = gst_structure_get_string(format, "format");
   const GstVideoFormatInfo* info =
       pixels ? gst_video_format_get_info(gst_video_format_from_string(pixels)) : nullptr;
+  GstPad* deinterlacer = gst_element_get_static_pad(deinterlace_, "sink");
+  // After a change of the codec in the middle the way of the old decoder's pictures is still linked.
+  if (GstPad* old = gst_pad_get_peer(deinterlacer)) {
+    gst_pad_unlink(old, deinterlacer);
+    gst_object_unref(old);
+  }
   GstPad* sink = nullptr;
   if (interlace && std::strcmp(interlace, "progressive") != 0 && info && info->n_components > 0 &&
       info->depth[0] > 8) {
@@ -345,15 +364,11 @@ void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
     }
   }
   if (!sink)
-    sink = gst_element_get_static_pad(deinterlace_, "sink");
-  // After a change of the codec in the middle the pad of the old decoder is still linked.
-  if (GstPad* old = gst_pad_get_peer(sink)) {
-    gst_pad_unlink(old, sink);
-    gst_object_unref(old);
-  }
+    sink = gst_object_ref(deinterlacer);
   if (gst_pad_link(pad, sink) != GST_PAD_LINK_OK)
     fail(QStringLiteral("picture cannot be linked"));
   gst_object_unref(sink);
+  gst_object_unref(deinterlacer);
 }
 
 // The film's sound, still encoded: the place where decoder and audio queue follow on.

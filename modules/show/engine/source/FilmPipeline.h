@@ -50,7 +50,8 @@ class FilmPipeline {
   bool makePictureChain(QString& reason);
   void onPadAdded(GstPad* pad);
   /// Whether the pad that was added is the one that pictures come from.
-  bool takePicture();
+  bool takePicture(GstPad* pad);
+  void onPadRemoved(GstPad* pad);
   void linkPicture(GstPad* pad, const GstStructure* format);
   void linkSound(GstPad* pad);
   void linkNowhere(GstPad* pad);
@@ -72,7 +73,7 @@ class FilmPipeline {
   std::atomic<bool> failed_{false};
   std::mutex streamMutex_;
   std::string pictureStream_;     // guarded by streamMutex_
-  bool pictureTaken_ = false;     // guarded by streamMutex_; a pad of this group is linked
+  GstPad* picturePad_ = nullptr;  // guarded by streamMutex_; the decoder's that is linked, compared only
   bool groupIsComplete_ = false;  // guarded by streamMutex_
 };
 

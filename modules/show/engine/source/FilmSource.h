@@ -5,7 +5,7 @@
 
 #include "FilmTransport.h"
 #include "Source.h"
-#include "SourceThreads.h"  // waitForClosedSources, for whoever ends a show
+#include "SourceThreads.h"
 
 namespace korvia {
 

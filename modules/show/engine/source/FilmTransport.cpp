@@ -331,6 +331,8 @@ void FilmTransport::play() {
   }
   clock_.setPlaying(true);
   state_ = Playing;
+  // The film may have reached its end in the tick in which it was paused, which nobody was told of.
+  handleDrained();
 }
 
 void FilmTransport::pause() {

@@ -12,7 +12,7 @@ namespace {
 // that the source counts anew.
 constexpr std::int64_t kBackNs = 500'000'000;
 constexpr std::int64_t kEarlyNs = 100'000'000;
-// Data that all come too late for so long will go on to, unless they catch up.
+// When all data come too late for this time and do not catch up, their delay is taken as the new normal.
 constexpr std::int64_t kLateForNs = 1'000'000'000;
 constexpr std::int64_t kCatchesUpNs = 100'000'000;
 // Time follows what is measured with this time constant and at most so much beside the source's speed; what

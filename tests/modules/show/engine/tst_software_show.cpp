@@ -120,7 +120,6 @@ class SoftwareShowTest : public QObject {
     openColor(kCh2, 0xFF00FF00);
     post(ShowEventSelectChannel, PVMObject, kCh1);
     post(ShowEventSelectChannel, PGMObject, kCh0);
-    // A colour is drawn on a worker.
     QTRY_VERIFY((step(), isNear(program(), Qt::red)));
     host_->log.clear();
     host_->positions.clear();

@@ -24,7 +24,9 @@ class TestFrameRate : public QObject {
 
   void ratesOutOfRangeAreNotValid() {
     QVERIFY((FrameRate{30000, 1001}).isValid());
-    QVERIFY((FrameRate{FrameRate::kPartMax, 1}).isValid());
+    QVERIFY((FrameRate{FrameRate::kPartMax, FrameRate::kPartMax}).isValid());
+    QVERIFY((FrameRate{1000, 1}).isValid());
+    QVERIFY(!(FrameRate{1001, 1}).isValid());
     QVERIFY(!(FrameRate{0, 1}).isValid());
     QVERIFY(!(FrameRate{25, 0}).isValid());
     QVERIFY(!(FrameRate{-25, 1}).isValid());

@@ -36,7 +36,7 @@ class Screen {
     std::lock_guard lock(mutex_);
     lost_ = window;
   }
-  bool takeLost(WId window) {
+  bool isLost(WId window) {
     std::lock_guard lock(mutex_);
     return lost_ == window;
   }
@@ -67,7 +67,7 @@ class FakeSurface final : public MonitorSurface {
     fresh_ = false;
     screen_.found(window_);
   }
-  bool isLost() const override { return fresh_ || screen_.takeLost(window_); }
+  bool isLost() const override { return fresh_ || screen_.isLost(window_); }
 
  private:
   Screen& screen_;
