@@ -6,7 +6,8 @@
 
 class FocusKeeper {
  public:
-  /// Before the part is disabled or hidden: when the focus is inside it, nobody has the focus from then on.
+  /// Before the part is disabled or hidden: when the focus is inside it, it goes to the window, which does
+  /// nothing with keys.
   void takeFrom(const QWidget* part);
   /// Once the part is back: it gets what was taken, unless another control has got the focus since.
   void giveBack();

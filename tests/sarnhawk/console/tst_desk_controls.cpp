@@ -268,6 +268,7 @@ class DeskControlsTest : public QObject {
     seek->setFocus(Qt::MouseFocusReason);
     desk.show.removeSource(0);
     desk.console->onWorkTimer();
+    QVERIFY(desk.focus() == &desk.frame);
     // The next in the tab order is the lever, which End would switch with.
     desk.press(Qt::Key_End);
     desk.settle();
