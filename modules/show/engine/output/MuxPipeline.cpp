@@ -52,7 +52,7 @@ bool MuxPipeline::link(const TrackList& tracks, const RecordContainer& container
 
 bool MuxPipeline::addTrack(const Track& track, const RecordContainer& container, GstElement* muxer) {
   inlets_.push_back(std::make_unique<PipelineInlet>(pipeline_));
-  GstElement* source = inlets_.back()->create(nullptr, track.caps.get());
+  GstElement* source = inlets_.back()->create("packets", track.caps.get());
   GstElement* parser = pipeline_.add("h264parse", nullptr);
   if (!source || !parser)
     return false;

@@ -42,7 +42,7 @@ class OutputSlot {
 
  private:
   const Targets targets_;
-  SlotEncoder encoder_;  // goes first, and finishes the targets
+  SlotEncoder encoder_;  // destroyed first: its end finishes the targets
   qint64 frames_ = 0;
   std::atomic<bool> stopped_{false};  // by finish()
 };

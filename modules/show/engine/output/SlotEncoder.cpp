@@ -39,7 +39,7 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
       return;
     }
   }
-  // After the lock: who wakes up must not run into it.
+  // After the lock, so that the woken thread does not wait for it.
   changed_.notify_all();
 }
 
@@ -90,7 +90,7 @@ SlotEncoder::Step SlotEncoder::step() {
     drained = queue_.isEmpty();
   }
 
-  // x264 holds many megabytes, and encodes for nobody.
+  // Without a target nobody takes the packets, and x264 holds many megabytes.
   if (pipeline_ && !streamEnded_ && targets_.isEmpty())
     pipeline_.reset();
   if (pipeline_ && pipeline_->hasFailed()) {

@@ -61,7 +61,7 @@ bool Target::push(const Packet& packet) {
     Packet own = packet;
     own.ptsNs -= *share_->originNs;
     own.dtsNs -= *share_->originNs;
-    // Sound of before the first picture.
+    // Sound from before the first picture.
     if (own.ptsNs < 0)
       return true;
     const bool picture = own.isPicture();
@@ -74,7 +74,7 @@ bool Target::push(const Packet& packet) {
       return true;
     }
   }
-  // After the lock: who wakes up must not run into it.
+  // After the lock, so that the woken thread does not wait for it.
   share_->changed.notify_all();
   return true;
 }
