@@ -364,7 +364,7 @@ void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
     }
   }
   if (!sink)
-    sink = gst_object_ref(deinterlacer);
+    sink = GST_PAD(gst_object_ref(deinterlacer));
   if (gst_pad_link(pad, sink) != GST_PAD_LINK_OK)
     fail(QStringLiteral("picture cannot be linked"));
   gst_object_unref(sink);

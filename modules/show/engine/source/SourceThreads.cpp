@@ -1,5 +1,6 @@
 #include "SourceThreads.h"
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <map>
@@ -47,12 +48,15 @@ void logAbandoned(Registry& all) {
   }
 }
 
+/// Whether threads that were asked to end are worth waiting for: one that was given up is not.
+bool isWorthWaiting(const Registry& all) {
+  return std::any_of(all.threads.begin(), all.threads.end(),
+                     [](const auto& entry) { return entry.second.closingSince && !entry.second.abandoned; });
+}
+
 bool anyClosing(const Registry& all) {
-  for (const auto& [number, thread] : all.threads) {
-    if (thread.closingSince)
-      return true;
-  }
-  return false;
+  return std::any_of(all.threads.begin(), all.threads.end(),
+                     [](const auto& entry) { return entry.second.closingSince.has_value(); });
 }
 
 }  // namespace
@@ -92,8 +96,7 @@ bool waitForClosedSources(int timeoutMs) {
   Registry& all = registry();
   std::unique_lock lock(all.mutex);
   const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
-  while (anyClosing(all)) {
-    logAbandoned(all);
+  for (logAbandoned(all); isWorthWaiting(all); logAbandoned(all)) {
     const Clock::time_point now = Clock::now();
     if (now >= deadline)
       break;

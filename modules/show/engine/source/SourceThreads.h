@@ -13,8 +13,8 @@ quint64 startSourceThread(const QString& name, std::function<void()> work);
 /// Tells that the thread was asked to end. One that still runs 5 s later is logged as abandoned.
 void markSourceThreadClosing(quint64 number);
 
-/// Waits until all threads that were asked to end have ended; false when some still run. Called when the show
-/// ends, after all sources are closed.
+/// Waits until all threads that were asked to end have ended; false when some still run. Threads that were
+/// given up as abandoned are not waited for. Called when the show ends, after all sources are closed.
 bool waitForClosedSources(int timeoutMs);
 
 }  // namespace korvia
