@@ -89,6 +89,9 @@ FilmPipeline::FilmPipeline(FilmPipelineListener& listener) : listener_(listener)
 FilmPipeline::~FilmPipeline() {
   if (pipeline_) {
     gst_element_set_state(pipeline_, GST_STATE_NULL);
+    // GStreamer may hold the pipeline a little longer than we do, and removes pads when it lets it go.
+    if (decoder_)
+      g_signal_handlers_disconnect_by_data(decoder_, this);
     GstBus* bus = gst_element_get_bus(pipeline_);
     gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
     gst_object_unref(bus);
@@ -201,6 +204,7 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
   GstElement* decoder = makeElement("decodebin", reason);
   if (!decoder)
     return false;
+  decoder_ = decoder;
   gst_bin_add(GST_BIN(pipeline_), decoder);
   g_object_set(decoder, "max-size-bytes", kMostQueuedBytes, nullptr);
   if (!makePictureChain(reason))

@@ -65,6 +65,7 @@ class FilmPipeline {
 
   FilmPipelineListener& listener_;
   GstElement* pipeline_ = nullptr;
+  GstElement* decoder_ = nullptr;  // owned by pipeline_, as the ones below
   GstElement* deinterlace_ = nullptr;
   GstElement* pictureSink_ = nullptr;
   int fd_ = -1;
