@@ -26,7 +26,7 @@ QByteArray passwdHome() {
 
 QString homeFolder() {
   for (const QByteArray& candidate : {qgetenv("HOME"), passwdHome()}) {
-    const QString folder = QDir::cleanPath(QFile::decodeName(candidate));
+    QString folder = QDir::cleanPath(QFile::decodeName(candidate));
     if (QDir::isAbsolutePath(folder) && folder != QLatin1String("/"))
       return folder;
   }
