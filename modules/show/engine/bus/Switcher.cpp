@@ -62,19 +62,15 @@ void Switcher::report() {
   after.reportChanges(before, *host_);
 }
 
-FrameRef Switcher::onBlack(int channel) {
-  return opaque(channels_.picture(channel));
-}
-
 FrameRef Switcher::previewPicture() {
-  return onBlack(pvm_.channel());
+  return channels_.picture(pvm_.channel());
 }
 
 FrameRef Switcher::programPicture() {
   if (!switch_.isRunning())
-    return onBlack(pgm_.channel());
-  FrameRef from = onBlack(switch_.from());
-  const FrameRef to = onBlack(switch_.to());
+    return channels_.picture(pgm_.channel());
+  FrameRef from = channels_.picture(switch_.from());
+  const FrameRef to = channels_.picture(switch_.to());
   const Transition* transition = switch_.transition();
   if (!transition || switch_.position() <= 0 || from == to)
     return from;

@@ -28,7 +28,8 @@ class Switcher {
 
   /// Steps a running take by `frames` and reports where it is.
   void step(int frames);
-  /// The picture on program without the bus's layers: a channel, or the transition between two. Opaque.
+  /// The picture on program without the bus's layers: a channel, or the transition between two. Its alpha, if
+  /// any, means nothing: a bus lies on black, and colours are premultiplied.
   FrameRef programPicture();
   FrameRef previewPicture();
 
@@ -39,7 +40,6 @@ class Switcher {
  private:
   void report();
   void reportDoneTake();
-  FrameRef onBlack(int channel);
 
   ChannelPictures& channels_;
   IShowBackendHost* host_ = nullptr;

@@ -74,19 +74,6 @@ void FrameRef::reset() {
     frame->drop();
 }
 
-FrameRef opaque(const FrameRef& picture) {
-  if (!picture || !picture->hasAlpha())
-    return picture;
-  Frame::External external;
-  for (int plane = Frame::Y; plane <= Frame::V; ++plane) {
-    external.data[plane] = picture->plane(plane);
-    external.stride[plane] = picture->stride(plane);
-  }
-  external.opaque = new FrameRef(picture);
-  external.release = [](void* held) { delete static_cast<FrameRef*>(held); };
-  return FrameRef::adopt(new Frame(picture->size(), external));
-}
-
 FrameRef MutableFrame::publish() && {
   // Kernels write past the cache, and no atomic orders such writes before what tells other threads of the
   // frame.

@@ -1,4 +1,5 @@
-// A picture: planar 4:2:0, 8 bit, BT.709 limited range, with an optional full-size alpha plane.
+// A picture: planar 4:2:0, 8 bit, BT.709 limited range, with an optional full-size alpha plane. Colours are
+// premultiplied: without regard to alpha, planes Y, U and V are the picture over black.
 // Written by one thread before it is published as a FrameRef, immutable and shared between threads after.
 #pragma once
 #include <atomic>
@@ -109,10 +110,6 @@ class FrameRef {
   }
   Frame* frame_ = nullptr;
 };
-
-/// The picture over black: itself when it has no alpha, else a frame over the same memory that has none. The
-/// colours are premultiplied, so over black they are what they are.
-FrameRef opaque(const FrameRef& picture);
 
 /// The one writer of a frame that nobody else sees yet.
 class MutableFrame {

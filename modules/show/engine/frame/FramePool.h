@@ -29,6 +29,7 @@ class FramePool {
   /// A black frame of the pool's size, made once and shared.
   FrameRef black();
   FrameSize size() const { return size_; }
+  bool hasAlpha() const { return alpha_; }
 
  private:
   const FrameSize size_;

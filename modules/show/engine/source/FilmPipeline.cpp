@@ -63,15 +63,81 @@ void setIfThere(GstElement* element, const char* property, int value) {
   }
 }
 
-/// Lets decoders put out pictures with padding of their own, instead of copying out of them. The deinterlacer
-/// would not ask for that, also where it only hands on.
+/// Where a parser keeps what the container said of its colours.
+constexpr char kContainerColors[] = "korvia-container-colors";
+
+void replaceCaps(GstPadProbeInfo* info, GstCaps* caps) {
+  gst_event_unref(gst_pad_probe_info_get_event(info));
+  GST_PAD_PROBE_INFO_DATA(info) = gst_event_new_caps(caps);
+  gst_caps_unref(caps);
+}
+
+/// Takes the container's colours out of the caps that a parser gets, so that it looks for the stream's own.
+GstPadProbeReturn takeContainerColors(GstPad* pad, GstPadProbeInfo* info, gpointer) {
+  GstEvent* event = gst_pad_probe_info_get_event(info);
+  if (GST_EVENT_TYPE(event) != GST_EVENT_CAPS)
+    return GST_PAD_PROBE_OK;
+  GstCaps* caps = nullptr;
+  gst_event_parse_caps(event, &caps);
+  const char* colors = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
+  GstElement* parser = gst_pad_get_parent_element(pad);
+  if (colors && parser) {
+    g_object_set_data_full(G_OBJECT(parser), kContainerColors, g_strdup(colors), g_free);
+    GstCaps* without = gst_caps_copy(caps);
+    gst_structure_remove_field(gst_caps_get_structure(without, 0), "colorimetry");
+    replaceCaps(info, without);
+  }
+  gst_clear_object(&parser);
+  return GST_PAD_PROBE_OK;
+}
+
+/// Completes what the parser found in the stream by what the container said.
+GstPadProbeReturn completeColors(GstPad* pad, GstPadProbeInfo* info, gpointer) {
+  GstEvent* event = gst_pad_probe_info_get_event(info);
+  GstElement* parser = GST_EVENT_TYPE(event) == GST_EVENT_CAPS ? gst_pad_get_parent_element(pad) : nullptr;
+  if (!parser)
+    return GST_PAD_PROBE_OK;
+  const auto* said = static_cast<const char*>(g_object_get_data(G_OBJECT(parser), kContainerColors));
+  GstVideoColorimetry colors;
+  if (said && gst_video_colorimetry_from_string(&colors, said)) {
+    GstCaps* caps = nullptr;
+    gst_event_parse_caps(event, &caps);
+    GstVideoColorimetry found = {};
+    const char* text = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
+    const bool known = text && gst_video_colorimetry_from_string(&found, text);
+    if (known && found.range != GST_VIDEO_COLOR_RANGE_UNKNOWN)
+      colors.range = found.range;
+    if (!known || found.matrix == GST_VIDEO_COLOR_MATRIX_UNKNOWN) {
+      gchar* whole = gst_video_colorimetry_to_string(&colors);
+      GstCaps* completed = gst_caps_copy(caps);
+      gst_caps_set_simple(completed, "colorimetry", G_TYPE_STRING, whole, nullptr);
+      g_free(whole);
+      replaceCaps(info, completed);
+    }
+  }
+  gst_object_unref(parser);
+  return GST_PAD_PROBE_OK;
+}
+
+/// The MP4 demuxer drops the range that the container tells, and parsers believe the container: full-range
+/// films would count as limited. The stream's own word is better.
+void preferStreamColors(GstElement* parser) {
+  GstPad* pad = gst_element_get_static_pad(parser, "sink");
+  gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, takeContainerColors, nullptr, nullptr);
+  gst_object_unref(pad);
+  pad = gst_element_get_static_pad(parser, "src");
+  gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, completeColors, nullptr, nullptr);
+  gst_object_unref(pad);
+}
+
+/// Lets decoders put out pictures with padding of their own, instead of copying out of them.
 GstPadProbeReturn offerPaddedPictures(GstQuery* query) {
   if (GST_QUERY_TYPE(query) != GST_QUERY_ALLOCATION)
     return GST_PAD_PROBE_OK;
   GstCaps* caps = nullptr;
   gst_query_parse_allocation(query, &caps, nullptr);
   GstVideoInfo info;
-  if (!caps || !gst_video_info_from_caps(&info, caps) || GST_VIDEO_INFO_IS_INTERLACED(&info))
+  if (!caps || !gst_video_info_from_caps(&info, caps))
     return GST_PAD_PROBE_OK;
   gst_query_add_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr);
   // Without a pool that can align, a decoder of pictures like 1920 x 1088 cut to 1080 would still copy.
@@ -138,14 +204,10 @@ GstElement* FilmPipeline::makeReader(const QString& path, QString& reason) {
 }
 
 bool FilmPipeline::makePictureChain(QString& reason) {
-  deinterlace_ = makeElement("deinterlace", reason);
   pictureSink_ = makeElement("appsink", reason);
-  if (!deinterlace_ || !pictureSink_)
+  if (!pictureSink_)
     return false;
-  gst_bin_add_many(GST_BIN(pipeline_), deinterlace_, pictureSink_, nullptr);
-  // One picture a frame: the show's rate is the frame rate, not the field rate.
-  gst_util_set_object_arg(G_OBJECT(deinterlace_), "fields", "top");
-  gst_util_set_object_arg(G_OBJECT(deinterlace_), "mode", "auto");
+  gst_bin_add(GST_BIN(pipeline_), pictureSink_);
   GstCaps* caps = gst_caps_new_empty_simple("video/x-raw");
   // The media clock paces the film, so the sink runs free and needs no preroll.
   g_object_set(pictureSink_, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1u,
@@ -175,8 +237,6 @@ bool FilmPipeline::makePictureChain(QString& reason) {
         return static_cast<FilmPipeline*>(self)->onSinkProbe(info);
       },
       this, nullptr);
-  gst_object_unref(pad);
-  pad = gst_element_get_static_pad(deinterlace_, "sink");
   gst_pad_add_probe(
       pad, GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM,
       [](GstPad*, GstPadProbeInfo* info, gpointer) {
@@ -184,10 +244,6 @@ bool FilmPipeline::makePictureChain(QString& reason) {
       },
       nullptr, nullptr);
   gst_object_unref(pad);
-  if (!gst_element_link(deinterlace_, pictureSink_)) {
-    reason = QStringLiteral("picture chain does not link");
-    return false;
-  }
   return true;
 }
 
@@ -300,6 +356,9 @@ bool FilmPipeline::wantsDecoding(GstPad* pad, GstCaps* caps) {
 
 void FilmPipeline::onElementAdded(GstElement* element) {
   GstElementFactory* factory = gst_element_get_factory(element);
+  const char* name = factory ? gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory)) : "";
+  if (!std::strcmp(name, "h264parse") || !std::strcmp(name, "h265parse"))
+    preferStreamColors(element);
   if (!factory || !gst_element_factory_list_is_type(factory, GST_ELEMENT_FACTORY_TYPE_DECODER))
     return;
   // Up to eight films share few cores: a decoder with threads of its own wins nothing there, and costs a
@@ -314,7 +373,7 @@ void FilmPipeline::onPadAdded(GstPad* pad) {
       caps && !gst_caps_is_empty(caps) && !gst_caps_is_any(caps) ? gst_caps_get_structure(caps, 0) : nullptr;
   const char* name = format ? gst_structure_get_name(format) : "";
   if (g_str_has_prefix(name, "video/x-raw") && takePicture(pad))
-    linkPicture(pad, format);
+    linkPicture(pad);
   else if (g_str_has_prefix(name, "audio/"))
     linkSound(pad);
   else
@@ -339,40 +398,16 @@ void FilmPipeline::onPadRemoved(GstPad* pad) {
     picturePad_ = nullptr;
 }
 
-void FilmPipeline::linkPicture(GstPad* pad, const GstStructure* format) {
-  // Interlaced pictures of more than 8 bits would pass the deinterlacer untouched.
-  const char* interlace = gst_structure_get_string(format, "interlace-mode");
-  const char* pixels = gst_structure_get_string(format, "format");
-  const GstVideoFormatInfo* info =
-      pixels ? gst_video_format_get_info(gst_video_format_from_string(pixels)) : nullptr;
-  GstPad* deinterlacer = gst_element_get_static_pad(deinterlace_, "sink");
+void FilmPipeline::linkPicture(GstPad* pad) {
+  GstPad* sink = gst_element_get_static_pad(pictureSink_, "sink");
   // After a change of the codec in the middle the way of the old decoder's pictures is still linked.
-  if (GstPad* old = gst_pad_get_peer(deinterlacer)) {
-    gst_pad_unlink(old, deinterlacer);
+  if (GstPad* old = gst_pad_get_peer(sink)) {
+    gst_pad_unlink(old, sink);
     gst_object_unref(old);
   }
-  GstPad* sink = nullptr;
-  if (interlace && std::strcmp(interlace, "progressive") != 0 && info && info->n_components > 0 &&
-      info->depth[0] > 8) {
-    GstElement* convert = gst_element_factory_make("videoconvert", nullptr);
-    GstElement* filter = gst_element_factory_make("capsfilter", nullptr);
-    if (convert && filter) {
-      GstCaps* caps = gst_caps_from_string("video/x-raw,format=I420");
-      g_object_set(filter, "caps", caps, nullptr);
-      gst_caps_unref(caps);
-      gst_bin_add_many(GST_BIN(pipeline_), convert, filter, nullptr);
-      gst_element_link_many(convert, filter, deinterlace_, nullptr);
-      gst_element_sync_state_with_parent(filter);
-      gst_element_sync_state_with_parent(convert);
-      sink = gst_element_get_static_pad(convert, "sink");
-    }
-  }
-  if (!sink)
-    sink = GST_PAD(gst_object_ref(deinterlacer));
   if (gst_pad_link(pad, sink) != GST_PAD_LINK_OK)
     fail(QStringLiteral("picture cannot be linked"));
   gst_object_unref(sink);
-  gst_object_unref(deinterlacer);
 }
 
 // The film's sound, still encoded: the place where decoder and audio queue follow on.

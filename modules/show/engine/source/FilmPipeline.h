@@ -52,7 +52,7 @@ class FilmPipeline {
   /// Whether the pad that was added is the one that pictures come from.
   bool takePicture(GstPad* pad);
   void onPadRemoved(GstPad* pad);
-  void linkPicture(GstPad* pad, const GstStructure* format);
+  void linkPicture(GstPad* pad);
   void linkSound(GstPad* pad);
   void linkNowhere(GstPad* pad);
   bool wantsDecoding(GstPad* pad, GstCaps* caps);
@@ -66,7 +66,6 @@ class FilmPipeline {
   FilmPipelineListener& listener_;
   GstElement* pipeline_ = nullptr;
   GstElement* decoder_ = nullptr;  // owned by pipeline_, as the ones below
-  GstElement* deinterlace_ = nullptr;
   GstElement* pictureSink_ = nullptr;
   int fd_ = -1;
   bool regularFile_ = true;

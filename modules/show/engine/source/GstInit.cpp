@@ -4,6 +4,7 @@
 
 #include <mutex>
 
+#include "DnxhrCaps.h"
 #include "SourceLog.h"
 
 namespace korvia {
@@ -17,6 +18,8 @@ bool startGStreamer() {
     if (!ready)
       qCWarning(logSource, "gstreamer does not start : %s", error ? error->message : "no reason given");
     g_clear_error(&error);
+    if (ready && !registerDnxhrCaps())
+      qCWarning(logSource, "dnxhr in quicktime files cannot be decoded");
   });
   return ready;
 }

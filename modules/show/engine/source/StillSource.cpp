@@ -2,6 +2,8 @@
 
 #include <QFileInfo>
 #include <QImageReader>
+#include <QtEndian>
+#include <algorithm>
 
 #include "DrivePath.h"
 #include "SourceLog.h"
@@ -13,6 +15,19 @@ namespace korvia {
 
 namespace {
 
+/// Qt's reader does not tell it before the picture is read. Invalid for a file that is too short.
+QSize targaSize(const QString& path) {
+  constexpr int kSizeOffset = 12;
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly))
+    return {};
+  const QByteArray header = file.read(kSizeOffset + 4);
+  if (header.size() < kSizeOffset + 4)
+    return {};
+  const char* bytes = header.constData() + kSizeOffset;
+  return {qFromLittleEndian<quint16>(bytes), qFromLittleEndian<quint16>(bytes + 2)};
+}
+
 /// The picture upright and no larger than it is shown; null with a reason.
 QImage readPicture(const QString& path, FrameSize renderSize, QString& reason) {
   const QFileInfo file(path);
@@ -23,8 +38,12 @@ QImage readPicture(const QString& path, FrameSize renderSize, QString& reason) {
   }
   QImageReader reader(path);
   reader.setDecideFormatFromContent(true);
+  // TGA has no mark by which its content could be known for certain: it passes for a cursor too.
+  const bool targa = file.suffix().compare(QLatin1String("tga"), Qt::CaseInsensitive) == 0;
+  if (targa)
+    reader.setFormat("tga");
   reader.setAutoTransform(true);
-  const QSize size = reader.size();
+  const QSize size = targa ? targaSize(path) : reader.size();
   if (!size.isValid()) {
     // Without a size that can be asked for, nobody knows what reading it would take.
     reason = reader.canRead() ? QStringLiteral("size is not known") : reader.errorString().toLower();
@@ -43,6 +62,19 @@ QImage readPicture(const QString& path, FrameSize renderSize, QString& reason) {
   if (image.width() > rect.width * 2 || image.height() > rect.height * 2)
     image = image.scaled(rect.width, rect.height, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
   return image;
+}
+
+/// Pictures are often saved with an alpha channel that hides nothing.
+ImageAlpha alphaOf(const QImage& image) {
+  if (!image.hasAlphaChannel())
+    return ImageAlpha::Drop;
+  const QImage pixels = image.convertToFormat(QImage::Format_ARGB32);
+  for (int y = 0; y < pixels.height(); ++y) {
+    const auto* row = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
+    if (std::any_of(row, row + pixels.width(), [](QRgb pixel) { return qAlpha(pixel) != 255; }))
+      return ImageAlpha::Keep;
+  }
+  return ImageAlpha::Drop;
 }
 
 }  // namespace
@@ -78,14 +110,14 @@ void StillSource::load() {
     size_ = {image.width(), image.height()};
   }
   const FrameRect rect = fitRect({image.width(), image.height()}, 1, 1, renderSize);
-  const FrameRef picture = frameFromImage(image);
+  const FrameRef picture = frameFromImage(image, alphaOf(image));
   image = QImage();
   if (!picture) {
     qCWarning(logSource, "picture cannot be shown : %s : out of memory", qUtf8Printable(path));
     fail(QStringLiteral("out of memory"));
     return;
   }
-  MutableFrame fitted(new Frame(renderSize, false));
+  MutableFrame fitted(new Frame(renderSize, picture->hasAlpha()));
   fitFrame(*picture, rect, *fitted);
   showPicture(std::move(fitted).publish());
 }

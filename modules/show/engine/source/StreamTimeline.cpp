@@ -7,8 +7,10 @@ namespace korvia {
 namespace {
 
 constexpr std::int64_t kSecondNs = 1'000'000'000;
-// A longer gap than a picture is known to last, and longer than this, is a broken time stamp.
-constexpr std::int64_t kLongestGapNs = 10 * kSecondNs;
+// Gaps are kept, the last picture is held over them; a longer one is a jump of the time stamps. A step back
+// of more than kFarthestBackNs is one too.
+constexpr std::int64_t kLongestGapNs = 120 * kSecondNs;
+constexpr std::int64_t kFarthestBackNs = 10 * kSecondNs;
 // Pictures in wrong order are put behind the last one; more in a row means that the stamps are of no use.
 constexpr int kMostOutOfOrder = 2;
 constexpr std::int64_t kSmallestStepNs = 1000;
@@ -36,7 +38,7 @@ std::int64_t StreamTimeline::placeOf(std::optional<std::int64_t> ptsNs, std::int
   const std::int64_t place = *ptsNs + shiftNs_;
   const std::int64_t gap = place - lastMediaNs_;
   // A stamp that comes twice stands for two pictures; files that know only the order of decoding do that.
-  if (gap == 0 || gap > std::max(lastDurationNs_ + kSecondNs, kLongestGapNs) || gap < -kLongestGapNs) {
+  if (gap == 0 || gap > std::max(lastDurationNs_ + kSecondNs, kLongestGapNs) || gap < -kFarthestBackNs) {
     shiftNs_ = counted - *ptsNs;
     standstill_ = 0;
     return counted;

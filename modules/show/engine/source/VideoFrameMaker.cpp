@@ -25,10 +25,43 @@ struct HeldPicture {
 
 constexpr int kComponents[3] = {GST_VIDEO_COMP_Y, GST_VIDEO_COMP_U, GST_VIDEO_COMP_V};
 
-std::unique_ptr<FramePool>& sized(std::unique_ptr<FramePool>& pool, FrameSize size) {
-  if (!pool || pool->size() != size)
-    pool = std::make_unique<FramePool>(size);
-  return pool;
+MutableFrame acquire(std::unique_ptr<FramePool>& pool, FrameSize size, bool alpha) {
+  if (!pool || pool->size() != size || pool->hasAlpha() != alpha)
+    pool = std::make_unique<FramePool>(size, alpha);
+  return pool->acquire();
+}
+
+/// The picture's left upper part, over the same memory.
+FrameRef cropped(const FrameRef& picture, FrameSize size) {
+  if (picture->size() == size)
+    return picture;
+  Frame::External external;
+  for (int plane = Frame::Y; plane <= Frame::A; ++plane) {
+    external.data[plane] = picture->plane(plane);
+    external.stride[plane] = picture->stride(plane);
+  }
+  external.opaque = new FrameRef(picture);
+  external.release = [](void* held) { delete static_cast<FrameRef*>(held); };
+  return FrameRef::adopt(new Frame(size, external));
+}
+
+/// A description of which GStreamer does not know all parts is replaced as a whole by its guess; this puts
+/// back what the caps do tell.
+void keepKnownColors(GstCaps* caps, GstVideoColorimetry& colors) {
+  const char* text = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
+  GstVideoColorimetry told;
+  if (!text || !gst_video_colorimetry_from_string(&told, text))
+    return;
+  if (told.range != GST_VIDEO_COLOR_RANGE_UNKNOWN)
+    colors.range = told.range;
+  if (told.transfer != GST_VIDEO_TRANSFER_UNKNOWN)
+    colors.transfer = told.transfer;
+  if (told.primaries != GST_VIDEO_COLOR_PRIMARIES_UNKNOWN)
+    colors.primaries = told.primaries;
+}
+
+int planesOf(const Frame& frame) {
+  return frame.hasAlpha() ? 4 : 3;
 }
 
 }  // namespace
@@ -53,9 +86,8 @@ PictureOrientation PictureOrientation::fromTag(const char* tag) {
   return orientation;
 }
 
-VideoFrameMaker::VideoFrameMaker(FrameSize renderSize) : renderSize_(renderSize), renderPool_(renderSize) {
+VideoFrameMaker::VideoFrameMaker(FrameSize renderSize) : renderSize_(renderSize) {
   gst_video_info_init(&info_);
-  gst_video_info_init(&workingInfo_);
 }
 
 VideoFrameMaker::~VideoFrameMaker() {
@@ -70,13 +102,6 @@ FrameSize VideoFrameMaker::pictureSize() const {
   return {info_.width, info_.height};
 }
 
-bool VideoFrameMaker::isWorkingFormat() const {
-  const GstVideoFormat format = GST_VIDEO_INFO_FORMAT(&info_);
-  return (format == GST_VIDEO_FORMAT_I420 || format == GST_VIDEO_FORMAT_YV12) &&
-         info_.colorimetry.range != GST_VIDEO_COLOR_RANGE_0_255 &&
-         info_.colorimetry.matrix == GST_VIDEO_COLOR_MATRIX_BT709;
-}
-
 bool VideoFrameMaker::adaptTo(GstCaps* caps) {
   if (caps == caps_ || (caps_ && gst_caps_is_equal(caps, caps_)))
     return usable_;
@@ -89,31 +114,42 @@ bool VideoFrameMaker::adaptTo(GstCaps* caps) {
     qCWarning(logSource, "pictures of %d x %d are too large", info.width, info.height);
     return false;
   }
+  keepKnownColors(caps, info.colorimetry);
   info_ = info;
   frameDurationNs_ =
       info.fps_n > 0 && info.fps_d > 0
           ? static_cast<std::int64_t>(gst_util_uint64_scale_int(GST_SECOND, info.fps_d, info.fps_n))
           : 0;
-  converter_.reset();
-  usable_ = isWorkingFormat();
-  if (usable_)
-    return true;
-  gst_video_info_set_format(&workingInfo_, GST_VIDEO_FORMAT_I420, static_cast<guint>(info.width),
-                            static_cast<guint>(info.height));
-  gst_video_colorimetry_from_string(&workingInfo_.colorimetry, GST_VIDEO_COLORIMETRY_BT709);
-  workingInfo_.chroma_site = info.chroma_site;
-  // The converter asks for equal rates and shapes on both sides; it changes neither.
-  workingInfo_.fps_n = info.fps_n;
-  workingInfo_.fps_d = info.fps_d;
-  workingInfo_.par_n = info.par_n;
-  workingInfo_.par_d = info.par_d;
-  workingInfo_.interlace_mode = info.interlace_mode;
-  converter_.reset(gst_video_converter_new(&info_, &workingInfo_, gst_structure_new_empty("convert")));
-  if (!converter_)
+  for (std::unique_ptr<PictureConverter>& converter : converters_)
+    converter.reset();
+  usable_ = PictureConverter::isWorkingFormat(info_) || converterFor(PictureScan::Progressive);
+  if (!usable_)
     qCWarning(logSource, "pictures of format %s cannot be converted",
               gst_video_format_to_string(GST_VIDEO_INFO_FORMAT(&info_)));
-  usable_ = converter_ != nullptr;
   return usable_;
+}
+
+PictureConverter* VideoFrameMaker::converterFor(PictureScan scan) {
+  std::unique_ptr<PictureConverter>& converter = converters_[static_cast<std::size_t>(scan)];
+  if (!converter)
+    converter = PictureConverter::create(info_, scan);
+  return converter.get();
+}
+
+PictureScan VideoFrameMaker::scanOf(GstBuffer* buffer) const {
+  const GstVideoInterlaceMode mode = GST_VIDEO_INFO_INTERLACE_MODE(&info_);
+  const bool interlaced = mode == GST_VIDEO_INTERLACE_MODE_INTERLEAVED ||
+                          (mode == GST_VIDEO_INTERLACE_MODE_MIXED &&
+                           GST_BUFFER_FLAG_IS_SET(buffer, GST_VIDEO_BUFFER_FLAG_INTERLACED));
+  return interlaced ? PictureScan::Interlaced : PictureScan::Progressive;
+}
+
+FirstField VideoFrameMaker::firstFieldOf(GstBuffer* buffer) const {
+  if (GST_VIDEO_INFO_FIELD_ORDER(&info_) == GST_VIDEO_FIELD_ORDER_TOP_FIELD_FIRST)
+    return FirstField::Top;
+  if (GST_VIDEO_INFO_FIELD_ORDER(&info_) == GST_VIDEO_FIELD_ORDER_BOTTOM_FIELD_FIRST)
+    return FirstField::Bottom;
+  return GST_BUFFER_FLAG_IS_SET(buffer, GST_VIDEO_BUFFER_FLAG_TFF) ? FirstField::Top : FirstField::Bottom;
 }
 
 FrameRef VideoFrameMaker::wrap(GstBuffer* buffer) const {
@@ -131,33 +167,40 @@ FrameRef VideoFrameMaker::wrap(GstBuffer* buffer) const {
   return FrameRef::adopt(new Frame(pictureSize(), external));
 }
 
-FrameRef VideoFrameMaker::convert(GstBuffer* buffer) {
+FrameRef VideoFrameMaker::convert(GstBuffer* buffer, PictureScan scan) {
+  PictureConverter* converter = converterFor(scan);
   GstVideoFrame from;
-  if (!gst_video_frame_map(&from, &info_, buffer, GST_MAP_READ))
+  if (!converter || !gst_video_frame_map(&from, &info_, buffer, GST_MAP_READ))
     return {};
-  MutableFrame picture = sized(picturePool_, pictureSize())->acquire();
-  GstVideoFrame to = {};
-  to.info = workingInfo_;
-  for (int i = 0; i < 3; ++i) {
-    to.data[i] = picture->writablePlane(i);
-    to.info.stride[i] = picture->stride(i);
-  }
-  gst_video_converter_frame(converter_.get(), &from, &to);
+  MutableFrame picture = acquire(convertedPool_, converter->paddedSize(), converter->hasAlpha());
+  const bool converted = converter->convert(from, *picture);
   gst_video_frame_unmap(&from);
-  return std::move(picture).publish();
+  return converted ? cropped(std::move(picture).publish(), pictureSize()) : FrameRef();
 }
 
-FrameRef VideoFrameMaker::turn(const FrameRef& picture, PictureOrientation orientation) {
-  const bool lying = orientation.degrees == 90 || orientation.degrees == 270;
-  const FrameSize size = lying ? FrameSize{picture->height(), picture->width()} : picture->size();
-  MutableFrame turned = sized(turnedPool_, size)->acquire();
-  for (int i = 0; i < 3; ++i) {
-    const int width = picture->planeWidth(i);
-    const int height = picture->planeHeight(i);
-    const auto mode = static_cast<libyuv::RotationMode>(orientation.degrees);
-    libyuv::RotatePlane(picture->plane(i), picture->stride(i), turned->writablePlane(i), turned->stride(i),
-                        width, height, mode);
+FrameRef VideoFrameMaker::makeProgressive(const FrameRef& picture, GstBuffer* buffer) {
+  MutableFrame progressive = acquire(progressivePool_, picture->size(), picture->hasAlpha());
+  deinterlacer_.process(picture, firstFieldOf(buffer), *progressive);
+  return std::move(progressive).publish();
+}
+
+FrameRef VideoFrameMaker::makeUpright(FrameRef picture, PictureOrientation orientation) {
+  if (orientation.mirrored) {
+    MutableFrame mirrored = acquire(mirroredPool_, picture->size(), picture->hasAlpha());
+    for (int i = 0; i < planesOf(*picture); ++i)
+      libyuv::MirrorPlane(picture->plane(i), picture->stride(i), mirrored->writablePlane(i),
+                          mirrored->stride(i), picture->planeWidth(i), picture->planeHeight(i));
+    picture = std::move(mirrored).publish();
   }
+  if (orientation.degrees == 0)
+    return picture;
+  const FrameSize size =
+      orientation.liesDown() ? FrameSize{picture->height(), picture->width()} : picture->size();
+  MutableFrame turned = acquire(turnedPool_, size, picture->hasAlpha());
+  for (int i = 0; i < planesOf(*picture); ++i)
+    libyuv::RotatePlane(picture->plane(i), picture->stride(i), turned->writablePlane(i), turned->stride(i),
+                        picture->planeWidth(i), picture->planeHeight(i),
+                        static_cast<libyuv::RotationMode>(orientation.degrees));
   return std::move(turned).publish();
 }
 
@@ -166,30 +209,23 @@ FrameRef VideoFrameMaker::make(GstSample* sample) {
   GstCaps* caps = gst_sample_get_caps(sample);
   if (!buffer || !caps || !adaptTo(caps))
     return {};
-  FrameRef picture = isWorkingFormat() ? wrap(buffer) : convert(buffer);
+  const PictureScan scan = scanOf(buffer);
+  FrameRef picture = PictureConverter::isWorkingFormat(info_) ? wrap(buffer) : convert(buffer, scan);
   if (!picture)
     return {};
+  if (scan == PictureScan::Interlaced)
+    picture = makeProgressive(picture, buffer);
+  const int packed = orientation_.load(std::memory_order_relaxed);
+  const PictureOrientation orientation{(packed & 1) != 0, packed & ~1};
+  picture = makeUpright(std::move(picture), orientation);
   int aspectNumerator = info_.par_n;
   int aspectDenominator = info_.par_d;
-  const int packed = orientation_.load(std::memory_order_relaxed);
-  if (packed != 0) {
-    const PictureOrientation orientation{(packed & 1) != 0, packed & ~1};
-    if (orientation.mirrored) {
-      MutableFrame mirrored = sized(picturePool_, picture->size())->acquire();
-      for (int i = 0; i < 3; ++i)
-        libyuv::MirrorPlane(picture->plane(i), picture->stride(i), mirrored->writablePlane(i),
-                            mirrored->stride(i), picture->planeWidth(i), picture->planeHeight(i));
-      picture = std::move(mirrored).publish();
-    }
-    if (orientation.degrees != 0)
-      picture = turn(picture, orientation);
-    if (orientation.degrees == 90 || orientation.degrees == 270)
-      std::swap(aspectNumerator, aspectDenominator);
-  }
+  if (orientation.liesDown())
+    std::swap(aspectNumerator, aspectDenominator);
   const FrameRect rect = fitRect(picture->size(), aspectNumerator, aspectDenominator, renderSize_);
   if (picture->size() == renderSize_ && rect == FrameRect{0, 0, renderSize_.width, renderSize_.height})
     return picture;
-  MutableFrame fitted = renderPool_.acquire();
+  MutableFrame fitted = acquire(renderPool_, renderSize_, picture->hasAlpha());
   fitFrame(*picture, rect, *fitted);
   return std::move(fitted).publish();
 }

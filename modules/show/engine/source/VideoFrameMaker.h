@@ -1,12 +1,15 @@
-// Turns GStreamer's decoded pictures into frames of the render size: BT.709 limited 4:2:0, upright, with the
-// shape that the film asks for. A picture that is all that already is handed on without a copy.
-// One thread at a time (the film's streaming thread); setOrientation from any.
+// Turns GStreamer's decoded pictures into frames of the render size: BT.709 limited 4:2:0, progressive,
+// upright, with the shape that the film asks for. Alpha is kept, premultiplied. A picture that is all that
+// already is handed on without a copy. One thread at a time (the film's streaming thread); setOrientation
+// from any.
 #pragma once
 #include <gst/video/video.h>
 
 #include <atomic>
 #include <memory>
 
+#include "Deinterlacer.h"
+#include "PictureConverter.h"
 #include "engine/frame/Frame.h"
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/FramePool.h"
@@ -20,6 +23,8 @@ struct PictureOrientation {
 
   /// From a tag like "rotate-90" or "flip-rotate-180"; upright for anything else.
   static PictureOrientation fromTag(const char* tag);
+  /// Whether width and height change places.
+  bool liesDown() const { return degrees == 90 || degrees == 270; }
   friend bool operator==(const PictureOrientation& a, const PictureOrientation& b) {
     return a.mirrored == b.mirrored && a.degrees == b.degrees;
   }
@@ -40,25 +45,27 @@ class VideoFrameMaker {
   FrameSize pictureSize() const;
 
  private:
-  struct ConverterDelete {
-    void operator()(GstVideoConverter* converter) const { gst_video_converter_free(converter); }
-  };
-
   bool adaptTo(GstCaps* caps);
-  bool isWorkingFormat() const;
+  PictureConverter* converterFor(PictureScan scan);
+  PictureScan scanOf(GstBuffer* buffer) const;
+  FirstField firstFieldOf(GstBuffer* buffer) const;
   FrameRef wrap(GstBuffer* buffer) const;
-  FrameRef convert(GstBuffer* buffer);
-  FrameRef turn(const FrameRef& picture, PictureOrientation orientation);
+  FrameRef convert(GstBuffer* buffer, PictureScan scan);
+  FrameRef makeProgressive(const FrameRef& picture, GstBuffer* buffer);
+  FrameRef makeUpright(FrameRef picture, PictureOrientation orientation);
 
   const FrameSize renderSize_;
-  FramePool renderPool_;
-  std::unique_ptr<FramePool> picturePool_;  // converted, in the film's size
+  // Pools of the frames that the steps make, in their order.
+  std::unique_ptr<FramePool> convertedPool_;
+  std::unique_ptr<FramePool> progressivePool_;
+  std::unique_ptr<FramePool> mirroredPool_;
   std::unique_ptr<FramePool> turnedPool_;
-  std::unique_ptr<GstVideoConverter, ConverterDelete> converter_;
+  std::unique_ptr<FramePool> renderPool_;
+  std::unique_ptr<PictureConverter> converters_[2];  // by PictureScan, made when needed
+  Deinterlacer deinterlacer_;
   GstCaps* caps_ = nullptr;
   bool usable_ = false;  // pictures of these caps can be read
   GstVideoInfo info_;
-  GstVideoInfo workingInfo_;
   std::int64_t frameDurationNs_ = 0;
   std::atomic<int> orientation_{0};  // degrees, plus 1 when mirrored
 };

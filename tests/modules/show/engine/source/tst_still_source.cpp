@@ -58,7 +58,64 @@ class StillSourceTest : public QObject {
     SourceRig rig({64, 36});
     open(rig, save(image, "half.png"));
     QTRY_COMPARE(rig->getPlayState(), int(Playing));
-    QCOMPARE(codesAt(rig->pullFrame(1), 30, 20), (QVector<int>{126, 128, 128}));
+    const FrameRef frame = rig->pullFrame(1);
+    QCOMPARE(codesAt(frame, 30, 20), (QVector<int>{126, 128, 128}));
+    QVERIFY(frame->hasAlpha());
+    QCOMPARE(int(frame->plane(Frame::A)[20 * frame->stride(Frame::A) + 30]), 128);
+  }
+
+  void barsBesideATransparentPictureHideNothing() {
+    QImage image(36, 36, QImage::Format_ARGB32);
+    image.fill(qRgba(255, 255, 255, 128));
+    SourceRig rig({64, 36});
+    open(rig, save(image, "square.png"));
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QCOMPARE(int(rig->pullFrame(1)->plane(Frame::A)[2]), 0);
+  }
+
+  void alphaThatHidesNothingIsDropped() {
+    QImage image(64, 36, QImage::Format_ARGB32);
+    image.fill(Qt::white);
+    SourceRig rig({64, 36});
+    open(rig, save(image, "opaque.png"));
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QVERIFY(!rig->pullFrame(1)->hasAlpha());
+  }
+
+  void kindsOfFiles_data() {
+    QTest::addColumn<QString>("name");
+    for (const char* name : {"red.png", "red.jpg", "red.bmp", "red.webp", "red.tiff"})
+      QTest::newRow(name) << name;
+  }
+
+  void kindsOfFiles() {
+    QFETCH(QString, name);
+    QImage image(64, 36, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    const QString path = save(image, name);
+    QVERIFY(!path.isEmpty());
+    SourceRig rig({64, 36});
+    open(rig, path);
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QVERIFY(isNear(codesAt(rig->pullFrame(1), 32, 18), {63, 102, 240}, 2));
+  }
+
+  void targaIsKnownByItsName_data() {
+    QTest::addColumn<QString>("name");
+    QTest::newRow("lower case") << "red.tga";
+    QTest::newRow("upper case") << "RED.TGA";
+  }
+
+  void targaIsKnownByItsName() {
+    QFETCH(QString, name);
+    // An uncompressed picture of 64 x 36 pixels, 24 bit, from the top: blue, green, red.
+    QByteArray file = QByteArray::fromHex("000002000000000000000000400024001820");
+    for (int i = 0; i < 64 * 36; ++i)
+      file += QByteArray::fromHex("0000ff");
+    SourceRig rig({64, 36});
+    open(rig, write(file, name));
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QVERIFY(isNear(codesAt(rig->pullFrame(1), 32, 18), {63, 102, 240}, 1));
   }
 
   void lyingPhotoStandsUpright() {
