@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "FrameBuffer.h"
-#include "engine/Handover.h"
+#include "engine/HappensBefore.h"
 
 namespace korvia {
 
@@ -58,14 +58,14 @@ EncodePipeline::EncodePipeline(std::function<void(const Packet&)> onPacket, std:
 
 EncodePipeline::~EncodePipeline() {
   pipeline_.stop();
-  takeOver(this);
+  annotateHappensAfter(this);
 }
 
 bool EncodePipeline::open(const PictureEncoding& encoding) {
   encoding_ = encoding;
   if (!pipeline_.create("encode") || !link())
     return false;
-  handOver(this);
+  annotateHappensBefore(this);
   return pipeline_.play();
 }
 
@@ -118,7 +118,7 @@ const std::shared_ptr<const TrackList>& EncodePipeline::tracksFor(GstCaps* caps)
 }
 
 GstFlowReturn EncodePipeline::onSample(GstAppSink* sink, gpointer self) {
-  const HandoverScope scope(self);
+  const HappensBeforeScope scope(self);
   auto* pipeline = static_cast<EncodePipeline*>(self);
   GstSample* sample = gst_app_sink_pull_sample(sink);
   if (!sample)

@@ -2,14 +2,14 @@
 
 #include <gst/video/video.h>
 
-#include "engine/Handover.h"
+#include "engine/HappensBefore.h"
 
 namespace korvia {
 
 namespace {
 
 void releaseFrame(gpointer frame) {
-  takeOver(frame);
+  annotateHappensAfter(frame);
   delete static_cast<FrameRef*>(frame);
 }
 
@@ -27,7 +27,7 @@ GstBuffer* wrapFrame(const FrameRef& frame) {
     const gsize size = static_cast<gsize>(frame->stride(plane)) * (frame->planeHeight(plane) - 1) +
                        static_cast<gsize>(frame->planeWidth(plane));
     auto* held = new FrameRef(frame);
-    handOver(held);
+    annotateHappensBefore(held);
     // Read-only memory: nobody downstream ever writes to it.
     gst_buffer_append_memory(buffer, gst_memory_new_wrapped(GST_MEMORY_FLAG_READONLY,
                                                             const_cast<std::uint8_t*>(frame->plane(plane)),
