@@ -4,8 +4,8 @@
 
 #include "engine/kernels/FetchAhead.h"
 #include "engine/kernels/MaskKernels.h"
+#include "engine/kernels/NonTemporalCopy.h"
 #include "engine/kernels/RowKernels.h"
-#include "engine/kernels/StreamRow.h"
 
 namespace korvia {
 
@@ -65,7 +65,7 @@ void MaskedPlanes::mixRow(int y, const std::uint8_t* mask) {
       if (run->kind != kFrom)
         fetchAhead(planes.to.row(ahead) + run->begin, count);
       if (run->kind == kFrom || run->kind == kTo)
-        streamRow((run->kind == kFrom ? from : to) + run->begin, out + run->begin, count);
+        copyRowNonTemporal((run->kind == kFrom ? from : to) + run->begin, out + run->begin, count);
       else
         mixMaskedRow(from + run->begin, to + run->begin, mask_ + run->begin, out + run->begin, count);
     }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/kernels/StreamRow.h"
+#include "engine/kernels/NonTemporalCopy.h"
 #include "support/EveryInstructionSet.h"
 
 using namespace korvia;
@@ -180,7 +180,7 @@ class MaskKernelsTest : public QObject {
     for (int count = 0; count <= kLengths; ++count)
       for (int start = 0; start < 3; ++start) {
         Target target;
-        streamRow(from.data() + start, target.samples + start, count);
+        copyRowNonTemporal(from.data() + start, target.samples + start, count);
         for (int x = 0; x < count; ++x)
           QCOMPARE(target.samples[start + x], from[static_cast<std::size_t>(start + x)]);
         for (int x = 0; x < start; ++x)

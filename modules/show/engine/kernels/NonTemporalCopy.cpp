@@ -1,7 +1,7 @@
-#include "StreamRow.h"
+#include "NonTemporalCopy.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "engine/kernels/StreamRow.cpp"
+#define HWY_TARGET_INCLUDE "engine/kernels/NonTemporalCopy.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -12,7 +12,7 @@ namespace korvia::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-void streamRow(const std::uint8_t* HWY_RESTRICT from, std::uint8_t* HWY_RESTRICT out, int count) {
+void copyRowNonTemporal(const std::uint8_t* HWY_RESTRICT from, std::uint8_t* HWY_RESTRICT out, int count) {
   const hn::ScalableTag<std::uint8_t> d8;
   const int lanes = static_cast<int>(hn::Lanes(d8));
   int x = 0;
@@ -28,10 +28,10 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace korvia {
 
-HWY_EXPORT(streamRow);
+HWY_EXPORT(copyRowNonTemporal);
 
-void streamRow(const std::uint8_t* from, std::uint8_t* out, int count) {
-  HWY_DYNAMIC_DISPATCH(streamRow)(from, out, count);
+void copyRowNonTemporal(const std::uint8_t* from, std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(copyRowNonTemporal)(from, out, count);
 }
 
 }  // namespace korvia
