@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Chance.h"
 #include "Easing.h"
+#include "SeededRandom.h"
 
 namespace korvia {
 
@@ -84,8 +84,9 @@ void ProgramSwitch::abandon() {
 
 void ProgramSwitch::begin(const Take& take) {
   take_ = take;
-  // Drawn from the count, so that each take has chances of its own and a show can be told again.
-  seed_ = scattered(++takeCount_);
+  // The seed depends on the number of takes alone, so that a show gives the same pictures when it is
+  // repeated.
+  seed_ = hashBits(++takeCount_);
 }
 
 void ProgramSwitch::setPosition(double position) {

@@ -8,7 +8,7 @@
 
 namespace korvia {
 
-/// How far a take is, and what its chance is drawn from.
+/// How far a take is, and the seed of its random numbers.
 struct MixPoint {
   /// 0 (all `from`) to 1 (all `to`), both included.
   double position = 0;

@@ -7,6 +7,7 @@
 #include <numbers>
 #include <vector>
 
+#include "engine/mix/SeededRandom.h"
 #include "engine/mix/SmoothStep.h"
 #include "engine/mix/distortions/LevelGrid.h"
 #include "engine/mix/distortions/Noise.h"
@@ -114,8 +115,8 @@ void Crumble::fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement*
     Displacement thrown;
     double turn;
   };
-  // Pieces are what is nearest to their centres, which lie by chance, one in each square; there is a square
-  // more on all sides.
+  // A piece is all that is nearest to its centre (a Voronoi cell). There is one random centre in each square
+  // of a grid that is a square larger than the picture on all sides.
   const double size = std::max(kPieceSize * nodes.reach(), 1.0);
   const int across = static_cast<int>((nodes.columns() - 1) * nodes.cell() / size) + 3;
   const int down = static_cast<int>((nodes.rows() - 1) * nodes.cell() / size) + 3;
@@ -123,12 +124,12 @@ void Crumble::fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement*
   pieces.reserve(static_cast<std::size_t>(across) * static_cast<std::size_t>(down));
   for (int y = 0; y < down; ++y)
     for (int x = 0; x < across; ++x) {
-      const double heading = 2 * kPi * chanceAt(seed + 2, x, y);
-      const double far = kThrow * nodes.reach() * chanceAt(seed + 3, x, y);
-      pieces.push_back({(x - 1 + chanceAt(seed, x, y)) * size,
-                        (y - 1 + chanceAt(seed + 1, x, y)) * size,
+      const double heading = 2 * kPi * seededRandom(seed + 2, x, y);
+      const double far = kThrow * nodes.reach() * seededRandom(seed + 3, x, y);
+      pieces.push_back({(x - 1 + seededRandom(seed, x, y)) * size,
+                        (y - 1 + seededRandom(seed + 1, x, y)) * size,
                         {far * std::cos(heading), far * std::sin(heading)},
-                        kTurn * (2 * chanceAt(seed + 4, x, y) - 1)});
+                        kTurn * (2 * seededRandom(seed + 4, x, y) - 1)});
     }
   nodes.forEach([&](int column, int row, std::size_t node) {
     const int squareX = static_cast<int>(column / size) + 1;
@@ -152,9 +153,9 @@ void Crumble::fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement*
 void RadialWiggle::fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const {
   constexpr int kRays = 48;
   constexpr double kStretch = 0.3;
-  const ChanceRing rays(seed, kRays);
+  const DirectionNoise rays(seed, kRays);
   nodes.forEach([&](int column, int row, std::size_t node) {
-    const double stretch = kStretch * (2 * rays.straightAt(turnOf(nodes, column, row)) - 1);
+    const double stretch = kStretch * (2 * rays.linearAt(turnOf(nodes, column, row)) - 1);
     field[node] = {(column - nodes.centerX()) * stretch, (row - nodes.centerY()) * stretch};
   });
 }
@@ -216,19 +217,19 @@ GrainDissolve::GrainDissolve() : TimedReveal(2, 0.3) {}
 void GrainDissolve::fillArrivals(const NodeGrid& nodes, std::uint32_t seed, float* arrivals) const {
   nodes.forEach([&](int x, int y, std::size_t node) {
     // More of the first and the last than of those between, which are there between the nodes anyhow.
-    const double chance = 2 * chanceAt(seed, x, y) - 1;
-    arrivals[node] = static_cast<float>((1 + std::copysign(std::sqrt(std::abs(chance)), chance)) / 2);
+    const double random = 2 * seededRandom(seed, x, y) - 1;
+    arrivals[node] = static_cast<float>((1 + std::copysign(std::sqrt(std::abs(random)), random)) / 2);
   });
 }
 
 RandomCircleReveal::RandomCircleReveal() : TimedReveal(3, 0.05) {}
 
 void RandomCircleReveal::fillArrivals(const NodeGrid& nodes, std::uint32_t seed, float* arrivals) const {
-  const ChanceRing coarse(seed, 7);
-  const ChanceRing middle(seed, 17);
-  const ChanceRing fine(seed, 47);
+  const DirectionNoise coarse(seed, 7);
+  const DirectionNoise middle(seed, 17);
+  const DirectionNoise fine(seed, 47);
   const auto rimAt = [&](double turn) {
-    return 0.58 + 0.44 * coarse.softAt(turn) + 0.26 * middle.softAt(turn) + 0.14 * fine.softAt(turn);
+    return 0.58 + 0.44 * coarse.smoothAt(turn) + 0.26 * middle.smoothAt(turn) + 0.14 * fine.smoothAt(turn);
   };
   float latest = 0;
   nodes.forEach([&](int x, int y, std::size_t node) {

@@ -54,7 +54,7 @@ class Crumble final : public RisingFade {
   void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const override;
 };
 
-/// Jagged rays: each direction from the centre is stretched or squeezed by chance.
+/// Jagged rays: each direction from the centre is stretched or squeezed by a random factor.
 class RadialWiggle final : public RisingFade {
   void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const override;
 };

@@ -1,7 +1,7 @@
 #include "BandWipe.h"
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/mix/Chance.h"
+#include "engine/mix/SeededRandom.h"
 #include "engine/mix/wipes/CellJoin.h"
 
 namespace korvia {

@@ -23,9 +23,9 @@ double fromEnd(const BandPlace& at);
 /// Two edges.
 double fromMiddle(const BandPlace& at);
 double fromBothEnds(const BandPlace& at);
-/// Slats that turn one and all.
+/// Slats, each wiped from its start at the same time.
 double inSlats(const BandPlace& at);
-/// Bars that come in an order of chance.
+/// Bars that fade in one by one, in random order.
 double inRandomBars(const BandPlace& at);
 
 /// Shows what both axes cover.

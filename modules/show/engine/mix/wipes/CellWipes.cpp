@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/mix/Chance.h"
+#include "engine/mix/SeededRandom.h"
 #include "engine/mix/wipes/CellJoin.h"
 
 namespace korvia {

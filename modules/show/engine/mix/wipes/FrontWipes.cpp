@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/mix/Chance.h"
+#include "engine/mix/SeededRandom.h"
 #include "engine/mix/SmoothStep.h"
 
 namespace korvia {
@@ -54,10 +54,10 @@ Slope dropSide(double along) {
 /// How far behind the farthest the front is, 0 to 1, at a place from 0, left, to 1, and how that changes over
 /// the width. Smooth.
 Slope dropLag(std::uint32_t seed, double across) {
-  // Knots lie by turns in a gap and on a tip, each moved aside by chance.
+  // Knots alternate between gaps and tips; each is moved sideways by a random amount.
   constexpr int kFirst = -1;
   const auto drawn = [&](int knot, int which) {
-    return chance(seed, static_cast<std::uint32_t>(2 * (knot - kFirst) + which));
+    return seededRandom(seed, static_cast<std::uint32_t>(2 * (knot - kFirst) + which));
   };
   const auto placeOf = [&](int knot) { return (knot + 0.6 * (drawn(knot, 0) - 0.5)) / (2 * kDrops); };
   const auto isTip = [](int knot) { return knot % 2 != 0; };

@@ -428,8 +428,8 @@ class WipesTest : public QObject {
       }
   }
 
-  void chanceComesFromTheSeed_data() { everyWipe(); }
-  void chanceComesFromTheSeed() {
+  void randomNumbersComeFromTheSeed_data() { everyWipe(); }
+  void randomNumbersComeFromTheSeed() {
     QFETCH(int, effect);
     const FrameSize size{160, 90};
     const double apart = difference(*masked(effect, size, 0.5, 1), *masked(effect, size, 0.5, 2)).mean;
@@ -440,7 +440,7 @@ class WipesTest : public QObject {
     QCOMPARE(difference(*masked(effect, size, 0.5, 2), *masked(effect, size, 0.5, 2)).largest, 0);
   }
 
-  void chanceKeepsAnEvenPace() {
+  void randomOrdersKeepAnEvenPace() {
     for (const int effect : {DissolveIn, RandomBars})
       for (const std::uint32_t seed : {0U, 1U, 99U, 4294967295U}) {
         const auto covered = [&](double position) {
