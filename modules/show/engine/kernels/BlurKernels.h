@@ -23,7 +23,8 @@ void enlargeRow(const std::uint8_t* upper, const std::uint8_t* lower, int lowerW
                 std::uint8_t* out, int outCount);
 
 /// Puts a soft row over the fade from `a` to `b`: sharp = (a * (256 - weight) + b * weight + 128) / 256,
-/// out = (sharp * (255 - mask) + soft * mask) / 255, rounded. Written past the cache where the row allows it.
+/// out = (sharp * (255 - mask) + soft * mask) / 255, rounded. Stores are non-temporal where `out` is aligned
+/// to a register.
 void softenRow(const std::uint8_t* a, const std::uint8_t* b, int weight, const std::uint8_t* soft,
                const std::uint8_t* mask, std::uint8_t* out, int count);
 

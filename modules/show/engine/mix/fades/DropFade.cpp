@@ -6,7 +6,6 @@
 
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/FetchAhead.h"
-#include "engine/kernels/LitMix.h"
 #include "engine/kernels/RowKernels.h"
 #include "engine/mix/SmoothStep.h"
 
@@ -75,7 +74,7 @@ void mixPlane(const PlaneView& a, const PlaneView& b, const std::uint16_t* steps
   auto* light = scratch.buffer<std::int8_t>(kLightRow, width);
   const auto mixRows = [&](int y) {
     if (lit)
-      mixLitRow(a.row(y), b.row(y), mask, light, out.row(y), out.width);
+      mixMaskedLitRow(a.row(y), b.row(y), mask, light, out.row(y), out.width);
     else
       mixMaskedRow(a.row(y), b.row(y), mask, out.row(y), out.width);
   };

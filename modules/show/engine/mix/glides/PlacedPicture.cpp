@@ -4,7 +4,7 @@
 
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/AreaKernels.h"
-#include "engine/kernels/NonTemporalCopy.h"
+#include "engine/kernels/RowKernels.h"
 #include "engine/mix/glides/PlacedPlane.h"
 
 namespace korvia {

@@ -4,7 +4,6 @@
 
 #include "engine/kernels/FetchAhead.h"
 #include "engine/kernels/MaskKernels.h"
-#include "engine/kernels/NonTemporalCopy.h"
 #include "engine/kernels/RowKernels.h"
 
 namespace korvia {

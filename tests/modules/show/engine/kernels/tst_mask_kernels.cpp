@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/kernels/NonTemporalCopy.h"
+#include "engine/kernels/RowKernels.h"
 #include "support/EveryInstructionSet.h"
 
 using namespace korvia;
