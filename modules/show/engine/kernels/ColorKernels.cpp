@@ -67,23 +67,23 @@ struct Shade {
   }
 };
 
-struct MixTurning {
-  TurningRow a;
-  TurningRow b;
+struct MixPartlyInverted {
+  PartlyInvertedRow a;
+  PartlyInvertedRow b;
   int ends;
   int weight;
-  int turned(const TurningRow& row, int x) const {
+  int inverted(const PartlyInvertedRow& row, int x) const {
     return mixedBy255(row.samples[x], byte(ends - row.samples[x]), row.weight[x]);
   }
-  int one(int x) const { return mixedBy256(turned(a, x), turned(b, x), weight); }
-  Vec turned(const TurningRow& row, Vec samples, int x) const {
+  int one(int x) const { return mixedBy256(inverted(a, x), inverted(b, x), weight); }
+  Vec inverted(const PartlyInvertedRow& row, Vec samples, int x) const {
     const Vec negative = hn::Sub(constant(ends), samples);
     const auto held = hn::Min(hn::Max(hn::BitCast(kSigned, negative), hn::Zero(kSigned)),
                               hn::Set(kSigned, std::int16_t{255}));
     return mixedBy255(samples, hn::BitCast(kSamples, held), load(row.weight + x));
   }
   Vec many(int x) const {
-    return mixedBy256(turned(a, load(a.samples + x), x), turned(b, load(b.samples + x), x), weight);
+    return mixedBy256(inverted(a, load(a.samples + x), x), inverted(b, load(b.samples + x), x), weight);
   }
 };
 
@@ -212,9 +212,9 @@ void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::ui
     out[pairs] = byte((upper[width - 1] + lower[width - 1] + 1) >> 1);
 }
 
-void mixTurningRow(const TurningRow& a, const TurningRow& b, int ends, int weight,
-                   std::uint8_t* HWY_RESTRICT out, int count) {
-  runNonTemporal(MixTurning{a, b, ends, weight}, out, count);
+void mixPartlyInvertedRow(const PartlyInvertedRow& a, const PartlyInvertedRow& b, int ends, int weight,
+                          std::uint8_t* HWY_RESTRICT out, int count) {
+  runNonTemporal(MixPartlyInverted{a, b, ends, weight}, out, count);
 }
 
 void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, int target,
@@ -249,7 +249,7 @@ HWY_EXPORT(fadeKeyRow);
 HWY_EXPORT(edgeRow);
 HWY_EXPORT(shadeRow);
 HWY_EXPORT(chromaMeanRow);
-HWY_EXPORT(mixTurningRow);
+HWY_EXPORT(mixPartlyInvertedRow);
 HWY_EXPORT(mixTowardsRow);
 HWY_EXPORT(multiplyLumaRow);
 HWY_EXPORT(multiplyChromaRow);
@@ -279,9 +279,9 @@ void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::ui
   HWY_DYNAMIC_DISPATCH(chromaMeanRow)(upper, lower, out, width);
 }
 
-void mixTurningRow(const TurningRow& a, const TurningRow& b, int ends, int weight, std::uint8_t* out,
-                   int count) {
-  HWY_DYNAMIC_DISPATCH(mixTurningRow)(a, b, ends, weight, out, count);
+void mixPartlyInvertedRow(const PartlyInvertedRow& a, const PartlyInvertedRow& b, int ends, int weight,
+                          std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(mixPartlyInvertedRow)(a, b, ends, weight, out, count);
 }
 
 void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, int target,
