@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "engine/mix/Curves.h"
 #include "engine/mix/SeededRandom.h"
-#include "engine/mix/SmoothStep.h"
 
 namespace korvia {
 

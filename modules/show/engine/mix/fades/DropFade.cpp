@@ -7,7 +7,7 @@
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/FetchAhead.h"
 #include "engine/kernels/RowKernels.h"
-#include "engine/mix/SmoothStep.h"
+#include "engine/mix/Curves.h"
 
 namespace korvia {
 

@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "engine/kernels/MaskKernels.h"
+#include "engine/mix/Curves.h"
 #include "engine/mix/SeededRandom.h"
-#include "engine/mix/SmoothStep.h"
 
 namespace korvia {
 
