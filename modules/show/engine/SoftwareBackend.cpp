@@ -6,8 +6,6 @@
 
 namespace korvia {
 
-Q_LOGGING_CATEGORY(logEngine, "korvia.engine")
-
 SoftwareBackend::SoftwareBackend()
     : channels_(janitor_),
       switcher_(channels_),

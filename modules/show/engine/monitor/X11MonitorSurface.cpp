@@ -3,16 +3,15 @@
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
-#include <QLoggingCategory>
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
 
+#include "engine/EngineLog.h"
+
 namespace korvia {
 
 namespace {
-
-Q_LOGGING_CATEGORY(logMonitor, "korvia.monitor")
 
 // The size of a window is taken from the server itself, now and then: with scaled desktops it differs from
 // what the console counts in, and a hidden window tells nobody.

@@ -9,8 +9,8 @@
 
 #include "FragmentedFile.h"
 #include "MuxPipeline.h"
-#include "OutputLog.h"
 #include "RecordFileName.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 

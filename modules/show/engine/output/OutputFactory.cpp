@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "FileTarget.h"
-#include "OutputLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 

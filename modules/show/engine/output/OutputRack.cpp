@@ -3,7 +3,7 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
 #include "OutputFactory.h"
-#include "OutputLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <utility>
 
-#include "OutputLog.h"
+#include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
 #include "engine/frame/FrameFit.h"

@@ -12,7 +12,7 @@
 
 #include "DrivePath.h"
 #include "FrameImage.h"
-#include "OutputLog.h"
+#include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
 

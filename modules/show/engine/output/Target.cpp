@@ -3,8 +3,8 @@
 #include <cmath>
 #include <utility>
 
-#include "OutputLog.h"
 #include "TargetWorker.h"
+#include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
 

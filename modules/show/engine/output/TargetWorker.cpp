@@ -4,7 +4,7 @@
 #include <chrono>
 #include <utility>
 
-#include "OutputLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 
