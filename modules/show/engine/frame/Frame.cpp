@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "FramePool.h"
+#include "PlaneView.h"
 
 namespace korvia {
 
@@ -54,9 +55,8 @@ Frame::~Frame() {
 }
 
 void Frame::fillBlack() {
-  fillPlane(*this, Y, 16);
-  fillPlane(*this, U, 128);
-  fillPlane(*this, V, 128);
+  for (const int plane : kOpaquePlanes)
+    fillPlane(*this, plane, blackOf(plane));
   if (hasAlpha())
     fillPlane(*this, A, 255);
 }

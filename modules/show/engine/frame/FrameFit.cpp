@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "PlaneView.h"
+
 namespace korvia {
 
 namespace {
@@ -66,11 +68,10 @@ FrameRect fitRect(FrameSize picture, int pixelAspectNumerator, int pixelAspectDe
 }
 
 void fitFrame(const Frame& picture, const FrameRect& rect, Frame& target) {
-  static constexpr std::uint8_t kAround[4] = {16, 128, 128, 0};
   const int planes = target.hasAlpha() ? 4 : 3;
   for (int plane = 0; plane < planes; ++plane) {
     const PlaneRect inner = planeRect(rect, target, plane);
-    fillAround(target, plane, inner, kAround[plane]);
+    fillAround(target, plane, inner, static_cast<std::uint8_t>(blackOf(plane)));
     if (inner.width <= 0 || inner.height <= 0)
       continue;
     std::uint8_t* to =
