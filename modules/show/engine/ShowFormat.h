@@ -6,6 +6,10 @@
 
 namespace korvia {
 
+/// Limits of the sides of pictures that the engine renders or encodes.
+inline constexpr int kFrameSideMin = 16;
+inline constexpr int kFrameSideMax = 8192;
+
 struct ShowFormat {
   FrameSize size{1920, 1080};
   FrameRate rate;

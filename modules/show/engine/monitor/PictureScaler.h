@@ -4,7 +4,7 @@
 #include <array>
 #include <vector>
 
-#include "engine/frame/Frame.h"
+#include "engine/frame/PlaneView.h"
 #include "engine/kernels/ColumnTable.h"
 
 namespace korvia {
@@ -15,12 +15,7 @@ class PictureScaler {
   void toRgb(const Frame& picture, FrameSize size, std::uint8_t* pixels, int stride);
 
  private:
-  struct PlaneView {
-    const std::uint8_t* data = nullptr;
-    int stride = 0;
-    FrameSize size;
-  };
-  /// One row on its way: at the new height, then at the new width.
+  /// A row that is scaled: at the new height, then at the new width.
   struct Row {
     ColumnTable columns;
     std::vector<std::uint8_t> tall;

@@ -5,6 +5,7 @@
 
 #include "FileTarget.h"
 #include "engine/EngineLog.h"
+#include "engine/ShowFormat.h"
 
 namespace korvia {
 
@@ -15,8 +16,6 @@ using TargetMaker = std::unique_ptr<Target> (*)(const OutputRequest& request);
 
 constexpr TargetMaker kTargetMakers[] = {FileTarget::create};
 
-constexpr int kMinSide = 16;
-constexpr int kMaxSide = 8192;
 constexpr FrameSize kDefaultSize{1920, 1080};
 constexpr int kDefaultKbps = 4096;
 constexpr int kMinKbps = 64;
@@ -24,7 +23,7 @@ constexpr int kMaxKbps = 200000;
 
 // Chroma samples cover two pixels, so the encoder takes even sides only.
 int usableSide(int side) {
-  return std::clamp(side, kMinSide, kMaxSide) / 2 * 2;
+  return std::clamp(side, kFrameSideMin, kFrameSideMax) / 2 * 2;
 }
 
 FrameSize encodedSize(const tagKorviaVideoFormat& video) {
