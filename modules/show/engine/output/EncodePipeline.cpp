@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "FrameBuffer.h"
+#include "FrameExport.h"
 #include "engine/HappensBefore.h"
 
 namespace korvia {

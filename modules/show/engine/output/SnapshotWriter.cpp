@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "DrivePath.h"
-#include "FrameImage.h"
+#include "FrameExport.h"
 #include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
