@@ -12,20 +12,19 @@ namespace {
 
 constexpr std::uint8_t kFrom = 0;
 constexpr std::uint8_t kTo = 255;
-// Where pictures change along a row, the memory's own look-ahead begins anew at each run; so the rows that
-// come are asked for in time.
+// At each run the hardware prefetcher starts again, so the rows that follow are prefetched explicitly.
 constexpr int kRowsAhead = 4;
 
 }  // namespace
 
-MaskedPlanes::MaskedPlanes(const Frame& from, const Frame& to, bool chroma, TransitionScratch& scratch,
+MaskedPlanes::MaskedPlanes(const Frame& from, const Frame& to, PlaneGroup group, TransitionScratch& scratch,
                            Frame& out) {
   const auto add = [&](int plane) {
     planes_[static_cast<std::size_t>(planeCount_++)] = {planeOf(from, plane), planeOf(to, plane),
                                                         writablePlaneOf(out, plane)};
   };
-  add(chroma ? Frame::U : Frame::Y);
-  if (chroma)
+  add(group == PlaneGroup::Chroma ? Frame::U : Frame::Y);
+  if (group == PlaneGroup::Chroma)
     add(Frame::V);
   width_ = planes_[0].out.width;
   const auto blocks = static_cast<std::size_t>(width_) / kMaskBlock + 1;
