@@ -12,7 +12,7 @@ namespace korvia {
 
 namespace {
 
-// Widest vector of the kernels, and a cache line.
+// The widest vector register of the kernels, and a cache line.
 constexpr int kAlignment = 64;
 
 int alignedStride(int width) {
@@ -43,7 +43,7 @@ Frame::Frame(FrameSize size, bool alpha) : size_(size), memory_(nullptr, std::fr
 Frame::Frame(FrameSize size, const External& external)
     : size_(size), memory_(nullptr, std::free), external_(external) {
   for (int i = 0; i < 4; ++i) {
-    // External memory is never written: writablePlane() is only for frames that are being made.
+    // writablePlane() is only called for frames that are being made, never for external memory.
     data_[i] = const_cast<std::uint8_t*>(external.data[i]);
     stride_[i] = external.stride[i];
   }
@@ -88,8 +88,8 @@ FrameRef opaque(const FrameRef& picture) {
 }
 
 FrameRef MutableFrame::publish() && {
-  // Kernels write past the cache, and no atomic orders such writes before what tells other threads of the
-  // frame.
+  // Kernels use non-temporal stores. The atomic that publishes the frame does not order them, so they need a
+  // fence.
   hwy::FlushStream();
   return FrameRef::adopt(std::exchange(frame_, nullptr));
 }

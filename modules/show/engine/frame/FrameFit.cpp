@@ -25,8 +25,8 @@ PlaneRect planeRect(const FrameRect& rect, const Frame& target, int plane) {
   const int shift = chroma ? 1 : 0;
   const int x = rect.x >> shift;
   const int y = rect.y >> shift;
-  // Rounds up so that a rectangle of odd size, which only a picture of the target's own size has, keeps its
-  // edge.
+  // Rounded up, so that a rectangle of odd size keeps its edge. Only a picture of the size of the target has
+  // one.
   return {x, y, std::min((rect.width + shift) >> shift, target.planeWidth(plane) - x),
           std::min((rect.height + shift) >> shift, target.planeHeight(plane) - y)};
 }

@@ -148,9 +148,9 @@ void sumUp(const std::uint8_t* row, std::uint32_t* sums, int count) {
   }
 }
 
-// The kernels whose samples lie side by side in a register or change their number have loops of their own.
-// The functions below compute the samples from `begin` on one by one: the end of a row, or all of it on a
-// machine without vectors.
+// Shrinking, enlarging and the box mean have loops of their own, since they do not map one sample to one.
+// The functions below compute samples one by one: the end of a row, or all of it on a machine without
+// vectors.
 
 inline int sumOfSquare(const ShrinkRows& rows, int x, int count) {
   int sum = 0;

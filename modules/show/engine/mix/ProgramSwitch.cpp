@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kDurationMax = 600;
 
-// Exactly 1 is the end of a take and is reported by nothing else; some curves get there early.
+// Exactly 1 reports the end of a take and nothing else; some curves reach 1 earlier.
 const float kPositionMax = std::nextafter(1.0F, 0.0F);
 
 }  // namespace
@@ -25,7 +25,7 @@ void ProgramSwitch::take(const Take& take, double framesPerSecond) {
   if (isRunning() && take.to == take_.to && mode_ == Mode::Auto)
     return;
   if (mode_ == Mode::Lever && take.to == take_.to && transition()) {
-    // Half through one effect the picture would jump with another; only a cut may.
+    // Another effect in the middle of a take would make the picture jump.
     start_ = position_;
     take_.duration = take.duration;
     take_.easing = take.easing;

@@ -28,8 +28,8 @@ std::uint8_t blended(int behind, int front, int frontCover) {
                                    kWhole);
 }
 
-/// A row with the front's columns over those behind, as if the front covered the row's whole height. It may
-/// be in `line`.
+/// A row with the columns of `front` over those behind it, as if `front` covered the full height of the row.
+/// The result may be in `line`.
 const std::uint8_t* composedRow(PlacedPlane& front, PlacedPlane& behind, int y, int width,
                                 std::uint8_t* line) {
   const auto [begin, end] = front.columns().whole(width);
