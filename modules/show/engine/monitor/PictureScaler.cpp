@@ -11,10 +11,10 @@ namespace korvia {
 
 namespace {
 
-// Vectors may write this many samples past the end of a row.
+// Samples that the kernels may write past the end of a row.
 constexpr int kRowSlack = 64;
 
-/// Rows and the weight of the second, in 1/256, for row `y` of `to` rows made of `from` rows.
+/// The two source rows of row `y` and the weight of the second, in 1/256, when `from` rows become `to`.
 struct RowPair {
   int first;
   int second;
@@ -29,8 +29,8 @@ RowPair rowPair(int y, int from, int to) {
 
 }  // namespace
 
-// Halving by averaging is several times quicker than an area filter and leaves less than a factor of two for
-// the bilinear step, which then has nothing to alias.
+// Halving by a box filter is several times faster than an area filter. It leaves less than a factor of two
+// for the bilinear step, which then does not alias.
 PlaneView PictureScaler::halved(PlaneView plane, FrameSize size, Halves& halves) {
   for (std::vector<std::uint8_t>& half : halves) {
     const FrameSize next{plane.width / 2, plane.height / 2};
@@ -67,7 +67,8 @@ void PictureScaler::toRgb(const Frame& picture, FrameSize size, std::uint8_t* pi
   for (int i = 0; i < 3; ++i)
     planes[i] = halved(planeOf(picture, i), size, halves_[i]);
   for (int y = 0; y < size.height; ++y) {
-    // Chroma goes straight to the size of luma: that keeps more of it than a stop at half the size.
+    // Chroma is scaled to the full size in one step, which keeps more of it than an intermediate step at
+    // half the size.
     for (int i = 0; i < 3; ++i)
       scaleRowOf(planes[i], y, size, rows_[i]);
     rowToRgb(rows_[0].wide.data(), rows_[1].wide.data(), rows_[2].wide.data(),

@@ -16,7 +16,7 @@ namespace korvia {
 
 namespace {
 
-// Unbuffered, so that what is written is out of the process, whatever becomes of it.
+// Unbuffered, so that written data survives a crash of the process.
 const std::vector<ElementProperty> kFileSink = {
     {"buffer-mode", "unbuffered"}, {"sync", "false"}, {"enable-last-sample", "false"}};
 

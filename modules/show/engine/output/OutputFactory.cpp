@@ -21,7 +21,7 @@ constexpr int kDefaultKbps = 4096;
 constexpr int kMinKbps = 64;
 constexpr int kMaxKbps = 200000;
 
-// Chroma samples cover two pixels, so the encoder takes even sides only.
+// Chroma is subsampled by two, so the encoder takes even sides only.
 int usableSide(int side) {
   return std::clamp(side, kFrameSideMin, kFrameSideMax) / 2 * 2;
 }
@@ -31,7 +31,7 @@ FrameSize encodedSize(const tagKorviaVideoFormat& video) {
   return wanted.isEmpty() ? kDefaultSize : FrameSize{usableSide(wanted.width), usableSide(wanted.height)};
 }
 
-// The record's text field gives 0 for what is no number.
+// The text field of the record gives 0 for a text that is no number.
 int encodedKbps(int kbps) {
   return kbps <= 0 ? kDefaultKbps : std::clamp(kbps, kMinKbps, kMaxKbps);
 }

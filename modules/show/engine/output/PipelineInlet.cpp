@@ -6,7 +6,7 @@ namespace korvia {
 
 namespace {
 
-// One that is being worked on waits downstream; one more keeps that busy.
+// While one buffer is being processed downstream, one more waits to keep the pipeline busy.
 constexpr qint64 kWaitingBuffers = 2;
 
 }  // namespace
