@@ -1,4 +1,4 @@
-// The row loops of the blurs against their formulas, in rows without a sample to spare.
+// The blur kernels against their formulas, in rows that end with their last sample.
 #include <QtTest>
 #include <array>
 #include <cmath>

@@ -1,5 +1,5 @@
-// The mask kernels and the streamed copy against their formulas, over every length to 140, and no sample
-// more.
+// The mask kernels and the non-temporal copy against their formulas, for every length to 140; nothing past
+// the end may change.
 #include <QtTest>
 #include <cmath>
 #include <vector>
@@ -175,7 +175,7 @@ class MaskKernelsTest : public QObject {
     }
   }
 
-  void streamedRowIsTheRow() {
+  void aNonTemporalCopyIsTheRow() {
     const std::vector<std::uint8_t> from = noise(kLengths + 3, 4);
     for (int count = 0; count <= kLengths; ++count)
       for (int start = 0; start < 3; ++start) {

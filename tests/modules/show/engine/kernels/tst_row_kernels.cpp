@@ -1,4 +1,5 @@
-// The row kernels against their formulas, over every length to 70, odd starts, and no sample more.
+// The row kernels against their formulas, for every length to 70 and odd starts; nothing past the end may
+// change.
 #include <QtTest>
 #include <cmath>
 

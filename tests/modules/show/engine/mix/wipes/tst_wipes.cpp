@@ -1,4 +1,4 @@
-// The wipes: what each of them uncovers and when, in soft edges, never taking anything back.
+// The wipes: which places each of them uncovers at which position, with soft edges, and never covers again.
 #include <QtTest>
 
 #include "engine/mix/TransitionCatalog.h"
@@ -109,7 +109,7 @@ double meanLuma(const FrameRef& frame) {
   return sum / frame->width() / frame->height();
 }
 
-/// Whether a plane of one is that of the other, turned over as told.
+/// Whether a plane of one picture is the mirrored plane of the other.
 bool mirrored(const FrameRef& a, const FrameRef& b, int plane, bool acrossToo, bool downToo) {
   const PlaneView va = planeOf(*a, plane);
   const PlaneView vb = planeOf(*b, plane);
