@@ -26,8 +26,8 @@ namespace {
 
 constexpr FrameSize kSize{1920, 1080};
 constexpr int kRounds = 120;
-// Frames of a show come from memory, not from the cache: the kernels walk through more frames than any cache
-// holds.
+// In a show frames come from memory, not from the cache, so the bench cycles through more frames than a
+// cache holds.
 constexpr int kFrames = 48;
 
 FrameRef noise(std::uint32_t seed) {
@@ -41,7 +41,7 @@ FrameRef noise(std::uint32_t seed) {
   return std::move(frame).publish();
 }
 
-/// Walks through its frames, one further at each call.
+/// Returns its frames in a cycle, the next one at each call.
 template <typename Held>
 class Carousel {
  public:
@@ -93,7 +93,7 @@ struct Timing {
   double copies = 0;
 };
 
-/// Kernel and copy take turns, so that a machine that changes its pace changes it for both.
+/// Kernel and copy run alternately, so that a change of the CPU clock affects both.
 Timing timed(const std::function<void()>& reference, const std::function<void()>& kernel, int rounds) {
   std::vector<double> times;
   std::vector<double> ratios;
@@ -106,12 +106,12 @@ Timing timed(const std::function<void()>& reference, const std::function<void()>
   return {median(times), median(ratios)};
 }
 
-/// The lines of the table, printed as they come and kept for the file.
+/// The table: printed line by line, and kept for the file.
 class Table {
  public:
   void add(const char* name, const Timing& timing, const char* verdict = "") {
     std::printf("%-40s %8.3f ms %8.2f M%s\n", name, timing.ms, timing.copies, verdict);
-    // Seen at once, even where the output goes through a pipe.
+    // Flushed, so that each line is seen at once through a pipe too.
     std::fflush(stdout);
     lines_.append(QJsonObject{{"name", name}, {"ms", timing.ms}, {"copies", timing.copies}});
   }
@@ -138,11 +138,11 @@ constexpr EffectFamily kFamilies[] = {
     {"glide", 25, 44, 4, kFrameMs}, {"stretch", 46, 51, 4, kFrameMs}, {"blur", 53, 60, 25, 8},
     {"distortion", 62, 72, 25, 8},  {"color", 74, 79, 6, kFrameMs},
 };
-// Between whole samples: on them, what moves is only copied.
+// Positions at which nothing moves by whole samples, since those are only copied.
 constexpr double kPositions[] = {0.1013, 0.3037, 0.5071, 0.7053, 0.9029};
 constexpr int kRoundsAtAPosition = 24;
 
-/// Each effect at several positions; what counts is its slowest.
+/// Measures each effect at several positions and reports the slowest.
 void measureEffects(const QList<int>& wanted, Carousel<FrameRef>& in, Carousel<MutableFrame>& out,
                     const std::function<void()>& reference, Table& table) {
   TransitionScratch scratch;
@@ -190,7 +190,7 @@ void measureAll(const QList<int>& effects, Table& table) {
     return;
   std::vector<std::int32_t> x(kSize.width);
   std::vector<std::int32_t> y(kSize.width);
-  table.measure("sampling at turned points", reference, [&] {
+  table.measure("sampling at rotated points", reference, [&] {
     const Frame& from = in.next();
     Frame& to = out.next();
     for (int plane = 0; plane < 3; ++plane) {
@@ -205,16 +205,16 @@ void measureAll(const QList<int>& effects, Table& table) {
     }
   });
   Compositor compositor;
-  QImage veil(kSize.width, kSize.height, QImage::Format_ARGB32);
-  veil.fill(qRgba(255, 0, 0, 100));
-  const std::vector<LayerRef> layers{Layer::make(veil, {}, kSize)};
+  QImage layer(kSize.width, kSize.height, QImage::Format_ARGB32);
+  layer.fill(qRgba(255, 0, 0, 100));
+  const std::vector<LayerRef> layers{Layer::make(layer, {}, kSize)};
   FramePool composed(kSize);
   std::vector<FrameRef> below;
   below.reserve(kFrames);
   for (int i = 0; i < kFrames; ++i)
     below.push_back(noise(static_cast<std::uint32_t>(i)));
   int place = 0;
-  table.measure("drawing over all of it", reference,
+  table.measure("blending a layer of full size", reference,
                 [&] { compositor.over(below[++place % kFrames], layers, composed); });
   for (const FrameSize size : {FrameSize{296, 167}, FrameSize{544, 306}, FrameSize{912, 513}}) {
     PictureScaler scaler;

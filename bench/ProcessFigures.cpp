@@ -28,7 +28,7 @@ ProcessFigures ProcessFigures::now() {
   const double ticksPerSecond = static_cast<double>(sysconf(_SC_CLK_TCK));
   for (const QString& task : QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
     const QString folder = "/proc/self/task/" + task;
-    // The name in brackets may hold blanks: the fields are counted from its closing bracket.
+    // The name in brackets may contain blanks, so the fields are counted from its closing bracket.
     const QByteArray stat = firstLine(folder + "/stat");
     const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
     if (fields.size() < 13)

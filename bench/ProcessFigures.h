@@ -1,4 +1,4 @@
-// What the operating system says of this process: processor time in all and by thread, memory.
+// CPU time, in all and by thread, and memory of this process, from the operating system.
 #pragma once
 #include <QMap>
 #include <QString>
@@ -6,7 +6,7 @@
 struct ProcessFigures {
   double cpuSeconds = 0;
   qint64 peakResidentBytes = 0;
-  /// Processor seconds by thread name, threads of one name added up. Threads that ended are missing here.
+  /// CPU seconds by thread name; threads of the same name are added up. Threads that ended are missing.
   QMap<QString, double> threadSeconds;
 
   static ProcessFigures now();

@@ -1,4 +1,4 @@
-// The figures of a run as a file.
+// Writes the figures of a run to a file.
 #pragma once
 #include <QJsonObject>
 #include <QString>

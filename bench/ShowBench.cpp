@@ -52,7 +52,7 @@ bool waitFor(Condition condition, int timeoutMs) {
   return true;
 }
 
-/// Handles that belong to no widget: the pictures are scaled and then find no window.
+/// Window handles that belong to no widget: the pictures are scaled and then dropped.
 tagKorviaShowWindowPackInfo windows(int channels) {
   const auto window = [](int number, QSize size) {
     tagKorviaWindowInfo info;

@@ -1,4 +1,5 @@
-// A show without windows: films on the channels, takes, a recording, and how the engine kept its time.
+// Measures a show without windows: films on the channels, takes, a recording, and how well the engine kept
+// its frame rate.
 #pragma once
 #include <QSize>
 #include <QString>
@@ -8,7 +9,7 @@ struct ShowBenchOptions {
   QStringList inputs;
   int channels = 3;
   double seconds = 10;
-  /// Seconds between takes; 0 takes nothing.
+  /// Seconds between takes; 0 for no takes.
   double takeEvery = 0;
   int effect = 22;
   QString recordFile;
@@ -18,5 +19,5 @@ struct ShowBenchOptions {
   QString jsonFile;
 };
 
-/// Runs and prints; the exit code of the program.
+/// Runs and prints; returns the exit code of the program.
 int runShowBench(const ShowBenchOptions& options);

@@ -6,7 +6,7 @@
 #include "SampleScene.h"
 #include "engine/frame/PictureFrame.h"
 #include "engine/mix/TransitionCatalog.h"
-#include "engine/output/FrameImage.h"
+#include "engine/output/FrameExport.h"
 
 namespace korvia {
 

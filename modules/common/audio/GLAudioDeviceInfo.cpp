@@ -14,7 +14,7 @@ struct Device {
   QString interface;  // "alsa", "pulse"; empty when the system does not tell
 };
 
-/// One listing, shared by its worker and by those who wait for it.
+/// One listing, shared by its worker thread and the callers that wait for it.
 struct Listing {
   std::mutex mutex;
   std::condition_variable changed;
@@ -23,7 +23,7 @@ struct Listing {
   const std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::now() + kTimeLimit;
 };
 
-/// The listing that is under way, so that callers who poll a hanging sound system do not pile up threads.
+/// The listing in progress, so that callers which poll a hanging sound system do not pile up threads.
 std::mutex listingMutex;
 std::shared_ptr<Listing> runningListing;  // guarded by listingMutex
 
@@ -36,8 +36,8 @@ QString interfaceOf(GstDevice* device) {
   return name;
 }
 
-/// Appends the provider's devices to the list. A provider that can watch its sound server is started first:
-/// its plain listing keeps three descriptors each time that no server answers, its start gives back what it
+/// Appends the devices of the provider. A provider that can watch its sound server is started first: its
+/// plain listing leaks three descriptors each time that no server answers, while its start frees what it
 /// took.
 void appendDevices(GstDeviceProvider* provider, QList<Device>& devices) {
   if (GST_DEVICE_PROVIDER_GET_CLASS(provider)->start) {
@@ -65,7 +65,7 @@ QList<Device> askSystem() {
     g_clear_error(&error);
     return devices;
   }
-  // The monitor chooses the providers: one may stand for another.
+  // The monitor selects the providers, since one may replace another.
   GstDeviceMonitor* monitor = gst_device_monitor_new();
   gst_device_monitor_add_filter(monitor, kDeviceClasses, nullptr);
   gchar** names = gst_device_monitor_get_providers(monitor);
@@ -97,7 +97,7 @@ std::shared_ptr<Listing> currentListing() {
   const std::lock_guard lock(listingMutex);
   if (!runningListing) {
     runningListing = std::make_shared<Listing>();
-    // Detached: a sound server that hangs for ever must not hold up the end of the process.
+    // Detached, because a sound server that hangs for ever must not hold up the end of the process.
     std::thread(runListing, runningListing).detach();
   }
   return runningListing;

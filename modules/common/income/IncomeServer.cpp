@@ -30,7 +30,7 @@ QString findNginx() {
   }
   const QString name = QStringLiteral("nginx");
   const QString found = QStandardPaths::findExecutable(name);
-  // The folders of servers are not in the search path of every user.
+  // The folders of server programs are not in the search path of every user.
   return found.isEmpty() ? QStandardPaths::findExecutable(
                                name, {QStringLiteral("/usr/sbin"), QStringLiteral("/usr/local/sbin")})
                          : found;

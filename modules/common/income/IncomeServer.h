@@ -1,8 +1,8 @@
-// Takes pushed RTMP streams and serves the page folder, by an nginx that it starts and ends. Console thread
-// only; the child process belongs to a supervisor on a thread of its own.
-// KORVIA_NGINX names the program and KORVIA_NGINX_MODULES the folder of its modules when they are not where
-// Debian puts them; KORVIA_RTMP_PORT is the wanted RTMP port (1935); KORVIA_INCOME_LISTEN is a numeric IPv4
-// address to listen on instead of 127.0.0.1, for streams that come from other machines.
+// Receives pushed RTMP streams and serves the page folder with an nginx that it starts and ends. Console
+// thread only; the child process belongs to a supervisor on its own thread. KORVIA_NGINX and
+// KORVIA_NGINX_MODULES are the program and the folder of its modules where they differ from Debian's;
+// KORVIA_RTMP_PORT is the wanted RTMP port (1935); KORVIA_INCOME_LISTEN is a numeric IPv4 address to listen
+// on instead of 127.0.0.1, for streams from other machines.
 #pragma once
 #include <QThread>
 #include <memory>

@@ -8,8 +8,8 @@ namespace korvia {
 
 namespace {
 
-// One process only, so that its end is the end of all. The types stand here because the file that usually
-// holds them is not part of every installation.
+// A single process, so that its end ends everything. The MIME types stand here because their usual file is
+// not part of every installation.
 constexpr char kTemplate[] = R"(load_module %MODULE%;
 daemon off;
 master_process off;
@@ -101,8 +101,8 @@ std::optional<QByteArray> NginxConfig::text() const {
     return std::nullopt;
   work->chop(1);  // the template continues and closes the word
 
-  // Only root may name a user, and a lone process keeps the one it has; naming it avoids the look-up of
-  // another.
+  // Only root may set a user, and a single process keeps its own; naming it avoids the look-up of the
+  // default user.
   const QByteArray user = geteuid() == 0 ? "user root;\n" : "";
   const std::pair<const char*, QByteArray> values[] = {
       {"%MODULE%", *module},
@@ -114,7 +114,7 @@ std::optional<QByteArray> NginxConfig::text() const {
       {"%TOKEN%", readyToken},
       {"%HTML%", *html},
   };
-  // One pass over the template, so that a path that looks like a mark stays what it is.
+  // One pass over the template, so that a path that looks like a placeholder is not replaced.
   QByteArray result;
   const QByteArray source = kTemplate;
   for (int at = 0; at < source.size();) {

@@ -16,11 +16,11 @@ struct NginxConfig {
   int rtmpPort = 0;
   QByteArray readyToken;  // letters and digits; "/ready-<token>" answers with it
 
-  /// The text of the file; nothing when a path cannot be written into a configuration safely.
+  /// The text of the file; empty when a path cannot be written into a configuration safely.
   std::optional<QByteArray> text() const;
 
-  /// A path as a quoted word of the configuration; nothing for control characters and for "$", which would be
-  /// taken for a variable and cannot be escaped.
+  /// A path as a quoted word of the configuration; empty for control characters and for "$", which would
+  /// begin a variable and cannot be escaped.
   static std::optional<QByteArray> quoted(const QString& path);
 };
 

@@ -37,7 +37,7 @@ class BoundProcess : public QProcess {
   BoundProcess() : parent_(getpid()) {}
 
  protected:
-  // Runs between fork and exec: calls of the system only.
+  // Runs between fork and exec, where only system calls are safe.
   void setupChildProcess() override {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (getppid() != parent_)
@@ -45,9 +45,9 @@ class BoundProcess : public QProcess {
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    // Sockets and devices of the console are none of the child's; Qt needs its own pipe until exec.
+    // The child must not inherit sockets and devices of the console; Qt needs its own pipe until exec.
     close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
-    // What a terminal sends to its programs is for the console, which ends the child in order.
+    // Signals of a terminal are for the console, which ends the child in order.
     setpgid(0, 0);
   }
 
@@ -55,7 +55,7 @@ class BoundProcess : public QProcess {
   const pid_t parent_;
 };
 
-/// Working folders carry the process id of their owner; one whose owner was killed is left over.
+/// The name of a working folder has the process id of its owner; the folder of a killed owner is left over.
 void sweepLeftOvers(const QString& cacheFolder) {
   const QString prefix = QLatin1String(kWorkPrefix);
   const QFileInfoList folders =
@@ -120,7 +120,7 @@ bool NginxSupervisor::makeWorkFolder() {
 bool NginxSupervisor::launch() {
   sinceStart_.start();
   for (int tries = 0; tries < kLaunchTries && !cancelled_; ++tries) {
-    // Between the test of a port and its use another program may take it: then the child ends, and again.
+    // Another program may take a port between its test and its use. Then the child ends, and we try again.
     bool endedEarly = false;
     if (launchOnce(kReadyLimitMs, endedEarly)) {
       sinceStart_.start();
@@ -204,7 +204,7 @@ bool NginxSupervisor::waitUntilReady(qint64 deadlineMs) {
 }
 
 /// A port that answers may belong to another program; only our child knows the token. It opens all its ports
-/// before it answers on any, so the page port speaks for the RTMP port.
+/// before it answers on any, so an answer on the page port covers the RTMP port.
 bool NginxSupervisor::answersWithToken() const {
   const NginxConfig& config = settings_.config;
   const bool anyAddress = config.address == QLatin1String("0.0.0.0");

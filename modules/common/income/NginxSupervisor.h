@@ -1,6 +1,6 @@
-// Runs nginx as a child process, restarts it when it dies, and ends it with this process.
-// Lives on a thread of its own, on which all operations but isRunning, rtmpPort and cancel are called. That
-// thread must live as long as the child: the kernel ends the child when the thread that forked it ends.
+// Runs nginx as a child process, restarts it when it dies, and ends it with this process. Lives on its own
+// thread, on which all calls are made except isRunning, rtmpPort and cancel. That thread must live as long
+// as the child, because the kernel ends the child with the thread that forked it.
 #pragma once
 #include <QElapsedTimer>
 #include <QObject>
@@ -34,10 +34,11 @@ class NginxSupervisor : public QObject {
   bool isRunning() const { return running_; }
   /// Any thread. 0 while the server is not open.
   int rtmpPort() const { return rtmpPort_; }
-  /// Any thread: a start that is waiting gives up soon, and no restart follows.
+  /// Any thread. A start that waits gives up soon, and no restart follows.
   void cancel() { cancelled_ = true; }
 
-  /// The section of the income server on the status board, any thread: why there is no server, or nothing.
+  /// Publishes the reason why there is no server, or nothing, in the section of the income server on the
+  /// status board. Any thread.
   static void publishFailure(const QString& reason);
   static void takeOffBoard();
 

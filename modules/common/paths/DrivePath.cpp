@@ -32,7 +32,7 @@ QString withSlashes(QString path) {
   return path.replace(QLatin1Char('\\'), QLatin1Char('/'));
 }
 
-/// The parts of a path below its drive, "." and empty ones left out, ".." kept from climbing above the drive.
+/// The parts of a path below its drive, without "." and empty ones; ".." cannot climb above the drive.
 QString insideDrive(const QString& path) {
   QStringList kept;
   const QStringList parts = withSlashes(path).split(QLatin1Char('/'), Qt::SkipEmptyParts);
@@ -103,8 +103,8 @@ QString DrivePath::safeFileName(const QString& text) {
   while (name.contains(QLatin1String("..")))
     name.replace(QLatin1String(".."), QLatin1String("."));
 
-  // A leading dot hides the file, a leading dash makes it an option; other systems drop dots and blanks at
-  // the end.
+  // A leading dot hides the file, a leading dash makes it look like an option, and other systems drop dots
+  // and blanks at the end.
   const auto isEdge = [](QChar c) { return c == QLatin1Char('.') || c.isSpace(); };
   int first = 0;
   while (first < name.size() && (isEdge(name.at(first)) || name.at(first) == QLatin1Char('-')))

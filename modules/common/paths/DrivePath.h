@@ -1,5 +1,5 @@
-// Turns the drive paths that the records keep ("d:\records\vod\0\") into paths of this machine, and foreign
-// texts into file names. The one place that knows where a drive lies. Stateless, usable from any thread.
+// Maps the drive paths of the records ("d:\records\vod\0\") to paths of this machine, and foreign texts to
+// file names. Only this class knows the folder of a drive. Stateless, usable from any thread.
 #pragma once
 #include <QString>
 
@@ -15,12 +15,13 @@ class DrivePath {
   /// it comes back with slashes. A trailing separator is kept. Parts that climb above the drive are dropped.
   static QString resolve(const QString& path);
 
-  /// Folder of a drive without a trailing slash; empty for a drive that has none and for no letter.
+  /// Folder of a drive without a trailing slash; empty for a drive without a folder and for anything but a
+  /// letter.
   static QString driveFolder(QChar letter);
 
-  /// A single file name made of a text that comes from outside: without separators, "..", characters that
-  /// file systems refuse, control and invisible characters; at most 200 bytes of UTF-8 and never empty
-  /// ("unnamed"). An extension that is appended later still fits into a file name.
+  /// A single file name made from a foreign text: without separators, "..", characters that file systems
+  /// refuse, control and invisible characters; at most 200 bytes of UTF-8 and never empty ("unnamed"). A
+  /// suffix can still be appended.
   static QString safeFileName(const QString& text);
 };
 

@@ -1,5 +1,6 @@
-// The income server: takes RTMP streams that are pushed to "rtmp://HOST:rtmpPort()/income/NAME", and serves a
-// folder of pages. Called on the console thread; the server is a child process that ends with this one.
+// The income server: receives RTMP streams that are pushed to "rtmp://HOST:rtmpPort()/income/NAME", and
+// serves a folder of pages. Called on the console thread; the server is a child process that ends with this
+// one.
 #pragma once
 #include <QString>
 
@@ -7,17 +8,17 @@
 
 class IKorviaRTMPIncomeServer : public IUnknownEx {
  public:
-  /// Has the server started, without waiting for it: isRunning() tells when it answers. port is the wanted
-  /// port of the page server for the folder htmlPath; a busy port gives way to the next free one. Working
-  /// files lie in a temporary folder below the cache of rootPath. Returns 0, or a negative value for what is
+  /// Starts the server without waiting for it; isRunning() tells when it answers. port is the wanted port of
+  /// the page server for the folder htmlPath; if it is busy, the next free one is taken. Working files lie
+  /// in a temporary folder below the cache of rootPath. Returns 0, or a negative value for errors that are
   /// known at once: bad arguments, a folder name that cannot be served, a missing server program or RTMP
-  /// module. A server that does not come up is logged and shown on the status board; it stays open until
-  /// close().
+  /// module. If the server fails to start later, this is logged and shown on the status board; it stays open
+  /// until close().
   virtual int open(const QString& rootPath, int port, const QString& htmlPath) = 0;
   /// True while the child process runs and answers.
   virtual bool isRunning() = 0;
-  /// Port that takes RTMP; 0 while the server is not open.
+  /// The RTMP port; 0 while the server is not open.
   virtual int rtmpPort() = 0;
-  /// Ends the child process. Harmless when the server is not open.
+  /// Ends the child process. Does nothing when the server is not open.
   virtual void close() = 0;
 };

@@ -1,9 +1,9 @@
-// What the web server may tell the console. May be called on any thread.
+// The events of the web server for the console. May be called on any thread.
 #pragma once
 #include "IUnknownEx.h"
 
 class IKorviaWebServerSink : public IUnknownEx {
  public:
-  /// Room for requests that the server cannot answer by itself; 0 when nobody handles them.
+  /// For requests that the server cannot answer by itself; 0 when there is no handler.
   virtual int onWebRequest() = 0;
 };

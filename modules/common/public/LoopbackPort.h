@@ -1,4 +1,4 @@
-// TCP ports of 127.0.0.1: whether one is free, and taking one. Usable from any thread.
+// TCP ports of 127.0.0.1: tests whether one is free, and listens on one. Usable from any thread.
 #pragma once
 
 namespace korvia {
@@ -15,7 +15,7 @@ class LoopbackPort {
   /// The first free port in [first, first + tries), never above 65535; 0 when there is none.
   static int nextFree(int first, int tries);
 
-  /// The port of a socket that listenOn gave; 0 on failure.
+  /// The port of a socket from listenOn; 0 on failure.
   static int portOf(int socket);
 };
 

@@ -1,6 +1,5 @@
-// What the program publishes about itself: named JSON sections, newest value only. The console and the
-// servers write, the web server reads. All operations are safe from any thread and hold the lock only for a
-// copy.
+// The state that the program publishes: named JSON sections, the newest value of each. The console and the
+// servers write, the web server reads. All calls are safe from any thread and hold the lock only for a copy.
 #pragma once
 #include <QJsonObject>
 #include <QMutex>
@@ -12,7 +11,7 @@ class StatusBoard {
  public:
   static StatusBoard& instance();
 
-  /// Replaces the section; an empty object takes it off the board.
+  /// Replaces the section; an empty object removes it.
   void publish(const QString& section, const QJsonObject& values);
 
   /// All sections by their names.

@@ -4,6 +4,6 @@
 
 class ZRCUtil {
  public:
-  /// Replaces the content of the record by the scalable fonts of this machine, without private ones.
+  /// Fills the record with the scalable fonts of this machine, except private ones.
   static void enumSystemTTFFont(tagGSystemTTFFontInfo& info);
 };

@@ -12,7 +12,7 @@ namespace korvia {
 
 namespace {
 constexpr int kMaxPort = 65535;
-// A client that finds no place here asks again after a second only.
+// A client that does not fit into the backlog retries only after a second.
 constexpr int kBacklog = 256;
 }  // namespace
 
@@ -22,7 +22,7 @@ int LoopbackPort::listenOn(int port) {
   const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   if (socket < 0)
     return -errno;
-  // Connections of the past that still linger must not make a port look busy; a listener still does.
+  // With SO_REUSEADDR old connections in TIME_WAIT do not make a port look busy; a listener still does.
   const int on = 1;
   ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
   sockaddr_in address{};

@@ -24,7 +24,7 @@ Q_LOGGING_CATEGORY(lcWeb, "korvia.web", QtInfoMsg)
 constexpr int kDefaultPort = 8800;
 constexpr int kPortTries = 100;
 constexpr std::size_t kConnectionsKept = 64;
-// Room for connections that were shut down and are not cleaned up yet.
+// Additional connections that were shut down but are not cleaned up yet.
 constexpr unsigned kConnectionLimit = 4 * kConnectionsKept;
 constexpr unsigned kConnectionTimeoutS = 10;
 constexpr std::size_t kConnectionMemoryBytes = 32 * 1024;
@@ -39,7 +39,7 @@ struct Answer {
   const char* allow = nullptr;
 };
 
-/// The policy source that allows exactly the inline element of that name in the page.
+/// The content security policy source that allows exactly the inline element of that name in the page.
 QByteArray hashSource(const QByteArray& page, const QByteArray& element) {
   const int begin = page.indexOf("<" + element + ">") + element.size() + 2;
   const int end = page.indexOf("</" + element + ">", begin);
@@ -47,7 +47,8 @@ QByteArray hashSource(const QByteArray& page, const QByteArray& element) {
   return "'sha256-" + QCryptographicHash::hash(text, QCryptographicHash::Sha256).toBase64() + "'";
 }
 
-/// A page of another site must not read the state by pointing its own name at 127.0.0.1.
+/// Protects against DNS rebinding: a page of another site must not read the state by resolving its own name
+/// to 127.0.0.1.
 bool isLocalHostHeader(const char* header) {
   if (!header)
     return true;  // HTTP/1.0; browsers always send one
@@ -59,7 +60,7 @@ bool isLocalHostHeader(const char* header) {
 }
 
 int send(MHD_Connection* connection, const Answer& answer) {
-  // MHD copies the body, and leaves it out for HEAD by itself.
+  // MHD copies the body, and omits it for HEAD on its own.
   MHD_Response* response =
       MHD_create_response_from_buffer(static_cast<std::size_t>(answer.body.size()),
                                       const_cast<char*>(answer.body.constData()), MHD_RESPMEM_MUST_COPY);
@@ -180,7 +181,7 @@ void WebServer::onConnectionStarted(MHD_Connection* connection) {
   connections_.push_back(connection);
   if (connections_.size() <= kConnectionsKept)
     return;
-  // Shut down, the connection reads its end and is closed as if the client had left.
+  // After the shutdown MHD reads the end of the connection and closes it as if the client had left.
   if (const auto* info = MHD_get_connection_info(connections_.front(), MHD_CONNECTION_INFO_CONNECTION_FD))
     ::shutdown(info->connect_fd, SHUT_RDWR);
   connections_.pop_front();

@@ -1,5 +1,5 @@
-// Shows the status board to the operator's browser: "/status.json" and a page at "/", on loopback only.
-// open and close are called on the console thread; requests are answered on one thread of libmicrohttpd.
+// Shows the status board in the browser of the operator: "/status.json" and a page at "/", on loopback only.
+// open and close are called on the console thread; a thread of libmicrohttpd answers the requests.
 #pragma once
 #include <QByteArray>
 #include <QElapsedTimer>
@@ -28,15 +28,15 @@ class WebServer : public IKorviaWebServer {
   /// Answers one request. Server thread.
   int answer(MHD_Connection* connection, const char* url, const char* method);
 
-  /// Keep the list of connections. When there are too many, the oldest is shut down, so that clients which
-  /// never finish a request cannot keep others out; a connection serves one request. Server thread.
+  /// Maintain the list of connections. When there are too many, the oldest is shut down, so that clients
+  /// which never finish a request cannot block others; a connection serves one request. Server thread.
   void onConnectionStarted(MHD_Connection* connection);
   void onConnectionClosed(MHD_Connection* connection);
 
  private:
   QByteArray statusJson() const;
 
-  // Set before the server's thread starts and not changed while it runs.
+  // Set before the thread of the server starts and constant while it runs.
   QByteArray page_;
   QByteArray pagePolicy_;  // content security policy that allows the page's own script and style
   QElapsedTimer uptime_;

@@ -26,10 +26,10 @@ bool KorviaCommonUtil::makesureExistDir(const QString& path, bool withParents) {
 bool KorviaCommonUtil::readFileContent(const QString& path, QByteArray& content) {
   content.clear();
   QFile file(korvia::DrivePath::resolve(path));
-  // Opening a FIFO would wait for its writer, so the kind is asked first.
+  // The kind is checked first, because opening a FIFO would wait for its writer.
   if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
     return false;
-  // One byte more than allowed tells a file that is too long, even one that does not know its size.
+  // One byte more than allowed detects a file that is too long, even when its size is not known.
   content = file.read(kMaxContentBytes + 1);
   if (file.error() == QFileDevice::NoError && content.size() <= kMaxContentBytes)
     return true;

@@ -1,4 +1,4 @@
-// Which channel stands on which bus, and what a take makes of it. Plain values, engine thread.
+// The channels on the two buses, and how a take changes them. Plain values, engine thread.
 #pragma once
 #include "KorviaShowEvents.h"
 #include "KorviaShowObjectID.h"
@@ -11,15 +11,15 @@ struct BusSelection {
   int pvm = 0;
   int pgm = 0;
 
-  /// The taken channel goes to program; when it stood on preview, the old program channel goes there. Nothing
-  /// changes for 0, an empty preview.
+  /// The taken channel goes to program; if it was on preview, the old program channel goes there. Channel 0,
+  /// an empty preview, changes nothing.
   BusSelection afterTake(int channel) const {
     if (channel == 0 || channel == pgm)
       return *this;
     return {pvm == channel && pgm != 0 ? pgm : pvm, channel};
   }
 
-  /// Reports what is other than `before`, program first.
+  /// Reports the buses that differ from `before`, program first.
   void reportChanges(const BusSelection& before, IShowBackendHost& host) const {
     if (pgm != before.pgm)
       host.postResult(ShowEventSelectChannel, static_cast<qulonglong>(PGMObject), pgm);

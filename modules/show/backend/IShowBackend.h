@@ -1,4 +1,4 @@
-// What stands behind the show facade: a real, a silent or a scripted engine.
+// The engine behind the show facade: real, silent or scripted.
 #pragma once
 #include <QImage>
 #include <QVariant>
@@ -15,13 +15,13 @@
 
 namespace korvia {
 
-/// What a backend may ask of the facade. Engine thread.
+/// The services of the facade for a backend. Engine thread.
 class IShowBackendHost {
  public:
   virtual void postResult(quint64 eventId, const QVariant& a1 = {}, const QVariant& a2 = {},
                           const QVariant& a3 = {}, const QVariant& a4 = {}) = 0;
   virtual void setFrameRate(FrameRate rate) = 0;
-  /// Null when nobody listens.
+  /// Null when there is no listener.
   virtual IKorviaShowEngineSink* engineSink() = 0;
 
  protected:
@@ -46,7 +46,7 @@ class IShowBackend {
   virtual void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state) = 0;
   virtual void getSourceState(tagKorviaShowSourceStatisticsItem* items) = 0;
   virtual void getOutputState(tagKorviaOutputStatistics* statistics) = 0;
-  /// Copies the newest levels out.
+  /// Copies the newest levels.
   virtual void getAudioLevel(tagKorviaShowAudioLevel& levels) = 0;
   virtual void getFigures(tagKorviaShowEngineFigures& figures) = 0;
   virtual void commitGrabImage(const QImage& image) = 0;

@@ -1,15 +1,12 @@
 #include "ShowBackendFactory.h"
 
-#include <QLoggingCategory>
-
+#include "engine/EngineLog.h"
 #include "engine/SoftwareBackend.h"
 #include "silent/SilentBackend.h"
 
 namespace korvia {
 
 namespace {
-
-Q_LOGGING_CATEGORY(logEngine, "korvia.engine")
 
 ShowBackendFactory& replacement() {
   static ShowBackendFactory factory;

@@ -1,4 +1,4 @@
-// Chooses the engine behind the facade. Console thread.
+// Selects the engine behind the facade. Console thread.
 #pragma once
 #include <functional>
 #include <memory>
@@ -13,7 +13,7 @@ using ShowBackendFactory = std::function<std::unique_ptr<IShowBackend>()>;
 /// and gives the software engine.
 std::unique_ptr<IShowBackend> createShowBackend();
 
-/// Replaces the choice for every facade made afterwards; an empty factory restores it. For tests.
+/// Replaces the selection for all facades made later; an empty factory restores it. For tests.
 void setShowBackendFactory(ShowBackendFactory factory);
 
 }  // namespace korvia

@@ -1,5 +1,6 @@
-// Which part of the engine takes which event. Handlers are member functions with typed arguments: the event's
-// variants are turned into these types here and nowhere else. Filled when the engine is made; engine thread.
+// Dispatches events to the parts of the engine. Handlers are member functions with typed arguments; only
+// this class converts the variants of an event into these types. Filled when the engine is made; engine
+// thread.
 #pragma once
 #include <QString>
 #include <QVariant>
@@ -18,8 +19,8 @@ namespace korvia {
 class EventTable {
  public:
   /// Events of this number call `handle` on `part`, which must outlive the table. The handler takes up to
-  /// four arguments: int, float, double, QString, or a record that travels in a variant. An argument that
-  /// holds something else is 0, empty, or a default record.
+  /// four arguments: int, float, double, QString, or a record that travels in a variant. An argument of
+  /// another type becomes 0, empty, or a default record.
   template <typename Part, typename... Arguments>
   void on(KorviaShowEvent id, Part& part, void (Part::*handle)(Arguments...)) {
     static_assert(sizeof...(Arguments) <= std::extent_v<decltype(ShowEvent::args)>);
@@ -28,7 +29,7 @@ class EventTable {
     };
   }
 
-  /// Calls the handler of the event. An event that no part takes is logged at its first coming.
+  /// Calls the handler of the event. The first event of a number without a handler is logged.
   void dispatch(const ShowEvent& event);
 
  private:

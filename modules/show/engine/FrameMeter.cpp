@@ -22,7 +22,7 @@ std::int64_t FrameMeter::secondOf(Time now) const {
 void FrameMeter::count(int frames, Time now) {
   const std::int64_t second = secondOf(now);
   const auto places = static_cast<std::int64_t>(frames_.size());
-  // Seconds without a frame count as such; older ones make room.
+  // Seconds without a frame count as 0.
   for (std::int64_t empty = std::max(newest_ + 1, second - places + 1); empty <= second; ++empty)
     frames_[static_cast<std::size_t>(empty % places)] = 0;
   newest_ = std::max(newest_, second);

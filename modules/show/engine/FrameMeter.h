@@ -1,4 +1,4 @@
-// Counts frames and tells how many there were a second, lately and since the start. Guarded by its owner.
+// Counts frames and computes frame rates over a window and since the start. Guarded by its owner.
 #pragma once
 #include <array>
 #include <chrono>
@@ -16,7 +16,7 @@ class FrameMeter {
   void count(int frames, Time now);
 
   std::int64_t total() const { return total_; }
-  /// Over the last 10 whole seconds, or since the start as long as these have not passed.
+  /// Over the last 10 whole seconds; since the start while fewer have passed.
   double perSecond(Time now) const;
   double perSecondOfRun(Time now) const;
 
@@ -25,7 +25,7 @@ class FrameMeter {
 
   Time start_;
   std::int64_t total_ = 0;
-  // One more than the window: the second that is being counted does not belong to it yet.
+  // One entry more than the window, for the second that is not complete yet.
   std::array<std::int64_t, kWindowSeconds + 1> frames_{};
   std::int64_t newest_ = 0;  // second of the newest entry
 };

@@ -1,5 +1,5 @@
-// Drops things whose end may take time on a thread of its own, so that neither the engine thread nor the
-// console waits for them. Any thread.
+// Destroys objects on its own thread when their destruction may take time, so that neither the engine thread
+// nor the console waits. Any thread.
 #pragma once
 #include <chrono>
 #include <condition_variable>
@@ -14,12 +14,12 @@ namespace korvia {
 class Janitor {
  public:
   Janitor();
-  /// Waits for what was handed over before.
+  /// Waits until all objects are destroyed.
   ~Janitor();
   Janitor(const Janitor&) = delete;
   Janitor& operator=(const Janitor&) = delete;
 
-  /// Takes the thing over and destroys it later.
+  /// Takes ownership and destroys the object later.
   template <typename Thing>
   void dispose(Thing thing) {
     auto holder = std::make_shared<Thing>(std::move(thing));

@@ -6,11 +6,8 @@ namespace korvia {
 
 namespace {
 
-constexpr int kSideMin = 16;
-constexpr int kSideMax = 8192;
-
 bool isInRange(int side) {
-  return side >= kSideMin && side <= kSideMax;
+  return side >= kFrameSideMin && side <= kFrameSideMax;
 }
 
 }  // namespace

@@ -6,8 +6,6 @@
 
 namespace korvia {
 
-Q_LOGGING_CATEGORY(logEngine, "korvia.engine")
-
 SoftwareBackend::SoftwareBackend()
     : channels_(janitor_),
       switcher_(channels_),
@@ -133,7 +131,7 @@ void SoftwareBackend::showMonitors(const FrameRef& preview) {
   monitors_.show(MonitorHub::Pgm, program_);
   monitors_.show(MonitorHub::Pvm, preview);
   const auto showChannel = [this](int window, int channelId) {
-    // A channel's picture is made only for somebody who looks.
+    // A channel makes its picture on demand, so it is asked only for a visible window.
     if (monitors_.isShown(static_cast<MonitorHub::Window>(window)))
       monitors_.show(static_cast<MonitorHub::Window>(window), channels_.picture(channelId));
   };

@@ -1,5 +1,5 @@
-// The engine that works on the processor: it owns the parts and runs the frame loop, frameStep(). What an
-// event does stands in the part that takes it. Threads as IShowBackend says.
+// The engine that works on the CPU: it owns the parts and runs the frame loop, frameStep(). Events are
+// handled by the parts. Threads as in IShowBackend.
 #pragma once
 #include <atomic>
 #include <mutex>
@@ -39,7 +39,7 @@ class SoftwareBackend final : public IShowBackend {
   void getOutputState(tagKorviaOutputStatistics* statistics) override;
   void getAudioLevel(tagKorviaShowAudioLevel& levels) override { mixer_.getLevels(levels); }
   void getFigures(tagKorviaShowEngineFigures& figures) override;
-  // The screen cut is a layer that the engine does not have yet; nothing else shows it.
+  // The engine has no layer for screen cuts yet.
   void commitGrabImage(const QImage&) override {}
   void setGrabImageValid(bool) override {}
   void commitPaintPadImage(const QImage& image) override { items_.commitPaintPad(image); }
@@ -66,7 +66,7 @@ class SoftwareBackend final : public IShowBackend {
   FrameRef program_;   // engine thread
   std::atomic<bool> programPaused_{false};
 
-  // The parts, each after those that it needs.
+  // The parts, each after those that it uses.
   StageClock stages_;
   Janitor janitor_;
   ChannelBank channels_;

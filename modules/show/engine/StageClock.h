@@ -1,4 +1,4 @@
-// How long the stages of a frame take. Written on the engine thread, read on any.
+// Measures how long the stages of a frame take. Written on the engine thread, read on any.
 #pragma once
 #include <array>
 #include <chrono>
@@ -13,7 +13,7 @@ class StageClock {
  public:
   enum Stage { Sources, Mix, Items, Audio, Monitors, HandOver, Tick, StageCount };
 
-  /// Measures from its making to its end.
+  /// Measures from its construction to its destruction.
   class Scope {
    public:
     Scope(StageClock& clock, Stage stage)
@@ -53,7 +53,8 @@ class StageClock {
   };
   static tagKorviaShowEngineFigures::StageTime summary(const Samples& samples, Time now);
 
-  // A lock a stage, held as long as it takes to copy its times: who reads never holds up a whole frame.
+  // One lock for each stage, held only while its times are copied, so that a reader never holds up a whole
+  // frame.
   std::array<Samples, StageCount> stages_;
 };
 

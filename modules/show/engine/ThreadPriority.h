@@ -1,5 +1,4 @@
-// Who goes first when the processor is short: the frame clock, then everything else. Called on the thread
-// itself.
+// Scheduling of the threads: the frame clock comes before everything else. Called on the thread itself.
 #pragma once
 #include <gst/gst.h>
 #include <pthread.h>
@@ -10,31 +9,30 @@
 
 namespace korvia {
 
-/// Makes the calling thread, and those that it starts from here on, batch work: they get their share of the
-/// processor, but what wakes them goes on first. Without it the engine thread loses up to ten milliseconds of
-/// a tick to the encoder at the moment it hands a frame over. The niceness is set too, since a thread
-/// inherits that of the thread that starts it.
+/// Gives the calling thread, and those that it starts later, the policy SCHED_BATCH: they get their share of
+/// the CPU, but waking them does not preempt the thread that wakes them. Without it the engine thread loses
+/// up to ten milliseconds of a tick to the encoder when it hands over a frame. The niceness is set too,
+/// since a thread inherits it from the one that starts it.
 inline void runAsBatch(int nice = 0) {
   const sched_param parameter{};
   pthread_setschedparam(pthread_self(), SCHED_BATCH, &parameter);
   setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), nice);
 }
 
-/// Takes less than an equal share for the calling thread: what it does gives way first.
+/// Gives the calling thread a lower share of the CPU than the others.
 inline void runBehind() {
   constexpr int kNice = 5;
   runAsBatch(kNice);
 }
 
-/// Asks for more than an equal share for the calling thread. Ordinary users may not have it; then nothing
-/// changes.
+/// Asks for a higher share of the CPU for the calling thread. Without the permission nothing changes.
 inline void runAhead() {
   constexpr int kNice = -15;
   setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), kNice);
 }
 
-/// For a bus's synchronous handler, which runs on the thread that a message is about: makes the streaming
-/// threads of a pipeline batch work as they begin.
+/// For the synchronous handler of a bus, which runs on the thread that posts the message: gives the
+/// streaming threads of a pipeline the policy SCHED_BATCH when they begin.
 inline void batchStreamingThread(GstMessage* message) {
   if (GST_MESSAGE_TYPE(message) != GST_MESSAGE_STREAM_STATUS)
     return;

@@ -1,5 +1,5 @@
-// An engine that acknowledges everything the console waits for and shows, plays and sends nothing.
-// Threads as IShowBackend says.
+// An engine that acknowledges all events that the console waits for, and shows, plays and sends nothing.
+// Threads as in IShowBackend.
 #pragma once
 #include <memory>
 #include <mutex>

@@ -1,4 +1,4 @@
-// A source that follows its buttons and has neither pictures nor length. Console thread.
+// A source that obeys its transport buttons and has neither pictures nor a length. Console thread.
 #pragma once
 #include "IKorviaShowSource.h"
 #include "tagKorviaShowSourceInfo.h"
@@ -16,7 +16,7 @@ class SilentSource final : public IKorviaShowSource {
   KorviaShowObjectID getObjectId() override { return id_; }
   int* getSourceInfo() override { return &info_.kind; }
   const tagKorviaFormatInfo* getFormat() override { return &format_; }
-  /// Claims to be alive, so that no watchdog restarts it.
+  /// Reports a frame rate, so that the watchdog does not restart it.
   void getState(tagKorviaSourceLinkState& state) override { state.rate = 25.0F; }
   void play() override { state_ = Playing; }
   void stop() override { state_ = Stopped; }
@@ -26,7 +26,7 @@ class SilentSource final : public IKorviaShowSource {
   void next() override {}
   void getDuration(qint64& duration) override { duration = 0; }
   void getTime(qint64& time) override { time = 0; }
-  /// Claims a new picture each time, so that nobody takes it for standing still.
+  /// Reports a new picture each time, so that it does not count as frozen.
   void getFrameCount(qint64& frames) override { frames = ++framesClaimed_; }
   void getPosition(qint64& position) override { position = position_; }
   void setPosition(qint64 position) override { position_ = position; }

@@ -1,5 +1,5 @@
-// What the console may ask of and tell a source. Owned by the engine, valid for the moment of the call.
-// Called on the console thread; every call returns at once, slow work happens on the source's own threads.
+// A source as the console sees it. Owned by the engine, valid only during the call. Called on the console
+// thread; all calls return at once, slow work is done on the threads of the source.
 #pragma once
 #include <QtGlobal>
 
@@ -26,12 +26,12 @@ class IKorviaShowSource : public IUnknownEx {
   virtual int* getSourceInfo() = 0;
   virtual const tagKorviaFormatInfo* getFormat() = 0;
   virtual void getState(tagKorviaSourceLinkState& state) = 0;
-  /// Starts or resumes; after the end it starts again from the head.
+  /// Starts or resumes; after the end it starts again from the beginning.
   virtual void play() = 0;
   /// Stops and rewinds; the channel keeps the first picture.
   virtual void stop() = 0;
   virtual void pause() = 0;
-  /// On hold the source keeps its picture and its place until released.
+  /// On hold the source keeps its picture and its position until released.
   virtual void setHold(bool hold) = 0;
   virtual void prev() = 0;
   virtual void next() = 0;
@@ -40,7 +40,7 @@ class IKorviaShowSource : public IUnknownEx {
   virtual void getTime(qint64& time) = 0;
   /// Pictures shown since the source was opened.
   virtual void getFrameCount(qint64& frames) = 0;
-  /// Place on the seek scale, 0 to 100.
+  /// Position on the seek scale, 0 to 100.
   virtual void getPosition(qint64& position) = 0;
   virtual void setPosition(qint64 position) = 0;
   virtual int getPlayState() = 0;

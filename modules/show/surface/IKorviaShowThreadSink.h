@@ -1,4 +1,4 @@
-// How the engine answers posted events. Called on the engine thread; implementations only pass the call on.
+// The results of posted events. Called on the engine thread; implementations only pass the call on.
 #pragma once
 #include <QVariant>
 

@@ -1,4 +1,4 @@
-// How records travel in variants. Any thread; the type ids are set once, on first use.
+// Stores records in variants. Any thread; the type ids are set once, on first use.
 #pragma once
 #include <QMetaType>
 #include <QVariant>

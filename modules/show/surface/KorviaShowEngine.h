@@ -1,5 +1,5 @@
 // The engine as the console sees it: events, sources, statistics. A facade over the engine that
-// KORVIA_ENGINE names. Console thread, but for what KorviaShowThread says.
+// KORVIA_ENGINE selects. Console thread, except what KorviaShowThread says.
 #pragma once
 #include <QImage>
 #include <memory>
@@ -30,7 +30,7 @@ class KorviaShowEngine : public KorviaShowThread {
   void start(IKorviaShowThreadSink* sink, KorviaShowThreadMode mode) override;
   void stop() override;
 
-  /// Creates or replaces the source of the object and returns at once; what fails later shows in its state.
+  /// Creates or replaces the source of the object and returns at once; a later failure shows in its state.
   IKorviaShowSource* openSource(KorviaShowObjectID id, tagKorviaShowSourceInfo& info,
                                 tagKorviaFormatInfo& format, IUnknownEx* host);
   void closeSource(KorviaShowObjectID id);
@@ -40,9 +40,9 @@ class KorviaShowEngine : public KorviaShowThread {
   /// `items`: one for each of the eight media channels.
   void getSourceState(tagKorviaShowSourceStatisticsItem* items);
   void getOutputState(tagKorviaOutputStatistics* statistics);
-  /// A copy of the newest levels, which stays as it is until the next call.
+  /// A copy of the newest levels, unchanged until the next call.
   tagKorviaShowAudioLevel& getAudioLevel();
-  /// How the engine keeps its time, for the status page and for measuring.
+  /// Timing figures of the engine, for the status page and the bench.
   void getFigures(tagKorviaShowEngineFigures& figures);
 
   void commitGrabImage(const QImage& image);

@@ -6,9 +6,9 @@
 
 namespace {
 
-// After a longer standstill (a suspended machine) the clock starts anew instead of catching up.
+// After a longer stop, such as a suspended machine, the clock restarts instead of catching up.
 constexpr qint64 kMissedMax = 250;
-// A float rate is kept to a thousandth of a frame.
+// A float rate is converted with a precision of a thousandth of a frame.
 constexpr int kFpsScale = 1000;
 
 }  // namespace

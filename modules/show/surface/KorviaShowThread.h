@@ -23,7 +23,7 @@ struct ShowEvent {
 /// One step of the frame clock.
 struct FrameTick {
   qint64 number = 0;
-  int missed = 0;     ///< frames that went by since the last step without a step of their own
+  int missed = 0;     ///< frames since the last step that got no step
   qint64 lateNs = 0;  ///< how long after its deadline the step began
 };
 
@@ -39,7 +39,7 @@ class KorviaShowThread : public QObject {
   /// Frames per second of the engine's step; values that are not positive and finite are ignored.
   virtual void setFps(float fps);
   virtual void start(IKorviaShowThreadSink* sink, KorviaShowThreadMode mode);
-  /// Handles what was posted before, ends the thread and returns.
+  /// Handles the events that were posted before, ends the thread and returns.
   virtual void stop();
   /// Queues an event for the next frame boundary. Any thread.
   void postEvent(quint64 eventId, QVariant a1 = QVariant(), QVariant a2 = QVariant(),
@@ -55,13 +55,13 @@ class KorviaShowThread : public QObject {
 
   /// Exact rate of the frame step, restarting the clock; one that is not valid is ignored. Any thread.
   void setFrameRate(korvia::FrameRate rate);
-  /// Hands a result to the sink. Engine thread.
+  /// Passes a result to the sink. Engine thread.
   void postResult(quint64 eventId, quint64 result, const QVariant& a1, const QVariant& a2, const QVariant& a3,
                   const QVariant& a4);
   IKorviaShowThreadSink* threadSink() const { return sink_; }
 
  private:
-  /// Sleeps to the next deadline and says which frame is due; false when the thread is to end.
+  /// Sleeps until the next deadline and returns the frame that is due; false when the thread has to end.
   bool waitForTick(korvia::FrameTick& tick);
   void drainEvents();
 
@@ -75,7 +75,7 @@ class KorviaShowThread : public QObject {
   korvia::FrameRate rate_;                 // guarded by mutex_
   bool clockRestart_ = true;               // guarded by mutex_
 
-  // Changes places with events_, so that handling events at every frame does not allocate.
+  // Swapped with events_, so that handling the events of a frame does not allocate.
   std::vector<korvia::ShowEvent> handled_;       // engine thread
   std::chrono::steady_clock::time_point epoch_;  // engine thread
   qint64 clockFrame_ = 0;                        // engine thread; frames since epoch_

@@ -1,5 +1,5 @@
-// Helpers that console and engine share: words and catalogs of numbers, text pictures, and records as XML.
-// Without state, any thread; toImage needs a QGuiApplication.
+// Helpers that console and engine share: names and catalogs of effect numbers, text pictures, and records as
+// XML. Stateless, any thread; toImage needs a QGuiApplication.
 #pragma once
 #include <QImage>
 #include <QString>
@@ -34,17 +34,18 @@ class KorviaShowUtil {
   static KorviaShowEffectKindCatalog getEffectCatalog(unsigned effect);
 
   /// The text on a transparent picture of exactly this size, each side at most 8192; a null picture for a
-  /// side below 1. Lines that do not fit are cut off. The gradient runs over the text's own rectangle: from
-  /// left to right at 0 degrees, from top to bottom at 90. Vertical text runs in columns from right to left.
+  /// side below 1. Lines that do not fit are cut off. The gradient covers the rectangle of the text: from
+  /// left to right at 0 degrees, from top to bottom at 90. Vertical text is set in columns from right to
+  /// left.
   static QImage toImage(int width, int height, const tagKorviaShowRenderTextParam& param);
 
-  /// Fills the record from the children of the element: one a field. A field that is missing or holds no
-  /// value of its type stays as it is. False when none of the record's fields was found.
+  /// Fills the record from the child elements of the element, one for each field. A field that is missing or
+  /// has no value of its type keeps its value. False when no field of the record was found.
   static bool readDomElement(const QDomElement& element, tagKorviaShowAudioMixerParam& param);
   static bool readDomElement(const QDomElement& element, tagKorviaShowComponentInfo& info);
 
-  /// Writes the record as an element of this name. A value stands in the attribute "value" of its field's
-  /// element, the entries of a list are elements "item".
+  /// Writes the record as an element of this name. The value of a field is the attribute "value" of its
+  /// element; the entries of a list are elements "item".
   static void writeXmlWriter(QXmlStreamWriter& writer, const QString& name,
                              const tagKorviaShowAudioMixerParam& param);
   static void writeXmlWriter(QXmlStreamWriter& writer, const QString& name,

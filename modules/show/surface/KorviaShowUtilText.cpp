@@ -22,12 +22,12 @@ Q_LOGGING_CATEGORY(logText, "korvia.text")
 
 constexpr int kMaxSide = 8192;
 constexpr int kMaxFontSize = 2048;
-/// More than fits on any picture in a size that can be read.
+/// Limit of the text: more than fits on any picture in a readable size.
 constexpr int kMaxCharacters = 16384;
 constexpr int kMaxLineCharacters = 4096;
 
-/// The text's shapes, one for each glyph and underline: crossing windings would punch holes, and the time to
-/// draw a path grows faster than its length.
+/// The outlines of the text, one path for each glyph and underline: in a single path crossing contours would
+/// leave holes, and the time to draw a path grows faster than its length.
 class Shapes {
  public:
   /// `place` is the left end of the baseline.
@@ -43,7 +43,7 @@ class Shapes {
       const QVector<QPointF> positions = run.positions();
       for (int i = 0; i < glyphs.size(); ++i) {
         QPainterPath path = run.rawFont().pathForGlyph(glyphs[i]);
-        // Positions count from the top of the line.
+        // Positions are relative to the top of the line.
         path.translate(place + positions[i] - QPointF(0, line.ascent()));
         path.setFillRule(Qt::WindingFill);
         add(path);
@@ -78,7 +78,7 @@ QFont fontOf(const tagKorviaShowRenderTextParam& param) {
   return font;
 }
 
-/// Share of the free room that lies before the text: none, half or all of it.
+/// The share of the free space that is before the text: none, half or all of it.
 qreal horizontalShare(qint32 alignment) {
   if (alignment & TextAlignLeft)
     return 0;
@@ -198,7 +198,7 @@ Shapes verticalShapes(const tagKorviaShowRenderTextParam& param, const QSizeF& r
         shapes.addText({left + (step - metrics.horizontalAdvance(grapheme)) / 2, baseline}, font, grapheme);
       baseline += step;
     }
-    // Beside the column, as the underline of a vertical line stands.
+    // Beside the column, where the underline of vertical text belongs.
     if (param.underline && height > 0)
       shapes.addRect({left, top, std::max(1.0, metrics.lineWidth()), height});
   }
@@ -212,7 +212,8 @@ QBrush fillOf(const tagKorviaShowRenderTextParam& param, const QRectF& bounds) {
     return begin;
   const qreal angle = qDegreesToRadians(static_cast<qreal>(param.gradientAngle % 360));
   const QPointF direction(std::cos(angle), std::sin(angle));
-  // Half of what the rectangle measures along the direction, so that both colours are reached at its edges.
+  // Half of the extent of the rectangle in the direction of the gradient, so that both colours are reached
+  // at its edges.
   const qreal reach =
       (std::abs(direction.x()) * bounds.width() + std::abs(direction.y()) * bounds.height()) / 2;
   QLinearGradient gradient(bounds.center() - direction * reach, bounds.center() + direction * reach);
@@ -233,7 +234,7 @@ QImage KorviaShowUtil::toImage(int width, int height, const tagKorviaShowRenderT
   }
   image.fill(Qt::transparent);
 
-  // The outline stays on the picture when the text touches an edge.
+  // Keeps the outline on the picture when the text touches an edge.
   const int outline = param.outline ? std::clamp(param.outlineSize, 0, kMaxFontSize) : 0;
   const QSizeF room(std::max(1, image.width() - 2 * outline), std::max(1, image.height() - 2 * outline));
   const Shapes shapes = param.vertical ? verticalShapes(param, room) : horizontalShapes(param, room);

@@ -10,13 +10,13 @@ namespace {
 
 using korvia::visitFields;
 
-/// More entries than any list of a record has a use for; a longer list in a file is cut off.
+/// Limit of a list: more entries than any record needs. The rest of a longer list in a file is ignored.
 constexpr int kMaxListEntries = 4096;
 
 const QString kValueAttribute = QStringLiteral("value");
 const QString kItemElement = QStringLiteral("item");
 
-/// XML cannot carry these characters in any spelling, and one of them would make the whole file unreadable.
+/// XML has no escape for these characters, and one of them makes the whole file unreadable.
 QString withoutForbiddenCharacters(const QString& text) {
   QString clean;
   clean.reserve(text.size());

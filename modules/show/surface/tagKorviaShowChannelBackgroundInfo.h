@@ -12,7 +12,7 @@ enum KorviaShowChannelBackgroundType : qint32 {
 struct tagKorviaShowChannelBackgroundInfo {
   /// A KorviaShowChannelBackgroundType.
   qint32 type = ChannelBackgroundColor;
-  /// ARGB word; opaque black, so that a keyed picture stands on what program shows without a source.
+  /// ARGB word; opaque black, which is also what program shows without a source.
   quint32 color = 0xFF000000;
   QString imagePath;
   QString videoPath;

@@ -1,4 +1,4 @@
-// How the engine keeps up: what the status page, the bench and the black box report. A plain value.
+// Timing figures of the engine, for the status page, the bench and the black box. A plain value.
 #pragma once
 #include <QMetaType>
 #include <array>
@@ -22,10 +22,9 @@ struct tagKorviaShowEngineFigures {
   qint64 lateTicks = 0;
   /// Program frames that repeat the one before because a tick came late.
   qint64 repeatedFrames = 0;
-  /// Strip pictures that were left out to save time.
+  /// Strip pictures that were dropped to save time.
   qint64 droppedStripPictures = 0;
-  /// Pictures that films did not have in time, and pictures that they left out to catch up; of the sources
-  /// that are open.
+  /// Pictures that open films did not have in time, and pictures that they skipped to catch up.
   qint64 heldFilmFrames = 0;
   qint64 skippedFilmFrames = 0;
   /// Over the last 10 s, and since the engine opened.

@@ -1,4 +1,4 @@
-// What becomes of one output: filled by the engine, shown by the console. A plain value.
+// The state of one output: filled by the engine, shown by the console. A plain value.
 #pragma once
 #include <QString>
 
@@ -8,21 +8,21 @@ enum class KorviaShowOutputState : qint32 {
   /// Started, and nothing was written or sent yet.
   Starting,
   Running,
-  /// Could not start, or broke off; nothing more comes out until the next start.
+  /// Could not start, or ended with an error; nothing is written or sent until the next start.
   Failed,
-  /// Stopped, and all that was put out is whole.
+  /// Stopped, and everything was written completely.
   Finished,
 };
 
-/// Tells of the newest start of its slot from the result of ShowEventStartOutput on: Failed then means that
+/// Describes the newest start of its slot from the result of ShowEventStartOutput on: Failed then means that
 /// this output failed, not the one before.
 struct tagKorviaShowOutputReport {
   KorviaShowOutputState state = KorviaShowOutputState::Idle;
-  /// Why it failed, a plain phrase for people without addresses and keys; empty in other states.
+  /// The reason of a failure, for the operator, without addresses and keys; empty in other states.
   QString reason;
   /// Path of the file that is or was written; empty for a stream.
   QString fileName;
-  /// Program frames that this output left out because it could not keep up.
+  /// Program frames that this output dropped because it could not keep up.
   qint64 droppedFrames = 0;
 
   friend bool operator==(const tagKorviaShowOutputReport&, const tagKorviaShowOutputReport&) = default;

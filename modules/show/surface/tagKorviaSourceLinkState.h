@@ -7,8 +7,8 @@
 struct tagKorviaSourceLinkState {
   /// Counts nothing yet.
   qint32 reserved1 = 0;
-  /// While the source is in the state Error: why, a plain phrase for people without addresses and keys. Empty
-  /// otherwise, and when the source does not know.
+  /// In the state Error: the reason, for the operator, without addresses and keys. Empty otherwise, and when
+  /// the source does not know it.
   QString reason;
   /// Frames a second that arrive; exactly 0 when no data is arriving.
   float rate = 0;

@@ -15,7 +15,7 @@ struct tagZRCWordInfo {
 };
 
 struct tagZRCLineInfo {
-  /// Place of the line in its file; -1 stands for no line.
+  /// Index of the line in its file; -1 for no line.
   qint32 index = -1;
   QString text;
   qint64 start = 0;

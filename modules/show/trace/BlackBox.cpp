@@ -24,7 +24,7 @@ Q_LOGGING_CATEGORY(logTrace, "korvia.trace")
 constexpr std::chrono::milliseconds kWriteInterval{100};
 constexpr std::chrono::seconds kFlushLimit{2};
 
-/// A picture is noted by its size: a reference would keep its memory in the queue.
+/// Only the size of a picture is noted: a reference would keep its memory in the queue.
 QVariant queued(const QVariant& value) {
   if (value.userType() == QMetaType::QImage)
     return static_cast<const QImage*>(value.constData())->size();
@@ -136,7 +136,7 @@ void BlackBox::note(Note note) {
   }
   note.timeMs = clock_.elapsed();
   queue_.push_back(std::move(note));
-  // The writer looks by itself; waking it for each line would cost the engine thread a call of the system.
+  // The writer polls, because waking it for each line would cost the engine thread a system call.
   if (queue_.size() == kQueuedLinesMax / 2)
     wake_.notify_one();
 }

@@ -1,6 +1,6 @@
-// The flight recorder: every posted event, every result, every call that changes the engine, one JSON object
-// a line. Off unless KORVIA_TRACE names a file. Any thread: a call copies its values into a bounded queue,
-// and a thread of the black box encodes and writes them, ten times a second.
+// The flight recorder: writes every posted event, every result and every call that changes the engine as one
+// JSON object a line. Off unless KORVIA_TRACE names a file. Any thread: a call copies its values into a
+// bounded queue, and the thread of the black box encodes and writes them ten times a second.
 #pragma once
 #include <QElapsedTimer>
 #include <QFile>
@@ -19,26 +19,26 @@ class BlackBox {
  public:
   static constexpr std::size_t kQueuedLinesMax = 8192;
 
-  /// The one of the process. Opens the file of KORVIA_TRACE at the first use.
+  /// The instance of the process. Opens the file of KORVIA_TRACE at the first use.
   static BlackBox& instance();
 
   BlackBox(const BlackBox&) = delete;
   BlackBox& operator=(const BlackBox&) = delete;
-  /// Lines that still wait are lost: flush() or open() come first.
+  /// Queued lines are lost; call flush() or open() before.
   ~BlackBox();
 
   /// Writes to another file from now on, truncating it; an empty name ends the recording. Waits until the
-  /// file before is written. False with a log line when the file cannot be written. Console thread.
+  /// old file is written. False, with a log line, when the file cannot be written. Console thread.
   bool open(const QString& fileName);
   bool isOpen() const { return open_.load(std::memory_order_relaxed); }
-  /// Waits until all that was noted so far is in the file, two seconds at most.
+  /// Waits until all queued lines are in the file, two seconds at most.
   void flush();
 
   void post(quint64 eventId, const QVariant& a1, const QVariant& a2, const QVariant& a3, const QVariant& a4);
   void result(quint64 eventId, const QVariant& a1, const QVariant& a2, const QVariant& a3,
               const QVariant& a4);
-  /// A synchronous call; `name` is a literal, `object` the object id that it names, 0 for none. Four
-  /// arguments at most.
+  /// Notes a synchronous call. `name` is a literal, `object` the id of its object, 0 for none. At most four
+  /// arguments.
   void call(const char* name, int object, const QVariantList& args = {});
 
  private:
@@ -63,16 +63,16 @@ class BlackBox {
   static QByteArray lineOf(const Note& note);
 
   std::atomic<bool> open_{false};
-  QFile file_;  // the writer's while it runs
+  QFile file_;  // owned by the writer thread while it runs
   std::thread writer_;
 
   std::mutex mutex_;
   std::condition_variable wake_;
   std::condition_variable written_;
   std::vector<Note> queue_;   // guarded by mutex_
-  quint64 dropped_ = 0;       // notes that came after the last of queue_ and found it full; guarded by mutex_
+  quint64 dropped_ = 0;       // notes since the last of queue_ that found it full; guarded by mutex_
   quint64 noted_ = 0;         // guarded by mutex_
-  quint64 done_ = 0;          // of noted_ those that are in the file; guarded by mutex_
+  quint64 done_ = 0;          // those of noted_ that are in the file; guarded by mutex_
   bool flushWanted_ = false;  // guarded by mutex_
   bool endWanted_ = false;    // guarded by mutex_
   QElapsedTimer clock_;       // guarded by mutex_

@@ -1,5 +1,5 @@
-// The fields of every record by name and in order, for all that reads or writes records field by field: the
-// black box and the XML files. Without state, any thread.
+// The fields of every record by name and in order, for everything that reads or writes records field by
+// field: the black box and the XML files. Stateless, any thread.
 #pragma once
 #include <concepts>
 #include <type_traits>
@@ -32,7 +32,7 @@
 
 namespace korvia {
 
-/// A colour that a record keeps as an ARGB word.
+/// A colour that a record stores as an ARGB word.
 template <class Word>
 struct ColorWord {
   Word& argb;
@@ -44,8 +44,8 @@ ColorWord(Word&) -> ColorWord<Word>;
 template <class R, class Record>
 concept RecordOf = std::same_as<std::remove_const_t<R>, Record>;
 
-// visitFields(record, visit) calls visit(name, field) for each field. The packed formats are read only: their
-// fields are handed out as copies, since a reference to one would not be aligned.
+// visitFields(record, visit) calls visit(name, field) for each field. The packed formats are read-only and
+// their fields are passed as copies, since a reference to one would not be aligned.
 
 template <class V>
 void visitFields(const tagKorviaVideoFormat& r, V&& visit) {

@@ -31,7 +31,7 @@ QJsonValue numberJson(double value) {
   return std::isfinite(value) ? QJsonValue(value) : QJsonValue::Null;
 }
 
-/// Seven digits, so that a float of 0.1 does not show the digits that it lacks as a double.
+/// Seven digits, so that a float of 0.1 is not written with the error of its conversion to double.
 QJsonValue numberJson(float value) {
   return std::isfinite(value) ? QJsonValue(QByteArray::number(static_cast<double>(value), 'g', 7).toDouble())
                               : QJsonValue::Null;

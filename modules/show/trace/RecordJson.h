@@ -8,9 +8,9 @@
 namespace korvia {
 
 /// Numbers, flags, texts and lists as themselves, with secrets masked in texts; a record as an object with
-/// the names of its fields; a picture, like a size, as width and height; a colour as "#RRGGBBAA"; an invalid
-/// variant and a number that is not finite as null; bytes as their count. Any other type gives an object with
-/// the type's name.
+/// the names of its fields; a picture or a size as width and height; a colour as "#RRGGBBAA"; an invalid
+/// variant and a number that is not finite as null; bytes as their count. Any other type gives an object
+/// with the name of the type.
 QJsonValue toJson(const QVariant& value);
 
 }  // namespace korvia

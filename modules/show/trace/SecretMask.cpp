@@ -10,7 +10,7 @@ namespace {
 
 const QString kMask = QStringLiteral("***");
 
-/// Names of parameters are matched by parts, since services spell them in many ways: access_token, wsSecret.
+/// Parameter names are matched by parts, since services spell them in many ways: access_token, wsSecret.
 bool isSecretName(const QString& name) {
   static const char* const parts[] = {"token", "streamid", "pass", "secret", "auth", "sign", "playpath"};
   const QString plain = QUrl::fromPercentEncoding(name.toUtf8()).toLower();
@@ -36,8 +36,8 @@ QString maskQuery(const QString& query) {
   return masked + query.midRef(done);
 }
 
-/// Length of the user part with its at sign, 0 for none. A password may hold a bare slash: what looks like a
-/// port but is no number is then the head of a password.
+/// Length of the user part with its at sign, 0 for none. A password may contain a slash: if the text before
+/// it looks like a port but is no number, it is the beginning of a password.
 int userPartLength(const QString& rest) {
   static const QRegularExpression authorityDelimiter(QStringLiteral("[/?#]"));
   const int authorityEnd = rest.indexOf(authorityDelimiter);
@@ -56,7 +56,7 @@ bool looksLikeStreamKey(const QString& segment) {
   return segment.contains(key);
 }
 
-/// `path` is empty or begins with a slash. The last part that is not empty is the stream's.
+/// `path` is empty or begins with a slash. The last non-empty part is the name of the stream.
 QString maskPath(const QString& path, bool always) {
   int end = path.size();
   while (end > 0 && path[end - 1] == QLatin1Char('/'))
@@ -91,7 +91,7 @@ QString maskUrl(const QString& scheme, QString rest) {
   return masked + maskQuery(query);
 }
 
-/// RTMP clients take options behind the URL, after a blank.
+/// RTMP clients accept options after the URL, separated by a blank.
 QString maskOptions(const QString& text) {
   static const QRegularExpression option(QStringLiteral("(\\s)(\\w+)=(\\S+)"));
   QString masked;

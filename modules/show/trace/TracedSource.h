@@ -1,5 +1,4 @@
-// Stands between the console and a source so that every call that changes it is in the black box.
-// Console thread.
+// A wrapper around a source that notes every call that changes it in the black box. Console thread.
 #pragma once
 #include <QVariantList>
 

@@ -1,5 +1,5 @@
-// The sound of the buses. There is no sound yet: the mixer answers what the console asks of it and gives
-// silent levels. Engine thread, but for the levels.
+// The sound of the buses. There is no sound yet: the mixer answers the events of the console and gives
+// silent levels. Engine thread, except for the levels.
 #pragma once
 #include "backend/IShowBackend.h"
 
@@ -10,7 +10,7 @@ class AudioMixer {
   /// Results go to `host` from here on; null ends that.
   void setHost(IShowBackendHost* host) { host_ = host; }
 
-  // Events; the console learns from the results that its wish is known.
+  // Events. The results tell the console that they were handled.
   void setMixMode(int mode);
   void setVolume(int object, float volume);
   void setChannelMix(int channel, int state);

@@ -1,5 +1,4 @@
-// A bus: the channel that stands on it and the layers that lie over it. There are two, preview and program.
-// Engine thread.
+// A bus: the channel on it and the layers over it. There are two, preview and program. Engine thread.
 #pragma once
 #include "engine/bus/Compositor.h"
 #include "engine/bus/LayerStack.h"
@@ -12,8 +11,8 @@ class Bus {
   int channel() const { return channel_; }
   void select(int channel) { channel_ = channel; }
   LayerStack& layers() { return layers_; }
-  /// The opaque picture `base` under the bus's layers; `base` itself when none covers it. `pool` gives opaque
-  /// frames of its size.
+  /// `base`, which is opaque, with the layers of the bus blended over it; `base` itself when there are none.
+  /// `pool` provides opaque frames of its size.
   FrameRef withLayers(const FrameRef& base, FramePool& pool) {
     return compositor_.over(base, layers_.layers(), pool);
   }

@@ -27,7 +27,8 @@ void blend(const Layer& layer, Frame& onto) {
     const int left = layer.rect.x / step;
     const int first = layer.rect.y / step;
     for (int y = 0; y < top.height; ++y)
-      blendRow(top.row(y), layer.alphaRow(plane, y), blackOf(plane), under.row(first + y) + left, top.width);
+      blendPremultipliedRow(top.row(y), layer.alphaRow(plane, y), blackOf(plane), under.row(first + y) + left,
+                            top.width);
   }
 }
 

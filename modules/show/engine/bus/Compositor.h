@@ -1,5 +1,5 @@
-// Blends layers over a picture. One for each bus: it keeps its last result, so that a picture that stands
-// still under layers that do not change is not blended again. Engine thread.
+// Blends layers over a picture. Each bus has one, which keeps its last result, so that a still picture under
+// unchanged layers is not blended again. Engine thread.
 #pragma once
 #include <vector>
 
@@ -10,9 +10,9 @@ namespace korvia {
 
 class Compositor {
  public:
-  /// `base` under the layers, the first one lowest: `base` itself when none covers it, else a frame of
-  /// `pool`, which gives opaque frames of the base's size. Null layers, and layers for another size, cover
-  /// nothing. `base` is taken as opaque.
+  /// `base` with the layers blended over it, the first one lowest: `base` itself when there are none, else a
+  /// frame of `pool`, which provides opaque frames of the size of `base`. Null layers and layers for another
+  /// size are skipped. The alpha of `base` is ignored.
   FrameRef over(const FrameRef& base, const std::vector<LayerRef>& layers, FramePool& pool);
 
  private:
@@ -20,7 +20,7 @@ class Compositor {
     return result_ && base == base_ && versions_ == lastVersions_;
   }
 
-  // What the last result was made of.
+  // The inputs of the last result.
   FrameRef base_;
   std::vector<std::uint64_t> lastVersions_;
   FrameRef result_;

@@ -37,7 +37,7 @@ QRect coveredPart(const QImage& image, const QRect& part) {
   return {left, top, std::max(0, right - left), std::max(0, bottom - top)};
 }
 
-/// The rectangle, in a bus's picture, with edges moved outwards to even places, but not past the borders.
+/// The rectangle with its edges moved outwards to even numbers, limited to the bus's picture.
 FrameRect onChromaGrid(const QRect& rect, FrameSize bus) {
   const int left = rect.left() & ~1;
   const int top = rect.top() & ~1;

@@ -1,5 +1,5 @@
-// A picture that lies over a bus's picture: a drawing, a title, a logo. Made on the raster worker, immutable
-// after, shared between threads.
+// A picture over the picture of a bus: a drawing, a title, a logo. Made on the raster worker, immutable
+// after that, shared between threads.
 #pragma once
 #include <QImage>
 #include <QPoint>
@@ -17,22 +17,22 @@ using LayerRef = std::shared_ptr<const Layer>;
 struct Layer {
   /// Premultiplied, with alpha, of the rectangle's size.
   FrameRef picture;
-  /// The alpha at the size of the picture's chroma planes, rows of chromaWidth(): means of 2 x 2 samples.
+  /// The alpha at the size of the chroma planes, in rows of chromaWidth(): means of 2 x 2 samples.
   std::vector<std::uint8_t> chromaAlpha;
-  /// Where the picture lies in the bus's. Its edges are even, so that chroma samples of both pictures
-  /// coincide, unless they are the bus's own.
+  /// The rectangle in the picture of the bus. Its edges are even, so that the chroma samples of both
+  /// pictures coincide, or are the edges of the bus's picture.
   FrameRect rect;
-  /// Size of the bus's picture that it was made for; it lies over no other.
+  /// Size of the bus's picture that it was made for. It is not shown over pictures of other sizes.
   FrameSize busSize;
-  /// No two layers of a process have the same, so it tells whether something changed.
+  /// Unique in the process, so that it tells whether a layer changed.
   std::uint64_t version = 0;
 
-  /// The image with its left upper corner at `at`, clipped at the borders of the bus's picture and cut to
-  /// what is not transparent. Null when nothing of it would be seen. Converts the image: not for the engine
-  /// or the console thread.
+  /// The image with its upper left corner at `at`, clipped at the borders of the bus's picture and cropped
+  /// to what is not transparent. Null when nothing is visible. Converts the image, so do not call it on the
+  /// engine or the console thread.
   static LayerRef make(const QImage& image, QPoint at, FrameSize busSize);
 
-  /// Row `y` of what covers a plane, counted within the rectangle.
+  /// Row `y` of the alpha for a plane, counted within the rectangle.
   const std::uint8_t* alphaRow(int plane, int y) const;
 };
 

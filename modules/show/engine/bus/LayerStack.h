@@ -1,4 +1,4 @@
-// The layers over one bus, in the order in which they lie over each other. Engine thread.
+// The layers over one bus in their stacking order. Engine thread.
 #pragma once
 #include <QString>
 #include <vector>
@@ -7,15 +7,15 @@
 
 namespace korvia {
 
-/// What a layer shows; later kinds lie over earlier ones.
+/// What a layer shows, in stacking order from below.
 enum class LayerKind { Overlay, Logo, Text, Component, Lyrics, ScreenCut, PaintPad };
 
 class LayerStack {
  public:
-  /// Shows a layer on top of its kind, or in the place of the one that the same kind and key had. A null
-  /// layer keeps the place and shows nothing there. Gives back what lay there before.
+  /// Puts a layer on top of its kind, or replaces the one of the same kind and key. A null layer keeps the
+  /// place and shows nothing. Returns the layer that was replaced.
   LayerRef put(LayerKind kind, const QString& key, LayerRef layer);
-  /// Takes the layer away and gives it back; its place in the order is lost.
+  /// Removes the layer and its place, and returns it.
   LayerRef remove(LayerKind kind, const QString& key);
   /// From below; some may be null.
   const std::vector<LayerRef>& layers() const { return layers_; }
@@ -27,7 +27,7 @@ class LayerStack {
   };
   std::size_t find(LayerKind kind, const QString& key) const;
 
-  // Two arrays of the same order, so that the compositor gets the layers alone.
+  // Two parallel arrays, so that the compositor gets the layers without their keys.
   std::vector<Place> places_;
   std::vector<LayerRef> layers_;
 };

@@ -29,7 +29,7 @@ void Switcher::selectChannel(int bus, int channel) {
   if (bus == PVMObject) {
     pvm_.select(channel);
   } else if (bus == PGMObject) {
-    // A picture put straight on program ends the take that was on its way there.
+    // Selecting a channel on program abandons the take that was running there.
     switch_.abandon();
     pgm_.select(channel);
   } else {
@@ -43,7 +43,7 @@ void Switcher::step(int frames) {
   report();
 }
 
-// Events of one frame each find the buses as the ones before left them.
+// Each event must find the buses as the event before it left them, also within a frame.
 void Switcher::reportDoneTake() {
   if (switch_.isDone())
     report();

@@ -1,5 +1,5 @@
-// The preview and the program bus, and the take that runs on program. Reports to the console what takes and
-// the lever change. Engine thread.
+// The preview and the program bus, and the take on program. Reports the changes by takes and by the lever to
+// the console. Engine thread.
 #pragma once
 #include <memory>
 
@@ -26,10 +26,10 @@ class Switcher {
   void moveLever(int bus, float position);
   void selectChannel(int bus, int channel);
 
-  /// Steps a running take by `frames` and reports where it is.
+  /// Steps a running take by `frames` and reports its position.
   void step(int frames);
-  /// The picture on program without the bus's layers: a channel, or the transition between two. Its alpha, if
-  /// any, means nothing: a bus lies on black, and colours are premultiplied.
+  /// The program picture without its layers: a channel, or the transition between two. Its alpha, if any, means
+  /// nothing: a bus lies on black, and colours are premultiplied.
   FrameRef programPicture();
   FrameRef previewPicture();
 

@@ -6,12 +6,13 @@
 #include <cstring>
 
 #include "FramePool.h"
+#include "PlaneView.h"
 
 namespace korvia {
 
 namespace {
 
-// Widest vector of the kernels, and a cache line.
+// The widest vector register of the kernels, and a cache line.
 constexpr int kAlignment = 64;
 
 int alignedStride(int width) {
@@ -42,7 +43,7 @@ Frame::Frame(FrameSize size, bool alpha) : size_(size), memory_(nullptr, std::fr
 Frame::Frame(FrameSize size, const External& external)
     : size_(size), memory_(nullptr, std::free), external_(external) {
   for (int i = 0; i < 4; ++i) {
-    // External memory is never written: writablePlane() is only for frames that are being made.
+    // writablePlane() is only called for frames that are being made, never for external memory.
     data_[i] = const_cast<std::uint8_t*>(external.data[i]);
     stride_[i] = external.stride[i];
   }
@@ -54,9 +55,8 @@ Frame::~Frame() {
 }
 
 void Frame::fillBlack() {
-  fillPlane(*this, Y, 16);
-  fillPlane(*this, U, 128);
-  fillPlane(*this, V, 128);
+  for (const int plane : kOpaquePlanes)
+    fillPlane(*this, plane, blackOf(plane));
   if (hasAlpha())
     fillPlane(*this, A, 255);
 }
@@ -75,8 +75,8 @@ void FrameRef::reset() {
 }
 
 FrameRef MutableFrame::publish() && {
-  // Kernels write past the cache, and no atomic orders such writes before what tells other threads of the
-  // frame.
+  // Kernels use non-temporal stores. The atomic that publishes the frame does not order them, so they need a
+  // fence.
   hwy::FlushStream();
   return FrameRef::adopt(std::exchange(frame_, nullptr));
 }

@@ -29,7 +29,7 @@ class Frame {
  public:
   enum Plane { Y = 0, U = 1, V = 2, A = 3 };
 
-  /// A frame over somebody else's memory; `release(opaque)` runs once, on whichever thread drops it last.
+  /// External memory; `release(opaque)` is called once, on the thread that drops the last reference.
   struct External {
     const std::uint8_t* data[4] = {};
     int stride[4] = {};
@@ -111,7 +111,7 @@ class FrameRef {
   Frame* frame_ = nullptr;
 };
 
-/// The one writer of a frame that nobody else sees yet.
+/// The only writer of a frame that is not published yet.
 class MutableFrame {
  public:
   MutableFrame() = default;

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "PlaneView.h"
+
 namespace korvia {
 
 namespace {
@@ -23,8 +25,8 @@ PlaneRect planeRect(const FrameRect& rect, const Frame& target, int plane) {
   const int shift = chroma ? 1 : 0;
   const int x = rect.x >> shift;
   const int y = rect.y >> shift;
-  // Rounds up so that a rectangle of odd size, which only a picture of the target's own size has, keeps its
-  // edge.
+  // Rounded up, so that a rectangle of odd size keeps its edge. Only a picture of the size of the target has
+  // one.
   return {x, y, std::min((rect.width + shift) >> shift, target.planeWidth(plane) - x),
           std::min((rect.height + shift) >> shift, target.planeHeight(plane) - y)};
 }
@@ -66,11 +68,10 @@ FrameRect fitRect(FrameSize picture, int pixelAspectNumerator, int pixelAspectDe
 }
 
 void fitFrame(const Frame& picture, const FrameRect& rect, Frame& target) {
-  static constexpr std::uint8_t kAround[4] = {16, 128, 128, 0};
   const int planes = target.hasAlpha() ? 4 : 3;
   for (int plane = 0; plane < planes; ++plane) {
     const PlaneRect inner = planeRect(rect, target, plane);
-    fillAround(target, plane, inner, kAround[plane]);
+    fillAround(target, plane, inner, static_cast<std::uint8_t>(blackOf(plane)));
     if (inner.width <= 0 || inner.height <= 0)
       continue;
     std::uint8_t* to =

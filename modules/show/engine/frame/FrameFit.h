@@ -1,5 +1,5 @@
-// Fits pictures of any size into the render format: scaled with the picture's own shape, centred, black
-// around. Pure functions, any thread.
+// Letterboxes and pillarboxes pictures of any size into the render format: scaled with the aspect ratio
+// kept, centred, black around. Pure functions, any thread.
 #pragma once
 #include "Frame.h"
 
@@ -15,12 +15,12 @@ struct FrameRect {
   }
 };
 
-/// Where a picture with this pixel aspect (width of a pixel divided by its height, as a ratio) lies inside
-/// `target`. Corner and size are even, so that chroma samples stay whole; never empty.
+/// The rectangle of a picture inside `target`. The pixel aspect is the width of a pixel divided by its
+/// height, as a ratio. Position and size are even, so that chroma samples stay whole; never empty.
 FrameRect fitRect(FrameSize picture, int pixelAspectNumerator, int pixelAspectDenominator, FrameSize target);
 
-/// Scales `picture` into the rectangle of `target` and blackens the rest. An alpha plane of the target
-/// becomes the picture's (opaque when it has none) and is transparent outside.
+/// Scales `picture` into the rectangle of `target` and fills the rest with black. The alpha plane of the
+/// target, if any, becomes that of the picture, opaque when it has none, and is transparent outside.
 void fitFrame(const Frame& picture, const FrameRect& rect, Frame& target);
 
 }  // namespace korvia

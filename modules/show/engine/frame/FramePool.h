@@ -8,7 +8,7 @@
 
 namespace korvia {
 
-/// What pool and frames share; outlives the pool while frames are out.
+/// The state that the pool and its frames share; it outlives the pool while frames are in use.
 struct FramePoolState {
   std::mutex mutex;
   std::vector<Frame*> idle;  // guarded by mutex
@@ -24,7 +24,7 @@ class FramePool {
   FramePool(const FramePool&) = delete;
   FramePool& operator=(const FramePool&) = delete;
 
-  /// A frame with undefined content. Grows when all frames are out.
+  /// A frame with undefined content. Allocates when all frames are in use.
   MutableFrame acquire();
   /// A black frame of the pool's size, made once and shared.
   FrameRef black();

@@ -26,7 +26,7 @@ constexpr double kChromaSpan = 224.0 / 255.0;
 constexpr Row kLuma{fraction(kRed * kLumaSpan), fraction(kGreen* kLumaSpan), fraction(kBlue* kLumaSpan)};
 constexpr double kCbScale = kChromaSpan / (2 * (1 - kBlue));
 constexpr double kCrScale = kChromaSpan / (2 * (1 - kRed));
-// The largest part is what the others leave, so that grey gives exactly 128.
+// The largest coefficient is minus the sum of the others, so that grey gives exactly 128.
 constexpr Row kCb{fraction(-kRed * kCbScale), fraction(-kGreen* kCbScale),
                   -fraction(-kRed* kCbScale) - fraction(-kGreen* kCbScale)};
 constexpr Row kCr{-fraction(-kGreen * kCrScale) - fraction(-kBlue * kCrScale), fraction(-kGreen* kCrScale),
@@ -48,7 +48,7 @@ std::uint8_t chroma(const Row& row, int r, int g, int b, int shift) {
 }
 
 void copyAlpha(const QImage& image, Frame& frame) {
-  // Without an alpha channel the bits of it mean nothing.
+  // The alpha bits of a format without an alpha channel are undefined.
   const bool opaque = !image.hasAlphaChannel();
   for (int y = 0; y < frame.height(); ++y) {
     const auto* pixels = reinterpret_cast<const QRgb*>(image.constScanLine(y));
@@ -72,7 +72,7 @@ std::array<std::uint8_t, 3> codeValues(QRgb color) {
 FrameRef frameFromImage(const QImage& source, ImageAlpha alpha) {
   if (source.isNull())
     return {};
-  // Premultiplied colour is the picture over black.
+  // Premultiplied colours are the picture on black.
   const QImage image = source.hasAlphaChannel() ? source.convertToFormat(QImage::Format_ARGB32_Premultiplied)
                                                 : source.convertToFormat(QImage::Format_RGB32);
   if (image.isNull())

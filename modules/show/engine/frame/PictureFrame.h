@@ -1,5 +1,5 @@
-// Makes frames of RGB pictures and colours: BT.709 limited range, colours as transparency shows them over
-// black. Pure functions, any thread.
+// Makes frames from RGB images and colours: BT.709 limited range, premultiplied where they are transparent.
+// Pure functions, any thread.
 #pragma once
 #include <QImage>
 #include <array>
@@ -11,7 +11,7 @@ namespace korvia {
 /// Y, U, V of one colour.
 std::array<std::uint8_t, 3> codeValues(QRgb color);
 
-/// Whether a frame has the image's alpha as its own plane. Its colours are premultiplied either way.
+/// Whether a frame gets the alpha of the image as a plane. Its colours are premultiplied in both cases.
 enum class ImageAlpha { Drop, Keep };
 
 /// The frame in the image's own size; null for a null image.

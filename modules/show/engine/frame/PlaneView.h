@@ -40,7 +40,7 @@ inline int stepOf(int plane) {
   return plane == Frame::U || plane == Frame::V ? 2 : 1;
 }
 
-/// Code value of no colour: luma 16, chroma 128, alpha transparent.
+/// The code value of black: luma 16, chroma 128, alpha transparent.
 inline int blackOf(int plane) {
   constexpr int kBlack[] = {16, 128, 128, 0};
   return kBlack[plane];

@@ -12,7 +12,7 @@ namespace korvia::HWY_NAMESPACE {
 
 namespace {
 
-// In 1/65536. The conversions of libyuv hold the blue coefficient in too few bits and lose a twentieth of a
+// In 1/65536. The conversions of libyuv have too few bits for the blue coefficient and lose a twentieth of a
 // saturated blue.
 constexpr int kOne = 1 << 16;
 constexpr int kY = 76309;
@@ -27,7 +27,8 @@ inline int toByte(int value) {
 
 }  // namespace
 
-// The compiler vectorises the loop well; it only has to be allowed the wider registers where they are.
+// The compiler vectorises this loop well; compiling it for each instruction set gives it the wider
+// registers.
 void rowToRgb(const std::uint8_t* y, const std::uint8_t* u, const std::uint8_t* v, std::uint32_t* pixels,
               int width) {
   for (int x = 0; x < width; ++x) {

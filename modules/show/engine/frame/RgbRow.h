@@ -1,4 +1,4 @@
-// One row of a picture from BT.709 limited range to RGB. Pure function, any thread.
+// Converts a row from BT.709 limited range to RGB. Pure function, any thread.
 #pragma once
 #include <cstdint>
 

@@ -44,7 +44,7 @@ void ItemStage::open(const ShowFormat& format) {
 void ItemStage::beginFrame() {
   raster_.collect(drawn_);
   for (RasterWorker::Drawn& drawn : drawn_) {
-    // What was shown so far goes back to the worker, which destroys it.
+    // The old layer goes back to the worker, which destroys it.
     if (drawn.key == kPaintPadKey)
       paintPad_.swap(drawn.layer);
   }

@@ -1,5 +1,5 @@
-// What lies over the buses: draws the items on the raster worker and puts their layers on the buses' stacks
-// at a frame boundary. Console thread: the paint pad's calls; engine thread: the rest.
+// The items over the buses: draws them on the raster worker and puts their layers on the stacks of the buses
+// at a frame boundary. Console thread: the calls of the paint pad; engine thread: the rest.
 #pragma once
 #include <QImage>
 #include <atomic>
@@ -13,19 +13,19 @@ namespace korvia {
 
 class ItemStage {
  public:
-  /// The buses must outlive the stage. The paint pad's drawing lies over program alone.
+  /// The bus must outlive the stage. The drawing of the paint pad is shown on program only.
   explicit ItemStage(Bus& pgm) : pgm_(pgm) {}
 
   // Console thread.
-  /// The operator's drawing from now on, in its own shape as large as fits into the picture; its alpha says
-  /// how much it covers. A null image covers nothing.
+  /// Shows this drawing of the operator from now on, letterboxed into the picture, with its alpha. A null
+  /// image shows nothing.
   void commitPaintPad(const QImage& image);
-  /// Whether the drawing is shown. The end forgets it, so that the next one does not begin with it.
+  /// Shows or hides the drawing. Hiding discards it, so that the next one does not begin with it.
   void setPaintPadValid(bool valid);
 
   // Engine thread.
   void open(const ShowFormat& format);
-  /// A frame begins: layers that were drawn since the last one are shown from here on.
+  /// Begins a frame: layers that were drawn since the last one are shown from now on.
   void beginFrame();
 
  private:

@@ -1,5 +1,5 @@
-// Draws layers on a thread of its own, so that neither the engine thread nor the console draws or converts
-// pictures. Whatever draws with Qt asks here; drawing functions use QImage only.
+// Draws layers on its own thread, so that neither the engine thread nor the console draws or converts
+// images. All drawing with Qt for the engine is done here; drawing functions use QImage only.
 #pragma once
 #include <QString>
 #include <condition_variable>
@@ -14,7 +14,7 @@ namespace korvia {
 
 class RasterWorker {
  public:
-  /// Runs on the worker's thread. Null when there is nothing to see.
+  /// Called on the thread of the worker. Returns null when nothing is visible.
   using Draw = std::function<LayerRef()>;
 
   struct Drawn {
@@ -23,21 +23,21 @@ class RasterWorker {
   };
 
   RasterWorker();
-  /// Waits for the drawing that is going on.
+  /// Waits for the drawing that has begun.
   ~RasterWorker();
   RasterWorker(const RasterWorker&) = delete;
   RasterWorker& operator=(const RasterWorker&) = delete;
 
-  /// Asks for the key's next layer. The newest request of a key wins: one that has not begun is replaced, in
-  /// its place in the queue. One that is being drawn is delivered all the same, so that requests that come
-  /// faster than they can be drawn still show something. Any thread.
+  /// Requests the next layer of the key. The newest request of a key wins: it replaces one that has not
+  /// begun, in its place in the queue. A drawing that has begun is delivered, so that requests that come
+  /// faster than they are drawn still show something. Any thread.
   void request(const QString& key, Draw draw);
-  /// Ends what was asked for the key: what has not been collected never comes, and a null layer is delivered.
-  /// Any thread.
+  /// Withdraws the requests of the key: layers that were not collected are discarded, and a null layer is
+  /// delivered. Any thread.
   void withdraw(const QString& key);
 
-  /// Puts what was drawn since the last call into `drawn`, the newest of each key. What `drawn` held is
-  /// destroyed on the worker's thread: leave there the layers that are shown no more. Engine thread.
+  /// Swaps what was drawn since the last call into `drawn`, the newest layer of each key. The former content
+  /// of `drawn` is destroyed on the thread of the worker, so leave the replaced layers there. Engine thread.
   void collect(std::vector<Drawn>& drawn);
 
  private:

@@ -8,7 +8,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
-// The mean is taken as sum * (2^22 / total) in 16 bits: six of them lie behind the point.
+// The mean is sum * (2^22 / total) in 16 bits, of which the lowest six are the fraction.
 constexpr int kScaleBits = 22;
 constexpr int kPointBits = kScaleBits - 16;
 
@@ -164,7 +164,7 @@ void shrinkRow(const std::uint8_t* row, const ShrinkGroup* groups, int groupCoun
     for (int half = 0; half < ShrinkGroup::kHalves; half += kHalvesAtOnce) {
       const int place = half * ShrinkGroup::kLanes;
       const auto window = windows(row, group->offset + half);
-      // The zeros above the indices make numbers of 16 bits of the samples.
+      // The zero byte above each index widens the samples to 16 bits.
       const auto tap = [&](auto index) HWY_ATTR {
         return hn::BitCast(d16, hn::TableLookupBytesOr0(window, hn::BitCast(d8, index)));
       };

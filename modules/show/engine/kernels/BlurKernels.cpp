@@ -8,16 +8,149 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/kernels/StoreRow-inl.h"
+#include "engine/kernels/RowLoop-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+namespace {
 
 using ShrinkRows = std::array<const std::uint8_t*, kShrink>;
 using TapRows = std::array<RowTap, kTapCount>;
 using FiveRows = std::array<const std::uint8_t*, 5>;
 
-// Each row loop for the samples from `begin` on: the end of a row, or all of it on a machine without vectors.
+struct Soften {
+  const std::uint8_t* a;
+  const std::uint8_t* b;
+  int weight;
+  const std::uint8_t* soft;
+  const std::uint8_t* mask;
+  int one(int x) const { return mixedBy255(mixedBy256(a[x], b[x], weight), soft[x], mask[x]); }
+  Vec many(int x) const {
+    return mixedBy255(mixedBy256(load(a + x), load(b + x), weight), load(soft + x), load(mask + x));
+  }
+};
+
+struct AverageOfThree {
+  const std::uint8_t* a;
+  const std::uint8_t* b;
+  const std::uint8_t* c;
+  int one(int x) const { return (a[x] + b[x] + c[x] + 1) / 3; }
+  Vec many(int x) const {
+    // 65536 / 3, rounded up: exact for the sum of three samples.
+    constexpr int kThird = 21846;
+    const Vec sum = hn::Add(hn::Add(load(a + x), load(b + x)), hn::Add(load(c + x), constant(1)));
+    return hn::MulHigh(sum, constant(kThird));
+  }
+};
+
+struct AverageTaps {
+  const TapRows& taps;
+  int one(int x) const {
+    int sum = 128;
+    for (const RowTap& tap : taps) {
+      const int top = tap.upper[x] * (16 - tap.right) + tap.upper[x + 1] * tap.right;
+      const int bottom = tap.lower[x] * (16 - tap.right) + tap.lower[x + 1] * tap.right;
+      sum += (top * (16 - tap.down) + bottom * tap.down + 32) >> 6;
+    }
+    return sum >> 8;
+  }
+  Vec many(int x) const {
+    const Vec sixteen = constant(16);
+    Vec sum = constant(128);
+    for (const RowTap& tap : taps) {
+      const Vec right = constant(tap.right);
+      const Vec left = hn::Sub(sixteen, right);
+      const Vec down = constant(tap.down);
+      const Vec top = hn::Add(hn::Mul(load(tap.upper + x), left), hn::Mul(load(tap.upper + x + 1), right));
+      const Vec bottom = hn::Add(hn::Mul(load(tap.lower + x), left), hn::Mul(load(tap.lower + x + 1), right));
+      const Vec value = hn::Add(hn::Mul(top, hn::Sub(sixteen, down)), hn::Mul(bottom, down));
+      sum = hn::Add(sum, hn::ShiftRight<6>(hn::Add(value, constant(32))));
+    }
+    return hn::ShiftRight<8>(sum);
+  }
+};
+
+struct AddTo {
+  const std::uint8_t* row;
+  const std::uint16_t* sums;
+  int one(int x) const { return sums[x] + row[x]; }
+  Vec many(int x) const { return hn::Add(hn::LoadU(kSamples, sums + x), load(row + x)); }
+};
+
+inline int binomial(int outer, int inner, int own) {
+  return outer + 4 * inner + 6 * own;
+}
+inline Vec binomial(Vec outer, Vec inner, Vec own) {
+  return hn::Add(hn::Add(outer, hn::ShiftLeft<2>(hn::Add(inner, own))), hn::Add(own, own));
+}
+
+struct BinomialColumns {
+  const FiveRows& rows;
+  int one(int x) const { return binomial(rows[0][x] + rows[4][x], rows[1][x] + rows[3][x], rows[2][x]); }
+  Vec many(int x) const {
+    return binomial(hn::Add(load(rows[0] + x), load(rows[4] + x)),
+                    hn::Add(load(rows[1] + x), load(rows[3] + x)), load(rows[2] + x));
+  }
+};
+
+struct Sharpen {
+  const std::uint8_t* row;
+  const std::uint16_t* columns;
+  int spacing;
+  int gain256;
+  int low;
+  int high;
+  int one(int x) const {
+    const auto at = [&](int place) { return int{columns[x + place * spacing]}; };
+    const int mean = (binomial(at(0) + at(4), at(1) + at(3), at(2)) + 2) >> 2;
+    const int all = row[x] * 64 - mean;
+    const int difference = all - std::clamp(all, -kSharpenCore, kSharpenCore);
+    const int driven = row[x] + ((difference * gain256 + (1 << 13)) >> 14);
+    return std::clamp(driven, std::min<int>(row[x], low), std::max<int>(row[x], high));
+  }
+  Vec many(int x) const {
+    const auto number = [](int value) HWY_ATTR { return hn::Set(kSigned, static_cast<std::int16_t>(value)); };
+    const auto at = [&](int place) HWY_ATTR { return hn::LoadU(kSamples, columns + x + place * spacing); };
+    const Vec sum = binomial(hn::Add(at(0), at(4)), hn::Add(at(1), at(3)), at(2));
+    const auto mean = hn::BitCast(kSigned, hn::ShiftRight<2>(hn::Add(sum, constant(2))));
+    const auto own = hn::BitCast(kSigned, load(row + x));
+    const auto all = hn::Sub(hn::ShiftLeft<6>(own), mean);
+    const auto difference = hn::Sub(all, hn::Min(hn::Max(all, number(-kSharpenCore)), number(kSharpenCore)));
+    // MulFixedPoint15 shifts by 15 and rounds; on the doubled difference that is the formula's shift by 14.
+    const auto driven = hn::Add(own, hn::MulFixedPoint15(hn::Add(difference, difference), number(gain256)));
+    return hn::BitCast(kSamples,
+                       hn::Min(hn::Max(driven, hn::Min(own, number(low))), hn::Max(own, number(high))));
+  }
+};
+
+/// The divisor of boxRow, with 8 fraction bits, and the extent of its box.
+struct Box {
+  explicit Box(int radius256)
+      : whole(radius256 >> 8),
+        fraction(radius256 & 255),
+        scale(1.0F / static_cast<float>(256 + 2 * radius256)) {}
+  int whole;
+  int fraction;
+  float scale;
+  int last() const { return 2 * whole + 2; }
+};
+
+/// sums[x] = the sum of the first x samples.
+void sumUp(const std::uint8_t* row, std::uint32_t* sums, int count) {
+  std::uint32_t sum = 0;
+  sums[0] = 0;
+  for (int x = 0; x < count; ++x) {
+    sum += row[x];
+    sums[x + 1] = sum;
+  }
+}
+
+// Shrinking, enlarging and the box mean have loops of their own, since they do not map one sample to one.
+// The functions below compute samples one by one: the end of a row, or all of it on a machine without
+// vectors.
 
 inline int sumOfSquare(const ShrinkRows& rows, int x, int count) {
   int sum = 0;
@@ -37,7 +170,8 @@ void shrinkFrom(int begin, const ShrinkRows& a, const ShrinkRows& b, int weight,
   }
 }
 
-/// Weights of the sample before, in eighths, of the first two of each four; the last two mirror them.
+/// Of each four samples, the weights in eighths of the neighbour before the first and before the second; the
+/// other two mirror them.
 constexpr int kOuterWeight = 3;
 constexpr int kInnerWeight = 1;
 
@@ -57,50 +191,6 @@ void enlargeFrom(int begin, const std::uint8_t* upper, const std::uint8_t* lower
   }
 }
 
-void softenFrom(int begin, const std::uint8_t* a, const std::uint8_t* b, int weight, const std::uint8_t* soft,
-                const std::uint8_t* mask, std::uint8_t* out, int count) {
-  for (int x = begin; x < count; ++x) {
-    const int sharp = (a[x] * (256 - weight) + b[x] * weight + 128) >> 8;
-    const int sum = sharp * (255 - mask[x]) + soft[x] * mask[x] + 128;
-    out[x] = static_cast<std::uint8_t>((sum + (sum >> 8)) >> 8);
-  }
-}
-
-void averageOfThreeFrom(int begin, const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* c,
-                        std::uint8_t* out, int count) {
-  for (int x = begin; x < count; ++x)
-    out[x] = static_cast<std::uint8_t>((a[x] + b[x] + c[x] + 1) / 3);
-}
-
-void averageTapsFrom(int begin, const TapRows& taps, std::uint8_t* out, int count) {
-  for (int x = begin; x < count; ++x) {
-    int sum = 0;
-    for (const RowTap& tap : taps) {
-      const int top = tap.upper[x] * (16 - tap.right) + tap.upper[x + 1] * tap.right;
-      const int bottom = tap.lower[x] * (16 - tap.right) + tap.lower[x + 1] * tap.right;
-      sum += (top * (16 - tap.down) + bottom * tap.down + 32) >> 6;
-    }
-    out[x] = static_cast<std::uint8_t>((sum + 128) >> 8);
-  }
-}
-
-void addFrom(int begin, const std::uint8_t* row, std::uint16_t* sums, int count) {
-  for (int x = begin; x < count; ++x)
-    sums[x] = static_cast<std::uint16_t>(sums[x] + row[x]);
-}
-
-/// What boxRow divides by, with 8 fraction bits, and where its samples lie.
-struct Box {
-  explicit Box(int radius256)
-      : whole(radius256 >> 8),
-        fraction(radius256 & 255),
-        scale(1.0F / static_cast<float>(256 + 2 * radius256)) {}
-  int whole;
-  int fraction;
-  float scale;
-  int last() const { return 2 * whole + 2; }
-};
-
 void boxFrom(int begin, const Box& box, const std::uint8_t* row, const std::uint32_t* sums, std::uint8_t* out,
              int count) {
   for (int x = begin; x < count; ++x) {
@@ -110,33 +200,41 @@ void boxFrom(int begin, const Box& box, const std::uint8_t* row, const std::uint
   }
 }
 
-void sumUp(const std::uint8_t* row, std::uint32_t* sums, int count) {
-  std::uint32_t sum = 0;
-  sums[0] = 0;
-  for (int x = 0; x < count; ++x) {
-    sum += row[x];
-    sums[x + 1] = sum;
-  }
+}  // namespace
+
+void softenRow(const std::uint8_t* a, const std::uint8_t* b, int weight, const std::uint8_t* soft,
+               const std::uint8_t* mask, std::uint8_t* HWY_RESTRICT out, int count) {
+  runNonTemporal(Soften{a, b, weight, soft, mask}, out, count);
 }
 
-void binomialColumnsFrom(int begin, const FiveRows& rows, std::uint16_t* out, int count) {
-  for (int x = begin; x < count; ++x)
-    out[x] =
-        static_cast<std::uint16_t>(rows[0][x] + rows[4][x] + 4 * (rows[1][x] + rows[3][x]) + 6 * rows[2][x]);
+void averageOfThreeRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* c,
+                       std::uint8_t* HWY_RESTRICT out, int count) {
+  run(AverageOfThree{a, b, c}, out, count);
 }
 
-void sharpenFrom(int begin, const std::uint8_t* row, const std::uint16_t* columns, int spacing, int gain256,
-                 int low, int high, std::uint8_t* out, int count) {
-  for (int x = begin; x < count; ++x) {
-    const std::uint16_t* around = columns + x;
-    const int mean = around[0] + around[4 * spacing] + 4 * (around[spacing] + around[3 * spacing]) +
-                     6 * around[2 * spacing];
-    const int all = row[x] * 64 - ((mean + 2) >> 2);
-    const int difference = all - std::clamp(all, -kSharpenCore, kSharpenCore);
-    const int driven = row[x] + ((difference * gain256 + (1 << 13)) >> 14);
-    out[x] = static_cast<std::uint8_t>(
-        std::clamp(driven, std::min<int>(row[x], low), std::max<int>(row[x], high)));
-  }
+void averageTapsRow(const TapRows& taps, std::uint8_t* HWY_RESTRICT out, int count) {
+  const AverageTaps kernel{taps};
+  const int lanes = static_cast<int>(hn::Lanes(kSamples));
+  const int whole = count / lanes * lanes;
+  run(kernel, out, whole);
+  // A sample alone costs as much as a register full of them, so the last register overlaps the one before.
+  if (whole < count && whole > 0)
+    hn::StoreU(bytesOf(kernel.many(count - lanes)), kBytes, out + count - lanes);
+  else
+    run(kernel, out, count, whole);
+}
+
+void addRow(const std::uint8_t* row, std::uint16_t* sums, int count) {
+  run(AddTo{row, sums}, sums, count);
+}
+
+void binomialColumns(const FiveRows& rows, std::uint16_t* HWY_RESTRICT out, int count) {
+  run(BinomialColumns{rows}, out, count);
+}
+
+void sharpenRow(const std::uint8_t* row, const std::uint16_t* columns, int spacing, int gain256, int low,
+                int high, std::uint8_t* HWY_RESTRICT out, int count) {
+  run(Sharpen{row, columns, spacing, gain256, low, high}, out, count);
 }
 
 #if HWY_TARGET == HWY_SCALAR
@@ -150,42 +248,13 @@ void enlargeRow(const std::uint8_t* upper, const std::uint8_t* lower, int lowerW
   enlargeFrom(0, upper, lower, lowerWeight, count, out, outCount);
 }
 
-void softenRow(const std::uint8_t* a, const std::uint8_t* b, int weight, const std::uint8_t* soft,
-               const std::uint8_t* mask, std::uint8_t* out, int count) {
-  softenFrom(0, a, b, weight, soft, mask, out, count);
-}
-
-void averageOfThreeRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* c, std::uint8_t* out,
-                       int count) {
-  averageOfThreeFrom(0, a, b, c, out, count);
-}
-
-void averageTapsRow(const TapRows& taps, std::uint8_t* out, int count) {
-  averageTapsFrom(0, taps, out, count);
-}
-
 void boxRow(const std::uint8_t* row, int radius256, std::uint32_t* sums, std::uint8_t* out, int count) {
   const Box box(radius256);
   sumUp(row, sums, count + box.last());
   boxFrom(0, box, row, sums, out, count);
 }
 
-void addRow(const std::uint8_t* row, std::uint16_t* sums, int count) {
-  addFrom(0, row, sums, count);
-}
-
-void binomialColumns(const FiveRows& rows, std::uint16_t* out, int count) {
-  binomialColumnsFrom(0, rows, out, count);
-}
-
-void sharpenRow(const std::uint8_t* row, const std::uint16_t* columns, int spacing, int gain256, int low,
-                int high, std::uint8_t* out, int count) {
-  sharpenFrom(0, row, columns, spacing, gain256, low, high, out, count);
-}
-
 #else
-
-namespace hn = hwy::HWY_NAMESPACE;
 
 void mixShrunkRow(const ShrinkRows& a, const ShrinkRows& b, int weight, std::uint8_t* HWY_RESTRICT out,
                   int count) {
@@ -220,7 +289,7 @@ void mixShrunkRow(const ShrinkRows& a, const ShrinkRows& b, int weight, std::uin
   shrinkFrom(x / kShrink, a, b, weight, out, count);
 }
 
-// As many columns as are mixed at a time before they are widened.
+// Columns that are mixed at a time before they are enlarged.
 constexpr int kBlock = 256;
 
 void enlargeRow(const std::uint8_t* HWY_RESTRICT upper, const std::uint8_t* HWY_RESTRICT lower,
@@ -272,78 +341,6 @@ void enlargeRow(const std::uint8_t* HWY_RESTRICT upper, const std::uint8_t* HWY_
   enlargeFrom(fours * kShrink, upper, lower, lowerWeight, count, out, outCount);
 }
 
-void softenRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, int weight,
-               const std::uint8_t* HWY_RESTRICT soft, const std::uint8_t* HWY_RESTRICT mask,
-               std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint16_t> d16;
-  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
-  const hn::RebindToSigned<decltype(d16)> i16;
-  const auto weightB = hn::Set(d16, static_cast<std::uint16_t>(weight));
-  const auto weightA = hn::Set(d16, static_cast<std::uint16_t>(256 - weight));
-  const auto full = hn::Set(d16, std::uint16_t{255});
-  const auto round = hn::Set(d16, std::uint16_t{128});
-  const int x = storeRow(out, count, [&](int at) HWY_ATTR {
-    const auto va = hn::PromoteTo(d16, hn::LoadU(d8, a + at));
-    const auto vb = hn::PromoteTo(d16, hn::LoadU(d8, b + at));
-    const auto vs = hn::PromoteTo(d16, hn::LoadU(d8, soft + at));
-    const auto m = hn::PromoteTo(d16, hn::LoadU(d8, mask + at));
-    const auto sharp = hn::ShiftRight<8>(hn::Add(hn::Add(hn::Mul(va, weightA), hn::Mul(vb, weightB)), round));
-    const auto sum = hn::Add(hn::Add(hn::Mul(sharp, hn::Sub(full, m)), hn::Mul(vs, m)), round);
-    return hn::DemoteTo(d8, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)))));
-  });
-  softenFrom(x, a, b, weight, soft, mask, out, count);
-}
-
-void averageOfThreeRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b,
-                       const std::uint8_t* HWY_RESTRICT c, std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint16_t> d16;
-  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
-  const hn::RebindToSigned<decltype(d16)> i16;
-  const int lanes = static_cast<int>(hn::Lanes(d16));
-  // 65536 / 3, rounded up: exact for what three samples can be.
-  const auto third = hn::Set(d16, std::uint16_t{21846});
-  const auto load = [&](const std::uint8_t* row) HWY_ATTR { return hn::PromoteTo(d16, hn::LoadU(d8, row)); };
-  int x = 0;
-  for (; x + lanes <= count; x += lanes) {
-    const auto sum =
-        hn::Add(hn::Add(load(a + x), load(b + x)), hn::Add(load(c + x), hn::Set(d16, std::uint16_t{1})));
-    hn::StoreU(hn::DemoteTo(d8, hn::BitCast(i16, hn::MulHigh(sum, third))), d8, out + x);
-  }
-  averageOfThreeFrom(x, a, b, c, out, count);
-}
-
-void averageTapsRow(const TapRows& taps, std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint16_t> d16;
-  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
-  const hn::RebindToSigned<decltype(d16)> i16;
-  const int lanes = static_cast<int>(hn::Lanes(d16));
-  const auto sixteen = hn::Set(d16, std::uint16_t{16});
-  const auto round = hn::Set(d16, std::uint16_t{32});
-  const auto load = [&](const std::uint8_t* row) HWY_ATTR { return hn::PromoteTo(d16, hn::LoadU(d8, row)); };
-  const auto average = [&](int x) HWY_ATTR {
-    auto sum = hn::Set(d16, std::uint16_t{128});
-    for (const RowTap& tap : taps) {
-      const auto right = hn::Set(d16, tap.right);
-      const auto left = hn::Sub(sixteen, right);
-      const auto down = hn::Set(d16, tap.down);
-      const auto top = hn::Add(hn::Mul(load(tap.upper + x), left), hn::Mul(load(tap.upper + x + 1), right));
-      const auto bottom =
-          hn::Add(hn::Mul(load(tap.lower + x), left), hn::Mul(load(tap.lower + x + 1), right));
-      const auto value = hn::Add(hn::Mul(top, hn::Sub(sixteen, down)), hn::Mul(bottom, down));
-      sum = hn::Add(sum, hn::ShiftRight<6>(hn::Add(value, round)));
-    }
-    hn::StoreU(hn::DemoteTo(d8, hn::BitCast(i16, hn::ShiftRight<8>(sum))), d8, out + x);
-  };
-  if (count < lanes) {
-    averageTapsFrom(0, taps, out, count);
-    return;
-  }
-  for (int x = 0; x + lanes <= count; x += lanes)
-    average(x);
-  if (count % lanes != 0)
-    average(count - lanes);
-}
-
 void boxRow(const std::uint8_t* HWY_RESTRICT row, int radius256, std::uint32_t* HWY_RESTRICT sums,
             std::uint8_t* HWY_RESTRICT out, int count) {
   const hn::ScalableTag<float> df;
@@ -365,61 +362,6 @@ void boxRow(const std::uint8_t* HWY_RESTRICT row, int radius256, std::uint32_t* 
     hn::StoreU(hn::DemoteTo(d8, hn::NearestInt(hn::Mul(hn::ConvertTo(df, sum), scale))), d8, out + x);
   }
   boxFrom(x, box, row, sums, out, count);
-}
-
-void addRow(const std::uint8_t* HWY_RESTRICT row, std::uint16_t* HWY_RESTRICT sums, int count) {
-  const hn::ScalableTag<std::uint16_t> d16;
-  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
-  const int lanes = static_cast<int>(hn::Lanes(d16));
-  int x = 0;
-  for (; x + lanes <= count; x += lanes)
-    hn::StoreU(hn::Add(hn::LoadU(d16, sums + x), hn::PromoteTo(d16, hn::LoadU(d8, row + x))), d16, sums + x);
-  addFrom(x, row, sums, count);
-}
-
-/// outer + 4 * inner + 6 * own
-template <typename V>
-HWY_INLINE V binomial(V outer, V inner, V own) {
-  return hn::Add(hn::Add(outer, hn::ShiftLeft<2>(hn::Add(inner, own))), hn::Add(own, own));
-}
-
-void binomialColumns(const FiveRows& rows, std::uint16_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint16_t> d16;
-  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
-  const int lanes = static_cast<int>(hn::Lanes(d16));
-  const auto load = [&](const std::uint8_t* row) HWY_ATTR { return hn::PromoteTo(d16, hn::LoadU(d8, row)); };
-  int x = 0;
-  for (; x + lanes <= count; x += lanes)
-    hn::StoreU(binomial(hn::Add(load(rows[0] + x), load(rows[4] + x)),
-                        hn::Add(load(rows[1] + x), load(rows[3] + x)), load(rows[2] + x)),
-               d16, out + x);
-  binomialColumnsFrom(x, rows, out, count);
-}
-
-void sharpenRow(const std::uint8_t* HWY_RESTRICT row, const std::uint16_t* HWY_RESTRICT columns, int spacing,
-                int gain256, int low, int high, std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::int16_t> d16;
-  const hn::RebindToUnsigned<decltype(d16)> u16;
-  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
-  const int lanes = static_cast<int>(hn::Lanes(d16));
-  // The doubled difference times the gain, 15 bits down and rounded: the formula's 14 bits.
-  const auto gain = hn::Set(d16, static_cast<std::int16_t>(gain256));
-  const auto core = hn::Set(d16, std::int16_t{kSharpenCore});
-  const auto lowest = hn::Set(d16, static_cast<std::int16_t>(low));
-  const auto highest = hn::Set(d16, static_cast<std::int16_t>(high));
-  int x = 0;
-  for (; x + lanes <= count; x += lanes) {
-    const auto at = [&](int place) HWY_ATTR { return hn::LoadU(u16, columns + x + place * spacing); };
-    const auto sum = binomial(hn::Add(at(0), at(4)), hn::Add(at(1), at(3)), at(2));
-    const auto mean = hn::BitCast(d16, hn::ShiftRight<2>(hn::Add(sum, hn::Set(u16, std::uint16_t{2}))));
-    const auto own = hn::PromoteTo(d16, hn::LoadU(d8, row + x));
-    const auto all = hn::Sub(hn::ShiftLeft<6>(own), mean);
-    const auto difference = hn::Sub(all, hn::Min(hn::Max(all, hn::Neg(core)), core));
-    const auto driven = hn::Add(own, hn::MulFixedPoint15(hn::Add(difference, difference), gain));
-    const auto kept = hn::Min(hn::Max(driven, hn::Min(own, lowest)), hn::Max(own, highest));
-    hn::StoreU(hn::DemoteTo(d8, kept), d8, out + x);
-  }
-  sharpenFrom(x, row, columns, spacing, gain256, low, high, out, count);
 }
 
 #endif

@@ -7,86 +7,14 @@
 
 #include <algorithm>
 
+#include "engine/kernels/RowLoop-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
 namespace {
-
-// Each kernel is a struct with its formula twice: for one sample, and for as many as a register holds.
-// Samples are computed with in 16 bits. The registers' one is written with what a machine without vectors has
-// too.
-
-using Samples = hn::ScalableTag<std::uint16_t>;
-using Signed = hn::RebindToSigned<Samples>;
-using Bytes = hn::Rebind<std::uint8_t, Samples>;
-using Vec = hn::Vec<Samples>;
-
-constexpr Samples kSamples;
-constexpr Signed kSigned;
-constexpr Bytes kBytes;
-
-inline std::uint8_t byte(int value) {
-  return static_cast<std::uint8_t>(std::clamp(value, 0, 255));
-}
-
-inline Vec load(const std::uint8_t* samples) {
-  return hn::PromoteTo(kSamples, hn::LoadU(kBytes, samples));
-}
-
-inline Vec constant(int value) {
-  return hn::Set(kSamples, static_cast<std::uint16_t>(value));
-}
-
-/// Held in 0 to 255 where the value is read as a signed one.
-inline hn::Vec<Bytes> bytesOf(Vec values) {
-  return hn::DemoteTo(kBytes, hn::BitCast(kSigned, values));
-}
-
-/// sum / 255, rounded; exact for products of two bytes.
-inline int dividedBy255(int sum) {
-  sum += 128;
-  return (sum + (sum >> 8)) >> 8;
-}
-inline Vec dividedBy255(Vec sum) {
-  sum = hn::Add(sum, constant(128));
-  return hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)));
-}
-
-inline int weighed(int a, int b, int weight) {
-  return dividedBy255(a * (255 - weight) + b * weight);
-}
-inline Vec weighed(Vec a, Vec b, Vec weight) {
-  return dividedBy255(hn::Add(hn::Mul(a, hn::Sub(constant(255), weight)), hn::Mul(b, weight)));
-}
-
-template <typename Kernel>
-void run(const Kernel& kernel, std::uint8_t* out, int count) {
-  const int lanes = static_cast<int>(hn::Lanes(kSamples));
-  int x = 0;
-  for (; x + lanes <= count; x += lanes)
-    hn::StoreU(bytesOf(kernel.many(x)), kBytes, out + x);
-  for (; x < count; ++x)
-    out[x] = byte(kernel.one(x));
-}
-
-/// The same for a row of a frame, which is written past the cache where it can be.
-template <typename Kernel>
-void runPastCache(const Kernel& kernel, std::uint8_t* out, int count) {
-  // Half a register, which is what the samples of a narrow one fill, cannot be written so.
-  constexpr int kLeast = 16;
-  const int lanes = static_cast<int>(hn::Lanes(kSamples));
-  if (lanes < kLeast || reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) != 0) {
-    run(kernel, out, count);
-    return;
-  }
-  int x = 0;
-  for (; x + lanes <= count; x += lanes)
-    hn::Stream(bytesOf(kernel.many(x)), kBytes, out + x);
-  for (; x < count; ++x)
-    out[x] = byte(kernel.one(x));
-}
 
 struct Threshold {
   const std::uint8_t* luma;
@@ -139,26 +67,23 @@ struct Shade {
   }
 };
 
-struct MixTurning {
-  TurningRow a;
-  TurningRow b;
+struct MixPartlyInverted {
+  PartlyInvertedRow a;
+  PartlyInvertedRow b;
   int ends;
   int weight;
-  int turned(const TurningRow& row, int x) const {
-    return weighed(row.samples[x], byte(ends - row.samples[x]), row.weight[x]);
+  int inverted(const PartlyInvertedRow& row, int x) const {
+    return mixedBy255(row.samples[x], byte(ends - row.samples[x]), row.weight[x]);
   }
-  int one(int x) const { return (turned(a, x) * (256 - weight) + turned(b, x) * weight + 128) >> 8; }
-  Vec turned(const TurningRow& row, Vec samples, int x) const {
+  int one(int x) const { return mixedBy256(inverted(a, x), inverted(b, x), weight); }
+  Vec inverted(const PartlyInvertedRow& row, Vec samples, int x) const {
     const Vec negative = hn::Sub(constant(ends), samples);
     const auto held = hn::Min(hn::Max(hn::BitCast(kSigned, negative), hn::Zero(kSigned)),
                               hn::Set(kSigned, std::int16_t{255}));
-    return weighed(samples, hn::BitCast(kSamples, held), load(row.weight + x));
+    return mixedBy255(samples, hn::BitCast(kSamples, held), load(row.weight + x));
   }
   Vec many(int x) const {
-    const Vec turnedA = turned(a, load(a.samples + x), x);
-    const Vec turnedB = turned(b, load(b.samples + x), x);
-    const Vec sum = hn::Add(hn::Mul(turnedA, constant(256 - weight)), hn::Mul(turnedB, constant(weight)));
-    return hn::ShiftRight<8>(hn::Add(sum, constant(128)));
+    return mixedBy256(inverted(a, load(a.samples + x), x), inverted(b, load(b.samples + x), x), weight);
   }
 };
 
@@ -168,10 +93,10 @@ struct MixTowards {
   const std::uint8_t* mask;
   int target;
   const std::uint8_t* weight;
-  int one(int x) const { return weighed(weighed(a[x], b[x], mask[x]), target, weight[x]); }
+  int one(int x) const { return mixedBy255(mixedBy255(a[x], b[x], mask[x]), target, weight[x]); }
   Vec many(int x) const {
-    const Vec mixed = weighed(load(a + x), load(b + x), load(mask + x));
-    return weighed(mixed, constant(target), load(weight + x));
+    const Vec mixed = mixedBy255(load(a + x), load(b + x), load(mask + x));
+    return mixedBy255(mixed, constant(target), load(weight + x));
   }
 };
 
@@ -287,14 +212,14 @@ void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::ui
     out[pairs] = byte((upper[width - 1] + lower[width - 1] + 1) >> 1);
 }
 
-void mixTurningRow(const TurningRow& a, const TurningRow& b, int ends, int weight,
-                   std::uint8_t* HWY_RESTRICT out, int count) {
-  runPastCache(MixTurning{a, b, ends, weight}, out, count);
+void mixPartlyInvertedRow(const PartlyInvertedRow& a, const PartlyInvertedRow& b, int ends, int weight,
+                          std::uint8_t* HWY_RESTRICT out, int count) {
+  runNonTemporal(MixPartlyInverted{a, b, ends, weight}, out, count);
 }
 
 void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, int target,
                    const std::uint8_t* weight, std::uint8_t* HWY_RESTRICT out, int count) {
-  runPastCache(MixTowards{a, b, mask, target, weight}, out, count);
+  runNonTemporal(MixTowards{a, b, mask, target, weight}, out, count);
 }
 
 void multiplyLumaRow(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* HWY_RESTRICT out,
@@ -309,7 +234,7 @@ void multiplyChromaRow(const std::uint8_t* a, const std::uint8_t* b, const std::
 
 void mixOverRow(const std::uint8_t* a, const std::uint8_t* middle, const std::uint8_t* b,
                 const std::uint8_t* way, std::uint8_t* HWY_RESTRICT out, int count) {
-  runPastCache(MixOver{a, middle, b, way}, out, count);
+  runNonTemporal(MixOver{a, middle, b, way}, out, count);
 }
 
 }  // namespace korvia::HWY_NAMESPACE
@@ -324,7 +249,7 @@ HWY_EXPORT(fadeKeyRow);
 HWY_EXPORT(edgeRow);
 HWY_EXPORT(shadeRow);
 HWY_EXPORT(chromaMeanRow);
-HWY_EXPORT(mixTurningRow);
+HWY_EXPORT(mixPartlyInvertedRow);
 HWY_EXPORT(mixTowardsRow);
 HWY_EXPORT(multiplyLumaRow);
 HWY_EXPORT(multiplyChromaRow);
@@ -354,9 +279,9 @@ void chromaMeanRow(const std::uint8_t* upper, const std::uint8_t* lower, std::ui
   HWY_DYNAMIC_DISPATCH(chromaMeanRow)(upper, lower, out, width);
 }
 
-void mixTurningRow(const TurningRow& a, const TurningRow& b, int ends, int weight, std::uint8_t* out,
-                   int count) {
-  HWY_DYNAMIC_DISPATCH(mixTurningRow)(a, b, ends, weight, out, count);
+void mixPartlyInvertedRow(const PartlyInvertedRow& a, const PartlyInvertedRow& b, int ends, int weight,
+                          std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(mixPartlyInvertedRow)(a, b, ends, weight, out, count);
 }
 
 void mixTowardsRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, int target,

@@ -1,5 +1,5 @@
-// Where each pixel of a scaled row comes from: for every eight pixels a window of sixteen samples, and for
-// each pixel its two neighbours in that window and their weights. Made once per size. Immutable, any thread.
+// The source of each pixel of a scaled row: for every eight pixels a window of sixteen samples, and for each
+// pixel its two neighbours in that window and their weights. Made once for each size. Immutable, any thread.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -25,8 +25,8 @@ class ColumnTable {
   ColumnTable(int from, int to);
 
   bool fits(int from, int to) const { return from_ == from && to_ == to; }
-  /// False when eight pixels reach over more than a window: the row shrinks to less than half, or is too
-  /// short.
+  /// False when eight pixels need more than one window: the row shrinks to less than half, or is shorter
+  /// than a window.
   bool isUsable() const { return usable_; }
   int width() const { return to_; }
   const std::vector<Group>& groups() const { return groups_; }

@@ -1,12 +1,11 @@
-// Asks for memory before it is needed, where rows are not read one after the other and the machine cannot
-// foresee what comes next. Any thread.
+// Software prefetch for access patterns that the hardware prefetcher does not follow. Any thread.
 #pragma once
 #include <cstdint>
 
 namespace korvia {
 
-/// Brings `count` samples into the second cache: the first one is too small to hold them beside what is being
-/// worked on.
+/// Prefetches `count` samples into the second-level cache; the first level is too small to hold them beside
+/// the rows in use.
 inline void fetchAhead(const std::uint8_t* row, int count) {
   constexpr int kCacheLine = 64;
   constexpr int kForReading = 0;

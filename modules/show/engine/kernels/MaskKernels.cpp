@@ -11,10 +11,10 @@
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
-/// Rounds what is cut off to an integer.
+/// Added before a truncating conversion it rounds.
 constexpr float kRounding = 0.5F;
 
-// The last columns of a row, and all of them on a machine without vectors.
+// Single samples: the last columns of a row, and all of them on a machine without vectors.
 inline std::uint8_t masked(float value) {
   return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + kRounding);
 }
@@ -78,7 +78,7 @@ HWY_INLINE void storeMasked(V value, std::uint8_t* mask) {
   const Floats f32;
   const hn::RebindToSigned<Floats> i32;
   const hn::Rebind<std::uint8_t, Floats> d8;
-  // Held within bounds before it is made an integer, which not every number can be.
+  // Limited before the conversion, which is undefined for values that do not fit an integer.
   const auto held = hn::Min(hn::Max(value, hn::Zero(f32)), hn::Set(f32, 255.0F));
   hn::StoreU(hn::DemoteTo(d8, hn::ConvertTo(i32, hn::Add(held, hn::Set(f32, kRounding)))), d8, mask);
 }

@@ -32,7 +32,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr int kCellsOfABlock = 32;
 
-/// What lies `weight` of a cell from a to b, rounded; the products stay within 16 bits.
+/// The value at `weight` of a cell from a to b, rounded; the products stay within 16 bits.
 template <int kCellBits, typename V>
 inline V between(V a, V b, V weight) {
   const hn::DFromV<V> d;

@@ -5,43 +5,96 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include <algorithm>
+#include <cstring>
 
-#include "engine/kernels/StoreRow-inl.h"
+#include "engine/kernels/RowLoop-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace korvia::HWY_NAMESPACE {
 
-// under * (255 - alpha) + black * alpha stays positive, so that it can be divided by 255 exactly; black is
-// taken off after.
-inline std::uint8_t blended(int top, int alpha, int under, int black) {
-  const int sum = under * (255 - alpha) + black * alpha + 128;
-  return static_cast<std::uint8_t>(std::clamp(top + ((sum + (sum >> 8)) >> 8) - black, 0, 255));
+namespace hn = hwy::HWY_NAMESPACE;
+
+namespace {
+
+struct Mix {
+  const std::uint8_t* a;
+  const std::uint8_t* b;
+  int weight;
+  int one(int x) const { return mixedBy256(a[x], b[x], weight); }
+  Vec many(int x) const { return mixedBy256(load(a + x), load(b + x), weight); }
+};
+
+struct MixMasked {
+  const std::uint8_t* a;
+  const std::uint8_t* b;
+  const std::uint8_t* mask;
+  int one(int x) const { return mixedBy255(a[x], b[x], mask[x]); }
+  Vec many(int x) const { return mixedBy255(load(a + x), load(b + x), load(mask + x)); }
+};
+
+struct MixMaskedLit {
+  MixMasked mix;
+  const std::int8_t* light;
+  int one(int x) const {
+    const int mixed = mix.one(x);
+    return mixed + (((mixed - 16) * light[x] + 64) >> 7);
+  }
+  Vec many(int x) const {
+    const auto mixed = hn::BitCast(kSigned, mix.many(x));
+    const hn::Rebind<std::int8_t, Samples> lights;
+    const auto gain = hn::PromoteTo(kSigned, hn::LoadU(lights, light + x));
+    const auto aboveBlack = hn::Sub(mixed, hn::Set(kSigned, std::int16_t{16}));
+    const auto added = hn::Add(hn::Mul(aboveBlack, gain), hn::Set(kSigned, std::int16_t{64}));
+    return hn::BitCast(kSamples, hn::Add(mixed, hn::ShiftRight<7>(added)));
+  }
+};
+
+struct BlendPremultiplied {
+  const std::uint8_t* top;
+  const std::uint8_t* alpha;
+  int black;
+  const std::uint8_t* under;
+  // Division by 255 is exact for positive sums only, so black is part of the sum and subtracted afterwards.
+  int one(int x) const { return top[x] + mixedBy255(under[x], black, alpha[x]) - black; }
+  Vec many(int x) const {
+    const Vec none = constant(black);
+    return hn::Sub(hn::Add(load(top + x), mixedBy255(load(under + x), none, load(alpha + x))), none);
+  }
+};
+
+}  // namespace
+
+void copyRowNonTemporal(const std::uint8_t* HWY_RESTRICT from, std::uint8_t* HWY_RESTRICT out, int count) {
+  const hn::ScalableTag<std::uint8_t> d8;
+  const int lanes = static_cast<int>(hn::Lanes(d8));
+  int x = 0;
+  if (reinterpret_cast<std::uintptr_t>(out) % static_cast<std::uintptr_t>(lanes) == 0)
+    for (; x + lanes <= count; x += lanes)
+      hn::Stream(hn::LoadU(d8, from + x), d8, out + x);
+  std::memcpy(out + x, from + x, static_cast<std::size_t>(count - x));
 }
 
-inline std::uint8_t mixedByMask(int a, int b, int mask) {
-  const int sum = a * (255 - mask) + b * mask + 128;
-  return static_cast<std::uint8_t>((sum + (sum >> 8)) >> 8);
+void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* HWY_RESTRICT out,
+            int count) {
+  runNonTemporal(Mix{a, b, weight}, out, count);
+}
+
+void mixMaskedRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
+                  std::uint8_t* HWY_RESTRICT out, int count) {
+  runNonTemporal(MixMasked{a, b, mask}, out, count);
+}
+
+void mixMaskedLitRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
+                     const std::int8_t* light, std::uint8_t* HWY_RESTRICT out, int count) {
+  runNonTemporal(MixMaskedLit{{a, b, mask}, light}, out, count);
+}
+
+void blendPremultipliedRow(const std::uint8_t* top, const std::uint8_t* alpha, int black, std::uint8_t* row,
+                           int count) {
+  run(BlendPremultiplied{top, alpha, black, row}, row, count);
 }
 
 #if HWY_TARGET == HWY_SCALAR
-
-// A machine without any vectors, or without those that the kernels need.
-void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count) {
-  for (int x = 0; x < count; ++x)
-    out[x] = static_cast<std::uint8_t>((a[x] * (256 - weight) + b[x] * weight + 128) >> 8);
-}
-
-void mixMaskedRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask, std::uint8_t* out,
-                  int count) {
-  for (int x = 0; x < count; ++x)
-    out[x] = mixedByMask(a[x], b[x], mask[x]);
-}
-
-void blendRow(const std::uint8_t* top, const std::uint8_t* alpha, int black, std::uint8_t* row, int count) {
-  for (int x = 0; x < count; ++x)
-    row[x] = blended(top[x], alpha[x], row[x], black);
-}
 
 void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out) {
   constexpr int kOne = 1 << ColumnTable::kWeightBits;
@@ -56,67 +109,6 @@ void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* o
 }
 
 #else
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-void mixRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b, int weight,
-            std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint16_t> d16;
-  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
-  const hn::RebindToSigned<decltype(d16)> i16;
-  const auto weightB = hn::Set(d16, static_cast<std::uint16_t>(weight));
-  const auto weightA = hn::Set(d16, static_cast<std::uint16_t>(256 - weight));
-  const auto round = hn::Set(d16, std::uint16_t{128});
-  int x = storeRow(out, count, [&](int at) HWY_ATTR {
-    const auto va = hn::PromoteTo(d16, hn::LoadU(d8, a + at));
-    const auto vb = hn::PromoteTo(d16, hn::LoadU(d8, b + at));
-    const auto sum = hn::Add(hn::Add(hn::Mul(va, weightA), hn::Mul(vb, weightB)), round);
-    return hn::DemoteTo(d8, hn::BitCast(i16, hn::ShiftRight<8>(sum)));
-  });
-  for (; x < count; ++x)
-    out[x] = static_cast<std::uint8_t>((a[x] * (256 - weight) + b[x] * weight + 128) >> 8);
-}
-
-void mixMaskedRow(const std::uint8_t* HWY_RESTRICT a, const std::uint8_t* HWY_RESTRICT b,
-                  const std::uint8_t* HWY_RESTRICT mask, std::uint8_t* HWY_RESTRICT out, int count) {
-  const hn::ScalableTag<std::uint16_t> d16;
-  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
-  const hn::RebindToSigned<decltype(d16)> i16;
-  const auto full = hn::Set(d16, std::uint16_t{255});
-  const auto round = hn::Set(d16, std::uint16_t{128});
-  int x = storeRow(out, count, [&](int at) HWY_ATTR {
-    const auto va = hn::PromoteTo(d16, hn::LoadU(d8, a + at));
-    const auto vb = hn::PromoteTo(d16, hn::LoadU(d8, b + at));
-    const auto m = hn::PromoteTo(d16, hn::LoadU(d8, mask + at));
-    const auto sum = hn::Add(hn::Add(hn::Mul(va, hn::Sub(full, m)), hn::Mul(vb, m)), round);
-    return hn::DemoteTo(d8, hn::BitCast(i16, hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)))));
-  });
-  for (; x < count; ++x)
-    out[x] = mixedByMask(a[x], b[x], mask[x]);
-}
-
-void blendRow(const std::uint8_t* HWY_RESTRICT top, const std::uint8_t* HWY_RESTRICT alpha, int black,
-              std::uint8_t* HWY_RESTRICT row, int count) {
-  const hn::ScalableTag<std::uint16_t> d16;
-  const hn::Rebind<std::uint8_t, decltype(d16)> d8;
-  const hn::RebindToSigned<decltype(d16)> i16;
-  const int lanes = static_cast<int>(hn::Lanes(d16));
-  const auto full = hn::Set(d16, std::uint16_t{255});
-  const auto round = hn::Set(d16, std::uint16_t{128});
-  const auto none = hn::Set(d16, static_cast<std::uint16_t>(black));
-  int x = 0;
-  for (; x + lanes <= count; x += lanes) {
-    const auto a = hn::PromoteTo(d16, hn::LoadU(d8, alpha + x));
-    const auto u = hn::PromoteTo(d16, hn::LoadU(d8, row + x));
-    const auto t = hn::PromoteTo(d16, hn::LoadU(d8, top + x));
-    const auto sum = hn::Add(hn::Add(hn::Mul(u, hn::Sub(full, a)), hn::Mul(none, a)), round);
-    const auto dimmed = hn::ShiftRight<8>(hn::Add(sum, hn::ShiftRight<8>(sum)));
-    // Below zero it wraps to what is negative as a signed number.
-    hn::StoreU(hn::DemoteTo(d8, hn::BitCast(i16, hn::Sub(hn::Add(t, dimmed), none))), d8, row + x);
-  }
-  for (; x < count; ++x)
-    row[x] = blended(top[x], alpha[x], row[x], black);
-}
 
 void scaleRow(const std::uint8_t* HWY_RESTRICT row, const ColumnTable& table,
               std::uint8_t* HWY_RESTRICT out) {
@@ -147,10 +139,16 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace korvia {
 
+HWY_EXPORT(copyRowNonTemporal);
 HWY_EXPORT(mixRow);
 HWY_EXPORT(mixMaskedRow);
-HWY_EXPORT(blendRow);
+HWY_EXPORT(mixMaskedLitRow);
+HWY_EXPORT(blendPremultipliedRow);
 HWY_EXPORT(scaleRow);
+
+void copyRowNonTemporal(const std::uint8_t* from, std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(copyRowNonTemporal)(from, out, count);
+}
 
 void mixRow(const std::uint8_t* a, const std::uint8_t* b, int weight, std::uint8_t* out, int count) {
   HWY_DYNAMIC_DISPATCH(mixRow)(a, b, weight, out, count);
@@ -161,8 +159,14 @@ void mixMaskedRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8
   HWY_DYNAMIC_DISPATCH(mixMaskedRow)(a, b, mask, out, count);
 }
 
-void blendRow(const std::uint8_t* top, const std::uint8_t* alpha, int black, std::uint8_t* row, int count) {
-  HWY_DYNAMIC_DISPATCH(blendRow)(top, alpha, black, row, count);
+void mixMaskedLitRow(const std::uint8_t* a, const std::uint8_t* b, const std::uint8_t* mask,
+                     const std::int8_t* light, std::uint8_t* out, int count) {
+  HWY_DYNAMIC_DISPATCH(mixMaskedLitRow)(a, b, mask, light, out, count);
+}
+
+void blendPremultipliedRow(const std::uint8_t* top, const std::uint8_t* alpha, int black, std::uint8_t* row,
+                           int count) {
+  HWY_DYNAMIC_DISPATCH(blendPremultipliedRow)(top, alpha, black, row, count);
 }
 
 void scaleRow(const std::uint8_t* row, const ColumnTable& table, std::uint8_t* out) {

@@ -35,7 +35,7 @@ void sampleScalar(const PlaneView& plane, const std::int32_t* x, const std::int3
     out[i] = sampleAt(plane, x[i], y[i]);
 }
 
-/// Bits that a sum over the four nodes has more than a coordinate.
+/// Fraction bits that a sum over the four nodes has more than a coordinate.
 inline int bentShift(const BentRow& bent) {
   return 2 * bent.cellBits + bent.fractionBits - kSampleFractionBits;
 }
@@ -78,11 +78,12 @@ void sampleBentRow(const BentTarget* targets, int targetCount, int y, const Bent
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// As many points as are looked up at a time: the vectors before and after must not wait for single stores.
+// Points that are looked up at a time, so that the vector loads after the look-ups do not wait for the
+// single stores just before.
 constexpr int kBlock = 256;
 
-/// The points of a block: the upper left of the four samples around each, and the weights of the right and
-/// the lower ones.
+/// A block of points: the offset of the upper left of the four samples around each, and the weights of the
+/// right and the lower ones.
 struct PointBlock {
   HWY_ALIGN std::array<std::int32_t, kBlock> offsets;
   HWY_ALIGN std::array<std::int32_t, kBlock> weightsX;
@@ -91,13 +92,14 @@ struct PointBlock {
   HWY_ALIGN std::array<std::uint16_t, kBlock> lower;
 };
 
-/// Puts points that lie inside a plane into a block.
+/// Writes points inside a plane into a block.
 template <typename D>
 class PointWriter {
  public:
   using V = hn::Vec<D>;
 
-  // The last sample is the right one of its pair, with all the weight, so that no pair leaves the plane.
+  // The last column is read as the right sample of a pair with full weight, so that no pair leaves the
+  // plane.
   explicit PointWriter(const PlaneView& plane)
       : lastColumn_(hn::Set(D(), plane.width - 2)),
         lastLine_(hn::Set(D(), plane.height - 2)),
@@ -189,10 +191,10 @@ void sampleRow(const PlaneView& plane, const std::int32_t* HWY_RESTRICT x, const
   sampleScalar(plane, x + whole, y + whole, out + whole, count - whole);
 }
 
-/// The displacements of a block along one axis, as sums over the nodes above and below.
+/// The displacements of a block along one axis, already interpolated between the node rows above and below.
 template <int kCellBits>
 struct NodeBlock {
-  // Vectors of nodes begin at any node, and the last ones end behind it.
+  // A vector of nodes may begin at any node, so the last ones are read past the end.
   static constexpr int kSpare = 32;
   HWY_ALIGN std::array<std::int32_t, (kBlock >> kCellBits) + 1 + kSpare> values{};
 
@@ -222,7 +224,7 @@ void sampleBent(const BentTarget* targets, int targetCount, int y, const BentRow
   const auto endY = hn::Set(d32, (plane.height - 1) << kSampleFractionBits);
   const auto line = hn::Set(d32, y << kSampleFractionBits);
   const auto lane = hn::Iota(d32, 0);
-  // A vector may hold several cells, or a cell several vectors.
+  // A vector may cover several cells, or a cell several vectors.
   const auto nodeOfLane = hn::IndicesFromVec(d32, hn::ShiftRight<kCellBits>(lane));
   const auto inFirstCell = hn::And(lane, hn::Set(d32, kInCell));
   const auto mirror = [&](V place, V end) HWY_ATTR {

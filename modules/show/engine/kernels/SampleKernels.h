@@ -1,4 +1,4 @@
-// Reads a plane at any points: the loop behind distortions, rotations and blurs. Pure functions, any thread.
+// Samples a plane at arbitrary points, for distortions, rotations and blurs. Pure functions, any thread.
 #pragma once
 #include <cstdint>
 
@@ -6,18 +6,18 @@
 
 namespace korvia {
 
-/// Coordinates of samples are fixed point with this many fraction bits; a sample lies at its whole number.
+/// Coordinates are fixed point with this many fraction bits; a sample lies at its integer coordinates.
 inline constexpr int kSampleFractionBits = 8;
 inline constexpr int kSampleOne = 1 << kSampleFractionBits;
 
-/// out[i] = the plane at (x[i], y[i]), bilinear between its four neighbours, rounded; points outside take the
-/// nearest edge. A whole point gives exactly its sample. Coordinates are in 1/256 sample, from -2^30 to 2^30.
+/// out[i] = the plane at (x[i], y[i]), bilinear, rounded; points outside take the nearest edge. A point
+/// without a fraction gives exactly its sample. Coordinates are in 1/256 sample, from -2^30 to 2^30.
 void sampleRow(const PlaneView& plane, const std::int32_t* x, const std::int32_t* y, std::uint8_t* out,
                int count);
 
-/// Displacements of the samples of one row. They are given at nodes `1 << cellBits` samples apart, from
-/// sample 0 on, in the node rows above and below, and are linear between the four nodes around a sample. All
-/// four arrays can be read for 16 nodes more than the row has.
+/// The displacements of the samples of one row. They are given at nodes `1 << cellBits` samples apart, from
+/// sample 0 on, in the node rows above and below, and are interpolated linearly between the four nodes
+/// around a sample. All four arrays can be read for 16 nodes more than the row has.
 struct BentRow {
   const std::int32_t* upperX = nullptr;
   const std::int32_t* upperY = nullptr;
@@ -25,7 +25,7 @@ struct BentRow {
   const std::int32_t* lowerY = nullptr;
   /// 2 or 3.
   int cellBits = 3;
-  /// How many rows this one lies below the upper node row, less than a cell.
+  /// Distance of this row from the upper node row, less than a cell.
   int down = 0;
   /// The unit of the displacements is 1 / (1 << fractionBits) sample, from 1/256 on. No displacement exceeds
   /// 2^24 units.
@@ -38,9 +38,9 @@ struct BentTarget {
   std::uint8_t* out = nullptr;
 };
 
-/// For each target, out[i] = its plane at (i, y) moved by the displacement of sample i, bilinear and rounded
-/// as in sampleRow. Points outside are mirrored at the edges, and those further out than one picture take the
-/// far edge. All planes have the same size and stride: places are computed once.
+/// For each target, out[i] = its plane at (i, y) plus the displacement of sample i, bilinear and rounded as
+/// in sampleRow(). Points outside are mirrored at the edges; those farther out than one picture take the far
+/// edge. All planes have the same size and stride, so the coordinates are computed once.
 void sampleBentRow(const BentTarget* targets, int targetCount, int y, const BentRow& bent, int count);
 
 }  // namespace korvia

@@ -1,18 +1,18 @@
-// Where each sample of a shrunk row comes from: the part of the row that the sample covers, as three
-// neighbours and their weights. Made anew for every frame of a movement, hence in memory of the caller. Pure
+// The source of each sample of a shrunk row: the part of the row that it covers, as three neighbours and
+// their weights. It changes with every frame of a movement, so it is written into memory of the caller. Pure
 // functions, any thread.
 #pragma once
 #include <cstdint>
 
 namespace korvia {
 
-/// Samples of two windows of sixteen each, up to eight of each window.
+/// Up to eight samples from each of two windows of sixteen.
 struct alignas(32) ShrinkGroup {
   static constexpr int kHalves = 2;
   static constexpr int kLanes = 8;  ///< of a half
   static constexpr int kWindow = 16;
   static constexpr int kTaps = 3;
-  /// Beside an index, where a look-up of bytes takes it for a zero.
+  /// Set in an index, so that a look-up of bytes gives zero for the upper byte.
   static constexpr int kZeroAbove = 0x8000;
 
   std::uint16_t index[kHalves * kLanes];        ///< first neighbour in the window, and kZeroAbove
@@ -28,8 +28,8 @@ struct RowPart {
   double end = 0;
 };
 
-/// The samples that a part covers, as whole numbers of 1/4096 sample. At least one such step long and inside
-/// 0 to `length` samples, which is positive.
+/// The samples that a part covers, in whole 1/4096 samples. The part is at least one such step long and lies
+/// within 0 to `length` samples, which is positive.
 struct CoveredPart {
   static constexpr int kBits = 12;
   static constexpr int kOne = 1 << kBits;
@@ -41,14 +41,13 @@ struct CoveredPart {
   int length() const { return end - begin; }
   int first() const { return begin >> kBits; }
   int last() const { return (end - 1) >> kBits; }
-  /// How much of one sample is covered.
+  /// The covered part of one sample.
   int of(int sample) const;
 };
 
-/// Fills `groups`, which has room for one of them for each of the `count` samples, and returns how many it
-/// used. The sample number i is the mean of the row from `begin` + i * `step` on, one `step` long, as far as
-/// that lies in 0 to `length`; `step` at most 2. The row has `samples` of them, sixteen at least; beyond
-/// those lies the last one.
+/// Fills `groups`, which has room for `count` groups, and returns the number used. Sample i is the mean of
+/// the row over one `step` from `begin` + i * `step` on, limited to 0 to `length`; `step` is at most 2. The
+/// row has `samples` of them, at least sixteen; the last one is repeated.
 int fillShrinkGroups(double begin, double step, double length, int samples, int count, ShrinkGroup* groups);
 
 }  // namespace korvia

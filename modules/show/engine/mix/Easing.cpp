@@ -13,7 +13,7 @@ namespace {
 
 using Curves = std::array<QEasingCurve, kEasingCount>;
 
-// Made once: making a curve allocates, and a fade asks at every frame.
+// Made once, because making a curve allocates and a fade needs one at every frame.
 const Curves& curves() {
   static const Curves all = [] {
     Curves made;
@@ -33,7 +33,7 @@ double easedProgress(int code, double progress) {
     return 1;
   if (code < 0 || code >= kEasingCount)
     code = QEasingCurve::Linear;
-  // The exponential curves of Qt leave the range by a thousandth.
+  // The exponential curves of Qt leave the range by up to a thousandth.
   return std::clamp(curves()[static_cast<std::size_t>(code)].valueForProgress(progress), 0.0, 1.0);
 }
 

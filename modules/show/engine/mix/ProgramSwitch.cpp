@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Chance.h"
 #include "Easing.h"
+#include "SeededRandom.h"
 
 namespace korvia {
 
@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kDurationMax = 600;
 
-// Exactly 1 is the end of a take and is reported by nothing else; some curves get there early.
+// Exactly 1 reports the end of a take and nothing else; some curves reach 1 earlier.
 const float kPositionMax = std::nextafter(1.0F, 0.0F);
 
 }  // namespace
@@ -25,7 +25,7 @@ void ProgramSwitch::take(const Take& take, double framesPerSecond) {
   if (isRunning() && take.to == take_.to && mode_ == Mode::Auto)
     return;
   if (mode_ == Mode::Lever && take.to == take_.to && transition()) {
-    // Half through one effect the picture would jump with another; only a cut may.
+    // Another effect in the middle of a take would make the picture jump.
     start_ = position_;
     take_.duration = take.duration;
     take_.easing = take.easing;
@@ -84,8 +84,9 @@ void ProgramSwitch::abandon() {
 
 void ProgramSwitch::begin(const Take& take) {
   take_ = take;
-  // Drawn from the count, so that each take has chances of its own and a show can be told again.
-  seed_ = scattered(++takeCount_);
+  // The seed depends on the number of takes alone, so that a show gives the same pictures when it is
+  // repeated.
+  seed_ = hashBits(++takeCount_);
 }
 
 void ProgramSwitch::setPosition(double position) {

@@ -1,5 +1,5 @@
-// Runs the take on the program bus: from which channel to which, with which effect, how far. Driven by takes
-// and by the lever, stepped once a frame. Engine thread.
+// Runs the take on the program bus: from which channel to which, with which effect, and how far it is.
+// Driven by takes and by the lever, stepped once a frame. Engine thread.
 #pragma once
 #include <QtGlobal>
 
@@ -23,35 +23,35 @@ class ProgramSwitch {
   struct Outcome {
     bool moved = false;
     float position = 0;
-    /// Not 0: this channel is on program now.
+    /// The channel that is on program now; 0 when none was taken.
     int taken = 0;
   };
 
-  /// Begins a take at this frame. The same target again lets a running take go on, and lets one that the
-  /// lever began run on by itself from where it stands, with the effect that it has. Another target must wait
-  /// until finish() was called.
+  /// Begins a take at this frame. For the same target a running automatic take goes on, and a take that the
+  /// lever began continues automatically from its position with its own effect. For another target finish()
+  /// must be called first.
   void take(const Take& take, double framesPerSecond);
-  /// The lever stands at `position`, 0 to 1, between the two channels. At 1 the take is done, at 0 given up.
+  /// The lever is at `position`, 0 to 1, between the two channels. 1 completes the take, 0 abandons it.
   void moveLever(float position, int from, int to);
   /// Steps a running take by whole frames.
   void step(int frames);
-  /// Ends a running take at its target at once.
+  /// Completes a running take at once.
   void finish();
-  /// Gives a running take up: program stays where it was.
+  /// Abandons a running take: program stays on the channel from which it began.
   void abandon();
 
   bool isRunning() const { return mode_ != Mode::Idle; }
-  /// A take came to its end and has not been handed over yet.
+  /// A take is complete and takeOutcome() was not called yet.
   bool isDone() const { return outcome_.taken != 0; }
   int from() const { return take_.from; }
   int to() const { return take_.to; }
-  /// 0 to 1, eased, and the seed of the take that is running.
+  /// The eased position, 0 to 1, and the seed of the running take.
   MixPoint point() const { return {position_, seed_}; }
   double position() const { return position_; }
   /// Null for a cut.
   const Transition* transition() const;
 
-  /// Hands over what is to be reported and forgets it.
+  /// Returns what has to be reported and resets it.
   Outcome takeOutcome();
 
  private:

@@ -1,5 +1,5 @@
-// A transition makes one picture of two. Its objects are immutable and live as long as the program; what they
-// need from one frame to the next lies in the scratch. Engine thread.
+// A transition mixes two pictures into one. Its objects are immutable and live as long as the program; what
+// they keep from frame to frame lies in the scratch. Engine thread.
 #pragma once
 #include <cstdint>
 
@@ -8,7 +8,7 @@
 
 namespace korvia {
 
-/// How far a take is, and what its chance is drawn from.
+/// How far a take is, and the seed of its random numbers.
 struct MixPoint {
   /// 0 (all `from`) to 1 (all `to`), both included.
   double position = 0;
@@ -19,10 +19,10 @@ struct MixPoint {
 class Transition {
  public:
   virtual ~Transition() = default;
-  /// The picture at `point`. Any order of positions: the lever moves both ways. At 0 the picture is `from`
-  /// and at 1 `to`, to the bit, by the transition's own arithmetic, so that nothing jumps beside the ends.
-  /// All three frames have the same size, of one pixel at least, and no alpha. Inputs may be read up to the
-  /// last sample of their last row, no further.
+  /// The mix at `point`. Positions come in any order, since the lever moves both ways. At 0 the mix is
+  /// `from` and at 1 it is `to`, to the bit, by the arithmetic of the transition itself, so that nothing
+  /// jumps near the ends. All three frames have the same size, at least one pixel, and no alpha. Inputs may
+  /// be read up to the last sample of their last row, not further.
   virtual void mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                    Frame& out) const = 0;
 };

@@ -4,7 +4,6 @@
 #include <memory>
 
 #include "engine/mix/blurs/Blurs.h"
-#include "engine/mix/blurs/Pixelate.h"
 #include "engine/mix/colors/Colors.h"
 #include "engine/mix/distortions/Distortions.h"
 #include "engine/mix/fades/CrossFade.h"

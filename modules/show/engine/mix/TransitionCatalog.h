@@ -1,4 +1,4 @@
-// Number of an effect to the transition that draws it. Any thread.
+// Finds the transition of an effect number. Any thread.
 #pragma once
 #include "engine/mix/Transition.h"
 
@@ -9,8 +9,8 @@ inline constexpr int kEffectFade = 22;
 /// Effects are numbered below this.
 inline constexpr int kEffectCount = 80;
 
-/// The transition of an effect number, of static life; null for a cut, which is also what a number without a
-/// transition is.
+/// The transition of an effect number, with static lifetime; null for a cut and for numbers without a
+/// transition.
 const Transition* transitionFor(int effect);
 
 }  // namespace korvia

@@ -1,5 +1,5 @@
-// Memory that transitions work in, kept from frame to frame so that a take allocates at its first frame only.
-// Engine thread.
+// Working memory of the transitions, kept from frame to frame, so that a take allocates at its first frame
+// only. Engine thread.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -15,21 +15,21 @@ class TransitionScratch {
   static constexpr int kFrameCount = 4;
   static constexpr int kBufferCount = 8;
 
-  /// A frame of that size without alpha, of undefined content, the same one at each call with the same
-  /// arguments. Places 0 to 3.
+  /// A frame of that size without alpha and with undefined content; the same one for the same arguments.
+  /// Places 0 to 3.
   Frame& frame(int place, FrameSize size);
 
-  /// `count` values of undefined content, aligned for vectors, the same ones at each call that wants no more.
-  /// Places 0 to 7; T is plain data.
+  /// Memory for `count` values with undefined content, aligned for vectors; the same one as long as it is
+  /// large enough. Places 0 to 7; T is a trivial type.
   template <typename T>
   T* buffer(int place, std::size_t count) {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
     return reinterpret_cast<T*>(bytes(place, count * sizeof(T)));
   }
 
-  /// A table that is made once per owner, size and seed: `fill(T* table)` writes its `count` values when the
-  /// last one kept was another. One table is kept, and the owner is known by its address: it must outlive the
-  /// scratch.
+  /// A table that is computed once for each owner, size and seed: `fill(T* table)` writes its `count` values
+  /// when the kept table has another key. One table is kept. The owner is identified by its address, so it
+  /// must outlive the scratch.
   template <typename T, typename Fill>
   const T* table(const void* owner, FrameSize size, std::uint32_t seed, std::size_t count, Fill&& fill) {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);

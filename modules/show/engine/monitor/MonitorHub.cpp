@@ -8,7 +8,7 @@ namespace korvia {
 
 namespace {
 
-/// The MonitorHub::Window of an object, -1 for one without a window.
+/// The MonitorHub::Window of an object; -1 for an object without a window.
 int windowOf(int objectId) {
   int index = 0;
   const int kind = getObjectKind(objectId, index);
@@ -87,7 +87,7 @@ void MonitorHub::commit() {
     for (int i = 0; i < WindowCount; ++i) {
       if (!staged_[i])
         continue;
-      // The last picture has not been fetched yet: a strip's is replaced, and counts as left out.
+      // The last picture was not fetched yet. Replacing it counts as a drop for a strip.
       if (slots_[i].next && i >= FirstMedia)
         dropped_.fetch_add(1, std::memory_order_relaxed);
       slots_[i].next = std::move(staged_[i]);
@@ -139,12 +139,13 @@ void MonitorHub::run() {
 void MonitorHub::showPictures(std::array<FrameRef, WindowCount>& pictures) {
   StageClock::Scope scope(stages_, StageClock::Monitors);
   for (int i = 0; i < WindowCount; ++i) {
-    // A picture that stands still stays on the screen by itself.
+    // An unchanged picture is still on the screen.
     if (pictures[i] && surfaces_[i] && (pictures[i] != shown_[i] || surfaces_[i]->isLost()))
       surfaces_[i]->show(*pictures[i]);
     if (pictures[i])
       shown_[i] = std::move(pictures[i]);
-    // Program and preview have been shown; when the next frame is here already, the strips wait for it.
+    // Program and preview are shown. When the next frame is here already, the strips of this one are
+    // dropped.
     pictures[i].reset();
     if (i + 1 >= FirstMedia && i + 1 < WindowCount && pictures[i + 1]) {
       std::lock_guard lock(mutex_);

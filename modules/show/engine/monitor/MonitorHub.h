@@ -1,5 +1,6 @@
-// All monitor windows. The engine thread leaves the newest picture of each window here; a thread of its own
-// scales and shows them. Strips give way first when that thread cannot keep up.
+// All monitor windows. The engine thread leaves the newest picture of each window here; the thread of this
+// class scales and shows them. When that thread cannot keep up, it drops the pictures of strips first.
+// Engine thread, except where a call says otherwise.
 #pragma once
 #include <array>
 #include <atomic>
@@ -18,7 +19,7 @@ namespace korvia {
 
 class MonitorHub {
  public:
-  /// Windows in the order in which they give way, last first.
+  /// The windows; the pictures of the last ones are dropped first.
   enum Window : int {
     Pgm = 0,
     Pvm = 1,
@@ -30,7 +31,7 @@ class MonitorHub {
 
   using MakeFactory = std::function<std::unique_ptr<MonitorSurfaceFactory>()>;
 
-  /// The time that each frame's pictures take is kept in `stages`, which must outlive the hub. `makeFactory`
+  /// `stages`, which must outlive the hub, gets the time that the pictures of each frame take. `makeFactory`
   /// is called on the monitor thread.
   explicit MonitorHub(StageClock& stages, MakeFactory makeFactory = createMonitorSurfaceFactory)
       : stages_(stages), makeFactory_(std::move(makeFactory)) {}
@@ -41,16 +42,16 @@ class MonitorHub {
   // Engine thread.
   void open(const tagKorviaShowWindowPackInfo& windows);
   void close();
-  /// The window of a bus, a channel or the karaoke has another size, or is another window. Nothing happens
-  /// for one without a handle and for an object without a window.
+  /// The window of a bus, a channel or the karaoke has a new size or is another window. Ignored without a
+  /// handle and for an object without a window.
   void resizeObject(int objectId, const tagKorviaWindowInfo& info);
   bool isShown(Window window) const { return wanted_[window]; }
-  /// Leaves a picture for a window. Nothing is done for a window that does not exist.
+  /// Sets the next picture of a window; ignored for a window that does not exist.
   void show(Window window, const FrameRef& picture);
-  /// All pictures of this frame are there: shows them.
+  /// Shows the pictures that were set for this frame.
   void commit();
 
-  /// Strip pictures that were left out. Any thread.
+  /// Strip pictures that were dropped. Any thread.
   qint64 droppedPictures() const { return dropped_.load(std::memory_order_relaxed); }
 
  private:

@@ -12,10 +12,10 @@ class MonitorSurface {
   virtual ~MonitorSurface() = default;
   /// The window changed its size.
   virtual void resize(const tagKorviaWindowInfo& window) = 0;
-  /// Shows the picture, centred, black around it.
+  /// Shows the picture letterboxed.
   virtual void show(const Frame& picture) = 0;
-  /// Whether what was shown last may not be on the screen any more, so that it must be shown again although
-  /// it did not change.
+  /// Whether the screen may have lost the last picture, so that it must be shown again although it did not
+  /// change.
   virtual bool isLost() const = 0;
 };
 
@@ -24,11 +24,11 @@ class MonitorSurfaceFactory {
  public:
   virtual ~MonitorSurfaceFactory() = default;
   virtual std::unique_ptr<MonitorSurface> create(const tagKorviaWindowInfo& window) = 0;
-  /// After the pictures of one frame: sends them off and waits until their memory is free again.
+  /// Called after the pictures of a frame: sends them and waits until their memory can be reused.
   virtual void flush() = 0;
 };
 
-/// X11 windows drawn straight with shared memory when the program runs on X11, widgets otherwise.
+/// Surfaces that draw into X11 windows directly when the program runs on X11, surfaces of widgets otherwise.
 std::unique_ptr<MonitorSurfaceFactory> createMonitorSurfaceFactory();
 
 }  // namespace korvia

@@ -11,10 +11,10 @@ namespace korvia {
 
 namespace {
 
-// Vectors may write this many samples past the end of a row.
+// Samples that the kernels may write past the end of a row.
 constexpr int kRowSlack = 64;
 
-/// Rows and the weight of the second, in 1/256, for row `y` of `to` rows made of `from` rows.
+/// The two source rows of row `y` and the weight of the second, in 1/256, when `from` rows become `to`.
 struct RowPair {
   int first;
   int second;
@@ -29,35 +29,35 @@ RowPair rowPair(int y, int from, int to) {
 
 }  // namespace
 
-// Halving by averaging is several times quicker than an area filter and leaves less than a factor of two for
-// the bilinear step, which then has nothing to alias.
-PictureScaler::PlaneView PictureScaler::halved(PlaneView plane, FrameSize size, Halves& halves) {
+// Halving by a box filter is several times faster than an area filter. It leaves less than a factor of two
+// for the bilinear step, which then does not alias.
+PlaneView PictureScaler::halved(PlaneView plane, FrameSize size, Halves& halves) {
   for (std::vector<std::uint8_t>& half : halves) {
-    const FrameSize next{plane.size.width / 2, plane.size.height / 2};
+    const FrameSize next{plane.width / 2, plane.height / 2};
     if (next.width < size.width || next.height < size.height)
       break;
     half.resize(static_cast<std::size_t>(next.width) * next.height + kRowSlack);
     libyuv::ScalePlane(plane.data, plane.stride, next.width * 2, next.height * 2, half.data(), next.width,
                        next.width, next.height, libyuv::kFilterBox);
-    plane = {half.data(), next.width, next};
+    plane = {half.data(), next.width, next.width, next.height};
   }
   return plane;
 }
 
 void PictureScaler::scaleRowOf(const PlaneView& plane, int y, FrameSize size, Row& row) {
-  const RowPair rows = rowPair(y, plane.size.height, size.height);
-  const std::uint8_t* first = plane.data + static_cast<std::ptrdiff_t>(rows.first) * plane.stride;
-  const std::uint8_t* second = plane.data + static_cast<std::ptrdiff_t>(rows.second) * plane.stride;
-  row.tall.resize(plane.size.width + kRowSlack);
+  const RowPair rows = rowPair(y, plane.height, size.height);
+  const std::uint8_t* first = plane.row(rows.first);
+  const std::uint8_t* second = plane.row(rows.second);
+  row.tall.resize(plane.width + kRowSlack);
   row.wide.resize(size.width + kRowSlack);
-  libyuv::InterpolatePlane(first, 0, second, 0, row.tall.data(), 0, plane.size.width, 1, rows.weight);
-  if (!row.columns.fits(plane.size.width, size.width))
-    row.columns = ColumnTable(plane.size.width, size.width);
+  libyuv::InterpolatePlane(first, 0, second, 0, row.tall.data(), 0, plane.width, 1, rows.weight);
+  if (!row.columns.fits(plane.width, size.width))
+    row.columns = ColumnTable(plane.width, size.width);
   if (row.columns.isUsable())
     scaleRow(row.tall.data(), row.columns, row.wide.data());
   else
-    libyuv::ScalePlane(row.tall.data(), plane.size.width, plane.size.width, 1, row.wide.data(), size.width,
-                       size.width, 1, libyuv::kFilterBilinear);
+    libyuv::ScalePlane(row.tall.data(), plane.width, plane.width, 1, row.wide.data(), size.width, size.width,
+                       1, libyuv::kFilterBilinear);
 }
 
 void PictureScaler::toRgb(const Frame& picture, FrameSize size, std::uint8_t* pixels, int stride) {
@@ -65,10 +65,10 @@ void PictureScaler::toRgb(const Frame& picture, FrameSize size, std::uint8_t* pi
     return;
   PlaneView planes[3];
   for (int i = 0; i < 3; ++i)
-    planes[i] = halved({picture.plane(i), picture.stride(i), {picture.planeWidth(i), picture.planeHeight(i)}},
-                       size, halves_[i]);
+    planes[i] = halved(planeOf(picture, i), size, halves_[i]);
   for (int y = 0; y < size.height; ++y) {
-    // Chroma goes straight to the size of luma: that keeps more of it than a stop at half the size.
+    // Chroma is scaled to the full size in one step, which keeps more of it than an intermediate step at
+    // half the size.
     for (int i = 0; i < 3; ++i)
       scaleRowOf(planes[i], y, size, rows_[i]);
     rowToRgb(rows_[0].wide.data(), rows_[1].wide.data(), rows_[2].wide.data(),

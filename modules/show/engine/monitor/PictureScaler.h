@@ -1,10 +1,10 @@
-// Scales a frame to a monitor's size and turns it into RGB. Keeps its scratch pictures, so one instance a
-// window; one thread at a time.
+// Scales a frame to the size of a monitor and converts it to RGB. It keeps its intermediate pictures, so
+// each window has its own; one thread at a time.
 #pragma once
 #include <array>
 #include <vector>
 
-#include "engine/frame/Frame.h"
+#include "engine/frame/PlaneView.h"
 #include "engine/kernels/ColumnTable.h"
 
 namespace korvia {
@@ -15,12 +15,7 @@ class PictureScaler {
   void toRgb(const Frame& picture, FrameSize size, std::uint8_t* pixels, int stride);
 
  private:
-  struct PlaneView {
-    const std::uint8_t* data = nullptr;
-    int stride = 0;
-    FrameSize size;
-  };
-  /// One row on its way: at the new height, then at the new width.
+  /// A row that is scaled: at the new height, then at the new width.
   struct Row {
     ColumnTable columns;
     std::vector<std::uint8_t> tall;
@@ -35,7 +30,7 @@ class PictureScaler {
   std::array<Row, 3> rows_;
 };
 
-/// The largest rectangle of the picture's shape in the middle of a window: x, y, width, height, whole pixels.
+/// The largest rectangle with the aspect ratio of the picture in the middle of a window, in whole pixels.
 struct MonitorRect {
   int x = 0;
   int y = 0;

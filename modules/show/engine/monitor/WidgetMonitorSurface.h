@@ -1,5 +1,5 @@
-// Shows pictures on a widget through its slot setMonitorImage(QImage), for desktops where the engine cannot
-// draw into the window itself. Monitor thread; the widget is only touched on its own.
+// Shows pictures on a widget through its slot setMonitorImage(QImage), for desktops on which the engine
+// cannot draw into the window itself. Monitor thread; the widget is only used on its own thread.
 #pragma once
 #include <atomic>
 #include <memory>
@@ -23,7 +23,7 @@ class WidgetMonitorSurface final : public MonitorSurface {
   tagKorviaWindowInfo window_;
   bool lost_ = true;  // a widget that has a picture paints it again by itself
   PictureScaler scaler_;
-  // One picture may be under way to the widget; the next waits until that one has been taken.
+  // At most one picture is queued for the widget; others are dropped until it was taken.
   std::shared_ptr<std::atomic<bool>> underWay_ = std::make_shared<std::atomic<bool>>(false);
 };
 

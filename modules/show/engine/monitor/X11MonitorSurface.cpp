@@ -3,20 +3,19 @@
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
-#include <QLoggingCategory>
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
+
+#include "engine/EngineLog.h"
 
 namespace korvia {
 
 namespace {
 
-Q_LOGGING_CATEGORY(logMonitor, "korvia.monitor")
-
-// The size of a window is taken from the server itself, now and then: with scaled desktops it differs from
-// what the console counts in, and a hidden window tells nobody.
-constexpr int kLookInterval = 12;
+// Flushes between two queries of the window sizes. They come from the server, because with scaled desktops
+// they differ from the logical sizes of the console, and a hidden window sends no event.
+constexpr int kQueryInterval = 12;
 constexpr int kDepth = 24;
 
 template <typename Reply>
@@ -32,7 +31,7 @@ bool canDraw(xcb_connection_t* connection) {
   return screen && screen->root_depth == kDepth;
 }
 
-/// A new segment of shared memory that the display has attached as `segment`; null when it cannot.
+/// Makes a segment of shared memory and lets the display attach it as `segment`; null when that fails.
 void* shareWith(xcb_connection_t* connection, xcb_shm_seg_t segment, std::size_t bytes) {
   const int id = shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0600);
   if (id < 0)
@@ -41,7 +40,7 @@ void* shareWith(xcb_connection_t* connection, xcb_shm_seg_t segment, std::size_t
   const bool attached =
       memory != reinterpret_cast<void*>(-1) &&
       !ownReply(xcb_request_check(connection, xcb_shm_attach_checked(connection, segment, id, 0)));
-  // Marked now, the segment goes with its last user, also when the program is killed.
+  // Marked for removal now, the segment is freed with its last user, also when the program is killed.
   shmctl(id, IPC_RMID, nullptr);
   if (attached)
     return memory;
@@ -88,17 +87,17 @@ std::unique_ptr<MonitorSurface> X11MonitorSurfaceFactory::create(const tagKorvia
 }
 
 void X11MonitorSurfaceFactory::flush() {
-  if (++flushes_ % kLookInterval == 0) {
-    lookAtWindows();
+  if (++flushes_ % kQueryInterval == 0) {
+    queryWindows();
     return;
   }
-  // Any round trip will do: when the answer is here the server has read the shared pictures.
+  // Any round trip does: when the reply is here, the server has read the shared pictures.
   if (std::exchange(drawn_, false))
     ownReply(xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
   handleEvents();
 }
 
-void X11MonitorSurfaceFactory::lookAtWindows() {
+void X11MonitorSurfaceFactory::queryWindows() {
   struct Question {
     X11MonitorSurface* surface;
     xcb_get_geometry_cookie_t geometry;
@@ -125,7 +124,7 @@ void X11MonitorSurfaceFactory::lookAtWindows() {
   handleEvents();
 }
 
-// Errors of windows that are gone arrive here too and mean nothing more.
+// Errors about windows that no longer exist arrive here too and are ignored.
 void X11MonitorSurfaceFactory::handleEvents() {
   constexpr int kSentBit = 0x80;
   while (const auto event = ownReply(xcb_poll_for_event(connection_))) {
@@ -145,7 +144,7 @@ X11MonitorSurface::X11MonitorSurface(X11MonitorSurfaceFactory& factory, const ta
   const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
   const std::uint32_t values[] = {screen->black_pixel, 0};
   xcb_create_gc(connection_, context_, window_, XCB_GC_FOREGROUND | XCB_GC_GRAPHICS_EXPOSURES, values);
-  // Told of what the server could not keep: a window that was covered comes back empty.
+  // The server does not keep covered windows, so an expose event tells that a picture was lost.
   const std::uint32_t events = XCB_EVENT_MASK_EXPOSURE;
   xcb_change_window_attributes(connection_, window_, XCB_CW_EVENT_MASK, &events);
   factory_.surfaces_.push_back(this);
@@ -208,7 +207,7 @@ void X11MonitorSurface::putImage(const MonitorRect& rect) {
                       XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment_, 0);
     return;
   }
-  // A request has a largest length, in words of four bytes, so the picture goes in bands of rows.
+  // The length of a request is limited, in words of four bytes, so the picture is sent in bands of rows.
   const int rowBytes = size.width * 4;
   const std::int64_t room = std::int64_t{xcb_get_maximum_request_length(connection_)} * 4 -
                             static_cast<std::int64_t>(sizeof(xcb_put_image_request_t)) - 4;

@@ -1,6 +1,6 @@
-// Draws pictures straight into X11 windows over a connection of its own, so that monitors keep moving while
-// the console's thread is busy: with shared memory where the display can attach it, else through the
-// connection. Monitor thread.
+// Draws pictures directly into X11 windows over its own connection, so that monitors keep moving while the
+// console thread is busy. Uses shared memory where the display can attach it, else the connection. Monitor
+// thread.
 #pragma once
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
@@ -17,8 +17,8 @@ class X11MonitorSurface;
 
 class X11MonitorSurfaceFactory final : public MonitorSurfaceFactory {
  public:
-  /// Null with a log line when the display has no 24-bit colour. Whether the display can attach shared memory
-  /// is tried once here: it cannot in a container with an IPC name space of its own or on another machine.
+  /// Null, with a log line, when the display has no 24-bit colour. Tests once whether the display can attach
+  /// shared memory: it cannot on another machine or in a container with its own IPC namespace.
   static std::unique_ptr<X11MonitorSurfaceFactory> connect();
   ~X11MonitorSurfaceFactory() override;
 
@@ -30,8 +30,8 @@ class X11MonitorSurfaceFactory final : public MonitorSurfaceFactory {
   X11MonitorSurfaceFactory(xcb_connection_t* connection, bool sharesMemory)
       : connection_(connection), sharesMemory_(sharesMemory) {}
   void handleEvents();
-  /// Asks the server for the true size of all windows and whether they can be seen.
-  void lookAtWindows();
+  /// Gets the actual size and visibility of all windows from the server.
+  void queryWindows();
 
   xcb_connection_t* connection_;
   const bool sharesMemory_;

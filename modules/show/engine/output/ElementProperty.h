@@ -1,4 +1,4 @@
-// Properties of GStreamer elements as text, so that tables of them are data.
+// A property of a GStreamer element as text, for tables. A plain value, any thread.
 #pragma once
 
 namespace korvia {

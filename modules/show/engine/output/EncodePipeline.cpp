@@ -4,8 +4,8 @@
 
 #include <utility>
 
-#include "FrameBuffer.h"
-#include "engine/Handover.h"
+#include "FrameExport.h"
+#include "engine/HappensBefore.h"
 
 namespace korvia {
 
@@ -14,9 +14,9 @@ namespace {
 constexpr int kKeySeconds = 2;
 
 // The cheapest settings of x264 that keep CABAC, 8x8 transforms, deblocking and adaptive quantisation: about
-// a quarter of a core for 1080p25. Sub-pixel refinement at its lowest costs 0.05 dB and saves a sixth of the
-// time. Without B-frames no picture is reordered, so every fragment stands for itself. Cuts do not make key
-// frames, so that all GOPs have one length, which segments of a stream need.
+// a quarter of a core for 1080p25. Sub-pixel refinement at level 0 costs 0.05 dB and saves a sixth of the
+// time. Without B-frames no picture is reordered, so each fragment can be decoded on its own. Scene cuts do
+// not make key frames, so that all GOPs have the same length, which segments of a stream need.
 constexpr ElementProperty kEncoder[] = {
     {"pass", "cbr"},
     {"speed-preset", "superfast"},
@@ -43,8 +43,7 @@ guint keyInterval(const FrameRate& rate) {
                                                         static_cast<guint64>(rate.denominator)));
 }
 
-/// A stamp of a buffer as time since the first frame. The encoder shifts its stamps by 1000 hours, and its
-/// segment with them.
+/// The running time of a time stamp. The encoder shifts its stamps and its segment by 1000 hours.
 qint64 runningTime(const GstSegment* segment, GstClockTime stamp) {
   guint64 ns = 0;
   const int sign = gst_segment_to_running_time_full(segment, GST_FORMAT_TIME, stamp, &ns);
@@ -58,14 +57,14 @@ EncodePipeline::EncodePipeline(std::function<void(const Packet&)> onPacket, std:
 
 EncodePipeline::~EncodePipeline() {
   pipeline_.stop();
-  takeOver(this);
+  annotateHappensAfter(this);
 }
 
 bool EncodePipeline::open(const PictureEncoding& encoding) {
   encoding_ = encoding;
   if (!pipeline_.create("encode") || !link())
     return false;
-  handOver(this);
+  annotateHappensBefore(this);
   return pipeline_.play();
 }
 
@@ -81,7 +80,7 @@ bool EncodePipeline::link() {
   OutputPipeline::setProperties(encoder_, kEncoder);
   g_object_set(encoder_, "bitrate", static_cast<guint>(encoding_.kbps), "key-int-max",
                keyInterval(encoding_.rate), nullptr);
-  // Byte-stream carries the codec's headers with each key frame, so that a target can join there.
+  // Byte-stream format has the codec headers in each key frame, so that a target can join there.
   caps = gst_caps_new_simple("video/x-h264", "profile", G_TYPE_STRING, "high", "stream-format", G_TYPE_STRING,
                              "byte-stream", "alignment", G_TYPE_STRING, "au", nullptr);
   g_object_set(sink, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1U, "enable-last-sample",
@@ -101,7 +100,7 @@ void EncodePipeline::feed(const FrameRef& frame, qint64 index) {
   GstBuffer* buffer = wrapFrame(frame);
   const qint64 beginNs = encoding_.rate.nsOf(index);
   GST_BUFFER_PTS(buffer) = static_cast<GstClockTime>(beginNs);
-  // The difference of two stamps, so that rounding never adds up.
+  // The difference of two time stamps, so that rounding errors do not add up.
   GST_BUFFER_DURATION(buffer) = static_cast<GstClockTime>(encoding_.rate.nsOf(index + 1) - beginNs);
   inlet_.push(buffer);
 }
@@ -118,7 +117,7 @@ const std::shared_ptr<const TrackList>& EncodePipeline::tracksFor(GstCaps* caps)
 }
 
 GstFlowReturn EncodePipeline::onSample(GstAppSink* sink, gpointer self) {
-  const HandoverScope scope(self);
+  const HappensBeforeScope scope(self);
   auto* pipeline = static_cast<EncodePipeline*>(self);
   GstSample* sample = gst_app_sink_pull_sample(sink);
   if (!sample)

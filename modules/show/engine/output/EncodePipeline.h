@@ -1,5 +1,5 @@
-// The GStreamer side of a picture encoder: x264 between two queues of one thread. Used by the encoder's own
-// thread only; GStreamer's threads call the two functions, nothing else.
+// The GStreamer pipeline of a picture encoder: appsrc, x264enc, appsink. Used by the thread of the encoder
+// only; GStreamer threads call the two functions and nothing else.
 #pragma once
 #include <gst/app/gstappsink.h>
 
@@ -21,9 +21,9 @@ struct PictureEncoding {
 
 class EncodePipeline {
  public:
-  /// `onPacket` gets each packet, in decoding order, on the streaming thread, and holds up the encoder for as
-  /// long as it takes. `wake` is called from any thread when hasRoom(), isEnded() or hasFailed() may have
-  /// changed. Neither may call back into the pipeline.
+  /// `onPacket` gets each packet, in decoding order, on the streaming thread; the encoder waits for it.
+  /// `wake` is called from any thread when hasRoom(), isEnded() or hasFailed() may have changed. Neither may
+  /// call back into the pipeline.
   EncodePipeline(std::function<void(const Packet&)> onPacket, std::function<void()> wake);
   ~EncodePipeline();
   EncodePipeline(const EncodePipeline&) = delete;
@@ -31,13 +31,13 @@ class EncodePipeline {
 
   /// Builds and starts it. On failure false, with the reason in failure().
   bool open(const PictureEncoding& encoding);
-  /// Whether a frame can be fed without it being queued for long. Takes no lock.
+  /// Whether a frame can be fed without waiting long in a queue. Takes no lock.
   bool hasRoom() const { return inlet_.hasRoom(); }
   /// A frame of the encoding's size; the index makes its time stamp. Never blocks.
   void feed(const FrameRef& frame, qint64 index);
   /// The next frame that x264 takes becomes a key frame.
   void requestKeyFrame();
-  /// No more frames: isEnded() becomes true when all packets are out.
+  /// No more frames follow: isEnded() becomes true after the last packet.
   void endStream() { inlet_.end(); }
 
   bool isEnded() const { return pipeline_.isEnded(); }

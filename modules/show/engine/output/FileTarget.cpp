@@ -9,14 +9,14 @@
 
 #include "FragmentedFile.h"
 #include "MuxPipeline.h"
-#include "OutputLog.h"
 #include "RecordFileName.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 
 namespace {
 
-// Unbuffered, so that what is written is out of the process, whatever becomes of it.
+// Unbuffered, so that written data survives a crash of the process.
 const std::vector<ElementProperty> kFileSink = {
     {"buffer-mode", "unbuffered"}, {"sync", "false"}, {"enable-last-sample", "false"}};
 

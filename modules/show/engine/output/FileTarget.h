@@ -1,5 +1,5 @@
-// A recording: packets into a file of one of the containers. Made on any thread; its own thread does the
-// rest.
+// A recording: writes packets into a file of one of the containers. Made on any thread; its own thread does
+// the rest.
 #pragma once
 #include <functional>
 #include <memory>
@@ -14,7 +14,7 @@ struct FileSettings {
   QString folder;  ///< drive path or path of this machine
   QString name;    ///< file name without suffix, cleaned
   RecordContainer container = RecordContainer::of(EncapsulationMp4);
-  /// The file is closed in time when less than this is left on its disk.
+  /// The file is closed while at least this much space is left on its disk.
   qint64 minimumFreeBytes = 64LL * 1024 * 1024;
   /// Bytes free at a folder, negative when unknown. Called about once a second on the target's own thread.
   std::function<qint64(const QString& folder)> freeBytes;
@@ -23,7 +23,7 @@ struct FileSettings {
 
 class FileTarget : public Target {
  public:
-  /// Starts at once. The file appears when the target's thread has made it; a failure to do so is logged.
+  /// Starts at once. The thread of the target makes the file and logs a failure.
   explicit FileTarget(const FileSettings& settings);
 
   /// The recording that the request asks for; null when it asks for none.

@@ -10,8 +10,8 @@ namespace {
 constexpr int kHeadBytes = 8;
 constexpr int kLongHeadBytes = 16;
 
-/// Size of the box that begins with these bytes; 0 when it reaches to the end of the file, negative when the
-/// head is not all there or is none.
+/// Size of the box that begins with these bytes; 0 when it reaches to the end of the file; negative when the
+/// header is incomplete or invalid.
 qint64 boxBytes(const QByteArray& head) {
   if (head.size() < kHeadBytes)
     return -1;

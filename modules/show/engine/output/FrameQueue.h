@@ -1,4 +1,4 @@
-// A ring of frames that wait for an output, of a fixed capacity so that queueing never allocates. Not
+// A ring buffer of frames for an output, with a fixed capacity, so that queueing never allocates. Not
 // thread-safe: guarded by its owner.
 #pragma once
 #include <QtGlobal>

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "engine/Handover.h"
+#include "engine/HappensBefore.h"
 
 namespace korvia {
 
@@ -21,13 +21,13 @@ MuxPipeline::MuxPipeline(std::function<void()> wake) : pipeline_(std::move(wake)
 
 MuxPipeline::~MuxPipeline() {
   pipeline_.stop();
-  takeOver(this);
+  annotateHappensAfter(this);
 }
 
 bool MuxPipeline::open(const TrackList& tracks, const RecordContainer& container, const MuxSink& sink) {
   if (!pipeline_.create("target") || !link(tracks, container, sink))
     return false;
-  handOver(this);
+  annotateHappensBefore(this);
   return pipeline_.play();
 }
 
@@ -82,7 +82,7 @@ void MuxPipeline::endStream() {
 }
 
 GstPadProbeReturn MuxPipeline::onWritten(GstPad*, GstPadProbeInfo* info, gpointer self) {
-  const HandoverScope scope(self);
+  const HappensBeforeScope scope(self);
   static_cast<MuxPipeline*>(self)->bytesWritten_ += sizeOf(info);
   return GST_PAD_PROBE_OK;
 }

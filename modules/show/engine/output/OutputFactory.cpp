@@ -4,7 +4,8 @@
 #include <utility>
 
 #include "FileTarget.h"
-#include "OutputLog.h"
+#include "engine/EngineLog.h"
+#include "engine/ShowFormat.h"
 
 namespace korvia {
 
@@ -15,16 +16,14 @@ using TargetMaker = std::unique_ptr<Target> (*)(const OutputRequest& request);
 
 constexpr TargetMaker kTargetMakers[] = {FileTarget::create};
 
-constexpr int kMinSide = 16;
-constexpr int kMaxSide = 8192;
 constexpr FrameSize kDefaultSize{1920, 1080};
 constexpr int kDefaultKbps = 4096;
 constexpr int kMinKbps = 64;
 constexpr int kMaxKbps = 200000;
 
-// Chroma samples cover two pixels, so the encoder takes even sides only.
+// Chroma is subsampled by two, so the encoder takes even sides only.
 int usableSide(int side) {
-  return std::clamp(side, kMinSide, kMaxSide) / 2 * 2;
+  return std::clamp(side, kFrameSideMin, kFrameSideMax) / 2 * 2;
 }
 
 FrameSize encodedSize(const tagKorviaVideoFormat& video) {
@@ -32,7 +31,7 @@ FrameSize encodedSize(const tagKorviaVideoFormat& video) {
   return wanted.isEmpty() ? kDefaultSize : FrameSize{usableSide(wanted.width), usableSide(wanted.height)};
 }
 
-// The record's text field gives 0 for what is no number.
+// The text field of the record gives 0 for a text that is no number.
 int encodedKbps(int kbps) {
   return kbps <= 0 ? kDefaultKbps : std::clamp(kbps, kMinKbps, kMaxKbps);
 }

@@ -7,10 +7,10 @@
 
 namespace korvia {
 
-/// Why an output has nothing to send to.
+/// The reason when an output has no target.
 inline constexpr const char* kNoTarget = "streams are not available in this version";
 
-/// An output with all targets that the request asks for, or null with a log line for a slot that cannot run.
+/// An output with all targets of the request; null, with a log line, for a slot that cannot run.
 std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janitor& janitor);
 
 }  // namespace korvia

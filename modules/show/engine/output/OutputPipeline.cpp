@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "engine/Handover.h"
+#include "engine/HappensBefore.h"
 #include "engine/ThreadPriority.h"
 #include "engine/source/GstInit.h"
 
@@ -36,7 +36,7 @@ GstElement* OutputPipeline::add(const char* factory, const char* name) {
 }
 
 bool OutputPipeline::play() {
-  handOver(this);
+  annotateHappensBefore(this);
   if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE)
     return true;
   setFailure(QStringLiteral("the pipeline does not start"));
@@ -52,7 +52,7 @@ void OutputPipeline::stop() {
   gst_object_unref(bus);
   gst_object_unref(pipeline_);
   pipeline_ = nullptr;
-  takeOver(this);
+  annotateHappensAfter(this);
 }
 
 void OutputPipeline::setFailure(const QString& text) {
@@ -76,7 +76,7 @@ void OutputPipeline::addProbe(GstElement* element, const char* padName, GstPadPr
 }
 
 GstBusSyncReply OutputPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
-  const HandoverScope scope(self);
+  const HappensBeforeScope scope(self);
   batchStreamingThread(message);
   auto* pipeline = static_cast<OutputPipeline*>(self);
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {

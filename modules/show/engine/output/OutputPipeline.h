@@ -1,5 +1,5 @@
-// A GStreamer pipeline of an output: its elements, its end and what went wrong. Built and destroyed on one
-// thread; GStreamer's threads call the wake function, nothing else.
+// A GStreamer pipeline of an output with its elements, its end of stream and its failure. Made and destroyed
+// on one thread; GStreamer threads call the wake function and nothing else.
 #pragma once
 #include <gst/gst.h>
 
@@ -20,22 +20,22 @@ class OutputPipeline {
   OutputPipeline(const OutputPipeline&) = delete;
   OutputPipeline& operator=(const OutputPipeline&) = delete;
 
-  /// Starts GStreamer and makes an empty pipeline. False with the reason in failure(), as below.
+  /// Initialises GStreamer and makes an empty pipeline. On failure false, with the reason in failure().
   bool create(const char* name);
-  /// Makes an element and takes it into the pipeline; null when it is not installed.
+  /// Makes an element and adds it to the pipeline; null when it is not installed.
   GstElement* add(const char* factory, const char* name);
   bool play();
-  /// Stops without an end of the stream; blocks until the sink has taken what is being written. The
-  /// streaming threads are gone after it.
+  /// Stops without an end of stream. Blocks until the sink has written its current buffer; the streaming
+  /// threads have ended after that.
   void stop();
 
-  /// Any thread; the first text counts.
+  /// Any thread. The first text is kept.
   void setFailure(const QString& text);
   void wake() const { wake_(); }
 
   bool isEnded() const { return ended_; }
   bool hasFailed() const { return failed_; }
-  /// What went wrong, empty when nothing did.
+  /// The reason of the failure; empty without one.
   QString failure() const;
 
   template <typename Properties>
@@ -43,7 +43,7 @@ class OutputPipeline {
     for (const ElementProperty& property : properties)
       gst_util_set_object_arg(G_OBJECT(element), property.name, property.value);
   }
-  /// Watches the buffers and buffer lists that go through an element's static pad.
+  /// Adds a probe for the buffers and buffer lists of a static pad.
   static void addProbe(GstElement* element, const char* padName, GstPadProbeCallback callback, gpointer self);
 
  private:

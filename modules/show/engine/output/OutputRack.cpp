@@ -3,18 +3,18 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
 #include "OutputFactory.h"
-#include "OutputLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 
 namespace {
 
-// A little longer than a target may take to end; the janitor's next work waits for it.
+// A little longer than a target may take to end. The next job of the janitor waits for it.
 constexpr int kEndMs = 12'000;
 
 }  // namespace
 
-/// An output on its way to the janitor, which destroys it when its end is known.
+/// An output that ends: the janitor waits for its end, stores its report and destroys it.
 struct OutputRack::Ending {
   std::shared_ptr<OutputSlot> output;
   std::shared_ptr<Ledger> ledger;
@@ -88,7 +88,7 @@ void OutputRack::end(int slot) {
   std::shared_ptr<OutputSlot> output;
   int start = 0;
   {
-    // Both at once, so that reports() finds the output in one of the two.
+    // Under both locks, so that reports() finds the output in one of the two places.
     std::lock_guard lock(mutex_);
     std::lock_guard ledgerLock(ledger_->mutex);
     start = ledger_->starts[static_cast<std::size_t>(slot)];

@@ -1,5 +1,5 @@
-// The output slots: starts, feeds and ends what leaves the engine. Engine thread, but for isRunning(),
-// statistics() and reports().
+// The output slots: starts, feeds and ends the outputs. Engine thread, except isRunning(), statistics() and
+// reports().
 #pragma once
 #include <array>
 #include <memory>
@@ -30,23 +30,23 @@ class OutputRack {
   void close();
 
   // Events.
-  /// Starts the output of a slot, ending one that runs there. Nothing starts for a slot that does not exist
-  /// and before the show is open; the console gets its answer all the same.
+  /// Starts the output of a slot after ending one that runs there. Nothing starts for a slot that does not
+  /// exist or before the show is open; the console gets its answer in any case.
   void start(int slot, const tagKorviaShowOutputParam& param, const QString& programName,
              const tagKorviaFormatInfo& format);
-  /// `kind` goes back with the answer.
+  /// `kind` is returned in the answer.
   void stop(int slot, int kind);
 
-  /// One program frame, `count` times in a row.
+  /// Pushes one program frame `count` times.
   void push(const FrameRef& frame, int count);
 
   bool isRunning(int slot) const;
   void statistics(tagKorviaOutputStatistics& statistics) const;
-  /// What becomes of the newest output of each slot, also when it was stopped. Any thread.
+  /// The report of the newest output of each slot, also after its stop. Any thread.
   Reports reports() const;
 
  private:
-  /// What the outputs told at their ends; shared with those that still end when the rack is gone.
+  /// The final reports of the outputs; shared with outputs that still end when the rack is destroyed.
   struct Ledger {
     std::mutex mutex;
     Reports reports;                   // guarded by mutex

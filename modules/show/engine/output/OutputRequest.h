@@ -1,4 +1,4 @@
-// What an output slot is started with. A plain value.
+// The parameters with which an output slot is started. A plain value.
 #pragma once
 #include <QString>
 
@@ -12,7 +12,7 @@ struct OutputRequest {
   int slot = OutputSlotRecord;
   tagKorviaShowOutputParam param;
   QString programName;
-  /// Size of the encoded picture; its frame rate is not used, the show's is.
+  /// Size of the encoded picture. Its frame rate is ignored in favour of the show's.
   tagKorviaFormatInfo format;
   FrameRate rate;
 };

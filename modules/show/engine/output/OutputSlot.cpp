@@ -42,7 +42,7 @@ tagKorviaShowOutputReport OutputSlot::report() const {
     up = up || own.state == TargetState::Up || own.state == TargetState::Finishing;
     allEnded = allEnded && (own.state == TargetState::Failed || own.state == TargetState::Finished);
   }
-  // An output that ends without being asked has failed, whole as its file may be.
+  // An output that ends without a stop has failed, even if its file is complete.
   if (!encoder.failure.isEmpty() || (allEnded && (!stopped_ || !report.reason.isEmpty())))
     report.state = KorviaShowOutputState::Failed;
   else if (allEnded)

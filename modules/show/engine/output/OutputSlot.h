@@ -1,5 +1,5 @@
-// One output of the show: an encoder and the targets that take its packets. Engine thread, but for figures()
-// and waitFinished(); destroyed on the janitor's thread, since the end of a target may wait for a disk.
+// One output of the show: an encoder and the targets that get its packets. Engine thread, except figures()
+// and waitFinished(). Destroyed on the thread of the janitor, since the end of a target may wait for a disk.
 #pragma once
 #include <atomic>
 #include <memory>
@@ -25,19 +25,19 @@ class OutputSlot {
 
   /// All targets begin with the first frame.
   OutputSlot(EncoderSettings encoder, Targets targets, Janitor& janitor);
-  /// Finishes, and waits for the encoder and for all targets, these for a bounded time.
+  /// Finishes and waits for the encoder and for all targets, for these with a time-out.
   ~OutputSlot() = default;
   OutputSlot(const OutputSlot&) = delete;
   OutputSlot& operator=(const OutputSlot&) = delete;
 
   /// The next program frame: the n-th call makes the n-th time stamp. Never blocks.
   void pushFrame(const FrameRef& frame) { encoder_.pushFrame(frame, frames_++); }
-  /// Ends the output: what was pushed is encoded and written, and the targets end, in the background.
+  /// Ends the output: pushed frames are encoded and written, and the targets end, in the background.
   void finish();
-  /// Whether all targets have ended, by finish() or by themselves, waiting for it at most this long.
+  /// Waits until all targets have ended, by finish() or on their own. False after the time-out.
   bool waitFinished(int timeoutMs);
   OutputFigures figures() const;
-  /// What the console is told.
+  /// The report for the console.
   tagKorviaShowOutputReport report() const;
 
  private:

@@ -1,5 +1,5 @@
-// One encoded picture, or a stretch of encoded sound, on its way from an encoder to its targets. Immutable,
-// and shared by all targets without a copy. Any thread.
+// One encoded picture, or a piece of encoded sound, between an encoder and its targets. Immutable, and
+// shared by all targets without a copy. Any thread.
 #pragma once
 #include <gst/gst.h>
 
@@ -23,7 +23,7 @@ inline CapsRef holdCaps(GstCaps* caps) {
   return {caps, [](GstCaps* held) { gst_caps_unref(held); }};
 }
 
-/// What an encoder puts out on one track.
+/// One track of the output of an encoder.
 struct Track {
   enum class Kind { Picture, Sound };
 
@@ -37,17 +37,17 @@ struct Track {
 using TrackList = std::vector<Track>;
 
 struct Packet {
-  /// All tracks of the stream that the packet belongs to, so that a target knows them from its first packet.
+  /// All tracks of the stream, so that a target knows them from its first packet.
   std::shared_ptr<const TrackList> tracks;
   int track = 0;  ///< index into `tracks`
   BufferRef data;
   qint64 bytes = 0;  ///< of the data
-  /// Presentation and decoding time since the encoder's frame 0, or since a target's join. The stamps of the
-  /// buffer itself mean nothing.
+  /// Presentation and decoding time since frame 0 of the encoder, or since a target's join. The time stamps
+  /// of the buffer itself are not used.
   qint64 ptsNs = 0;
   qint64 dtsNs = 0;
   qint64 durationNs = 0;
-  /// Decoding may begin here: a key frame of the pictures. Never set on sound.
+  /// Decoding can begin here: a key frame. Never set for sound.
   bool keyFrame = false;
 
   bool isPicture() const { return (*tracks)[static_cast<std::size_t>(track)].kind == Track::Kind::Picture; }

@@ -1,5 +1,5 @@
-// Packets that wait for a target, bounded in bytes and in time. A queue that is full leaves a gap which ends
-// at a key frame, since the pictures between refer to what is missing. Not thread-safe: guarded by its owner.
+// Packets that wait for a target, bounded in bytes and in time. A full queue drops packets up to the next
+// key frame, since the pictures before it refer to dropped ones. Not thread-safe: guarded by its owner.
 #pragma once
 #include <deque>
 #include <utility>
@@ -17,7 +17,7 @@ class PacketQueue {
   /// Time from the beginning of the first packet to the end of the last.
   qint64 durationNs() const { return isEmpty() ? 0 : packets_.back().endNs() - packets_.front().ptsNs; }
 
-  /// False when the packet is left out: the queue is full, or was and no key frame has come since.
+  /// False when the packet is dropped: the queue is full, or was full and no key frame has come since.
   bool push(Packet packet) {
     if (inGap_ && !packet.keyFrame)
       return false;

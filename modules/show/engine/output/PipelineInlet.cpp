@@ -1,12 +1,12 @@
 #include "PipelineInlet.h"
 
-#include "engine/Handover.h"
+#include "engine/HappensBefore.h"
 
 namespace korvia {
 
 namespace {
 
-// One that is being worked on waits downstream; one more keeps that busy.
+// While one buffer is being processed downstream, one more waits to keep the pipeline busy.
 constexpr qint64 kWaitingBuffers = 2;
 
 }  // namespace
@@ -18,7 +18,7 @@ GstElement* PipelineInlet::create(const char* name, GstCaps* caps) {
   source_ = GST_APP_SRC(source);
   g_object_set(source, "format", GST_FORMAT_TIME, "caps", caps, nullptr);
   OutputPipeline::addProbe(source, "src", onTaken, this);
-  handOver(this);
+  annotateHappensBefore(this);
   return source;
 }
 
@@ -36,7 +36,7 @@ void PipelineInlet::end() {
 }
 
 GstPadProbeReturn PipelineInlet::onTaken(GstPad*, GstPadProbeInfo* info, gpointer self) {
-  const HandoverScope scope(self);
+  const HappensBeforeScope scope(self);
   auto* inlet = static_cast<PipelineInlet*>(self);
   inlet->taken_ += info->type & GST_PAD_PROBE_TYPE_BUFFER_LIST
                        ? gst_buffer_list_length(GST_PAD_PROBE_INFO_BUFFER_LIST(info))

@@ -1,5 +1,5 @@
-// Where buffers enter a pipeline: an appsrc, and a count of what waits in it. Used by the thread that feeds;
-// one inlet for each track.
+// The input of a pipeline: an appsrc and a count of the buffers that wait in it. Used by the thread that
+// feeds it; one for each track.
 #pragma once
 #include <gst/app/gstappsrc.h>
 
@@ -11,16 +11,17 @@ namespace korvia {
 
 class PipelineInlet {
  public:
-  /// The pipeline, which must be stopped before the inlet goes, is woken when hasRoom() may have changed.
+  /// The pipeline must be stopped before the inlet is destroyed. It is woken when hasRoom() may have
+  /// changed.
   explicit PipelineInlet(OutputPipeline& pipeline) : pipeline_(pipeline) {}
   PipelineInlet(const PipelineInlet&) = delete;
   PipelineInlet& operator=(const PipelineInlet&) = delete;
 
-  /// The element for the pipeline's first place, which the pipeline owns; null when it is not installed.
+  /// Makes the source element, which the pipeline owns; null when it is not installed.
   GstElement* create(const char* name, GstCaps* caps);
-  /// Whether a buffer can be pushed without it waiting for long. Takes no lock.
+  /// Whether a buffer can be pushed without waiting long. Takes no lock.
   bool hasRoom() const;
-  /// Takes over the buffer, whose stamps count from 0. Never blocks.
+  /// Takes ownership of the buffer, whose time stamps begin at 0. Never blocks.
   void push(GstBuffer* buffer);
   void end();
 

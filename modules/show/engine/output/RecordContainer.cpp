@@ -6,12 +6,12 @@ namespace korvia {
 
 namespace {
 
-// Fragments carry their own index, so a file that is never finalised plays to its last fragment; a clean stop
-// turns the file into an ordinary one with a single index.
+// Each fragment has its own index, so a file that is not finalised plays up to its last fragment. A clean
+// stop writes one index and makes it an ordinary file.
 const std::vector<ElementProperty> kFragments = {{"fragment-duration", "500"},
                                                  {"fragment-mode", "first-moov-then-finalise"}};
 
-// In the order of preference for an unknown number.
+// The first one is used for unknown numbers.
 const RecordContainer kContainers[] = {
     {EncapsulationMp4, "mp4", "mp4mux", 0, true, kFragments},
     {EncapsulationMov, "mov", "qtmux", 0, true, kFragments},

@@ -1,5 +1,5 @@
-// The file formats of a recording: which multiplexer writes them, and how, so that a file survives the end of
-// the process at any moment. Constant data, any thread.
+// The file formats of a recording: their muxers and their settings, chosen so that a file stays playable
+// when the process ends at any moment. Constant data, any thread.
 #pragma once
 #include <vector>
 
@@ -11,12 +11,12 @@ struct RecordContainer {
   int encapsulation;
   const char* suffix;  ///< of the file, without the dot
   const char* muxer;   ///< GStreamer element
-  /// Seconds between repeated stream headers: -1 with every key picture, 0 once in the file's own header.
+  /// Seconds between repeated stream headers: -1 with each key frame, 0 once in the header of the file.
   int headerInterval;
-  bool boxes;  ///< the file is a row of boxes, of which the last must be whole
+  bool boxes;  ///< the file consists of boxes, and its last one must be complete
   std::vector<ElementProperty> properties;
 
-  /// The format for a KorviaShowEncapsulation; mp4, the default of new records, for any other number.
+  /// The format of a KorviaShowEncapsulation; mp4, the default of new records, for other numbers.
   static const RecordContainer& of(int encapsulation);
 };
 

@@ -35,7 +35,7 @@ QString RecordFileName::make(const QString& nameFormat, const QString& timeForma
   const QString program = DrivePath::safeFileName(withDashes(programName));
   const QString timeText = withDashes(time.toString(timeFormat));
 
-  // Split before anything is filled in, so that a program called "${TIME}" stays what it is.
+  // Split before the replacements, so that a program named "${TIME}" keeps its name.
   QStringList parts = withDashes(nameFormat).split(kProgramName);
   int fixedBytes = 0;
   for (QString& part : parts) {
@@ -50,8 +50,7 @@ QString RecordFileName::make(const QString& nameFormat, const QString& timeForma
 QString RecordFileName::reserve(const QString& folder, const QString& name, const QString& suffix,
                                 QString* error) {
   const QString path = DrivePath::resolve(folder);
-  // A drive that this machine lacks would otherwise become a folder with back-slashes in the working
-  // directory.
+  // A drive that is not mapped would become a folder with backslashes in the working directory.
   if (!QDir::isAbsolutePath(path)) {
     *error = QStringLiteral("\"%1\" is no folder of this machine").arg(folder);
     return {};

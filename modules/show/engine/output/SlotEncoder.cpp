@@ -4,7 +4,7 @@
 #include <chrono>
 #include <utility>
 
-#include "OutputLog.h"
+#include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
 #include "engine/frame/FrameFit.h"
@@ -39,7 +39,7 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
       return;
     }
   }
-  // After the lock, so that the woken thread does not wait for it.
+  // After the lock is released, so that the woken thread does not wait for it.
   changed_.notify_all();
 }
 
@@ -90,7 +90,7 @@ SlotEncoder::Step SlotEncoder::step() {
     drained = queue_.isEmpty();
   }
 
-  // Without a target nobody takes the packets, and x264 holds many megabytes.
+  // Without a target the packets are not used, and x264 holds many megabytes.
   if (pipeline_ && !streamEnded_ && targets_.isEmpty())
     pipeline_.reset();
   if (pipeline_ && pipeline_->hasFailed()) {
@@ -157,7 +157,8 @@ void SlotEncoder::onPacket(const Packet& packet) {
 }
 
 void SlotEncoder::wake() {
-  // A test of the condition that is going on ends first, so that its thread does not miss the call.
+  // Taking the lock once makes sure that the waiting thread is not between its test and its wait, where it
+  // would miss the notification.
   { std::lock_guard lock(mutex_); }
   changed_.notify_all();
 }
@@ -186,7 +187,7 @@ void SlotEncoder::close(bool failed) {
   pipeline_.reset();
   if (failed)
     qCWarning(logOutput, "%s cannot be encoded : %s", qPrintable(settings_.label), qPrintable(reason_));
-  // The packets of all frames are with the targets now.
+  // All packets are delivered to the targets at this point.
   targets_.finishAll();
   std::lock_guard lock(mutex_);
   accepting_ = false;

@@ -1,6 +1,6 @@
-// The picture encoder of a slot: program frames in, packets out to any number of targets. It has its own
-// thread; when it cannot keep up it drops its own frames and never holds up the engine. Engine thread, but
-// for figures() and waitFinished().
+// The picture encoder of a slot: takes program frames and delivers packets to any number of targets. It has
+// its own thread. When it cannot keep up it drops frames and never blocks the engine. Engine thread, except
+// figures() and waitFinished().
 #pragma once
 #include <QElapsedTimer>
 #include <QString>
@@ -20,9 +20,9 @@ namespace korvia {
 struct EncoderSettings {
   QString label;  ///< in the log, as the subject of a sentence
   PictureEncoding picture;
-  /// Frames that may wait for the encoder: a second of the show, 75 MB of 1920x1080 at 25 frames a second.
+  /// Capacity of the queue: one second of the show, 75 MB for 1080p25.
   int queueCapacity = 25;
-  /// How long what was pushed may take to be encoded after the end.
+  /// Time-out for encoding the queued frames after finish().
   int finishTimeoutMs = 10000;
 };
 
@@ -36,27 +36,27 @@ struct EncoderFigures {
 
 class SlotEncoder {
  public:
-  /// Targets that leave are handed to the janitor.
+  /// The janitor destroys targets that leave.
   SlotEncoder(EncoderSettings settings, Janitor& janitor);
-  /// Finishes, and waits until what was pushed is encoded and queued with the targets.
+  /// Finishes and waits until all pushed frames are encoded and queued in the targets.
   ~SlotEncoder();
   SlotEncoder(const SlotEncoder&) = delete;
   SlotEncoder& operator=(const SlotEncoder&) = delete;
 
-  /// One program frame; `frameIndex` counts render frames from the start of the slot and makes the time
-  /// stamp. Never blocks. Without a target nothing is encoded.
+  /// Pushes one program frame. `frameIndex` counts render frames from the start of the slot and gives the
+  /// time stamp. Never blocks. Without a target nothing is encoded.
   void pushFrame(const FrameRef& frame, qint64 frameIndex);
 
-  /// A target joins at a key frame, which the encoder makes of the next frame.
+  /// Adds a target, which begins at a key frame; the encoder makes one of the next frame.
   void join(std::shared_ptr<Target> target) { targets_.join(std::move(target)); }
-  /// The target finishes with what it has got so far.
+  /// Removes a target, which finishes with the packets that it got.
   void leave(const Target& target) { targets_.leave(target); }
-  /// `next` begins at the key frame at which `last` ends: each frame is in exactly one of them.
+  /// Replaces `last` by `next` at a key frame: each frame is in exactly one of them.
   void replace(const Target& last, std::shared_ptr<Target> next) { targets_.replace(last, std::move(next)); }
 
-  /// Takes no more frames. Targets finish when they have all packets of what was pushed.
+  /// Takes no more frames. Targets finish when they have the packets of all pushed frames.
   void finish();
-  /// Whether all packets are with the targets after finish(), waiting for it at most this long.
+  /// Waits until all packets are delivered after finish(). False after the time-out.
   bool waitFinished(int timeoutMs);
   EncoderFigures figures() const;
 
@@ -70,14 +70,14 @@ class SlotEncoder {
   bool open();
   void onPacket(const Packet& packet);
   void wake();
-  /// Once a second: dropped frames, rates.
+  /// Called once a second: logs dropped frames and computes the rates.
   void measure();
   void close(bool failed);
 
   const EncoderSettings settings_;
   TargetList targets_;
 
-  // Of the encoder's own thread.
+  // Used on the thread of the encoder only.
   std::unique_ptr<FramePool> scaled_;
   QString reason_;
   bool streamEnded_ = false;
@@ -97,7 +97,7 @@ class SlotEncoder {
   bool finished_ = false;            // guarded by mutex_; the thread is about to end
   EncoderFigures figures_;           // guarded by mutex_; but for framesEncoded
 
-  // Of the encoder's own thread too; its streaming thread calls onPacket() and wake().
+  // Used on the thread of the encoder only; its streaming thread calls onPacket() and wake().
   std::unique_ptr<EncodePipeline> pipeline_;
   std::thread thread_;
 };

@@ -11,8 +11,8 @@
 #include <utility>
 
 #include "DrivePath.h"
-#include "FrameImage.h"
-#include "OutputLog.h"
+#include "FrameExport.h"
+#include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
 
@@ -20,11 +20,12 @@ namespace korvia {
 
 namespace {
 
-// Of QImageWriter: zlib's quickest level, a fifth of the default's time for a few per cent more bytes.
+// Quality of QImageWriter that selects the fastest level of zlib: a fifth of the time of the default for a
+// few per cent more bytes.
 constexpr int kPngQuality = 85;
 constexpr int kEndMs = 5000;
 
-/// The reason why not; empty when the file is there.
+/// Writes the file; returns the reason of a failure, else an empty text.
 QString writePng(const Frame& frame, const QString& path) {
   const QImage image = toImage(frame);
   if (image.isNull())

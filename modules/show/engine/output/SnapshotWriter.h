@@ -1,5 +1,5 @@
-// Writes frames as full-size PNG files on a thread of its own. Engine thread; nothing here waits for a disk
-// but flush() and the destructor, and these for a bounded time.
+// Writes frames as PNG files of full size on its own thread. Engine thread; only flush() and the destructor
+// wait for the disk, with a time-out.
 #pragma once
 #include <QString>
 #include <memory>
@@ -11,7 +11,7 @@ namespace korvia {
 
 class SnapshotWriter {
  public:
-  /// Pictures that may wait; a further one is refused.
+  /// Capacity of the queue; further pictures are refused.
   static constexpr int kQueueCapacity = 4;
 
   SnapshotWriter();
@@ -19,17 +19,17 @@ class SnapshotWriter {
   SnapshotWriter(const SnapshotWriter&) = delete;
   SnapshotWriter& operator=(const SnapshotWriter&) = delete;
 
-  /// Queues the picture. The folder is made; the file appears whole, in the place of one of the same name.
-  /// False, with a log line, when the queue is full or the frame is null. A failure to write is logged.
+  /// Queues the picture. The folder is made; the complete file replaces one of the same name. False, with a
+  /// log line, when the queue is full or the frame is null. A write error is logged.
   bool write(const FrameRef& frame, const QString& path);
-  /// Waits until all that was queued is written or has failed; false after the time-out.
+  /// Waits until all queued pictures are written or have failed; false after the time-out.
   bool flush(int timeoutMs = 5000);
 
  private:
   struct State;
   static void run(const std::shared_ptr<State>& state);
 
-  const std::shared_ptr<State> state_;  // outlives the writer when a disk never answers
+  const std::shared_ptr<State> state_;  // outlives the writer when the disk hangs
   std::thread thread_;
 };
 

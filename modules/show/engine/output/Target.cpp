@@ -3,8 +3,8 @@
 #include <cmath>
 #include <utility>
 
-#include "OutputLog.h"
 #include "TargetWorker.h"
+#include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
 
@@ -12,10 +12,10 @@ namespace korvia {
 
 namespace {
 
-// For what follows the end of the stream: closing the file and the thread's last steps.
+// Time for closing the file and ending the thread after the end of stream.
 constexpr int kCloseMs = 2000;
 
-/// Whole pictures between the end of the last one and this one.
+/// Number of whole pictures missing between `endNs` and the packet.
 qint64 framesBetween(qint64 endNs, const Packet& packet) {
   if (packet.ptsNs <= endNs || packet.durationNs <= 0)
     return 0;
@@ -43,7 +43,7 @@ Target::~Target() {
     thread_.join();
     return;
   }
-  // A disk that never answers holds its thread for good; the rest of the engine goes on without it.
+  // A hanging disk blocks its thread for ever; the rest of the engine continues without it.
   qCWarning(logOutput, "%s does not end, left behind", qPrintable(share_->settings.label));
   thread_.detach();
 }
@@ -61,7 +61,7 @@ bool Target::push(const Packet& packet) {
     Packet own = packet;
     own.ptsNs -= *share_->originNs;
     own.dtsNs -= *share_->originNs;
-    // Sound from before the first picture.
+    // Sound before the first picture is dropped.
     if (own.ptsNs < 0)
       return true;
     const bool picture = own.isPicture();
@@ -74,7 +74,7 @@ bool Target::push(const Packet& packet) {
       return true;
     }
   }
-  // After the lock, so that the woken thread does not wait for it.
+  // After the lock is released, so that the woken thread does not wait for it.
   share_->changed.notify_all();
   return true;
 }

@@ -1,6 +1,7 @@
-// Where packets of an encoder go: a file, later streams. Each target has a bounded queue and a thread of its
-// own; one that is slow or hangs leaves out its own packets and goes on at a key frame. Nothing here waits
-// for a disk or a network except waitFinished() and the destructor. Any thread; push() on the encoder's.
+// The destination of the packets of an encoder: a file, later streams. Each target has a bounded queue and
+// its own thread. A slow or hanging target drops its own packets and continues at a key frame. Only
+// waitFinished() and the destructor wait for a disk or a network. Any thread; push() on the thread of the
+// encoder.
 #pragma once
 #include <QString>
 #include <memory>
@@ -14,10 +15,10 @@ namespace korvia {
 struct TargetSettings {
   QString label;                         ///< in the log, as the subject of a sentence
   const char* threadName = "kv-target";  ///< at most 15 characters
-  /// What may wait for a disk or a network that stalls.
+  /// Limits of the queue while a disk or a network stalls.
   qint64 queueBytes = 32LL * 1024 * 1024;
   qint64 queueNs = 10'000'000'000;
-  /// How long what was queued may take to be written after the end.
+  /// Time-out for writing the queued packets after finish().
   int finishTimeoutMs = 10000;
 };
 
@@ -45,20 +46,21 @@ struct TargetShare;
 
 class Target {
  public:
-  /// Starts at once: the writer is opened on the target's thread.
+  /// Starts at once: the thread of the target opens the writer.
   Target(TargetSettings settings, std::unique_ptr<TargetWriter> writer);
-  /// Finishes and waits for the end, a little longer than the settings' time-out at most; a thread that does
-  /// not end is left behind.
+  /// Finishes and waits for the end, at most a little longer than the time-out of the settings. A thread
+  /// that hangs is detached.
   virtual ~Target();
   Target(const Target&) = delete;
   Target& operator=(const Target&) = delete;
 
-  /// The next packet of the stream. What comes before the first key frame is ignored, and the stamps that the
-  /// writer sees begin at 0 with that key frame. Never blocks. False when the target takes no more packets.
+  /// Queues the next packet of the stream. Packets before the first key frame are ignored, and the time
+  /// stamps that the writer sees begin at 0 with that key frame. Never blocks. False when the target takes
+  /// no more packets.
   bool push(const Packet& packet);
-  /// Ends the target: what is queued is written and finalised in the background.
+  /// Ends the target: queued packets are written and the file is finalised in the background.
   void finish();
-  /// Whether it has finished or failed, waiting for it at most this long; with 0 it only asks.
+  /// Waits until it has finished or failed; false after the time-out. 0 returns at once.
   bool waitFinished(int timeoutMs);
   TargetFigures figures() const;
 

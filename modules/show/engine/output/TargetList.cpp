@@ -66,7 +66,7 @@ void TargetList::removeEntry(const Target* target) {
   janitor_.dispose(std::move(place->target));
   entries_.erase(place);
   count_ = entries_.size();
-  // The address may come back with another target.
+  // Another target may get the same address later.
   for (Entry& entry : entries_) {
     if (entry.replaced == target)
       entry.replaced = nullptr;

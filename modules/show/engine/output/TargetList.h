@@ -1,5 +1,6 @@
-// The targets of an encoder: who joins, leaves or takes over at a key frame, and the way of each packet to
-// all of them. Any thread; a call waits for the delivery of one packet at most, which only queues.
+// The targets of an encoder: lets targets join, leave or replace one another at a key frame, and delivers
+// each packet to all of them. Any thread; a call waits at most for the delivery of one packet, which only
+// queues it.
 #pragma once
 #include <atomic>
 #include <memory>
@@ -13,7 +14,7 @@ namespace korvia {
 
 class TargetList {
  public:
-  /// Targets that leave are handed to the janitor, since their destruction may wait for a disk.
+  /// The janitor destroys targets that leave, since their destruction may wait for a disk.
   explicit TargetList(Janitor& janitor) : janitor_(janitor) {}
   ~TargetList() { finishAll(); }
   TargetList(const TargetList&) = delete;
@@ -21,17 +22,18 @@ class TargetList {
 
   /// The target gets all packets from the next key frame on. After finishAll() it is finished at once.
   void join(std::shared_ptr<Target> target);
-  /// The target gets nothing more and finishes; nothing happens when it is not in the list.
+  /// The target gets no more packets and finishes; ignored when it is not in the list.
   void leave(const Target& target);
-  /// `next` joins, and at that same key frame `last` leaves: together they get every packet exactly once.
-  /// When `last` is gone by then, `next` joins alone.
+  /// `next` joins and `last` leaves at the same key frame: together they get each packet exactly once. When
+  /// `last` left before, `next` joins alone.
   void replace(const Target& last, std::shared_ptr<Target> next);
   /// Takes no lock.
   bool isEmpty() const { return count_ == 0; }
 
-  /// Whether a target waits for a key frame that nobody has asked for; the caller asks the encoder for it.
+  /// True when a target waits for a key frame that was not requested yet; the caller requests it from the
+  /// encoder.
   bool takeKeyRequest();
-  /// The encoder's next packet. A target that takes no more packets leaves.
+  /// Delivers the next packet of the encoder. A target that takes no more packets leaves.
   void deliver(const Packet& packet);
   /// The encoder has ended: all targets finish and leave.
   void finishAll();

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <utility>
 
-#include "OutputLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 
@@ -34,7 +34,8 @@ void TargetWorker::run() {
 
 bool TargetWorker::start() {
   const bool opened = writer_->open([share = share_.get()] {
-    // A test of the condition that is going on ends first, so that its thread does not miss the call.
+    // Taking the lock once makes sure that the waiting thread is not between its test and its wait, where it
+    // would miss the notification.
     { std::lock_guard lock(share->mutex); }
     share->changed.notify_all();
   });
@@ -93,7 +94,7 @@ TargetWorker::Step TargetWorker::step() {
 
 TargetWorker::Step TargetWorker::stepToEnd(bool drained, const QDeadlineTimer& deadline) {
   if (drained && !endAsked_) {
-    // A muxer that never saw a packet fails at its end.
+    // A muxer without any packet fails at the end of stream.
     if (packetsWritten_ == 0)
       return Step::Ended;
     writer_->end();

@@ -1,5 +1,5 @@
-// A target from its opened writer to its end, on the target's own thread. The encoder's side is Target; both
-// share a TargetShare, which outlives whichever ends first.
+// The work of a target on its own thread, from opening to closing the writer. Target is the side of the
+// encoder; both share a TargetShare, which lives until both have ended.
 #pragma once
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
@@ -45,9 +45,9 @@ class TargetWorker {
 
   bool start();
   Step step();
-  /// What follows when no more packets are accepted.
+  /// Called when no more packets are accepted.
   Step stepToEnd(bool drained, const QDeadlineTimer& deadline);
-  /// Once a second: the writer's own check, dropped frames.
+  /// Called once a second: lets the writer check, and logs dropped frames.
   void check(bool finishing);
   void close(bool failed);
 

@@ -1,5 +1,5 @@
-// What one kind of target does with its packets: open, write, end, close. Used on the target's own thread
-// only, which may hang in here without holding up anything but this target.
+// The operations of one kind of target: open, write, end, close. Called on the thread of the target only,
+// which may hang in them without blocking anything but this target.
 #pragma once
 #include <QString>
 #include <functional>
@@ -23,22 +23,22 @@ class TargetWriter {
 
   virtual ~TargetWriter() = default;
 
-  /// Called once, before any packet. `wake` is to be called, from any thread, when hasRoom() or progress()
-  /// may have changed. False with the reason in failure().
+  /// Called once, before any packet. `wake` must be called, from any thread, when hasRoom() or progress()
+  /// may have changed. On failure false, with the reason in failure().
   virtual bool open(Wake wake) = 0;
-  /// Where the packets go: a file or an address. Empty while there is none.
+  /// The file or address of the target; empty while there is none.
   virtual QString location() const = 0;
-  /// Whether a packet can be written without it being queued for long. Takes no lock.
+  /// Whether a packet can be written without waiting long in a queue. Takes no lock.
   virtual bool hasRoom() const = 0;
-  /// The first packet is a key frame with the time 0.
+  /// Writes a packet. The first one is a key frame with time 0.
   virtual void write(const Packet& packet) = 0;
-  /// No more packets: progress() becomes Ended when all are written. Only called after a packet.
+  /// No more packets follow: progress() becomes Ended when all are written. Only called after a packet.
   virtual void end() = 0;
   /// Takes no lock.
   virtual Progress progress() const = 0;
   virtual QString failure() const = 0;
-  /// Asked once a second; false, with a log line and the reason in failure(), ends the target in time for
-  /// what was queued.
+  /// Called once a second. False, with a log line and the reason in failure(), ends the target early enough
+  /// for the queued packets to be written.
   virtual bool mayGoOn() { return true; }
   virtual qint64 bytesWritten() const = 0;
   /// Called once, also when open() has failed: releases everything and logs the outcome.

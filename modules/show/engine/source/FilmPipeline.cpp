@@ -14,7 +14,7 @@
 
 #include "GstInit.h"
 #include "SourceLog.h"
-#include "engine/Handover.h"
+#include "engine/HappensBefore.h"
 #include "engine/ThreadPriority.h"
 
 namespace korvia {
@@ -162,7 +162,7 @@ FilmPipeline::~FilmPipeline() {
     gst_bus_set_sync_handler(bus, nullptr, nullptr, nullptr);
     gst_object_unref(bus);
     gst_object_unref(pipeline_);
-    takeOver(this);
+    annotateHappensAfter(this);
   }
   if (fd_ >= 0)
     ::close(fd_);
@@ -216,7 +216,7 @@ bool FilmPipeline::makePictureChain(QString& reason) {
 
   GstAppSinkCallbacks callbacks = {};
   callbacks.new_sample = [](GstAppSink* sink, gpointer self) -> GstFlowReturn {
-    const HandoverScope scope(self);
+    const HappensBeforeScope scope(self);
     if (GstSample* sample = gst_app_sink_pull_sample(sink)) {
       static_cast<FilmPipeline*>(self)->listener_.onPicture(sample);
       gst_sample_unref(sample);
@@ -224,7 +224,7 @@ bool FilmPipeline::makePictureChain(QString& reason) {
     return GST_FLOW_OK;
   };
   callbacks.eos = [](GstAppSink*, gpointer self) {
-    const HandoverScope scope(self);
+    const HappensBeforeScope scope(self);
     static_cast<FilmPipeline*>(self)->listener_.onEndOfStream();
   };
   gst_app_sink_set_callbacks(GST_APP_SINK(pictureSink_), &callbacks, this, nullptr);
@@ -233,7 +233,7 @@ bool FilmPipeline::makePictureChain(QString& reason) {
   gst_pad_add_probe(
       pad, static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH),
       [](GstPad*, GstPadProbeInfo* info, gpointer self) {
-        const HandoverScope scope(self);
+        const HappensBeforeScope scope(self);
         return static_cast<FilmPipeline*>(self)->onSinkProbe(info);
       },
       this, nullptr);
@@ -270,23 +270,23 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
   gst_bus_set_sync_handler(bus, &FilmPipeline::onMessage, this, nullptr);
   gst_object_unref(bus);
   g_signal_connect(decoder, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer self) {
-                     const HandoverScope scope(self);
+                     const HappensBeforeScope scope(self);
                      static_cast<FilmPipeline*>(self)->onPadAdded(pad);
                    }),
                    this);
   g_signal_connect(decoder, "pad-removed", G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer self) {
-                     const HandoverScope scope(self);
+                     const HappensBeforeScope scope(self);
                      static_cast<FilmPipeline*>(self)->onPadRemoved(pad);
                    }),
                    this);
   g_signal_connect(decoder, "no-more-pads", G_CALLBACK(+[](GstElement*, gpointer self) {
-                     const HandoverScope scope(self);
+                     const HappensBeforeScope scope(self);
                      static_cast<FilmPipeline*>(self)->onNoMorePads();
                    }),
                    this);
   g_signal_connect(decoder, "autoplug-continue",
                    G_CALLBACK(+[](GstElement*, GstPad* pad, GstCaps* caps, gpointer self) -> gboolean {
-                     const HandoverScope scope(self);
+                     const HappensBeforeScope scope(self);
                      return static_cast<FilmPipeline*>(self)->wantsDecoding(pad, caps);
                    }),
                    this);
@@ -301,7 +301,7 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
       nullptr);
   g_signal_connect(pipeline_, "deep-element-added",
                    G_CALLBACK(+[](GstBin*, GstBin*, GstElement* element, gpointer self) {
-                     const HandoverScope scope(self);
+                     const HappensBeforeScope scope(self);
                      static_cast<FilmPipeline*>(self)->onElementAdded(element);
                    }),
                    this);
@@ -309,7 +309,7 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
     reason = QStringLiteral("reader does not link");
     return false;
   }
-  handOver(this);
+  annotateHappensBefore(this);
   if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
     reason = QStringLiteral("file cannot be read");
     return false;
@@ -467,7 +467,7 @@ void FilmPipeline::onNoMorePads() {
 }
 
 GstBusSyncReply FilmPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
-  const HandoverScope scope(self);
+  const HappensBeforeScope scope(self);
   batchStreamingThread(message);
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_DURATION_CHANGED)
     static_cast<FilmPipeline*>(self)->listener_.onDurationChanged();

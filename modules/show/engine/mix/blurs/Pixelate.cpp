@@ -1,4 +1,4 @@
-#include "Pixelate.h"
+#include "Blurs.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,8 +7,7 @@
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/BlurKernels.h"
 #include "engine/kernels/RowKernels.h"
-#include "engine/mix/SmoothStep.h"
-#include "engine/mix/blurs/MixCourse.h"
+#include "engine/mix/Curves.h"
 #include "engine/mix/blurs/SmallPicture.h"
 
 namespace korvia {
@@ -18,22 +17,22 @@ namespace {
 /// Places in the scratch's buffers.
 enum Place { kFaded, kColumns, kUpper, kLower, kCoarse, kRow, kMask };
 
-/// Which blocks a frame is made of.
+/// The blocks at a position.
 struct Blocks {
-  /// Side in luma samples, a power of two; those that they fade into are twice as large.
+  /// Side of the smaller blocks in luma samples, a power of two; the larger ones have twice that side.
   int fine = 1;
-  /// Of the larger ones, 0 to 256.
+  /// Weight of the larger blocks, 0 to 256.
   int coarseWeight = 0;
 };
 
 Blocks blocksAt(double position, int height) {
   constexpr double kRowsInTheMiddle = 17;
   constexpr int kMostDoublings = 7;
-  // The smallest blocks pass fast and the largest stay for a while.
-  constexpr double kHaste = 1.9;
+  // An exponent above 1, so that the small sizes pass fast and the large ones stay longer.
+  constexpr double kExponent = 1.9;
   const int doublings =
       std::clamp(static_cast<int>(std::lround(std::log2(height / kRowsInTheMiddle))), 1, kMostDoublings);
-  const double depth = doublings * (1 - std::pow(1 - depthAt(position), kHaste));
+  const double depth = doublings * (1 - std::pow(1 - triangleAt(position), kExponent));
   const int whole = std::min(static_cast<int>(depth), doublings - 1);
   return {1 << whole, static_cast<int>(std::lround(256 * smoothStep((depth - whole - 0.2) / 0.6)))};
 }
@@ -58,7 +57,7 @@ class BlockPainter {
       mixRow(from_.row(y), to_.row(y), weight_, out.row(y), out.width);
   }
 
-  /// The fade itself and, with that weight of 256, blocks of two samples.
+  /// Draws the fade mixed with blocks of two samples, `blockWeight` 0 to 256.
   void paintSmallest(int blockWeight, const WritablePlane& out) {
     constexpr int kSide = 2;
     std::fill_n(mask_, out.width, static_cast<std::uint8_t>((blockWeight * 255 + 128) / 256));
@@ -73,7 +72,7 @@ class BlockPainter {
     }
   }
 
-  /// Blocks of `side` samples and, with that weight, those of twice the side.
+  /// Draws blocks of `side` samples mixed with blocks of twice that side, `coarseWeight` 0 to 256.
   void paint(int side, int coarseWeight, const WritablePlane& out) {
     const int count = (out.width + side - 1) / side;
     for (int top = 0; top < out.height; top += 2 * side) {
@@ -105,7 +104,8 @@ class BlockPainter {
   const std::uint8_t* fadedRow(int y) {
     if (weight_ == 0 || weight_ == 256)
       return weight_ == 0 ? from_.row(y) : to_.row(y);
-    // Off the vectors' boundary, so that the row is not written past the cache: it is read at once.
+    // mixRow() writes an unaligned row with ordinary stores. The row stays in the cache, from where it is
+    // read at once.
     mixRow(from_.row(y), to_.row(y), weight_, faded_ + 1, from_.width);
     return faded_ + 1;
   }
@@ -122,7 +122,7 @@ class BlockPainter {
       sums[whole] = std::accumulate(columns_ + whole * side, columns_ + from_.width, 0);
   }
 
-  /// Divides the sums of blocks of that many rows.
+  /// Divides the sums of blocks of `rows` rows by their number of samples.
   void toMeans(std::int32_t* sums, int side, int rows) const {
     const int whole = from_.width / side;
     const int half = side * rows / 2;

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kFractionBits = 4;
 
-/// Where a tap lies beside a sample, in 1/16 samples.
+/// Offset of a tap from its sample, in 1/16 sample.
 struct Offset {
   int x;
   int y;
@@ -31,7 +31,7 @@ Offsets offsetsFor(double radius) {
   return offsets;
 }
 
-/// Samples that a disk reads beyond a plane.
+/// Samples that a disk reads past each edge of a plane.
 int borderFor(double radius) {
   return static_cast<int>(std::ceil(radius)) + 2;
 }
@@ -41,7 +41,7 @@ std::size_t borderedCount(const PlaneView& plane, int border) {
   return (static_cast<std::size_t>(plane.width) + both) * (static_cast<std::size_t>(plane.height) + both);
 }
 
-/// The plane with `border` samples more on each side, all of them the nearest of its own.
+/// The plane with a border of repeated edge samples on each side.
 PlaneView bordered(const PlaneView& plane, int border, std::uint8_t* data) {
   const int width = plane.width + 2 * border;
   const int height = plane.height + 2 * border;

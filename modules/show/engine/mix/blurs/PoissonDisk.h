@@ -1,4 +1,5 @@
-// A disk of taps, no two of them close together: what a lens out of focus makes of a point. Engine thread.
+// A blur by a Poisson disk: taps in a circle with a minimum distance between them, like a lens out of focus.
+// Engine thread.
 #pragma once
 #include <array>
 
@@ -6,8 +7,8 @@
 
 namespace korvia {
 
-/// Half of the disk's taps, within the unit circle; the other half lies opposite, so that the blur moves
-/// nothing.
+/// Half of the disk's taps, within the unit circle. The other half is their point reflection, so that the
+/// blur does not move the picture.
 const std::array<PlanePoint, 32>& poissonHalfDisk();
 
 /// Radius of the largest disk, as a part of the picture's height.

@@ -4,8 +4,6 @@
 #include <array>
 #include <cstring>
 
-#include "engine/kernels/BlurKernels.h"
-
 namespace korvia {
 
 namespace {
@@ -19,11 +17,11 @@ ShrinkRows rowsFrom(const PlaneView& plane, int y) {
   return rows;
 }
 
-/// What a row of full size lies between.
+/// The two rows of the small picture around a row of the full size.
 struct RowPair {
   const std::uint8_t* upper;
   const std::uint8_t* lower;
-  /// Of 8.
+  /// Weight of the lower row, of 8.
   int lowerWeight;
 };
 
@@ -55,6 +53,12 @@ void shrinkFade(const Frame& from, const Frame& to, int weight, Frame& small) {
   }
 }
 
+Frame& smallFade(const Frame& from, const Frame& to, int weight, TransitionScratch& scratch) {
+  Frame& small = scratch.frame(kSmallFrame, smallSizeOf(from.size()));
+  shrinkFade(from, to, weight, small);
+  return small;
+}
+
 void enlargedRow(const PlaneView& small, int y, std::uint8_t* out, int width) {
   const RowPair rows = rowsAround(small, y);
   enlargeRow(rows.upper, rows.lower, rows.lowerWeight, small.width, out, width);
@@ -74,7 +78,7 @@ ColumnSpan spanBelowFull(const PlaneView& small, int y, int width) {
     ++begin;
   while (full(end - 1))
     --end;
-  // A small sample reaches half of its neighbours' columns.
+  // An enlarged sample reaches half-way into the columns of its neighbours.
   return {std::max((begin - 1) * kShrink, 0), std::min((end + 1) * kShrink, width)};
 }
 

@@ -6,6 +6,7 @@
 
 #include "engine/kernels/BlurKernels.h"
 #include "engine/kernels/SampleKernels.h"
+#include "engine/mix/Curves.h"
 
 namespace korvia {
 
@@ -13,10 +14,10 @@ namespace {
 
 constexpr int kFractionBits = 16;
 constexpr int kDownBits = kFractionBits - kSampleFractionBits;
-// As many points as are handed to the sampler at a time.
+// Points that are handed to the sampler at a time.
 constexpr int kBlock = 512;
-// Three taps a pass, each pass three times as far apart as the one before: 81 taps in all.
-// An even number, so that the last pass ends where the first began.
+// Each pass averages three taps, three times as far apart as in the pass before: 81 taps in all. The number
+// of passes is even, so that the last one writes where the first one read.
 constexpr int kPasses = 4;
 constexpr double kTaps = 81;
 
@@ -24,8 +25,8 @@ std::int64_t fixed(double value) {
   return std::llround(value * (1 << kFractionBits));
 }
 
-/// Coordinates for the sampler of points in a line. Within a block they fit into 32 bits, which is far
-/// faster.
+/// Coordinates of points on a line for the sampler. Within a block the fractions fit into 32 bits, which is
+/// much faster than 64.
 void fillLine(std::int64_t start, std::int64_t step, std::int32_t* out, int count) {
   const auto whole = static_cast<std::int32_t>(start >> kDownBits);
   auto rest = static_cast<std::int32_t>(start & ((1 << kDownBits) - 1));
@@ -95,6 +96,15 @@ void smearSmall(Frame& picture, FrameSize size, Movement movement, TransitionScr
     step = {step.turn * 3, step.growth * 3};
     std::swap(in, out);
   }
+}
+
+void mixSmeared(const Frame& from, const Frame& to, int weight, Movement movement, double pace,
+                TransitionScratch& scratch, Frame& out) {
+  Frame& small = smallFade(from, to, weight, scratch);
+  smearSmall(small, from.size(), movement, scratch);
+  const Frame& mask = roundMask(from.size(), scratch,
+                                [&](double distance) { return smoothStep(distance * pace / kHidingSmear); });
+  drawSoftened(from, to, weight, small, mask, scratch, out);
 }
 
 }  // namespace korvia

@@ -1,40 +1,47 @@
-// Pictures turned and scaled about their middle, and smeared along such a movement. Engine thread.
+// Rotates and scales pictures around their centre, and smears them along such a movement. Engine thread.
 #pragma once
 #include "engine/frame/PlaneView.h"
 #include "engine/mix/blurs/SmallPicture.h"
 
 namespace korvia {
 
-/// About the middle of the picture: a turn in radians, clockwise on the screen, and a growth as the natural
-/// logarithm of the scale, down to -3.
+/// A movement around the centre of the picture: a rotation in radians, clockwise on the screen, and a growth
+/// as the natural logarithm of the scale, from -3 on.
 struct Movement {
   double turn = 0;
   double growth = 0;
 };
 
-/// A plane as a movement leaves it. Outside it shows its nearest sample; without movement exactly itself.
+/// A rotated and scaled plane. Samples outside the source repeat its edge; without movement it is exactly
+/// the source.
 class MovedPlane {
  public:
-  /// `centre` is the point of the plane that stays.
+  /// `centre` is the fixed point of the movement.
   MovedPlane(const PlaneView& plane, PlanePoint centre, Movement movement);
   /// `count` samples of row `y` from column `begin` on.
   void row(int y, int begin, int count, std::uint8_t* out) const;
 
  private:
   PlaneView plane_;
-  // Where the sample at 0, 0 comes from, and what a step to the right adds to that; a step down adds the
-  // same, turned by a right angle. In 1/65536 sample.
+  // The source of the sample at 0, 0 and the step of the source for one column to the right; the step for
+  // one row down is the same, rotated by 90 degrees. In 1/65536 sample.
   std::int64_t originX_;
   std::int64_t originY_;
   std::int64_t stepX_;
   std::int64_t stepY_;
 };
 
-/// A small picture, of a picture of `size`, as the movement leaves it.
+/// Rotates and scales a small picture. `size` is the size of the full picture.
 void moveSmall(const Frame& picture, FrameSize size, Movement movement, Frame& out);
 
-/// Smears a small picture, of a picture of `size`, evenly along the movement: from half of it back to half of
-/// it onwards. Uses the scratch's frame 1 and buffers 0 and 1.
+/// Smears a small picture evenly along the movement, from half of it back to half of it forward. `size` is
+/// the size of the full picture. Uses frame 1 and buffers 0 and 1 of the scratch.
 void smearSmall(Frame& picture, FrameSize size, Movement movement, TransitionScratch& scratch);
+
+/// Draws the fade, with `weight` of `to` 0 to 256, smeared along the movement. `pace` is the length of the
+/// smear at a distance of one sample from the centre. Uses frames and buffers of the scratch as the
+/// functions of small pictures do.
+void mixSmeared(const Frame& from, const Frame& to, int weight, Movement movement, double pace,
+                TransitionScratch& scratch, Frame& out);
 
 }  // namespace korvia

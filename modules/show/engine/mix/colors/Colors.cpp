@@ -7,7 +7,7 @@
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/ColorKernels.h"
 #include "engine/kernels/RowKernels.h"
-#include "engine/mix/SmoothStep.h"
+#include "engine/mix/Curves.h"
 
 namespace korvia {
 
@@ -20,14 +20,14 @@ constexpr int kNoChroma = 128;
 /// Places of the scratch.
 enum Place { MaskRows, FromRows, ToRows, WorkRow };
 
-/// 0 up to `begin`, 1 from `end` on, without a corner between.
+/// 0 up to `begin`, 1 from `end` on, smooth between.
 double ramp(double position, double begin, double end) {
   return smoothStep((position - begin) / (end - begin));
 }
 
-/// A share that hurries at first. Most pictures have little that is very bright, so that a threshold that
-/// came down evenly would long find nothing.
-double hurried(double position, double end) {
+/// Progress that is fast at first: most pictures have few very bright samples, so a threshold that fell at a
+/// constant speed would change nothing for a long time.
+double easedShare(double position, double end) {
   const double t = std::clamp(position / end, 0.0, 1.0);
   return t * (3 - t) / 2;
 }
@@ -36,22 +36,22 @@ int weightOf(double share, int full) {
   return static_cast<int>(std::lround(share * full));
 }
 
-/// Threshold of thresholdRow() that lets nothing pass at share 0 and everything at 1.
+/// Threshold of thresholdRow() that gives 0 everywhere at share 0 and 255 everywhere at share 1.
 int thresholdAt(double share, int gain) {
   const int nothing = gain * kWhiteLuma;
   const int everything = gain * kBlackLuma - 255;
   return nothing - weightOf(share, nothing - everything);
 }
 
-/// `rows` rows of `width` samples, one behind the other.
+/// Memory for `rows` rows of `width` samples without a gap.
 std::uint8_t* rowsIn(TransitionScratch& scratch, Place place, int width, int rows = 1) {
   return scratch.buffer<std::uint8_t>(place,
                                       static_cast<std::size_t>(width) * static_cast<std::size_t>(rows));
 }
 
-/// Calls luma(y, place) for each luma row, place 0 or 1 in its pair, and then chroma(y, lower) for the chroma
-/// row under the pair, where `lower` is the place of its second luma row: 0 under the last one of an odd
-/// height.
+/// Calls luma(y, place) for each luma row, where `place` is 0 or 1 in the pair that shares a chroma row, and
+/// after each pair chroma(y, lower), where `lower` is the place of the pair's second row: 0 where the last
+/// row of an odd height has no partner.
 template <typename Luma, typename Chroma>
 void forRowPairs(const Frame& frame, Luma luma, Chroma chroma) {
   for (int y = 0; y < frame.size().chromaHeight(); ++y) {
@@ -62,8 +62,8 @@ void forRowPairs(const Frame& frame, Luma luma, Chroma chroma) {
   }
 }
 
-/// Mixes by a mask that maskRow(y, mask) writes for each luma row; chroma takes the mean of its four. Each
-/// row of a plane is made by mixed(plane, y, mask).
+/// Mixes by a mask that maskOf(y, mask) writes for each luma row; the mask of chroma is subsampled from it.
+/// mixed(plane, y, mask) writes a row of a plane.
 template <typename MaskOf, typename Mixed>
 void mixByLumaMask(TransitionScratch& scratch, const Frame& out, MaskOf maskOf, Mixed mixed) {
   const int width = out.width();
@@ -83,7 +83,7 @@ void mixByLumaMask(TransitionScratch& scratch, const Frame& out, MaskOf maskOf, 
       });
 }
 
-/// One row of two pictures and of what they become.
+/// One row of the two pictures and of the mix.
 struct Rows {
   const std::uint8_t* from;
   const std::uint8_t* to;
@@ -100,12 +100,12 @@ void mixMasked(const Rows& rows, const std::uint8_t* mask) {
   mixMaskedRow(rows.from, rows.to, mask, rows.out, rows.count);
 }
 
-/// One of the two pictures on its way to or from its negative, row by row. Its bright parts are the first to
-/// turn and the last to turn back: if all turned at once, it would be an even grey half-way.
-class TurningPicture {
+/// One of the two pictures, partly inverted, row by row. The brightest parts are inverted first and inverted
+/// back last: if all were inverted at the same speed, the picture would be an even grey half-way.
+class PartlyInvertedPicture {
  public:
-  /// `share` of the way to the negative.
-  TurningPicture(const Frame& frame, double share, TransitionScratch& scratch, Place place)
+  /// `share` of the picture is inverted, 0 to 1.
+  PartlyInvertedPicture(const Frame& frame, double share, TransitionScratch& scratch, Place place)
       : frame_(frame),
         width_(frame.width()),
         threshold_(thresholdAt(share, kGain)),
@@ -113,15 +113,16 @@ class TurningPicture {
         masks_{rows_, rows_ + width_},
         chromaMask_(rows_ + 2 * width_) {}
 
-  /// `place` 0 or 1 in the pair over a chroma row.
-  TurningRow lumaRow(int y, int place) const {
+  /// `place` is 0 or 1 in the pair that shares a chroma row.
+  PartlyInvertedRow lumaRow(int y, int place) const {
     const std::uint8_t* luma = planeOf(frame_, Frame::Y).row(y);
     thresholdRow(luma, kGain, threshold_, masks_[place], width_);
     return {luma, masks_[place]};
   }
-  /// After the luma rows of a pair and before its chroma rows; `lower` is the place of its second row.
+  /// Called after the luma rows of a pair and before its chroma rows. `lower` is the place of the second
+  /// row.
   void halveMask(int lower) const { chromaMeanRow(masks_[0], masks_[lower], chromaMask_, width_); }
-  TurningRow chromaRow(int plane, int y) const { return {planeOf(frame_, plane).row(y), chromaMask_}; }
+  PartlyInvertedRow chromaRow(int plane, int y) const { return {planeOf(frame_, plane).row(y), chromaMask_}; }
 
  private:
   static constexpr int kGain = 2;
@@ -134,13 +135,13 @@ class TurningPicture {
   std::uint8_t* chromaMask_;
 };
 
-/// Even, so that cells and bands have their edges where the chroma samples have theirs.
+/// The side of a cell or band. It is even, so that edges lie between chroma samples.
 int evenPart(int length, int parts, int halfMin) {
   return 2 * std::max(halfMin, (length + parts) / (2 * parts));
 }
 
-/// Both kinds of rows of a checker raster: `even` in its even cells, `odd` in its odd ones, and the other way
-/// round.
+/// The two kinds of rows of a checkerboard: `evenRow` begins with a cell of the value `even`, `oddRow` with
+/// a cell of the value `odd`.
 void fillChecker(int cell, int even, int odd, std::uint8_t* evenRow, std::uint8_t* oddRow, int width) {
   for (int x = 0; x < width; ++x) {
     const bool isEven = x / cell % 2 == 0;
@@ -149,8 +150,7 @@ void fillChecker(int cell, int even, int odd, std::uint8_t* evenRow, std::uint8_
   }
 }
 
-/// How far the line at height `y` of a band raster has changed; every other band follows after the first
-/// ones, and in each the middle leads.
+/// Progress of the line at height `y`: every other band starts later, and each band starts in its middle.
 double lineShare(double position, double y, int band) {
   constexpr double kBandDelay = 0.4;
   constexpr double kEdgeDelay = 0.15;
@@ -181,7 +181,7 @@ void MostBright::mix(const Frame& from, const Frame& to, const MixPoint& point, 
 void BrightExtract::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                         Frame& out) const {
   constexpr int kGain = 2;
-  const int threshold = thresholdAt(hurried(point.position, 1), kGain);
+  const int threshold = thresholdAt(easedShare(point.position, 1), kGain);
   const PlaneView luma = planeOf(from, Frame::Y);
   std::uint8_t* rim = rowsIn(scratch, WorkRow, out.width());
   mixByLumaMask(
@@ -198,22 +198,23 @@ void BrightExtract::mix(const Frame& from, const Frame& to, const MixPoint& poin
 void InvertColor::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                       Frame& out) const {
   const double p = point.position;
-  const TurningPicture turningFrom(from, hurried(p, 0.55), scratch, FromRows);
-  const TurningPicture turningTo(to, hurried(1 - p, 0.55), scratch, ToRows);
+  const PartlyInvertedPicture invertedFrom(from, easedShare(p, 0.55), scratch, FromRows);
+  const PartlyInvertedPicture invertedTo(to, easedShare(1 - p, 0.55), scratch, ToRows);
   const int weight = weightOf(ramp(p, 0.3, 0.7), 256);
   forRowPairs(
       out,
       [&](int y, int place) {
-        mixTurningRow(turningFrom.lumaRow(y, place), turningTo.lumaRow(y, place), kBlackLuma + kWhiteLuma,
-                      weight, writablePlaneOf(out, Frame::Y).row(y), out.width());
+        mixPartlyInvertedRow(invertedFrom.lumaRow(y, place), invertedTo.lumaRow(y, place),
+                             kBlackLuma + kWhiteLuma, weight, writablePlaneOf(out, Frame::Y).row(y),
+                             out.width());
       },
       [&](int y, int lower) {
-        turningFrom.halveMask(lower);
-        turningTo.halveMask(lower);
+        invertedFrom.halveMask(lower);
+        invertedTo.halveMask(lower);
         for (const int plane : {Frame::U, Frame::V}) {
           const WritablePlane mixed = writablePlaneOf(out, plane);
-          mixTurningRow(turningFrom.chromaRow(plane, y), turningTo.chromaRow(plane, y), 2 * kNoChroma, weight,
-                        mixed.row(y), mixed.width);
+          mixPartlyInvertedRow(invertedFrom.chromaRow(plane, y), invertedTo.chromaRow(plane, y),
+                               2 * kNoChroma, weight, mixed.row(y), mixed.width);
         }
       });
 }

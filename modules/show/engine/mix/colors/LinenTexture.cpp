@@ -15,8 +15,8 @@ constexpr double kThreadWidthMin = 4;
 constexpr int kOne = 256;
 constexpr int kThreadDifference = 70;
 
-/// What crosses one axis of the picture, per sample: the thread there, how high it is from edge to edge, and
-/// how high the thread that runs along the axis bends over it.
+/// The thread that crosses an axis of the picture at a sample: the height of its profile there, the height
+/// that the threads along the axis have where they cross it, and its own height.
 struct Thread {
   bool odd = false;
   int across = 0;
@@ -24,7 +24,7 @@ struct Thread {
   int height = 0;
 };
 
-/// A height of its own for each thread, the same at each call: a hash in the manner of xorshift-multiply.
+/// The height of a thread: a hash, so that it is the same at each call.
 int heightOf(int thread, std::uint32_t axis) {
   std::uint32_t value = (static_cast<std::uint32_t>(thread) * 2 + axis) * 0x9E3779B1U;
   value = (value ^ (value >> 15)) * 0x85EBCA6BU;

@@ -11,7 +11,7 @@ namespace korvia {
 
 namespace {
 
-// Farther than any picture is wide, and not so far that the kernel's sums overflow.
+// Larger than any picture, and small enough for the sums of the kernel not to overflow.
 constexpr double kFarthest = 1 << 15;
 
 }  // namespace
@@ -38,7 +38,7 @@ void DisplacementGrid::bend(const Frame& in, Frame& out) const {
 
 void DisplacementGrid::bendPlanes(const Frame& in, std::initializer_list<int> planes, Frame& out) const {
   const int first = *planes.begin();
-  // Chroma has half the samples to a cell, each of twice the width.
+  // Chroma has half as many samples in a cell, each of twice the width.
   const int halved = stepOf(first) - 1;
   BentRow bent;
   bent.cellBits = nodes_.cellBits - halved;

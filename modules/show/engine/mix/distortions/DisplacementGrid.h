@@ -1,5 +1,5 @@
-// Bends a picture: each sample is taken from a place of the picture that is a displacement away.
-// Displacements are known at the nodes of a grid and linear between them, for all planes the same. Engine
+// Bends a picture: each sample is read from a point of the picture that is a displacement away.
+// Displacements are given at the nodes of a grid, interpolated linearly, and the same for all planes. Engine
 // thread.
 #pragma once
 #include <cstdint>
@@ -16,7 +16,8 @@ struct Displacement {
   double y = 0;
 };
 
-/// What moves a sample that lies (x, y) from the centre by (x * along - y * across, y * along + x * across).
+/// A displacement in proportion to the place: a sample at (x, y) from the centre moves by (x * along - y *
+/// across, y * along + x * across).
 struct RadialFactors {
   double along = 0;
   double across = 0;
@@ -24,12 +25,12 @@ struct RadialFactors {
 
 class DisplacementGrid {
  public:
-  /// Keeps what it works with in buffers 0, 1 and 5 of the scratch.
+  /// Uses buffers 0, 1 and 5 of the scratch.
   DisplacementGrid(FrameSize size, TransitionScratch& scratch);
 
   const NodeGrid& nodes() const { return nodes_; }
 
-  /// `displacementAt(x, y, node)` for each node. Places outside the picture are mirrored at its edges.
+  /// Calls `displacementAt(x, y, node)` for each node. Points outside the picture are mirrored at its edges.
   template <typename Field>
   void fill(Field&& displacementAt) {
     nodes_.forEach([&](int x, int y, std::size_t node) {
@@ -39,7 +40,8 @@ class DisplacementGrid {
     });
   }
 
-  /// The same in all directions: `factorsAt(distance)` for distances from the centre, in samples of luma.
+  /// Fills the grid with the same factors in all directions: `factorsAt(distance)` for distances from the
+  /// centre in luma samples.
   template <typename Profile>
   void fillAround(Profile&& factorsAt) {
     for (std::size_t i = 0; i < profileCount(); ++i)
@@ -64,7 +66,7 @@ class DisplacementGrid {
  private:
   static std::int32_t fixed(double samples);
   std::size_t profileCount() const { return static_cast<std::size_t>(nodes_.reach()) + 2; }
-  /// Planes of the same layout, which share their places.
+  /// Planes of the same size and stride, whose coordinates are computed once.
   void bendPlanes(const Frame& in, std::initializer_list<int> planes, Frame& out) const;
 
   NodeGrid nodes_;

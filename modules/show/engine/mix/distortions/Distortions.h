@@ -1,5 +1,5 @@
-// Transitions that bend the picture, and those that let the second picture through a drawn or rolled pattern.
-// Engine thread.
+// The distortion transitions, one in each file of this folder: those that bend the picture, and those that
+// reveal the second picture through a mask that is computed at the nodes of a grid. Engine thread.
 #pragma once
 #include "engine/mix/Transition.h"
 #include "engine/mix/distortions/DisplacementGrid.h"
@@ -7,41 +7,41 @@
 
 namespace korvia {
 
-/// Fades from one picture to the other while both are bent the same way, most in the middle.
+/// A fade during which both pictures are bent in the same way, most in the middle of the take.
 class BentFade : public Transition {
  public:
   void mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
            Frame& out) const final;
 
  protected:
-  /// Fills the grid; `swell` rises from 0 to 1 at the middle of the take and falls to 0 again, and scales all
-  /// displacements.
+  /// Fills the grid. `swell` rises from 0 to 1 in the middle of the take and falls to 0 again; all
+  /// displacements are in proportion to it.
   virtual void bend(const MixPoint& point, double swell, TransitionScratch& scratch,
                     DisplacementGrid& grid) const = 0;
 };
 
-/// Rings around the centre turn against each other, and back.
+/// Rings around the centre that rotate against each other, and back.
 class BandedSwirl final : public BentFade {
   void bend(const MixPoint& point, double swell, TransitionScratch& scratch,
             DisplacementGrid& grid) const override;
 };
 
-/// Round waves run from the centre.
+/// Circular waves that run from the centre.
 class Ripple final : public BentFade {
   void bend(const MixPoint& point, double swell, TransitionScratch& scratch,
             DisplacementGrid& grid) const override;
 };
 
-/// The rows sway from side to side, and the swaying runs down.
+/// The rows move from side to side in a sine wave that runs down.
 class Wave final : public BentFade {
   void bend(const MixPoint& point, double swell, TransitionScratch& scratch,
             DisplacementGrid& grid) const override;
 };
 
-/// A fade whose displacements only grow and shrink, so that they are made once a take.
+/// A bent fade whose displacements only grow and shrink, so that they are computed once for each take.
 class RisingFade : public BentFade {
  protected:
-  /// Fills in each node the displacement in the middle of the take.
+  /// Writes the displacement in the middle of the take for each node.
   virtual void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const = 0;
 
  private:
@@ -49,22 +49,22 @@ class RisingFade : public BentFade {
             DisplacementGrid& grid) const final;
 };
 
-/// The picture breaks into pieces that scatter and come together again.
+/// The picture breaks into pieces that fly apart and come together again.
 class Crumble final : public RisingFade {
   void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const override;
 };
 
-/// Jagged rays: each direction from the centre is stretched or squeezed by chance.
+/// Jagged rays: each direction from the centre is stretched or squeezed by a random factor.
 class RadialWiggle final : public RisingFade {
   void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const override;
 };
 
-/// Seen through glass with a woven relief.
+/// Refraction by glass with a woven relief.
 class WovenGlass final : public RisingFade {
   void fillField(const NodeGrid& nodes, std::uint32_t seed, Displacement* field) const override;
 };
 
-/// Each place turns from one picture to the other in its own time.
+/// Reveals the second picture at each place at another time.
 class TimedReveal : public Transition {
  public:
   void mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
@@ -73,7 +73,8 @@ class TimedReveal : public Transition {
  protected:
   /// `cellBits` as in NodeGrid; `softness` as in LevelGrid::open.
   TimedReveal(int cellBits, double softness) : cellBits_(cellBits), softness_(softness) {}
-  /// Fills a time of arrival, 0 to 1, in each node; once a take.
+  /// Writes for each node the time, 0 to 1, at which the second picture begins to appear; called once for
+  /// each take.
   virtual void fillArrivals(const NodeGrid& nodes, std::uint32_t seed, float* arrivals) const = 0;
 
  private:
@@ -81,7 +82,7 @@ class TimedReveal : public Transition {
   double softness_;
 };
 
-/// Clouds gather and grow together.
+/// Reveals in clouds of noise that grow together.
 class CloudReveal final : public TimedReveal {
  public:
   CloudReveal();
@@ -90,7 +91,7 @@ class CloudReveal final : public TimedReveal {
   void fillArrivals(const NodeGrid& nodes, std::uint32_t seed, float* arrivals) const override;
 };
 
-/// Grain by grain.
+/// Reveals in random grains.
 class GrainDissolve final : public TimedReveal {
  public:
   GrainDissolve();
@@ -99,7 +100,7 @@ class GrainDissolve final : public TimedReveal {
   void fillArrivals(const NodeGrid& nodes, std::uint32_t seed, float* arrivals) const override;
 };
 
-/// A circle with a ragged rim opens.
+/// A circle with a ragged edge that opens.
 class RandomCircleReveal final : public TimedReveal {
  public:
   RandomCircleReveal();
@@ -108,14 +109,14 @@ class RandomCircleReveal final : public TimedReveal {
   void fillArrivals(const NodeGrid& nodes, std::uint32_t seed, float* arrivals) const override;
 };
 
-/// A circle opens; the second picture is squeezed towards its rim and relaxes.
+/// A circle that opens. The second picture is squeezed towards its edge and relaxes.
 class CircleStretch final : public Transition {
  public:
   void mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
            Frame& out) const override;
 };
 
-/// A lens swells in the middle, and the second picture comes out of it.
+/// A magnifying lens in the centre, in which the second picture appears.
 class MagnifySmooth final : public Transition {
  public:
   void mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,

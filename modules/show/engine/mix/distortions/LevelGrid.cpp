@@ -12,6 +12,11 @@ LevelGrid::LevelGrid(FrameSize size, int cellBits, TransitionScratch& scratch)
           3, static_cast<std::size_t>(nodes_.columns()) * static_cast<std::size_t>(nodes_.cell()))),
       chromaMask_(scratch.buffer<std::uint8_t>(4, static_cast<std::size_t>(size.chromaWidth()))) {}
 
+void LevelGrid::openCircle(double position, double softness) {
+  const double reach = nodes_.reach();
+  open(position, softness, [&](int x, int y, std::size_t) { return nodes_.fromCenter(x, y) / reach; });
+}
+
 void LevelGrid::mix(const Frame& from, const Frame& to, Frame& out) const {
   const auto mixRowOf = [&](int plane, int y, const std::uint8_t* mask) {
     const WritablePlane mixed = writablePlaneOf(out, plane);

@@ -1,4 +1,4 @@
-// Mixes two pictures by a mask whose levels are known at the nodes of a grid and linear between them. Engine
+// Mixes two pictures by a mask that is given at the nodes of a grid and interpolated linearly. Engine
 // thread.
 #pragma once
 #include <algorithm>
@@ -13,14 +13,14 @@ namespace korvia {
 
 class LevelGrid {
  public:
-  /// Keeps its levels and rows in buffers 2, 3 and 4 of the scratch. `cellBits` is 2 or 3.
+  /// Uses buffers 2, 3 and 4 of the scratch. `cellBits` is 2 or 3.
   LevelGrid(FrameSize size, int cellBits, TransitionScratch& scratch);
 
   const NodeGrid& nodes() const { return nodes_; }
 
-  /// Opens the mask as far as `position`: `arrivalAt(x, y, node)`, 0 to 1, says when `to` begins to come
-  /// there, and it has come when another `softness` of the way to 1 + softness has passed. At position 0 the
-  /// mask is closed everywhere and at 1 open.
+  /// Opens the mask up to `position`: `to` begins to appear at a node when position * (1 + softness) passes
+  /// `arrivalAt(x, y, node)`, 0 to 1, and is complete after another `softness`. The mask is closed
+  /// everywhere at position 0 and open at 1.
   template <typename Arrival>
   void open(double position, double softness, Arrival&& arrivalAt) {
     const double front = position * (1 + softness);
@@ -30,6 +30,9 @@ class LevelGrid {
       levels_[node] = static_cast<std::int16_t>(std::lrint(std::clamp(level, -kLimit, kLimit)));
     });
   }
+
+  /// Opens the mask in a circle that grows from the centre to the farthest node.
+  void openCircle(double position, double softness);
 
   void mix(const Frame& from, const Frame& to, Frame& out) const;
 

@@ -1,15 +1,16 @@
-// Where the values of a smooth field are computed exactly: at nodes a few samples apart, which reach from
-// sample 0 over all of a picture. Between them, fields are linear. Plain values, any thread.
+// A grid of nodes, a few samples apart, at which a smooth field is computed exactly; between them it is
+// interpolated linearly. The nodes begin at sample 0 and cover the whole picture. A plain value, any thread.
 #pragma once
 #include <cmath>
 #include <cstddef>
+#include <numbers>
 
 #include "engine/frame/Frame.h"
 
 namespace korvia {
 
 struct NodeGrid {
-  /// What vectors may read past the last node of a row.
+  /// Values that a register may read past the last node of a row.
   static constexpr std::size_t kSpare = 16;
 
   FrameSize size;
@@ -28,10 +29,15 @@ struct NodeGrid {
   double fromCenter(double x, double y) const {
     return std::sqrt((x - centerX()) * (x - centerX()) + (y - centerY()) * (y - centerY()));
   }
-  /// From the centre to the farthest node.
+  /// Distance from the centre to the farthest node.
   double reach() const { return fromCenter((columns() - 1) * cell(), (rows() - 1) * cell()); }
 
-  /// visit(x, y, node) for each node, with its place in samples of luma and the place of its value.
+  /// The direction from the centre as a part of a full turn, 0 to 1.
+  double turnAt(double x, double y) const {
+    return std::atan2(y - centerY(), x - centerX()) / (2 * std::numbers::pi) + 0.5;
+  }
+
+  /// Calls visit(x, y, node) for each node, with its coordinates in luma samples and the index of its value.
   template <typename Visit>
   void forEach(Visit&& visit) const {
     for (int row = 0; row < rows(); ++row)

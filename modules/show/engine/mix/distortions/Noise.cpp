@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "engine/mix/Chance.h"
-#include "engine/mix/SmoothStep.h"
+#include "engine/mix/Curves.h"
+#include "engine/mix/SeededRandom.h"
 
 namespace korvia {
 
@@ -14,10 +14,6 @@ double mixed(double a, double b, double weight) {
 }
 
 }  // namespace
-
-double chanceAt(std::uint32_t seed, int x, int y) {
-  return chance(scattered(seed) + static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y));
-}
 
 double CloudNoise::at(double x, double y) {
   constexpr double kWeaker = 0.55;
@@ -31,8 +27,8 @@ double CloudNoise::at(double x, double y) {
     if (column != square.column || row != square.row)
       square = {column,
                 row,
-                {chanceAt(seed, column, row), chanceAt(seed, column + 1, row),
-                 chanceAt(seed, column, row + 1), chanceAt(seed, column + 1, row + 1)}};
+                {seededRandom(seed, column, row), seededRandom(seed, column + 1, row),
+                 seededRandom(seed, column, row + 1), seededRandom(seed, column + 1, row + 1)}};
     const double right = smoothStep(x - column);
     const double top = mixed(square.corners[0], square.corners[1], right);
     const double bottom = mixed(square.corners[2], square.corners[3], right);
@@ -46,29 +42,29 @@ double CloudNoise::at(double x, double y) {
   return sum / all;
 }
 
-ChanceRing::ChanceRing(std::uint32_t seed, int directions)
+DirectionNoise::DirectionNoise(std::uint32_t seed, int directions)
     : values_(static_cast<std::size_t>(directions) + 1) {
   for (int i = 0; i < directions; ++i)
-    values_[static_cast<std::size_t>(i)] = chanceAt(seed, i, directions);
+    values_[static_cast<std::size_t>(i)] = seededRandom(seed, i, directions);
   values_.back() = values_.front();
 }
 
-ChanceRing::Place ChanceRing::placeOf(double turn) const {
+DirectionNoise::Place DirectionNoise::placeOf(double turn) const {
   const double place = turn * static_cast<double>(values_.size() - 1);
   const std::size_t before = std::min(static_cast<std::size_t>(place), values_.size() - 2);
   return {before, place - static_cast<double>(before)};
 }
 
-double ChanceRing::between(const Place& place, double weight) const {
+double DirectionNoise::between(const Place& place, double weight) const {
   return mixed(values_[place.before], values_[place.before + 1], weight);
 }
 
-double ChanceRing::straightAt(double turn) const {
+double DirectionNoise::linearAt(double turn) const {
   const Place place = placeOf(turn);
   return between(place, place.beyond);
 }
 
-double ChanceRing::softAt(double turn) const {
+double DirectionNoise::smoothAt(double turn) const {
   const Place place = placeOf(turn);
   return between(place, smoothStep(place.beyond));
 }

@@ -1,4 +1,4 @@
-// Chance that is the same at each call: numbers drawn from a seed and a place. Any thread.
+// Smooth noise made from seeded random numbers. Objects belong to one thread.
 #pragma once
 #include <array>
 #include <cstddef>
@@ -7,11 +7,8 @@
 
 namespace korvia {
 
-/// Evenly spread from 0, included, to 1, not included.
-double chanceAt(std::uint32_t seed, int x, int y);
-
-/// Smooth noise of features of size 1 and, weaker each time, of half the size. It remembers where it was
-/// asked last: neighbours cost little.
+/// Value noise of five octaves: features of size 1 and, each octave weaker, of half the size. It keeps the
+/// random numbers of the square that it was asked for last, so that calls for neighbours are cheap.
 class CloudNoise {
  public:
   explicit CloudNoise(std::uint32_t seed) : seed_(seed) {}
@@ -20,7 +17,7 @@ class CloudNoise {
 
  private:
   static constexpr std::size_t kOctaves = 5;
-  /// Where the noise of one size is between four values of chance.
+  /// The random numbers at the corners of the square that one octave was last asked for.
   struct Square {
     int column = -1;
     int row = -1;
@@ -31,14 +28,14 @@ class CloudNoise {
   std::array<Square, kOctaves> squares_;
 };
 
-/// Chance for a number of directions around a point.
-class ChanceRing {
+/// A random number for each of a number of directions around a point, interpolated between them.
+class DirectionNoise {
  public:
-  ChanceRing(std::uint32_t seed, int directions);
-  /// 0 to 1: between the nearest directions, in straight lines or in soft ones. `turn` is how far around the
-  /// direction is, 0 to 1.
-  double straightAt(double turn) const;
-  double softAt(double turn) const;
+  DirectionNoise(std::uint32_t seed, int directions);
+  /// 0 to 1, interpolated linearly or smoothly between the two nearest directions. `turn` is the direction as
+  /// a part of a full turn, 0 to 1.
+  double linearAt(double turn) const;
+  double smoothAt(double turn) const;
 
  private:
   struct Place {
@@ -48,7 +45,7 @@ class ChanceRing {
   Place placeOf(double turn) const;
   double between(const Place& place, double weight) const;
 
-  // The first value stands once more behind the last.
+  // The first value is repeated after the last, so that interpolation needs no wrap-around.
   std::vector<double> values_;
 };
 

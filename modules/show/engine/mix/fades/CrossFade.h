@@ -1,4 +1,4 @@
-// The fade from one picture to the other. Engine thread.
+// A linear fade from one picture to the other. Engine thread.
 #pragma once
 #include "engine/mix/Transition.h"
 

@@ -6,9 +6,8 @@
 
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/FetchAhead.h"
-#include "engine/kernels/LitMix.h"
 #include "engine/kernels/RowKernels.h"
-#include "engine/mix/SmoothStep.h"
+#include "engine/mix/Curves.h"
 
 namespace korvia {
 
@@ -19,7 +18,7 @@ constexpr double kFrontBreadth = 0.75;
 constexpr double kWaveLength = 0.2;
 constexpr double kDelay = 0.08;
 constexpr double kLight = 0.16;
-// Distances are told apart in so many steps, finer than the samples of a large picture.
+// Number of steps of a distance: finer than the samples of a large picture.
 constexpr int kSteps = 2048;
 
 constexpr int kRowsAhead = 2;
@@ -28,7 +27,7 @@ constexpr int kRowsAhead = 2;
 constexpr int kMaskRow = 0;
 constexpr int kLightRow = 1;
 
-/// Left upper quarter of a plane, the middle row and column included; the others mirror it.
+/// The upper left quarter of a plane with its middle row and column; the other quarters mirror it.
 struct Quarter {
   explicit Quarter(int planeWidth, int planeHeight)
       : width((planeWidth + 1) / 2), height((planeHeight + 1) / 2) {}
@@ -37,7 +36,8 @@ struct Quarter {
   std::size_t count() const { return static_cast<std::size_t>(width) * static_cast<std::size_t>(height); }
 };
 
-/// For each sample of the quarter its distance from the plane's centre, in steps, the corners being the last.
+/// Writes for each sample of the quarter its distance from the centre of the plane in steps; the corners
+/// have the last step.
 void fillDistances(int planeWidth, int planeHeight, std::uint16_t* steps) {
   const Quarter quarter(planeWidth, planeHeight);
   const double scale = (kSteps - 1) / std::hypot(planeWidth / 2.0, planeHeight / 2.0);
@@ -47,7 +47,7 @@ void fillDistances(int planeWidth, int planeHeight, std::uint16_t* steps) {
           std::lround(scale * std::hypot(x + 0.5 - planeWidth / 2.0, y + 0.5 - planeHeight / 2.0)));
 }
 
-/// The drop at one position, by steps of distance.
+/// The drop at one position of the take, as tables over the steps of distance.
 struct DropTable {
   explicit DropTable(double position) {
     for (int step = 0; step < kSteps; ++step) {
@@ -60,7 +60,7 @@ struct DropTable {
   std::int8_t light[kSteps];
 };
 
-/// A row of values by distance, mirrored at its middle.
+/// Writes a row of values by distance, mirrored at its middle.
 template <typename T>
 void fillRow(const std::uint16_t* steps, const T* values, int width, T* row) {
   for (int left = 0, right = width - 1; left <= right; ++left, --right)
@@ -75,7 +75,7 @@ void mixPlane(const PlaneView& a, const PlaneView& b, const std::uint16_t* steps
   auto* light = scratch.buffer<std::int8_t>(kLightRow, width);
   const auto mixRows = [&](int y) {
     if (lit)
-      mixLitRow(a.row(y), b.row(y), mask, light, out.row(y), out.width);
+      mixMaskedLitRow(a.row(y), b.row(y), mask, light, out.row(y), out.width);
     else
       mixMaskedRow(a.row(y), b.row(y), mask, out.row(y), out.width);
   };

@@ -1,17 +1,17 @@
-// A fade that spreads like the rings of a drop that falls into water. Engine thread.
+// A fade that spreads in rings, like a drop that falls into water. Engine thread.
 #pragma once
 #include "engine/mix/Transition.h"
 
 namespace korvia {
 
-/// How far the fade is at a distance from the centre, and how it is lit there.
+/// The weight of the fade and the light at a distance from the centre.
 struct DropPoint {
   double weight = 0;  ///< of the new picture, 0 to 1
-  double light = 0;   ///< that luma gains, as a part of it; negative where it becomes darker
+  double light = 0;   ///< change of luma as a part of it, negative for darker
 };
 
-/// At `distance`, 1 being the corners, when the take is at `position`. A soft front as broad as most of the
-/// picture runs outwards; in it waves lighten and darken the picture and hurry or delay its fade.
+/// At `distance`, 1 being the corners, when the take is at `position`. A soft front, 0.75 half diagonals
+/// broad, runs outwards. Waves in it lighten and darken the picture, and advance and delay the fade.
 DropPoint dropPointAt(double distance, double position);
 
 class DropFade final : public Transition {

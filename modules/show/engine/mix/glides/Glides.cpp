@@ -8,7 +8,7 @@ namespace korvia {
 
 namespace {
 
-/// The picture moved so far towards the side, 1 being just out of the frame.
+/// The placement moved towards the side by `distance`; 1 is just outside the frame.
 Placement movedTowards(SideDirection side, double distance, const Placement& whole) {
   Placement place = whole;
   place.x += side.x * static_cast<int>(std::lround(whole.width * distance));

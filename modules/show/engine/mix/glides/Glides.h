@@ -1,4 +1,4 @@
-// Pictures that glide past each other without changing their size. Engine thread.
+// Pictures that move past each other without changing their size. Engine thread.
 #pragma once
 #include "engine/mix/Transition.h"
 #include "engine/mix/glides/PictureSide.h"

@@ -1,4 +1,4 @@
-// The side or corner of the picture that a movement comes from or goes to. Plain values, any thread.
+// The side or corner of the picture from which or to which something moves. Plain values, any thread.
 #pragma once
 
 namespace korvia {

@@ -4,7 +4,7 @@
 
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/AreaKernels.h"
-#include "engine/kernels/StreamRow.h"
+#include "engine/kernels/RowKernels.h"
 #include "engine/mix/glides/PlacedPlane.h"
 
 namespace korvia {
@@ -28,8 +28,8 @@ std::uint8_t blended(int behind, int front, int frontCover) {
                                    kWhole);
 }
 
-/// A row with the front's columns over those behind, as if the front covered the row's whole height. It may
-/// be in `line`.
+/// A row with the columns of `front` over those behind it, as if `front` covered the full height of the row.
+/// The result may be in `line`.
 const std::uint8_t* composedRow(PlacedPlane& front, PlacedPlane& behind, int y, int width,
                                 std::uint8_t* line) {
   const auto [begin, end] = front.columns().whole(width);
@@ -54,7 +54,7 @@ void placePlane(PlacedPlane& front, PlacedPlane& behind, std::uint8_t* line, con
   for (int y = 0; y < out.height; ++y) {
     const int cover = frontShows ? front.rows().cover(y) : 0;
     if (cover == 0) {
-      streamRow(behind.row(y), out.row(y), out.width);
+      copyRowNonTemporal(behind.row(y), out.row(y), out.width);
       continue;
     }
     const std::uint8_t* row = composedRow(front, behind, y, out.width, line);
@@ -65,7 +65,7 @@ void placePlane(PlacedPlane& front, PlacedPlane& behind, std::uint8_t* line, con
       averageRows(rows, weights, 2, line, out.width);
       row = line;
     }
-    streamRow(row, out.row(y), out.width);
+    copyRowNonTemporal(row, out.row(y), out.width);
   }
 }
 

@@ -1,12 +1,12 @@
-// Pictures that are moved and shrunk by parts of a sample, one over another. Engine thread.
+// Draws one picture over another, both moved and shrunk with sub-sample precision. Engine thread.
 #pragma once
 #include "engine/frame/Frame.h"
 #include "engine/mix/TransitionScratch.h"
 
 namespace korvia {
 
-/// Where a picture lies in the frame, in steps of a luma sample: coarse enough for chroma to follow in whole
-/// steps, too fine to be seen.
+/// The place of a picture in the frame, in fractions of a luma sample. The steps are coarse enough for
+/// chroma to move by whole steps, and too fine to be seen.
 struct Placement {
   static constexpr int kSteps = 128;  ///< to the luma sample
 
@@ -16,14 +16,14 @@ struct Placement {
   int height = 0;
 };
 
-/// The whole frame. An odd one is a sample wider or higher than its luma, so that its chroma samples are
-/// whole and luma and chroma move and shrink alike; the luma of that sample is that of its neighbour.
+/// The whole frame. An odd size is rounded up to whole chroma samples, so that luma and chroma move and
+/// shrink alike; the additional luma sample repeats its neighbour.
 Placement wholeFrame(FrameSize size);
 
-/// Draws `front` at its place over `behind` at its own. Each sample of `out` is the mean of what lies under
-/// it, so that edges between two samples are blended; pictures at whole samples and in their own size are
-/// copied. Both are at most as large as the frame, and `front` covers what `behind` leaves free: it may leave
-/// the frame where `behind` does, at whole rows or columns or along a common edge.
+/// Draws `front` at its place over `behind` at its own. Each sample of `out` is the mean of what it covers,
+/// so edges between two samples are antialiased; pictures at whole samples and in their own size are copied.
+/// Both are at most as large as the frame, and `front` covers what `behind` leaves free: it may leave the
+/// frame where `behind` does, at whole rows or columns or along a common edge.
 void placePictures(const Frame& front, const Placement& frontPlace, const Frame& behind,
                    const Placement& behindPlace, TransitionScratch& scratch, Frame& out);
 

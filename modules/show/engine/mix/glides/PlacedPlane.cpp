@@ -11,9 +11,9 @@ namespace korvia {
 namespace {
 
 constexpr int kWhole = PlacedSide::kWhole;
-// Rows that one mean is made of at most; of more, so many are picked.
+// The most rows of one mean; of more rows that many are picked at equal distances.
 constexpr int kRowsMost = 128;
-// What the weights of a mean add up to before they are rounded.
+// The sum of the weights of a mean before they are rounded.
 constexpr int kWeightTotal = 255;
 constexpr std::size_t kAlignment = 64;
 constexpr int kRowsAhead = 3;
@@ -56,7 +56,7 @@ PlacedPlane::PlacedPlane(const PlaneView& plane, const PlacedSide& columns, cons
   average_ = line_ + stride;
   halves_[0] = average_ + stride;
   halves_[1] = halves_[0] + stride;
-  // Room for the whole width, which a picture that grows comes to need.
+  // Allocated for the full width, because a growing picture needs it later in the take.
   if (columns_.isShrunk() && touched_.begin < touched_.end)
     prepareShrinking(scratch.buffer<ShrinkGroup>(scratchPlace + 1, static_cast<std::size_t>(plane.width)));
 }
@@ -132,7 +132,7 @@ const std::uint8_t* PlacedPlane::shifted(const std::uint8_t* row) {
   if (part == 0 && end <= right)
     return row + (begin - left);
 
-  // Between its outermost samples each one is the mean of two neighbours.
+  // Between the outermost samples each one is the mean of two neighbours.
   const int inner = std::min(std::max(begin, left + 1), end);
   const int innerEnd = std::max(inner, std::min(end, right));
   std::memset(line_, row[0], static_cast<std::size_t>(inner - begin));
@@ -150,13 +150,13 @@ const std::uint8_t* PlacedPlane::shifted(const std::uint8_t* row) {
 const std::uint8_t* PlacedPlane::shrunk(const std::uint8_t* row) {
   int samples = plane_.width;
   for (int i = 0; i < halvings_; ++i) {
-    // Rounded up and down in turns, so that the picture becomes no brighter.
+    // Rounding alternates up and down, so that the picture does not get brighter.
     halveRow(row, samples, 1 - i % 2, halves_[i % 2]);
     row = halves_[i % 2];
     samples = (samples + 1) / 2;
   }
   if (samples < ShrinkGroup::kWindow) {
-    // Too short for a window: its last sample is repeated.
+    // The row is shorter than a window, so its last sample is repeated.
     std::uint8_t* longer = halves_[halvings_ % 2];
     std::copy_n(row, samples, longer);
     std::fill(longer + samples, longer + ShrinkGroup::kWindow, row[samples - 1]);

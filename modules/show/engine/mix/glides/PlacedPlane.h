@@ -1,4 +1,4 @@
-// One plane of a picture, moved and shrunk by parts of a sample, row by row. Engine thread.
+// One plane of a picture, moved and shrunk with sub-sample precision, row by row. Engine thread.
 #pragma once
 #include <cstdint>
 
@@ -8,8 +8,8 @@
 
 namespace korvia {
 
-/// One direction of a place: where the plane lies and how large it is shown, in 1/256 sample, and its own
-/// size, in samples, which is that of the shown part of the frame or one more.
+/// One axis of a placement: position and length in the frame in 1/256 sample, and the own length in samples,
+/// which equals the size of the frame or is one more.
 struct PlacedSide {
   static constexpr int kWhole = 256;
 
@@ -18,16 +18,17 @@ struct PlacedSide {
   int ownLength = 0;
 
   bool isShrunk() const { return length != ownLength * kWhole; }
-  /// How much of a sample of the frame is covered: 0 to kWhole.
+  /// The covered part of a sample of the frame, 0 to kWhole.
   int cover(int sample) const;
-  /// The samples that are covered wholly, and those that are at all, of a frame with `count` of them.
+  /// The samples that are covered completely, and those that are covered at least partly, of a frame of
+  /// `count` samples.
   struct Range {
     int begin;
     int end;
   };
   Range whole(int count) const;
   Range touched(int count) const;
-  /// What of the plane shows at a sample of the frame, in samples of the plane.
+  /// The part of the plane that a sample of the frame covers, in samples of the plane.
   RowPart part(int sample) const;
 };
 
@@ -35,16 +36,16 @@ class PlacedPlane {
  public:
   static constexpr int kScratchPlaces = 2;
 
-  /// A plane that moves inside a frame of its own size. Works in the buffers `scratchPlace` and the next of
-  /// the scratch, which nothing else may use as long as this lives.
+  /// `plane` has the size of the frame. Uses the buffers `scratchPlace` and `scratchPlace` + 1 of the
+  /// scratch as long as it lives.
   PlacedPlane(const PlaneView& plane, const PlacedSide& columns, const PlacedSide& rows,
               TransitionScratch& scratch, int scratchPlace);
 
   const PlacedSide& columns() const { return columns_; }
   const PlacedSide& rows() const { return rows_; }
 
-  /// A row of the frame, for a row that is touched: the first value belongs to the first column that is
-  /// touched. Valid until the next call.
+  /// Row `y` of the frame, which must be touched. The first value belongs to the first touched column. Valid
+  /// until the next call.
   const std::uint8_t* row(int y);
   PlacedSide::Range touchedColumns() const { return touched_; }
 

@@ -26,7 +26,7 @@ Placement atSide(PictureSide side, double part, const Placement& whole) {
   return place;
 }
 
-/// What `place`, which lies at the side, leaves of the whole.
+/// The rest of the whole beside `place`, which lies at the side.
 Placement besides(PictureSide side, const Placement& place, const Placement& whole) {
   Placement rest = whole;
   if (directionOf(side).x != 0)

@@ -5,7 +5,7 @@
 
 namespace korvia {
 
-/// The new picture grows from a side, and squeezes the old one against the other.
+/// The new picture grows from a side and squeezes the old one to the other.
 class SideStretch final : public Transition {
  public:
   /// Left, Right, Top or Bottom.
@@ -20,8 +20,8 @@ class SideStretch final : public Transition {
 class CenterStretch final : public Transition {
  public:
   enum Movement {
-    OldOut,  ///< the old picture shrinks into the centre, before the new one
-    NewIn,   ///< the new picture grows out of the centre, before the old one
+    OldOut,  ///< the old picture shrinks into the centre, in front of the new one
+    NewIn,   ///< the new picture grows out of the centre, in front of the old one
   };
   explicit CenterStretch(Movement movement) : movement_(movement) {}
   void mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,

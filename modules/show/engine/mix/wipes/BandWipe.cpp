@@ -1,7 +1,7 @@
 #include "BandWipe.h"
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/mix/Chance.h"
+#include "engine/mix/SeededRandom.h"
 #include "engine/mix/wipes/CellJoin.h"
 
 namespace korvia {
@@ -11,14 +11,14 @@ namespace {
 constexpr int kSlats = 12;
 constexpr int kBars = 48;
 constexpr double kNarrowest = 4;
-/// Part of the take in which a bar comes in.
+/// Part of the take during which one bar fades in.
 constexpr double kBarFade = 0.15;
 
 int divisions(double length, int most) {
   return std::clamp(static_cast<int>(length / kNarrowest), 1, most);
 }
 
-/// Rows are those of the columns, cut down by a value of each row's own.
+/// Each row is the coverage across, limited to the coverage down at that row.
 class BandMask {
  public:
   BandMask(Band across, Band down, const PlaneGrid& grid, const MixPoint& point, TransitionScratch& scratch)

@@ -1,13 +1,13 @@
-// Wipes with edges along the picture's sides: bands, boxes, bars, slats. Engine thread.
+// Wipes with edges parallel to the sides of the picture: bands, boxes, bars, slats. Engine thread.
 #pragma once
 #include "engine/mix/wipes/Wipe.h"
 
 namespace korvia {
 
-/// A place on one of the picture's two axes.
+/// A place on one of the two axes of the picture.
 struct BandPlace {
   double place = 0;
-  /// Of the axis, as the place in luma samples.
+  /// Length of the axis; like the place in luma samples.
   double length = 0;
   double feather = 0;
   MixPoint point;
@@ -23,12 +23,12 @@ double fromEnd(const BandPlace& at);
 /// Two edges.
 double fromMiddle(const BandPlace& at);
 double fromBothEnds(const BandPlace& at);
-/// Slats that turn one and all.
+/// Slats, each wiped from its start at the same time.
 double inSlats(const BandPlace& at);
-/// Bars that come in an order of chance.
+/// Bars that fade in one by one, in random order.
 double inRandomBars(const BandPlace& at);
 
-/// Shows what both axes cover.
+/// The coverage is the smaller one of those along both axes.
 class BandWipe : public Wipe {
  public:
   BandWipe(Band across, Band down) : across_(across), down_(down) {}

@@ -1,4 +1,4 @@
-// Cells side by side whose pictures run softly into each other. Pure functions, any thread.
+// Soft borders between cells that lie side by side. Pure functions, any thread.
 #pragma once
 #include <algorithm>
 #include <cmath>
@@ -11,11 +11,11 @@ struct CellJoin {
   /// From 0 at the cell's beginning to 1 at its end.
   double along = 0;
   int neighbour = 0;
-  /// How much of the neighbour is seen, of 256; 0 away from it, 128 on the border.
+  /// Weight of the neighbour, of 256: 0 away from the border, 128 on it.
   int weight = 0;
 };
 
-/// `place` is 0 to `count`, in cells; `join` is the width of the soft borders in cells, 1 at most.
+/// `place` is 0 to `count`, in cells. `join` is the width of the soft borders in cells, at most 1.
 inline CellJoin joinAt(double place, int count, double join) {
   CellJoin at;
   at.cell = std::clamp(static_cast<int>(place), 0, count - 1);
@@ -28,7 +28,7 @@ inline CellJoin joinAt(double place, int count, double join) {
   return at;
 }
 
-/// Coverage at a place, of `cell(index, along)`.
+/// The coverage at a place of cells whose own is `cell(index, along)`.
 template <typename Cell>
 double joined(double place, int count, double join, Cell cell) {
   const CellJoin at = joinAt(place, count, join);

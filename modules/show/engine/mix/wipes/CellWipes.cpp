@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/mix/Chance.h"
+#include "engine/mix/SeededRandom.h"
 #include "engine/mix/wipes/CellJoin.h"
 
 namespace korvia {
@@ -15,7 +15,7 @@ constexpr int kBoardColumns = 12;
 constexpr int kDissolveColumns = 64;
 constexpr int kSquareColumns = 16;
 constexpr int kNarrowest = 4;
-/// Parts of the take in which one cell fades in, and in which one square grows.
+/// Parts of the take during which one cell fades in and one square grows.
 constexpr double kCellFade = 0.15;
 constexpr double kSquareGrowth = 0.22;
 
@@ -29,7 +29,7 @@ double boardCoverage(const CellGrid& cells, double position, int column, int row
   return swept(std::clamp(2 * position - turn, 0.0, 1.0), along, 1, joinOf(cells));
 }
 
-/// Coverage of each cell, in the order that the seed draws.
+/// The coverage of each cell; the cells fade in one after the other in random order.
 class Dissolve {
  public:
   Dissolve(const CellGrid& cells, const MixPoint& point)
@@ -51,8 +51,8 @@ double squareFeather(const CellGrid& cells) {
   return cells.feather(0.125);
 }
 
-/// Half of a square's width as a part of its cell's, its soft edge included; a cell that is full is full to
-/// its corners.
+/// Half of the width of a square, with its soft edge, as a part of the width of its cell. A full square
+/// covers the cell up to its corners.
 double squareHalf(const CellGrid& cells, double position, int column, int row) {
   const int last = std::max(1, cells.columns + cells.rows - 2);
   return swept(position, column + row, last, kSquareGrowth * last) * (0.5 + squareFeather(cells));
@@ -63,8 +63,8 @@ double squareEdge(const CellGrid& cells, double half, double fromMiddle) {
   return std::clamp((half - fromMiddle) / squareFeather(cells), 0.0, 1.0);
 }
 
-/// Masks of whole rows of cells, and of the rows between two of them. `fill(row, mask)` makes the mask of the
-/// middle of a row of cells, which is the same for each `period`th of them.
+/// The masks of rows of cells, blended at the borders between two of them. `fill(row, mask)` computes the
+/// mask of the middle of a row of cells; it repeats after `period` of them.
 template <typename Fill>
 class CellRowsMask {
  public:
@@ -110,10 +110,10 @@ class CellRowsMask {
   int last_ = -1;
 };
 
-/// Fills rows of masks whose cells have one value each.
+/// Fills the mask of a row of cells of which each has one value.
 class PlainCells {
  public:
-  /// `values` are masks as numbers, row by row.
+  /// `values` are the values of the cells, 0 to 255, row by row.
   PlainCells(const PlaneGrid& grid, const CellGrid& cells, double join, const float* values,
              TransitionScratch& scratch)
       : columns_(cells.columns),
@@ -147,7 +147,7 @@ class PlainCells {
   }
 
  private:
-  /// A sample that shows something of two cells.
+  /// A sample on the soft border of two cells.
   struct Border {
     int x = 0;
     int cell = 0;
@@ -163,7 +163,8 @@ class PlainCells {
   int borderCount_ = 0;
 };
 
-/// Each row of the picture cuts the squares of its row of cells down to where it lies in them.
+/// The mask of the squares of a row of cells: in each row of the picture the minimum of the coverage across
+/// and the coverage down.
 class SquaresMask {
  public:
   SquaresMask(const PlaneGrid& grid, double position, TransitionScratch& scratch)
@@ -196,7 +197,8 @@ class SquaresMask {
     double half = 0;
   };
 
-  /// Finds the squares of a row of cells that grow, and draws the others, which have come or have yet to.
+  /// Finds the growing squares of a row of cells, and draws the others, which are complete or have not
+  /// begun.
   void fillAcross() {
     const double full = squareHalf(cells_, 1, 0, 0);
     growingCount_ = 0;

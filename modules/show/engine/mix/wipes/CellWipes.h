@@ -1,14 +1,14 @@
-// Wipes by squares that the picture is divided into. Engine thread.
+// Wipes that divide the picture into squares. Engine thread.
 #pragma once
 #include "engine/mix/wipes/Wipe.h"
 
 namespace korvia {
 
-/// Squares, or nearly so: whole numbers of them fill the picture.
+/// A grid of cells that are as square as whole numbers of them in the picture allow.
 struct CellGrid {
   CellGrid(FrameSize picture, int columnsMax);
 
-  /// Width of a soft edge as a part of a cell, `most` where 1 % of the picture's width is more.
+  /// Width of a soft edge, 1 % of the width of the picture, as a part of a cell; at most `most`.
   double feather(double most) const;
 
   FrameSize size;
@@ -19,7 +19,7 @@ struct CellGrid {
   double cellHeight;
 };
 
-/// Each cell is wiped from its left, those of the one colour of the board first and the others after them.
+/// Each cell is wiped from its left: the cells of one colour of the board first, then the others.
 class CheckerboardWipe : public Wipe {
  public:
   double coverage(FrameSize size, const MixPoint& point, double x, double y) const override;
@@ -27,7 +27,7 @@ class CheckerboardWipe : public Wipe {
            Frame& out) const override;
 };
 
-/// Small cells fade in one by one, in an order that the seed draws.
+/// Small cells fade in one by one, in random order.
 class DissolveWipe : public Wipe {
  public:
   double coverage(FrameSize size, const MixPoint& point, double x, double y) const override;
@@ -35,7 +35,7 @@ class DissolveWipe : public Wipe {
            Frame& out) const override;
 };
 
-/// Squares grow from the middle of their cells, one diagonal after the other from the top left.
+/// Squares grow from the centre of their cells, diagonal after diagonal from the top left.
 class DiagonalSquaresWipe : public Wipe {
  public:
   double coverage(FrameSize size, const MixPoint& point, double x, double y) const override;

@@ -3,14 +3,14 @@
 #include <cstring>
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/mix/Chance.h"
-#include "engine/mix/SmoothStep.h"
+#include "engine/mix/Curves.h"
+#include "engine/mix/SeededRandom.h"
 
 namespace korvia {
 
 namespace {
 
-/// Columns whose masks are told from their extremes where all of them are the same.
+/// Columns of a block. The extremes of a block tell whether all of its mask has one value.
 constexpr int kBlock = 64;
 
 constexpr int kMixed = -1;
@@ -20,51 +20,53 @@ struct Block {
   float levelMax = 0;
   float slopeMin = 0;
   float slopeMax = 0;
-  /// What all of its mask was in the last row; kMixed where that differed.
+  /// The value that all of its mask had in the last row; kMixed where it had several.
   int value = kMixed;
 };
 
 constexpr int kDrops = 12;
-/// The longest drop is ahead of what hangs back farthest by this part of the picture's height.
+/// How far the longest drop is ahead of the shortest, as a part of the height of the picture.
 constexpr double kDropLength = 0.34;
-/// On the flanks of a drop the soft edge is taller, so as to be as wide across, up to so many times.
+/// On the steep flanks of a drop the soft edge is stretched vertically, up to this factor, so that it has
+/// the same width everywhere.
 constexpr double kFlankMax = 2;
 
-/// A value and how it changes with its argument.
+/// A value and its derivative.
 struct Slope {
   double value = 0;
   double slope = 0;
 };
 
-/// Half of a drop, from the gap beside it at 0 to its tip at 1: a steep flank, and a tip that is round rather
-/// than pointed. Level at both ends.
+/// Half of a drop as a function of the place between the gap at 0 and the tip at 1: a steep flank and a
+/// round tip, with slope 0 at both ends.
 Slope dropSide(double along) {
   constexpr double kFlankBegin = 0.08;
   constexpr double kFlank = 0.5;
   constexpr double kTip = 0.25;
   const double flank = std::clamp((along - kFlankBegin) / kFlank, 0.0, 1.0);
   const double rest = 1 - along;
-  // Of the lines that are level at both ends one that bends little at the tip.
+  // A polynomial with slope 0 at both ends and little curvature at the tip.
   const double round = 1 - rest * rest * (1 + 2 * along * rest);
   const double roundSlope = rest * along * (10 - 8 * along);
   return {(1 - kTip) * smoothStep(flank) + kTip * round,
           (1 - kTip) * 6 * flank * (1 - flank) / kFlank + kTip * roundSlope};
 }
 
-/// How far behind the farthest the front is, 0 to 1, at a place from 0, left, to 1, and how that changes over
-/// the width. Smooth.
+/// How far the front is behind the tip of the longest drop, 0 to 1, and the derivative of that, at a place
+/// from 0, left, to 1. Smooth.
 Slope dropLag(std::uint32_t seed, double across) {
-  // Knots lie by turns in a gap and on a tip, each moved aside by chance.
+  // Knots alternate between gaps and tips; each is moved sideways by a random amount.
   constexpr int kFirst = -1;
   const auto drawn = [&](int knot, int which) {
-    return chance(seed, static_cast<std::uint32_t>(2 * (knot - kFirst) + which));
+    return seededRandom(seed, static_cast<std::uint32_t>(2 * (knot - kFirst) + which));
   };
   const auto placeOf = [&](int knot) { return (knot + 0.6 * (drawn(knot, 0) - 0.5)) / (2 * kDrops); };
   const auto isTip = [](int knot) { return knot % 2 != 0; };
   const auto lagOf = [&](int knot) {
     return isTip(knot) ? 0.65 * drawn(knot, 1) : 0.8 + 0.2 * drawn(knot, 1);
   };
-  // Knots move by less than half of their distance, so the place lies beside the nearest one's.
+  // Knots move by less than half of their distance, so the place lies between the nearest one and one of its
+  // neighbours.
   int right = static_cast<int>(std::lround(across * 2 * kDrops));
   if (placeOf(right) <= across)
     ++right;
@@ -152,8 +154,8 @@ double FrontWipe::coverage(FrameSize size, const MixPoint& point, double x, doub
 void FrontWipe::mix(const Frame& from, const Frame& to, const MixPoint& point, TransitionScratch& scratch,
                     Frame& out) const {
   const FrameSize size = out.size();
-  const PlaneGrid luma(size, false);
-  const PlaneGrid chroma(size, true);
+  const PlaneGrid luma(size, PlaneGroup::Luma);
+  const PlaneGrid chroma(size, PlaneGroup::Chroma);
   const FrontColumn* columns = scratch.table<FrontColumn>(
       this, size, point.seed, static_cast<std::size_t>(luma.width) + static_cast<std::size_t>(chroma.width),
       [&](FrontColumn* table) {

@@ -1,5 +1,5 @@
-// Wipes whose edge is a front over the columns: straight from a corner, or running down in drops. Engine
-// thread.
+// Wipes whose edge is a front that crosses each column once: straight from a corner, or running down in
+// drops. Engine thread.
 #pragma once
 #include "engine/mix/wipes/Wipe.h"
 
@@ -7,14 +7,15 @@ namespace korvia {
 
 /// How the front crosses one column.
 struct FrontColumn {
-  /// When it reaches the column's top and when its bottom, both within 0 to 1; between them it runs evenly.
+  /// The positions, 0 to 1, at which the front reaches the top and the bottom of the column; between them
+  /// its speed is constant.
   double top = 0;
   double bottom = 1;
-  /// Of the soft edge, as a part of the take, `featherMax` of the wipe at most.
+  /// Width of the soft edge as a part of the take, at most the `featherMax` of the wipe.
   double feather = 1;
 };
 
-/// The mask of a row needs a column's numbers and one multiplication.
+/// The mask of a row takes one multiplication for each column.
 class FrontWipe : public Wipe {
  public:
   double coverage(FrameSize size, const MixPoint& point, double x, double y) const final;
@@ -26,13 +27,13 @@ class FrontWipe : public Wipe {
   virtual double featherMax(FrameSize size) const = 0;
 
  private:
-  /// When a column's places are half covered, in its own times.
+  /// The time, on the scale of FrontColumn, at which places are half covered now.
   double reached(FrameSize size, const MixPoint& point) const;
 };
 
 enum class Corner { TopLeft, TopRight, BottomRight, BottomLeft };
 
-/// From a corner to the opposite one, along the picture's other diagonal.
+/// From a corner to the opposite one; the edge is parallel to the other diagonal.
 class CornerWipe : public FrontWipe {
  public:
   explicit CornerWipe(Corner corner) : corner_(corner) {}
@@ -45,7 +46,7 @@ class CornerWipe : public FrontWipe {
   Corner corner_;
 };
 
-/// Runs down from the top in drops of lengths that the seed draws.
+/// Runs down from the top in drops of random lengths.
 class BloodWipe : public FrontWipe {
  protected:
   FrontColumn column(FrameSize size, std::uint32_t seed, double x) const override;

@@ -5,7 +5,6 @@
 #include "engine/kernels/FetchAhead.h"
 #include "engine/kernels/MaskKernels.h"
 #include "engine/kernels/RowKernels.h"
-#include "engine/kernels/StreamRow.h"
 
 namespace korvia {
 
@@ -13,20 +12,19 @@ namespace {
 
 constexpr std::uint8_t kFrom = 0;
 constexpr std::uint8_t kTo = 255;
-// Where pictures change along a row, the memory's own look-ahead begins anew at each run; so the rows that
-// come are asked for in time.
+// At each run the hardware prefetcher starts again, so the rows that follow are prefetched explicitly.
 constexpr int kRowsAhead = 4;
 
 }  // namespace
 
-MaskedPlanes::MaskedPlanes(const Frame& from, const Frame& to, bool chroma, TransitionScratch& scratch,
+MaskedPlanes::MaskedPlanes(const Frame& from, const Frame& to, PlaneGroup group, TransitionScratch& scratch,
                            Frame& out) {
   const auto add = [&](int plane) {
     planes_[static_cast<std::size_t>(planeCount_++)] = {planeOf(from, plane), planeOf(to, plane),
                                                         writablePlaneOf(out, plane)};
   };
-  add(chroma ? Frame::U : Frame::Y);
-  if (chroma)
+  add(group == PlaneGroup::Chroma ? Frame::U : Frame::Y);
+  if (group == PlaneGroup::Chroma)
     add(Frame::V);
   width_ = planes_[0].out.width;
   const auto blocks = static_cast<std::size_t>(width_) / kMaskBlock + 1;
@@ -65,7 +63,7 @@ void MaskedPlanes::mixRow(int y, const std::uint8_t* mask) {
       if (run->kind != kFrom)
         fetchAhead(planes.to.row(ahead) + run->begin, count);
       if (run->kind == kFrom || run->kind == kTo)
-        streamRow((run->kind == kFrom ? from : to) + run->begin, out + run->begin, count);
+        copyRowNonTemporal((run->kind == kFrom ? from : to) + run->begin, out + run->begin, count);
       else
         mixMaskedRow(from + run->begin, to + run->begin, mask_ + run->begin, out + run->begin, count);
     }

@@ -1,5 +1,5 @@
-// Mixes two frames under a mask, row by row: what is all of one picture is copied, only the rest is mixed.
-// Engine thread.
+// Mixes two frames by a mask, row by row. Runs in which the mask is all 0 or all 255 are copied, the others
+// mixed. Engine thread.
 #pragma once
 #include <array>
 #include <cstdint>
@@ -9,16 +9,18 @@
 
 namespace korvia {
 
-/// The samples of the planes that share a mask, luma alone or the two of chroma, as places in the
-/// picture.
-struct PlaneGrid {
-  PlaneGrid(FrameSize picture, bool chroma)
-      : size(picture),
-        step(chroma ? 2 : 1),
-        width(chroma ? picture.chromaWidth() : picture.width),
-        height(chroma ? picture.chromaHeight() : picture.height) {}
+/// Planes that have the same size and share a mask.
+enum class PlaneGroup { Luma, Chroma };
 
-  /// Centre of a sample in luma samples.
+/// The coordinates of the samples of these planes in the picture.
+struct PlaneGrid {
+  PlaneGrid(FrameSize picture, PlaneGroup group)
+      : size(picture),
+        step(group == PlaneGroup::Chroma ? 2 : 1),
+        width(group == PlaneGroup::Chroma ? picture.chromaWidth() : picture.width),
+        height(group == PlaneGroup::Chroma ? picture.chromaHeight() : picture.height) {}
+
+  /// The centre of a sample, in luma samples.
   double x(int column) const { return (column + 0.5) * step; }
   double y(int row) const { return (row + 0.5) * step; }
 
@@ -30,16 +32,17 @@ struct PlaneGrid {
 
 class MaskedPlanes {
  public:
-  /// The scratch's buffers from here on are taken; masks have those before.
+  /// The first of the two buffers of the scratch that this class uses; masks may use those below.
   static constexpr int kFirstBuffer = TransitionScratch::kBufferCount - 2;
 
-  MaskedPlanes(const Frame& from, const Frame& to, bool chroma, TransitionScratch& scratch, Frame& out);
+  MaskedPlanes(const Frame& from, const Frame& to, PlaneGroup group, TransitionScratch& scratch, Frame& out);
 
-  /// `mask` has a value for each sample of the row, 0 for `from` to 255 for `to`; null: the last one's.
+  /// `mask` has a value for each sample of the row, from 0 for `from` to 255 for `to`. Null repeats the last
+  /// mask.
   void mixRow(int y, const std::uint8_t* mask);
 
  private:
-  /// Blocks of one kind, from a sample to before another.
+  /// A run of blocks of one kind: samples from `begin` up to, not including, `end`.
   struct Run {
     int begin = 0;
     int end = 0;
@@ -62,13 +65,13 @@ class MaskedPlanes {
   int runCount_ = 0;
 };
 
-/// Draws a whole frame. `maskFor(grid)` makes an object whose `row(y)`, asked for each row in turn, is its
-/// mask or null where that is the last row's.
+/// Mixes a whole frame. `maskFor(grid)` makes an object whose `row(y)` is called for each row in turn and
+/// returns its mask, or null for the same mask as in the last row.
 template <typename MaskFor>
 void mixByMask(const Frame& from, const Frame& to, TransitionScratch& scratch, Frame& out, MaskFor maskFor) {
-  for (const bool chroma : {false, true}) {
-    const PlaneGrid grid(out.size(), chroma);
-    MaskedPlanes planes(from, to, chroma, scratch, out);
+  for (const PlaneGroup group : {PlaneGroup::Luma, PlaneGroup::Chroma}) {
+    const PlaneGrid grid(out.size(), group);
+    MaskedPlanes planes(from, to, group, scratch, out);
     auto mask = maskFor(grid);
     for (int y = 0; y < grid.height; ++y)
       planes.mixRow(y, mask.row(y));

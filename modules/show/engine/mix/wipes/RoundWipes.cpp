@@ -12,7 +12,7 @@ namespace {
 
 using std::numbers::pi;
 
-/// Fills from sample `begin` to before `end`.
+/// Fills the samples from `begin` up to, not including, `end`.
 void fill(std::uint8_t* mask, int begin, int end, int value) {
   if (begin < end)
     std::memset(mask + begin, value, static_cast<std::size_t>(end - begin));
@@ -44,7 +44,7 @@ class CircleMask {
     int end = 0;
   };
 
-  /// The samples of a row within a radius; none of them in the middle where there are none.
+  /// The samples of a row within a radius; an empty range in the middle where there are none.
   Chord chord(double radius, double dy) const {
     const double square = radius * radius - dy * dy;
     const double half = radius > 0 && square > 0 ? std::sqrt(square) : 0;
@@ -52,7 +52,7 @@ class CircleMask {
     return {columnFrom(middle - half), columnFrom(middle + half)};
   }
 
-  /// The first sample whose centre is at x or behind it.
+  /// The first sample whose centre is at x or to the right of it.
   int columnFrom(double x) const {
     return std::clamp(static_cast<int>(std::ceil(x / grid_.step - 0.5)), 0, grid_.width);
   }
@@ -74,28 +74,28 @@ class CircleMask {
 };
 
 constexpr int kSpokes = 4;
-// A half of the wheel holds whole sectors, and the other half is the same.
+// The two halves of the wheel are equal when each holds whole sectors.
 static_assert(kSpokes % 4 == 0);
-/// Of a sector: 1 % of the width halfway to the picture's side.
+/// The soft edge as a part of a sector: 1 % of the width half-way to the side of the picture.
 constexpr double kSpokeFeather = 0.01 * 4 * kSpokes / (2 * pi);
 
-/// Coverage within a sector, `along` from 0 at its spoke's beginning to 1. Where the spoke begins, the sector
-/// before it is softened, which the next spoke covers at last.
+/// Coverage within a sector at `along`, from 0 at the start of its spoke to 1. The soft edge of a spoke
+/// begins in the sector before it, which the next spoke covers at the end.
 double wheelCoverage(double position, double along) {
   const double begun = swept(position, 0, 1, kSpokeFeather);
   const double before = std::max(0.0, (along - (1 - kSpokeFeather)) / kSpokeFeather);
   return std::max(swept(position, along, 1, kSpokeFeather), begun * before);
 }
 
-/// Along a row the tangent of the angle, from 12 o'clock above the centre and from 6 below it, is straight,
-/// and so are the borders between what is old, soft and new.
+/// Along a row the tangent of the angle, measured from 12 o'clock above the centre and from 6 o'clock below
+/// it, is linear. So each part of a sector, old, soft or new, is one run of samples.
 class WheelMask {
  public:
   WheelMask(const PlaneGrid& grid, double position, TransitionScratch& scratch)
       : grid_(grid),
         position_(position),
         mask_(scratch.buffer<std::uint8_t>(0, static_cast<std::size_t>(grid.width) + kSpare)) {
-    // Where the coverage of a sector bends.
+    // The places at which the slope of the coverage changes.
     const double edge = position * (1 + kSpokeFeather);
     const double begun = swept(position, 0, 1, kSpokeFeather);
     const double meeting = (edge + begun * (1 - kSpokeFeather)) / (1 + begun);
@@ -133,18 +133,19 @@ class WheelMask {
 
  private:
   static constexpr std::size_t kParts = 5;
-  // What the kernel writes past the end of a part.
+  // The kernel writes up to a register past the end of a part.
   static constexpr std::size_t kSpare = 64;
 
-  /// Between two bends: straight, on a line through a known value at a known angle.
+  /// A part between two such places. The coverage is linear there, through `level` at the angle whose
+  /// tangent is `middle`.
   struct Part {
-    /// Tangents of its angles.
+    /// Tangents of the angles at its ends.
     double begin = 0;
     double end = 0;
-    /// Tangent of the angle at which the line has the value `level`.
+    /// Tangent of the angle at which the coverage is `level`.
     double middle = 0;
     double level = 0;
-    /// By radian; 0 where the part has one value.
+    /// Change of the coverage for each radian; 0 for a part of one value.
     double slope = 0;
   };
 
@@ -175,7 +176,7 @@ class WheelMask {
       fill(mask_, begin, end, static_cast<int>(part.level));
       return;
     }
-    // A soft edge is so narrow that the tangent of an angle within it is the angle.
+    // A soft edge is so narrow that the tangent of an angle in it equals the angle.
     SpokeRow spoke;
     spoke.first = static_cast<float>(first);
     spoke.step = static_cast<float>(step);

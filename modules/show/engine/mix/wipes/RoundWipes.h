@@ -1,10 +1,10 @@
-// Wipes around the picture's centre. Engine thread.
+// Wipes around the centre of the picture. Engine thread.
 #pragma once
 #include "engine/mix/wipes/Wipe.h"
 
 namespace korvia {
 
-/// A round hole that grows.
+/// A circle that opens from the centre.
 class CircleWipe : public Wipe {
  public:
   double coverage(FrameSize size, const MixPoint& point, double x, double y) const override;
@@ -12,7 +12,7 @@ class CircleWipe : public Wipe {
            Frame& out) const override;
 };
 
-/// Spokes that turn clockwise from 12, 3, 6 and 9 o'clock, each as far as the next one's beginning.
+/// Four spokes that turn clockwise from 12, 3, 6 and 9 o'clock, each up to the start of the next.
 class WheelWipe : public Wipe {
  public:
   double coverage(FrameSize size, const MixPoint& point, double x, double y) const override;

@@ -1,5 +1,5 @@
-// A wipe uncovers the new picture under a mask. Its coverage is a function of place and position, which the
-// rows of its masks follow within a code value. Engine thread.
+// A wipe shows the new picture under a mask. coverage() is the exact function of place and position; the
+// masks that mix() computes row by row stay within one code value of it. Engine thread.
 #pragma once
 #include <algorithm>
 #include <cmath>
@@ -11,9 +11,9 @@ namespace korvia {
 
 class Wipe : public Transition {
  public:
-  /// How much of `to` is seen at a place, 0 to 1; never less at a later position. Places are in luma samples
-  /// from the picture's top left corner, so that the first sample's centre is at 0.5, 0.5 and a chroma
-  /// sample's in the middle of its four.
+  /// The weight of `to` at a place, 0 to 1; it never falls as the position rises. Places are in luma samples
+  /// from the top left corner: the centre of the first sample is at 0.5, 0.5, that of a chroma sample in the
+  /// middle of its four.
   virtual double coverage(FrameSize size, const MixPoint& point, double x, double y) const = 0;
 };
 
@@ -22,13 +22,14 @@ inline double featherOf(FrameSize size) {
   return std::max(1.0, size.width * 0.01);
 }
 
-/// Coverage at `place` when a soft edge runs from 0 to `length`. The edge lies wholly before 0 at the start
-/// and wholly behind `length` at the end.
+/// Coverage at `place` of a soft edge that moves from 0 to `length`. At position 0 all of the edge is before
+/// 0, at position 1 all of it is behind `length`.
 inline double swept(double position, double place, double length, double feather) {
   return std::clamp((position * (length + feather) - place) / feather, 0.0, 1.0);
 }
 
-/// Rounds what is cut off to an integer; masks are never negative, and a call to round each is too slow.
+/// Added before a truncating conversion it rounds. Masks are never negative, and std::lround for each sample
+/// is too slow.
 inline constexpr float kRounding = 0.5F;
 
 inline std::uint8_t maskOf(double coverage) {

@@ -22,7 +22,7 @@ QImage noiseImage(QSize size, std::uint32_t seed) {
   return image;
 }
 
-/// What lies over what, in exact arithmetic and rounded after each layer.
+/// A reference: blends the layers in exact arithmetic and rounds after each.
 FrameRef reference(const FrameRef& base, const std::vector<LayerRef>& layers) {
   return frameOf(base->size(), [&](int plane, int x, int y) {
     double value = planeOf(*base, plane).row(y)[x];

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "engine/kernels/AreaKernels.h"
-#include "engine/kernels/LitMix.h"
+#include "engine/kernels/RowKernels.h"
 #include "support/EveryInstructionSet.h"
 
 using namespace korvia;
@@ -127,7 +127,7 @@ class AreaKernelsTest : public QObject {
       for (const std::uint8_t value : noise(count, 11))
         light.push_back(static_cast<std::int8_t>(value - 128));
       std::vector<std::uint8_t> out(a.size());
-      mixLitRow(a.data(), b.data(), mask.data(), light.data(), out.data(), count);
+      mixMaskedLitRow(a.data(), b.data(), mask.data(), light.data(), out.data(), count);
       for (std::size_t x = 0; x < out.size(); ++x) {
         const int mixed = static_cast<int>(std::lround((a[x] * (255 - mask[x]) + b[x] * mask[x]) / 255.0));
         const int lit = mixed + static_cast<int>(std::floor((mixed - 16) * light[x] / 128.0 + 0.5));

@@ -1,4 +1,4 @@
-// The row loops of the blurs against their formulas, in rows without a sample to spare.
+// The blur kernels against their formulas, in rows that end with their last sample.
 #include <QtTest>
 #include <array>
 #include <cmath>
@@ -19,7 +19,7 @@ class Draw {
     seed_ = seed_ * 1664525 + 1013904223;
     return static_cast<int>((seed_ >> 8) % static_cast<quint32>(range));
   }
-  /// Samples of all values, the extremes among them more often than by chance.
+  /// Samples of all values, with the extremes more frequent than the others.
   Row row(int count) {
     Row row(static_cast<std::size_t>(count));
     for (std::uint8_t& sample : row) {

@@ -1,11 +1,11 @@
-// The mask kernels and the streamed copy against their formulas, over every length to 140, and no sample
-// more.
+// The mask kernels and the non-temporal copy against their formulas, for every length to 140; nothing past
+// the end may change.
 #include <QtTest>
 #include <cmath>
 #include <vector>
 
 #include "engine/kernels/MaskKernels.h"
-#include "engine/kernels/StreamRow.h"
+#include "engine/kernels/RowKernels.h"
 #include "support/EveryInstructionSet.h"
 
 using namespace korvia;
@@ -175,12 +175,12 @@ class MaskKernelsTest : public QObject {
     }
   }
 
-  void streamedRowIsTheRow() {
+  void aNonTemporalCopyIsTheRow() {
     const std::vector<std::uint8_t> from = noise(kLengths + 3, 4);
     for (int count = 0; count <= kLengths; ++count)
       for (int start = 0; start < 3; ++start) {
         Target target;
-        streamRow(from.data() + start, target.samples + start, count);
+        copyRowNonTemporal(from.data() + start, target.samples + start, count);
         for (int x = 0; x < count; ++x)
           QCOMPARE(target.samples[start + x], from[static_cast<std::size_t>(start + x)]);
         for (int x = 0; x < start; ++x)

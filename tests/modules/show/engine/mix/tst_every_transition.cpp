@@ -1,5 +1,5 @@
-// What holds for each transition of the catalogue: exact ends, steady movement, no chance but the seed's, no
-// sample out of place.
+// What holds for each transition of the catalogue: exact ends, steady movement, no randomness but the seed's,
+// no sample out of place.
 #include <QtTest>
 
 #include "engine/mix/TransitionCatalog.h"

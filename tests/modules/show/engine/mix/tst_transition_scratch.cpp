@@ -1,4 +1,4 @@
-// What is kept from frame to frame is kept, and made anew when it no longer fits.
+// Frames, buffers and tables are kept from frame to frame, and made again when the size or the key differs.
 #include <QtTest>
 
 #include "engine/mix/TransitionScratch.h"

@@ -250,7 +250,7 @@ class TestRecordOutput : public QObject {
     output.reset();
     QVERIFY(timer.elapsed() < 5000);
     gate.open();
-    // The thread that was left behind ends by itself and takes its empty file along.
+    // The detached thread ends and removes its empty file.
     QTRY_VERIFY_WITH_TIMEOUT(QDir(folder.path()).isEmpty(), 10000);
   }
 

@@ -152,7 +152,7 @@ class TestTarget : public QObject {
     noted.target.reset();
     QVERIFY(timer.elapsed() < 5000);
     noted.notes->release();
-    // The thread that was left behind still ends its writer.
+    // The detached thread still ends its writer.
     QTRY_VERIFY(noted.notes->outcome().failed);
     QCOMPARE(noted.notes->outcome().reason, QString("the end was not written in time"));
   }

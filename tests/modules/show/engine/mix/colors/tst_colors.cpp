@@ -77,8 +77,8 @@ class ColorsTest : public QObject {
     QCOMPARE(rowOf(middle, Frame::Y, 1), (Samples{188, 188, 188, 188}));
     QCOMPARE(rowOf(middle, Frame::U, 0), (Samples{156, 104}));
     QCOMPARE(rowOf(middle, Frame::V, 0), (Samples{94, 146}));
-    // On the way in the dark parts of the new picture are still away, on the way out the bright ones of the
-    // old are still there.
+    // During the first half the dark parts of the new picture are not visible yet, during the second the
+    // bright ones of the old are still visible.
     QCOMPARE(rowOf(mixed(kMostBright, a, b, 0.1), Frame::Y, 0), (Samples{52, 52, 200, 200}));
     QCOMPARE(rowOf(mixed(kMostBright, a, b, 0.9), Frame::Y, 0), (Samples{200, 200, 52, 52}));
   }
@@ -87,7 +87,7 @@ class ColorsTest : public QObject {
     const FrameRef a = columns({235, 235, 80, 80, 16, 16}, 2, 100, 150);
     const FrameRef b = even({6, 2}, 100, 160, 90);
     const FrameRef middle = mixed(kBrightExtract, a, b, 0.5);
-    // Those between are on their way, lit by the rim.
+    // Values between are changing, lit by the rim.
     QCOMPARE(rowOf(middle, Frame::Y, 1), (Samples{100, 100, 126, 126, 16, 16}));
     QCOMPARE(rowOf(middle, Frame::U, 0), (Samples{160, 129, 100}));
     const FrameRef first =
@@ -105,13 +105,14 @@ class ColorsTest : public QObject {
     QCOMPARE(rowOf(middle, Frame::Y, 1), (Samples{16, 16, 171, 171, 206, 206}));
     QCOMPARE(rowOf(middle, Frame::U, 0)[0], 156);
     QCOMPARE(rowOf(middle, Frame::V, 0)[0], 16);
-    // The bright parts turn first, and turn back last; the other picture is not seen yet, or no more.
-    const FrameRef turning = columns({235, 235, 80, 80, 30, 30}, 2, 100, 240);
+    // The bright parts are inverted first and inverted back last; the other picture is not visible yet or no
+    // longer.
+    const FrameRef inverting = columns({235, 235, 80, 80, 30, 30}, 2, 100, 240);
     const FrameRef other = even({6, 2}, 130, 60, 60);
     const Samples half = {16, 16, 112, 112, 30, 30};
-    QCOMPARE(rowOf(mixed(kInvertColor, turning, other, 0.25), Frame::Y, 0), half);
-    QCOMPARE(rowOf(mixed(kInvertColor, other, turning, 0.75), Frame::Y, 0), half);
-    QCOMPARE(rowOf(mixed(kInvertColor, turning, other, 0.25), Frame::U, 0)[2], 100);
+    QCOMPARE(rowOf(mixed(kInvertColor, inverting, other, 0.25), Frame::Y, 0), half);
+    QCOMPARE(rowOf(mixed(kInvertColor, other, inverting, 0.75), Frame::Y, 0), half);
+    QCOMPARE(rowOf(mixed(kInvertColor, inverting, other, 0.25), Frame::U, 0)[2], 100);
   }
 
   void pixelsMultipliedChangesHalfOfItsCellsFirst() {

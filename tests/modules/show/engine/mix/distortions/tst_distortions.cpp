@@ -1,11 +1,11 @@
 // The distortions against their formulas at every sample, in double precision, on smooth pictures; and what
-// their chance may do.
+// their random numbers may do.
 #include <QtTest>
 #include <cmath>
 #include <functional>
 
+#include "engine/mix/SeededRandom.h"
 #include "engine/mix/TransitionCatalog.h"
-#include "engine/mix/distortions/Noise.h"
 #include "support/MixPictures.h"
 
 using namespace korvia;
@@ -144,8 +144,8 @@ Place weave(double position, double x, double y) {
 Place wiggle(double position, double x, double y) {
   const double turn = (std::atan2(y - kCenterY, x - kCenterX) / (2 * kPi) + 0.5) * 48;
   const int ray = static_cast<int>(turn);
-  const double a = chanceAt(7, ray % 48, 48);
-  const double b = chanceAt(7, (ray + 1) % 48, 48);
+  const double a = seededRandom(7, ray % 48, 48);
+  const double b = seededRandom(7, (ray + 1) % 48, 48);
   const double stretch = swellOf(position) * 0.3 * (2 * (a + (b - a) * (turn - ray)) - 1);
   return {(x - kCenterX) * stretch, (y - kCenterY) * stretch};
 }
@@ -157,14 +157,14 @@ Place crumble(double position, double x, double y) {
   // All pieces of the picture and those around it.
   for (int row = 0; row < 22; ++row)
     for (int column = 0; column < 35; ++column) {
-      const double toX = x - (column - 1 + chanceAt(7, column, row)) * size;
-      const double toY = y - (row - 1 + chanceAt(8, column, row)) * size;
+      const double toX = x - (column - 1 + seededRandom(7, column, row)) * size;
+      const double toY = y - (row - 1 + seededRandom(8, column, row)) * size;
       if (std::hypot(toX, toY) >= nearest)
         continue;
       nearest = std::hypot(toX, toY);
-      const double heading = 2 * kPi * chanceAt(9, column, row);
-      const double far = 0.11 * kReach * chanceAt(10, column, row);
-      const double turn = 0.9 * (2 * chanceAt(11, column, row) - 1);
+      const double heading = 2 * kPi * seededRandom(9, column, row);
+      const double far = 0.11 * kReach * seededRandom(10, column, row);
+      const double turn = 0.9 * (2 * seededRandom(11, column, row) - 1);
       displacement = {far * std::cos(heading) - turn * toY, far * std::sin(heading) + turn * toX};
     }
   const double swell = swellOf(position);
@@ -345,14 +345,14 @@ class DistortionsTest : public QObject {
     QVERIFY(largestAsymmetry(*now) > 20);
   }
 
-  void onlyWhatIsLeftToChanceFollowsTheSeed() {
+  void onlyRandomEffectsFollowTheSeed() {
     const FrameRef a = scenery({320, 180}, 0);
     const FrameRef b = scenery({320, 180}, 1);
     for (int effect = kBandedSwirl; effect <= kTextureMap; ++effect) {
-      const bool chance = effect == kCloudReveal || effect == kCrumble || effect == kDissolve ||
+      const bool random = effect == kCloudReveal || effect == kCrumble || effect == kDissolve ||
                           effect == kRadialWiggle || effect == kRandomCircleReveal;
       const double mean = difference(*mixed(effect, a, b, {0.4, 1}), *mixed(effect, a, b, {0.4, 2})).mean;
-      QVERIFY2(chance ? mean > 1 : mean == 0, qPrintable(QString("%1: %2").arg(effect).arg(mean)));
+      QVERIFY2(random ? mean > 1 : mean == 0, qPrintable(QString("%1: %2").arg(effect).arg(mean)));
     }
   }
 

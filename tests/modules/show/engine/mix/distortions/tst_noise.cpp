@@ -1,7 +1,8 @@
-// Chance: evenly spread, the same at each call, and smooth where it says so.
+// Noise: evenly distributed, repeatable, and smooth where it has to be.
 #include <QtTest>
 #include <cmath>
 
+#include "engine/mix/SeededRandom.h"
 #include "engine/mix/distortions/Noise.h"
 
 using namespace korvia;
@@ -10,30 +11,31 @@ class NoiseTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void chanceIsSpreadEvenly() {
+  void numbersAreSpreadEvenly() {
     std::array<int, 10> bins{};
     for (int y = -50; y < 50; ++y)
       for (int x = -50; x < 50; ++x) {
-        const double chance = chanceAt(42, x, y);
-        QVERIFY(chance >= 0 && chance < 1);
-        ++bins[static_cast<std::size_t>(chance * 10)];
+        const double random = seededRandom(42, x, y);
+        QVERIFY(random >= 0 && random < 1);
+        ++bins[static_cast<std::size_t>(random * 10)];
       }
     for (const int bin : bins)
       QVERIFY2(bin > 850 && bin < 1150, qPrintable(QString::number(bin)));
   }
 
   void neighboursHaveNothingInCommon() {
-    // Correlation of places and seeds next to each other; 0.03 is three times the deviation of chance.
+    // Correlation of places and seeds next to each other; 0.03 is three standard deviations of random
+    // numbers.
     double right = 0;
     double below = 0;
     double seed = 0;
     for (std::uint32_t i = 0; i < 10000; ++i) {
       const int x = static_cast<int>(i % 100);
       const int y = static_cast<int>(i / 100);
-      const double here = chanceAt(i % 7, x, y) - 0.5;
-      right += here * (chanceAt(i % 7, x + 1, y) - 0.5);
-      below += here * (chanceAt(i % 7, x, y + 1) - 0.5);
-      seed += here * (chanceAt(i % 7 + 1, x, y) - 0.5);
+      const double here = seededRandom(i % 7, x, y) - 0.5;
+      right += here * (seededRandom(i % 7, x + 1, y) - 0.5);
+      below += here * (seededRandom(i % 7, x, y + 1) - 0.5);
+      seed += here * (seededRandom(i % 7 + 1, x, y) - 0.5);
     }
     for (const double sum : {right, below, seed})
       QVERIFY2(std::abs(sum * 12 / 10000) < 0.03, qPrintable(QString::number(sum)));
@@ -72,16 +74,16 @@ class NoiseTest : public QObject {
   }
 
   void aRingIsClosed() {
-    const ChanceRing ring(3, 7);
-    QCOMPARE(ring.straightAt(1), ring.straightAt(0));
-    QCOMPARE(ring.softAt(1), ring.softAt(0));
-    QCOMPARE(ring.straightAt(0), chanceAt(3, 0, 7));
-    QVERIFY(qAbs(ring.softAt(2.0 / 7) - chanceAt(3, 2, 7)) < 1e-9);
+    const DirectionNoise ring(3, 7);
+    QCOMPARE(ring.linearAt(1), ring.linearAt(0));
+    QCOMPARE(ring.smoothAt(1), ring.smoothAt(0));
+    QCOMPARE(ring.linearAt(0), seededRandom(3, 0, 7));
+    QVERIFY(qAbs(ring.smoothAt(2.0 / 7) - seededRandom(3, 2, 7)) < 1e-9);
     // A quarter of the way: in a straight line, and on a soft one.
-    const double a = chanceAt(3, 4, 7);
-    const double b = chanceAt(3, 5, 7);
-    QVERIFY(qAbs(ring.straightAt(4.25 / 7) - (a + (b - a) * 0.25)) < 1e-9);
-    QVERIFY(qAbs(ring.softAt(4.25 / 7) - (a + (b - a) * 0.15625)) < 1e-9);
+    const double a = seededRandom(3, 4, 7);
+    const double b = seededRandom(3, 5, 7);
+    QVERIFY(qAbs(ring.linearAt(4.25 / 7) - (a + (b - a) * 0.25)) < 1e-9);
+    QVERIFY(qAbs(ring.smoothAt(4.25 / 7) - (a + (b - a) * 0.15625)) < 1e-9);
   }
 };
 

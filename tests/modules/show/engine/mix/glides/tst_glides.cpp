@@ -148,7 +148,7 @@ class GlidesTest : public QObject {
     const auto picture = [&](int base) {
       return frameOf({4, 4}, [&](int, int x, int y) { return base + 40 * (down ? y : x); });
     };
-    // What comes in is 2.5 samples away from its place, what goes out 1.5.
+    // The incoming picture is 2.5 samples away from its place, the outgoing one 1.5.
     const FrameRef now = mixed(effect, picture(0), picture(100), 0.375);
     QCOMPARE(line(*now, 0, down), luma);
     QCOMPARE(line(*now, 1, down), chroma);

@@ -1,4 +1,4 @@
-// The wipes: what each of them uncovers and when, in soft edges, never taking anything back.
+// The wipes: which places each of them uncovers at which position, with soft edges, and never covers again.
 #include <QtTest>
 
 #include "engine/mix/TransitionCatalog.h"
@@ -109,7 +109,7 @@ double meanLuma(const FrameRef& frame) {
   return sum / frame->width() / frame->height();
 }
 
-/// Whether a plane of one is that of the other, turned over as told.
+/// Whether a plane of one picture is the mirrored plane of the other.
 bool mirrored(const FrameRef& a, const FrameRef& b, int plane, bool acrossToo, bool downToo) {
   const PlaneView va = planeOf(*a, plane);
   const PlaneView vb = planeOf(*b, plane);
@@ -428,8 +428,8 @@ class WipesTest : public QObject {
       }
   }
 
-  void chanceComesFromTheSeed_data() { everyWipe(); }
-  void chanceComesFromTheSeed() {
+  void randomNumbersComeFromTheSeed_data() { everyWipe(); }
+  void randomNumbersComeFromTheSeed() {
     QFETCH(int, effect);
     const FrameSize size{160, 90};
     const double apart = difference(*masked(effect, size, 0.5, 1), *masked(effect, size, 0.5, 2)).mean;
@@ -440,7 +440,7 @@ class WipesTest : public QObject {
     QCOMPARE(difference(*masked(effect, size, 0.5, 2), *masked(effect, size, 0.5, 2)).largest, 0);
   }
 
-  void chanceKeepsAnEvenPace() {
+  void randomOrdersKeepAnEvenPace() {
     for (const int effect : {DissolveIn, RandomBars})
       for (const std::uint32_t seed : {0U, 1U, 99U, 4294967295U}) {
         const auto covered = [&](double position) {

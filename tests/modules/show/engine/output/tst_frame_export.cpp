@@ -2,12 +2,12 @@
 
 #include <QtTest>
 
-#include "engine/output/FrameBuffer.h"
+#include "engine/output/FrameExport.h"
 #include "support/TestPattern.h"
 
 using namespace korvia;
 
-class TestFrameBuffer : public QObject {
+class FrameExportTest : public QObject {
   Q_OBJECT
 
  private slots:
@@ -50,5 +50,5 @@ class TestFrameBuffer : public QObject {
   }
 };
 
-QTEST_APPLESS_MAIN(TestFrameBuffer)
-#include "tst_frame_buffer.moc"
+QTEST_APPLESS_MAIN(FrameExportTest)
+#include "tst_frame_export.moc"

@@ -1,13 +1,13 @@
-// Chance is the same for the same seed, another for another, and leaves nothing out.
+// Seeded random numbers and shuffles: repeatable, different for each seed, evenly distributed.
 #include <QtTest>
 #include <set>
 #include <vector>
 
-#include "engine/mix/Chance.h"
+#include "engine/mix/SeededRandom.h"
 
 using namespace korvia;
 
-class ChanceTest : public QObject {
+class SeededRandomTest : public QObject {
   Q_OBJECT
 
  private slots:
@@ -43,7 +43,7 @@ class ChanceTest : public QObject {
       for (int i = 1; i < 48; ++i)
         together += std::abs(shuffle.place(i) - shuffle.place(i - 1)) == 1;
     }
-    // Of 4700 pairs, two in 48 would be by pure chance: 196.
+    // Of 4700 pairs two in 48 are neighbours in a random order: 196.
     QVERIFY2(together > 98 && together < 392, qPrintable(QString::number(together)));
   }
 
@@ -51,17 +51,17 @@ class ChanceTest : public QObject {
     for (const std::uint32_t seed : {0U, 1U, 12345U}) {
       int counts[10] = {};
       for (std::uint32_t i = 0; i < 10000; ++i) {
-        const double number = chance(seed, i);
+        const double number = seededRandom(seed, i);
         QVERIFY(number >= 0 && number < 1);
         ++counts[static_cast<int>(number * 10)];
       }
       for (const int count : counts)
         QVERIFY2(count > 850 && count < 1150, qPrintable(QString::number(count)));
     }
-    QVERIFY(chance(1, 0) != chance(2, 0));
-    QVERIFY(chance(1, 0) != chance(1, 1));
+    QVERIFY(seededRandom(1, 0) != seededRandom(2, 0));
+    QVERIFY(seededRandom(1, 0) != seededRandom(1, 1));
   }
 };
 
-QTEST_GUILESS_MAIN(ChanceTest)
-#include "tst_chance.moc"
+QTEST_GUILESS_MAIN(SeededRandomTest)
+#include "tst_seeded_random.moc"

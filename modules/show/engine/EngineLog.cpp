@@ -1,0 +1,9 @@
+#include "EngineLog.h"
+
+namespace korvia {
+
+Q_LOGGING_CATEGORY(logEngine, "korvia.engine")
+Q_LOGGING_CATEGORY(logMonitor, "korvia.monitor")
+Q_LOGGING_CATEGORY(logOutput, "korvia.output")
+
+}  // namespace korvia
