@@ -13,7 +13,7 @@
 #include "backend/IShowBackend.h"
 
 /// A source whose answers are plain members. Console thread.
-class ScriptedSource : public IKorviaShowSource {
+class ScriptedSource final : public IKorviaShowSource {
  public:
   explicit ScriptedSource(KorviaShowObjectID objectId, const tagKorviaShowSourceInfo& sourceInfo)
       : id(objectId), info(sourceInfo) {}

@@ -20,4 +20,7 @@ class IKorviaRTMPIncomeServer : public IUnknownEx {
   virtual int rtmpPort() = 0;
   /// Ends the child process. Harmless when the server is not open.
   virtual void close() = 0;
+
+ protected:
+  ~IKorviaRTMPIncomeServer() = default;
 };

@@ -6,4 +6,7 @@ class IKorviaWebServerSink : public IUnknownEx {
  public:
   /// Room for requests that the server cannot answer by itself; 0 when nobody handles them.
   virtual int onWebRequest() = 0;
+
+ protected:
+  ~IKorviaWebServerSink() = default;
 };
