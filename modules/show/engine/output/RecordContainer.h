@@ -13,8 +13,9 @@ struct RecordContainer {
   const char* muxer;   ///< GStreamer element
   /// Seconds between repeated stream headers: -1 with every key picture, 0 once in the file's own header.
   int headerInterval;
-  bool boxes;  ///< the file is a row of boxes, of which the last must be whole
-  std::vector<ElementProperty> properties;
+  bool boxes;                               ///< the file is a row of boxes, of which the last must be whole
+  std::vector<ElementProperty> properties;  ///< of the muxer
+  std::vector<ElementProperty> inletProperties;  ///< of the appsrc in front of each track
 
   /// The format for a KorviaShowEncapsulation; mp4, the default of new records, for any other number.
   static const RecordContainer& of(int encapsulation);
