@@ -27,6 +27,7 @@ class ScriptedSource final : public IKorviaShowSource {
   void getState(tagKorviaSourceLinkState& state) override {
     state.rate = rate;
     state.reason = reason;
+    state.pictureDuration = pictureDuration;
   }
   void play() override { calls.append(QStringLiteral("play")); }
   void stop() override { calls.append(QStringLiteral("stop")); }
@@ -52,6 +53,7 @@ class ScriptedSource final : public IKorviaShowSource {
   tagKorviaFormatInfo format;
   float rate = 25.0F;
   QString reason;
+  qint64 pictureDuration = 0;
   qint64 frameCount = 0;
   qint64 duration = 0;
   qint64 time = 0;

@@ -1,5 +1,5 @@
-// Modules of other compilers call each other's objects through the tables of the interfaces. Each operation is
-// called both ways: by C++ through a table made by hand, and by hand through the table of a real object.
+// Modules of other compilers call each other's objects through the tables of the interfaces. Each operation
+// is called both ways: by C++ through a table made by hand, and by hand through the table of a real object.
 #include <QMenu>
 #include <QPointer>
 #include <QPushButton>
@@ -244,8 +244,8 @@ void InterfaceTablesTest::handMadeServices() {
                         "getSystemFontInfo", "getComponentCatalog", "getStageCatalog", "showSoundControl",
                         "showTransitionConfig", "showChannelConfig", "saveChanges", "updateTakeButton",
                         "takeChannel", "takeSelected", "getEffectList", "getSource"}));
-  QCOMPARE(calls().args, QVariantList({quint64(41), 1, 2, 3, 4, 5, 6, 7, 8u, 9, 10, 11, 12, 13, 14,
-                                       int(PVMObject)}));
+  QCOMPARE(calls().args,
+           QVariantList({quint64(41), 1, 2, 3, 4, 5, 6, 7, 8u, 9, 10, 11, 12, 13, 14, int(PVMObject)}));
 }
 
 void InterfaceTablesTest::handMadeThreadSink() {
@@ -287,9 +287,8 @@ void InterfaceTablesTest::handMadeEngineSink() {
   sink->onSourceNotify(PVMObject, 5, 6);
   QCOMPARE(calls().names,
            QStringList({"onAudioData", "lockBackground", "unlockBackground", "onSourceNotify"}));
-  QCOMPARE(calls().args,
-           QVariantList({int(KaraokeObject), true, 1u, 2u, 3, true, 4, int(PGMObject), int(PGMObject),
-                         QSize(3, 2), int(PVMObject), 5, 6}));
+  QCOMPARE(calls().args, QVariantList({int(KaraokeObject), true, 1u, 2u, 3, true, 4, int(PGMObject),
+                                       int(PGMObject), QSize(3, 2), int(PVMObject), 5, 6}));
 }
 
 void InterfaceTablesTest::handMadeSource() {
@@ -329,8 +328,7 @@ void InterfaceTablesTest::handMadeSource() {
   source->prev();
   source->next();
   source->setPosition(18);
-  QCOMPARE(calls().names,
-           QStringList({"play", "stop", "pause", "setHold", "prev", "next", "setPosition"}));
+  QCOMPARE(calls().names, QStringList({"play", "stop", "pause", "setHold", "prev", "next", "setPosition"}));
   QCOMPARE(calls().args, QVariantList({true, qint64(18)}));
   qint64 value = 0;
   source->getDuration(value);
