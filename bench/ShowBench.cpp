@@ -26,7 +26,7 @@ constexpr int kOpenMs = 20000;
 constexpr QSize kStripPicture(296, 167);
 constexpr QSize kBusPicture(544, 306);
 
-class Sink : public IKorviaShowThreadSink {
+class Sink final : public IKorviaShowThreadSink {
  public:
   bool isValid() override { return true; }
   bool release() override { return true; }

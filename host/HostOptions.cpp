@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr int kMediaChannels = 8;
 constexpr int kMaxSide = 16384;
 constexpr double kMaxExitAfterS = 1e6;
 
@@ -63,12 +62,14 @@ QString readOpen(const QString& value, HostOptions& options) {
   static const QRegularExpression form(QStringLiteral("^(\\d+)=(.+)$"),
                                        QRegularExpression::DotMatchesEverythingOption);
   const QRegularExpressionMatch match = form.match(value);
+  if (!match.hasMatch())
+    return QStringLiteral("\"%1\" is not N=FILE").arg(value);
+  // Which channels there are, only the show knows: channelRefusal().
   bool isNumber = false;
   const int channel = match.captured(1).toInt(&isNumber);
-  if (!match.hasMatch() || !isNumber || channel >= kMediaChannels)
-    return QStringLiteral("\"%1\" is not N=FILE with a channel from 0 to 7").arg(value);
+  const QString key = isNumber ? QString::number(channel) : match.captured(1);
   // A file that is not there is the engine's business: it shows on its channel, the show goes on.
-  options.openFiles.insert(QString::number(channel), QFileInfo(match.captured(2)).absoluteFilePath());
+  options.openFiles.insert(key, QFileInfo(match.captured(2)).absoluteFilePath());
   return QString();
 }
 
@@ -124,7 +125,8 @@ HostCommandLine answer(HostCommandLine::Outcome outcome, const QString& text) {
 
 QString HostOptions::channelRefusal(int mediaChannels) const {
   for (auto file = openFiles.cbegin(); file != openFiles.cend(); ++file) {
-    if (file.key().toInt() >= mediaChannels)
+    bool isNumber = false;
+    if (file.key().toInt(&isNumber) >= mediaChannels || !isNumber)
       return QStringLiteral("--open: there is no media channel %1, the show has the channels 0 to %2")
           .arg(file.key())
           .arg(mediaChannels - 1);

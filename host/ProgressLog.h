@@ -4,7 +4,7 @@
 
 namespace korvia {
 
-class ProgressLog : public IProgressSink {
+class ProgressLog final : public IProgressSink {
  public:
   void onProgressBegin() override;
   void onProgressEnd() override;

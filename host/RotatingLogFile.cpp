@@ -7,15 +7,23 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <cstdio>
+#include <utility>
 
+#include "LogLine.h"
 #include "writeAll.h"
 
 namespace korvia {
 
-RotatingLogFile::RotatingLogFile(const QString& fileName, qint64 fileBytes, int files)
-    : fileName_(fileName), fileBytes_(fileBytes), files_(files) {
-  QDir().mkpath(QFileInfo(fileName_).absolutePath());
+namespace {
+
+constexpr std::chrono::milliseconds kRetry{1000};
+
+}  // namespace
+
+RotatingLogFile::RotatingLogFile(const QString& fileName, qint64 fileBytes, int files, Clock clock)
+    : fileName_(fileName), fileBytes_(fileBytes), files_(files), clock_(std::move(clock)) {
   open();
 }
 
@@ -24,9 +32,11 @@ RotatingLogFile::~RotatingLogFile() {
 }
 
 void RotatingLogFile::open() {
+  QDir().mkpath(QFileInfo(fileName_).absolutePath());
   // Appending, so that two programs that share the file do not write over each other.
   descriptor_ =
       ::open(QFile::encodeName(fileName_).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+  retryAt_ = clock_() + kRetry;
 }
 
 void RotatingLogFile::close() {
@@ -46,11 +56,33 @@ QString RotatingLogFile::numbered(int number) const {
 }
 
 void RotatingLogFile::write(const QByteArray& lines) {
+  if (!isOpen() && clock_() >= retryAt_)
+    open();
   // Twice, when another program had put the file aside and has filled its new one since.
   for (int tries = 0; tries < 2 && isFullFor(lines.size()); ++tries)
     rotate();
-  if (descriptor_ >= 0)
-    writeAll(descriptor_, lines);
+  if (!isOpen())
+    return lose(lines);
+  QByteArray text = isCutOff_ ? QByteArrayLiteral("\n") : QByteArray();
+  if (lostLines_ > 0)
+    text += logLine(QtWarningMsg, "korvia.host.log", QStringLiteral("%1 lines lost").arg(lostLines_));
+  const int head = text.size();
+  text += lines;
+  const int written = writeAll(descriptor_, text);
+  if (written > 0)
+    isCutOff_ = text[written - 1] != '\n';
+  if (written >= head)
+    lostLines_ = 0;
+  if (written == text.size())
+    return;
+  // A disk that is full, or one that has gone: the file may have to be opened anew.
+  lose(lines.mid(std::max(0, written - head)));
+  close();
+  retryAt_ = clock_() + kRetry;
+}
+
+void RotatingLogFile::lose(const QByteArray& lines) {
+  lostLines_ += lines.count('\n');
 }
 
 bool RotatingLogFile::isFullFor(qint64 bytes) const {

@@ -2,23 +2,29 @@
 #pragma once
 #include <QByteArray>
 #include <QString>
+#include <chrono>
+#include <functional>
 
 namespace korvia {
 
 class RotatingLogFile {
  public:
+  using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
   static constexpr qint64 kFileBytesMax = 5 * 1024 * 1024;
   static constexpr int kFilesMax = 5;
 
   /// "/a/korvia.log" is followed by "/a/korvia.1.log" and so on, `files` in all, of `fileBytes` at most. The
   /// folder is made when it is not there.
-  explicit RotatingLogFile(const QString& fileName, qint64 fileBytes = kFileBytesMax, int files = kFilesMax);
+  explicit RotatingLogFile(const QString& fileName, qint64 fileBytes = kFileBytesMax, int files = kFilesMax,
+                           Clock clock = &std::chrono::steady_clock::now);
   RotatingLogFile(const RotatingLogFile&) = delete;
   RotatingLogFile& operator=(const RotatingLogFile&) = delete;
   ~RotatingLogFile();
 
   bool isOpen() const { return descriptor_ >= 0; }
-  /// Appends whole lines. What cannot be written is lost.
+  /// Appends whole lines. What cannot be written is lost and counted; the file is opened again a second later
+  /// at the earliest, and then begins with the count.
   void write(const QByteArray& lines);
 
  private:
@@ -27,11 +33,16 @@ class RotatingLogFile {
   void open();
   void close();
   void rotate();
+  void lose(const QByteArray& lines);
 
   const QString fileName_;
   const qint64 fileBytes_;
   const int files_;
+  const Clock clock_;
   int descriptor_ = -1;
+  std::chrono::steady_clock::time_point retryAt_;
+  qint64 lostLines_ = 0;
+  bool isCutOff_ = false;  // the last line in the file has no end
 };
 
 }  // namespace korvia

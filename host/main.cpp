@@ -95,7 +95,7 @@ int main(int argc, char** argv) {
   const HostOptions& options = commandLine.options;
   const QString channelRefusal = options.channelRefusal(korvia::kMediaChannelsAtStart);
   if (!channelRefusal.isEmpty())
-    return complain(channelRefusal, kFailure);
+    return complain(channelRefusal, kUsage);
   if (!QDir().mkpath(options.rootPath))
     return complain(QStringLiteral("the folder %1 cannot be made").arg(options.rootPath), kUsage);
 

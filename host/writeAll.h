@@ -8,10 +8,11 @@
 
 namespace korvia {
 
-/// Waits where the descriptor blocks. False when it takes no more: a full disk, a reader or terminal that is
-/// gone.
-inline bool writeAll(int descriptor, const QByteArray& bytes) {
-  for (int done = 0; done < bytes.size();) {
+/// Waits where the descriptor blocks. Returns the bytes written, less than all when it takes no more: a full
+/// disk, a reader or terminal that is gone.
+inline int writeAll(int descriptor, const QByteArray& bytes) {
+  int done = 0;
+  while (done < bytes.size()) {
     const ssize_t count =
         ::write(descriptor, bytes.constData() + done, static_cast<std::size_t>(bytes.size() - done));
     if (count > 0) {
@@ -20,10 +21,10 @@ inline bool writeAll(int descriptor, const QByteArray& bytes) {
       pollfd room{descriptor, POLLOUT, 0};
       ::poll(&room, 1, -1);
     } else if (count == 0 || errno != EINTR) {
-      return false;
+      break;
     }
   }
-  return true;
+  return done;
 }
 
 }  // namespace korvia

@@ -10,5 +10,5 @@ class IProgressSink {
   virtual void onProgressText(const QString& text) = 0;
 
  protected:
-  virtual ~IProgressSink() = default;
+  ~IProgressSink() = default;
 };

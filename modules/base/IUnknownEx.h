@@ -1,6 +1,7 @@
 // Root of all interfaces between modules. There is no reference count: one holder, one release().
-// The order of the operations is the order of the table that other modules call through. Each interface says
-// which thread calls it.
+// The order of the operations is the order of the table that other modules call through. A virtual destructor
+// would take places of that table, so every interface has a protected one that is not virtual; the class
+// behind it deletes itself in release(). Each interface says which thread calls it.
 #pragma once
 #include "Identifier.h"
 
@@ -14,5 +15,5 @@ class IUnknownEx {
   virtual void* queryInterface(const Identifier* id, unsigned version) = 0;
 
  protected:
-  virtual ~IUnknownEx() = default;
+  ~IUnknownEx() = default;
 };

@@ -42,4 +42,7 @@ class IKorviaSarnhawkPriv : public IUnknownEx {
   /// Effects of a catalog, all of them for catalog 8. Filled at the first call.
   virtual QList<GListWidgetItemInfo>* getEffectList(int catalog) = 0;
   virtual IKorviaShowSource* getSource(KorviaShowObjectID id) = 0;
+
+ protected:
+  ~IKorviaSarnhawkPriv() = default;
 };

@@ -69,6 +69,7 @@ void OutputWatch::tell(int slot, const tagKorviaShowOutputReport& report) {
   const QString lost =
       report.droppedFrames > 0 ? text(texts.framesLost).arg(report.droppedFrames) : QString();
   Told& told = _told[static_cast<std::size_t>(slot)];
+  told.isReported = true;
   if (report.state == KorviaShowOutputState::Failed) {
     const QString failed = joined({text(texts.failed), report.reason}, QStringLiteral(": "));
     told.news = News::Failed;
@@ -106,8 +107,8 @@ void OutputWatch::clickAway() {
 
 bool OutputWatch::isRunning(int slot) const {
   const tagKorviaShowEngineFigures& figures = _statistics->figures();
-  if (figures.outputs[static_cast<std::size_t>(slot)].state == KorviaShowOutputState::Failed &&
-      !_switches->isWaiting(slot))
+  const auto place = static_cast<std::size_t>(slot);
+  if (_told[place].isReported && figures.outputs[place].state == KorviaShowOutputState::Failed)
     return false;
   // The button knows of an output that began since the last tick.
   return _switches->isOn(slot) || (slot == OutputSlotRecord ? figures.recording : figures.streaming);
@@ -116,8 +117,10 @@ bool OutputWatch::isRunning(int slot) const {
 QString OutputWatch::runningText() const {
   QStringList lines;
   if (isRunning(OutputSlotRecord)) {
-    const tagKorviaShowOutputReport& report = _statistics->figures().outputs[OutputSlotRecord];
-    lines.append(joined({text(kTexts[OutputSlotRecord].running), QFileInfo(report.fileName).fileName()},
+    const QString fileName = _told[OutputSlotRecord].isReported
+                                 ? _statistics->figures().outputs[OutputSlotRecord].fileName
+                                 : QString();
+    lines.append(joined({text(kTexts[OutputSlotRecord].running), QFileInfo(fileName).fileName()},
                         QStringLiteral(": ")));
   }
   if (isRunning(OutputSlotStream))

@@ -33,6 +33,8 @@ class OutputWatch : public ConsolePage {
     News clickedAway = News::None;
     QString line;
     QString details;
+    /// A report about the present start was seen; until then the newest one is about the output before.
+    bool isReported = false;
   };
 
   void tell(int slot, const tagKorviaShowOutputReport& report);

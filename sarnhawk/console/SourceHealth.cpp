@@ -11,6 +11,7 @@
 namespace {
 
 constexpr quint32 kHeldMs = 1000;
+constexpr qint64 kTenthMsPerMs = 10;
 
 /// Kinds that bring new pictures all the time while they play.
 constexpr int kMovingKinds[] = {SourceKindMovie,  SourceKindMovieList, SourceKindUrl,   SourceKindKrmp,
@@ -52,5 +53,8 @@ bool SourceHealth::isStandingStill(IKorviaShowSource* source) {
     _frames = frames;
     _lastPictureTick = MultimediaClock::now();
   }
-  return MultimediaClock::since(_lastPictureTick) > kHeldMs;
+  // A film of long pictures is late only when its next picture was due.
+  tagKorviaSourceLinkState link;
+  source->getState(link);
+  return MultimediaClock::since(_lastPictureTick) > kHeldMs + link.pictureDuration / kTenthMsPerMs;
 }

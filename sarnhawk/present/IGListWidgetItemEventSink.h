@@ -7,8 +7,10 @@ class QListWidget;
 
 class IGListWidgetItemEventSink {
  public:
-  virtual ~IGListWidgetItemEventSink() = default;
   /// `listWidget` is the list that `item` sits in, `id` the one of its descriptor. The tile does not mark
   /// itself: which tiles of which lists show as selected is for the sink to say.
   virtual void onListWidgetItemClicked(QListWidget* listWidget, GListWidgetItem* item, qint32 id) = 0;
+
+ protected:
+  ~IGListWidgetItemEventSink() = default;
 };

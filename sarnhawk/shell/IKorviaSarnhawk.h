@@ -14,6 +14,9 @@ class IKorviaSarnhawk : public IUnknownEx {
                       const tagKorviaProductInfo* product, const QString& rootPath) = 0;
   /// Must come before release().
   virtual void close() = 0;
+
+ protected:
+  ~IKorviaSarnhawk() = default;
 };
 
 /// Signature of the export "CreateKorviaSarnhawk". Throws a wide string when it cannot deliver.

@@ -14,4 +14,7 @@ class IMainFrame : public IUnknownEx {
   virtual void takeSnapshot() = 0;
   virtual void pgmPlayback() = 0;
   virtual void quitApp() = 0;
+
+ protected:
+  ~IMainFrame() = default;
 };

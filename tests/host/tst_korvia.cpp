@@ -79,6 +79,7 @@ class TestKorvia : public QObject {
   void fillsTheShowDataFolder();
   void missingDisplayIsOneSentence_data();
   void missingDisplayIsOneSentence();
+  void channelThatTheShowDoesNotHave_data();
   void channelThatTheShowDoesNotHave();
   void logsToAFileBesideTheConfiguration();
   void standardErrorThatNobodyReadsHoldsNobodyUp();
@@ -372,11 +373,19 @@ void TestKorvia::missingDisplayIsOneSentence() {
   QCOMPARE(complaint(), sentence);
 }
 
+void TestKorvia::channelThatTheShowDoesNotHave_data() {
+  QTest::addColumn<QString>("channel");
+  for (const char* channel : {"5", "9", "4294967296"})
+    QTest::newRow(channel) << channel;
+}
+
 void TestKorvia::channelThatTheShowDoesNotHave() {
+  QFETCH(QString, channel);
   useFakeConsole();
-  QCOMPARE(run({"--open", "5=/a.mp4"}), 1);
+  QCOMPARE(run({"--open", channel + "=/a.mp4"}), 2);
   QCOMPARE(complaint(),
-           QStringLiteral("korvia: --open: there is no media channel 5, the show has the channels 0 to 2\n"));
+           QStringLiteral("korvia: --open: there is no media channel %1, the show has the channels 0 to 2\n")
+               .arg(channel));
   QVERIFY(!QFileInfo::exists(in("root")));
 }
 

@@ -1,5 +1,8 @@
+#include <sys/resource.h>
+
 #include <QTemporaryDir>
 #include <QtTest>
+#include <csignal>
 
 #include "RotatingLogFile.h"
 
@@ -60,6 +63,52 @@ class TestRotatingLogFile : public QObject {
     file.write("nothing\n");
   }
 
+  void linesLostOnAFullDiskAreCounted() {
+    QVERIFY(QFile::link("/dev/full", in("korvia.log")));
+    RotatingLogFile file(in("korvia.log"), 1000, 3, clock());
+    file.write("one\ntwo\n");
+    QVERIFY(QFile::remove(in("korvia.log")));
+    file.write("three\n");
+    QVERIFY(!QFile::exists(in("korvia.log")));  // tried again after a second
+    now_ += std::chrono::milliseconds(1000);
+    file.write("four\n");
+    file.write("five\n");
+    const QByteArrayList lines = content("korvia.log").split('\n');
+    QCOMPARE(lines.size(), 4);
+    QVERIFY2(lines[0].contains("korvia.host.log") && lines[0].endsWith("3 lines lost"), lines[0].constData());
+    QCOMPARE(lines.mid(1), QByteArrayList({"four", "five", ""}));
+  }
+
+  void lineThatWasCutOffStandsAlone() {
+    // A file that may not grow stands for a disk that is full: write() fails in the same place.
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit little{6, before.rlim_max};
+    RotatingLogFile file(in("korvia.log"), 1000, 3, clock());
+    setrlimit(RLIMIT_FSIZE, &little);
+    file.write("one\ntwo\nthree\n");
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    now_ += std::chrono::milliseconds(1000);
+    file.write("four\n");
+    const QByteArrayList lines = content("korvia.log").split('\n');
+    QCOMPARE(lines.size(), 5);
+    QCOMPARE(lines.mid(0, 2), QByteArrayList({"one", "tw"}));
+    QVERIFY2(lines[2].endsWith("2 lines lost"), lines[2].constData());
+    QCOMPARE(lines[3], QByteArray("four"));
+  }
+
+  void folderThatCameLaterIsUsed() {
+    QVERIFY(QFile(in("a")).open(QIODevice::WriteOnly));  // a file in the folder's place
+    RotatingLogFile file(in("a/korvia.log"), 1000, 3, clock());
+    file.write("one\n");
+    QVERIFY(QFile::remove(in("a")));
+    now_ += std::chrono::milliseconds(1000);
+    file.write("two\n");
+    QVERIFY2(content("a/korvia.log").contains("1 lines lost\ntwo\n"), content("a/korvia.log").constData());
+  }
+
  private:
   QString in(const QString& name) const { return folder_->filePath(name); }
   QByteArray content(const QString& name) const {
@@ -67,7 +116,12 @@ class TestRotatingLogFile : public QObject {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
   }
 
+  RotatingLogFile::Clock clock() {
+    return [this] { return now_; };
+  }
+
   std::unique_ptr<QTemporaryDir> folder_;
+  std::chrono::steady_clock::time_point now_{std::chrono::hours(1)};
 };
 
 QTEST_APPLESS_MAIN(TestRotatingLogFile)

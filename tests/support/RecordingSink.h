@@ -9,7 +9,7 @@
 #include "IKorviaShowEngineSink.h"
 #include "IKorviaShowThreadSink.h"
 
-class RecordingSink : public IKorviaShowThreadSink, public IKorviaShowEngineSink {
+class RecordingSink final : public IKorviaShowThreadSink, public IKorviaShowEngineSink {
  public:
   struct Result {
     quint64 id;

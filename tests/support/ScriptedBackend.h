@@ -13,7 +13,7 @@
 #include "backend/IShowBackend.h"
 
 /// A source whose answers are plain members. Console thread.
-class ScriptedSource : public IKorviaShowSource {
+class ScriptedSource final : public IKorviaShowSource {
  public:
   explicit ScriptedSource(KorviaShowObjectID objectId, const tagKorviaShowSourceInfo& sourceInfo)
       : id(objectId), info(sourceInfo) {}
@@ -27,6 +27,7 @@ class ScriptedSource : public IKorviaShowSource {
   void getState(tagKorviaSourceLinkState& state) override {
     state.rate = rate;
     state.reason = reason;
+    state.pictureDuration = pictureDuration;
   }
   void play() override { calls.append(QStringLiteral("play")); }
   void stop() override { calls.append(QStringLiteral("stop")); }
@@ -52,6 +53,7 @@ class ScriptedSource : public IKorviaShowSource {
   tagKorviaFormatInfo format;
   float rate = 25.0F;
   QString reason;
+  qint64 pictureDuration = 0;
   qint64 frameCount = 0;
   qint64 duration = 0;
   qint64 time = 0;

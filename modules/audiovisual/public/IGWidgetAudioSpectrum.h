@@ -14,4 +14,7 @@ class IGWidgetAudioSpectrum : public IUnknownEx {
                     int e) = 0;
   /// Takes the spectrum out of its parent; comes before release().
   virtual void detach() = 0;
+
+ protected:
+  ~IGWidgetAudioSpectrum() = default;
 };

@@ -16,7 +16,7 @@ class NginxSupervisor;
 class IncomeServer : public IKorviaRTMPIncomeServer {
  public:
   IncomeServer();
-  ~IncomeServer() override;
+  virtual ~IncomeServer();
   IncomeServer(const IncomeServer&) = delete;
   IncomeServer& operator=(const IncomeServer&) = delete;
 

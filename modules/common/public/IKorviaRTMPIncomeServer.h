@@ -21,4 +21,7 @@ class IKorviaRTMPIncomeServer : public IUnknownEx {
   virtual int rtmpPort() = 0;
   /// Ends the child process. Does nothing when the server is not open.
   virtual void close() = 0;
+
+ protected:
+  ~IKorviaRTMPIncomeServer() = default;
 };

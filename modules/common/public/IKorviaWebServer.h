@@ -13,4 +13,7 @@ class IKorviaWebServer : public IUnknownEx {
   virtual int open(IKorviaWebServerSink* sink, int* httpPort) = 0;
   /// Ends all connections and frees the port. Does nothing when the server is not open.
   virtual void close() = 0;
+
+ protected:
+  ~IKorviaWebServer() = default;
 };

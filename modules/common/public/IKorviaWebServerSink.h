@@ -6,4 +6,7 @@ class IKorviaWebServerSink : public IUnknownEx {
  public:
   /// For requests that the server cannot answer by itself; 0 when there is no handler.
   virtual int onWebRequest() = 0;
+
+ protected:
+  ~IKorviaWebServerSink() = default;
 };

@@ -15,7 +15,7 @@ namespace korvia {
 class WebServer : public IKorviaWebServer {
  public:
   WebServer();
-  ~WebServer() override;
+  virtual ~WebServer();
   WebServer(const WebServer&) = delete;
   WebServer& operator=(const WebServer&) = delete;
 

@@ -30,8 +30,6 @@ class IShowBackendHost {
 
 class IShowBackend {
  public:
-  virtual ~IShowBackend() = default;
-
   // Engine thread.
   virtual void begin(IShowBackendHost& host) = 0;
   virtual void end() = 0;
@@ -54,6 +52,8 @@ class IShowBackend {
   virtual void commitPaintPadImage(const QImage& image) = 0;
   virtual void setPaintPadValid(bool valid) = 0;
   virtual void pausePGMImage(bool pause) = 0;
+
+  virtual ~IShowBackend() = default;
 };
 
 }  // namespace korvia

@@ -79,7 +79,7 @@ class SoftwareBackend final : public IShowBackend {
   SnapshotWriter snapshots_;
   EventTable events_;
 
-  mutable std::mutex figuresMutex_;
+  std::mutex figuresMutex_;
   tagKorviaShowEngineFigures figures_;  // guarded by figuresMutex_
   FrameMeter frameMeter_;               // guarded by figuresMutex_
 };

@@ -16,4 +16,7 @@ class IKorviaShowEngineSink : public IUnknownEx {
   virtual QImage lockBackground(KorviaShowObjectID id) = 0;
   virtual void unlockBackground(KorviaShowObjectID id, QImage& image) = 0;
   virtual void onSourceNotify(KorviaShowObjectID id, int what, int param) = 0;
+
+ protected:
+  ~IKorviaShowEngineSink() = default;
 };

@@ -46,4 +46,7 @@ class IKorviaShowSource : public IUnknownEx {
   virtual int getPlayState() = 0;
   virtual int getItemCount() = 0;
   virtual int getItemIndex() = 0;
+
+ protected:
+  ~IKorviaShowSource() = default;
 };

@@ -12,7 +12,9 @@ struct tagKorviaSourceLinkState {
   QString reason;
   /// Frames a second that arrive; exactly 0 when no data is arriving.
   float rate = 0;
-  qint64 reserved3 = 0;
+  /// How long the picture on show lasts by the source's own time stamps, tenths of a millisecond; 0 when
+  /// unknown. While the next picture is not there yet, the duration of the one before.
+  qint64 pictureDuration = 0;
 };
 
 Q_DECLARE_METATYPE(tagKorviaSourceLinkState)

@@ -222,7 +222,7 @@ void visitFields(R& r, V&& visit) {
   visit("reserved1", r.reserved1);
   visit("reason", r.reason);
   visit("rate", r.rate);
-  visit("reserved3", r.reserved3);
+  visit("pictureDuration", r.pictureDuration);
 }
 
 template <RecordOf<tagKorviaSourceState> R, class V>

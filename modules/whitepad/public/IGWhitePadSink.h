@@ -18,5 +18,5 @@ class IGWhitePadSink {
   virtual void onWhitePadHidden() = 0;
 
  protected:
-  virtual ~IGWhitePadSink() = default;
+  ~IGWhitePadSink() = default;
 };

@@ -7,6 +7,8 @@ namespace {
 
 class FakeSpectrum : public IGWidgetAudioSpectrum {
  public:
+  virtual ~FakeSpectrum() = default;
+
   bool isValid() override { return true; }
   bool release() override {
     delete this;

@@ -9,7 +9,7 @@ namespace {
 class CountedObject : public IUnknownEx {
  public:
   explicit CountedObject(int& alive) : alive_(alive) { ++alive_; }
-  ~CountedObject() override { --alive_; }
+  virtual ~CountedObject() { --alive_; }
   bool isValid() override { return true; }
   bool release() override {
     if (isValid())

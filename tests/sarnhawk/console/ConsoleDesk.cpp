@@ -18,7 +18,7 @@ namespace {
 class DeskWebServer final : public IKorviaWebServer {
  public:
   explicit DeskWebServer(DeskConsole& console) : console_(console) {}
-  ~DeskWebServer() override { console_.serverLog.append(QStringLiteral("web release")); }
+  ~DeskWebServer() { console_.serverLog.append(QStringLiteral("web release")); }
   bool isValid() override { return true; }
   bool release() override {
     delete this;
@@ -39,7 +39,7 @@ class DeskWebServer final : public IKorviaWebServer {
 class DeskIncomeServer final : public IKorviaRTMPIncomeServer {
  public:
   explicit DeskIncomeServer(DeskConsole& console) : console_(console) {}
-  ~DeskIncomeServer() override { console_.serverLog.append(QStringLiteral("income release")); }
+  ~DeskIncomeServer() { console_.serverLog.append(QStringLiteral("income release")); }
   bool isValid() override { return true; }
   bool release() override {
     delete this;

@@ -1,56 +1,21 @@
-// Transport, lever, outputs, audio and takes: what the controls post and how results move them.
-#include <QLabel>
+// Transport, lever, outputs, audio and takes: what the controls post and show.
 #include <QLineEdit>
 #include <QMenu>
-#include <QPushButton>
 #include <QSlider>
-#include <QStandardPaths>
 #include <QToolButton>
-#include <QToolTip>
 #include <QtTest>
-#include <thread>
 
-#include "ConsoleDesk.h"
+#include "ControlsDesk.h"
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
 #include "StatusBoard.h"
 #include "audio/QVUMeter.h"
-#include "console/GWidgetDisplayObject.h"
-#include "console/SwitchLever.h"
 #include "console/TransportRow.h"
 #include "present/GListWidgetItemInfo.h"
-#include "tagKorviaShowPresentPlacement.h"
 
 namespace {
 
 constexpr qint64 kTenthsPerSecond = 10000;
-
-class OpenDesk : public ConsoleDesk {
- public:
-  OpenDesk() {
-    isOpen = start();
-    source = show.source(0);
-    show.clearEvents();
-    show.calls.clear();
-  }
-
-  QSlider* slider(const char* name) const { return child<QSlider>(name); }
-  QSlider* lever() const { return slider("_switchProcessPosVerticalSlider"); }
-  QPushButton* button(const char* name) const { return child<QPushButton>(name); }
-  QString text(const char* name) const { return child<QLabel>(name)->text(); }
-  bool activate() {
-    frame.activateWindow();
-    return QTest::qWaitForWindowActive(&frame);
-  }
-  /// Who gets the next key. The frame's own answer: floats that come up make windows active here.
-  QWidget* focus() const { return frame.focusWidget(); }
-  /// A key as it comes from the window system: to whoever has the focus.
-  void press(Qt::Key key) { QTest::keyClick(frame.windowHandle(), key); }
-  tagKorviaSarnhawkConfig* config() const { return console->getConfig(); }
-
-  bool isOpen = false;
-  ScriptedSource* source = nullptr;
-};
 
 }  // namespace
 
@@ -59,7 +24,7 @@ class DeskControlsTest : public QObject {
 
  private slots:
   void transportIsOffWithoutASource() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.console->onWorkTimer();
     QVERIFY(desk.child<QWidget>("_mediaControlWidget")->isEnabled());
     desk.show.removeSource(0);
@@ -75,7 +40,7 @@ class DeskControlsTest : public QObject {
   }
 
   void transportShowsTimeStateAndItem() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.source->time = 65 * kTenthsPerSecond;
     desk.source->duration = 3725 * kTenthsPerSecond;
     desk.source->playState = Paused;
@@ -121,7 +86,7 @@ class DeskControlsTest : public QObject {
     QFETCH(int, kind);
     QFETCH(bool, play);
     QFETCH(bool, step);
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.source->info.kind = kind;
     desk.console->onWorkTimer();
     QCOMPARE(!desk.button("_playMediaPushButton")->isHidden(), play);
@@ -140,7 +105,7 @@ class DeskControlsTest : public QObject {
   }
   void otherKindsLeaveTheButtonsAsTheyAre() {
     QFETCH(int, kind);
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.source->info.kind = SourceKindPdf;
     desk.console->onWorkTimer();
     desk.source->info.kind = kind;
@@ -150,7 +115,7 @@ class DeskControlsTest : public QObject {
   }
 
   void transportActsOnPreviewAlone() {
-    OpenDesk desk;
+    ControlsDesk desk;
     ScriptedSource* onPreview = desk.show.addSource(1);
     desk.report(ShowEventSelectChannel, qulonglong{0x1001}, 0x11);
     desk.console->onClicked_playMediaPushButton();
@@ -163,7 +128,7 @@ class DeskControlsTest : public QObject {
   }
 
   void seekGoesToTheSourceAtOnce() {
-    OpenDesk desk;
+    ControlsDesk desk;
     QSlider* seek = desk.slider("_seekMediaHorizontalSlider");
     QCOMPARE(seek->minimum(), 0);
     QCOMPARE(seek->maximum(), 100);
@@ -184,14 +149,14 @@ class DeskControlsTest : public QObject {
   void seekOfAStoppedSourceStartsIt() {
     QFETCH(int, state);
     QFETCH(QStringList, calls);
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.source->playState = state;
     desk.slider("_seekMediaHorizontalSlider")->setValue(30);
     QCOMPARE(desk.source->calls, calls);
   }
 
   void heldSeekSliderIsNotMovedByTheStatus() {
-    OpenDesk desk;
+    ControlsDesk desk;
     QSlider* seek = desk.slider("_seekMediaHorizontalSlider");
     desk.source->position = 10;
     seek->setSliderDown(true);
@@ -205,7 +170,7 @@ class DeskControlsTest : public QObject {
   }
 
   void leverPostsItsPosition() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.lever()->setValue(2500);
     desk.lever()->setValue(10000);
     desk.settle();
@@ -219,149 +184,14 @@ class DeskControlsTest : public QObject {
     QVERIFY(desk.lever()->toolTip().isEmpty());
   }
 
-  void leverStandsWhereTheEngineSays() {
-    OpenDesk desk;
-    desk.report(ShowEventSwitchPosition, 0.25F);
-    QCOMPARE(desk.lever()->value(), 2500);
-    QCOMPARE(desk.lever()->toolTip(), QString("25%"));
-    desk.report(ShowEventSwitchPosition, 0.12345F);
-    QCOMPARE(desk.lever()->value(), 1234);
-    QCOMPARE(desk.lever()->toolTip(), QString("12.345%"));
-    desk.report(ShowEventSwitchPosition, 0.0F);
-    QCOMPARE(desk.lever()->value(), 0);
-    desk.settle();
-    QCOMPARE(desk.show.count(ShowEventSwitchPosition), 0);
-  }
-
-  void finishedSwitchParksTheLeverWithoutPosting() {
-    OpenDesk desk;
-    desk.lever()->setValue(9000);
-    desk.lever()->setSliderDown(true);
-    desk.settle();
-    desk.show.clearEvents();
-    desk.report(ShowEventSwitchPosition, 1.0F);
-    desk.settle();
-    QCOMPARE(desk.lever()->value(), 0);
-    QCOMPARE(desk.lever()->toolTip(), QString("0%"));
-    QVERIFY(desk.lever()->isVisible());
-    QCOMPARE(desk.show.count(ShowEventSwitchPosition), 0);
-  }
-
-  void finishedSwitchLeavesTheFocusWithTheLever() {
-    OpenDesk desk;
-    QVERIFY(desk.activate());
-    desk.lever()->setFocus(Qt::MouseFocusReason);
-    desk.report(ShowEventSwitchPosition, 1.0F);
-    QVERIFY(desk.focus() == desk.lever());
-    desk.press(Qt::Key_Home);
-    QCOMPARE(desk.slider("_pvmVolumeVerticalSlider")->value(), 100);
-    QCOMPARE(desk.slider("_pgmVolumeVerticalSlider")->value(), 100);
-    desk.settle();
-    QCOMPARE(desk.show.count(ShowEventVolume), 0);
-  }
-
-  void transportThatIsOffForAMomentGetsItsFocusBack() {
-    OpenDesk desk;
-    QVERIFY(desk.activate());
-    desk.console->onWorkTimer();
-    QSlider* seek = desk.slider("_seekMediaHorizontalSlider");
-    seek->setFocus(Qt::MouseFocusReason);
-    desk.show.removeSource(0);
-    desk.console->onWorkTimer();
-    QVERIFY(desk.focus() == &desk.frame);
-    // The next in the tab order is the lever, which End would switch with.
-    desk.press(Qt::Key_End);
-    desk.settle();
-    QVERIFY(desk.show.events().empty());
-    desk.source = desk.show.addSource(0);
-    desk.console->onWorkTimer();
-    QVERIFY(desk.focus() == seek);
-    desk.press(Qt::Key_End);
-    QCOMPARE(desk.source->calls, QStringList{"seek 100"});
-  }
-
-  void focusThatWentElsewhereStaysThere() {
-    OpenDesk desk;
-    QVERIFY(desk.activate());
-    desk.console->onWorkTimer();
-    desk.slider("_seekMediaHorizontalSlider")->setFocus(Qt::MouseFocusReason);
-    desk.show.removeSource(0);
-    desk.console->onWorkTimer();
-    desk.child<QLineEdit>("_programNameLineEdit")->setFocus(Qt::MouseFocusReason);
-    desk.show.addSource(0);
-    desk.console->onWorkTimer();
-    QVERIFY(desk.focus() == desk.child<QLineEdit>("_programNameLineEdit"));
-  }
-
-  void volumeSlidersGetTheFocusByAClickAlone() {
-    OpenDesk desk;
-    QVERIFY(desk.activate());
-    for (const char* name : {"_pvmVolumeVerticalSlider", "_pgmVolumeVerticalSlider"}) {
-      QSlider* volume = desk.slider(name);
-      QCOMPARE(volume->focusPolicy(), Qt::ClickFocus);
-      QTest::mouseClick(volume, Qt::LeftButton);
-      QVERIFY(desk.focus() == volume);
-      desk.press(Qt::Key_Home);
-      QCOMPARE(volume->value(), 0);
-    }
-    // Each neighbour that is disabled hands the focus on.
-    for (QWidget* neighbour : desk.console->centralWidget()->findChildren<QWidget*>()) {
-      if (!neighbour->isVisible() || !neighbour->isEnabled() || !(neighbour->focusPolicy() & Qt::TabFocus))
-        continue;
-      neighbour->setFocus(Qt::MouseFocusReason);
-      neighbour->setEnabled(false);
-      QVERIFY(desk.focus() != desk.slider("_pvmVolumeVerticalSlider"));
-      QVERIFY(desk.focus() != desk.slider("_pgmVolumeVerticalSlider"));
-      neighbour->setEnabled(true);
-    }
-  }
-
-  void almostFinishedSwitchLeavesTheLever() {
-    OpenDesk desk;
-    desk.report(ShowEventSwitchPosition, 0.9999F);
-    QCOMPARE(desk.lever()->value(), 9999);
-  }
-
-  void answerToTheLeverIsTruncatedLikeAnyOther_data() {
-    QTest::addColumn<int>("value");
-    QTest::addColumn<int>("answered");
-    // 0.0007 as a float times 10000 is a little less than 7.
-    QTest::newRow("comes back one lower") << 7 << 6;
-    QTest::newRow("comes back as it was") << 2500 << 2500;
-  }
-  void answerToTheLeverIsTruncatedLikeAnyOther() {
-    QFETCH(int, value);
-    QFETCH(int, answered);
-    OpenDesk desk;
-    desk.show.answer(ShowEventSwitchPosition, [](const ScriptedShow::Event& event) {
-      return std::pair<QVariant, QVariant>(event.args[1], {});
-    });
-    desk.lever()->setValue(value);
-    desk.settle();
-    QCOMPARE(desk.lever()->value(), answered);
-  }
-
-  void reportedPositionIsTruncatedNeverRounded() {
-    OpenDesk desk;
-    int lower = 0;
-    for (int value = 1; value < SwitchLever::kRange; ++value) {
-      const float position = static_cast<float>(value / 10000.0);
-      desk.console->slot_PostEventResult(ShowEventSwitchPosition, 0, position, {}, {}, {});
-      const int shown = desk.lever()->value();
-      QVERIFY2(shown == value || shown == value - 1, qPrintable(QString::number(value)));
-      lower += shown < value ? 1 : 0;
-    }
-    QVERIFY(lower > 0);
-  }
-
   void controlsWithoutAWindowAreOff() {
-    OpenDesk desk;
+    ControlsDesk desk;
     for (const char* name : {"_screenCutPushButton", "_paintOutputPushButton"})
       QVERIFY2(!desk.button(name)->isEnabled(), name);
   }
 
   void recordButtonStartsWithACopyOfTheSettings() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.child<QLineEdit>("_programNameLineEdit")->setText("evening news");
     desk.config()->engineInfo.outputFormat[1].width = 1280;
     desk.button("_startRecordPushButton")->click();
@@ -383,21 +213,8 @@ class DeskControlsTest : public QObject {
     QCOMPARE(desk.config()->outputParam.active[1], 0U);
   }
 
-  void waitingRecordButtonHandsNoFocusToTheStream() {
-    OpenDesk desk;
-    desk.frame.activateWindow();
-    QPushButton* record = desk.button("_startRecordPushButton");
-    record->setFocus(Qt::TabFocusReason);
-    QTest::mouseClick(record, Qt::LeftButton);
-    QVERIFY(!record->isEnabled());
-    // Else the next press of the space bar would start a stream.
-    QVERIFY(desk.frame.focusWidget() != desk.button("_startStreamPushButton"));
-    QCOMPARE(record->focusPolicy(), Qt::NoFocus);
-    QCOMPARE(desk.button("_startStreamPushButton")->focusPolicy(), Qt::NoFocus);
-  }
-
   void streamButtonStartsSlotZeroWithoutARecord() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.button("_startStreamPushButton")->click();
     desk.settle();
     const auto posted = desk.show.eventsOf(ShowEventStartOutput);
@@ -406,46 +223,6 @@ class DeskControlsTest : public QObject {
     const auto param = fromVariant<tagKorviaShowOutputParam>(posted[0].args[1]);
     QCOMPARE(int{param.items[0].kind}, 3);
     QCOMPARE(int{param.items[0].recordActive}, 0);
-  }
-
-  void answerEnablesTheButtonAndKeepsItsState() {
-    OpenDesk desk;
-    QPushButton* record = desk.button("_startRecordPushButton");
-    QPushButton* stream = desk.button("_startStreamPushButton");
-    record->click();
-    stream->click();
-    desk.settle();
-    desk.report(ShowEventStartOutput, 1U, desk.show.eventsOf(ShowEventStartOutput)[0].args[1]);
-    QVERIFY(record->isEnabled());
-    QVERIFY(record->isChecked());
-    QVERIFY(!stream->isEnabled());
-    desk.report(ShowEventStartOutput, 0U, desk.show.eventsOf(ShowEventStartOutput)[1].args[1]);
-    QVERIFY(stream->isEnabled());
-
-    record->click();
-    QVERIFY(!record->isEnabled());
-    stream->click();
-    desk.settle();
-    const auto posted = desk.show.eventsOf(ShowEventStopOutput);
-    QCOMPARE(posted.size(), std::size_t{2});
-    QCOMPARE(posted[0].args[0].toInt(), 1);
-    QCOMPARE(posted[0].args[1].toInt(), 2);
-    QCOMPARE(posted[1].args[0].toInt(), 0);
-    QCOMPARE(posted[1].args[1].toInt(), 3);
-    desk.report(ShowEventStopOutput, 0U, 3U);
-    QVERIFY(stream->isEnabled());
-    QVERIFY(!record->isEnabled());
-    desk.report(ShowEventStopOutput, 1U, 2U);
-    QVERIFY(record->isEnabled());
-    QVERIFY(!record->isChecked());
-  }
-
-  void answerForAnUnknownSlotIsIgnored() {
-    OpenDesk desk;
-    desk.button("_startRecordPushButton")->click();
-    desk.report(ShowEventStartOutput, 12U, toVariant(tagKorviaShowOutputParam()));
-    desk.report(ShowEventStartOutput, 4000000000U, {});
-    QVERIFY(!desk.button("_startRecordPushButton")->isEnabled());
   }
 
   void directOutputsFollowTheRecordAtTheStart() {
@@ -460,41 +237,8 @@ class DeskControlsTest : public QObject {
     QVERIFY(!desk.show.eventsOf(ShowEventStopSDI)[0].args[1].isValid());
   }
 
-  void snapshotGoesToThePicturesFolder() {
-    OpenDesk desk;
-    QStandardPaths::setTestModeEnabled(true);
-    desk.console->takeSnapshot();
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-    desk.settle();
-    const auto posted = desk.show.eventsOf(ShowEventSnapshot);
-    QCOMPARE(posted.size(), std::size_t{1});
-    QCOMPARE(posted[0].args[0].toInt(), 0x1002);
-    const QString path = posted[0].args[1].toString();
-    const QRegularExpression name("^" + QRegularExpression::escape(folder) +
-                                  "/\\d{4}-\\d\\d-\\d\\d \\d{6}\\.png$");
-    QVERIFY2(name.match(path).hasMatch(), qPrintable(path));
-    QVERIFY(QDir(folder).exists());
-    QCOMPARE(QToolTip::text(), path);
-  }
-
-  void snapshotsInARowHaveFilesOfTheirOwn() {
-    OpenDesk desk;
-    QStandardPaths::setTestModeEnabled(true);
-    for (int shot = 0; shot < 3; ++shot)
-      desk.console->takeSnapshot();
-    desk.settle();
-    QSet<QString> paths;
-    QString last;
-    for (const auto& event : desk.show.eventsOf(ShowEventSnapshot)) {
-      last = event.args[1].toString();
-      paths.insert(last);
-    }
-    QCOMPARE(paths.size(), 3);
-    QCOMPARE(QToolTip::text(), last);
-  }
-
   void paintPadReachesTheEngine() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.console->onCommitWhitePadImage(QImage());
     desk.console->onSetWhitePadValid(true);
     QVERIFY(desk.button("_paintOutputPushButton")->isChecked());
@@ -506,7 +250,7 @@ class DeskControlsTest : public QObject {
   }
 
   void mixButtonsPostTheirMode() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.console->savedChanges.clear();
     desk.button("_allMixModePushButton")->click();
     desk.button("_manulMixModePushButton")->click();
@@ -521,26 +265,15 @@ class DeskControlsTest : public QObject {
   }
 
   void mixModeWithoutASenderIsPostedAsItIs() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.config()->audioMixer.mixMode = 2;
     desk.console->onClicked_audioMixModePushButton();
     desk.settle();
     QCOMPARE(desk.show.eventsOf(ShowEventAudioMixMode)[0].args[0].toInt(), 2);
   }
 
-  void mixModeResultChecksTheButtonSilently() {
-    OpenDesk desk;
-    desk.report(ShowEventAudioMixMode, 2);
-    QVERIFY(desk.button("_manulMixModePushButton")->isChecked());
-    QVERIFY(!desk.button("_autoMixModePushButton")->isChecked());
-    desk.report(ShowEventAudioMixMode, 3);
-    QVERIFY(desk.button("_manulMixModePushButton")->isChecked());
-    desk.settle();
-    QCOMPARE(desk.show.count(ShowEventAudioMixMode), 0);
-  }
-
   void volumeSlidersPostTheirFactor() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.slider("_pgmVolumeVerticalSlider")->setValue(0);
     desk.slider("_pgmVolumeVerticalSlider")->setValue(100);
     desk.console->savedChanges.clear();
@@ -557,49 +290,8 @@ class DeskControlsTest : public QObject {
     QCOMPARE(desk.config()->audioMixer.pvmVolume, 0.5);
   }
 
-  void volumeResultsMoveTheSlidersSilently() {
-    OpenDesk desk;
-    desk.report(ShowEventVolume, 0x1002, 0.559F);
-    QCOMPARE(desk.slider("_pgmVolumeVerticalSlider")->value(), 55);
-    desk.report(ShowEventVolume, 0x1001, 0.25F);
-    QCOMPARE(desk.slider("_pvmVolumeVerticalSlider")->value(), 25);
-    desk.report(ShowEventVolume, 0x10, 0.1F);
-    desk.settle();
-    QCOMPARE(desk.show.count(ShowEventVolume), 0);
-  }
-
-  void answerToAVolumeIsTruncatedLikeAnyOther() {
-    OpenDesk desk;
-    QSlider* slider = desk.slider("_pgmVolumeVerticalSlider");
-    QList<int> lower;
-    for (int percent = 0; percent <= 100; ++percent) {
-      slider->setValue(percent);
-      const QVariant sent = desk.config()->audioMixer.pgmVolume;
-      desk.console->slot_PostEventResult(ShowEventVolume, 0, 0x1002, sent, {}, {});
-      if (slider->value() != percent)
-        lower.append(slider->value());
-    }
-    // 0.53 and 0.59 as floats times 100 are a little less than 53 and 59.
-    QCOMPARE(lower, (QList<int>{52, 58}));
-  }
-
-  void heldProgramSliderStopsBothReports() {
-    OpenDesk desk;
-    QSlider* pgm = desk.slider("_pgmVolumeVerticalSlider");
-    QSlider* pvm = desk.slider("_pvmVolumeVerticalSlider");
-    pgm->setSliderDown(true);
-    desk.report(ShowEventVolume, 0x1002, 0.2F);
-    desk.report(ShowEventVolume, 0x1001, 0.2F);
-    QCOMPARE(pgm->value(), 100);
-    QCOMPARE(pvm->value(), 100);
-    pgm->setSliderDown(false);
-    pvm->setSliderDown(true);
-    desk.report(ShowEventVolume, 0x1001, 0.2F);
-    QCOMPARE(pvm->value(), 20);
-  }
-
   void frameTickFeedsTheMeters() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.show.levels.setPvm({11, 12});
     desk.show.levels.setPgm({21, 22});
     desk.show.levels.setChannel(1, {31, 32});
@@ -614,7 +306,7 @@ class DeskControlsTest : public QObject {
   }
 
   void takeSendsSlotAndRemembersIt() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.config()->takeButtons[2] = {75, 2.5F, 7};
     desk.console->takeChannel(0x12, 2);
     desk.settle();
@@ -629,7 +321,7 @@ class DeskControlsTest : public QObject {
   }
 
   void takeWithoutEffectOrDurationSendsZero() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.config()->takeButtons[0] = {0, 0.0F, 0};
     desk.console->takeChannel(0x10, 0);
     desk.settle();
@@ -638,7 +330,7 @@ class DeskControlsTest : public QObject {
   }
 
   void takeButtonTakesTheChannelOnPreview() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.report(ShowEventSelectChannel, qulonglong{0x1001}, 0x12);
     auto* button = desk.child<QToolButton>("_takeTransitionToolButton_1");
     button->click();
@@ -652,7 +344,7 @@ class DeskControlsTest : public QObject {
   }
 
   void randomTakeKeepsTheRecordAndStaysBelowEighty() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.config()->takeButtons[0].effect = 65535;
     desk.console->takeChannel(0x10, 0);
     desk.settle();
@@ -662,14 +354,14 @@ class DeskControlsTest : public QObject {
   }
 
   void takeReleasesTheFilmBeforeItIsPosted() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.config()->channels[0].source.moviePGMAction = PGMActionPauseResume;
     desk.console->takeChannel(0x10, 0);
     QCOMPARE(desk.source->calls, QStringList{"release"});
   }
 
   void takeOfAStageRunsNoRule() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.config()->channels[0].source.moviePGMAction = PGMActionPauseResume;
     desk.console->takeChannel(0x100, 0);
     desk.console->takeChannel(0x18, 0);
@@ -680,7 +372,7 @@ class DeskControlsTest : public QObject {
   }
 
   void takeButtonShowsCatalogAndLabel() {
-    OpenDesk desk;
+    ControlsDesk desk;
     auto* button = desk.child<QToolButton>("_takeTransitionToolButton_3");
     desk.config()->takeButtons[3].effect = 79;
     desk.console->updateTakeButton(3);
@@ -700,7 +392,7 @@ class DeskControlsTest : public QObject {
   }
 
   void takeButtonWithoutItsPictureFileHasAnEmptyIcon() {
-    OpenDesk desk;
+    ControlsDesk desk;
     auto* button = desk.child<QToolButton>("_takeTransitionToolButton_0");
     const QTemporaryDir folder;
     const QString file = folder.filePath("fade.jpg");
@@ -716,7 +408,7 @@ class DeskControlsTest : public QObject {
   }
 
   void allTakeButtonsAreFilledAtTheStart() {
-    OpenDesk desk;
+    ControlsDesk desk;
     for (int index = 0; index < 4; ++index) {
       auto* button = desk.child<QToolButton>(qPrintable(QString("_takeTransitionToolButton_%1").arg(index)));
       QVERIFY2(button->text().contains('\n'), qPrintable(button->text()));
@@ -724,73 +416,8 @@ class DeskControlsTest : public QObject {
     }
   }
 
-  void filmThatEndsOnPreviewTakesItsSuccessor() {
-    OpenDesk desk;
-    IKorviaShowEngineSink* sink = desk.show.engineSink();
-    QVERIFY(sink);
-    std::thread source([sink] {
-      sink->onSourceNotify(MediaChannel, 2, 0x11);
-      sink->onSourceNotify(MediaChannel, 1, 0x11);
-      sink->onSourceNotify(static_cast<KorviaShowObjectID>(0x12), 2, 0x11);
-    });
-    source.join();
-    desk.settle();
-    const auto posted = desk.show.eventsOf(ShowEventTake);
-    QCOMPARE(posted.size(), std::size_t{1});
-    QCOMPARE(posted[0].args[0].toInt(), 0x11);
-    QCOMPARE(posted[0].args[1].toInt(), 22);
-    QCOMPARE(posted[0].args[2].toFloat(), 0.5F);
-    QCOMPARE(posted[0].args[3].toInt(), 0);
-  }
-
-  void filmThatEndsAsksForTheSelectionOfThatMoment() {
-    OpenDesk desk;
-    IKorviaShowEngineSink* sink = desk.show.engineSink();
-    desk.report(ShowEventSelectChannel, qulonglong{0x1001}, 0x12);
-    desk.report(ShowEventSelectChannel, qulonglong{0x1002}, 0x10);
-    std::thread source([sink] {
-      sink->onSourceNotify(MediaChannel, 2, 0x10);
-      sink->onSourceNotify(static_cast<KorviaShowObjectID>(0x12), 2, 0x11);
-    });
-    source.join();
-    desk.settle();
-    const auto posted = desk.show.eventsOf(ShowEventTake);
-    QCOMPARE(posted.size(), std::size_t{1});
-    QCOMPARE(posted[0].args[0].toInt(), 0x11);
-  }
-
-  void draggedItemGoesBackToTheEngine() {
-    OpenDesk desk;
-    tagKorviaShowPresentPlacement placement;
-    placement.kind = 9;
-    placement.key = "{item}";
-    desk.report(ShowEventPlacementChanged, toVariant(placement));
-    desk.settle();
-    const auto posted = desk.show.eventsOf(ShowEventPlacementCommit);
-    QCOMPARE(posted.size(), std::size_t{1});
-    QCOMPARE(fromVariant<tagKorviaShowPresentPlacement>(posted[0].args[0]), placement);
-  }
-
-  void otherResultsAreDropped() {
-    OpenDesk desk;
-    for (const quint64 id : {1, 2, 3, 4, 6, 8, 20, 43, 52, 1000})
-      desk.report(id, 0x1001, 0x12);
-    desk.report(ShowEventSelectChannel, qulonglong{0x1000}, 0x12);
-    QCOMPARE(desk.config()->pvmChannel, 0x10);
-    QCOMPARE(desk.config()->pgmChannel, 0x10);
-  }
-
-  void backgroundIsLentForProgramAlone() {
-    OpenDesk desk;
-    IKorviaShowEngineSink* sink = desk.show.engineSink();
-    QVERIFY(sink->lockBackground(PVMObject).isNull());
-    QImage image;
-    sink->unlockBackground(PVMObject, image);
-    sink->onAudioData(KaraokeObject, nullptr, 0, 0, 0, nullptr, 0);
-  }
-
   void workTickPutsTheShowOnTheBoard() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.config()->channels[0].source.moviePath = "d:\\films\\opener.mp4";
     desk.show.figures.fps = 25;
     desk.show.figures.recording = true;
@@ -808,7 +435,7 @@ class DeskControlsTest : public QObject {
   }
 
   void streamAddressStaysOffTheBoard() {
-    OpenDesk desk;
+    ControlsDesk desk;
     desk.config()->channels[0].source.kind = SourceKindUrl;
     desk.config()->channels[0].source.url = "rtmp://host/live?key=secret";
     desk.console->onWorkTimer();

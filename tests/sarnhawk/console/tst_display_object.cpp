@@ -1,4 +1,4 @@
-// Channel strips: who is shown, held, heard and restarted, and what a click asks of the engine.
+// Channel strips: who is shown, held and heard, and what a click asks of the engine.
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -6,12 +6,10 @@
 #include <QToolButton>
 #include <QtTest>
 
-#include "ConsoleDesk.h"
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
-#include "console/GFloatWidgetToolButton.h"
+#include "StripDesk.h"
 #include "console/GWidgetDisplayObject.h"
-#include "console/GWidgetDisplayObjectConfig.h"
 #include "console/MediaFileChooser.h"
 #include "console/StripArea.h"
 #include "console/StripLayout.h"
@@ -21,42 +19,6 @@ namespace {
 
 const QString kGreen = QStringLiteral("#_mainFrame{border: 2px solid rgb(9, 124, 37);}");
 const QString kRed = QStringLiteral("#_videoFrame{border: 2px solid rgb(232, 32, 32);}");
-
-/// A desk whose engine is open and whose first channel is empty.
-class OpenDesk : public ConsoleDesk {
- public:
-  OpenDesk() {
-    isOpen = start();
-    show.removeSource(0);
-    show.calls.clear();
-    console->getConfig()->channels[0].source.kind = SourceKindNone;
-    show.clearEvents();
-  }
-
-  QString border(int id) const { return stripChild<QFrame>(id, "_mainFrame")->styleSheet(); }
-  QString pictureBorder(int id) const { return stripChild<QFrame>(id, "_videoFrame")->styleSheet(); }
-  QWidget* picture(int id) const { return stripChild<QWidget>(id, "_videoPreviewWidget"); }
-  QPushButton* button(int id, const char* name) const { return stripChild<QPushButton>(id, name); }
-  /// Floats belong to the window; they stand in the order of the strips.
-  GFloatWidgetToolButton* floatOf(int stripNumber) const {
-    return frame.findChildren<GFloatWidgetToolButton*>().at(stripNumber);
-  }
-  tagKorviaShowSourceInfo& slot(int index) {
-    return console->getConfig()->channels[static_cast<std::size_t>(index)].source;
-  }
-  ScriptedSource* put(int index, const tagKorviaShowSourceInfo& info) {
-    slot(index) = info;
-    return show.addSource(index, info);
-  }
-
-  bool isOpen = false;
-};
-
-tagKorviaShowSourceInfo sourceOf(int kind) {
-  tagKorviaShowSourceInfo info;
-  info.kind = kind;
-  return info;
-}
 
 }  // namespace
 
@@ -130,7 +92,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void stageStripHasNoAudio() {
-    OpenDesk desk;
+    StripDesk desk;
     QVERIFY(desk.button(0x100, "_enableAudioPushButton")->isHidden());
     QVERIFY(desk.stripChild<QFrame>(0x100, "_audioControlFrame")->isHidden());
     QVERIFY(!desk.button(0x10, "_enableAudioPushButton")->isHidden());
@@ -150,7 +112,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void leftClickAsksForPreviewRightClickForProgram() {
-    OpenDesk desk;
+    StripDesk desk;
     QVERIFY(desk.isOpen);
     QTest::mousePress(desk.picture(0x11), Qt::LeftButton);
     QTest::mousePress(desk.picture(0x12), Qt::RightButton);
@@ -171,7 +133,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void bordersFollowTheEngineAndNotTheClick() {
-    OpenDesk desk;
+    StripDesk desk;
     desk.show.answer(ShowEventSelectChannel, [](const ScriptedShow::Event&) {
       return std::pair<QVariant, QVariant>(qulonglong{0x1001}, 0x12);
     });
@@ -182,7 +144,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void bothBordersMayStandOnOneStrip() {
-    OpenDesk desk;
+    StripDesk desk;
     QTest::mousePress(desk.picture(0x11), Qt::LeftButton);
     QTest::mousePress(desk.picture(0x11), Qt::RightButton);
     desk.settle();
@@ -191,7 +153,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void pictureResizeIsPostedForItsChannel() {
-    OpenDesk desk;
+    StripDesk desk;
     desk.picture(0x12)->resize(111, 77);
     desk.settle();
     const auto posted = desk.show.eventsOf(ShowEventResizeWindow);
@@ -229,7 +191,7 @@ class DisplayObjectTest : public QObject {
     QFETCH(int, listAction);
     QFETCH(bool, onAir);
     QFETCH(QStringList, calls);
-    OpenDesk desk;
+    StripDesk desk;
     tagKorviaShowSourceInfo info = sourceOf(kind);
     info.moviePGMAction = movieAction;
     info.listPGMAction = listAction;
@@ -239,7 +201,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void onAirRuleNeedsASource() {
-    OpenDesk desk;
+    StripDesk desk;
     desk.slot(1) = sourceOf(SourceKindMovie);
     desk.strip(0x11)->applyOnAirRule(0x11);
     desk.strip(0x100)->applyOnAirRule(0x100);
@@ -247,7 +209,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void programSelectionRunsTheRuleOnEveryStrip() {
-    OpenDesk desk;
+    StripDesk desk;
     tagKorviaShowSourceInfo info = sourceOf(SourceKindMovie);
     info.moviePGMAction = PGMActionPauseResume;
     const ScriptedSource* on = desk.put(1, info);
@@ -258,7 +220,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void paintPadChannelRunsTheRuleAndAsksForPreview() {
-    OpenDesk desk;
+    StripDesk desk;
     tagKorviaShowSourceInfo info = sourceOf(SourceKindMovie);
     info.moviePGMAction = PGMActionPauseResume;
     const ScriptedSource* source = desk.put(1, info);
@@ -275,7 +237,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void audioStateShowsOnTheButton() {
-    OpenDesk desk;
+    StripDesk desk;
     QPushButton* button = desk.button(0x10, "_enableAudioPushButton");
     tagKorviaShowAudioLevel levels;
     levels.setActive(0, 0.9F);
@@ -290,7 +252,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void channelMixResultShowsOnTheButton() {
-    OpenDesk desk;
+    StripDesk desk;
     // Straight into the slot: the next frame tick would set the state from the levels again.
     const auto report = [&desk](int channelId) {
       desk.console->slot_PostEventResult(ShowEventChannelMix, 0, channelId, 1, {}, {});
@@ -306,7 +268,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void audioButtonIsOffAndStillReadable() {
-    OpenDesk desk;
+    StripDesk desk;
     const QPushButton* button = desk.button(0x10, "_enableAudioPushButton");
     QVERIFY(!button->isEnabled());
     for (const int state : {0, 1}) {
@@ -317,89 +279,8 @@ class DisplayObjectTest : public QObject {
     }
   }
 
-  void floatStandsInTheMiddleOfAnEmptyPicture() {
-    OpenDesk desk;
-    desk.strip(0x11)->onFrameTick();
-    GFloatWidgetToolButton* button = desk.floatOf(1);
-    QVERIFY(button->isVisible());
-    QCOMPARE(button->size(), QSize(40, 40));
-    const QWidget* picture = desk.picture(0x11);
-    const QPoint centre =
-        picture->mapToGlobal(QPoint((picture->width() - 1) / 2, (picture->height() - 1) / 2));
-    const QPoint distance = button->pos() + QPoint(20, 20) - centre;
-    QVERIFY2(distance.manhattanLength() <= 2, qPrintable(QString("%1").arg(distance.manhattanLength())));
-    QVERIFY(button->windowFlags().testFlag(Qt::FramelessWindowHint));
-    QCOMPARE(button->parentWidget(), &desk.frame);
-    QVERIFY(!button->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-  }
-
-  void floatMovesWithTheWindow() {
-    OpenDesk desk;
-    desk.strip(0x11)->onFrameTick();
-    const QPoint before = desk.floatOf(1)->pos();
-    desk.frame.move(desk.frame.pos() + QPoint(37, 21));
-    desk.strip(0x11)->onFrameTick();
-    QCOMPARE(desk.floatOf(1)->pos(), before + QPoint(37, 21));
-  }
-
-  void floatGivesWayToTheCloseButtonWhileThereIsASource() {
-    OpenDesk desk;
-    QVERIFY(desk.button(0x11, "_closePushButton")->isHidden());
-    desk.put(1, sourceOf(SourceKindMovie));
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(!desk.floatOf(1)->isVisible());
-    QVERIFY(!desk.button(0x11, "_closePushButton")->isHidden());
-    desk.show.removeSource(1);
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(desk.floatOf(1)->isVisible());
-    QVERIFY(desk.button(0x11, "_closePushButton")->isHidden());
-  }
-
-  void floatWaitsForTheEngine() {
-    ConsoleDesk desk;
-    desk.create();
-    desk.frame.show();
-    desk.strip(0x11)->onFrameTick();
-    const auto* button = desk.frame.findChildren<GFloatWidgetToolButton*>().at(1);
-    QVERIFY(button->isVisible());
-    QVERIFY(!button->button()->isEnabled());
-    QVERIFY(desk.open());
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(button->button()->isEnabled());
-  }
-
-  void floatGoesWithTheWindow() {
-    OpenDesk desk;
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(desk.floatOf(1)->isVisible());
-    desk.frame.hide();
-    QVERIFY(!desk.floatOf(1)->isVisible());
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(!desk.floatOf(1)->isVisible());
-    desk.frame.show();
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(desk.floatOf(1)->isVisible());
-    desk.frame.showMinimized();
-    QVERIFY(!desk.floatOf(1)->isVisible());
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(!desk.floatOf(1)->isVisible());
-  }
-
-  void floatComesBackFromAMinimisedWindowInFull() {
-    OpenDesk desk;
-    desk.strip(0x11)->onFrameTick();
-    // As window managers do with what belongs to a window that they minimise.
-    desk.floatOf(1)->setWindowState(Qt::WindowMinimized);
-    desk.frame.showMinimized();
-    QVERIFY(!desk.floatOf(1)->isVisible());
-    desk.frame.showNormal();
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(desk.floatOf(1)->isVisible());
-    QVERIFY(!desk.floatOf(1)->isMinimized());
-  }
-
   void openTakesTheChosenSlotOver() {
-    OpenDesk desk;
+    StripDesk desk;
     tagKorviaShowChannelSlot offered;
     StripChooser chooser;
     chooser.media = [&offered](QWidget*, tagKorviaShowChannelSlot& slot) {
@@ -430,7 +311,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void cancelledOpenChangesNothing() {
-    OpenDesk desk;
+    StripDesk desk;
     desk.console->savedChanges.clear();
     StripChooser chooser;
     chooser.media = [](QWidget*, tagKorviaShowChannelSlot& slot) {
@@ -465,7 +346,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void closeOfMediaAsksFirst() {
-    OpenDesk desk;
+    StripDesk desk;
     desk.put(1, sourceOf(SourceKindMovie));
     {
       const QuestionAnswer answer(QMessageBox::No);
@@ -486,7 +367,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void closeOfTheChannelOnAirWarns() {
-    OpenDesk desk;
+    StripDesk desk;
     desk.put(1, sourceOf(SourceKindMovie));
     desk.put(2, sourceOf(SourceKindMovie));
     desk.report(ShowEventSelectChannel, qulonglong{0x1002}, 0x11);
@@ -505,7 +386,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void stageOpensWithoutAStageChooserNotAtAll() {
-    OpenDesk desk;
+    StripDesk desk;
     QVERIFY(!desk.floatOf(3)->button()->isEnabled());
     QVERIFY(!desk.floatOf(3)->button()->toolTip().isEmpty());
     desk.strip(0x100)->onClicked_openSourcePushButton();
@@ -514,7 +395,7 @@ class DisplayObjectTest : public QObject {
   }
 
   void stageOpensAndClosesWithoutAQuestion() {
-    OpenDesk desk;
+    StripDesk desk;
     tagKorviaStageSlot& slot = desk.console->getConfig()->stages[0];
     int asked = 0;
     StripChooser chooser;
@@ -552,152 +433,12 @@ class DisplayObjectTest : public QObject {
   }
 
   void stageWithoutAPathIsNotOpened() {
-    OpenDesk desk;
+    StripDesk desk;
     StripChooser chooser;
     chooser.stage = [](QWidget*, tagKorviaStageSlot&) { return true; };
     desk.console->setStripChooser(chooser);
     desk.strip(0x100)->onClicked_openSourcePushButton();
     QCOMPARE(desk.console->getConfig()->stages[0].inUse, 0);
-  }
-
-  void configButtonShowsItsChannel() {
-    OpenDesk desk;
-    desk.slot(1).kind = SourceKindMovie;
-    desk.slot(1).moviePath = "d:\\films\\opener.mp4";
-    desk.strip(0x11)->onClicked_configPushButton();
-    auto* window = desk.console->findChild<GWidgetDisplayObjectConfig*>();
-    QVERIFY(window->isVisible());
-    QCOMPARE(window->windowTitle(), QString("Media Config - 1"));
-    QCOMPARE(window->findChild<QLabel*>("_mediaInfoLabel")->text(), QString("Movie - opener.mp4"));
-    desk.strip(0x100)->onClicked_configPushButton();
-    QCOMPARE(window->windowTitle(), QString("Stage Config - 0"));
-    window->hide();
-    window->show();
-    QTest::keyClick(window, Qt::Key_Escape);
-    QVERIFY(!window->isVisible());
-  }
-
-  void configWindowIgnoresItsCloseAndHides() {
-    OpenDesk desk;
-    desk.strip(0x11)->onClicked_configPushButton();
-    const QPointer<GWidgetDisplayObjectConfig> window =
-        desk.console->findChild<GWidgetDisplayObjectConfig*>();
-    QVERIFY(window->isVisible());
-    QCloseEvent event;
-    QCoreApplication::sendEvent(window, &event);
-    QVERIFY(!event.isAccepted());
-    QVERIFY(!window->isVisible());
-    desk.strip(0x11)->onClicked_configPushButton();
-    QVERIFY(window->isVisible());
-  }
-
-  void configWindowStaysInPlaceForTheSameChannel() {
-    OpenDesk desk;
-    desk.strip(0x11)->onClicked_configPushButton();
-    auto* window = desk.console->findChild<GWidgetDisplayObjectConfig*>();
-    window->hide();
-    window->move(3, 4);
-    desk.strip(0x11)->onClicked_configPushButton();
-    QVERIFY(window->isVisible());
-    QCOMPARE(window->pos(), QPoint(3, 4));
-  }
-
-  void minimisedConfigWindowComesBack() {
-    OpenDesk desk;
-    desk.strip(0x11)->onClicked_configPushButton();
-    auto* window = desk.console->findChild<GWidgetDisplayObjectConfig*>();
-    for (const int id : {0x11, 0x12}) {
-      window->showMinimized();
-      desk.strip(id)->onClicked_configPushButton();
-      QVERIFY(window->isVisible());
-      QVERIFY(!window->isMinimized());
-    }
-  }
-
-  void visibleConfigWindowFollowsThePreview() {
-    OpenDesk desk;
-    desk.strip(0x11)->onClicked_configPushButton();
-    desk.report(ShowEventSelectChannel, qulonglong{0x1001}, 0x12);
-    auto* window = desk.console->findChild<GWidgetDisplayObjectConfig*>();
-    QCOMPARE(window->windowTitle(), QString("Media Config - 2"));
-    window->hide();
-    desk.report(ShowEventSelectChannel, qulonglong{0x1001}, 0x10);
-    QCOMPARE(window->windowTitle(), QString("Media Config - 2"));
-  }
-
-  void silentStreamRestartsAfterTheTimeout() {
-    OpenDesk desk;
-    ScriptedSource* source = desk.put(1, sourceOf(SourceKindUrl));
-    source->rate = 0;
-    desk.strip(0x11)->onFrameTick();
-    desk.passTime(3200);
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(source->calls.isEmpty());
-    desk.passTime(1);
-    QTest::ignoreMessage(QtDebugMsg, "media stream restart : 1");
-    desk.strip(0x11)->onFrameTick();
-    QCOMPARE(source->calls, (QStringList{"stop", "play"}));
-  }
-
-  void streamThatNeverDeliversRestartsForEver() {
-    OpenDesk desk;
-    ScriptedSource* source = desk.put(1, sourceOf(SourceKindKrmp));
-    source->rate = 0;
-    for (int ms = 0; ms < 10000; ms += 100) {
-      desk.strip(0x11)->onFrameTick();
-      desk.passTime(100);
-    }
-    // Every 3200 ms and a tick, counted from the first silent tick.
-    QCOMPARE(source->calls.count("play"), 2);
-  }
-
-  void streamThatRecoversIsLeftAlone() {
-    OpenDesk desk;
-    ScriptedSource* source = desk.put(1, sourceOf(SourceKindUrl));
-    source->rate = 0;
-    desk.strip(0x11)->onFrameTick();
-    desk.passTime(3000);
-    source->rate = 0.1F;
-    desk.strip(0x11)->onFrameTick();
-    source->rate = 0;
-    desk.passTime(3000);
-    desk.strip(0x11)->onFrameTick();
-    desk.passTime(3000);
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(source->calls.isEmpty());
-  }
-
-  void incomeStreamNeedsMoreThanTen_data() {
-    QTest::addColumn<float>("rate");
-    QTest::addColumn<int>("realtime");
-    QTest::addColumn<bool>("restarts");
-    QTest::newRow("ten is silent") << 10.0F << 0 << true;
-    QTest::newRow("above ten is alive") << 10.1F << 0 << false;
-    QTest::newRow("real time is not watched") << 0.0F << 1 << false;
-  }
-  void incomeStreamNeedsMoreThanTen() {
-    QFETCH(float, rate);
-    QFETCH(int, realtime);
-    QFETCH(bool, restarts);
-    OpenDesk desk;
-    tagKorviaShowSourceInfo info = sourceOf(SourceKindIncome);
-    info.incomeRealtime = static_cast<quint8>(realtime);
-    ScriptedSource* source = desk.put(1, info);
-    source->rate = rate;
-    desk.strip(0x11)->onFrameTick();
-    desk.passTime(3201);
-    desk.strip(0x11)->onFrameTick();
-    QCOMPARE(!source->calls.isEmpty(), restarts);
-  }
-
-  void filmsAreNotWatched() {
-    OpenDesk desk;
-    ScriptedSource* source = desk.put(1, sourceOf(SourceKindMovie));
-    source->rate = 0;
-    desk.strip(0x11)->onFrameTick();
-    desk.passTime(60000);
-    desk.strip(0x11)->onFrameTick();
-    QVERIFY(source->calls.isEmpty());
   }
 };
 

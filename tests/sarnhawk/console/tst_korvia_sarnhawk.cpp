@@ -1,4 +1,4 @@
-// How the console comes up, opens its engine, answers for its interfaces and goes down again.
+// How the console comes up, opens its engine and shows its windows.
 #include <QAction>
 #include <QLabel>
 #include <QMenu>
@@ -16,18 +16,10 @@
 #include "console/GFloatWidgetToolButton.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/GWidgetDisplayObjectConfig.h"
-#include "console/StripLayout.h"
 #include "shell/GAppCaptionBar.h"
 #include "tagKorviaShowEngineInfo.h"
-#include "transitions/GWidgetTransitionEffectConfig.h"
 
 namespace {
-
-constexpr unsigned kVersion = 0x01010100;
-
-void* ask(KorviaSarnhawk* console, const Identifier& id, unsigned version = kVersion) {
-  return console->queryInterface(&id, version);
-}
 
 bool isDeskEnabled(const ConsoleDesk& desk) {
   return desk.console->centralWidget()->isEnabled();
@@ -41,65 +33,12 @@ QList<int> timerIntervals(const ConsoleDesk& desk) {
   return intervals;
 }
 
-QStringList& logLines() {
-  static QStringList lines;
-  return lines;
-}
-
-void keepLine(QtMsgType, const QMessageLogContext&, const QString& text) {
-  logLines().append(text);
-}
-
 }  // namespace
 
 class KorviaSarnhawkTest : public QObject {
   Q_OBJECT
 
  private slots:
-  void interfaceRequestHonoursTheVersion() {
-    ConsoleDesk desk;
-    QVERIFY(ask(desk.console, kIKorviaSarnhawkId, 0x010101FF));
-    QVERIFY(!ask(desk.console, kIKorviaSarnhawkId, 0x01010200));
-    QVERIFY(!ask(desk.console, kIKorviaSarnhawkPrivId, 0x01010200));
-    QVERIFY(!ask(desk.console, kIMainFrameId));
-    QVERIFY(!desk.console->queryInterface(nullptr, kVersion));
-  }
-
-  void eachInterfaceIsAnsweredByItsOwnPointer() {
-    ConsoleDesk desk;
-    KorviaSarnhawk* console = desk.console;
-    QCOMPARE(ask(console, kIKorviaSarnhawkId), static_cast<void*>(static_cast<IKorviaSarnhawk*>(console)));
-    QCOMPARE(ask(console, kIKorviaSarnhawkPrivId),
-             static_cast<void*>(static_cast<IKorviaSarnhawkPriv*>(console)));
-    QCOMPARE(ask(console, kIKorviaShowThreadSinkId),
-             static_cast<void*>(static_cast<IKorviaShowThreadSink*>(console)));
-    QCOMPARE(ask(console, kIKorviaShowEngineSinkId),
-             static_cast<void*>(static_cast<IKorviaShowEngineSink*>(console)));
-    QCOMPARE(ask(console, kIKorviaWebServerSinkId),
-             static_cast<void*>(static_cast<IKorviaWebServerSink*>(console)));
-  }
-
-  void unknownIsTheConsoleInterfaceInAnyVersion() {
-    ConsoleDesk desk;
-    auto* expected = static_cast<void*>(static_cast<IKorviaSarnhawk*>(desk.console));
-    QCOMPARE(ask(desk.console, kIUnknownExId), expected);
-    QCOMPARE(ask(desk.console, kIUnknownExId, 0x09090909), expected);
-  }
-
-  void incomeServerRequestIsPassedOnUnchanged() {
-    ConsoleDesk desk;
-    QVERIFY(desk.create());
-    // The test's server answers its identifier in any version, which the console's own test would not.
-    QVERIFY(ask(desk.console, kIKorviaRTMPIncomeServerId, 0x01010200));
-  }
-
-  void releaseDeletesTheConsole() {
-    QWidget frame;
-    QPointer<KorviaSarnhawk> console = new KorviaSarnhawk(nullptr, &frame);
-    QVERIFY(static_cast<IKorviaSarnhawkPriv*>(console.data())->release());
-    QVERIFY(console.isNull());
-  }
-
   void constructorPresetsIncomeAndRecordPaths() {
     ConsoleDesk desk;
     const tagKorviaSarnhawkConfig* config = desk.console->getConfig();
@@ -501,153 +440,6 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(posted[1].args[0].toInt(), 0x1002);
   }
 
-  void startAndEndAreLoggedInTheirOrder() {
-    logLines().clear();
-    const QtMessageHandler before = qInstallMessageHandler(keepLine);
-    {
-      ConsoleDesk desk;
-      desk.start();
-    }
-    qInstallMessageHandler(before);
-    const QStringList told{"create painter window ...", "create web server ...", "start web server ...",
-                           "create rtmp server ...",    "start rtmp server ...", "startup spend time : 1001",
-                           "destory paint pad ...",     "stop web server ...",   "stop rtmp server ..."};
-    QStringList heard;
-    for (const QString& line : logLines()) {
-      if (told.contains(line))
-        heard.append(line);
-    }
-    QCOMPARE(heard, told);
-  }
-
-  void closeStopsEngineThenServers() {
-    ConsoleDesk desk;
-    QVERIFY(desk.start());
-    desk.console->serverLog.clear();
-    QCOMPARE(desk.show.enginesAlive, 1);
-    static_cast<IKorviaSarnhawk*>(desk.console)->close();
-    QCOMPARE(desk.show.eventIds().last(), quint64{ShowEventClose});
-    QCOMPARE(desk.show.enginesAlive, 0);
-    QVERIFY(!desk.console->getEngine());
-    QVERIFY(desk.console->findChildren<GWidgetDisplayObject*>().isEmpty());
-    QVERIFY(desk.console->findChildren<GWidgetDisplayObjectConfig*>().isEmpty());
-    QCOMPARE(desk.console->serverLog,
-             (QStringList{"web close", "web release", "income close", "income release"}));
-    // The frame timer stays, stopped, until its parent goes.
-    QCOMPARE(timerIntervals(desk), QList<int>{30});
-  }
-
-  void closeDestroysTheWindowsInTheirOrder() {
-    ConsoleDesk desk;
-    QVERIFY(desk.start());
-    const QString channelWindow = "channel window";
-    const QString editor = "transition editor";
-    const QString strip = "strip";
-    QStringList gone;
-    const auto watch = [&gone](const QObject* window, const QString& name) {
-      connect(window, &QObject::destroyed, [&gone, name] { gone.append(name); });
-    };
-    watch(desk.console->findChild<GWidgetDisplayObjectConfig*>(), channelWindow);
-    watch(desk.console->findChild<GWidgetTransitionEffectConfig*>(), editor);
-    watch(desk.strip(0x10), strip);
-    static_cast<IKorviaSarnhawk*>(desk.console)->close();
-    QCOMPARE(gone, (QStringList{channelWindow, editor, strip}));
-  }
-
-  void closeTwiceDoesNothingHarmful() {
-    ConsoleDesk desk;
-    QVERIFY(desk.start());
-    static_cast<IKorviaSarnhawk*>(desk.console)->close();
-    const QStringList log = desk.console->serverLog;
-    static_cast<IKorviaSarnhawk*>(desk.console)->close();
-    QCOMPARE(desk.console->serverLog, log);
-    QCOMPARE(desk.show.count(ShowEventClose), 1);
-  }
-
-  void closeBeforeTheEngineOpenedStillStopsTheServers() {
-    ConsoleDesk desk;
-    desk.create();
-    desk.console->serverLog.clear();
-    static_cast<IKorviaSarnhawk*>(desk.console)->close();
-    QVERIFY(desk.show.events().empty());
-    QCOMPARE(desk.console->serverLog,
-             (QStringList{"web close", "web release", "income close", "income release"}));
-  }
-
-  void closeWithoutCreateIsHarmless() {
-    ConsoleDesk desk;
-    static_cast<IKorviaSarnhawk*>(desk.console)->close();
-    QVERIFY(desk.console->serverLog.isEmpty());
-  }
-
-  void resultThatComesAfterTheCloseIsDropped() {
-    ConsoleDesk desk;
-    QVERIFY(desk.start());
-    // Emitted on another thread, so queued, and still in the queue when the console closes.
-    std::thread late([&desk] {
-      desk.console->onPostEventResult(ShowEventSelectChannel, 0, qulonglong{0x1001}, 0x12, {}, {});
-    });
-    late.join();
-    static_cast<IKorviaSarnhawk*>(desk.console)->close();
-    QCoreApplication::processEvents();
-    QCOMPARE(desk.console->getConfig()->pvmChannel, 0x10);
-  }
-
-  void servicesDropWhatNeedsAnEngine() {
-    ConsoleDesk desk;
-    desk.create();
-    desk.console->postEvent(ShowEventTake, 0x10);
-    QVERIFY(!desk.console->getSource(MediaChannel));
-    QVERIFY(!desk.console->openMedia(0, "/a.mp4"));
-    QVERIFY(desk.show.events().empty());
-  }
-
-  void quitAsksAndNoKeepsTheWindow() {
-    ConsoleDesk desk;
-    QVERIFY(desk.start());
-    const QuestionAnswer answer(QMessageBox::No);
-    desk.console->onAction_quit();
-    QVERIFY(answer.wasAsked);
-    QCOMPARE(answer.title, QString("Message"));
-    QCOMPARE(answer.text, QString("Are you sure to quit ?"));
-    QCOMPARE(answer.buttons, QMessageBox::Yes | QMessageBox::No);
-    QVERIFY(desk.frame.isVisible());
-  }
-
-  void quitAndYesClosesTheFrame() {
-    ConsoleDesk desk;
-    QVERIFY(desk.start());
-    const QuestionAnswer answer(QMessageBox::Yes);
-    desk.console->onAction_quit();
-    QVERIFY(!desk.frame.isVisible());
-  }
-
-  void quitNamesWhatRuns() {
-    ConsoleDesk desk;
-    QVERIFY(desk.start());
-    const auto details = [&desk] {
-      const QuestionAnswer answer(QMessageBox::No);
-      desk.console->onAction_quit();
-      return answer.details;
-    };
-    QCOMPARE(details(), QString());
-    desk.show.figures.recording = true;
-    desk.show.figures.outputs[OutputSlotRecord] = {
-        KorviaShowOutputState::Running, {}, "/records/vod/0/evening.mp4", 0};
-    desk.console->onWorkTimer();
-    QCOMPARE(details(), QString("A recording is running: evening.mp4"));
-    tagKorviaShowOutputItem& stream = desk.console->getConfig()->outputParam.items[OutputSlotStream];
-    stream.rtmp0Enable = 1;
-    stream.rtmp0Url = "rtmp://host/live?key=secret";
-    stream.hlsEnable = 1;
-    // Not answered yet, so no report tells of it.
-    desk.child<QPushButton>("_startStreamPushButton")->click();
-    QCOMPARE(details(), QString("A recording is running: evening.mp4\nA stream is running: RTMP - 0, HLS"));
-    desk.show.figures.outputs[OutputSlotRecord].state = KorviaShowOutputState::Failed;
-    desk.console->onWorkTimer();
-    QCOMPARE(details(), QString("A stream is running: RTMP - 0, HLS"));
-  }
-
   void hideAllTakesEverythingFloatingOffTheScreen() {
     ConsoleDesk desk;
     QVERIFY(desk.start());
@@ -699,34 +491,6 @@ class KorviaSarnhawkTest : public QObject {
     });
     desk.console->onAction_about();
     QCOMPARE(className, QString("GDialogProductAbout"));
-  }
-
-  void layoutTable_data() {
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<int>("total");
-    QTest::addColumn<int>("media");
-    QTest::addColumn<int>("stage");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("0") << 0 << 4 << 4 << 0 << "4 Media Channel , 0 Stage Channel";
-    QTest::newRow("1") << 1 << 4 << 3 << 1 << "3 Media Channel , 1 Stage Channel";
-    QTest::newRow("2") << 2 << 6 << 6 << 0 << "6 Media Channel , 0 Stage Channel";
-    QTest::newRow("3") << 3 << 6 << 4 << 2 << "4 Media Channel , 2 Stage Channel";
-    QTest::newRow("4") << 4 << 8 << 8 << 0 << "8 Media Channel , 0 Stage Channel";
-    QTest::newRow("5") << 5 << 8 << 6 << 2 << "6 Media Channel , 2 Stage Channel";
-    QTest::newRow("6") << 6 << 8 << 4 << 4 << "4 Media Channel , 4 Stage Channel";
-  }
-  void layoutTable() {
-    QFETCH(int, mode);
-    const StripLayout* layout = StripLayout::find(mode);
-    QVERIFY(layout);
-    QTEST(layout->total, "total");
-    QTEST(layout->media, "media");
-    QTEST(layout->stage, "stage");
-    QTEST(QString(layout->text), "text");
-  }
-  void otherLayoutsDoNotExist() {
-    QVERIFY(!StripLayout::find(-1));
-    QVERIFY(!StripLayout::find(7));
   }
 };
 

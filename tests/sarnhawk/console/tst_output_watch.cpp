@@ -135,6 +135,25 @@ class OutputWatchTest : public QObject {
     QVERIFY(!desk.notice()->isVisible());
   }
 
+  void quitNamesARecordingThatHasJustBegun() {
+    OpenDesk desk;
+    const auto details = [&desk] {
+      const QuestionAnswer answer(QMessageBox::No);
+      desk.console->onAction_quit();
+      return answer.details;
+    };
+    desk.click(desk.record());
+    desk.failRecording();
+    QCOMPARE(details(), QString());
+    // The engine has answered, and the newest report is still about the recording that failed.
+    desk.click(desk.record());
+    QVERIFY(desk.record()->isEnabled());
+    QCOMPARE(details(), QString("A recording is running"));
+    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0};
+    desk.tick();
+    QCOMPARE(details(), QString("A recording is running: night.mp4"));
+  }
+
   void failureAfterTheStopIsToldToo() {
     OpenDesk desk;
     desk.click(desk.record());

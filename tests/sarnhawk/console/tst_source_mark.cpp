@@ -87,6 +87,22 @@ class SourceMarkTest : public QObject {
     QCOMPARE(desk.mark(0x11), QString());
   }
 
+  void filmOfLongPicturesIsMarkedWhenItIsLate() {
+    OpenDesk desk;
+    ScriptedSource* source = desk.put(1, sourceOf(SourceKindMovie));
+    source->pictureDuration = 3 * 10'000;
+    QCOMPARE(desk.mark(0x11), QString());
+    desk.passTime(4000);
+    QCOMPARE(desk.mark(0x11), QString());
+    desk.passTime(1);
+    QCOMPARE(desk.mark(0x11), QString("No new picture for more than a second"));
+    ++source->frameCount;
+    QCOMPARE(desk.mark(0x11), QString());
+    source->pictureDuration = 400;
+    desk.passTime(1041);
+    QVERIFY(!desk.mark(0x11).isEmpty());
+  }
+
   void sourceThatMayStandStillIsNotMarked_data() {
     QTest::addColumn<int>("state");
     for (const int state : {NothingSpecial, Opening, Buffering, Paused, Stopped})

@@ -4,7 +4,7 @@
 
 #include "present/IGListWidgetItemEventSink.h"
 
-struct ClickSink : IGListWidgetItemEventSink {
+struct ClickSink final : IGListWidgetItemEventSink {
   struct Click {
     QListWidget* listWidget;
     GListWidgetItem* item;

@@ -22,7 +22,7 @@ const QStringList kKinds{"_sysKind",  "_eraseKind",      "_fadeKind",  "_glideKi
                          "_blurKind", "_distortionKind", "_colorKind", "_easingType"};
 
 /// A console that keeps what the editor asks of it, with the slot as it was at that moment.
-class LoggingConsole : public IKorviaSarnhawkPriv {
+class LoggingConsole final : public IKorviaSarnhawkPriv {
  public:
   bool isValid() override { return true; }
   bool release() override { return true; }

@@ -53,7 +53,7 @@ class ChannelBank final : public ChannelPictures {
   FrameRef inRenderSize(FrameRef picture);
 
   Janitor& janitor_;
-  mutable std::mutex formatMutex_;
+  std::mutex formatMutex_;
   ShowFormat format_;  // guarded by formatMutex_
   SourceSet sources_;
   SourceArray active_;                              // engine thread: what sources_ held at the last change

@@ -56,6 +56,7 @@ bool MuxPipeline::addTrack(const Track& track, const RecordContainer& container,
   GstElement* parser = pipeline_.add("h264parse", nullptr);
   if (!source || !parser)
     return false;
+  OutputPipeline::setProperties(source, container.inletProperties);
   g_object_set(parser, "config-interval", container.headerInterval, nullptr);
   if (gst_element_link_many(source, parser, muxer, nullptr))
     return true;

@@ -11,13 +11,17 @@ namespace {
 const std::vector<ElementProperty> kFragments = {{"fragment-duration", "500"},
                                                  {"fragment-mode", "first-moov-then-finalise"}};
 
+// flvmux asks its input for the duration when it writes the header, and writes a day when nobody knows. A
+// clean stop corrects it; in a file that was not stopped players ignore a duration of 0 and look at the end.
+const std::vector<ElementProperty> kNoDuration = {{"duration", "0"}};
+
 // The first one is used for unknown numbers.
 const RecordContainer kContainers[] = {
-    {EncapsulationMp4, "mp4", "mp4mux", 0, true, kFragments},
-    {EncapsulationMov, "mov", "qtmux", 0, true, kFragments},
-    {EncapsulationTs, "ts", "mpegtsmux", -1, false, {}},
-    {EncapsulationFlv, "flv", "flvmux", 0, false, {}},
-    {EncapsulationMkv, "mkv", "matroskamux", 0, false, {{"max-cluster-duration", "500000000"}}},
+    {EncapsulationMp4, "mp4", "mp4mux", 0, true, kFragments, {}},
+    {EncapsulationMov, "mov", "qtmux", 0, true, kFragments, {}},
+    {EncapsulationTs, "ts", "mpegtsmux", -1, false, {}, {}},
+    {EncapsulationFlv, "flv", "flvmux", 0, false, {}, kNoDuration},
+    {EncapsulationMkv, "mkv", "matroskamux", 0, false, {{"max-cluster-duration", "500000000"}}, {}},
 };
 
 }  // namespace

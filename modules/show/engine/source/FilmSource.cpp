@@ -73,6 +73,7 @@ SourceFigures FilmSource::figures() {
 void FilmSource::getState(tagKorviaSourceLinkState& state) {
   state.rate = transport_->arrivals().perSecond();
   state.reason = transport_->failureReason();
+  state.pictureDuration = transport_->pictureDurationNs() / kTenthMsNs;
 }
 
 void FilmSource::play() {

@@ -72,6 +72,8 @@ FrameRef FilmTransport::pull(int ticks) {
     if (std::exchange(shownFilm_, pulled.film) != pulled.film)
       onFilmEvent({FilmEvent::Kind::Shown, pulled.film, 0, {}});
   }
+  if (pulled.durationNs > 0)
+    pictureDurationNs_ = pulled.durationNs;
   if (pulled.missed && state_ == Playing)
     ++framesHeld_;
   if (pulled.drained)

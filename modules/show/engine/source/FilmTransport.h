@@ -50,6 +50,8 @@ class FilmTransport : public FilmEventSink {
   // Of the film on show; 0 when unknown.
   std::int64_t durationNs() const { return durationNs_; }
   std::int64_t positionNs() const { return positionNs_; }
+  /// Of the picture on show, or of the one before it while the next one is not there yet.
+  std::int64_t pictureDurationNs() const { return pictureDurationNs_; }
   FrameSize pictureSize() const { return {pictureWidth_, pictureHeight_}; }
   std::int64_t framesShown() const { return framesShown_; }
   std::int64_t framesHeld() const { return framesHeld_; }
@@ -100,6 +102,7 @@ class FilmTransport : public FilmEventSink {
   std::atomic<KorviaShowPlayState> state_{Opening};
   std::atomic<std::int64_t> durationNs_{0};
   std::atomic<std::int64_t> positionNs_{0};
+  std::atomic<std::int64_t> pictureDurationNs_{0};
   std::atomic<std::int64_t> framesShown_{0};
   std::atomic<std::int64_t> framesHeld_{0};
   std::atomic<int> pictureWidth_{0};

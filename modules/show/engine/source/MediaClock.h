@@ -53,7 +53,7 @@ class MediaClock {
   void setTime(std::int64_t timeNs);
 
   const FrameRate rate_;
-  mutable std::mutex mutex_;
+  std::mutex mutex_;
   // All guarded by mutex_.
   bool playing_ = false;
   bool hold_ = false;

@@ -37,6 +37,8 @@ struct SourceFigures {
 
 class Source : public IKorviaShowSource {
  public:
+  virtual ~Source() = default;
+
   /// The picture for this tick in the render size, or null for black. `ticks` is 1 plus the frames missed
   /// since the last call. Never blocks. Engine thread.
   virtual FrameRef pullFrame(int ticks) = 0;

@@ -122,6 +122,12 @@ bool VideoQueue::reachedEnd(const ClockReading& reading) const {
          (firstIsDue_ || reading.timeNs >= endNs_);
 }
 
+std::int64_t VideoQueue::durationNs() const {
+  if (firstIsDue_ || (queue_.empty() && !ended_))
+    return 0;
+  return std::max<std::int64_t>(0, (queue_.empty() ? endNs_ : queue_.front().timeNs) - shown_.timeNs);
+}
+
 VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
   Pull result;
   std::int64_t shownNs = 0;
@@ -157,6 +163,7 @@ VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
     result.frame = shown_.frame;
     result.mediaNs = shown_.mediaNs;
     result.film = shown_.film;
+    result.durationNs = durationNs();
   }
   replaced_.clear();
   if (result.fresh) {

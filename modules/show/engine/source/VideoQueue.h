@@ -40,6 +40,8 @@ class VideoQueue {
     FrameRef frame;  ///< null before the first picture
     std::int64_t mediaNs = 0;
     int film = 0;
+    /// How long the picture on show lasts, as far as the next one or the end is known; else 0.
+    std::int64_t durationNs = 0;
     bool fresh = false;    ///< another picture than at the call before
     bool missed = false;   ///< playing, and the picture that is due is not there yet
     bool drained = false;  ///< the end was reached at this call
@@ -86,6 +88,8 @@ class VideoQueue {
   /// skipped one takes half a frame of drift, and the other way round.
   void settleBias(const Pull& result, bool skipped);
   bool reachedEnd(const ClockReading& reading) const;
+  /// Of the picture on show; 0 while nobody knows what follows it.
+  std::int64_t durationNs() const;
 
   MediaClock* const clock_;  // null for Live
   const int number_;         // on the clock

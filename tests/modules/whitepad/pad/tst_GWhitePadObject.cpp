@@ -6,7 +6,7 @@
 
 namespace {
 
-class RecordingSink : public IGWhitePadSink {
+class RecordingSink final : public IGWhitePadSink {
  public:
   void onCommitWhitePadImage(const QImage&) override { calls.append("commit"); }
   void onSetWhitePadValid(bool valid) override { calls.append(valid ? "valid" : "invalid"); }

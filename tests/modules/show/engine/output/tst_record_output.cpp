@@ -127,9 +127,12 @@ class TestRecordOutput : public QObject {
     QTemporaryDir folder;
     const int pushed = recordAndKill(folder.path(), encapsulation, 75);
     QVERIFY(pushed >= 75);
-    const QVector<int> numbers = numbersIn(VideoJudge::decodeLuma(folder.path() + "/host." + suffix), kSize);
+    const QString fileName = folder.path() + "/host." + suffix;
+    const QVector<int> numbers = numbersIn(VideoJudge::decodeLuma(fileName), kSize);
     QVERIFY2(numbers.size() >= pushed - 25, qPrintable(QString("%1 of %2").arg(numbers.size()).arg(pushed)));
     QCOMPARE(numbers, countTo(numbers.size()));
+    const double seconds = VideoJudge::judge(fileName).durationSeconds;  // 0 when the file tells none
+    QVERIFY2(seconds <= pushed / 25.0 + 1, qPrintable(QString::number(seconds)));
   }
 
   void stoppedFilesHaveOneIndex_data() {

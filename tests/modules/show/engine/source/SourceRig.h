@@ -53,7 +53,7 @@ inline QByteArray text(const QVector<int>& codes) {
   return line;
 }
 
-class NotifySink : public IKorviaShowEngineSink {
+class NotifySink final : public IKorviaShowEngineSink {
  public:
   struct Notify {
     int id, what, param;

@@ -119,6 +119,19 @@ class FilmSourceTest : public QObject {
     QCOMPARE(numbers(rig, 40), expected);
   }
 
+  void tellsHowLongItsPictureLasts() {
+    SourceRig rig;
+    rig.openFilm(clip("uneven.mkv"), EndActionStop);
+    QVERIFY(rig.tickUntil(Playing));
+    const auto tenthMs = [&rig] {
+      tagKorviaSourceLinkState state;
+      rig->getState(state);
+      return state.pictureDuration;
+    };
+    QVERIFY(rig.tickUntil([&] { return tenthMs() == 400; }));
+    QVERIFY(rig.tickUntil([&] { return tenthMs() == 7 * 400; }));
+  }
+
   void endStops() {
     SourceRig rig;
     rig.openFilm(clip("clip25.mp4"), EndActionStop);

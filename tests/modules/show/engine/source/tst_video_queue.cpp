@@ -94,6 +94,23 @@ class VideoQueueTest : public QObject {
     QVERIFY(!pull.missed);
   }
 
+  void pictureLastsUntilTheNextOrTheEnd() {
+    ClockedQueue queue({25, 1});
+    queue.push(picture(0, 0));
+    queue.push(picture(1, 3000 * kMs));
+    queue.setPlaying(true);
+    QCOMPARE(queue.pull(1).durationNs, 3000 * kMs);
+    QCOMPARE(queue.pull(25).durationNs, 3000 * kMs);
+    QCOMPARE(numberOf(queue.pull(50)), 1);
+    QCOMPARE(queue.pull(1).durationNs, std::int64_t(0));  // the next one is not there
+    queue.push(picture(2, 3040 * kMs));
+    QCOMPARE(queue.pull(1).durationNs, std::int64_t(0));  // on show, and again alone
+    queue.markEnd(5040 * kMs);
+    QCOMPARE(queue.pull(1).durationNs, 2000 * kMs);
+    queue.beginFlush();
+    QCOMPARE(queue.pull(1).durationNs, std::int64_t(0));
+  }
+
   void sameRateShowsEveryPictureOnce() {
     QCOMPARE(cadence({25, 1}, steady(8, 25), 8), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7}));
     QCOMPARE(cadence({30000, 1001}, steady(8, 30000.0 / 1001), 8),
