@@ -11,6 +11,7 @@
 #include "KorviaShowEvents.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/MultimediaClock.h"
+#include "services/ConsoleServers.h"
 #include "shell/GAppCaptionBar.h"
 
 namespace {
@@ -63,23 +64,34 @@ class DeskIncomeServer final : public IKorviaRTMPIncomeServer {
   DeskConsole& console_;
 };
 
+class DeskServers final : public ConsoleServers {
+ public:
+  explicit DeskServers(DeskConsole& console) : console_(console) {}
+
+ protected:
+  bool loadWeb() override {
+    console_.serverLog.append(QStringLiteral("web load"));
+    if (console_.hasWebServer)
+      _web._interface = new DeskWebServer(console_);
+    return console_.hasWebServer;
+  }
+  bool loadIncome() override {
+    console_.serverLog.append(QStringLiteral("income load"));
+    if (console_.hasIncomeServer)
+      _income._interface = new DeskIncomeServer(console_);
+    return console_.hasIncomeServer;
+  }
+
+ private:
+  DeskConsole& console_;
+};
+
 constexpr int kAnswerPollMs = 5;
 
 }  // namespace
 
-bool DeskConsole::loadWebServer() {
-  serverLog.append(QStringLiteral("web load"));
-  if (hasWebServer)
-    _webServer._interface = new DeskWebServer(*this);
-  return hasWebServer;
-}
-
-bool DeskConsole::loadIncomeServer() {
-  serverLog.append(QStringLiteral("income load"));
-  if (hasIncomeServer)
-    _incomeServer._interface = new DeskIncomeServer(*this);
-  return hasIncomeServer;
-}
+DeskConsole::DeskConsole(GAppCaptionBar* captionBar, QWidget* parent)
+    : KorviaSarnhawk(captionBar, parent, std::make_unique<DeskServers>(*this)) {}
 
 class ConsoleDesk::Progress final : public IProgressSink {
  public:

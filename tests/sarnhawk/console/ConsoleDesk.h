@@ -20,7 +20,7 @@ using SavedChanges = QList<QPair<unsigned, int>>;
 /// The console with everything outside of it replaced.
 class DeskConsole : public KorviaSarnhawk {
  public:
-  DeskConsole(GAppCaptionBar* captionBar, QWidget* parent) : KorviaSarnhawk(captionBar, parent) {}
+  DeskConsole(GAppCaptionBar* captionBar, QWidget* parent);
 
   QStringList serverLog;
   QStringList devices;
@@ -45,8 +45,6 @@ class DeskConsole : public KorviaSarnhawk {
 
  protected:
   QStringList audioDevices() const override { return devices; }
-  bool loadWebServer() override;
-  bool loadIncomeServer() override;
 };
 
 class ConsoleDesk : public QObject {
