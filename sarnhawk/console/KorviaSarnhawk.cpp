@@ -316,10 +316,14 @@ bool KorviaSarnhawk::isEngineDue() const {
          MultimediaClock::since(_startTick) > kOpenDelayMs;
 }
 
+KorviaShowEngine* KorviaSarnhawk::newEngine() {
+  return new ConsoleShowEngine;
+}
+
 void KorviaSarnhawk::openEngine() {
   if (_engine)
     return;
-  _engine = new ConsoleShowEngine;
+  _engine = newEngine();
   _engine->start(this, ShowThreadNormal);
   // The record is packed: its fields are read by value.
   const qint32 numerator = _config.engineInfo.format.fpsNumerator;

@@ -180,6 +180,8 @@ class KorviaSarnhawk : public QMainWindow,
 
   /// Names of the sound outputs of this machine, among which the configured devices are searched.
   virtual QStringList audioDevices() const;
+  /// A new engine, which the caller owns.
+  virtual KorviaShowEngine* newEngine();
 
   ConsolePages _pages;
 

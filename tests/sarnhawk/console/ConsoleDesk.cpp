@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include "ConsoleLook.h"
+#include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/MultimediaClock.h"
@@ -64,6 +65,19 @@ class DeskIncomeServer final : public IKorviaRTMPIncomeServer {
   DeskConsole& console_;
 };
 
+class DeskEngine final : public KorviaShowEngine {
+ public:
+  explicit DeskEngine(QList<float>& frameRates) : frameRates_(frameRates) {}
+
+  void setFps(float fps) override {
+    frameRates_.append(fps);
+    KorviaShowEngine::setFps(fps);
+  }
+
+ private:
+  QList<float>& frameRates_;
+};
+
 class DeskServers final : public ConsoleServers {
  public:
   explicit DeskServers(DeskConsole& console) : console_(console) {}
@@ -92,6 +106,16 @@ constexpr int kAnswerPollMs = 5;
 
 DeskConsole::DeskConsole(GAppCaptionBar* captionBar, QWidget* parent)
     : KorviaSarnhawk(captionBar, parent, std::make_unique<DeskServers>(*this)) {}
+
+void DeskConsole::postEvent(quint64 eventId, QVariant a1, QVariant a2, QVariant a3, QVariant a4) {
+  if (beforePost)
+    beforePost(eventId);
+  KorviaSarnhawk::postEvent(eventId, std::move(a1), std::move(a2), std::move(a3), std::move(a4));
+}
+
+KorviaShowEngine* DeskConsole::newEngine() {
+  return new DeskEngine(frameRates);
+}
 
 class ConsoleDesk::Progress final : public IProgressSink {
  public:
