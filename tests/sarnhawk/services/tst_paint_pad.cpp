@@ -37,6 +37,7 @@ class PaintPadTest : public QObject {
     QVERIFY(desk.start());
     QImage drawing(4, 3, QImage::Format_ARGB32);
     drawing.fill(QColor(10, 20, 30, 40));
+    drawing.setPixelColor(0, 0, QColor(50, 60, 70, 80));
     desk.console->onCommitWhitePadImage(drawing);
     QCOMPARE(desk.show.paintPadImage, drawing);
   }
