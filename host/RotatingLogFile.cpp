@@ -24,7 +24,7 @@ RotatingLogFile::~RotatingLogFile() {
 }
 
 void RotatingLogFile::open() {
-  // Appending, so that two programs that share the file do not write over each other.
+  // Opened for appending, so that two programs that share the file do not overwrite each other's lines.
   descriptor_ =
       ::open(QFile::encodeName(fileName_).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
 }
@@ -46,7 +46,7 @@ QString RotatingLogFile::numbered(int number) const {
 }
 
 void RotatingLogFile::write(const QByteArray& lines) {
-  // Twice, when another program had put the file aside and has filled its new one since.
+  // A second time is needed when another program has renamed the file and filled the new one since.
   for (int tries = 0; tries < 2 && isFullFor(lines.size()); ++tries)
     rotate();
   if (descriptor_ >= 0)
@@ -63,7 +63,7 @@ void RotatingLogFile::rotate() {
   struct stat mine {};
   struct stat named {};
   fstat(descriptor_, &mine);
-  // Another program that shares the file may have put it aside already.
+  // Another program that shares the file may have renamed it already.
   if (::stat(QFile::encodeName(fileName_).constData(), &named) == 0 && named.st_ino == mine.st_ino) {
     for (int number = files_ - 1; number > 0; --number)
       std::rename(QFile::encodeName(numbered(number - 1)).constData(),

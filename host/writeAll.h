@@ -1,4 +1,4 @@
-// Writing to a descriptor whatever it is. Any thread.
+// Writes to a file descriptor of any kind. Any thread.
 #pragma once
 #include <poll.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 
 namespace korvia {
 
-/// Waits where the descriptor blocks. False when it takes no more: a full disk, a reader or terminal that is
+/// Waits while the descriptor blocks. False on a write error: the disk is full, or the reader or terminal is
 /// gone.
 inline bool writeAll(int descriptor, const QByteArray& bytes) {
   for (int done = 0; done < bytes.size();) {

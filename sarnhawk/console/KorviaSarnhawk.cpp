@@ -43,7 +43,8 @@ namespace {
 const QString kShowDataPath = QString::fromLatin1(korvia::kShowDataDrivePath);
 const QString kTestFilmPath = kShowDataPath + QStringLiteral("Common\\Demo\\demo.mp4");
 
-// What the host was asked to open at the start: decimal channel index to path.
+// Property of the application in which the host leaves the files to open at the start: a map from the decimal
+// index of a channel to a path.
 constexpr const char* kRequestedMediaProperty = "korviaOpen";
 
 constexpr int kFrameIntervalMs = 30;
@@ -125,7 +126,6 @@ bool KorviaSarnhawk::create(void*, IProgressSink* progress, void*, const tagKorv
   overrideConfig(rootPath);
   if (_config.lyricFolders.isEmpty())
     addLyricFolders();
-  // Component and stage packages are found here: the pages below choose from both catalogs.
   _startTick = MultimediaClock::now();
   const bool created = createUi();
   if (created)
@@ -139,7 +139,7 @@ void KorviaSarnhawk::overrideConfig(const QString& rootPath) {
   tagKorviaShowEngineInfo& info = _config.engineInfo;
   info.cachePath = rootPath + QStringLiteral("cache\\");
   info.showDataPath = rootPath + QStringLiteral("\\ShowData\\");
-  // The one place takes precedence over the root.
+  // The show data lies in one fixed place, whatever the root is.
   info.showDataPath = kShowDataPath;
   info.secondDataPath = kShowDataPath;
   info.renderDevice = 1;
@@ -174,8 +174,7 @@ bool KorviaSarnhawk::createUi() {
   createWindows();
   checkAudioDevices();
   ConsoleServers::checkPorts(this);
-  // The pages of the present items and the program list are made here, after the devices are known. The tabs
-  // stay away as long as they would be empty.
+  // The tabs hold no pages yet, so the operator must not see them.
   _ui->_presentItemTabWidget->hide();
   connectControls();
   createTakeMenus();
@@ -200,8 +199,8 @@ void KorviaSarnhawk::createLever() {
 }
 
 void KorviaSarnhawk::createWindows() {
-  // Sound control comes before the transition editor, the screen cut and the statistics after the channel
-  // window: windows stack in the order in which they are made.
+  // Windows stack in the order in which they are made. A sound control is made before the transition editor;
+  // a screen cut and statistics are made after the channel window.
   _transitionConfig = new GWidgetTransitionEffectConfig(this, this);
   _pages.add(PagePlace::TransitionEditor, _transitionConfig);
   _channelConfig = new GWidgetDisplayObjectConfig(this, this);
@@ -325,7 +324,7 @@ void KorviaSarnhawk::openEngine() {
     return;
   _engine = newEngine();
   _engine->start(this, ShowThreadNormal);
-  // The record is packed: its fields are read by value.
+  // The record is packed, so that a reference to one of its fields could be misaligned.
   const qint32 numerator = _config.engineInfo.format.fpsNumerator;
   const qint32 denominator = _config.engineInfo.format.fpsDenominator;
   _engine->setFps(static_cast<float>(denominator > 0 ? numerator / denominator : 0));
@@ -340,7 +339,7 @@ void KorviaSarnhawk::openEngine() {
     if (GWidgetDisplayObject* strip = _strips->stage(index))
       strip->fillWindowInfo(windows.stage[static_cast<std::size_t>(index)]);
   }
-  // The karaoke page fills its own entry here, between the strips and the buses.
+  // The karaoke entry stays empty until there is a karaoke page.
   windows.pvm = windowInfoOf(_ui->_pvmPreviewWidget);
   windows.pgm = windowInfoOf(_ui->_pgmPreviewWidget);
   _engine->postEvent(ShowEventOpen, toVariant(_config.engineInfo), toVariant(windows));
@@ -437,7 +436,7 @@ void KorviaSarnhawk::destroyUi() {
 }
 
 void KorviaSarnhawk::onAction_quit() {
-  // A window manager may ask for the close again before the question is there.
+  // The window manager may ask for the close a second time before the question is on the screen.
   if (_isAskedToQuit)
     return;
   const QScopedValueRollback<bool> asked(_isAskedToQuit, true);

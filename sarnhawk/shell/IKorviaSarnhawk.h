@@ -1,4 +1,4 @@
-// What the host holds of the console. Host's GUI thread.
+// The console as the host sees it. GUI thread of the host.
 #pragma once
 #include <QString>
 
@@ -16,5 +16,5 @@ class IKorviaSarnhawk : public IUnknownEx {
   virtual void close() = 0;
 };
 
-/// Signature of the export "CreateKorviaSarnhawk". Throws a wide string when it cannot deliver.
+/// Signature of the export "CreateKorviaSarnhawk". Throws a wide string on failure.
 using CreateKorviaSarnhawkFunction = void* (*)(const Identifier*, unsigned);
