@@ -28,7 +28,7 @@ IKorviaSarnhawk* ConsoleLibrary::createConsole() {
     if (!console)
       error_ = QStringLiteral("the console's factory gave nothing");
     return console;
-  } catch (const wchar_t* reason) {  // takes a wchar_t* as well
+  } catch (const wchar_t* reason) {  // catches a wchar_t* as well
     error_ = QStringLiteral("the console's factory failed : %1").arg(QString::fromWCharArray(reason));
   } catch (const std::exception& exception) {
     error_ =

@@ -1,4 +1,4 @@
-// Loads the console's library, which lies beside the program, and calls its factory. GUI thread only.
+// Loads the library of the console, which is in the program's folder, and calls its factory. GUI thread only.
 #pragma once
 #include <QString>
 
@@ -10,8 +10,8 @@ class ConsoleLibrary {
  public:
   explicit ConsoleLibrary(const QString& folder);
 
-  /// A new console, which its caller ends with close() and release(). Null when library, export or
-  /// interface is missing; then error() says why. The library stays loaded until the process ends.
+  /// A new console, which the caller ends with close() and release(). Null when library, export or interface
+  /// is missing; error() then tells the reason. The library stays loaded until the process ends.
   IKorviaSarnhawk* createConsole();
   QString error() const { return error_; }
 

@@ -18,7 +18,7 @@ struct HeldMessage {
   QString text;
 };
 
-// The connection is made on the GUI thread alone, so nothing else logs.
+// Needs no lock: until the application object exists only the GUI thread logs.
 QList<HeldMessage> held;
 
 QString reason() {
@@ -38,7 +38,7 @@ void onMessage(QtMsgType type, const QMessageLogContext& context, const QString&
   }
   std::fprintf(stderr, "korvia: %s; ./run brings a virtual one\n", qUtf8Printable(reason()));
   std::fflush(stderr);
-  // Half an application object cannot be taken down.
+  // The application object is only half constructed, so no destructors may run.
   _exit(1);
 }
 

@@ -1,5 +1,5 @@
-// Stands by while the application object connects to the display: the toolkit's fatal message about a missing
-// one becomes one sentence and exit code 1. GUI thread, one at a time.
+// Exists while the application object connects to the display. When that fails, it replaces Qt's fatal
+// message by one sentence and exit code 1. GUI thread, one at a time.
 #pragma once
 #include <QtGlobal>
 
@@ -10,7 +10,7 @@ class DisplayGuard {
   DisplayGuard();
   DisplayGuard(const DisplayGuard&) = delete;
   DisplayGuard& operator=(const DisplayGuard&) = delete;
-  /// Logs what was held back meanwhile.
+  /// Logs the messages that were kept meanwhile.
   ~DisplayGuard();
 
  private:

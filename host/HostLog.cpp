@@ -15,10 +15,10 @@ namespace korvia {
 namespace {
 
 constexpr std::chrono::milliseconds kFileLimit{2000};
-// Long enough for a terminal that reads, short enough for one that was stopped.
+// A terminal that reads needs less; a stopped terminal must not hold up the exit for longer.
 constexpr std::chrono::milliseconds kStandardErrorLimit{500};
 
-// Never destroyed: threads of libraries may log until the very end.
+// Never deleted, because threads of libraries may log until the process ends.
 HostLog* theLog = nullptr;
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Where the program's log goes: to standard error and to a file beside the configuration, each by a thread of
-// its own. GUI thread; what is logged may come from any thread.
+// Writes the program's log to standard error and to a file in the folder of the configuration, each on a
+// thread of its own. GUI thread; messages may come from any thread.
 #pragma once
 #include <QString>
 #include <array>
@@ -11,8 +11,8 @@ namespace korvia {
 
 class HostLog {
  public:
-  /// Takes over the messages of the process until its end, and writes what is queued when the process exits
-  /// or logs a fatal message. Once.
+  /// Takes over the messages of the process until its end. Queued messages are written when the process exits
+  /// or logs a fatal message. To be called once.
   static HostLog& start(const QString& fileName);
   /// "korvia.log" in the folder of the configuration.
   static QString defaultFileName();
@@ -20,8 +20,8 @@ class HostLog {
   HostLog(const HostLog&) = delete;
   HostLog& operator=(const HostLog&) = delete;
 
-  /// The terminal that the program was started from is gone: what stood on it of the standard streams goes
-  /// nowhere from now on.
+  /// The terminal that the program was started from is gone. Redirects the standard streams that were
+  /// connected to it to /dev/null.
   void leaveTerminal();
 
  private:
@@ -30,7 +30,7 @@ class HostLog {
   static void drainAtExit();
   void drain();
 
-  std::array<bool, 3> onTerminal_;  // the standard streams, as they were at the start
+  std::array<bool, 3> onTerminal_;  // whether each standard stream was a terminal at the start
   LogWriter standardError_;
   LogWriter file_;
 };

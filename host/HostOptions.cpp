@@ -27,7 +27,7 @@ const QCommandLineOption kScreenshot("screenshot",
                                      "Writes a picture of the window (png, jpg, bmp) at the exit.", "FILE");
 const QCommandLineOption kSize("size", "Size of the window in pixels.", "WxH");
 
-/// Reads one option's value into `options`. The reason when it is no good, else an empty text.
+/// Reads one option's value into `options`. Returns why the value is refused, or an empty text.
 using Reader = QString (*)(const QString& value, HostOptions& options);
 
 bool isInFolder(const QString& file) {
@@ -68,7 +68,7 @@ QString readOpen(const QString& value, HostOptions& options) {
   bool isNumber = false;
   const int channel = match.captured(1).toInt(&isNumber);
   const QString key = isNumber ? QString::number(channel) : match.captured(1);
-  // A file that is not there is the engine's business: it shows on its channel, the show goes on.
+  // A missing file is not refused: the channel shows the error and the show runs without it.
   options.openFiles.insert(key, QFileInfo(match.captured(2)).absoluteFilePath());
   return QString();
 }
@@ -137,7 +137,7 @@ QString HostOptions::channelRefusal(int mediaChannels) const {
 HostCommandLine HostCommandLine::parse(const QStringList& arguments) {
   QCommandLineParser parser;
   parser.setApplicationDescription(QStringLiteral("Live video switcher for one operator at a desk."));
-  // Not the parser's own, which brings an option for the toolkit's arguments along.
+  // The parser's own help option would add an option for the arguments of Qt.
   const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
                                 QStringLiteral("Shows this text."));
   parser.addOption(help);

@@ -1,5 +1,5 @@
-// What the operator asks for on the command line of the host. Plain values, any thread; parse() before the
-// application object is made.
+// The options of the command line. Plain values, any thread; parse() is called before the application object
+// is made.
 #pragma once
 #include <QSize>
 #include <QString>
@@ -16,7 +16,7 @@ struct HostOptions {
   QString screenshotFile;
   QSize size;  ///< invalid for the console's own choice
 
-  /// Why `openFiles` does not fit a show of so many media channels; empty when it does.
+  /// Why `openFiles` does not fit a show of so many media channels; empty when it fits.
   QString channelRefusal(int mediaChannels) const;
 };
 
@@ -25,7 +25,7 @@ struct HostCommandLine {
 
   Outcome outcome = Outcome::Run;
   HostOptions options;  ///< for Run
-  QString text;         ///< for Inform what to print, for Refuse why
+  QString text;         ///< for Inform the text to print, for Refuse the reason
 
   /// `arguments` begins with the program's name. Makes no files or folders.
   static HostCommandLine parse(const QStringList& arguments);

@@ -2,23 +2,21 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QLoggingCategory>
 #include <QScreen>
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
 #include <cmath>
 
+#include "HostLogCategories.h"
 #include "StatusBoard.h"
 #include "WindowPicture.h"
-
-Q_LOGGING_CATEGORY(lcSession, "korvia.host.session")
 
 namespace korvia {
 
 namespace {
 
-/// What the console says that the show is put out to: "recording", "streaming".
+/// The outputs that run by the status board: "recording", "streaming".
 QStringList runningOutputs() {
   const QJsonObject outputs = StatusBoard::instance().snapshot()[QStringLiteral("outputs")].toObject();
   QStringList running;
@@ -55,7 +53,7 @@ void HostSession::applySize() {
   const QWindow* window = frame_->windowHandle();
   if (!window || !window->screen())
     return;
-  // Back into the screen, as far as the size lets it; its top left corner in any case.
+  // Moves the window back onto the screen. A window larger than the screen shows its top left corner.
   const QRect available = window->screen()->availableGeometry();
   QRect place = frame_->frameGeometry();
   place.moveRight(std::min(place.right(), available.right()));
@@ -72,7 +70,7 @@ void HostSession::requestClose() {
     quitWhenClosed();
     return;
   }
-  // The console is still being made, and what it waits for is a dialog.
+  // The console is still being created and waits for a dialog.
   while (QWidget* dialog = QApplication::activeModalWidget()) {
     if (!dialog->close())
       break;
@@ -94,14 +92,14 @@ bool HostSession::eventFilter(QObject* watched, QEvent* event) {
   if (watched == frame_ && event->type() == QEvent::Close) {
     if (pictureDue_)
       takePicture();
-    // Tool windows of the console must not keep the program alive without its main window.
+    // Qt would run on while tool windows of the console are open, so the session ends the program itself.
     QTimer::singleShot(0, this, &HostSession::quitWhenClosed);
   }
   return QObject::eventFilter(watched, event);
 }
 
 void HostSession::takePicture() {
-  // First, since the picture lets events in and a second close may be among them.
+  // Cleared first, because taking the picture runs the event loop, which may bring a second close.
   pictureDue_ = false;
   if (!pictureOf(frame_).save(options_.screenshotFile)) {
     qCCritical(lcSession, "failed to write screenshot : %s", qUtf8Printable(options_.screenshotFile));
@@ -111,7 +109,7 @@ void HostSession::takePicture() {
 
 void HostSession::quitWhenClosed() {
   if (frame_ && frame_->isVisible()) {
-    // The close was refused: the picture is to be of the real end.
+    // The close was refused, so the picture has to be taken again at the real end.
     pictureDue_ = !options_.screenshotFile.isEmpty();
     return;
   }

@@ -1,5 +1,5 @@
-// One run of the console from its window's first to its last moment: size, time limit, picture at the exit,
-// and the end of the event loop. GUI thread only.
+// Runs the event loop while the console's window is open: sets its size, ends it at the time limit, and takes
+// the picture at the exit. GUI thread only.
 #pragma once
 #include <QObject>
 #include <QPointer>
@@ -16,13 +16,15 @@ class HostSession : public QObject {
   /// `frame` is the console's window; it is not owned.
   HostSession(QWidget* frame, const HostOptions& options, QObject* parent = nullptr);
 
-  /// After the console was created: runs until its window is closed. The exit code of the program.
+  /// Runs until the window is closed and returns the exit code of the program. To be called after the console
+  /// was created.
   int run();
 
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  public slots:
-  /// Closes the window without a question, also while a dialog waits. May come at any time, also twice.
+  /// Closes the window without a question, also while a dialog is open. May be called at any time, also
+  /// twice.
   void requestClose();
   /// The terminal is gone: closes the window, unless something is recorded or streamed.
   void onHangUp();

@@ -40,7 +40,8 @@ LogWriter::~LogWriter() {
 void LogWriter::add(const QByteArray& line) {
   std::lock_guard lock(state_->mutex);
   ++state_->added;
-  // Once a line is dropped the following ones are too, so that the count stands at their place.
+  // After one line is dropped, all are dropped until the thread takes the queue. Their count then stands in
+  // the log where the lines are missing.
   if (state_->dropped != 0 || state_->queue.size() + line.size() > kQueueBytesMax) {
     ++state_->dropped;
     return;

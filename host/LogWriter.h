@@ -1,6 +1,6 @@
-// Takes log lines from any thread and writes them to one place on a thread of its own, so that a place that
-// blocks (a stopped terminal, a pipe that nobody reads) holds nobody up. What does not fit into the queue is
-// dropped and counted.
+// Takes log lines from any thread and writes them to one target on a thread of its own, so that a target that
+// blocks (a stopped terminal, a pipe without a reader) does not block who logs. Lines that do not fit into
+// the queue are dropped and counted.
 #pragma once
 #include <QByteArray>
 #include <chrono>
@@ -19,7 +19,7 @@ class LogWriter {
   explicit LogWriter(Target target);
   LogWriter(const LogWriter&) = delete;
   LogWriter& operator=(const LogWriter&) = delete;
-  /// Returns at once: the thread writes what is queued and ends by itself.
+  /// Returns at once. The thread writes the queued lines and ends by itself.
   ~LogWriter();
 
   /// `line` ends in a line feed. Never waits for the target.

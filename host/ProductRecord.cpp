@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Texts that are too long are cut, so that the NUL always has its place.
+/// A text that is too long is cut, so that the field always ends in a NUL.
 template <std::size_t N>
 void setText(char16_t (&field)[N], std::u16string_view text) {
   const std::size_t length = std::min(text.size(), N - 1);

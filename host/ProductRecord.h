@@ -1,4 +1,4 @@
-// The record that tells the console which product it is. Plain data, any thread.
+// Makes the record that describes the product to the console. Plain data, any thread.
 #pragma once
 #include "shell/tagKorviaProductInfo.h"
 

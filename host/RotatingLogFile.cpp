@@ -33,7 +33,7 @@ RotatingLogFile::~RotatingLogFile() {
 
 void RotatingLogFile::open() {
   QDir().mkpath(QFileInfo(fileName_).absolutePath());
-  // Appending, so that two programs that share the file do not write over each other.
+  // Opened for appending, so that two programs that share the file do not overwrite each other's lines.
   descriptor_ =
       ::open(QFile::encodeName(fileName_).constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
   retryAt_ = clock_() + kRetry;
@@ -58,7 +58,7 @@ QString RotatingLogFile::numbered(int number) const {
 void RotatingLogFile::write(const QByteArray& lines) {
   if (!isOpen() && clock_() >= retryAt_)
     open();
-  // Twice, when another program had put the file aside and has filled its new one since.
+  // A second time is needed when another program has renamed the file and filled the new one since.
   for (int tries = 0; tries < 2 && isFullFor(lines.size()); ++tries)
     rotate();
   if (!isOpen())
@@ -95,7 +95,7 @@ void RotatingLogFile::rotate() {
   struct stat mine {};
   struct stat named {};
   fstat(descriptor_, &mine);
-  // Another program that shares the file may have put it aside already.
+  // Another program that shares the file may have renamed it already.
   if (::stat(QFile::encodeName(fileName_).constData(), &named) == 0 && named.st_ino == mine.st_ino) {
     for (int number = files_ - 1; number > 0; --number)
       std::rename(QFile::encodeName(numbered(number - 1)).constData(),

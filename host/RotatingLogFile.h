@@ -1,4 +1,5 @@
-// A log file of bounded size: a full one is put aside under a number, and the oldest one goes. One thread.
+// A log file of bounded size. A full file is renamed with a number, and the oldest file is deleted. One
+// thread.
 #pragma once
 #include <QByteArray>
 #include <QString>
@@ -14,8 +15,8 @@ class RotatingLogFile {
   static constexpr qint64 kFileBytesMax = 5 * 1024 * 1024;
   static constexpr int kFilesMax = 5;
 
-  /// "/a/korvia.log" is followed by "/a/korvia.1.log" and so on, `files` in all, of `fileBytes` at most. The
-  /// folder is made when it is not there.
+  /// A full "/a/korvia.log" becomes "/a/korvia.1.log" and so on. There are at most `files` files of at most
+  /// `fileBytes` each. A missing folder is made.
   explicit RotatingLogFile(const QString& fileName, qint64 fileBytes = kFileBytesMax, int files = kFilesMax,
                            Clock clock = &std::chrono::steady_clock::now);
   RotatingLogFile(const RotatingLogFile&) = delete;

@@ -3,9 +3,8 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <QLoggingCategory>
 
-Q_LOGGING_CATEGORY(lcShowData, "korvia.host.showdata")
+#include "HostLogCategories.h"
 
 namespace korvia {
 

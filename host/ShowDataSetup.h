@@ -1,11 +1,12 @@
-// Puts what the show-data folder starts with into its place. Before the console is created, any thread.
+// Fills the show-data folder with the files that the program brings. Called before the console is created,
+// any thread.
 #pragma once
 #include <QString>
 
 namespace korvia {
 
-/// Copies every file below `from` that is not below `to` yet, with its folders. Files that are there stay
-/// as they are, and a copy that fails leaves nothing behind but a log line. Returns the number of copies.
+/// Copies every file below `from` that is missing below `to`, with its folders. Existing files are not
+/// changed. A copy that fails is logged and leaves no partial file. Returns the number of copies.
 int copyMissingFiles(const QString& from, const QString& to);
 
 }  // namespace korvia

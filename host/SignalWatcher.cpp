@@ -3,14 +3,13 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <QLoggingCategory>
 #include <QSocketNotifier>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <iterator>
 
-Q_LOGGING_CATEGORY(lcSignals, "korvia.host.signals")
+#include "HostLogCategories.h"
 
 namespace korvia {
 
@@ -18,7 +17,7 @@ namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-// The handler may use nothing but these.
+// The signal handler uses only these, because little else is safe in a handler.
 int pipeEnds[2] = {-1, -1};
 std::atomic<bool> closeAsked{false};
 std::atomic<bool> terminalGone{false};
@@ -28,7 +27,7 @@ void onSignal(int number) {
   const int savedErrno = errno;
   (number == SIGHUP ? terminalGone : closeAsked) = true;
   const char byte = 1;
-  // A full pipe already holds enough requests.
+  // The result does not matter: a full pipe wakes the reader as well.
   [[maybe_unused]] const ssize_t written = write(pipeEnds[1], &byte, 1);
   errno = savedErrno;
 }
@@ -64,7 +63,7 @@ SignalWatcher::SignalWatcher(QObject* parent) : QObject(parent) {
 SignalWatcher::~SignalWatcher() {
   if (!notifier_)
     return;
-  // The program is ending by then: a last impatient signal must not cut the end short.
+  // The program is ending, and another signal must not interrupt it.
   setAction(SIG_IGN);
   delete notifier_;
   for (int& end : pipeEnds) {

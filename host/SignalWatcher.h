@@ -1,6 +1,6 @@
-// Turns SIGINT and SIGTERM, and the SIGHUP of a terminal that goes away, into Qt signals, so that the console
-// is closed in the orderly way. While one is alive those signals end nothing by themselves, however often
-// they come. A SIGHUP that the program was started to ignore stays ignored. One at a time, GUI thread.
+// Turns SIGINT, SIGTERM and SIGHUP into Qt signals, so that the console is closed in order. While a watcher
+// exists, these signals do not end the process, however often they come. If the program was started with
+// SIGHUP ignored, it stays ignored. One at a time, GUI thread.
 #pragma once
 #include <QObject>
 
@@ -13,7 +13,7 @@ class SignalWatcher : public QObject {
 
  public:
   explicit SignalWatcher(QObject* parent = nullptr);
-  /// The signals are ignored from then on: the program is ending.
+  /// The signals are ignored from then on, because the program is ending.
   ~SignalWatcher() override;
 
  signals:

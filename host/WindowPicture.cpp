@@ -13,11 +13,11 @@ namespace korvia {
 
 namespace {
 
-/// Long enough for a raised window and its monitors to be drawn, some frames of each.
+/// Time for the raised window and its monitors to draw some frames.
 constexpr int kRedrawMs = 250;
 
-/// Brings the window to the front, and over it what belongs over it: without a window manager nobody else
-/// does. Dialogs come last, since they stand over everything.
+/// Raises the window, then its floating windows, then dialogs, which have to be on top. Without a window
+/// manager nothing else keeps this order.
 void bringToFront(QWidget* window) {
   window->raise();
   QWidgetList dialogs;

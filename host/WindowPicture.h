@@ -6,8 +6,8 @@ class QWidget;
 
 namespace korvia {
 
-/// On X11 read back from the screen, since floating buttons and monitors are windows of their own that the
-/// widget's own painting does not know; elsewhere painted by the widget. Runs the event loop for a moment.
+/// On X11 the picture is read back from the screen, because floating buttons and monitors are native windows
+/// that the widget does not paint. On other platforms the widget paints it. Runs the event loop for a moment.
 QImage pictureOf(QWidget* window);
 
 }  // namespace korvia

@@ -11,10 +11,11 @@
 #include "DrivePath.h"
 #include "HomeFolder.h"
 #include "HostLog.h"
+#include "HostLogCategories.h"
 #include "HostOptions.h"
 #include "HostSession.h"
+#include "IProgressSink.h"
 #include "ProductRecord.h"
-#include "ProgressLog.h"
 #include "ShowDataPath.h"
 #include "ShowDataSetup.h"
 #include "SignalWatcher.h"
@@ -24,6 +25,14 @@
 
 namespace {
 
+/// Logs the progress of the console's start.
+class ProgressLog final : public IProgressSink {
+ public:
+  void onProgressBegin() override { qCDebug(lcProgress, "begin"); }
+  void onProgressEnd() override { qCDebug(lcProgress, "end"); }
+  void onProgressText(const QString& text) override { qCDebug(lcProgress, "%s", qUtf8Printable(text)); }
+};
+
 enum ExitCode { kSuccess = 0, kFailure = 1, kUsage = 2 };
 
 int complain(const QString& message, ExitCode code) {
@@ -31,14 +40,14 @@ int complain(const QString& message, ExitCode code) {
   return code;
 }
 
-/// Help, version and refusals must work without a display, hence before the application proper.
+/// Runs before the QApplication is made, because help, version and refusals must work without a display.
 HostCommandLine readCommandLine(int argc, char** argv) {
   QCoreApplication plain(argc, argv);
   QCoreApplication::setApplicationName(QStringLiteral("korvia"));
   return HostCommandLine::parse(QCoreApplication::arguments());
 }
 
-/// What console and engine read from the environment or the application, set before they are loaded.
+/// Sets what console and engine read from the environment and the application. Called before they are loaded.
 void publish(const HostOptions& options) {
   if (!options.engine.isEmpty())
     qputenv("KORVIA_ENGINE", options.engine.toLocal8Bit());
@@ -64,7 +73,7 @@ int runConsole(const HostOptions& options, korvia::HostLog& log) {
     log.leaveTerminal();
     session.onHangUp();
   });
-  korvia::ProgressLog progress;
+  ProgressLog progress;
   const tagKorviaProductInfo product = makeProductRecord();
   int exitCode = kFailure;
   if (console->create(nullptr, &progress, nullptr, &product, options.rootPath))
@@ -74,7 +83,7 @@ int runConsole(const HostOptions& options, korvia::HostLog& log) {
   return exitCode;
 }
 
-/// What the toolkit and the libraries below it read; a home of "/" would put the operator's files there.
+/// Qt and other libraries read HOME. With a home of "/" they would write the operator's files there.
 void setHome() {
   qputenv("HOME", QFile::encodeName(korvia::homeFolder()));
 }
@@ -82,7 +91,7 @@ void setHome() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // A reader of the standard streams may go away at any time.
+  // A reader of the standard streams may end at any time, and SIGPIPE would end the program then.
   std::signal(SIGPIPE, SIG_IGN);
   setHome();
   const HostCommandLine commandLine = readCommandLine(argc, argv);

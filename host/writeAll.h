@@ -1,4 +1,4 @@
-// Writing to a descriptor whatever it is. Any thread.
+// Writes to a file descriptor of any kind. Any thread.
 #pragma once
 #include <poll.h>
 #include <unistd.h>
@@ -8,8 +8,8 @@
 
 namespace korvia {
 
-/// Waits where the descriptor blocks. Returns the bytes written, less than all when it takes no more: a full
-/// disk, a reader or terminal that is gone.
+/// Waits while the descriptor blocks. Returns the bytes written: less than all on a write error, when the
+/// disk is full or the reader or terminal is gone.
 inline int writeAll(int descriptor, const QByteArray& bytes) {
   int done = 0;
   while (done < bytes.size()) {

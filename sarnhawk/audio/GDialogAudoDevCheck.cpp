@@ -61,6 +61,6 @@ void GDialogAudoDevCheck::onTimer() {
 }
 
 void GDialogAudoDevCheck::onClicked_okPushButton() {
-  // The operator does not want to wait for the device: the same end as the time limit.
+  // The operator does not want to wait, so the dialog ends as at the time limit.
   reject();
 }

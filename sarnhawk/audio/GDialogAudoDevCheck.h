@@ -1,4 +1,4 @@
-// Waits at the start for the audio devices of the PGM and PVM outputs to turn up. GUI thread only.
+// Waits at the start until the audio devices of the PGM and PVM outputs are found. GUI thread only.
 #pragma once
 #include <QDialog>
 #include <QStringList>
@@ -19,7 +19,7 @@ class GDialogAudoDevCheck : public QDialog {
   using DeviceLister = std::function<QStringList()>;
 
   GDialogAudoDevCheck(const QString& pgmName, const QString& pvmName, QWidget* parent = nullptr);
-  /// The same over another list of device names.
+  /// The same with another source of device names.
   GDialogAudoDevCheck(const QString& pgmName, const QString& pvmName, DeviceLister lister, QWidget* parent);
   ~GDialogAudoDevCheck() override;
 

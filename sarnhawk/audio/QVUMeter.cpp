@@ -16,7 +16,7 @@ qint64 systemClockMs() {
   return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
 }
 
-/// Whole pixels of `length`, which may be any number, within 0 to `limit`. No number counts as 0.
+/// `length` in whole pixels, clamped to 0 to `limit`. NaN and infinity count as 0.
 int pixels(double length, int limit) {
   return std::isfinite(length) ? static_cast<int>(std::clamp(length, 0.0, double(std::max(limit, 0)))) : 0;
 }
@@ -51,7 +51,7 @@ void QVUMeter::setValueDim(int dim) {
 }
 
 double QVUMeter::clamped(double value) const {
-  // In this order no number ends as the minimum.
+  // With the operands in this order NaN becomes the minimum.
   return qMax(_minValue, qMin(_maxValue, value));
 }
 

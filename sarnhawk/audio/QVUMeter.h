@@ -1,4 +1,4 @@
-// Two-channel level bar. Shows the last values that it was given, without ballistics. GUI thread only.
+// Two-channel level bar without ballistics: it shows the newest values as they are. GUI thread only.
 #pragma once
 #include <QColor>
 #include <QWidget>
@@ -18,7 +18,7 @@ class QVUMeter : public QWidget {
   Q_PROPERTY(int dimValue READ dimValue WRITE setValueDim)
 
  public:
-  /// `compact` is the small form of a channel strip, which counts from 0 to 100 whatever the limits.
+  /// `compact` is the small form for a channel strip, whose scale is always 0 to 100.
   explicit QVUMeter(QWidget* parent = nullptr, bool compact = false);
 
   QColor colorBg() const { return _colorBg; }
@@ -32,7 +32,7 @@ class QVUMeter : public QWidget {
   int dimValue() const { return _dimValue; }
 
  signals:
-  /// For forms that connect to them; levels are polled here, so that nothing emits these.
+  /// Never emitted, because levels are polled. Forms may connect to them.
   void valueLChanged(double value);
   void valueRChanged(double value);
 
@@ -46,8 +46,8 @@ class QVUMeter : public QWidget {
   void setLeftValue(double value);
   void setRightValue(double value);
   void setValues(double left, double right);
-  /// The limits stay ordered by a swap: a value that is no new minimum becomes the maximum, and the other
-  /// way round.
+  /// Keeps the limits in order. A value below the minimum becomes the minimum, and the old minimum becomes
+  /// the maximum; any other value becomes the maximum. setMaxValue does the same the other way round.
   void setMinValue(double value);
   void setMaxValue(double value);
   /// Paints at once.
@@ -72,6 +72,7 @@ class QVUMeter : public QWidget {
   double _leftValue = 0;
   double _rightValue = 0;
   bool _compact;
-  /// Start of the repaint limit, in milliseconds of the system clock. Stays 0, so that the limit never holds.
+  /// Time of the last limited repaint, in milliseconds of the system clock. It stays 0, so that no repaint is
+  /// skipped.
   qint64 _stampMs = 0;
 };

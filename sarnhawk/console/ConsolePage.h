@@ -1,11 +1,11 @@
-// Whatever takes part in the life of the console: a page, a floating window, a row of the desk. A page does
-// what it needs to in the phases that it overrides; ConsolePages reaches it there by its place. Console
+// Base of everything that takes part in the life of the console: pages, floating windows, rows of the desk. A
+// page overrides the phases that it needs, and ConsolePages calls them in the order of the places. Console
 // thread.
 #pragma once
 
 struct tagKorviaShowPresentPlacement;
 
-/// Names a page; when its turn comes in each phase is told in ConsolePages.cpp.
+/// Names a page. ConsolePages.cpp lists the places in the order of each phase.
 enum class PagePlace {
   Strips,
   Karaoke,
@@ -31,15 +31,16 @@ class ConsolePage {
  public:
   virtual ~ConsolePage() = default;
 
-  /// The engine has its channels and not yet its state: items are handed to it here.
+  /// The engine has opened its channels and has not been sent the state of the desk yet. Pages send it their
+  /// items here.
   virtual void onEngineOpened() {}
-  /// Every 30 ms and every second, from before the engine is there.
+  /// The frame tick comes every 30 ms, the work tick every second. Both come before the engine exists, too.
   virtual void onFrameTick() {}
   virtual void onWorkTick() {}
   /// An item of this page's kind was dragged on a monitor.
   virtual void onPlacement(const tagKorviaShowPresentPlacement& /*placement*/) {}
-  /// The frame goes off the screen, and all that floats goes with it.
+  /// The frame is closing: hide every floating window.
   virtual void onHideAll() {}
-  /// The user interface is taken down; the page may delete itself, since nothing reaches it afterwards.
+  /// The user interface is destroyed. The page may delete itself, since no phase calls it afterwards.
   virtual void onDestroyUi() {}
 };

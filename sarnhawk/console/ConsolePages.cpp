@@ -6,18 +6,16 @@ namespace {
 
 using Place = PagePlace;
 
-// The phases differ in their orders, so each has its own. A new page is named here in the phases that it
-// takes part in.
+// Each phase has an order of its own. A new page is added to the orders of the phases that it needs.
 constexpr Place kEngineOpenedOrder[] = {Place::Strips,  Place::Karaoke,   Place::Subtitle,   Place::Logo,
                                         Place::Overlay, Place::Component, Place::ProgramList};
 
-// Lyrics and pictures step between the strips and the levels. The screen cut captures last, when everything
-// on the screen has moved.
+// The screen cut captures last, so that it sees everything that the tick has changed on the screen.
 constexpr Place kFrameTickOrder[] = {Place::Strips, Place::Karaoke,  Place::Subtitle,
                                      Place::Logo,   Place::Overlay,  Place::Component,
                                      Place::Levels, Place::PaintPad, Place::ScreenCut};
 
-// The statistics are fetched before whoever shows them.
+// The statistics are fetched before the pages that show them.
 constexpr Place kWorkTickOrder[] = {
     Place::Strips,      Place::Karaoke,          Place::Subtitle,    Place::Logo,
     Place::Overlay,     Place::Component,        Place::Transport,   Place::StatisticsFetch,
@@ -27,8 +25,8 @@ constexpr Place kHideAllOrder[] = {Place::ScreenCut,       Place::StatisticsWind
                                    Place::ProgramList,     Place::Strips,           Place::PaintPad,
                                    Place::TransitionEditor};
 
-// The floating windows go before the pages that they point at, the pages before the strips. The editor and
-// the program list outlive the pages, which may still take.
+// Floating windows are destroyed before the pages that they point at, and pages before the strips. The editor
+// and the program list are destroyed after the pages, which may still use them.
 constexpr Place kDestroyUiOrder[] = {
     Place::PaintPad,      Place::ScreenCut, Place::StatisticsWindow, Place::SoundControl,
     Place::ChannelConfig, Place::Karaoke,   Place::Subtitle,         Place::Logo,
@@ -50,7 +48,7 @@ ConsolePage* ConsolePages::find(PagePlace place) const {
 }
 
 void ConsolePages::reach(std::span<const PagePlace> order, void (ConsolePage::*phase)()) {
-  // Each page is looked up when its turn comes: the one before it may have taken the user interface down.
+  // Each page is looked up at its turn, because the page before it may have destroyed the user interface.
   for (const PagePlace place : order) {
     if (ConsolePage* page = find(place))
       (page->*phase)();

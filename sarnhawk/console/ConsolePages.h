@@ -1,5 +1,5 @@
-// The pages of the console by their places, and who comes when in each phase. A place without a page is
-// passed over. Console thread.
+// Holds the pages of the console by their places and calls each phase on them in its order. A place without a
+// page is skipped. Console thread.
 #pragma once
 #include <map>
 #include <span>
@@ -8,8 +8,8 @@
 
 class ConsolePages {
  public:
-  /// The page is not owned. It must stay until destroyUi has reached it; a page that destroyUi does not reach
-  /// must stay as long as its console.
+  /// The page is not owned. It must live until destroyUi has called it; a page whose place is not in the
+  /// order of destroyUi must live as long as the console.
   void add(PagePlace place, ConsolePage* page) { _pages[place] = page; }
   /// Null when nothing stands at the place.
   ConsolePage* find(PagePlace place) const;
@@ -17,10 +17,10 @@ class ConsolePages {
   void engineOpened();
   void frameTick();
   void workTick();
-  /// Tells the page of the item's kind alone; nobody for another kind.
+  /// Calls only the page of the item's kind, and no page for a kind without one.
   void placement(const tagKorviaShowPresentPlacement& placement);
   void hideAll();
-  /// Forgets each page before it is reached.
+  /// Removes each page from the list before it calls the page.
   void destroyUi();
 
  private:

@@ -6,7 +6,7 @@ void FocusKeeper::takeFrom(const QWidget* part) {
   if (!owner || (owner != part && !part->isAncestorOf(owner)))
     return;
   _owner = owner;
-  // Without any focus, the next activation of the window would give it to the first control.
+  // If nothing had the focus, the next activation of the window would give it to the first control.
   window->setFocus(Qt::OtherFocusReason);
 }
 

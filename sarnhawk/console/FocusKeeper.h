@@ -1,15 +1,16 @@
-// Keeps the keyboard's focus for a part of the desk that is disabled or hidden for a moment. Qt would hand
-// the focus to the next control, and the operator's next key would move that one. Console thread.
+// Keeps the keyboard focus for a part of the desk that is disabled or hidden for a moment. Without it Qt
+// moves the focus to the next control, and the operator's next key changes that control. Console thread.
 #pragma once
 #include <QPointer>
 #include <QWidget>
 
 class FocusKeeper {
  public:
-  /// Before the part is disabled or hidden: when the focus is inside it, it goes to the window, which does
-  /// nothing with keys.
+  /// To be called before the part is disabled or hidden. A focus inside the part moves to the window, which
+  /// ignores keys.
   void takeFrom(const QWidget* part);
-  /// Once the part is back: it gets what was taken, unless another control has got the focus since.
+  /// To be called when the part is enabled or shown again. Returns the focus that was taken, unless another
+  /// control has got the focus since.
   void giveBack();
 
  private:

@@ -12,7 +12,7 @@ constexpr int kMinTickPitch = 6;
 constexpr int kMajorEvery = 5;
 constexpr int kMinorLength = 5;
 constexpr int kMajorLength = 9;
-/// From the slot to the ticks; less than the handle reaches out.
+/// From the centre line to the ticks, in pixels.
 constexpr int kTickDistance = 10;
 
 QColor mixed(const QColor& a, const QColor& b, double share) {
@@ -20,7 +20,8 @@ QColor mixed(const QColor& a, const QColor& b, double share) {
   return QColor(part(a.red(), b.red()), part(a.green(), b.green()), part(a.blue(), b.blue()));
 }
 
-/// Pixels between drawn ticks: the slider's interval, doubled until ticks can be told apart.
+/// Pixels between drawn ticks: the slider's interval, doubled until the ticks are far enough apart to be
+/// read.
 double tickPitch(const QStyleOptionSlider& slider, int span) {
   const double range = std::max(1.0, double(slider.maximum) - slider.minimum);
   const int interval = slider.tickInterval > 0 ? slider.tickInterval : std::max(1, slider.pageStep);
@@ -131,7 +132,7 @@ void GCleanlooksStyle::drawHandle(const QStyleOptionSlider& slider, QPainter* pa
   painter->setBrush(metal);
   painter->drawRoundedRect(handle, 3, 3);
 
-  // The line that the operator reads the position from.
+  // The operator reads the position from this line.
   QColor mark = enabled ? slider.palette.brightText().color() : slider.palette.mid().color();
   if (held)
     mark = slider.palette.link().color();

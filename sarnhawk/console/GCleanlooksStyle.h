@@ -1,5 +1,5 @@
-// Style of the switch lever: base rules of Fusion, a handle and a groove that overhang their ticks, and a
-// drawing of its own in the palette's colours. GUI thread only.
+// Style of the switch lever. It derives from Fusion, widens handle and groove beyond their ticks, and draws
+// the slider itself in the colours of the palette. GUI thread only.
 #pragma once
 #include <QProxyStyle>
 

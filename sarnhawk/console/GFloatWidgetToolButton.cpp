@@ -25,10 +25,9 @@ GFloatWidgetToolButton::GFloatWidgetToolButton(QWidget* owner)
   layout->addWidget(_button);
 }
 
-void GFloatWidgetToolButton::setShown(bool shown) {
-  if (!shown)
-    hide();
-  // Window managers minimise it with its owner, and a window that is shown minimised takes its owner along.
-  else if (!isVisible() || isMinimized())
+void GFloatWidgetToolButton::showInFull() {
+  // Window managers minimise it with its owner. If it were shown minimised, it would minimise its owner
+  // again.
+  if (!isVisible() || isMinimized())
     showNormal();
 }

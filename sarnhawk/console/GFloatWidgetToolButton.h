@@ -1,6 +1,6 @@
-// A frameless window of its own with one tool button, floating over a picture that the engine draws. It
-// belongs to the window that it floats over: hidden and minimised with it, and never above other programs.
-// GUI thread.
+// A frameless window with one tool button, which floats over a picture that the engine draws. The window that
+// it floats over owns it: it is hidden and minimised together with that window and never covers other
+// programs. GUI thread.
 #pragma once
 #include <QWidget>
 
@@ -14,8 +14,9 @@ class GFloatWidgetToolButton : public QWidget {
 
   QToolButton* button() const { return _button; }
 
-  /// Shows or hides the window. Not to be asked for while the owner is minimised: it would come back.
-  void setShown(bool shown);
+  /// Shows the window, also when it was minimised. Not to be called while the owner is minimised, since that
+  /// would restore the owner.
+  void showInFull();
 
  private:
   QToolButton* _button = nullptr;

@@ -1,5 +1,5 @@
-// One line about an output, in the title strip of a group box: it covers no picture and moves nothing. A
-// click takes it away. Console thread.
+// One line about an output, shown in the title strip of a group box, where it covers no picture and moves no
+// control. Console thread.
 #pragma once
 #include <QPushButton>
 

@@ -9,6 +9,6 @@ GSlider::GSlider(int overhang, QWidget* parent) : QSlider(parent) {
 }
 
 GSlider::~GSlider() {
-  // The style sheet's wrapper keeps a bare pointer to the style, which dies with the children.
+  // Qt's style for style sheets keeps a raw pointer to the lever style, which is deleted with the children.
   setStyle(nullptr);
 }

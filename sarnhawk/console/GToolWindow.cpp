@@ -10,7 +10,7 @@ static_assert(0x44001 == (Qt::Window | Qt::WindowStaysOnTopHint | Qt::WindowMini
 }  // namespace
 
 GToolWindow::GToolWindow(QWidget* parent) : QWidget(parent, kToolWindow) {
-  // Without it the style sheet draws no frame.
+  // Without this attribute the style sheet draws no frame.
   setAttribute(Qt::WA_StyledBackground);
 }
 
@@ -28,7 +28,7 @@ void GToolWindow::onDestroyUi() {
   delete this;
 }
 
-// The way out where no window manager draws a close button.
+// Escape hides the window, because without a window manager there is no close button.
 void GToolWindow::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape)
     hide();

@@ -1,5 +1,5 @@
-// A floating window of the console: on top of others, with a minimise button, kept to the console's end.
-// Console thread.
+// A floating window of the console. It stays on top of others, has a minimise button, and lives until the
+// console ends. Console thread.
 #pragma once
 #include <QWidget>
 
@@ -11,7 +11,7 @@ class GToolWindow : public QWidget, public ConsolePage {
  public:
   explicit GToolWindow(QWidget* parent = nullptr);
 
-  /// Brings the window before the operator, also when it was minimised.
+  /// Shows the window in front of all others, also when it was minimised.
   void present();
 
   void onHideAll() override { hide(); }

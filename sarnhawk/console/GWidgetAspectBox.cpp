@@ -22,7 +22,7 @@ void GWidgetAspectBox::resizeEvent(QResizeEvent* event) {
 }
 
 bool GWidgetAspectBox::event(QEvent* event) {
-  // A child that comes after the first layout has to find its place as well.
+  // A child that is added after the first layout gets no resize event of the box, so it is placed here.
   if (event->type() == QEvent::ChildPolished)
     placeChild();
   return QWidget::event(event);

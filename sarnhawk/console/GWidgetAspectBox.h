@@ -1,4 +1,4 @@
-// Keeps its one child at 16:9, as large as there is room for, in the middle. GUI thread.
+// Keeps its one child centred at 16:9 and as large as the box allows. GUI thread.
 #pragma once
 #include <QWidget>
 

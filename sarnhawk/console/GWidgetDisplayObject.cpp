@@ -23,7 +23,7 @@
 
 namespace {
 
-// An income stream that delivers no more than this is as good as silent.
+// An income stream that delivers no more than this counts as silent.
 constexpr float kIncomeRateMin = 10.0F;
 
 constexpr int kMarkSize = 20;
@@ -32,13 +32,13 @@ const QString kPreviewBorder = QStringLiteral("#_mainFrame{border: 2px solid rgb
 const QString kProgramBorder = QStringLiteral("#_videoFrame{border: 2px solid rgb(232, 32, 32);}");
 const QString kHeardStyle = QStringLiteral("QPushButton{background-color: rgb(0, 85, 0);}");
 
-// A new style is a new layout of everything below it, so it is set only when it changes.
+// Setting a style sheet lays out everything below the frame again, so it is set only when it changes.
 void setBorder(QWidget* frame, const QString& style) {
   if (frame->styleSheet() != style)
     frame->setStyleSheet(style);
 }
 
-// The same in both modes: a button that cannot be pressed still tells whether the channel is heard.
+// The icon looks the same when the button is disabled, because it tells whether the channel is heard.
 QIcon audioIcon(const char* name) {
   const QString file = QStringLiteral(":/KorviaSarnhawk/Resources/icons/%1.png").arg(QLatin1String(name));
   QIcon icon(file);
@@ -58,7 +58,7 @@ GWidgetDisplayObject::GWidgetDisplayObject(IKorviaSarnhawkPriv* priv, const Stri
       _soundIcon(audioIcon("sound")),
       _muteIcon(audioIcon("mute")) {
   _kind = getObjectKind(objectId, _index);
-  // The picture needs a native window below it; everything above may stay one painted surface.
+  // The picture needs a native window as parent. The widgets above the strip need none.
   setAttribute(Qt::WA_DontCreateNativeAncestors);
   winId();
   _ui->setupUi(this);
@@ -200,11 +200,11 @@ bool GWidgetDisplayObject::isPictureOnScreen() const {
 }
 
 void GWidgetDisplayObject::updateOverlay() {
-  // The form sizes the strip before the float is there.
+  // The form resizes the strip before the floating button is made.
   if (!_floatButton)
     return;
   placeFloat();
-  // A window of its own is not disabled with the desk, and without an engine nothing could be opened.
+  // The floating button is a window of its own, so Qt does not disable it together with the desk.
   _floatButton->setEnabled(isEnabled() && _priv->getEngine());
   if (isMedia() || isStage())
     setOccupied(isOccupied());
@@ -224,7 +224,10 @@ void GWidgetDisplayObject::placeFloat() {
 
 void GWidgetDisplayObject::setOccupied(bool occupied) {
   _ui->_closePushButton->setVisible(occupied);
-  _floatButton->setShown(!occupied && isPictureOnScreen());
+  if (!occupied && isPictureOnScreen())
+    _floatButton->showInFull();
+  else
+    _floatButton->hide();
 }
 
 void GWidgetDisplayObject::updateWatchdog() {
@@ -249,7 +252,9 @@ void GWidgetDisplayObject::updateMark() {
     return;
   IKorviaShowSource* source = _priv->getSource(static_cast<KorviaShowObjectID>(_objectId));
   const int kind = _priv->getConfig()->channels[static_cast<std::size_t>(_index)].source.kind;
-  const QString trouble = source ? _health.examine(source, kind, _isOnHold) : QString();
+  const QString trouble =
+      source ? _health.examine(source, kind, _isOnHold ? SourceHealth::Hold::On : SourceHealth::Hold::Off)
+             : QString();
   if (_ui->_sourceMarkLabel->toolTip() != trouble)
     _ui->_sourceMarkLabel->setToolTip(trouble);
   _ui->_sourceMarkLabel->setVisible(!trouble.isEmpty());

@@ -45,7 +45,8 @@ class GWidgetDisplayObject : public QWidget {
   void setAudioState(int state);
   void setSelectedPGM(bool selected);
   void setSelectedPVM(bool selected);
-  /// Holds or releases the source by what it wants done when `targetId` is on air.
+  /// Holds or releases the source, by the action that the source is configured with for going on air.
+  /// `targetId` is the channel that is on air.
   void applyOnAirRule(int targetId);
   void hideFloat();
   /// Shows the channel that the slot describes, as if the operator had chosen it. Media strips only.
@@ -69,7 +70,7 @@ class GWidgetDisplayObject : public QWidget {
   void placeFloat();
   void setOccupied(bool occupied);
   bool isOccupied() const;
-  /// The float is a window of its own: it must go when its picture cannot be seen.
+  /// The floating button is a top-level window, so it must be hidden while its picture is not visible.
   bool isPictureOnScreen() const;
   void updateWatchdog();
   void updateMark();
@@ -87,13 +88,13 @@ class GWidgetDisplayObject : public QWidget {
   int _index = 0;
   int _kind = 0;
   QVUMeter* _auMeter = nullptr;
-  /// When the source fell silent; 0 while it is alive.
+  /// When the source stopped delivering; 0 while it delivers.
   quint32 _restartTick = 0;
   SourceHealth _health;
-  /// The on-air rule stopped the source on purpose.
+  /// The on-air rule holds the source, so a standing picture is no fault.
   bool _isOnHold = false;
   QTimer* _pgmInOutActionTimer = nullptr;
-  /// Belongs to the window below it, which may go first.
+  /// The window below owns the button and may be deleted first.
   QPointer<GFloatWidgetToolButton> _floatButton;
   QPoint _floatPosition;
   QIcon _soundIcon;

@@ -1,4 +1,4 @@
-// The one floating window that tells what a channel shows and edits it. Console thread.
+// The floating window that shows and edits what a channel shows. Console thread.
 #pragma once
 #include <memory>
 
@@ -17,13 +17,13 @@ class GWidgetDisplayObjectConfig : public GToolWindow {
   explicit GWidgetDisplayObjectConfig(IKorviaSarnhawkPriv* priv, QWidget* parent = nullptr);
   ~GWidgetDisplayObjectConfig() override;
 
-  /// Loads the channel; ids that are no channel only get remembered.
+  /// Loads the channel. An id that is no channel is only stored.
   void showChannel(int objectId);
   /// The id of the last showChannel, 0 before it.
   int objectId() const { return _objectId; }
 
  protected:
-  /// Hides the window and ignores the event, so that whoever asked knows that the window is still there.
+  /// Hides the window and ignores the event, which tells the sender that the window still exists.
   void closeEvent(QCloseEvent* event) override;
 
  private:

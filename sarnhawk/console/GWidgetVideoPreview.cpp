@@ -9,9 +9,9 @@
 
 namespace {
 
-// The server fills a window with its background colour by itself, so that a window in which nothing was drawn
-// yet is black and not a hole with the desktop in it. Any client may set it; a connection of our own needs no
-// private parts of Qt.
+// The X server fills a window with its background colour, so that a window without a picture is black and
+// does not show the desktop. Any client may set the colour; a connection of our own avoids private headers of
+// Qt.
 void setServerBackgroundBlack(WId window) {
   struct Disconnect {
     void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
@@ -62,7 +62,7 @@ bool GWidgetVideoPreview::event(QEvent* event) {
   return handled;
 }
 
-// Qt moves a native window along with its own widget only, not with those around it that have no window.
+// Qt moves a native window when its own widget moves, but not when a parent without a native window moves.
 void GWidgetVideoPreview::followAncestors() {
   const QWidget* native = nativeParentWidget();
   for (QWidget* ancestor = parentWidget(); ancestor && ancestor != native;

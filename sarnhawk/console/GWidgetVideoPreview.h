@@ -1,6 +1,6 @@
-// A black window that the engine shows a picture in. Under X11 the engine draws into the native window by
-// itself and Qt never paints there; elsewhere the engine hands over an image. GUI thread, except
-// setMonitorImage, which any thread may call.
+// A black window in which the engine shows a picture. Under X11 the engine draws into the native window and
+// Qt never paints there; on other platforms the engine passes an image. GUI thread, except setMonitorImage,
+// which any thread may call.
 #pragma once
 #include <QImage>
 #include <QMutex>

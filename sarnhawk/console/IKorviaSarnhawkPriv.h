@@ -1,4 +1,5 @@
-// The console's services to its child widgets, which hold this pointer raw for life. Console thread.
+// The console's services to its child widgets. Each child keeps the raw pointer as long as it lives. Console
+// thread.
 #pragma once
 #include <QList>
 #include <QString>
@@ -33,7 +34,7 @@ class IKorviaSarnhawkPriv : public IUnknownEx {
   virtual void showSoundControl(int channelId, QWidget* button) = 0;
   virtual void showTransitionConfig(int transitionIndex) = 0;
   virtual void showChannelConfig(QWidget* button, int channelId) = 0;
-  /// Called after every edit of the record; `what` is a mask of ShowChange. Stores nothing.
+  /// Called after every edit of the record. `what` is a mask of ShowChange. Stores nothing so far.
   virtual void saveChanges(unsigned what, int channel = -1) = 0;
   virtual void updateTakeButton(int transitionIndex) = 0;
   virtual void takeChannel(int channelId, int transitionIndex) = 0;

@@ -3,19 +3,15 @@
 #include <QDir>
 #include <QMenu>
 #include <QScopedValueRollback>
-#include <QSignalBlocker>
 #include <QTimer>
 
-#include "GDialogHWCheckSwitch.h"
 #include "GLAudioDeviceInfo.h"
-#include "IKorviaShowSource.h"
-#include "KorviaCommonUtil.h"
 #include "KorviaMetaType.h"
 #include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
 #include "ShowDataPath.h"
-#include "StatusBoard.h"
 #include "ZRCUtil.h"
+#include "audio/AudioMixerPanel.h"
 #include "audio/GDialogAudoDevCheck.h"
 #include "console/GOutputNotice.h"
 #include "console/GWidgetDisplayObject.h"
@@ -25,6 +21,7 @@
 #include "console/MultimediaClock.h"
 #include "console/OutputSwitches.h"
 #include "console/OutputWatch.h"
+#include "console/Snapshots.h"
 #include "console/StatisticsFetch.h"
 #include "console/StatusPublisher.h"
 #include "console/StripArea.h"
@@ -32,11 +29,13 @@
 #include "console/TransportRow.h"
 #include "console/askOperator.h"
 #include "console/windowInfoOf.h"
+#include "services/ConsoleServers.h"
 #include "services/GDialogProductAbout.h"
+#include "services/PaintPad.h"
 #include "shell/GAppCaptionBar.h"
 #include "shell/StartChannels.h"
-#include "tagCheckNetPortItem.h"
 #include "transitions/GWidgetTransitionEffectConfig.h"
+#include "transitions/TakePanel.h"
 #include "ui_KorviaSarnhawk.h"
 
 namespace {
@@ -44,7 +43,8 @@ namespace {
 const QString kShowDataPath = QString::fromLatin1(korvia::kShowDataDrivePath);
 const QString kTestFilmPath = kShowDataPath + QStringLiteral("Common\\Demo\\demo.mp4");
 
-// What the host was asked to open at the start: decimal channel index to path.
+// Property of the application in which the host leaves the files to open at the start: a map from the decimal
+// index of a channel to a path.
 constexpr const char* kRequestedMediaProperty = "korviaOpen";
 
 constexpr int kFrameIntervalMs = 30;
@@ -52,32 +52,16 @@ constexpr int kWorkIntervalMs = 1000;
 constexpr quint32 kOpenDelayMs = 1000;
 constexpr int kOpenWidthMin = 720;
 
-const QSize kPaintPadSize(1280, 720);
-constexpr int kPaintPadChannels = 8;
-constexpr int kPaintPadUndoDepth = 100;
-
-const QList<tagCheckNetPortItem> kNetPorts{{1935, true},  {8080, true},  {8800, true},
-                                           {9000, true},  {19000, true}, {8000, false},
-                                           {8001, false}, {8002, false}, {8003, false}};
-
-/// The console's own engine class: nothing is added, the type is what modules tell engines apart by.
+/// Adds nothing. Modules recognise the console's engine by its type.
 class ConsoleShowEngine final : public KorviaShowEngine {};
-
-class PaintPadPage final : public ConsolePage {
- public:
-  explicit PaintPadPage(GWhitePadObject& pad) : _pad(pad) {}
-
-  void onFrameTick() override { _pad.updateBackground(); }
-  void onHideAll() override { _pad.setVisible(false, false); }
-  void onDestroyUi() override { _pad.destory(); }
-
- private:
-  GWhitePadObject& _pad;
-};
 
 }  // namespace
 
 KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent)
+    : KorviaSarnhawk(captionBar, parent, std::make_unique<ConsoleServers>()) {}
+
+KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent,
+                               std::unique_ptr<ConsoleServers> servers)
     : QMainWindow(parent),
       _ui(std::make_unique<Ui::KorviaSarnhawk>()),
       _captionBar(captionBar),
@@ -87,13 +71,17 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent)
       _outputs(std::make_unique<OutputSwitches>(this, *_ui)),
       _statistics(std::make_unique<StatisticsFetch>(this)),
       _status(std::make_unique<StatusPublisher>(this, _strips.get(), _statistics.get())),
-      _whitePadPage(std::make_unique<PaintPadPage>(_whitePad)) {
+      _mixer(std::make_unique<AudioMixerPanel>(this, *_ui)),
+      _takes(std::make_unique<TakePanel>(this, _strips.get(), *_ui)),
+      _snapshots(std::make_unique<Snapshots>(this)),
+      _paintPad(std::make_unique<PaintPad>(this, _strips.get(), *_ui)),
+      _servers(std::move(servers)) {
   setObjectName(QStringLiteral("KorviaSarnhawk"));
   _pages.add(PagePlace::Strips, _strips.get());
   _pages.add(PagePlace::Transport, _transport.get());
   _pages.add(PagePlace::StatisticsFetch, _statistics.get());
   _pages.add(PagePlace::StatusPublisher, _status.get());
-  _pages.add(PagePlace::PaintPad, _whitePadPage.get());
+  _pages.add(PagePlace::PaintPad, _paintPad.get());
   for (std::size_t index = 0; index < _config.channels.size(); ++index)
     _config.channels[index].source.incomePath = QStringLiteral("/income/%1").arg(index);
   _config.outputParam.items[OutputSlotRecord].recordPath = QStringLiteral("d:\\records\\vod\\%1\\").arg(0);
@@ -122,7 +110,7 @@ void* KorviaSarnhawk::queryInterface(const Identifier* id, unsigned version) {
   if (isRequestFor(kIKorviaWebServerSinkId, id, version))
     return static_cast<IKorviaWebServerSink*>(this);
   if (id && *id == kIKorviaRTMPIncomeServerId)
-    return _incomeServer._interface ? _incomeServer._interface->queryInterface(id, version) : nullptr;
+    return _servers->queryIncome(id, version);
   if (id && *id == kIUnknownExId)
     return static_cast<IKorviaSarnhawk*>(this);
   return nullptr;
@@ -138,7 +126,6 @@ bool KorviaSarnhawk::create(void*, IProgressSink* progress, void*, const tagKorv
   overrideConfig(rootPath);
   if (_config.lyricFolders.isEmpty())
     addLyricFolders();
-  // Component and stage packages are found here: the pages below choose from both catalogs.
   _startTick = MultimediaClock::now();
   const bool created = createUi();
   if (created)
@@ -152,7 +139,7 @@ void KorviaSarnhawk::overrideConfig(const QString& rootPath) {
   tagKorviaShowEngineInfo& info = _config.engineInfo;
   info.cachePath = rootPath + QStringLiteral("cache\\");
   info.showDataPath = rootPath + QStringLiteral("\\ShowData\\");
-  // The one place takes precedence over the root.
+  // The show data lies in one fixed place, whatever the root is.
   info.showDataPath = kShowDataPath;
   info.secondDataPath = kShowDataPath;
   info.renderDevice = 1;
@@ -186,17 +173,16 @@ bool KorviaSarnhawk::createUi() {
   createLever();
   createWindows();
   checkAudioDevices();
-  checkNetPorts();
-  // The pages of the present items and the program list are made here, after the devices are known. The tabs
-  // stay away as long as they would be empty.
+  ConsoleServers::checkPorts(this);
+  // The tabs hold no pages yet, so the operator must not see them.
   _ui->_presentItemTabWidget->hide();
   connectControls();
   createTakeMenus();
   createSystemMenu();
   _ui->_presentItemTabWidget->setCurrentIndex(0);
   window()->installEventFilter(this);
-  createPaintPad();
-  if (!startWebServer() || !prepareIncomeServer())
+  _paintPad->create(this, tr("PaitPad"));
+  if (!_servers->startWeb(this, &_config.httpPort) || !_servers->prepareIncome())
     return false;
   createTimers();
   return true;
@@ -213,8 +199,8 @@ void KorviaSarnhawk::createLever() {
 }
 
 void KorviaSarnhawk::createWindows() {
-  // Sound control comes before the transition editor, the screen cut and the statistics after the channel
-  // window: windows stack in the order in which they are made.
+  // Windows stack in the order in which they are made. A sound control is made before the transition editor;
+  // a screen cut and statistics are made after the channel window.
   _transitionConfig = new GWidgetTransitionEffectConfig(this, this);
   _pages.add(PagePlace::TransitionEditor, _transitionConfig);
   _channelConfig = new GWidgetDisplayObjectConfig(this, this);
@@ -243,11 +229,6 @@ void KorviaSarnhawk::checkAudioDevices() {
   }
   _config.engineInfo.pgmDevice = _config.pgmDevice;
   _config.engineInfo.pvmDevice = _config.pvmDevice;
-}
-
-void KorviaSarnhawk::checkNetPorts() {
-  GDialogHWCheckSwitch dialog(this);
-  dialog.check(kNetPorts);
 }
 
 void KorviaSarnhawk::connectControls() {
@@ -286,18 +267,18 @@ void KorviaSarnhawk::connectControls() {
 
 void KorviaSarnhawk::createTakeMenus() {
   using Slot = void (KorviaSarnhawk::*)();
-  constexpr Slot takeSlots[kTakeButtonCount] = {
+  constexpr Slot takeSlots[TakePanel::kButtonCount] = {
       &KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_0,
       &KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_1,
       &KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_2,
       &KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_3};
-  constexpr Slot configSlots[kTakeButtonCount] = {
+  constexpr Slot configSlots[TakePanel::kButtonCount] = {
       &KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_0,
       &KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_1,
       &KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_2,
       &KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_3};
-  for (int index = 0; index < kTakeButtonCount; ++index) {
-    QToolButton* button = takeButton(index);
+  for (int index = 0; index < TakePanel::kButtonCount; ++index) {
+    QToolButton* button = _takes->button(index);
     auto* menu = new QMenu(button);
     connect(menu->addAction(tr("Take Effect")), &QAction::triggered, this, takeSlots[index]);
     connect(menu->addAction(tr("Effect Config")), &QAction::triggered, this, configSlots[index]);
@@ -319,39 +300,6 @@ void KorviaSarnhawk::createSystemMenu() {
     _captionBar->mainMenuToolButton()->setMenu(_systemMenu);
 }
 
-void KorviaSarnhawk::createPaintPad() {
-  qDebug("create painter window ...");
-  _whitePad.create(this, tr("PaitPad"), kPaintPadChannels, nullptr, kPaintPadUndoDepth);
-  _whitePad.start(kPaintPadSize);
-  // The pad has no drawing surface to show yet.
-  _ui->_paintOutputPushButton->setEnabled(false);
-}
-
-bool KorviaSarnhawk::loadWebServer() {
-  return _webServer.create();
-}
-
-bool KorviaSarnhawk::loadIncomeServer() {
-  return _incomeServer.create();
-}
-
-bool KorviaSarnhawk::startWebServer() {
-  qDebug("create web server ...");
-  if (!loadWebServer() || !_webServer._interface->isValid())
-    return false;
-  qDebug("start web server ...");
-  if (_webServer._interface->open(this, &_config.httpPort) < 0) {
-    qDebug("failed to open web server");
-    return false;
-  }
-  return true;
-}
-
-bool KorviaSarnhawk::prepareIncomeServer() {
-  qDebug("create rtmp server ...");
-  return loadIncomeServer() && _incomeServer._interface->isValid();
-}
-
 void KorviaSarnhawk::createTimers() {
   _workTimer = new QTimer(this);
   connect(_workTimer, &QTimer::timeout, this, &KorviaSarnhawk::onWorkTimer);
@@ -367,12 +315,16 @@ bool KorviaSarnhawk::isEngineDue() const {
          MultimediaClock::since(_startTick) > kOpenDelayMs;
 }
 
+KorviaShowEngine* KorviaSarnhawk::newEngine() {
+  return new ConsoleShowEngine;
+}
+
 void KorviaSarnhawk::openEngine() {
   if (_engine)
     return;
-  _engine = new ConsoleShowEngine;
+  _engine = newEngine();
   _engine->start(this, ShowThreadNormal);
-  // The record is packed: its fields are read by value.
+  // The record is packed, so that a reference to one of its fields could be misaligned.
   const qint32 numerator = _config.engineInfo.format.fpsNumerator;
   const qint32 denominator = _config.engineInfo.format.fpsDenominator;
   _engine->setFps(static_cast<float>(denominator > 0 ? numerator / denominator : 0));
@@ -387,7 +339,7 @@ void KorviaSarnhawk::openEngine() {
     if (GWidgetDisplayObject* strip = _strips->stage(index))
       strip->fillWindowInfo(windows.stage[static_cast<std::size_t>(index)]);
   }
-  // The karaoke page fills its own entry here, between the strips and the buses.
+  // The karaoke entry stays empty until there is a karaoke page.
   windows.pvm = windowInfoOf(_ui->_pvmPreviewWidget);
   windows.pgm = windowInfoOf(_ui->_pgmPreviewWidget);
   _engine->postEvent(ShowEventOpen, toVariant(_config.engineInfo), toVariant(windows));
@@ -397,13 +349,13 @@ void KorviaSarnhawk::openEngine() {
 
 void KorviaSarnhawk::onEngineOpened() {
   centralWidget()->setEnabled(true);
-  for (int index = 0; index < kTakeButtonCount; ++index)
+  for (int index = 0; index < TakePanel::kButtonCount; ++index)
     updateTakeButton(index);
   _pages.engineOpened();
   if (_engine)
     postInitialState();
   _outputs->applyDirectOutputs();
-  startIncomeServer();
+  _servers->startIncome(_rootPath, _config.webPort);
   if (_progress)
     _progress->onProgressText(tr("Please Wait"));
   qDebug("startup spend time : %u", MultimediaClock::since(_startTick));
@@ -438,16 +390,6 @@ void KorviaSarnhawk::openRequestedMedia() {
   }
 }
 
-void KorviaSarnhawk::startIncomeServer() {
-  if (!_incomeServer._interface || !_incomeServer._interface->isValid())
-    return;
-  const QString htmlPath = _rootPath + QStringLiteral("html");
-  KorviaCommonUtil::makesureExistDir(htmlPath, true);
-  qDebug("start rtmp server ...");
-  if (_incomeServer._interface->open(_rootPath, _config.webPort, htmlPath) < 0)
-    qDebug("failed to open rtmp server");
-}
-
 bool KorviaSarnhawk::openMedia(int index, const QString& path) {
   GWidgetDisplayObject* strip = _strips->media(index);
   if (!_engine || !strip)
@@ -465,16 +407,7 @@ void KorviaSarnhawk::hideAll() {
 void KorviaSarnhawk::close() {
   stopEngine();
   destroyUi();
-  qDebug("stop web server ...");
-  if (_webServer._interface) {
-    _webServer._interface->close();
-    _webServer.releaseObject();
-  }
-  qDebug("stop rtmp server ...");
-  if (_incomeServer._interface) {
-    _incomeServer._interface->close();
-    _incomeServer.releaseObject();
-  }
+  _servers->close();
 }
 
 void KorviaSarnhawk::stopEngine() {
@@ -503,7 +436,7 @@ void KorviaSarnhawk::destroyUi() {
 }
 
 void KorviaSarnhawk::onAction_quit() {
-  // A window manager may ask for the close again before the question is there.
+  // The window manager may ask for the close a second time before the question is on the screen.
   if (_isAskedToQuit)
     return;
   const QScopedValueRollback<bool> asked(_isAskedToQuit, true);
@@ -518,23 +451,8 @@ void KorviaSarnhawk::onAction_formatConfig() {}
 
 void KorviaSarnhawk::onAction_outputConfig() {}
 
-QList<int> KorviaSarnhawk::ownPorts() const {
-  QList<int> ports;
-  if (_webServer._interface)
-    ports.append(_config.httpPort);
-  const QJsonObject income =
-      korvia::StatusBoard::instance().snapshot().value(QStringLiteral("incomeServer")).toObject();
-  if (income.value(QStringLiteral("running")).toBool())
-    ports << income.value(QStringLiteral("rtmpPort")).toInt()
-          << income.value(QStringLiteral("httpPort")).toInt();
-  return ports;
-}
-
 void KorviaSarnhawk::onAction_environmentCheck() {
-  GDialogHWCheckSwitch dialog(this);
-  dialog.setOwnPorts(ownPorts());
-  dialog.check(kNetPorts);
-  dialog.exec();
+  _servers->showPorts(this);
 }
 
 void KorviaSarnhawk::onAction_about() {

@@ -6,37 +6,35 @@
 #include <atomic>
 #include <memory>
 
-#include "CKorviaRTMPIncomeServerHelper.h"
-#include "CKorviaWebServerHelper.h"
-#include "GWhitePadObject.h"
 #include "IGWhitePadSink.h"
 #include "IKorviaShowEngineSink.h"
 #include "IKorviaShowThreadSink.h"
 #include "IKorviaWebServerSink.h"
 #include "console/ConsolePages.h"
 #include "console/IKorviaSarnhawkPriv.h"
-#include "console/SnapshotNames.h"
 #include "console/StripChooser.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "shell/IKorviaSarnhawk.h"
 #include "shell/tagKorviaProductInfo.h"
 #include "tagGSystemTTFFontInfo.h"
-#include "transitions/TransitionCatalogue.h"
 
+class AudioMixerPanel;
+class ConsoleServers;
 class GAppCaptionBar;
-class GWidgetDisplayObject;
 class GWidgetDisplayObjectConfig;
 class GWidgetTransitionEffectConfig;
 class LevelMeters;
 class OutputSwitches;
 class OutputWatch;
+class PaintPad;
 class QMenu;
 class QTimer;
-class QToolButton;
+class Snapshots;
 class StatisticsFetch;
 class StatusPublisher;
 class StripArea;
 class SwitchLever;
+class TakePanel;
 class TransportRow;
 
 namespace Ui {
@@ -55,7 +53,8 @@ class KorviaSarnhawk : public QMainWindow,
  public:
   /// `captionBar` carries the button of the system menu and must outlive the console.
   KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent);
-  /// close() comes first; an engine that still runs is stopped all the same, since it would call a dead sink.
+  /// The owner calls close() first. An engine that still runs is stopped here, because it would call a
+  /// deleted sink.
   ~KorviaSarnhawk() override;
 
   bool isValid() override { return true; }
@@ -109,8 +108,9 @@ class KorviaSarnhawk : public QMainWindow,
   // IKorviaWebServerSink, any thread
   int onWebRequest() override { return 0; }
 
-  /// What the frame needs of the console: its menu, and to take everything off the screen that floats.
+  /// Null before create().
   QMenu* systemMenu() const { return _systemMenu; }
+  /// Hides all floating windows; the frame calls it when it closes.
   void hideAll();
   void takeSnapshot();
 
@@ -123,7 +123,7 @@ class KorviaSarnhawk : public QMainWindow,
  signals:
   void sig_PostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,
                            QVariant a4);
-  /// The engine is there and the desk may be used.
+  /// The engine has opened and the desk is enabled.
   void sig_EngineOpened();
 
  public slots:
@@ -172,36 +172,29 @@ class KorviaSarnhawk : public QMainWindow,
   void onAction_quit();
 
  protected:
+  /// With servers that a test made.
+  KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent, std::unique_ptr<ConsoleServers> servers);
+
   bool eventFilter(QObject* watched, QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
-  /// Names of the sound outputs that the configured devices are looked for in.
+  /// Names of the sound outputs of this machine, among which the configured devices are searched.
   virtual QStringList audioDevices() const;
-  /// Make the object behind the helper; false when the module is missing.
-  virtual bool loadWebServer();
-  virtual bool loadIncomeServer();
+  /// A new engine, which the caller owns.
+  virtual KorviaShowEngine* newEngine();
 
-  CKorviaWebServerHelper _webServer;
-  CKorviaRTMPIncomeServerHelper _incomeServer;
   ConsolePages _pages;
 
  private:
-  static constexpr int kTakeButtonCount = 4;
-
   void overrideConfig(const QString& rootPath);
   void addLyricFolders();
   bool createUi();
   void createLever();
   void createWindows();
   void checkAudioDevices();
-  void checkNetPorts();
-  QList<int> ownPorts() const;
   void connectControls();
   void createTakeMenus();
   void createSystemMenu();
-  void createPaintPad();
-  bool startWebServer();
-  bool prepareIncomeServer();
   void createTimers();
 
   bool isEngineDue() const;
@@ -210,32 +203,25 @@ class KorviaSarnhawk : public QMainWindow,
   void postInitialState();
   void openTestFilm();
   void openRequestedMedia();
-  void startIncomeServer();
   void stopEngine();
   void destroyUi();
 
   void onChannelSelected(quint64 bus, int channelId);
-  void onVolumeReported(int objectId, float volume);
-  void onMixModeReported(int mode);
   void onChannelMixReported(int channelId, int audioState);
-  static float volumeOf(int percent);
-  void setVolume(int objectId, double& volume, int percent);
-  QToolButton* takeButton(int transitionIndex) const;
   void followWindow(QEvent* event);
 
   std::unique_ptr<Ui::KorviaSarnhawk> _ui;
   GAppCaptionBar* _captionBar;
   tagKorviaProductInfo _product;
   tagKorviaSarnhawkConfig _config;
-  /// The record's pvmChannel, for the threads of sources: the record itself belongs to the console thread.
+  /// Copy of the record's pvmChannel for onSourceNotify, which runs on threads of sources: they must not read
+  /// the record.
   std::atomic<int> _selectedPVM{_config.pvmChannel};
   QString _rootPath;
   IProgressSink* _progress = nullptr;
   tagGSystemTTFFontInfo _fontInfo;
   QList<tagKorviaComponentParam*> _componentCatalog;
   QList<tagKorviaComponentParam*> _stageCatalog;
-  TransitionCatalogue _transitions;
-  SnapshotNames _snapshotNames;
 
   StripChooser _stripChooser;
   std::unique_ptr<StripArea> _strips;
@@ -245,12 +231,15 @@ class KorviaSarnhawk : public QMainWindow,
   std::unique_ptr<OutputWatch> _outputWatch;
   std::unique_ptr<StatusPublisher> _status;
   std::unique_ptr<LevelMeters> _levels;
+  std::unique_ptr<AudioMixerPanel> _mixer;
+  std::unique_ptr<TakePanel> _takes;
+  std::unique_ptr<Snapshots> _snapshots;
+  std::unique_ptr<PaintPad> _paintPad;
+  std::unique_ptr<ConsoleServers> _servers;
   SwitchLever* _lever = nullptr;
   QMenu* _systemMenu = nullptr;
   QPointer<GWidgetTransitionEffectConfig> _transitionConfig;
   QPointer<GWidgetDisplayObjectConfig> _channelConfig;
-  GWhitePadObject _whitePad;
-  std::unique_ptr<ConsolePage> _whitePadPage;
 
   QTimer* _frameTimer = nullptr;
   QTimer* _workTimer = nullptr;
@@ -262,6 +251,4 @@ class KorviaSarnhawk : public QMainWindow,
   quint32 _startTick = 0;
   bool _engineRequested = false;
   bool _isAskedToQuit = false;
-  bool _pgmVolumeHeld = false;
-  bool _pvmVolumeHeld = false;
 };

@@ -1,29 +1,35 @@
-// What the desk does: ticks, transport, lever, outputs, audio and takes.
-#include <QDateTime>
-#include <QDir>
-#include <QFileInfo>
-#include <QSignalBlocker>
-#include <QStandardPaths>
-#include <QToolTip>
-
+// How the console reacts while a show runs: slots of the controls, services to its children, and the reports
+// of the engine and the paint pad.
 #include "IKorviaShowSource.h"
+#include "KorviaMetaType.h"
 #include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
-#include "KorviaShowUtil.h"
+#include "audio/AudioMixerPanel.h"
 #include "console/GWidgetDisplayObject.h"
+#include "console/GWidgetDisplayObjectConfig.h"
 #include "console/KorviaSarnhawk.h"
 #include "console/OutputSwitches.h"
 #include "console/OutputWatch.h"
-#include "console/ShowChange.h"
+#include "console/Snapshots.h"
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
 #include "console/TransportRow.h"
-#include "transitions/TakeRules.h"
+#include "present/popupAt.h"
+#include "services/PaintPad.h"
+#include "tagKorviaShowPresentPlacement.h"
+#include "transitions/GWidgetTransitionEffectConfig.h"
+#include "transitions/TakePanel.h"
 #include "ui_KorviaSarnhawk.h"
 
 namespace {
 
-constexpr QPoint kSnapshotTipOffset(8, -52);
+// The transition to the channel that a film names at its end.
+constexpr int kSwitchEffect = 22;
+constexpr float kSwitchSeconds = 0.5F;
+constexpr int kSwitchEasing = 0;
+
+constexpr int kPopupUnder = Qt::AlignBottom;
+constexpr int kPopupCentred = 0x84;
 
 }  // namespace
 
@@ -114,103 +120,35 @@ void KorviaSarnhawk::onClicked_screenCutPushButton() {
 }
 
 void KorviaSarnhawk::onClicked_paintOutputPushButton() {
-  _whitePad.setVisible(_ui->_paintOutputPushButton->isChecked(), false);
-}
-
-void KorviaSarnhawk::takeSnapshot() {
-  const QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-  QDir().mkpath(folder);
-  const QString path = _snapshotNames.next(folder, QDateTime::currentDateTime());
-  postEvent(ShowEventSnapshot, PGMObject, path);
-  QWidget* frame = parentWidget() ? parentWidget() : this;
-  QToolTip::showText(frame->geometry().bottomLeft() + kSnapshotTipOffset, path, frame);
+  _paintPad->followButton();
 }
 
 void KorviaSarnhawk::onClicked_audioMixModePushButton() {
-  const QObject* button = sender();
-  if (button == _ui->_autoMixModePushButton)
-    _config.audioMixer.mixMode = AudioMixModeAuto;
-  else if (button == _ui->_allMixModePushButton)
-    _config.audioMixer.mixMode = AudioMixModeAll;
-  else if (button == _ui->_manulMixModePushButton)
-    _config.audioMixer.mixMode = AudioMixModeManual;
-  postEvent(ShowEventAudioMixMode, _config.audioMixer.mixMode);
-  saveChanges(ShowChangeAudioMixer);
-}
-
-float KorviaSarnhawk::volumeOf(int percent) {
-  return static_cast<float>(percent) / 100.0F;
-}
-
-void KorviaSarnhawk::setVolume(int objectId, double& volume, int percent) {
-  volume = static_cast<double>(volumeOf(percent));
-  postEvent(ShowEventVolume, objectId, volume);
-  saveChanges(ShowChangeAudioMixer);
+  _mixer->chooseMixMode(sender());
 }
 
 void KorviaSarnhawk::onValueChanged_pgmVolumeVerticalSlider(int value) {
-  setVolume(PGMObject, _config.audioMixer.pgmVolume, value);
+  _mixer->setProgramVolume(value);
 }
 
 void KorviaSarnhawk::onSliderPressed_pgmVolumeVerticalSlider() {
-  _pgmVolumeHeld = true;
+  _mixer->holdProgramVolume();
 }
 
 void KorviaSarnhawk::onSliderReleased_pgmVolumeVerticalSlider() {
-  _pgmVolumeHeld = false;
+  _mixer->releaseProgramVolume();
 }
 
 void KorviaSarnhawk::onValueChanged_pvmVolumeVerticalSlider(int value) {
-  setVolume(PVMObject, _config.audioMixer.pvmVolume, value);
+  _mixer->setPreviewVolume(value);
 }
 
 void KorviaSarnhawk::onSliderPressed_pvmVolumeVerticalSlider() {
-  _pvmVolumeHeld = true;
+  _mixer->holdPreviewVolume();
 }
 
 void KorviaSarnhawk::onSliderReleased_pvmVolumeVerticalSlider() {
-  _pvmVolumeHeld = false;
-}
-
-QToolButton* KorviaSarnhawk::takeButton(int transitionIndex) const {
-  QToolButton* const buttons[kTakeButtonCount] = {
-      _ui->_takeTransitionToolButton_0, _ui->_takeTransitionToolButton_1, _ui->_takeTransitionToolButton_2,
-      _ui->_takeTransitionToolButton_3};
-  return transitionIndex >= 0 && transitionIndex < kTakeButtonCount ? buttons[transitionIndex] : nullptr;
-}
-
-void KorviaSarnhawk::updateTakeButton(int transitionIndex) {
-  QToolButton* button = takeButton(transitionIndex);
-  if (!button)
-    return;
-  const qint32 effect = _config.takeButtons[static_cast<std::size_t>(transitionIndex)].effect;
-  const GListWidgetItemInfo* item = _transitions.find(effect);
-  // A number that no catalog lists can be taken all the same; it shows as what it is.
-  const QString text = item ? TransitionCatalogue::catalogName(static_cast<int>(
-                                  KorviaShowUtil::getEffectCatalog(static_cast<unsigned>(effect)))) +
-                                  QLatin1Char('\n') + item->name
-                            : QString::number(effect);
-  button->setText(text);
-  button->setToolTip(text);
-  button->setIcon(item && QFileInfo::exists(item->thumbPath) ? QIcon(item->thumbPath) : QIcon());
-}
-
-void KorviaSarnhawk::takeChannel(int channelId, int transitionIndex) {
-  if (transitionIndex < 0 || transitionIndex >= kTakeButtonCount)
-    return;
-  int index = 0;
-  if (getObjectKind(channelId, index) == MediaObjectKind) {
-    if (GWidgetDisplayObject* strip = _strips->media(index))
-      strip->applyOnAirRule(channelId);
-  }
-  const tagKorviaTakeButton& slot = _config.takeButtons[static_cast<std::size_t>(transitionIndex)];
-  const qint32 effect = TakeRules::effectToSend(slot, QDateTime::currentSecsSinceEpoch());
-  _config.lastTakeIndex = transitionIndex;
-  postEvent(ShowEventTake, channelId, effect, slot.duration, slot.easing);
-}
-
-void KorviaSarnhawk::takeSelected(int transitionIndex) {
-  takeChannel(_config.pvmChannel, transitionIndex);
+  _mixer->releasePreviewVolume();
 }
 
 void KorviaSarnhawk::onAction_takeEffect_takeTransitionToolButton_0() {
@@ -243,4 +181,165 @@ void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_2() {
 
 void KorviaSarnhawk::onAction_showConfig_takeTransitionToolButton_3() {
   showTransitionConfig(3);
+}
+
+void KorviaSarnhawk::postEvent(quint64 eventId, QVariant a1, QVariant a2, QVariant a3, QVariant a4) {
+  if (_engine)
+    _engine->postEvent(eventId, std::move(a1), std::move(a2), std::move(a3), std::move(a4));
+}
+
+IKorviaShowSource* KorviaSarnhawk::getSource(KorviaShowObjectID id) {
+  return _engine ? _engine->getSource(id) : nullptr;
+}
+
+// There is no sound control window yet.
+void KorviaSarnhawk::showSoundControl(int, QWidget*) {}
+
+void KorviaSarnhawk::showTransitionConfig(int transitionIndex) {
+  if (!_transitionConfig || !_takes->button(transitionIndex))
+    return;
+  _transitionConfig->setTransition(transitionIndex);
+  _transitionConfig->present();
+}
+
+void KorviaSarnhawk::showChannelConfig(QWidget* button, int channelId) {
+  if (!_channelConfig)
+    return;
+  if (_channelConfig->objectId() != channelId)
+    popupAt(_channelConfig, button, kPopupUnder, kPopupCentred);
+  _channelConfig->present();
+  _channelConfig->showChannel(channelId);
+}
+
+// Nothing is stored: a show lives in memory only.
+void KorviaSarnhawk::saveChanges(unsigned, int) {}
+
+QList<GListWidgetItemInfo>* KorviaSarnhawk::getEffectList(int catalog) {
+  return _takes->effectList(catalog);
+}
+
+void KorviaSarnhawk::updateTakeButton(int transitionIndex) {
+  _takes->update(transitionIndex);
+}
+
+void KorviaSarnhawk::takeChannel(int channelId, int transitionIndex) {
+  _takes->take(channelId, transitionIndex);
+}
+
+void KorviaSarnhawk::takeSelected(int transitionIndex) {
+  takeChannel(_config.pvmChannel, transitionIndex);
+}
+
+void KorviaSarnhawk::takeSnapshot() {
+  _snapshots->take(parentWidget() ? parentWidget() : this);
+}
+
+void KorviaSarnhawk::onPostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,
+                                       QVariant a4) {
+  emit sig_PostEventResult(eventId, result, a1, a2, a3, a4);
+}
+
+// No page shows a spectrum yet.
+void KorviaSarnhawk::onAudioData(KorviaShowObjectID, const void*, unsigned, unsigned, int, const void*, int) {
+}
+
+QImage KorviaSarnhawk::lockBackground(KorviaShowObjectID id) {
+  return id == PGMObject ? _paintPad->lockBackground() : QImage();
+}
+
+void KorviaSarnhawk::unlockBackground(KorviaShowObjectID id, QImage& image) {
+  if (id == PGMObject)
+    _paintPad->unlockBackground(image);
+}
+
+void KorviaSarnhawk::onSourceNotify(KorviaShowObjectID id, int what, int param) {
+  if (what == kSourceNotifySwitch && id == _selectedPVM.load())
+    postEvent(ShowEventTake, param, kSwitchEffect, kSwitchSeconds, kSwitchEasing);
+}
+
+void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1, QVariant a2, QVariant,
+                                          QVariant) {
+  // The queue of this thread may still hold a result when the engine is already deleted.
+  if (!_engine)
+    return;
+  switch (eventId) {
+    case ShowEventOpen:
+      onEngineOpened();
+      break;
+    case ShowEventSwitchPosition:
+      _lever->showPosition(a1.toFloat());
+      break;
+    case ShowEventSelectChannel:
+      onChannelSelected(a1.toULongLong(), a2.toInt());
+      break;
+    case ShowEventPlacementChanged:
+      // The engine gets the placement back even when no page takes it over.
+      _pages.placement(fromVariant<tagKorviaShowPresentPlacement>(a1));
+      postEvent(ShowEventPlacementCommit, a1);
+      break;
+    case ShowEventStartOutput:
+      _outputs->onStarted(a1.toUInt(), a2);
+      break;
+    case ShowEventStopOutput:
+      _outputs->onStopped(a2.toUInt());
+      break;
+    case ShowEventAudioMixMode:
+      _mixer->showMixMode(a1.toInt());
+      break;
+    case ShowEventVolume:
+      _mixer->showVolume(a1.toInt(), a2.toFloat());
+      break;
+    case ShowEventChannelMix:
+      onChannelMixReported(a1.toInt(), a2.toInt());
+      break;
+    default:
+      break;
+  }
+}
+
+void KorviaSarnhawk::onChannelSelected(quint64 bus, int channelId) {
+  if (bus == PVMObject) {
+    _config.pvmChannel = channelId;
+    _selectedPVM = channelId;
+    if (_channelConfig && _channelConfig->isVisible())
+      _channelConfig->showChannel(channelId);
+    for (GWidgetDisplayObject* strip : _strips->strips())
+      strip->setSelectedPVM(channelId == strip->objectId());
+  } else if (bus == PGMObject) {
+    _config.pgmChannel = channelId;
+    for (GWidgetDisplayObject* strip : _strips->strips())
+      strip->setSelectedPGM(channelId == strip->objectId());
+  }
+}
+
+void KorviaSarnhawk::onChannelMixReported(int channelId, int audioState) {
+  int index = 0;
+  if (channelId < MediaChannel || getObjectKind(channelId, index) != MediaObjectKind)
+    return;
+  if (GWidgetDisplayObject* strip = _strips->media(index))
+    strip->setAudioState(audioState);
+}
+
+void KorviaSarnhawk::onCommitWhitePadImage(const QImage& image) {
+  _paintPad->onCommitWhitePadImage(image);
+}
+
+void KorviaSarnhawk::onSetWhitePadValid(bool valid) {
+  _paintPad->onSetWhitePadValid(valid);
+}
+
+void KorviaSarnhawk::onPauseWhitePad(bool pause) {
+  _paintPad->onPauseWhitePad(pause);
+}
+
+void KorviaSarnhawk::onSelectWhitePadChannel(int index) {
+  _paintPad->onSelectWhitePadChannel(index);
+}
+
+void KorviaSarnhawk::onWhitePadShown() {
+  _paintPad->onWhitePadShown();
+}
+
+void KorviaSarnhawk::onWhitePadHidden() {
+  _paintPad->onWhitePadHidden();
 }

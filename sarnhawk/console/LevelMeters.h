@@ -1,4 +1,4 @@
-// The level meters of the desk: those of the two buses, which it makes, and those of the strips. Console
+// Feeds the level meters of the desk: the two of the buses, which it makes, and those of the strips. Console
 // thread.
 #pragma once
 #include "console/ConsolePage.h"

@@ -1,5 +1,5 @@
-// The millisecond clock of the console's waits. Monotonic; it wraps at 32 bits, so only differences count.
-// Console thread.
+// Monotonic millisecond clock for the waits of the console. It wraps at 32 bits, so only differences have a
+// meaning. Console thread.
 #pragma once
 #include <QtGlobal>
 #include <functional>

@@ -40,7 +40,7 @@ void OutputSwitches::start(int kind) {
   if (slot < 0)
     return;
   const auto place = static_cast<std::size_t>(slot);
-  // Only the copy says that the output runs: the record keeps the operator's settings.
+  // Only the copy is marked as running. The record keeps the operator's settings.
   tagKorviaShowOutputParam param = config->outputParam;
   param.items[place].kind = static_cast<quint8>(kind);
   param.active[place] = 1;

@@ -1,5 +1,5 @@
-// Starts and stops what leaves the engine: the recording, the stream, and the outputs that are on or off as
-// the record says. Console thread.
+// Starts and stops the outputs of the engine: recording and stream by their buttons; virtual camera, NDI and
+// SDI by their flags in the record. Console thread.
 #pragma once
 #include <QStringList>
 #include <QVariant>
@@ -16,24 +16,24 @@ class OutputSwitches {
   /// Both must outlive the object.
   OutputSwitches(IKorviaSarnhawkPriv* priv, Ui::KorviaSarnhawk& ui) : _priv(priv), _ui(ui) {}
 
-  /// `kind` is a KorviaShowOutputKind, here and below; other kinds than record and stream do nothing more
-  /// than to keep the program name.
+  /// `kind` is a KorviaShowOutputKind, here and below. Record and stream are started; any other kind only
+  /// stores the program name.
   void start(int kind);
   void stop(int kind);
   /// Posts on or off for virtual camera, NDI and SDI.
   void applyDirectOutputs();
-  /// The engine answered: the button may be used again, whatever came of it.
+  /// The engine has answered. The button is enabled again, also when the output failed.
   void onStarted(unsigned slot, const QVariant& outputParam);
   void onStopped(unsigned kind);
 
   // By KorviaShowOutputSlot.
-  /// The operator has the output on.
+  /// The operator has switched the output on.
   bool isOn(int slot) const;
   /// The engine has not answered to the last start or stop yet.
   bool isWaiting(int slot) const;
-  /// The output is off by itself: its button says so and can be used.
+  /// Shows the button as off and enables it, because the output has ended by itself.
   void springBack(int slot);
-  /// Names of what the stream goes to. Never addresses: they carry keys.
+  /// Names of the targets of the stream. Addresses are left out, because they contain stream keys.
   QStringList streamTargets() const;
 
  private:

@@ -30,7 +30,7 @@ QString text(const char* source) {
   return QCoreApplication::translate("OutputWatch", source);
 }
 
-/// The parts that are not empty, one behind the other.
+/// Joins the parts that are not empty.
 QString joined(const QStringList& parts, const QString& separator) {
   QStringList filled = parts;
   filled.removeAll(QString());
@@ -46,7 +46,7 @@ OutputWatch::OutputWatch(const StatisticsFetch* statistics, OutputSwitches* swit
 
 void OutputWatch::onWorkTick() {
   for (int slot = 0; slot < kSlots; ++slot) {
-    // Until the engine has answered, the report may be about the output before.
+    // Until the engine has answered, the report may still describe the previous output.
     if (_switches->isWaiting(slot))
       continue;
     const tagKorviaShowOutputReport& report = _statistics->figures().outputs[static_cast<std::size_t>(slot)];
@@ -85,7 +85,7 @@ void OutputWatch::tell(int slot, const tagKorviaShowOutputReport& report) {
 void OutputWatch::showNotice() {
   QStringList lines;
   QStringList details;
-  // The recording first: it cannot be made again.
+  // The recording comes first, because a lost recording cannot be repeated.
   for (const int slot : {OutputSlotRecord, OutputSlotStream}) {
     const Told& told = _told[static_cast<std::size_t>(slot)];
     if (told.news <= told.clickedAway)
@@ -110,7 +110,7 @@ bool OutputWatch::isRunning(int slot) const {
   const auto place = static_cast<std::size_t>(slot);
   if (_told[place].isReported && figures.outputs[place].state == KorviaShowOutputState::Failed)
     return false;
-  // The button knows of an output that began since the last tick.
+  // The figures are up to a second old, so the button counts too: an output may have begun since.
   return _switches->isOn(slot) || (slot == OutputSlotRecord ? figures.recording : figures.streaming);
 }
 

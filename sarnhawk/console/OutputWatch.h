@@ -1,5 +1,5 @@
-// Watches what becomes of recording and stream, and tells the operator: an output that failed lets its button
-// spring back and leaves a notice, and so do frames that are lost. Console thread.
+// Watches recording and stream for the operator. When an output fails, its button is switched off and a
+// notice tells why; a notice also tells of lost frames. Console thread.
 #pragma once
 #include <QString>
 #include <array>
@@ -17,7 +17,7 @@ class OutputWatch : public ConsolePage {
   OutputWatch(const StatisticsFetch* statistics, OutputSwitches* switches, GOutputNotice* notice);
 
   void onWorkTick() override;
-  /// A new output begins in the slot: what was told of the one before is over.
+  /// A new output begins in the slot. Forgets what was shown about the one before.
   void onStart(int slot);
 
   /// Lines that name the recording and the streams that run; empty when none does.
@@ -26,7 +26,7 @@ class OutputWatch : public ConsolePage {
  private:
   static constexpr int kSlots = 2;
 
-  /// In the order of weight: what weighs more is told although the operator has clicked the lighter away.
+  /// In rising severity. A worse one is shown even after the operator has clicked a lesser one away.
   enum class News { None, FramesLost, Failed };
   struct Told {
     News news = News::None;

@@ -13,7 +13,7 @@ namespace {
 constexpr quint32 kHeldMs = 1000;
 constexpr qint64 kTenthMsPerMs = 10;
 
-/// Kinds that bring new pictures all the time while they play.
+/// Kinds that deliver new pictures all the time while they play.
 constexpr int kMovingKinds[] = {SourceKindMovie,  SourceKindMovieList, SourceKindUrl,   SourceKindKrmp,
                                 SourceKindDevice, SourceKindDevice3D,  SourceKindIncome};
 
@@ -30,10 +30,10 @@ QString failureOf(IKorviaShowSource* source) {
 
 }  // namespace
 
-QString SourceHealth::examine(IKorviaShowSource* source, int kind, bool isOnHold) {
+QString SourceHealth::examine(IKorviaShowSource* source, int kind, Hold hold) {
   const int state = source->getPlayState();
   const bool shouldMove =
-      state == Playing && !isOnHold &&
+      state == Playing && hold == Hold::Off &&
       std::find(std::begin(kMovingKinds), std::end(kMovingKinds), kind) != std::end(kMovingKinds);
   if (!shouldMove)
     _frames = -1;

@@ -1,4 +1,4 @@
-// Tells whether a source does what it is there for, for the mark on its strip. Console thread.
+// Finds out what is wrong with a source, for the warning mark on its strip. Console thread.
 #pragma once
 #include <QString>
 
@@ -6,9 +6,12 @@ class IKorviaShowSource;
 
 class SourceHealth {
  public:
-  /// What is wrong with the source, in words for people; empty while it is well. `kind` is a
-  /// KorviaShowSourceKind. A source on hold may stand still. To be asked more often than once a second.
-  QString examine(IKorviaShowSource* source, int kind, bool isOnHold);
+  /// Whether the on-air rule holds the source.
+  enum class Hold { Off, On };
+
+  /// The fault of the source as a text for the operator; empty without a fault. `kind` is a
+  /// KorviaShowSourceKind. A source on hold may stand still. To be called more often than once a second.
+  QString examine(IKorviaShowSource* source, int kind, Hold hold);
 
  private:
   bool isStandingStill(IKorviaShowSource* source);

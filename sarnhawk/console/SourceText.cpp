@@ -58,7 +58,7 @@ QString SourceText::kindName(int kind) {
 }
 
 QString SourceText::fileName(const tagKorviaShowSourceInfo& source) {
-  // Paths come with either separator.
+  // A path may use either separator.
   const QString path = QString(filePath(source)).replace(QLatin1Char('\\'), QLatin1Char('/'));
   return path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
 }

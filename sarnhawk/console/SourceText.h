@@ -1,5 +1,5 @@
-// What a source slot shows, in words for people. Never a whole address: streams carry keys in theirs.
-// Console thread.
+// Texts that tell the operator what a source slot shows. They contain no whole address, because stream
+// addresses contain keys. Console thread.
 #pragma once
 #include <QString>
 

@@ -1,5 +1,5 @@
-// Fetches what the engine counts of its sources and outputs, once a work tick, for whoever shows it. Console
-// thread.
+// Fetches the engine's counters of sources and outputs once per work tick, so that all pages show the same
+// figures. Console thread.
 #pragma once
 #include <array>
 

@@ -46,7 +46,7 @@ QJsonObject engineSection(const tagKorviaShowEngineFigures& figures, bool isOpen
                                  {"handOver", stageTime(figures.handOver)}}}};
 }
 
-// Words of the status page, which programs read: not translated.
+// These words are not translated, because programs read them from the status page.
 constexpr const char* kOutputStates[] = {"Idle", "Starting", "Running", "Failed", "Finished"};
 static_assert(std::size(kOutputStates) == static_cast<std::size_t>(KorviaShowOutputState::Finished) + 1);
 

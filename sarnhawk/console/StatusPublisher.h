@@ -1,4 +1,4 @@
-// Puts the state of the show on the board that the status page reads. Console thread.
+// Publishes the state of the show on the status board, which the status page reads. Console thread.
 #pragma once
 #include <QJsonObject>
 
@@ -15,7 +15,7 @@ class StatusPublisher : public ConsolePage {
   StatusPublisher(IKorviaSarnhawkPriv* priv, const StripArea* strips, const StatisticsFetch* statistics)
       : _priv(priv), _strips(strips), _statistics(statistics) {}
 
-  /// Replaces all sections; without an engine they tell of the record alone.
+  /// Replaces all sections. Without an engine they contain only what the record tells.
   void onWorkTick() override;
 
  private:

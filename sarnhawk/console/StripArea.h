@@ -18,7 +18,7 @@ class StripArea : public ConsolePage {
 
   /// Fills the area with the strips of the mode, media first. No strips for a mode that does not exist.
   void build(int layoutMode, QWidget* area);
-  /// Takes the buttons that float over the strips off the screen.
+  /// Hides the buttons that float over the strips.
   void hideFloats();
 
   void onEngineOpened() override;

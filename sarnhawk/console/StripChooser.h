@@ -1,4 +1,5 @@
-// How a strip asks the operator what it is to show. The console holds one for all strips. Console thread.
+// The dialogs in which a strip asks the operator what to show. The console holds one chooser for all strips.
+// Console thread.
 #pragma once
 #include <functional>
 
@@ -9,6 +10,6 @@ struct tagKorviaStageSlot;
 struct StripChooser {
   /// Runs modally over a private copy of the slot; true when the operator accepted it.
   std::function<bool(QWidget* parent, tagKorviaShowChannelSlot& slot)> media;
-  /// The same for a stage channel. Empty while there is nothing to choose a stage from.
+  /// The same for a stage channel. Empty while no stages are installed.
   std::function<bool(QWidget* parent, tagKorviaStageSlot& slot)> stage;
 };

@@ -22,7 +22,8 @@ SwitchLever::SwitchLever(QWidget* parent) : GSlider(kOverhang, parent) {
   setInvertedControls(true);
   setTickPosition(QSlider::TicksBothSides);
   setTickInterval(100);
-  // It is hidden for a moment at the end of each switch; the desk must not move for that.
+  // The lever is hidden for a moment at the end of each switch. The layout keeps its room, so that the desk
+  // does not move.
   QSizePolicy policy = sizePolicy();
   policy.setRetainSizeWhenHidden(true);
   setSizePolicy(policy);
@@ -41,7 +42,7 @@ void SwitchLever::showPosition(float position) {
   }
   {
     const QSignalBlocker blocker(this);
-    // Truncated, also when it is the lever's own position that comes back.
+    // The value is truncated, also when the lever's own position comes back.
     setValue(finished ? 0 : static_cast<int>(position * kRange));
     setToolTip(QStringLiteral("%1%").arg(finished ? 0.0 : static_cast<double>(position * 100.0F), 0, 'g'));
   }

@@ -1,5 +1,5 @@
-// The lever between preview and program. It asks the engine for a position when it is moved, and stands where
-// the engine says. Console thread.
+// The lever between preview and program. A move asks the engine for a position; the lever shows the position
+// that the engine reports. Console thread.
 #pragma once
 #include "console/GSlider.h"
 
@@ -13,7 +13,7 @@ class SwitchLever : public GSlider {
 
   explicit SwitchLever(QWidget* parent);
 
-  /// Shows the engine's position, 0 to 1, without asking for it in turn. Exactly 1 is a finished switch: it
-  /// ends the operator's drag and parks the lever at 0.
+  /// Shows the engine's position, 0 to 1, without posting it again. Exactly 1 means that the switch is
+  /// finished: it ends the operator's drag and sets the lever to 0.
   void showPosition(float position);
 };

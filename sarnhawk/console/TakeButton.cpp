@@ -8,7 +8,7 @@ constexpr int kTextLines = 2;
 // Border, padding, and the gap between picture and text.
 constexpr int kAround = 16;
 constexpr int kPictureHeightMin = 16;
-// As the pictures are drawn.
+// The size in which the pictures are drawn.
 constexpr QSize kPictureSize(100, 84);
 
 }  // namespace

@@ -9,7 +9,8 @@ class TakeButton : public QToolButton {
  public:
   explicit TakeButton(QWidget* parent = nullptr) : QToolButton(parent) {}
 
-  /// Independent of the picture, which would else make the room that it fills.
+  /// Does not depend on the picture. Otherwise the button would grow with the picture and the picture with
+  /// it.
   QSize sizeHint() const override { return minimumSize(); }
 
  protected:

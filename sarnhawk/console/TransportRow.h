@@ -1,4 +1,4 @@
-// The source on preview, and what the transport row shows of it. Console thread.
+// The transport row, which shows and controls the source on preview. Console thread.
 #pragma once
 #include <QString>
 
@@ -19,10 +19,10 @@ class TransportRow : public ConsolePage {
 
   /// The source of the channel selected on PVM, null when there is none.
   IKorviaShowSource* source() const;
-  /// Between the two the seek slider is the operator's and stays where it is.
+  /// Between the two calls the operator holds the seek slider, and a work tick does not move it.
   void holdSeek() { _seekHeld = true; }
   void releaseSeek() { _seekHeld = false; }
-  /// Shows time, state and the buttons that make sense for the source; disables the row without one.
+  /// Shows time, state and the buttons that fit the kind of source. Disables the row without a source.
   void onWorkTick() override;
 
   /// Translated name of a KorviaShowPlayState; empty for any other number.

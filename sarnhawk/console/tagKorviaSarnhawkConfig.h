@@ -61,7 +61,7 @@ struct tagKorviaSarnhawkConfig {
   QList<tagKorviaLogoParam> overlayList;
   QList<tagKorviaComponentParam> componentList;
   tagKorviaShowOutputParam outputParam;
-  /// Port of the operator's page: the first one to try, then the one that the web server took.
+  /// Port of the web server: before its start the first one to try, afterwards the one that it took.
   qint32 httpPort = 8800;
   QString programDir;
   QString programName = QStringLiteral("programName");

@@ -1,10 +1,11 @@
-// How a widget is named to the engine as a place for pictures. GUI thread.
+// Describes a widget to the engine as a window for pictures. GUI thread.
 #pragma once
 #include <QWidget>
 
 #include "tagKorviaWindowInfo.h"
 
-/// Native handle of the widget, made when it has none yet, and its size in native pixels from 0, 0.
+/// Native handle of the widget, which is created when the widget has none, and its rectangle in native
+/// pixels. Left and top are 0.
 inline tagKorviaWindowInfo windowInfoOf(QWidget* widget) {
   const QSize size = widget->size() * widget->devicePixelRatioF();
   tagKorviaWindowInfo info;

@@ -12,13 +12,12 @@
 namespace {
 
 constexpr QSize kDefaultSize(100, 84);
-// Parts thumbnails and captions of neighbours, and shows the colour of a selected tile all around its
-// thumbnail.
+// The margins separate neighbouring tiles and show the colour of a selected tile around its thumbnail.
 constexpr QMargins kMargins(4, 4, 4, 2);
 constexpr int kSpacing = 1;
 
 constexpr qint64 kPixelsMax = 64 * 1024 * 1024;
-// No tile needs a picture with longer sides.
+// Larger pictures are scaled down while they are read.
 constexpr QSize kThumbSizeMax(512, 512);
 
 QPixmap readThumbnail(const QString& path) {
@@ -80,8 +79,7 @@ void GListWidgetItem::setSelected(bool selected) {
 }
 
 void GListWidgetItem::mousePressEvent(QMouseEvent* event) {
-  // The list below must not see the press: it would take it for the start of a drag or a selection of its
-  // own.
+  // The press is not passed on, because the list would begin a drag or a selection with it.
   _pressed = event->button() == Qt::LeftButton;
 }
 

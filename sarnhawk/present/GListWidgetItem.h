@@ -1,5 +1,4 @@
-// A thumbnail with its caption, as pickers show them in a list: a click tells the sink which one it was.
-// Console thread.
+// A tile of a picker's list: a thumbnail with its caption, which tells a sink of a click. Console thread.
 #pragma once
 #include <QWidget>
 
@@ -24,7 +23,7 @@ class GListWidgetItem : public QWidget {
   QListWidgetItem* listWidgetItem() const { return _item; }
 
   bool isSelected() const { return _selected; }
-  /// Shows the tile as selected or not; the list's own selection has no part in it.
+  /// Shows the tile as selected or not. The selection of the list widget is not used.
   void setSelected(bool selected);
 
  protected:

@@ -8,9 +8,9 @@ struct GListWidgetItemInfo {
   QString name;
   /// File of the thumbnail.
   QString thumbPath;
-  /// What the sink is told at a click.
+  /// The sink gets this number at a click.
   qint32 id = 0;
-  /// Carried along for the tile's owner.
+  /// Not used by the tile; for its owner.
   QString text;
   QVariant data;
 };

@@ -1,4 +1,4 @@
-// Who a thumbnail tile tells of its clicks; never owned by the tile. Console thread.
+// Receives the clicks of thumbnail tiles, which do not own it. Console thread.
 #pragma once
 #include <QtGlobal>
 
@@ -7,8 +7,8 @@ class QListWidget;
 
 class IGListWidgetItemEventSink {
  public:
-  /// `listWidget` is the list that `item` sits in, `id` the one of its descriptor. The tile does not mark
-  /// itself: which tiles of which lists show as selected is for the sink to say.
+  /// `listWidget` is the list that contains `item`, `id` the id of the tile's descriptor. The sink marks the
+  /// tile as selected; the tile does not do it by itself.
   virtual void onListWidgetItemClicked(QListWidget* listWidget, GListWidgetItem* item, qint32 id) = 0;
 
  protected:

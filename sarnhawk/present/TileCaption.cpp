@@ -6,7 +6,7 @@
 
 namespace {
 
-// Of a tile's height at most one part in so many goes to its caption.
+// The caption takes at most a third of the tile's height.
 constexpr int kCaptionShare = 3;
 
 QStringList piecesOf(const QString& text) {
@@ -18,7 +18,7 @@ QStringList piecesOf(const QString& text) {
 
 TileCaption::TileCaption(QWidget* parent) : QLabel(parent) {
   setAlignment(Qt::AlignCenter);
-  // The sheet of the application would take the place of a font that is only set.
+  // A font that is set with setFont would be overridden by the application's style sheet.
   setStyleSheet(QStringLiteral("font-size: 8pt; font-weight: bold;"));
 }
 
@@ -37,7 +37,7 @@ QStringList TileCaption::linesOf(const QString& text, const QFontMetrics& metric
     rest = rest.mid(line.size()).trimmed();
     lines.append(line);
   }
-  // Eliding measures more strictly and would also shorten what just fits.
+  // elidedText measures more strictly and would also shorten a text that just fits.
   const bool fits = metrics.horizontalAdvance(rest) <= width;
   lines.append(fits ? rest : metrics.elidedText(rest, Qt::ElideMiddle, width));
   return lines;

@@ -1,5 +1,4 @@
-// The caption strip of a thumbnail tile: a text in a narrow place, over two lines where there is room for
-// two. Console thread.
+// The caption of a thumbnail tile, which has one line or two by the height of the tile. Console thread.
 #pragma once
 #include <QLabel>
 
@@ -10,11 +9,11 @@ class TileCaption : public QLabel {
   explicit TileCaption(QWidget* parent);
 
   /// The text in at most `lineCount` lines of `width` pixels. Lines break at spaces and inside words such as
-  /// "RandomBars" before a capital; a number behind a dash stays with its dash. What does not fit loses its
-  /// middle, so that a number at the end is still seen.
+  /// "RandomBars" before a capital; a number behind a dash stays with its dash. A last line that is
+  /// too long loses its middle, so that a number at its end stays readable.
   static QStringList linesOf(const QString& text, const QFontMetrics& metrics, int width, int lineCount);
 
-  /// Takes two lines of a tile of this height, one when two would leave too little for the thumbnail.
+  /// Takes the height of two lines, or of one line when two would take more than a third of the tile.
   void fitTile(int tileHeight);
 
  protected:

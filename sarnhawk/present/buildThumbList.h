@@ -1,4 +1,4 @@
-// Fills a list with thumbnail tiles; every picker of the console is made with it. Console thread.
+// Fills a list with thumbnail tiles. Every picker of the console uses it. Console thread.
 #pragma once
 #include <QList>
 

@@ -39,5 +39,5 @@ void GDialogProductAbout::onClicked_okPushButton() {
 }
 
 void GDialogProductAbout::onClicked_checkUpdatesPushButton() {
-  // There is no update service to ask.
+  // There is no update service yet.
 }

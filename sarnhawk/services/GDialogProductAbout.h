@@ -1,4 +1,4 @@
-// Shows who and what the product is, and its version. GUI thread only.
+// Shows name, description, authors and version of the product. GUI thread only.
 #pragma once
 #include <QDialog>
 #include <memory>
@@ -18,8 +18,8 @@ class GDialogProductAbout : public QDialog {
                       QWidget* parent = nullptr);
   ~GDialogProductAbout() override;
 
-  /// Text of "/ver.txt" in `folder` without its last character, meant to be the line end. Empty when there
-  /// is no such file.
+  /// Text of "/ver.txt" in `folder` without its last character, which is the line end. Empty without the
+  /// file.
   static QString versionText(const QString& folder);
 
  public slots:

@@ -4,15 +4,15 @@
 
 namespace {
 
-// Not const: what hosts catch is a plain wchar_t*.
+// Not const, because hosts catch a plain wchar_t*.
 wchar_t failedToCreate[] = L"failed to create module";
 wchar_t failedToQuery[] = L"failed to query interface";
 
 }  // namespace
 
-/// The library's one export. The frame belongs to the host, which ends it with close() and release().
-/// Throws a wchar_t* when there is no such interface; the frame stays, since a host without an interface
-/// has no more use for the process.
+/// The only export of the library. The host owns the frame and ends it with close() and release(). Throws a
+/// wchar_t* when there is no such interface. The frame is not deleted then, because the host has to end
+/// anyway.
 extern "C" Q_DECL_EXPORT void* CreateKorviaSarnhawk(const Identifier* id, unsigned version) {
   IMainFrame* frame = new (std::nothrow) MainFrame;
   if (!frame)

@@ -11,7 +11,7 @@
 GAppCaptionBar::GAppCaptionBar(const tagKorviaProductInfo* product, IMainFrame* frame, QWidget* parent)
     : QWidget(parent), _ui(std::make_unique<Ui::GAppCaptionBar>()), _frame(frame) {
   _ui->setupUi(this);
-  // Else a style sheet's background leaves a plain widget out.
+  // Without this attribute the style sheet draws no background on a plain widget.
   setAttribute(Qt::WA_StyledBackground);
   const QIcon icon(QCoreApplication::applicationDirPath() + QStringLiteral("/icon.png"));
   _ui->_appIconLabel->setPixmap(icon.pixmap(_ui->_appIconLabel->size()));
@@ -111,7 +111,7 @@ void GAppCaptionBar::mouseReleaseEvent(QMouseEvent*) {
 void GAppCaptionBar::mouseDoubleClickEvent(QMouseEvent* event) {
   if (event->button() != Qt::LeftButton)
     return;
-  // The press of this click must not drag a frame that is about to change its size.
+  // The frame changes its size now, so the drag that the press began must end.
   _dragging = false;
   onClicked_maxAppToolButton();
 }

@@ -1,4 +1,4 @@
-// The top row of the frame, in place of a title bar of the system. GUI thread only.
+// The top row of the frame, which replaces the title bar of the window system. GUI thread only.
 #pragma once
 #include <QPoint>
 #include <QWidget>
@@ -16,7 +16,7 @@ class GAppCaptionBar : public QWidget {
   Q_OBJECT
 
  public:
-  /// `product` is read here only. `frame` is not owned and must outlive the caption bar.
+  /// `product` is read in the constructor only. `frame` is not owned and must outlive the caption bar.
   GAppCaptionBar(const tagKorviaProductInfo* product, IMainFrame* frame, QWidget* parent = nullptr);
   ~GAppCaptionBar() override;
 
@@ -42,7 +42,7 @@ class GAppCaptionBar : public QWidget {
 
  private:
   void connectButtons();
-  /// Buttons whose windows are not part of the console yet.
+  /// Disables the buttons whose windows the console does not have yet.
   void disableMissingWindows();
   bool isFrameEnlarged() const;
 

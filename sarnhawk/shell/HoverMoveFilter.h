@@ -1,4 +1,4 @@
-// Hands the mouse moves over the frame to the frame, whichever child they happen on. GUI thread only.
+// Passes mouse moves over the frame to it, also those over its children. GUI thread only.
 #pragma once
 #include <QObject>
 

@@ -1,4 +1,4 @@
-// What the host holds of the console. Host's GUI thread.
+// The console as the host sees it. GUI thread of the host.
 #pragma once
 #include <QString>
 
@@ -19,5 +19,5 @@ class IKorviaSarnhawk : public IUnknownEx {
   ~IKorviaSarnhawk() = default;
 };
 
-/// Signature of the export "CreateKorviaSarnhawk". Throws a wide string when it cannot deliver.
+/// Signature of the export "CreateKorviaSarnhawk". Throws a wide string on failure.
 using CreateKorviaSarnhawkFunction = void* (*)(const Identifier*, unsigned);

@@ -1,4 +1,4 @@
-// What the caption bar asks of the frame. GUI thread.
+// The frame as the caption bar sees it. GUI thread.
 #pragma once
 #include "IUnknownEx.h"
 

@@ -70,7 +70,7 @@ bool MainFrame::create(void* reserved1, IProgressSink* progress, void* reserved2
   layOut();
   setWindowTitle(productText(product->title));
   fitToScreen();
-  // A console that could not start all of its services stays on the screen, disabled, and says so itself.
+  // The result is not used: a console that could not start its services stays visible and logs the reason.
   static_cast<IKorviaSarnhawk*>(_console)->create(reserved1, progress, reserved2, product, rootPath);
   showNormal();
   return true;
@@ -120,13 +120,13 @@ void MainFrame::showMainMenu(QWidget* button) {
   if (!_console)
     return;
   QMenu* menu = _console->systemMenu();
-  // A menu has its size only after it was shown.
+  // A menu gets its size only when it is shown.
   menu->show();
   menu->hide();
   menu->exec(mainMenuPosition(button, menu));
 }
 
-// The windows of these three come with their subsystems; until then the caption bar's buttons are disabled.
+// The console does not have these three windows yet. Their buttons on the caption bar are disabled.
 void MainFrame::showOutputConfig() {}
 
 void MainFrame::showOutputStatistics() {}
@@ -153,7 +153,7 @@ void MainFrame::onHoverMove(const QPoint& pos, const QPoint& oldPos) {
 }
 
 void MainFrame::pickEdges(const QPoint& pos) {
-  // Beside the caption bar the side edges belong to its buttons.
+  // Beside the caption bar the side edges cannot be dragged, because its buttons are there.
   const bool underCaption = !_captionBar || pos.y() > _captionBar->height();
   _resizeLeft = underCaption && qAbs(pos.x()) <= kEdgeReach;
   _resizeRight = underCaption && qAbs(width() - pos.x()) <= kEdgeReach;
@@ -174,7 +174,7 @@ void MainFrame::dragEdges(const QPoint& pos, const QPoint& oldPos) {
       dx = g.width() - minimumWidth();
     g.setLeft(g.left() + dx);
   }
-  // An edge that was held back by the minimum size waits until the mouse has caught up with it.
+  // When the minimum size has stopped an edge, it moves again only after the mouse has come back to it.
   if (_resizeRight) {
     const int gap = width() - pos.x() - _grabOffsetX;
     if (dx > 0 && gap > 0)
@@ -209,8 +209,8 @@ void MainFrame::mouseReleaseEvent(QMouseEvent* event) {
 
 void MainFrame::closeEvent(QCloseEvent* event) {
   if (_console && event->spontaneous()) {
-    // A close by the window manager is an operator's wish, so it asks like the menu. The question waits until
-    // this event is over: a frame that is closing cannot be closed by a signal.
+    // The operator has asked the window manager to close, so the question of the menu comes first. It is
+    // queued until this event is over, because Qt ignores a close() of a window that is just handling one.
     event->ignore();
     QMetaObject::invokeMethod(_console, &KorviaSarnhawk::onAction_quit, Qt::QueuedConnection);
     return;

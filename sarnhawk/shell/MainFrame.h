@@ -1,5 +1,5 @@
-// The frameless top-level window: caption bar on top, console below, sized by dragging its edges. It is
-// what the host gets from the library. GUI thread only.
+// The frameless top-level window, with the caption bar above the console. The operator resizes it by dragging
+// its edges. The library's factory returns it to the host. GUI thread only.
 #pragma once
 #include <QFrame>
 #include <QPoint>
@@ -16,7 +16,7 @@ class MainFrame : public QFrame, public IMainFrame, public IKorviaSarnhawk {
 
  public:
   MainFrame();
-  /// Does not stop the console: close() comes first.
+  /// Does not stop the console, so close() must be called before.
   ~MainFrame() override;
 
   bool isValid() override;
@@ -37,16 +37,17 @@ class MainFrame : public QFrame, public IMainFrame, public IKorviaSarnhawk {
   void pgmPlayback() override;
   void quitApp() override;
 
-  /// A move of the mouse over the frame, in its coordinates: picks the edges under the mouse, or drags them.
+  /// Selects the edges under the mouse, or drags them while the button is pressed. Positions are in
+  /// coordinates of the frame.
   void onHoverMove(const QPoint& pos, const QPoint& oldPos);
 
-  /// Where a menu of known size goes: right-aligned with the button, 4 pixels below it.
+  /// Position of a menu that has its size already: right-aligned with the button, 4 pixels below it.
   static QPoint mainMenuPosition(const QWidget* button, const QMenu* menu);
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
-  /// Asks the operator when the window manager closes the window; a close by the program goes through.
+  /// A close by the window manager asks the operator first. A close by the program closes the window.
   void closeEvent(QCloseEvent* event) override;
 
   GAppCaptionBar* _captionBar = nullptr;

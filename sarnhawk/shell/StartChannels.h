@@ -1,4 +1,4 @@
-// How many channels a show starts with. Constants for the console and for hosts that address channels.
+// Number of channels with which a show starts, for the console and for hosts that address channels.
 #pragma once
 
 namespace korvia {

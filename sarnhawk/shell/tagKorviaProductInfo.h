@@ -1,4 +1,4 @@
-// Who the product is: made by the host, copied whole by the console. Plain data, any thread.
+// Describes the product. The host fills it and the console copies it whole. Plain data, any thread.
 #pragma once
 #include <QString>
 #include <cstdint>
@@ -15,7 +15,7 @@ struct tagKorviaProductInfo {
 static_assert(sizeof(tagKorviaProductInfo) == 4880);
 static_assert(offsetof(tagKorviaProductInfo, title) == 4);
 
-/// Text of a field of the record, which ends at the first NUL or at the end of the field.
+/// Text of a field of the record up to the first NUL, or the whole field without one.
 template <std::size_t N>
 QString productText(const char16_t (&field)[N]) {
   std::size_t length = 0;

@@ -43,7 +43,7 @@ GWidgetTransitionEffectConfig::GWidgetTransitionEffectConfig(IKorviaSarnhawkPriv
 
 GWidgetTransitionEffectConfig::~GWidgetTransitionEffectConfig() = default;
 
-// The infos are a copy: take buttons show the same entries without their numbers.
+// Takes a copy, because the take buttons show the same entries without the numbers.
 void GWidgetTransitionEffectConfig::fillPage(Page& page, QList<GListWidgetItemInfo> infos) {
   for (GListWidgetItemInfo& info : infos)
     info.name += QStringLiteral(" - %1").arg(info.id);
@@ -83,8 +83,7 @@ void GWidgetTransitionEffectConfig::onListWidgetItemClicked(QListWidget* listWid
   tagKorviaTakeButton* edited = slot();
   if (!edited)
     return;
-  // Only the list of the click: where else the old choice is marked, it stays so until a slot is loaded
-  // again.
+  // Only the clicked list changes its marks. The other lists keep theirs until a slot is loaded.
   for (const Page& page : _pages) {
     if (page.listWidget != listWidget)
       continue;

@@ -1,5 +1,5 @@
-// The transition editor: effect, easing and duration of the slot behind a take button, chosen from pages of
-// thumbnails. Console thread.
+// The transition editor: pages of thumbnails from which the operator chooses effect, easing and duration of a
+// take button's slot. Console thread.
 #pragma once
 #include <array>
 #include <memory>
@@ -34,7 +34,8 @@ class GWidgetTransitionEffectConfig : public GToolWindow, public IGListWidgetIte
   void onValueChanged_durationDoubleSpinBox(double value);
 
  private:
-  /// What a navigation button leads to. The pages of the catalogs come first, in catalog order.
+  /// A page with its navigation button. The pages of the catalogues come first, in the order of the
+  /// catalogues.
   struct Page {
     QPushButton* button;
     QWidget* page;

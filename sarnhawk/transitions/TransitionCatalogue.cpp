@@ -20,7 +20,7 @@ struct EffectEntry {
   const char* thumb;
 };
 
-// The order is the one that the pickers show. Numbers that are missing here stay unused.
+// In the order in which the pickers show them. A number that is missing here is unused.
 constexpr EffectEntry kEffects[] = {
     {0, 0, QT_TRANSLATE_NOOP("TransitionCatalogue", "None"), "none.jpg"},
     {0, 65535, QT_TRANSLATE_NOOP("TransitionCatalogue", "Random"), "random.jpg"},

@@ -1,5 +1,5 @@
-// The transitions that the operator can choose from, and the easing curves. The engine draws them; here they
-// are only numbered and named. Console thread.
+// Numbers and names of the transitions and easing curves that the operator can choose. The engine draws them.
+// Console thread.
 #pragma once
 #include <QList>
 #include <array>
@@ -14,9 +14,9 @@ class TransitionCatalogue {
 
   /// Translated name of a catalog, 0 to 7; empty for any other number.
   static QString catalogName(int catalog);
-  /// The easing curves under their translated names; the place in the list is the code.
+  /// The easing curves with their translated names. The index in the list is the easing code.
   static QList<GListWidgetItemInfo> easingList();
-  /// Where the picture of an easing code lies, beside the application.
+  /// Path of the picture of an easing code, beside the application.
   static QString easingThumbPath(int code);
 
   /// Effects of a catalog by their numbers, all of them for kAllCatalog, null for any other number. Filled at

@@ -65,8 +65,9 @@ class ScriptedBackend final : public korvia::IShowBackend {
   void getFigures(tagKorviaShowEngineFigures& figures) override { figures = show_.figures; }
   void commitGrabImage(const QImage&) override { show_.calls.append(QStringLiteral("commitGrabImage")); }
   void setGrabImageValid(bool valid) override { note("setGrabImageValid", valid); }
-  void commitPaintPadImage(const QImage&) override {
+  void commitPaintPadImage(const QImage& image) override {
     show_.calls.append(QStringLiteral("commitPaintPadImage"));
+    show_.paintPadImage = image;
   }
   void setPaintPadValid(bool valid) override { note("setPaintPadValid", valid); }
   void pausePGMImage(bool pause) override { note("pausePGMImage", pause); }

@@ -107,6 +107,7 @@ class ScriptedShow {
   tagKorviaShowEngineFigures figures;
   tagKorviaOutputStatistics outputStatistics;
   IUnknownEx* lastHost = nullptr;
+  QImage paintPadImage;
   int enginesAlive = 0;
   IKorviaShowEngineSink* engineSink() const;
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fails when a source file is not laid out as .clang-format says; "format.sh --fix" lays them out.
+# Fails when a source file does not follow .clang-format. "format.sh --fix" formats all files.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 mode=(--dry-run --Werror)

@@ -15,8 +15,8 @@ namespace korvia {
 
 namespace {
 
-// The number of threads is fixed because it decides what the encoder writes. Queues without a bound let
-// the short sound wait for the pictures.
+// The number of threads is fixed, because the encoder's output depends on it. The queues of the sound have no
+// bound, because all sound is pushed before the first picture.
 constexpr char kPipeline[] =
     "mp4mux name=mux faststart=true ! filesink name=file "
     "appsrc name=pictures format=time block=true max-bytes=33177600 "

@@ -1,6 +1,5 @@
-// Writes a demo film: H.264 and AAC in an MP4 whose index comes first.
-//
-// Used on one thread; GStreamer encodes on its own. The same input gives the same file, byte by byte.
+// Writes a demo film: H.264 and AAC in an MP4 whose index comes first. The same input gives the same file,
+// byte by byte. Used on one thread; GStreamer encodes on threads of its own.
 #pragma once
 
 #include <gst/gst.h>
@@ -22,8 +21,8 @@ class ClipWriter {
   // the file cannot be made.
   bool open(const QString& path);
 
-  // How many samples later than it was given the encoder puts a sound. Whoever wants sound and picture
-  // together gives the sound from this sample on.
+  // Delay of the encoder in samples. To be in sync with the pictures, the sound has to be passed from this
+  // sample on.
   static int soundDelaySamples();
 
   // All sound of the film, interleaved stereo. To be called once, before the pictures.

@@ -1,4 +1,4 @@
-// The measures of a demo film, which its picture, its sound and its writer share.
+// Size, rates and length of a demo film, for its picture, sound and writer.
 #pragma once
 
 namespace korvia {
@@ -11,7 +11,7 @@ constexpr int kDemoFrames = kDemoSeconds * kDemoFramesPerSecond;
 constexpr int kDemoSampleRate = 48000;
 constexpr int kDemoChannels = 2;
 
-// How long the flash and the beep at each full second last.
+// Length of the flash and the beep at each full second.
 constexpr int kDemoMarkFrames = 2;
 constexpr int kDemoMarkSamples = kDemoMarkFrames * kDemoSampleRate / kDemoFramesPerSecond;
 

@@ -28,7 +28,7 @@ struct DemoTheme {
 
 namespace {
 
-// Four pixels a frame bring the backdrop round exactly once in a film.
+// At four pixels a frame the backdrop moves exactly once around in a film.
 constexpr int kDriftPixels = 4;
 constexpr int kBackdropWidth = kDriftPixels * kDemoFrames;
 static_assert(kBackdropWidth >= kDemoWidth);
@@ -75,7 +75,7 @@ QColor translucent(QRgb colour, int alpha) {
   return result;
 }
 
-// A smooth field that meets itself at its left and right edge.
+// A smooth field whose left and right edges fit together.
 QImage makeBackdrop(const DemoTheme& theme) {
   QImage image(kBackdropWidth, kDemoHeight, QImage::Format_RGB32);
   for (int y = 0; y < kDemoHeight; ++y) {
@@ -180,7 +180,7 @@ void DemoPicture::drawHills(QPainter& painter, double turn) const {
   }
 }
 
-// The hand goes round once a second, one tick a frame, and points up at each full second.
+// The hand turns once a second, one step a frame, and points up at each full second.
 void DemoPicture::drawDial(QPainter& painter, int frame) const {
   painter.save();
   painter.translate(theme_.dialCentre);

@@ -1,6 +1,5 @@
-// Draws the frames of a demo film. A film is a loop: its last frame leads back to its first.
-//
-// Used on one thread. Needs a QGuiApplication for its fonts.
+// Draws the frames of a demo film, which is a loop: the first frame follows the last one without a jump. Used
+// on one thread. Needs a QGuiApplication for its fonts.
 #pragma once
 
 #include <QImage>
@@ -13,11 +12,11 @@ struct DemoTheme;
 
 class DemoPicture {
  public:
-  // `variant` is 1 (blue, discs afloat) or 2 (dusk, hills that pass); anything else is drawn as 1.
+  // `variant` is 1 (blue, floating discs) or 2 (dusk, passing hills). Any other number is drawn as 1.
   explicit DemoPicture(int variant);
 
-  // Frame `frame`, counted from 0, as kDemoWidth x kDemoHeight in Format_RGB32. The image is drawn over
-  // at the next call, unless the caller holds a copy.
+  // Frame `frame`, counted from 0, as kDemoWidth x kDemoHeight in Format_RGB32. The next call
+  // overwrites the image unless the caller holds a copy.
   const QImage& draw(int frame);
 
  private:

@@ -19,7 +19,8 @@ constexpr double kBeepLevel = 0.25;
 constexpr double kBeepHz = 1000.0;
 constexpr int kBeepRampSamples = 48;
 
-// Frequencies in Hz. A tone is silent where its chord begins and ends, so the loop needs no tuning.
+// Frequencies in Hz. They need not fit the length of the loop, because a tone is silent where its chord
+// begins and ends.
 constexpr double kFirstChords[kChords][kTones] = {
     {220.00, 261.63, 329.63}, {174.61, 220.00, 261.63}, {130.81, 196.00, 329.63}, {196.00, 246.94, 293.66}};
 constexpr double kSecondChords[kChords][kTones] = {

@@ -7,11 +7,11 @@ namespace korvia {
 
 class DemoSound {
  public:
-  // `variant` as in DemoPicture: it chooses the chords.
+  // `variant` chooses the chords; numbers as in DemoPicture.
   explicit DemoSound(int variant);
 
-  // `count` samples per channel from sample `first` on, interleaved left and right, -1 to 1. The film
-  // is a loop, so any `first` of 0 or more is good.
+  // `count` samples per channel from sample `first` on, interleaved left and right, -1 to 1. `first` is 0 or
+  // more and may lie beyond the end of the film, which is a loop.
   std::vector<float> samples(int first, int count) const;
 
  private:

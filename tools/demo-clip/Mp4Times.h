@@ -1,5 +1,4 @@
-// The muxer stamps its tracks with the time of day, which would make every build's film another file.
-//
+// Removes the time of day that the muxer writes into its tracks, so that every build makes the same file.
 // Plain function for any thread.
 #pragma once
 
@@ -7,8 +6,8 @@
 
 namespace korvia {
 
-// Sets the creation and modification times in the headers of an MP4 to 0. Bytes that are no MP4, or a
-// broken one, are left alone from where they stop making sense.
+// Sets the creation and modification times in the headers of an MP4 to 0. Stops at the first bytes that are
+// no valid MP4 and leaves the rest as it is.
 void clearMp4Times(QByteArray& file);
 
 }  // namespace korvia

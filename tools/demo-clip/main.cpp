@@ -1,5 +1,5 @@
-// korvia-demo-clip OUT.mp4: makes a film to try the switcher with. The clock, the flash and the beep in it
-// let a recording be judged frame by frame.
+// korvia-demo-clip OUT.mp4: makes a film for trying the switcher. Its clock, flash and beep show frame by
+// frame whether a recording is right.
 
 #include <gst/gst.h>
 
@@ -37,7 +37,7 @@ bool makeFilm(const QString& path, int variant) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  // It shows nothing, so it asks for no display: fonts are all that it wants of the platform.
+  // The program opens no window and needs the platform only for fonts, so it must run without a display.
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QGuiApplication application(argc, argv);
   gst_init(nullptr, nullptr);
@@ -58,7 +58,7 @@ int main(int argc, char** argv) {
     return 2;
   }
 
-  // Written under another name first, so that an interrupted run leaves nothing that looks finished.
+  // Written under another name first, so that an interrupted run leaves no file under the final name.
   const QString path = parser.positionalArguments().constFirst();
   const QString unfinished = path + QStringLiteral(".part");
   if (!makeFilm(unfinished, variant)) {

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs what packages.txt names and is missing, through apt, without questions.
+# Installs the missing packages of packages.txt with apt, without questions.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
@@ -17,7 +17,7 @@ if [ "$(id -u)" -ne 0 ]; then
   as_root=(sudo)
 fi
 echo "Installing: ${missing[*]}"
-# A web server that starts with the machine is not wanted: the console starts its own.
+# The console starts a web server of its own, so the packaged one must not start with the machine.
 nginx_was_there=$(dpkg-query -W -f '${db:Status-Status}' nginx-core 2>/dev/null || true)
 "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get update -qq
 "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \

@@ -23,7 +23,7 @@ constexpr int kBlockGap = 22;
 constexpr int kRowHeight = kPicture.height() + kGap;
 constexpr int kBlockWidth = kLabelWidth + kColumns * (kPicture.width() + kGap) - kGap;
 
-// Window, text and muted text of the console's style sheet.
+// Colours of window, text and muted text in the console's style sheet.
 constexpr QRgb kWindow = 0xff14171c;
 constexpr QRgb kText = 0xffd7dce3;
 constexpr QRgb kMuted = 0xff8b95a3;

@@ -1,5 +1,5 @@
-// One picture with every transition of the catalogue, a row each. Needs a QGuiApplication with fonts; main
-// thread.
+// Draws one picture with every transition of the catalogue, one row for each. Needs a QGuiApplication with
+// fonts; main thread.
 #pragma once
 #include <QImage>
 

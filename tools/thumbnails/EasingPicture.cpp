@@ -9,14 +9,14 @@ namespace korvia {
 
 namespace {
 
-// Panel, control under the mouse, line and text of the console's style sheet.
+// Colours of panel, hovered control, line and text in the console's style sheet.
 constexpr QRgb kPanel = 0xff1b1f26;
 constexpr QRgb kArea = 0xff2d3540;
 constexpr QRgb kGrid = 0xff313945;
 constexpr QRgb kFrame = 0xff5b6471;
 constexpr QRgb kCurve = 0xffd7dce3;
 constexpr int kGridCells = 4;
-// Circular curves rise by a tenth of the plot within half a step.
+// Many steps, because circular curves rise steeply: by a tenth of the plot within half a step.
 constexpr int kSteps = 4 * kEasingPlotSize;
 
 QPointF plotted(double progress, double eased) {
@@ -53,7 +53,7 @@ QImage drawEasing(int code) {
   painter.setRenderHint(QPainter::Antialiasing);
   painter.fillPath(area, QColor(kArea));
 
-  // Straight lines stay sharp without smoothing.
+  // Without smoothing straight lines are sharp.
   painter.setRenderHint(QPainter::Antialiasing, false);
   drawGrid(painter);
   painter.setPen(QColor(kFrame));

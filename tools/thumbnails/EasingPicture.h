@@ -5,7 +5,7 @@
 namespace korvia {
 
 inline constexpr int kEasingPictureSize = 100;
-/// The square that the curve lies in: progress from left to right, eased progress upwards, both 0 to 1.
+/// The square of the curve. Progress runs from left to right and eased progress upwards, both 0 to 1.
 inline constexpr int kEasingPlotLeft = 12;
 inline constexpr int kEasingPlotTop = 12;
 inline constexpr int kEasingPlotSize = 76;

@@ -12,11 +12,11 @@ namespace korvia {
 
 namespace {
 
-// Mixed larger and scaled down, edges are smooth and colours keep their resolution.
+// Effects are mixed in a larger size and scaled down, which gives smooth edges and full colour resolution.
 constexpr int kZoom = 4;
-// What these do from pixel to pixel and line to line would be averaged away.
+// These effects work on single pixels and lines, which scaling down would average away.
 constexpr std::array kFineEffects{77, 78};
-// Any will do: a take draws its own, the pictures stay the same from build to build.
+// Any fixed seed serves: it keeps the pictures the same from build to build.
 constexpr std::uint32_t kSeed = 7;
 
 bool isFine(int effect) {

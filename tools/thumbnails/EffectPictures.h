@@ -18,7 +18,7 @@ class EffectPictures {
   QImage picture(int effect, double position);
 
  private:
-  /// The scenes in the size that effects are mixed in.
+  /// The two scenes in one of the sizes in which effects are mixed.
   struct Scenes {
     FrameRef from;
     FrameRef to;

@@ -26,7 +26,7 @@ constexpr Palette kNight{0xff081b45, 0xff2a9fc9, 0xffe6f4ff, 0xff145a80,
 
 using Corners = std::initializer_list<QPointF>;
 
-/// Corners in shares of the size; the land goes down to the lower edge.
+/// Corners as fractions of the size. The land fills the picture down to its lower edge.
 void drawLand(QPainter& painter, QSizeF size, QRgb color, const Corners& ridge) {
   QPainterPath land(QPointF(0, size.height()));
   for (const QPointF& corner : ridge)
@@ -86,7 +86,7 @@ void drawBall(QPainter& painter, QSizeF size, QPointF middle, qreal share, QRgb 
   painter.drawEllipse(QPointF(middle.x() * size.width(), middle.y() * size.height()), radius, radius);
 }
 
-/// Shows where the picture ends when it moves or shrinks.
+/// The border makes the edges visible when the picture moves or shrinks.
 void drawBorder(QPainter& painter, QSizeF size, const Palette& palette) {
   const qreal width = std::min(size.width(), size.height()) / 42;
   painter.setPen(QPen(QColor(palette.border), width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));

@@ -1,6 +1,6 @@
-// The two pictures that transitions are shown with, and the two symbols for what no transition draws. All of
-// them are drawn by recipe, the letters too, so that they look the same with any fonts. Needs a
-// QGuiApplication; main thread.
+// Draws the two pictures that transitions are shown with, and the symbols for a cut and for a random effect.
+// The letters are drawn as strokes, so that the pictures do not depend on fonts. Needs a QGuiApplication;
+// main thread.
 #pragma once
 #include <QImage>
 

@@ -27,17 +27,17 @@ constexpr int kJpegQuality = 95;
 constexpr double kPosition = 0.45;
 
 struct Thumbnail {
-  /// Where the console looks for it.
+  /// Path under which the console looks for the picture.
   QString path;
   std::function<QImage()> draw;
 };
 using Thumbnails = std::vector<Thumbnail>;
 
-/// Several effects beside each other, for the choice among all of them.
+/// Several effects beside each other, as the picture of a random effect.
 QImage drawMosaic(EffectPictures& effects) {
   constexpr int kRows = 2;
   constexpr int kColumns = 3;
-  // Circle, checkerboard and wheel; swirl, mosaic and push.
+  // First row: circle, checkerboard, wheel. Second row: swirl, pixelate, push.
   constexpr int kTiles[kRows][kColumns] = {{13, 12, 20}, {62, 55, 41}};
   QImage mosaic(effects.size(), QImage::Format_RGB32);
   QPainter painter(&mosaic);
@@ -71,10 +71,10 @@ void addEasings(Thumbnails& all) {
     all.push_back({TransitionCatalogue::easingThumbPath(code), [code] { return drawEasing(code); }});
 }
 
-/// Each adds the pictures of one picker.
+/// Each function adds the pictures of one picker.
 constexpr void (*kPickers[])(Thumbnails&) = {addEffects, addEasings};
 
-/// To PNG, which loses nothing, quality means how little to compress: its default serves.
+/// PNG is lossless and takes the quality as a degree of compression, so its default is used.
 int qualityFor(const QString& path) {
   return path.endsWith(QLatin1String(".jpg")) ? kJpegQuality : -1;
 }

@@ -7,7 +7,7 @@
 #include "ThumbnailSet.h"
 
 int main(int argc, char** argv) {
-  // It shows nothing, so it asks for no display: fonts are all that it wants of the platform.
+  // The program opens no window and needs the platform only for fonts, so it must run without a display.
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QGuiApplication application(argc, argv);
 

@@ -8,9 +8,11 @@
 #include <QtTest>
 
 #include "ConsoleLook.h"
+#include "KorviaShowEngine.h"
 #include "KorviaShowEvents.h"
 #include "console/GWidgetDisplayObject.h"
 #include "console/MultimediaClock.h"
+#include "services/ConsoleServers.h"
 #include "shell/GAppCaptionBar.h"
 
 namespace {
@@ -63,22 +65,56 @@ class DeskIncomeServer final : public IKorviaRTMPIncomeServer {
   DeskConsole& console_;
 };
 
+class DeskEngine final : public KorviaShowEngine {
+ public:
+  explicit DeskEngine(QList<float>& frameRates) : frameRates_(frameRates) {}
+
+  void setFps(float fps) override {
+    frameRates_.append(fps);
+    KorviaShowEngine::setFps(fps);
+  }
+
+ private:
+  QList<float>& frameRates_;
+};
+
+class DeskServers final : public ConsoleServers {
+ public:
+  explicit DeskServers(DeskConsole& console) : console_(console) {}
+
+ protected:
+  bool loadWeb() override {
+    console_.serverLog.append(QStringLiteral("web load"));
+    if (console_.hasWebServer)
+      _web._interface = new DeskWebServer(console_);
+    return console_.hasWebServer;
+  }
+  bool loadIncome() override {
+    console_.serverLog.append(QStringLiteral("income load"));
+    if (console_.hasIncomeServer)
+      _income._interface = new DeskIncomeServer(console_);
+    return console_.hasIncomeServer;
+  }
+
+ private:
+  DeskConsole& console_;
+};
+
 constexpr int kAnswerPollMs = 5;
 
 }  // namespace
 
-bool DeskConsole::loadWebServer() {
-  serverLog.append(QStringLiteral("web load"));
-  if (hasWebServer)
-    _webServer._interface = new DeskWebServer(*this);
-  return hasWebServer;
+DeskConsole::DeskConsole(GAppCaptionBar* captionBar, QWidget* parent)
+    : KorviaSarnhawk(captionBar, parent, std::make_unique<DeskServers>(*this)) {}
+
+void DeskConsole::postEvent(quint64 eventId, QVariant a1, QVariant a2, QVariant a3, QVariant a4) {
+  if (beforePost)
+    beforePost(eventId);
+  KorviaSarnhawk::postEvent(eventId, std::move(a1), std::move(a2), std::move(a3), std::move(a4));
 }
 
-bool DeskConsole::loadIncomeServer() {
-  serverLog.append(QStringLiteral("income load"));
-  if (hasIncomeServer)
-    _incomeServer._interface = new DeskIncomeServer(*this);
-  return hasIncomeServer;
+KorviaShowEngine* DeskConsole::newEngine() {
+  return new DeskEngine(frameRates);
 }
 
 class ConsoleDesk::Progress final : public IProgressSink {

@@ -20,7 +20,7 @@ using SavedChanges = QList<QPair<unsigned, int>>;
 /// The console with everything outside of it replaced.
 class DeskConsole : public KorviaSarnhawk {
  public:
-  DeskConsole(GAppCaptionBar* captionBar, QWidget* parent) : KorviaSarnhawk(captionBar, parent) {}
+  DeskConsole(GAppCaptionBar* captionBar, QWidget* parent);
 
   QStringList serverLog;
   QStringList devices;
@@ -35,9 +35,15 @@ class DeskConsole : public KorviaSarnhawk {
   int* webPortPlace = nullptr;
   /// What saveChanges was called with, mask and channel, in order.
   SavedChanges savedChanges;
+  /// What setFps of the engine was called with, in order.
+  QList<float> frameRates;
+  /// Called with the number of each event before it is posted; may be empty.
+  std::function<void(quint64 eventId)> beforePost;
 
   ConsolePages& pages() { return _pages; }
 
+  void postEvent(quint64 eventId, QVariant a1 = QVariant(), QVariant a2 = QVariant(),
+                 QVariant a3 = QVariant(), QVariant a4 = QVariant()) override;
   void saveChanges(unsigned what, int channel = -1) override {
     savedChanges.append({what, channel});
     KorviaSarnhawk::saveChanges(what, channel);
@@ -45,8 +51,7 @@ class DeskConsole : public KorviaSarnhawk {
 
  protected:
   QStringList audioDevices() const override { return devices; }
-  bool loadWebServer() override;
-  bool loadIncomeServer() override;
+  KorviaShowEngine* newEngine() override;
 };
 
 class ConsoleDesk : public QObject {

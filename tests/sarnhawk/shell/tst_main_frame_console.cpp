@@ -158,7 +158,7 @@ void TestMainFrameConsole::windowManagersCloseAsksAndNoChangesNothing() {
   auto* config = _frame->findChild<GWidgetDisplayObjectConfig*>();
   config->show();
   const QList<GFloatWidgetToolButton*> floats = _frame->findChildren<GFloatWidgetToolButton*>();
-  floats.first()->setShown(true);
+  floats.first()->showInFull();
   const QuestionAnswer answer(QMessageBox::No);
   QVERIFY(!closeAsTheWindowManager());
   QTRY_VERIFY(answer.wasAsked);

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "console/tagKorviaTakeButton.h"
-#include "transitions/TakeRules.h"
+#include "transitions/TakePanel.h"
 #include "transitions/TransitionCatalogue.h"
 
 namespace {
@@ -168,15 +168,15 @@ class TransitionCatalogueTest : public QObject {
   }
 
   void plainSlotSendsItsNumber() {
-    QCOMPARE(TakeRules::effectToSend({.effect = 0}, 1), 0);
-    QCOMPARE(TakeRules::effectToSend({.effect = 24}, 1), 24);
+    QCOMPARE(TakePanel::effectToSend({.effect = 0}, 1), 0);
+    QCOMPARE(TakePanel::effectToSend({.effect = 24}, 1), 24);
   }
 
   void randomSlotMaySendAnyNumberBelowEighty() {
     const tagKorviaTakeButton slot{.effect = 65535};
     std::set<int> drawn;
     for (qint64 second = 0; second < 20000; ++second)
-      drawn.insert(TakeRules::effectToSend(slot, second));
+      drawn.insert(TakePanel::effectToSend(slot, second));
     QCOMPARE(*drawn.begin(), 0);
     QCOMPARE(*drawn.rbegin(), 79);
     QVERIFY(drawn.count(21) == 1);
@@ -184,7 +184,7 @@ class TransitionCatalogueTest : public QObject {
 
   void twoRandomTakesInOneSecondAreTheSame() {
     const tagKorviaTakeButton slot{.effect = 65535};
-    QCOMPARE(TakeRules::effectToSend(slot, 1234567890), TakeRules::effectToSend(slot, 1234567890));
+    QCOMPARE(TakePanel::effectToSend(slot, 1234567890), TakePanel::effectToSend(slot, 1234567890));
   }
 };
 

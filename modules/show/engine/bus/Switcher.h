@@ -28,8 +28,8 @@ class Switcher {
 
   /// Steps a running take by `frames` and reports its position.
   void step(int frames);
-  /// The program picture without its layers: a channel, or the transition between two. Its alpha, if any, means
-  /// nothing: a bus lies on black, and colours are premultiplied.
+  /// The program picture without its layers: a channel, or the transition between two. Its alpha, if any,
+  /// means nothing: a bus lies on black, and colours are premultiplied.
   FrameRef programPicture();
   FrameRef previewPicture();
 

@@ -13,8 +13,8 @@ struct RecordContainer {
   const char* muxer;   ///< GStreamer element
   /// Seconds between repeated stream headers: -1 with each key frame, 0 once in the header of the file.
   int headerInterval;
-  bool boxes;  ///< the file consists of boxes, and its last one must be complete
-  std::vector<ElementProperty> properties;       ///< of the muxer
+  bool boxes;                               ///< the file consists of boxes, and its last one must be complete
+  std::vector<ElementProperty> properties;  ///< of the muxer
   std::vector<ElementProperty> inletProperties;  ///< of the appsrc in front of each track
 
   /// The format of a KorviaShowEncapsulation; mp4, the default of new records, for other numbers.

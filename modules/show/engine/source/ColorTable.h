@@ -1,8 +1,7 @@
 // Maps pictures of a wide gamut or a high dynamic range to the working format: PQ, HLG, and the primaries of
 // BT.2020 and P3. The tone map is method A of Report ITU-R BT.2446-1, from 1000 to 100 cd/m2; the gamut is
-// mapped by matrix and clip in linear light (Report ITU-R BT.2407). All of it stands in one table over luma and
-// chroma codes, which is interpolated.
-// Immutable, any thread.
+// mapped by matrix and clip in linear light (Report ITU-R BT.2407). All of it stands in one table over luma
+// and chroma codes, which is interpolated. Immutable, any thread.
 #pragma once
 #include <gst/video/video.h>
 

@@ -48,9 +48,9 @@ void initElement(GTypeInstance* instance, gpointer) {
 }  // namespace
 
 bool registerDnxhrCaps() {
-  const GType type = g_type_register_static_simple(GST_TYPE_BASE_TRANSFORM, "KorviaDnxhrCaps",
-                                                   sizeof(GstBaseTransformClass), initClass,
-                                                   sizeof(GstBaseTransform), initElement, GTypeFlags(0));
+  const GType type =
+      g_type_register_static_simple(GST_TYPE_BASE_TRANSFORM, "KorviaDnxhrCaps", sizeof(GstBaseTransformClass),
+                                    initClass, sizeof(GstBaseTransform), initElement, GTypeFlags(0));
   return gst_element_register(nullptr, "korviadnxhrcaps", GST_RANK_PRIMARY, type);
 }
 

@@ -157,7 +157,7 @@ bool PictureConverter::build() {
       const int shift = i == 0 ? 0 : 1;
       tableStride_[i] = static_cast<int>(alignedBytes(static_cast<std::size_t>(padded_.width >> shift) * 2));
       tableInput_[i] = allocate(static_cast<std::size_t>(tableStride_[i]) *
-                               static_cast<std::size_t>(padded_.height >> shift));
+                                static_cast<std::size_t>(padded_.height >> shift));
     }
   }
   if (fields_ == 1)

@@ -1,7 +1,7 @@
 // Converts decoded pictures of one format into the working format: planar 4:2:0, 8 bit, BT.709 limited range,
-// in the same size. Values are rounded without bias. Pictures with alpha come out premultiplied. Wide gamuts and
-// high dynamic ranges are mapped by a ColorTable. The fields of an interlaced picture are
-// converted apart, so that their chroma does not mix. One thread at a time.
+// in the same size. Values are rounded without bias. Pictures with alpha come out premultiplied. Wide gamuts
+// and high dynamic ranges are mapped by a ColorTable. The fields of an interlaced picture are converted
+// apart, so that their chroma does not mix. One thread at a time.
 #pragma once
 #include <gst/video/video.h>
 #include <zimg.h>

@@ -38,9 +38,10 @@ QVector<int> mappedGamut(QRgb color) {
                           std::pow(qBlue(color) / 255.0, 2.4)};
   double to[3];
   for (int i = 0; i < 3; ++i)
-    to[i] = 255 * std::pow(std::clamp(kMatrix[i][0] * from[0] + kMatrix[i][1] * from[1] + kMatrix[i][2] * from[2],
-                                      0.0, 1.0),
-                           1 / 2.4);
+    to[i] =
+        255 * std::pow(std::clamp(kMatrix[i][0] * from[0] + kMatrix[i][1] * from[1] + kMatrix[i][2] * from[2],
+                                  0.0, 1.0),
+                       1 / 2.4);
   return codesOf(qRgb(qRound(to[0]), qRound(to[1]), qRound(to[2])));
 }
 
@@ -68,11 +69,11 @@ class FilmColorsTest : public QObject {
   void bars_data() {
     QTest::addColumn<QString>("file");
     for (const char* file :
-         {"limited_h264.mp4", "full_h264.mp4",   "full_h264.mkv",    "full_h264.mov",  "full_h264.ts",
-          "full_h264.flv",    "full_hevc.mp4",   "full_hevc.mkv",    "full_hevc.mov",  "full_hevc.ts",
-          "full_vp9.webm",    "full_vp9.mp4",    "full_av1.mp4",     "full_av1.webm",  "full_444.mkv",
-          "full_10bit.mkv",   "full_range_only.mp4", "sd_ffv1.mkv",  "sd_mpeg4.avi",   "sd_full_ffv1.mkv",
-          "sd_untold.mkv",    "rgb_qtrle.mov",   "rgb_png.mov",      "rgb_ffv1.mkv",   "rgb_raw.avi",
+         {"limited_h264.mp4", "full_h264.mp4",       "full_h264.mkv", "full_h264.mov", "full_h264.ts",
+          "full_h264.flv",    "full_hevc.mp4",       "full_hevc.mkv", "full_hevc.mov", "full_hevc.ts",
+          "full_vp9.webm",    "full_vp9.mp4",        "full_av1.mp4",  "full_av1.webm", "full_444.mkv",
+          "full_10bit.mkv",   "full_range_only.mp4", "sd_ffv1.mkv",   "sd_mpeg4.avi",  "sd_full_ffv1.mkv",
+          "sd_untold.mkv",    "rgb_qtrle.mov",       "rgb_png.mov",   "rgb_ffv1.mkv",  "rgb_raw.avi",
           "rgb_h264.mkv",     "422_10bit.mkv"})
       QTest::newRow(file) << file;
   }
@@ -112,7 +113,8 @@ class FilmColorsTest : public QObject {
     QVERIFY(rig.tickUntil([&] { return rig.last(); }));
     for (int bar = 0; bar < kBars; ++bar) {
       const QVector<int> got = codesAt(rig.last(), bar * kBarWidth + kBarWidth / 2, 30);
-      QVERIFY2(isNear(got, {grays[bar], 128, 128}, 1), text(got) + "instead of " + QByteArray::number(grays[bar]));
+      QVERIFY2(isNear(got, {grays[bar], 128, 128}, 1),
+               text(got) + "instead of " + QByteArray::number(grays[bar]));
     }
   }
 
@@ -130,14 +132,17 @@ class FilmColorsTest : public QObject {
     QVERIFY(rig.tickUntil([&] { return rig.last(); }));
     const FrameRef& frame = rig.last();
     QVERIFY(frame->hasAlpha());
-    const auto alphaAt = [&](int x, int y) { return int(frame->plane(Frame::A)[y * frame->stride(Frame::A) + x]); };
+    const auto alphaAt = [&](int x, int y) {
+      return int(frame->plane(Frame::A)[y * frame->stride(Frame::A) + x]);
+    };
     for (int bar = 0; bar < kBars; ++bar) {
       const int x = bar * kBarWidth + kBarWidth / 2;
       QVERIFY2(alphaAt(x, 30) >= 254, QByteArray::number(alphaAt(x, 30)));
       QVERIFY2(std::abs(alphaAt(x, 120) - 128) <= 1, QByteArray::number(alphaAt(x, 120)));
       const QVector<int> whole = codesOf(upperBar(bar));
       QVERIFY2(isNear(codesAt(frame, x, 30), whole, 3), text(codesAt(frame, x, 30)) + "not " + text(whole));
-      const QVector<int> half{16 + (whole[0] - 16) / 2, 128 + (whole[1] - 128) / 2, 128 + (whole[2] - 128) / 2};
+      const QVector<int> half{16 + (whole[0] - 16) / 2, 128 + (whole[1] - 128) / 2,
+                              128 + (whole[2] - 128) / 2};
       QVERIFY2(isNear(codesAt(frame, x, 120), half, 3), text(codesAt(frame, x, 120)) + "not " + text(half));
     }
   }
