@@ -93,15 +93,16 @@ void Deinterlacer::makePlane(int plane, const Frame& picture, FirstField first, 
 }
 
 void Deinterlacer::process(const FrameRef& picture, FirstField first, Frame& to) {
-  const bool goesOn = before_ && before_->size() == picture->size();
-  if (!goesOn) {
-    columns_ = (picture->width() + kBlock - 1) / kBlock;
-    segmented_.assign(static_cast<std::size_t>(columns_ * ((picture->height() + kBlock - 1) / kBlock)), 0);
-    zeros_.assign(static_cast<std::size_t>(picture->width()), 0);
-    before_.reset();
-  } else {
-    judgeBlocks(*picture, *before_, first);
+  if (size_ != picture->size()) {
+    size_ = picture->size();
+    columns_ = (size_.width + kBlock - 1) / kBlock;
+    segmented_.assign(static_cast<std::size_t>(columns_ * ((size_.height + kBlock - 1) / kBlock)), 0);
+    zeros_.assign(static_cast<std::size_t>(size_.width), 0);
   }
+  if (before_ && before_->size() != size_)
+    before_.reset();
+  if (before_)
+    judgeBlocks(*picture, *before_, first);
   for (int plane = Frame::Y; plane <= (to.hasAlpha() ? Frame::A : Frame::V); ++plane)
     makePlane(plane, *picture, first, to);
   before_ = picture;

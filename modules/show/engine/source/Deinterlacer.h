@@ -29,6 +29,7 @@ class Deinterlacer {
   void makePlane(int plane, const Frame& picture, FirstField first, Frame& to);
 
   FrameRef before_;
+  FrameSize size_;
   int columns_ = 0;
   // How often in a row the block moved like progressive-segmented material.
   std::vector<std::uint8_t> segmented_;

@@ -128,7 +128,9 @@ bool PictureConverter::isWorkingFormat(const GstVideoInfo& info) {
 
 PictureConverter::PictureConverter(const GstVideoInfo& info, PictureScan scan)
     : info_(info), fields_(scan == PictureScan::Interlaced ? 2 : 1) {
-  padded_ = {roundUp(info.width, 2), roundUp(info.height, 2 * fields_)};
+  const int stepX = std::max(2, 1 << info.finfo->w_sub[1]);
+  const int stepY = std::max(2, 1 << info.finfo->h_sub[1]);
+  padded_ = {roundUp(info.width, stepX), roundUp(info.height, stepY * fields_)};
 }
 
 PictureConverter::~PictureConverter() = default;

@@ -215,6 +215,8 @@ FrameRef VideoFrameMaker::make(GstSample* sample) {
     return {};
   if (scan == PictureScan::Interlaced)
     picture = makeProgressive(picture, buffer);
+  else if (GST_VIDEO_INFO_INTERLACE_MODE(&info_) == GST_VIDEO_INTERLACE_MODE_MIXED)
+    deinterlacer_.skip(picture);
   const int packed = orientation_.load(std::memory_order_relaxed);
   const PictureOrientation orientation{(packed & 1) != 0, packed & ~1};
   picture = makeUpright(std::move(picture), orientation);
