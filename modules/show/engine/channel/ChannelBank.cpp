@@ -31,7 +31,7 @@ IKorviaShowSource* ChannelBank::openSource(KorviaShowObjectID id, const tagKorvi
   context.id = slot == kKaraokeSlot ? KaraokeObject : static_cast<KorviaShowObjectID>(MediaChannel + slot);
   context.sink = sink;
   {
-    std::lock_guard lock(formatMutex_);
+    MutexLock lock(formatMutex_);
     context.renderSize = format_.size;
     context.rate = format_.rate;
   }
@@ -88,7 +88,7 @@ void ChannelBank::getFigures(tagKorviaShowEngineFigures& figures) {
 
 void ChannelBank::open(const ShowFormat& format) {
   {
-    std::lock_guard lock(formatMutex_);
+    MutexLock lock(formatMutex_);
     format_ = format;
   }
   close();

@@ -3,8 +3,8 @@
 #pragma once
 #include <array>
 #include <memory>
-#include <mutex>
 
+#include "ThreadSafety.h"
 #include "engine/Janitor.h"
 #include "engine/ShowFormat.h"
 #include "engine/channel/Channel.h"
@@ -53,8 +53,8 @@ class ChannelBank final : public ChannelPictures {
   FrameRef inRenderSize(FrameRef picture);
 
   Janitor& janitor_;
-  std::mutex formatMutex_;
-  ShowFormat format_;  // guarded by formatMutex_
+  Mutex formatMutex_;
+  ShowFormat format_ GUARDED_BY(formatMutex_);
   SourceSet sources_;
   SourceArray active_;                              // engine thread: what sources_ held at the last change
   quint64 sourcesVersion_ = 0;                      // engine thread

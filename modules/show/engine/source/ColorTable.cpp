@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <mutex>
+
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -143,9 +144,9 @@ std::optional<ColorTable::Kind> ColorTable::kindOf(const GstVideoColorimetry& co
 }
 
 std::shared_ptr<const ColorTable> ColorTable::of(Kind kind) {
-  static std::mutex mutex;
+  static Mutex mutex;
   static std::array<std::weak_ptr<const ColorTable>, 4> tables;
-  std::lock_guard lock(mutex);
+  MutexLock lock(mutex);
   std::weak_ptr<const ColorTable>& held = tables[static_cast<std::size_t>(kind)];
   std::shared_ptr<const ColorTable> table = held.lock();
   if (!table) {

@@ -44,13 +44,13 @@ void FilmDecoder::tell(FilmEvent::Kind kind, int segment, const QString& reason)
 }
 
 bool FilmDecoder::waitForTurn() {
-  std::unique_lock lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   if (!admitted_ && !closed_) {
     lock.unlock();
     tell(FilmEvent::Kind::Picture);
     lock.lock();
   }
-  turn_.wait(lock, [this] { return admitted_ || closed_; });
+  turn_.wait(lock, [this]() REQUIRES(timelineMutex_) { return admitted_ || closed_; });
   return !closed_;
 }
 
@@ -80,7 +80,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
   bool nearEnd = false;
   TimedFrame placed;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     if (closed_)
       return;
     segmentNumber = segment_;
@@ -118,14 +118,14 @@ void FilmDecoder::onOrientation(const char* tag) {
 }
 
 void FilmDecoder::onFlushStart() {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   // At the seam of a loop the queued pictures bridge the time until new ones come.
   if (join_ == StreamTimeline::Join::Jump)
     outlet_.queue.beginFlush(outlet_.clock.flush());
 }
 
 void FilmDecoder::onFlushStop() {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   beginSegment();
   outlet_.queue.endFlush();
 }
@@ -139,7 +139,7 @@ void FilmDecoder::beginSegment() {
 void FilmDecoder::onEndOfStream() {
   int segment = 0;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     segment = segment_;
   }
   tell(FilmEvent::Kind::EndOfStream, segment);
@@ -174,7 +174,7 @@ bool FilmDecoder::start() {
 bool FilmDecoder::refusePictures() {
   bool pushed = false;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     closed_ = true;
     pushed = startNs_ >= 0;
   }
@@ -197,7 +197,7 @@ void FilmDecoder::close(Queued queued) {
 
 void FilmDecoder::admit(std::int64_t timeNs) {
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     timeline_.beginSegmentAt(timeNs);
     admitted_ = true;
   }
@@ -208,7 +208,7 @@ bool FilmDecoder::goTo(std::int64_t positionNs, StreamTimeline::Join join) {
   if (!canSeek())
     return false;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     join_ = join;
     segmentStartNs_ = positionNs;
   }
@@ -228,7 +228,7 @@ bool FilmDecoder::restart(StreamTimeline::Join join) {
     close(Queued::Flush);
   pipeline_.reset();
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     join_ = join;
     segmentStartNs_ = 0;
     closed_ = false;
@@ -243,7 +243,7 @@ std::optional<std::int64_t> FilmDecoder::seekToPercent(double percent) {
   std::int64_t startNs = 0;
   std::int64_t lastNs = 0;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     startNs = startNs_;
     lastNs = std::max<std::int64_t>(0, durationNs_ - frameDurationNs_);
   }
@@ -263,7 +263,7 @@ bool FilmDecoder::loop() {
     return false;
   int pictures = 0;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     pictures = timeline_.pictures();
   }
   if (pictures == 0)
@@ -292,7 +292,7 @@ FilmDecoder::SegmentEnd FilmDecoder::noteEndOfStream() {
   std::int64_t mediaEndNs = 0;
   int pictures = 0;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     startNs = startNs_;
     mediaEndNs = timeline_.mediaEndNs();
     pictures = timeline_.pictures();
@@ -336,27 +336,27 @@ std::optional<FilmDecoder::Clock::time_point> FilmDecoder::deadline() const {
 }
 
 bool FilmDecoder::isAdmitted() const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return admitted_;
 }
 
 bool FilmDecoder::isCurrent(int segment) const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return segment == segment_;
 }
 
 bool FilmDecoder::isNearEnd() const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return nearEnd_;
 }
 
 std::int64_t FilmDecoder::endNs() const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return timeline_.endNs();
 }
 
 FrameSize FilmDecoder::pictureSize() const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return pictureSize_;
 }
 

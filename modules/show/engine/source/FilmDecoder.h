@@ -6,9 +6,7 @@
 #pragma once
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 #include "FilmEvent.h"
@@ -16,6 +14,7 @@
 #include "RateMeter.h"
 #include "Source.h"
 #include "StreamTimeline.h"
+#include "ThreadSafety.h"
 #include "VideoFrameMaker.h"
 #include "VideoQueue.h"
 
@@ -97,11 +96,12 @@ class FilmDecoder : private FilmPipelineListener {
   void onDurationChanged() override;
   void onFailure(const QString& reason) override;
 
-  void tell(FilmEvent::Kind kind, int segment = 0, const QString& reason = {});
+  void tell(FilmEvent::Kind kind, int segment = 0, const QString& reason = {}) EXCLUDES(timelineMutex_);
   bool waitForTurn();
-  TimedFrame place(FrameRef frame, std::optional<std::int64_t> ptsNs, std::optional<std::int64_t> durationNs);
+  TimedFrame place(FrameRef frame, std::optional<std::int64_t> ptsNs, std::optional<std::int64_t> durationNs)
+      REQUIRES(timelineMutex_);
   bool start();
-  void beginSegment();
+  void beginSegment() REQUIRES(timelineMutex_);
   bool goTo(std::int64_t positionNs, StreamTimeline::Join join);
   bool restart(StreamTimeline::Join join);
   void compareDuration(std::int64_t lastedNs);
@@ -113,19 +113,19 @@ class FilmDecoder : private FilmPipelineListener {
   VideoFrameMaker maker_;  // streaming thread
   std::atomic<std::int64_t> durationNs_{0};
 
-  mutable std::mutex timelineMutex_;
-  std::condition_variable turn_;  // with timelineMutex_
-  // All guarded by timelineMutex_.
-  StreamTimeline timeline_;
-  StreamTimeline::Join join_ = StreamTimeline::Join::Jump;
-  int segment_ = 0;
-  std::int64_t segmentStartNs_ = 0;
-  std::int64_t frameDurationNs_ = 0;
-  std::int64_t startNs_ = -1;  // where the first picture stands; streams may begin late
-  FrameSize pictureSize_;
-  bool admitted_;
-  bool closed_ = false;
-  bool nearEnd_ = false;
+  mutable Mutex timelineMutex_;
+  ConditionVariable turn_;
+  StreamTimeline timeline_ GUARDED_BY(timelineMutex_);
+  StreamTimeline::Join join_ GUARDED_BY(timelineMutex_) = StreamTimeline::Join::Jump;
+  int segment_ GUARDED_BY(timelineMutex_) = 0;
+  std::int64_t segmentStartNs_ GUARDED_BY(timelineMutex_) = 0;
+  std::int64_t frameDurationNs_ GUARDED_BY(timelineMutex_) = 0;
+  // Time stamp of the first picture, since a stream may begin late; negative before it.
+  std::int64_t startNs_ GUARDED_BY(timelineMutex_) = -1;
+  FrameSize pictureSize_ GUARDED_BY(timelineMutex_);
+  bool admitted_ GUARDED_BY(timelineMutex_);
+  bool closed_ GUARDED_BY(timelineMutex_) = false;
+  bool nearEnd_ GUARDED_BY(timelineMutex_) = false;
 
   // Control thread only.
   std::unique_ptr<FilmPipeline> pipeline_;

@@ -344,7 +344,7 @@ bool FilmPipeline::wantsDecoding(GstPad* pad, GstCaps* caps) {
   gchar* id = gst_pad_get_stream_id(pad);
   const std::string stream = id ? id : "";
   g_free(id);
-  std::lock_guard lock(streamMutex_);
+  MutexLock lock(streamMutex_);
   // What a demuxer adds when all was there belongs to what follows: a transport stream may change its
   // streams.
   if (std::exchange(groupIsComplete_, false))
@@ -383,7 +383,7 @@ void FilmPipeline::onPadAdded(GstPad* pad) {
 }
 
 bool FilmPipeline::takePicture(GstPad* pad) {
-  std::lock_guard lock(streamMutex_);
+  MutexLock lock(streamMutex_);
   if (picturePad_)
     return false;
   picturePad_ = pad;
@@ -393,7 +393,7 @@ bool FilmPipeline::takePicture(GstPad* pad) {
 
 // A stream that changes its codec in the middle gets another decoder: the old one's pad goes first.
 void FilmPipeline::onPadRemoved(GstPad* pad) {
-  std::lock_guard lock(streamMutex_);
+  MutexLock lock(streamMutex_);
   if (pad == picturePad_)
     picturePad_ = nullptr;
 }
@@ -459,7 +459,7 @@ void FilmPipeline::fail(const QString& reason) {
 
 void FilmPipeline::onNoMorePads() {
   {
-    std::lock_guard lock(streamMutex_);
+    MutexLock lock(streamMutex_);
     groupIsComplete_ = true;
   }
   if (!hasPicture_)

@@ -6,8 +6,9 @@
 
 #include <QString>
 #include <atomic>
-#include <mutex>
 #include <string>
+
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -71,10 +72,10 @@ class FilmPipeline {
   bool regularFile_ = true;
   std::atomic<bool> hasPicture_{false};
   std::atomic<bool> failed_{false};
-  std::mutex streamMutex_;
-  std::string pictureStream_;     // guarded by streamMutex_
-  GstPad* picturePad_ = nullptr;  // guarded by streamMutex_; the decoder's that is linked, compared only
-  bool groupIsComplete_ = false;  // guarded by streamMutex_
+  Mutex streamMutex_;
+  std::string pictureStream_ GUARDED_BY(streamMutex_);
+  GstPad* picturePad_ GUARDED_BY(streamMutex_) = nullptr;  // the decoder's that is linked, compared only
+  bool groupIsComplete_ GUARDED_BY(streamMutex_) = false;
 };
 
 }  // namespace korvia

@@ -27,7 +27,7 @@ FilmTransport::~FilmTransport() = default;
 
 void FilmTransport::post(Command command, double percent) {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     const bool seek = command == Command::Seek;
     if (seek && !requests_.empty() && requests_.back().command == Command::Seek)
       requests_.pop_back();
@@ -40,25 +40,25 @@ void FilmTransport::post(Command command, double percent) {
 
 void FilmTransport::close() {
   {
-    std::lock_guard lock(notifyMutex_);
+    RecursiveMutexLock lock(notifyMutex_);
     mayNotify_ = false;
   }
   closing_ = true;
   state_ = NothingSpecial;
   queue_.close();
   {
-    std::lock_guard lock(mutex_);  // so that the control thread is not between its look and its wait
+    MutexLock lock(mutex_);  // so that the control thread is not between its look and its wait
   }
   wake_.notify_one();
 }
 
 QString FilmTransport::failureReason() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return failureReason_;
 }
 
 void FilmTransport::setFailureReason(const QString& reason) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   failureReason_ = reason;
 }
 
@@ -85,7 +85,7 @@ FrameRef FilmTransport::pull(int ticks) {
 
 void FilmTransport::onFilmEvent(FilmEvent event) {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     // A control thread that is held up by a disk finds each thing told once, however often it happened.
     if (std::find(events_.begin(), events_.end(), event) != events_.end())
       return;
@@ -102,11 +102,11 @@ void FilmTransport::run() {
     std::optional<FilmEvent> event;
     std::optional<Request> request;
     {
-      std::unique_lock lock(mutex_);
+      MutexLock lock(mutex_);
       if (const auto deadline = nextDeadline())
-        wake_.wait_until(lock, *deadline, [this] { return isReady(); });
+        wake_.wait_until(lock, *deadline, [this]() REQUIRES(mutex_) { return isReady(); });
       else
-        wake_.wait(lock, [this] { return isReady(); });
+        wake_.wait(lock, [this]() REQUIRES(mutex_) { return isReady(); });
       if (!events_.empty()) {
         event = std::move(events_.front());
         events_.pop_front();
@@ -389,7 +389,7 @@ void FilmTransport::dropAdmitted() {
 }
 
 void FilmTransport::notifySwitch() {
-  std::lock_guard lock(notifyMutex_);
+  RecursiveMutexLock lock(notifyMutex_);
   if (switchChannel_ && mayNotify_ && context_.sink)
     context_.sink->onSourceNotify(context_.id, kSourceNotifySwitch, *switchChannel_);
 }

@@ -8,10 +8,8 @@
 #include <QString>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 #include "FilmDecoder.h"
@@ -19,6 +17,7 @@
 #include "FilmSequence.h"
 #include "RateMeter.h"
 #include "Source.h"
+#include "ThreadSafety.h"
 #include "VideoQueue.h"
 
 namespace korvia {
@@ -65,7 +64,7 @@ class FilmTransport : public FilmEventSink {
   };
 
   // Control thread.
-  bool isReady() const;
+  bool isReady() const REQUIRES(mutex_);
   std::unique_ptr<FilmDecoder> makeFilm(const QString& path, FilmDecoder::Admission admission);
   FilmDecoder* filmOf(int number) const;
   void handleEvent(const FilmEvent& event);
@@ -75,7 +74,7 @@ class FilmTransport : public FilmEventSink {
   void handleShown(int number);
   void handleDrained();
   void handleFailure(const FilmDecoder& film, const QString& reason);
-  void setFailureReason(const QString& reason);
+  void setFailureReason(const QString& reason) EXCLUDES(mutex_);
   void handleRequest(const Request& request);
   /// A film that failed is opened anew by play; stop takes the error away.
   void handleRequestAfterFailure(const Request& request);
@@ -89,7 +88,7 @@ class FilmTransport : public FilmEventSink {
   void seekToPercent(double percent);
   void dropAdmitted();
   void closeFilms();
-  void notifySwitch();
+  void notifySwitch() EXCLUDES(mutex_);
   std::optional<FilmDecoder::Clock::time_point> nextDeadline() const;
 
   const SourceContext context_;
@@ -109,15 +108,15 @@ class FilmTransport : public FilmEventSink {
   std::atomic<int> pictureHeight_{0};
   int shownFilm_ = 0;  // engine thread
 
-  mutable std::mutex mutex_;
-  std::condition_variable wake_;  // with mutex_
-  QString failureReason_;         // guarded by mutex_
-  std::deque<FilmEvent> events_;  // guarded by mutex_
-  std::deque<Request> requests_;  // guarded by mutex_
+  mutable Mutex mutex_;
+  ConditionVariable wake_;
+  QString failureReason_ GUARDED_BY(mutex_);
+  std::deque<FilmEvent> events_ GUARDED_BY(mutex_);
+  std::deque<Request> requests_ GUARDED_BY(mutex_);
   std::atomic<bool> closing_{false};
 
-  std::recursive_mutex notifyMutex_;  // held while the sink is called, so that close() is the end of it
-  bool mayNotify_ = true;             // guarded by notifyMutex_
+  RecursiveMutex notifyMutex_;  // held while the sink is called, so that close() is the end of it
+  bool mayNotify_ GUARDED_BY(notifyMutex_) = true;
 
   // Control thread only.
   std::unique_ptr<FilmDecoder> present_;  // on show

@@ -24,7 +24,7 @@ constexpr std::int64_t kSlewNs = 100'000'000;
 }  // namespace
 
 std::int64_t LiveClock::arrive(std::int64_t stampNs, std::int64_t arrivalNs) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (!shiftNs_) {
     shiftNs_ = arrivalNs - stampNs;
     lastStampNs_ = stampNs;
@@ -66,12 +66,12 @@ void LiveClock::reanchor(std::int64_t beyondNs) {
 }
 
 void LiveClock::setHold(bool hold) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   hold_ = hold;
 }
 
 ClockReading LiveClock::advance(int ticks, std::int64_t nowNs) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   const std::int64_t undelayedNs = nowNs - estimator_.transitAt(nowNs);
   if (shiftNs_) {
     const auto passedNs = static_cast<double>(rate_.nsOf(ticks));
@@ -96,7 +96,7 @@ ClockReading LiveClock::advance(int ticks, std::int64_t nowNs) {
 }
 
 LiveClock::Figures LiveClock::figures() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return {estimator_.driftPpm(), latencyNs_, reanchors_};
 }
 

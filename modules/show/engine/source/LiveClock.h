@@ -11,12 +11,12 @@
 // Source's threads: arrive. Engine thread: advance. Any thread: the rest. Nothing waits.
 #pragma once
 #include <cstdint>
-#include <mutex>
 #include <optional>
 
 #include "ClockReading.h"
 #include "DriftEstimator.h"
 #include "FrameRate.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -44,26 +44,26 @@ class LiveClock {
   Figures figures() const;
 
  private:
-  bool isJump(std::int64_t stampNs, std::int64_t beyondNs) const;
-  bool isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs);
-  void reanchor(std::int64_t beyondNs);
+  bool isJump(std::int64_t stampNs, std::int64_t beyondNs) const REQUIRES(mutex_);
+  bool isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs) REQUIRES(mutex_);
+  void reanchor(std::int64_t beyondNs) REQUIRES(mutex_);
 
   const FrameRate rate_;
   const std::int64_t targetNs_;
-  mutable std::mutex mutex_;
-  // All guarded by mutex_.
-  DriftEstimator estimator_;
-  std::optional<std::int64_t> shiftNs_;  // from the source's stamps to the time line; none before the first
-  std::int64_t lastStampNs_ = 0;
+  mutable Mutex mutex_;
+  DriftEstimator estimator_ GUARDED_BY(mutex_);
+  // Difference from the source's time stamps to the time line; none before the first data.
+  std::optional<std::int64_t> shiftNs_ GUARDED_BY(mutex_);
+  std::int64_t lastStampNs_ GUARDED_BY(mutex_) = 0;
   // The run of data that came too late to be shown in time.
-  std::optional<std::int64_t> lateSinceNs_;
-  std::int64_t lateFirstNs_ = 0;  // what it began with, in transit beyond the expected
-  std::int64_t lateLeastNs_ = 0;
-  bool hold_ = false;
-  bool started_ = false;
-  std::int64_t timeNs_ = 0;
-  std::int64_t latencyNs_ = 0;
-  std::int64_t reanchors_ = 0;
+  std::optional<std::int64_t> lateSinceNs_ GUARDED_BY(mutex_);
+  std::int64_t lateFirstNs_ GUARDED_BY(mutex_) = 0;  // what it began with, in transit beyond the expected
+  std::int64_t lateLeastNs_ GUARDED_BY(mutex_) = 0;
+  bool hold_ GUARDED_BY(mutex_) = false;
+  bool started_ GUARDED_BY(mutex_) = false;
+  std::int64_t timeNs_ GUARDED_BY(mutex_) = 0;
+  std::int64_t latencyNs_ GUARDED_BY(mutex_) = 0;
+  std::int64_t reanchors_ GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace korvia

@@ -13,11 +13,11 @@
 // beginWithout, beginNow. The film's control thread: setPlaying. Any thread: the rest. Nothing waits.
 #pragma once
 #include <cstdint>
-#include <mutex>
 #include <optional>
 
 #include "ClockReading.h"
 #include "FrameRate.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -49,22 +49,21 @@ class MediaClock {
   void tellLate(const ClockReading& reading, std::int64_t timeNs);
 
  private:
-  std::int64_t timeNs() const;
-  void setTime(std::int64_t timeNs);
+  std::int64_t timeNs() const REQUIRES(mutex_);
+  void setTime(std::int64_t timeNs) REQUIRES(mutex_);
 
   const FrameRate rate_;
-  std::mutex mutex_;
-  // All guarded by mutex_.
-  bool playing_ = false;
-  bool hold_ = false;
-  std::uint64_t epoch_ = 0;
-  int queues_ = 0;
-  std::uint32_t begun_ = 0;  // a bit for each queue
-  std::optional<std::int64_t> firstNs_;
-  bool started_ = false;
-  std::int64_t anchorNs_ = 0;
-  std::int64_t framesSinceAnchor_ = 0;
-  std::optional<std::int64_t> lateNs_;
+  Mutex mutex_;
+  bool playing_ GUARDED_BY(mutex_) = false;
+  bool hold_ GUARDED_BY(mutex_) = false;
+  std::uint64_t epoch_ GUARDED_BY(mutex_) = 0;
+  int queues_ GUARDED_BY(mutex_) = 0;
+  std::uint32_t begun_ GUARDED_BY(mutex_) = 0;  // a bit for each queue
+  std::optional<std::int64_t> firstNs_ GUARDED_BY(mutex_);
+  bool started_ GUARDED_BY(mutex_) = false;
+  std::int64_t anchorNs_ GUARDED_BY(mutex_) = 0;
+  std::int64_t framesSinceAnchor_ GUARDED_BY(mutex_) = 0;
+  std::optional<std::int64_t> lateNs_ GUARDED_BY(mutex_);
 };
 
 }  // namespace korvia

@@ -2,9 +2,9 @@
 // except pullFrame: engine thread, and showPicture and fail: any.
 #pragma once
 #include <atomic>
-#include <mutex>
 
 #include "Source.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -36,10 +36,10 @@ class PictureSource : public Source {
 
   std::atomic<KorviaShowPlayState> state_;
   std::atomic<qint64> shown_{0};
-  std::mutex pictureMutex_;
-  FrameRef picture_;                      // guarded by pictureMutex_
-  QString failureReason_;                 // guarded by pictureMutex_
-  KorviaShowPlayState wanted_ = Playing;  // guarded by pictureMutex_
+  Mutex pictureMutex_;
+  FrameRef picture_ GUARDED_BY(pictureMutex_);
+  QString failureReason_ GUARDED_BY(pictureMutex_);
+  KorviaShowPlayState wanted_ GUARDED_BY(pictureMutex_) = Playing;
 };
 
 }  // namespace korvia

@@ -15,7 +15,7 @@ float rate(int things, std::chrono::steady_clock::duration time) {
 }  // namespace
 
 void RateMeter::count(Time now) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (total_ == 0 || now - last_ > kSilence) {
     windowStart_ = now;
     inWindow_ = 0;
@@ -31,7 +31,7 @@ void RateMeter::count(Time now) {
 }
 
 float RateMeter::perSecond(Time now) const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (total_ == 0 || now - last_ > kSilence)
     return 0;
   if (lastWindow_ > 0)
@@ -41,7 +41,7 @@ float RateMeter::perSecond(Time now) const {
 }
 
 std::int64_t RateMeter::total() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return total_;
 }
 

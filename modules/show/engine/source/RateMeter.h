@@ -2,7 +2,8 @@
 #pragma once
 #include <chrono>
 #include <cstdint>
-#include <mutex>
+
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -16,12 +17,12 @@ class RateMeter {
   std::int64_t total() const;
 
  private:
-  mutable std::mutex mutex_;
-  std::int64_t total_ = 0;  // guarded by mutex_
-  int inWindow_ = 0;        // guarded by mutex_
-  float lastWindow_ = 0;    // guarded by mutex_
-  Time windowStart_;        // guarded by mutex_
-  Time last_;               // guarded by mutex_
+  mutable Mutex mutex_;
+  std::int64_t total_ GUARDED_BY(mutex_) = 0;
+  int inWindow_ GUARDED_BY(mutex_) = 0;
+  float lastWindow_ GUARDED_BY(mutex_) = 0;
+  Time windowStart_ GUARDED_BY(mutex_);
+  Time last_ GUARDED_BY(mutex_);
 };
 
 }  // namespace korvia

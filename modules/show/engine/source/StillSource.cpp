@@ -106,7 +106,7 @@ void StillSource::load() {
   if (closing_)
     return;
   {
-    std::lock_guard lock(sizeMutex_);
+    MutexLock lock(sizeMutex_);
     size_ = {image.width(), image.height()};
   }
   const FrameRect rect = fitRect({image.width(), image.height()}, 1, 1, renderSize);
@@ -124,7 +124,7 @@ void StillSource::load() {
 
 QString StillSource::description() const {
   const QString name = QFileInfo(info().imagePath).fileName();
-  std::lock_guard lock(sizeMutex_);
+  MutexLock lock(sizeMutex_);
   return size_.isEmpty() ? name : QStringLiteral("%1, %2 x %3").arg(name).arg(size_.width).arg(size_.height);
 }
 

@@ -3,12 +3,11 @@
 // same reading. Streaming thread: push, endFlush, markEnd. Streaming or control thread: beginFlush. Engine
 // thread: pull. Any thread: the rest. Only push waits, and only in a queue for files.
 #pragma once
-#include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <vector>
 
 #include "MediaClock.h"
+#include "ThreadSafety.h"
 #include "engine/frame/Frame.h"
 
 namespace korvia {
@@ -81,36 +80,35 @@ class VideoQueue {
   enum class WhenFull { Wait, DropOldest };
 
   VideoQueue(MediaClock* clock, File limits, WhenFull whenFull);
-  bool isFull() const;
-  bool isDue(const ClockReading& reading) const;
-  void take(Pull& result);
+  bool isFull() const REQUIRES(mutex_);
+  bool isDue(const ClockReading& reading) const REQUIRES(mutex_);
+  void take(Pull& result) REQUIRES(mutex_);
   /// Stamps of a live source jitter and drift through the moments of the ticks: after a repeated picture, a
   /// skipped one takes half a frame of drift, and the other way round.
-  void settleBias(const Pull& result, bool skipped);
-  bool reachedEnd(const ClockReading& reading) const;
+  void settleBias(const Pull& result, bool skipped) REQUIRES(mutex_);
+  bool reachedEnd(const ClockReading& reading) const REQUIRES(mutex_);
   /// Of the picture on show; 0 while nobody knows what follows it.
-  std::int64_t durationNs() const;
+  std::int64_t durationNs() const REQUIRES(mutex_);
 
   MediaClock* const clock_;  // null for Live
   const int number_;         // on the clock
   const File limits_;
   const WhenFull whenFull_;
-  mutable std::mutex mutex_;
-  std::condition_variable room_;  // with mutex_
-  // All guarded by mutex_.
-  std::vector<TimedFrame> queue_;  // a few, the oldest first
-  TimedFrame shown_;
-  std::uint64_t epoch_ = 0;
-  bool flushing_ = false;
-  bool closed_ = false;
-  bool begun_ = false;      // pictures came since the flush
-  bool firstIsDue_ = true;  // none was shown since the flush
-  bool overflowed_ = false;
-  int bias_ = 1;  // pictures are due a quarter of a frame early (1) or late (-1)
-  bool ended_ = false;
-  bool drained_ = false;
-  std::int64_t endNs_ = 0;
-  Figures figures_;
+  mutable Mutex mutex_;
+  ConditionVariable room_;
+  std::vector<TimedFrame> queue_ GUARDED_BY(mutex_);  // a few, the oldest first
+  TimedFrame shown_ GUARDED_BY(mutex_);
+  std::uint64_t epoch_ GUARDED_BY(mutex_) = 0;
+  bool flushing_ GUARDED_BY(mutex_) = false;
+  bool closed_ GUARDED_BY(mutex_) = false;
+  bool begun_ GUARDED_BY(mutex_) = false;      // pictures came since the flush
+  bool firstIsDue_ GUARDED_BY(mutex_) = true;  // none was shown since the flush
+  bool overflowed_ GUARDED_BY(mutex_) = false;
+  int bias_ GUARDED_BY(mutex_) = 1;  // pictures are due a quarter of a frame early (1) or late (-1)
+  bool ended_ GUARDED_BY(mutex_) = false;
+  bool drained_ GUARDED_BY(mutex_) = false;
+  std::int64_t endNs_ GUARDED_BY(mutex_) = 0;
+  Figures figures_ GUARDED_BY(mutex_);
 
   std::vector<TimedFrame> replaced_;  // engine thread; given back outside of the lock
 };
