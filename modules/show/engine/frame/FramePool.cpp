@@ -13,7 +13,7 @@ void FramePoolState::giveBack(Frame* frame) {
   delete frame;
 }
 
-FramePool::FramePool(FrameSize size, bool alpha)
+FramePool::FramePool(FrameSize size, FrameAlpha alpha)
     : size_(size), alpha_(alpha), state_(std::make_shared<FramePoolState>()) {}
 
 FramePool::~FramePool() {

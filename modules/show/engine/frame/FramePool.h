@@ -19,7 +19,7 @@ struct FramePoolState {
 
 class FramePool {
  public:
-  explicit FramePool(FrameSize size, bool alpha = false);
+  explicit FramePool(FrameSize size, FrameAlpha alpha = FrameAlpha::None);
   ~FramePool();
   FramePool(const FramePool&) = delete;
   FramePool& operator=(const FramePool&) = delete;
@@ -29,11 +29,11 @@ class FramePool {
   /// A black frame of the pool's size, made once and shared.
   FrameRef black();
   FrameSize size() const { return size_; }
-  bool hasAlpha() const { return alpha_; }
+  FrameAlpha alpha() const { return alpha_; }
 
  private:
   const FrameSize size_;
-  const bool alpha_;
+  const FrameAlpha alpha_;
   std::shared_ptr<FramePoolState> state_;
   Mutex blackMutex_;
   FrameRef black_ GUARDED_BY(blackMutex_);

@@ -18,7 +18,7 @@ constexpr std::array<std::array<std::uint8_t, 3>, 7> kBars{{{180, 128, 128},
                                                             {28, 212, 120}}};
 
 FrameRef renderBars(FrameSize size) {
-  MutableFrame frame(new Frame(size, false));
+  MutableFrame frame(new Frame(size));
   const int count = static_cast<int>(kBars.size());
   int left = 0;
   for (int i = 0; i < count; ++i) {
@@ -32,7 +32,7 @@ FrameRef renderBars(FrameSize size) {
 }
 
 FrameRef renderColor(FrameSize size, QRgb color) {
-  MutableFrame frame(new Frame(size, false));
+  MutableFrame frame(new Frame(size));
   fillColumns(*frame, 0, size.width, codeValues(color));
   return std::move(frame).publish();
 }

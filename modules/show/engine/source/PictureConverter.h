@@ -30,9 +30,9 @@ class PictureConverter {
   /// The size of the frames that convert() fills: the picture's, rounded up to whole chroma samples of each
   /// field. What lies outside the picture repeats its edge.
   FrameSize paddedSize() const { return padded_; }
-  bool hasAlpha() const { return hasAlpha_; }
-  /// Fills `to`, which has the padded size and an alpha plane when hasAlpha(). False when the picture cannot
-  /// be read.
+  FrameAlpha alpha() const { return hasAlpha_ ? FrameAlpha::Plane : FrameAlpha::None; }
+  /// Fills `to`, which has the padded size and the plane of alpha() when there is one. False when the picture
+  /// cannot be read.
   bool convert(GstVideoFrame& from, Frame& to);
 
  private:

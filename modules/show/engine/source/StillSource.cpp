@@ -65,16 +65,16 @@ QImage readPicture(const QString& path, FrameSize renderSize, QString& reason) {
 }
 
 /// Pictures are often saved with an alpha channel that hides nothing.
-ImageAlpha alphaOf(const QImage& image) {
+FrameAlpha alphaOf(const QImage& image) {
   if (!image.hasAlphaChannel())
-    return ImageAlpha::Drop;
+    return FrameAlpha::None;
   const QImage pixels = image.convertToFormat(QImage::Format_ARGB32);
   for (int y = 0; y < pixels.height(); ++y) {
     const auto* row = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
     if (std::any_of(row, row + pixels.width(), [](QRgb pixel) { return qAlpha(pixel) != 255; }))
-      return ImageAlpha::Keep;
+      return FrameAlpha::Plane;
   }
-  return ImageAlpha::Drop;
+  return FrameAlpha::None;
 }
 
 }  // namespace
@@ -117,7 +117,7 @@ void StillSource::load() {
     fail(QStringLiteral("out of memory"));
     return;
   }
-  MutableFrame fitted(new Frame(renderSize, picture->hasAlpha()));
+  MutableFrame fitted(new Frame(renderSize, picture->alpha()));
   fitFrame(*picture, rect, *fitted);
   showPicture(std::move(fitted).publish());
 }
