@@ -10,9 +10,11 @@ namespace {
 
 constexpr std::int64_t kSecondNs = 1'000'000'000;
 constexpr std::chrono::seconds kOpenTimeout{10};
-// A drag of the slider asks for more places than can be shown: each gets this long to bring its picture.
+// While the operator drags the slider, seeks come faster than pictures. Each seek has this long to show its
+// picture before the next one begins.
 constexpr std::chrono::seconds kSeekTimeout{1};
-// Opening a film takes a part of a second on a busy machine; a decoder that waits holds one picture.
+// The next film is opened this long before the end. Opening takes part of a second on a busy machine, and a
+// decoder that waits holds one picture only.
 constexpr std::int64_t kOpenAheadNs = 5 * kSecondNs;
 constexpr int kMostEmptySegments = 2;
 
@@ -60,7 +62,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
   std::optional<std::int64_t> ptsNs = known(GST_BUFFER_PTS(buffer));
   const std::optional<std::int64_t> durationNs = known(GST_BUFFER_DURATION(buffer));
   if (ptsNs && segment && segment->format == GST_FORMAT_TIME) {
-    // Decoders that do not cut to the place of a seek leave that to us.
+    // Some decoders do not cut at the place of a seek, so pictures that end before it are dropped here.
     const GstClockTime start = GST_BUFFER_PTS(buffer);
     const auto lasts = static_cast<GstClockTime>(durationNs.value_or(0));
     if (start < segment->start && start + lasts <= segment->start)
@@ -91,7 +93,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
     nearEnd = !nearEnd_ && durationNs_ > 0 && placed.mediaNs + kOpenAheadNs >= durationNs_;
     nearEnd_ = nearEnd_ || nearEnd;
   }
-  // Told before the push, which waits as long as the film is paused at the seam of a loop.
+  // The event is sent before the push, because the push waits while the film is paused at the seam of a loop.
   if (first)
     tell(FilmEvent::Kind::Picture, segmentNumber);
   else if (newSize)
@@ -119,7 +121,7 @@ void FilmDecoder::onOrientation(const char* tag) {
 
 void FilmDecoder::onFlushStart() {
   MutexLock lock(timelineMutex_);
-  // At the seam of a loop the queued pictures bridge the time until new ones come.
+  // At the seam of a loop the queue is not flushed, so that its pictures are shown until new ones come.
   if (join_ == StreamTimeline::Join::Jump)
     outlet_.queue.beginFlush(outlet_.clock.flush());
 }
@@ -302,7 +304,8 @@ FilmDecoder::SegmentEnd FilmDecoder::noteEndOfStream() {
   if (pictures > 0) {
     compareDuration(mediaEndNs - startNs);
   } else if (++emptySegments_ <= kMostEmptySegments && seekTargetNs_ > 0) {
-    // A seek behind the last picture: sound may be longer. Or a film that gives nothing any more.
+    // A seek went behind the last picture, because the sound is longer, or the film gives no pictures any
+    // more.
     goTo(std::max<std::int64_t>(0, seekTargetNs_ - kSecondNs * emptySegments_), StreamTimeline::Join::Jump);
     return SegmentEnd::SoughtBack;
   }

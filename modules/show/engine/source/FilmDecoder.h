@@ -1,8 +1,8 @@
-// One film being decoded: its pipeline, its places on the time line, its length. Its pictures go into a queue
-// that it shares with the films before and after it. One film at a time is admitted to the queue; the next
-// one decodes its first picture and waits with it.
-// Made, called and destroyed by the film's control thread, and those calls may block; pictures come on
-// GStreamer's threads. Failures, those of the calls too, are told as events.
+// Decodes one film: it owns the pipeline, the time line and the duration of the film. The pictures go into a
+// queue that the film shares with those before and after it. One film at a time is admitted to the queue; the
+// next one decodes its first picture and waits. The film's control thread makes, calls and destroys the
+// decoder, and those calls may block; pictures come on GStreamer's threads. All failures, also those of
+// calls, are reported as events.
 #pragma once
 #include <atomic>
 #include <chrono>
@@ -24,48 +24,49 @@ class FilmDecoder : private FilmPipelineListener {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// Where pictures and events go; lives longer than the film.
+  /// Receives pictures and events; outlives the film.
   struct Outlet {
     MediaClock& clock;
     VideoQueue& queue;
     RateMeter& arrivals;
     FilmEventSink& sink;
   };
+  /// Whether pictures go into the queue at once or wait for admit().
   enum class Admission { AtOnce, Waits };
-  /// What becomes of pictures in the queue.
+  /// Whether the pictures in the queue stay.
   enum class Queued { Keep, Flush };
   enum class SegmentEnd {
-    NoPicture,   ///< the film has never had one
-    SoughtBack,  ///< nothing lies behind the place that was sought, so one before it is
+    NoPicture,   ///< the film has had no picture at all
+    SoughtBack,  ///< no picture follows the place that was sought, so an earlier one is sought
     Ended,
   };
 
-  /// `number` marks the film's pictures and events.
+  /// `number` identifies the film in its pictures and events.
   FilmDecoder(const SourceContext& context, const QString& path, int number, const Outlet& outlet,
               Admission admission);
   ~FilmDecoder() override;
 
   void open();
-  /// No further picture goes into the queue; true when some did before.
+  /// Puts no more pictures into the queue. Returns whether some had gone into it before.
   bool refusePictures();
-  /// For good; no picture comes after it. With Queued::Keep only when the film is not pushing: it is not
-  /// admitted, or at its end.
+  /// Ends the film for good; no picture comes after it. Queued::Keep is allowed only while the film does not
+  /// push: before it is admitted, or at its end.
   void close(Queued queued);
-  /// The film's first picture stands at `timeNs`, where the film before ends. Once.
+  /// Lets the pictures into the queue, the first one at `timeNs`, where the film before ends. Called once.
   void admit(std::int64_t timeNs);
-  /// The next picture is that at `percent` of the duration. Returns its place from the first picture in ns;
-  /// none when the film cannot be seeked.
+  /// Seeks to `percent` of the duration. Returns that place in ns from the first picture; none when the film
+  /// cannot be seeked.
   std::optional<std::int64_t> seekToPercent(double percent);
-  /// Goes back to the head; false when the film failed on the way.
+  /// Goes back to the beginning; false when the film fails in doing so.
   bool rewind();
-  /// After the end: goes on with the head without a seam; false when the film is not to be looped.
+  /// Called at the end: continues with the beginning, without a seam; false when the film cannot be looped.
   bool loop();
 
-  /// After an event of this film.
+  /// Called for an event of this film.
   void noteFirstPicture();
   SegmentEnd noteEndOfStream();
   void noteFacts();
-  /// Ends the waiting for a place that was sought, and fails when no picture came since the film was opened.
+  /// Stops waiting for a place that was sought, and fails when no picture has come since the film was opened.
   void handleTimeouts(Clock::time_point now);
   std::optional<Clock::time_point> deadline() const;
 
@@ -73,14 +74,14 @@ class FilmDecoder : private FilmPipelineListener {
   const QString& path() const { return path_; }
   bool isOpen() const { return pipeline_ != nullptr; }
   bool isAdmitted() const;
-  /// False for events of a segment that was left.
+  /// False for events of a segment that a seek or a loop has left.
   bool isCurrent(int segment) const;
   bool isNearEnd() const;
   bool hasEnded() const { return ended_; }
   bool isSeeking() const { return seekDeadline_.has_value(); }
-  /// False for a FIFO and the like, which can be read only once.
+  /// False for a FIFO or a device, which can be read only once.
   bool canSeek() const { return pipeline_ && pipeline_->isRegularFile(); }
-  /// On the time line: where what was decoded so far ends.
+  /// The end of what is decoded so far, on the time line of the clock.
   std::int64_t endNs() const;
   /// 0 when unknown.
   std::int64_t durationNs() const { return durationNs_; }

@@ -1,4 +1,4 @@
-// What happens to a film outside of its control thread, told to that thread.
+// An event of a film, which any thread sends to the film's control thread.
 #pragma once
 #include <QString>
 
@@ -7,12 +7,12 @@ namespace korvia {
 struct FilmEvent {
   enum class Kind {
     Picture,      ///< the first picture of a segment is decoded
-    NearEnd,      ///< time to open the film that follows
-    EndOfStream,  ///< all pictures of a segment were pushed
-    Facts,        ///< duration or picture size may be new
+    NearEnd,      ///< the film that follows has to be opened now
+    EndOfStream,  ///< all pictures of a segment are in the queue
+    Facts,        ///< duration or picture size may have changed
     Failure,
-    Shown,    ///< pictures of another film are on show now
-    Drained,  ///< the last picture has lasted its time
+    Shown,    ///< the picture on show belongs to another film than the one before
+    Drained,  ///< the last picture was shown for its whole duration
   };
 
   Kind kind;

@@ -1,5 +1,5 @@
-// Says which film comes next: the seam between the transport and whoever has one film or a list of them.
-// Films are paths; the same path again is a loop of the present film. Called on the film's control thread.
+// The films that a FilmTransport plays, one or a list. A film is a path; when the path of the present film
+// follows itself, the film loops. Called on the film's control thread.
 #pragma once
 #include <QString>
 
@@ -9,9 +9,9 @@ class FilmSequence {
  public:
   virtual ~FilmSequence() = default;
   virtual QString present() const = 0;
-  /// The film after the present one and after `skipped` more that cannot be played; empty when none follows.
+  /// The film after the present one and after `skipped` more that cannot be opened; empty when none follows.
   virtual QString following(int skipped) const = 0;
-  /// following(skipped) is on show, or the present film has begun to loop into it: it is the present one now.
+  /// Makes following(skipped) the present film, because it is on show now or the present film has looped.
   virtual void advance(int skipped) = 0;
 };
 

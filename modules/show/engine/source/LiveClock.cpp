@@ -8,15 +8,16 @@ namespace korvia {
 
 namespace {
 
-// Stamps that go back by more than this, or data that come earlier than any could by more than that, mean
-// that the source counts anew.
+// The source counts anew when a stamp goes back by more than kBackNs, or when data come earlier than expected
+// by more than kEarlyNs.
 constexpr std::int64_t kBackNs = 500'000'000;
 constexpr std::int64_t kEarlyNs = 100'000'000;
-// When all data come too late for this time and do not catch up, their delay is taken as the new normal.
+// When all data come too late for kLateForNs and do not catch up by kCatchesUpNs, their delay becomes the
+// expected one.
 constexpr std::int64_t kLateForNs = 1'000'000'000;
 constexpr std::int64_t kCatchesUpNs = 100'000'000;
-// Time follows what is measured with this time constant and at most so much beside the source's speed; what
-// is further off is set.
+// Time approaches the measured one with the time constant kFollowNs, and runs at most kMostSlew faster or
+// slower than the source. A difference above kSlewNs is corrected at once.
 constexpr double kFollowNs = 8e9;
 constexpr double kMostSlew = 0.005;
 constexpr std::int64_t kSlewNs = 100'000'000;

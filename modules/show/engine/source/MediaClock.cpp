@@ -6,7 +6,7 @@ namespace korvia {
 
 namespace {
 
-// Later than this, the clock waits for the film instead of skipping after it.
+// When data are later than this, the clock goes back to them, because skipping would not catch up.
 constexpr std::int64_t kLatestNs = 1'000'000'000;
 
 }  // namespace

@@ -36,7 +36,7 @@ float RateMeter::perSecond(Time now) const {
     return 0;
   if (lastWindow_ > 0)
     return lastWindow_;
-  // Within the first window, which a film begins with a burst: what came so far, over the whole second.
+  // A film begins with a burst of pictures, so the first window is counted as a whole second.
   return rate(inWindow_, kWindow);
 }
 

@@ -1,4 +1,4 @@
-// Counts things that arrive and tells how many arrive a second. Any thread.
+// Counts arrivals and computes their rate. Any thread.
 #pragma once
 #include <chrono>
 #include <cstdint>
@@ -12,7 +12,7 @@ class RateMeter {
   using Time = std::chrono::steady_clock::time_point;
 
   void count(Time now = std::chrono::steady_clock::now());
-  /// A second; exactly 0 when nothing came within the last second.
+  /// Arrivals a second; exactly 0 when none came within the last second.
   float perSecond(Time now = std::chrono::steady_clock::now()) const;
   std::int64_t total() const;
 

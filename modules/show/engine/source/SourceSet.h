@@ -1,5 +1,5 @@
-// The open sources, by slot. The console thread opens and closes, the engine thread reads a copy that it
-// renews only when something changed.
+// The open sources, by slot. The console thread opens and closes them; the engine thread reads a copy that it
+// updates only after a change.
 #pragma once
 #include <array>
 #include <atomic>
@@ -15,7 +15,7 @@ using SourceArray = std::array<std::shared_ptr<Source>, kSourceSlotCount>;
 
 class SourceSet {
  public:
-  /// Puts a source (or null) into a slot and gives back what was there. Console thread.
+  /// Puts a source, or null, into a slot and returns the one that was there. Console thread.
   std::shared_ptr<Source> exchange(int slot, std::shared_ptr<Source> source) {
     MutexLock lock(mutex_);
     std::swap(sources_[slot], source);
@@ -29,8 +29,8 @@ class SourceSet {
     return sources_[slot];
   }
 
-  /// Copies the sources when they changed since `version`; true when it did. `copy` then holds what was there
-  /// before in `old`. Engine thread.
+  /// True when the sources have changed since `version`: they are copied into `copy`, and `old` gets what
+  /// `copy` held before. Engine thread.
   bool refresh(quint64& version, SourceArray& copy, SourceArray& old) const {
     if (version_.load(std::memory_order_acquire) == version)
       return false;

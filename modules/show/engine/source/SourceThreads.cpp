@@ -47,7 +47,7 @@ void logAbandoned(Registry& all) REQUIRES(all.mutex) {
   }
 }
 
-/// Whether threads that were asked to end are worth waiting for: one that was given up is not.
+/// Whether a thread that was asked to end still runs and is not abandoned.
 bool isWorthWaiting(const Registry& all) REQUIRES(all.mutex) {
   return std::any_of(all.threads.begin(), all.threads.end(),
                      [](const auto& entry) { return entry.second.closingSince && !entry.second.abandoned; });
@@ -73,7 +73,7 @@ quint64 startSourceThread(const QString& name, std::function<void()> work) {
     nameThread("kv-source");
     runAsBatch();
     work();
-    work = nullptr;  // what the thread owned goes before it is counted out
+    work = nullptr;  // frees what the thread owned before the thread counts as ended
     Registry& registered = registry();
     MutexLock lock(registered.mutex);
     registered.threads.erase(number);

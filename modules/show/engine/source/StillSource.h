@@ -1,5 +1,5 @@
-// A picture file, in every format that Qt reads; of an animation the first picture. Loaded on a thread of its
-// own. Console thread, except pullFrame: engine thread.
+// A picture file in any format that Qt reads; of an animation, the first picture. It is loaded on a thread of
+// its own. Console thread, except pullFrame: engine thread.
 #pragma once
 #include "PictureSource.h"
 #include "ThreadSafety.h"

@@ -12,7 +12,7 @@ namespace korvia {
 
 namespace {
 
-/// What a frame over a decoder's memory holds on to.
+/// Keeps a decoder's picture mapped as long as a frame uses its memory.
 struct HeldPicture {
   GstVideoFrame frame;
 
@@ -31,7 +31,7 @@ MutableFrame acquire(std::unique_ptr<FramePool>& pool, FrameSize size, FrameAlph
   return pool->acquire();
 }
 
-/// The picture's left upper part, over the same memory.
+/// The upper left part of the picture, in the same memory.
 FrameRef cropped(const FrameRef& picture, FrameSize size) {
   if (picture->size() == size)
     return picture;
@@ -45,8 +45,8 @@ FrameRef cropped(const FrameRef& picture, FrameSize size) {
   return FrameRef::adopt(new Frame(size, external));
 }
 
-/// A description of which GStreamer does not know all parts is replaced as a whole by its guess; this puts
-/// back what the caps do tell.
+/// GStreamer replaces a colorimetry as a whole by a guess when it does not know a part of it. This restores
+/// the parts that the caps state.
 void keepKnownColors(GstCaps* caps, GstVideoColorimetry& colors) {
   const char* text = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
   GstVideoColorimetry told;

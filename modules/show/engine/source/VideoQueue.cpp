@@ -24,7 +24,7 @@ bool VideoQueue::isFull() const {
 }
 
 bool VideoQueue::push(TimedFrame frame) {
-  TimedFrame dropped;  // its memory goes back outside of the lock
+  TimedFrame dropped;  // freed outside of the lock
   MutexLock lock(mutex_);
   if (whenFull_ == WhenFull::Wait) {
     if (isFull() && firstIsDue_)
@@ -143,7 +143,7 @@ VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
       }
     } else if (current && reading.running) {
       const std::int64_t droppedBefore = figures_.dropped;
-      // Where the oldest picture had to make room, the next one cannot wait any longer.
+      // The oldest picture was dropped because the queue was full, so the next one is shown without waiting.
       if (std::exchange(overflowed_, false) && !queue_.empty())
         take(result);
       while (isDue(reading))
