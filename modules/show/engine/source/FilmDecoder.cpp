@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "SourceLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 

@@ -4,12 +4,12 @@
 // decoder, and those calls may block; pictures come on GStreamer's threads. All failures, also those of
 // calls, are reported as events.
 #pragma once
+#include <QString>
 #include <atomic>
 #include <chrono>
 #include <memory>
 #include <optional>
 
-#include "FilmEvent.h"
 #include "FilmPipeline.h"
 #include "RateMeter.h"
 #include "Source.h"
@@ -19,6 +19,33 @@
 #include "VideoQueue.h"
 
 namespace korvia {
+
+/// An event of a film, which any thread sends to the film's control thread.
+struct FilmEvent {
+  enum class Kind {
+    Picture,      ///< the first picture of a segment is decoded
+    NearEnd,      ///< the film that follows has to be opened now
+    EndOfStream,  ///< all pictures of a segment are in the queue
+    Facts,        ///< duration or picture size may have changed
+    Failure,
+    Shown,    ///< the picture on show belongs to another film than the one before
+    Drained,  ///< the last picture was shown for its whole duration
+  };
+
+  Kind kind;
+  int film = 0;  ///< FilmDecoder::number
+  int segment = 0;
+  QString reason;  ///< of a failure
+
+  friend bool operator==(const FilmEvent&, const FilmEvent&) = default;
+};
+
+class FilmEventSink {
+ public:
+  virtual ~FilmEventSink() = default;
+  /// Any thread; returns at once.
+  virtual void onFilmEvent(FilmEvent event) = 0;
+};
 
 class FilmDecoder : private FilmPipelineListener {
  public:

@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "GstInit.h"
-#include "SourceLog.h"
+#include "engine/EngineLog.h"
 #include "engine/HappensBefore.h"
 #include "engine/ThreadPriority.h"
 

@@ -1,4 +1,4 @@
-// Starts GStreamer for the process. Any thread.
+// Starts GStreamer for the process, with an element of the engine for DNxHR in QuickTime files. Any thread.
 #pragma once
 
 namespace korvia {

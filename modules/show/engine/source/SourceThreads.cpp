@@ -6,8 +6,8 @@
 #include <optional>
 #include <thread>
 
-#include "SourceLog.h"
 #include "ThreadSafety.h"
+#include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
 

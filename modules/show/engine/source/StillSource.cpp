@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "DrivePath.h"
-#include "SourceLog.h"
 #include "SourceThreads.h"
+#include "engine/EngineLog.h"
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/PictureFrame.h"
 

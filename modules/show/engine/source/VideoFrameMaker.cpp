@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "Source.h"
-#include "SourceLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 

@@ -30,7 +30,7 @@ class VideoQueue {
     int mostFrames = 8;
   };
   /// For a source that cannot wait: when the queue is full, the oldest picture is dropped. The span has to be
-  /// longer than the latency of the clock, or pictures are dropped before they are due.
+  /// longer than the latency of the clock, or pictures leave before they are due.
   struct Live {
     std::int64_t spanNs = 500'000'000;
     int mostFrames = 24;
@@ -50,8 +50,8 @@ class VideoQueue {
   struct Figures {
     std::int64_t dropped = 0;  ///< pictures that were never shown
     std::int64_t missed = 0;   ///< ticks at which the picture that was due had not come
-    std::int64_t latencyNs =
-        0;  ///< from the undelayed arrival of the picture on show to its first tick; 0 for files
+    /// From the undelayed arrival of the picture on show to its first tick; 0 for files.
+    std::int64_t latencyNs = 0;
   };
 
   explicit VideoQueue(MediaClock& clock) : VideoQueue(clock, File()) {}
