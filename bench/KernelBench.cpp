@@ -65,7 +65,7 @@ Carousel<MutableFrame> targets() {
   std::vector<MutableFrame> frames;
   frames.reserve(kFrames);
   for (int i = 0; i < kFrames; ++i) {
-    frames.emplace_back(new Frame(kSize, false));
+    frames.emplace_back(new Frame(kSize));
     frames.back()->fillBlack();
   }
   return Carousel<MutableFrame>(std::move(frames));

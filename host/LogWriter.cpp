@@ -2,26 +2,25 @@
 
 #include <pthread.h>
 
-#include <condition_variable>
 #include <csignal>
-#include <mutex>
 #include <thread>
 #include <utility>
 
 #include "LogLine.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
 struct LogWriter::State {
   Target target;
-  std::mutex mutex;
-  std::condition_variable wake;
-  std::condition_variable written;
-  QByteArray queue;        // guarded by mutex
-  quint64 dropped = 0;     // lines that came after the queue and did not fit; guarded by mutex
-  quint64 added = 0;       // guarded by mutex
-  quint64 done = 0;        // of those added; guarded by mutex
-  bool endWanted = false;  // guarded by mutex
+  Mutex mutex;
+  ConditionVariable wake;
+  ConditionVariable written;
+  QByteArray queue GUARDED_BY(mutex);
+  quint64 dropped GUARDED_BY(mutex) = 0;  // lines that came after the queue and did not fit
+  quint64 added GUARDED_BY(mutex) = 0;
+  quint64 done GUARDED_BY(mutex) = 0;  // of those added
+  bool endWanted GUARDED_BY(mutex) = false;
 };
 
 LogWriter::LogWriter(Target target) : state_(std::make_shared<State>()) {
@@ -31,14 +30,14 @@ LogWriter::LogWriter(Target target) : state_(std::make_shared<State>()) {
 
 LogWriter::~LogWriter() {
   {
-    std::lock_guard lock(state_->mutex);
+    MutexLock lock(state_->mutex);
     state_->endWanted = true;
   }
   state_->wake.notify_one();
 }
 
 void LogWriter::add(const QByteArray& line) {
-  std::lock_guard lock(state_->mutex);
+  MutexLock lock(state_->mutex);
   ++state_->added;
   // After one line is dropped, all are dropped until the thread takes the queue. Their count then stands in
   // the log where the lines are missing.
@@ -51,9 +50,10 @@ void LogWriter::add(const QByteArray& line) {
 }
 
 bool LogWriter::drain(std::chrono::milliseconds limit) {
-  std::unique_lock lock(state_->mutex);
+  MutexLock lock(state_->mutex);
   const quint64 upTo = state_->added;
-  return state_->written.wait_for(lock, limit, [&] { return state_->done >= upTo; });
+  return state_->written.wait_for(lock, limit,
+                                  [&]() REQUIRES(state_->mutex) { return state_->done >= upTo; });
 }
 
 void LogWriter::run(const std::shared_ptr<State>& state) {
@@ -61,9 +61,10 @@ void LogWriter::run(const std::shared_ptr<State>& state) {
   sigset_t all;
   sigfillset(&all);
   pthread_sigmask(SIG_BLOCK, &all, nullptr);
-  std::unique_lock lock(state->mutex);
+  MutexLock lock(state->mutex);
   for (bool ending = false; !ending;) {
-    state->wake.wait(lock, [&] { return state->endWanted || state->added != state->done; });
+    state->wake.wait(
+        lock, [&]() REQUIRES(state->mutex) { return state->endWanted || state->added != state->done; });
     ending = state->endWanted;
     QByteArray lines = std::exchange(state->queue, {});
     const quint64 dropped = std::exchange(state->dropped, 0);

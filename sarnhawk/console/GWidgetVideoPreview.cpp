@@ -39,7 +39,7 @@ GWidgetVideoPreview::GWidgetVideoPreview(QWidget* parent)
 
 void GWidgetVideoPreview::setMonitorImage(const QImage& image) {
   {
-    QMutexLocker lock(&_mutex);
+    korvia::MutexLock lock(_mutex);
     _image = image;
     if (_paintAsked)
       return;
@@ -87,7 +87,7 @@ void GWidgetVideoPreview::paintEvent(QPaintEvent*) {
     return;
   QImage image;
   {
-    QMutexLocker lock(&_mutex);
+    korvia::MutexLock lock(_mutex);
     image = _image;
     _paintAsked = false;
   }

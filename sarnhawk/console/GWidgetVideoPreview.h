@@ -3,8 +3,9 @@
 // which any thread may call.
 #pragma once
 #include <QImage>
-#include <QMutex>
 #include <QWidget>
+
+#include "ThreadSafety.h"
 
 class GWidgetVideoPreview : public QWidget {
   Q_OBJECT
@@ -28,7 +29,7 @@ class GWidgetVideoPreview : public QWidget {
   void alignWindow();
 
   const bool _engineDraws;
-  QMutex _mutex;
-  QImage _image;             // guarded by _mutex
-  bool _paintAsked = false;  // guarded by _mutex
+  korvia::Mutex _mutex;
+  QImage _image GUARDED_BY(_mutex);
+  bool _paintAsked GUARDED_BY(_mutex) = false;
 };

@@ -21,5 +21,19 @@ def plain(entry):
     return entry
 json.dump([plain(entry) for entry in json.load(sys.stdin)], sys.stdout)
 ' >"$database/compile_commands.json"
+# Without the option or the annotations clang would pass everything, so an access without the lock is tried.
+cat >"$database/unlocked.cpp" <<'END'
+#include "ThreadSafety.h"
+struct Counter {
+  korvia::Mutex mutex;
+  int count GUARDED_BY(mutex) = 0;
+};
+int countOf(Counter& counter) { return counter.count; }
+END
+found=$(clang-tidy --quiet --config-file=.clang-tidy "$database/unlocked.cpp" -- -std=c++20 -Imodules/base 2>/dev/null || true)
+if [[ $found != *clang-diagnostic-thread-safety-analysis* ]]; then
+  echo "tidy.sh: an access without its lock is not found" >&2
+  exit 1
+fi
 git ls-files -z 'modules/*.cpp' 'sarnhawk/*.cpp' 'host/*.cpp' 'bench/*.cpp' 'tools/*.cpp' |
   xargs -0 -n 4 -P 2 clang-tidy --quiet -p "$database" 2>/dev/null

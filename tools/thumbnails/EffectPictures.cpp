@@ -36,7 +36,7 @@ QImage EffectPictures::picture(int effect, double position) {
   if (!transition)
     return QImage();
   const Scenes& scenes = isFine(effect) ? fine_ : smooth_;
-  MutableFrame mixed(new Frame(scenes.from->size(), false));
+  MutableFrame mixed(new Frame(scenes.from->size()));
   transition->mix(*scenes.from, *scenes.to, {position, kSeed}, scratch_, *mixed);
   return toImage(*mixed).scaled(size_, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }

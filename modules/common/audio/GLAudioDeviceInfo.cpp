@@ -4,6 +4,8 @@
 
 #include <QList>
 
+#include "ThreadSafety.h"
+
 namespace {
 
 constexpr std::chrono::seconds kTimeLimit{2};
@@ -16,16 +18,16 @@ struct Device {
 
 /// One listing, shared by its worker thread and the callers that wait for it.
 struct Listing {
-  std::mutex mutex;
-  std::condition_variable changed;
-  bool done = false;      // guarded by mutex
-  QList<Device> devices;  // guarded by mutex
+  korvia::Mutex mutex;
+  korvia::ConditionVariable changed;
+  bool done GUARDED_BY(mutex) = false;
+  QList<Device> devices GUARDED_BY(mutex);
   const std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::now() + kTimeLimit;
 };
 
 /// The listing in progress, so that callers which poll a hanging sound system do not pile up threads.
-std::mutex listingMutex;
-std::shared_ptr<Listing> runningListing;  // guarded by listingMutex
+korvia::Mutex listingMutex;
+std::shared_ptr<Listing> runningListing GUARDED_BY(listingMutex);
 
 QString interfaceOf(GstDevice* device) {
   QString name;
@@ -83,18 +85,18 @@ QList<Device> askSystem() {
 void runListing(const std::shared_ptr<Listing>& listing) {
   QList<Device> devices = askSystem();
   {
-    const std::lock_guard lock(listingMutex);
+    const korvia::MutexLock lock(listingMutex);
     if (runningListing == listing)
       runningListing.reset();
   }
-  const std::lock_guard lock(listing->mutex);
+  const korvia::MutexLock lock(listing->mutex);
   listing->devices = std::move(devices);
   listing->done = true;
   listing->changed.notify_all();
 }
 
 std::shared_ptr<Listing> currentListing() {
-  const std::lock_guard lock(listingMutex);
+  const korvia::MutexLock lock(listingMutex);
   if (!runningListing) {
     runningListing = std::make_shared<Listing>();
     // Detached, because a sound server that hangs for ever must not hold up the end of the process.
@@ -109,8 +111,9 @@ QStringList GLAudioDeviceInfo::enumAudioDeviceList(const QString& driver) {
   const std::shared_ptr<Listing> listing = currentListing();
   QStringList names;
   {
-    std::unique_lock lock(listing->mutex);
-    if (!listing->changed.wait_until(lock, listing->deadline, [&] { return listing->done; })) {
+    korvia::MutexLock lock(listing->mutex);
+    if (!listing->changed.wait_until(lock, listing->deadline,
+                                     [&]() REQUIRES(listing->mutex) { return listing->done; })) {
       qDebug("failed to list audio devices : no answer within the time limit");
       return names;
     }

@@ -2,8 +2,9 @@
 // servers write, the web server reads. All calls are safe from any thread and hold the lock only for a copy.
 #pragma once
 #include <QJsonObject>
-#include <QMutex>
 #include <QString>
+
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -18,8 +19,8 @@ class StatusBoard {
   QJsonObject snapshot() const;
 
  private:
-  mutable QMutex mutex_;
-  QJsonObject sections_;  // guarded by mutex_
+  mutable Mutex mutex_;
+  QJsonObject sections_ GUARDED_BY(mutex_);
 };
 
 }  // namespace korvia

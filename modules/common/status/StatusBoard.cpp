@@ -1,7 +1,5 @@
 #include "StatusBoard.h"
 
-#include <QMutexLocker>
-
 namespace korvia {
 
 StatusBoard& StatusBoard::instance() {
@@ -11,7 +9,7 @@ StatusBoard& StatusBoard::instance() {
 }
 
 void StatusBoard::publish(const QString& section, const QJsonObject& values) {
-  const QMutexLocker lock(&mutex_);
+  const MutexLock lock(mutex_);
   if (values.isEmpty())
     sections_.remove(section);
   else
@@ -19,7 +17,7 @@ void StatusBoard::publish(const QString& section, const QJsonObject& values) {
 }
 
 QJsonObject StatusBoard::snapshot() const {
-  const QMutexLocker lock(&mutex_);
+  const MutexLock lock(mutex_);
   return sections_;
 }
 

@@ -5,5 +5,6 @@ namespace korvia {
 Q_LOGGING_CATEGORY(logEngine, "korvia.engine")
 Q_LOGGING_CATEGORY(logMonitor, "korvia.monitor")
 Q_LOGGING_CATEGORY(logOutput, "korvia.output")
+Q_LOGGING_CATEGORY(logSource, "korvia.source")
 
 }  // namespace korvia

@@ -1,4 +1,4 @@
-// The log categories of the engine; those of the sources stand in source/SourceLog.h. Any thread.
+// The log categories of the engine. Any thread.
 #pragma once
 #include <QLoggingCategory>
 
@@ -7,5 +7,6 @@ namespace korvia {
 Q_DECLARE_LOGGING_CATEGORY(logEngine)
 Q_DECLARE_LOGGING_CATEGORY(logMonitor)
 Q_DECLARE_LOGGING_CATEGORY(logOutput)
+Q_DECLARE_LOGGING_CATEGORY(logSource)
 
 }  // namespace korvia

@@ -9,7 +9,7 @@ Janitor::Janitor() : thread_([this] { run(); }) {}
 
 Janitor::~Janitor() {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     stop_ = true;
   }
   wake_.notify_all();
@@ -18,7 +18,7 @@ Janitor::~Janitor() {
 
 void Janitor::push(std::function<void()> job) {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     jobs_.push_back(std::move(job));
   }
   wake_.notify_all();
@@ -27,9 +27,9 @@ void Janitor::push(std::function<void()> job) {
 void Janitor::run() {
   nameThread("kv-janitor");
   runAsBatch();
-  std::unique_lock lock(mutex_);
+  MutexLock lock(mutex_);
   for (;;) {
-    wake_.wait(lock, [this] { return stop_ || !jobs_.empty(); });
+    wake_.wait(lock, [this]() REQUIRES(mutex_) { return stop_ || !jobs_.empty(); });
     if (jobs_.empty())
       return;
     std::function<void()> job = std::move(jobs_.front());

@@ -2,12 +2,12 @@
 // nor the console waits. Any thread.
 #pragma once
 #include <chrono>
-#include <condition_variable>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <thread>
+
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -30,10 +30,10 @@ class Janitor {
   void push(std::function<void()> job);
   void run();
 
-  std::mutex mutex_;
-  std::condition_variable wake_;            // with mutex_
-  std::deque<std::function<void()>> jobs_;  // guarded by mutex_
-  bool stop_ = false;                       // guarded by mutex_
+  Mutex mutex_;
+  ConditionVariable wake_;
+  std::deque<std::function<void()>> jobs_ GUARDED_BY(mutex_);
+  bool stop_ GUARDED_BY(mutex_) = false;
   std::thread thread_;
 };
 

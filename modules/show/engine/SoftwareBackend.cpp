@@ -62,7 +62,7 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
   program_.reset();
   mixed_.reset();
   {
-    std::lock_guard lock(figuresMutex_);
+    MutexLock lock(figuresMutex_);
     figures_ = {};
     frameMeter_.start(std::chrono::steady_clock::now());
   }
@@ -145,7 +145,7 @@ void SoftwareBackend::showMonitors(const FrameRef& preview) {
 
 void SoftwareBackend::keepFigures(const FrameTick& tick) {
   const bool late = tick.missed > 0 || tick.lateNs > format_.rate.nsOf(1) / 4;
-  std::lock_guard lock(figuresMutex_);
+  MutexLock lock(figuresMutex_);
   frameMeter_.count(1 + tick.missed, std::chrono::steady_clock::now());
   figures_.repeatedFrames += tick.missed;
   figures_.lateTicks += late ? 1 : 0;
@@ -178,7 +178,7 @@ void SoftwareBackend::getOutputState(tagKorviaOutputStatistics* statistics) {
 
 void SoftwareBackend::getFigures(tagKorviaShowEngineFigures& figures) {
   {
-    std::lock_guard lock(figuresMutex_);
+    MutexLock lock(figuresMutex_);
     const auto now = std::chrono::steady_clock::now();
     figures = figures_;
     figures.frames = frameMeter_.total();

@@ -2,8 +2,8 @@
 // handled by the parts. Threads as in IShowBackend.
 #pragma once
 #include <atomic>
-#include <mutex>
 
+#include "ThreadSafety.h"
 #include "backend/IShowBackend.h"
 #include "engine/EventTable.h"
 #include "engine/FrameMeter.h"
@@ -79,9 +79,9 @@ class SoftwareBackend final : public IShowBackend {
   SnapshotWriter snapshots_;
   EventTable events_;
 
-  std::mutex figuresMutex_;
-  tagKorviaShowEngineFigures figures_;  // guarded by figuresMutex_
-  FrameMeter frameMeter_;               // guarded by figuresMutex_
+  Mutex figuresMutex_;
+  tagKorviaShowEngineFigures figures_ GUARDED_BY(figuresMutex_);
+  FrameMeter frameMeter_ GUARDED_BY(figuresMutex_);
 };
 
 }  // namespace korvia

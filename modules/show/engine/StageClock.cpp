@@ -13,7 +13,7 @@ constexpr std::chrono::seconds kWindow{10};
 void StageClock::add(Stage stage, std::chrono::nanoseconds time, Time now) {
   const double ms = std::chrono::duration<double, std::milli>(time).count();
   Samples& samples = stages_[stage];
-  std::lock_guard lock(samples.mutex);
+  MutexLock lock(samples.mutex);
   samples.ring[samples.next] = {now, static_cast<float>(ms)};
   samples.next = (samples.next + 1) % kCapacity;
   samples.count = std::min(samples.count + 1, kCapacity);
@@ -22,7 +22,7 @@ void StageClock::add(Stage stage, std::chrono::nanoseconds time, Time now) {
 
 void StageClock::restart() {
   for (Samples& samples : stages_) {
-    std::lock_guard lock(samples.mutex);
+    MutexLock lock(samples.mutex);
     samples.count = 0;
     samples.next = 0;
     samples.maxOfRunMs = 0;
@@ -34,7 +34,7 @@ tagKorviaShowEngineFigures::StageTime StageClock::summary(const Samples& samples
   std::vector<float> sorted;
   sorted.reserve(kCapacity);
   {
-    std::lock_guard lock(samples.mutex);
+    MutexLock lock(samples.mutex);
     time.maxOfRunMs = samples.maxOfRunMs;
     for (int i = 0; i < samples.count; ++i) {
       if (now - samples.ring[i].time <= kWindow)

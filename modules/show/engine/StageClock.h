@@ -2,9 +2,9 @@
 #pragma once
 #include <array>
 #include <chrono>
-#include <mutex>
 #include <vector>
 
+#include "ThreadSafety.h"
 #include "tagKorviaShowEngineFigures.h"
 
 namespace korvia {
@@ -44,12 +44,11 @@ class StageClock {
     float ms = 0;
   };
   struct Samples {
-    mutable std::mutex mutex;
-    // All guarded by mutex.
-    std::array<Sample, kCapacity> ring{};
-    int count = 0;
-    int next = 0;
-    double maxOfRunMs = 0;
+    mutable Mutex mutex;
+    std::array<Sample, kCapacity> ring GUARDED_BY(mutex){};
+    int count GUARDED_BY(mutex) = 0;
+    int next GUARDED_BY(mutex) = 0;
+    double maxOfRunMs GUARDED_BY(mutex) = 0;
   };
   static tagKorviaShowEngineFigures::StageTime summary(const Samples& samples, Time now);
 

@@ -55,7 +55,7 @@ void SilentBackend::select(const ShowEvent& event) {
 }
 
 void SilentBackend::frameStep(const FrameTick& tick) {
-  std::lock_guard lock(figuresMutex_);
+  MutexLock lock(figuresMutex_);
   figures_.frames += 1 + tick.missed;
   figures_.pvmChannel = buses_.pvm;
   figures_.pgmChannel = buses_.pgm;
@@ -96,7 +96,7 @@ void SilentBackend::getOutputState(tagKorviaOutputStatistics* statistics) {
 }
 
 void SilentBackend::getFigures(tagKorviaShowEngineFigures& figures) {
-  std::lock_guard lock(figuresMutex_);
+  MutexLock lock(figuresMutex_);
   figures = figures_;
 }
 

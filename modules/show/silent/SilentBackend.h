@@ -2,8 +2,8 @@
 // Threads as in IShowBackend.
 #pragma once
 #include <memory>
-#include <mutex>
 
+#include "ThreadSafety.h"
 #include "backend/BusSelection.h"
 #include "backend/IShowBackend.h"
 #include "silent/SilentSource.h"
@@ -39,8 +39,8 @@ class SilentBackend final : public IShowBackend {
   IShowBackendHost* host_ = nullptr;                         // engine thread
   BusSelection buses_;                                       // engine thread
   std::unique_ptr<SilentSource> sources_[kSourceSlotCount];  // console thread
-  std::mutex figuresMutex_;
-  tagKorviaShowEngineFigures figures_;  // guarded by figuresMutex_
+  Mutex figuresMutex_;
+  tagKorviaShowEngineFigures figures_ GUARDED_BY(figuresMutex_);
 };
 
 }  // namespace korvia

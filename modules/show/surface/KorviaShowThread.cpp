@@ -29,7 +29,7 @@ void KorviaShowThread::setFps(float fps) {
 void KorviaShowThread::setFrameRate(korvia::FrameRate rate) {
   if (!rate.isValid())
     return;
-  std::lock_guard lock(mutex_);
+  korvia::MutexLock lock(mutex_);
   rate_ = rate;
   clockRestart_ = true;
 }
@@ -38,8 +38,11 @@ void KorviaShowThread::start(IKorviaShowThreadSink* sink, KorviaShowThreadMode) 
   if (thread_.joinable())
     return;
   sink_ = sink;
-  stopRequested_ = false;
-  clockRestart_ = true;
+  {
+    korvia::MutexLock lock(mutex_);
+    stopRequested_ = false;
+    clockRestart_ = true;
+  }
   frameNumber_ = 0;
   thread_ = std::thread([this] { onThreadRun(); });
 }
@@ -48,7 +51,7 @@ void KorviaShowThread::stop() {
   if (!thread_.joinable())
     return;
   {
-    std::lock_guard lock(mutex_);
+    korvia::MutexLock lock(mutex_);
     stopRequested_ = true;
   }
   wake_.notify_all();
@@ -58,7 +61,7 @@ void KorviaShowThread::stop() {
 
 void KorviaShowThread::postEvent(quint64 eventId, QVariant a1, QVariant a2, QVariant a3, QVariant a4) {
   korvia::BlackBox::instance().post(eventId, a1, a2, a3, a4);
-  std::lock_guard lock(mutex_);
+  korvia::MutexLock lock(mutex_);
   events_.push_back({eventId, {std::move(a1), std::move(a2), std::move(a3), std::move(a4)}});
 }
 
@@ -85,7 +88,7 @@ void KorviaShowThread::onThreadStep(const korvia::FrameTick& tick) {
 
 void KorviaShowThread::drainEvents() {
   {
-    std::lock_guard lock(mutex_);
+    korvia::MutexLock lock(mutex_);
     handled_.swap(events_);
   }
   for (const korvia::ShowEvent& event : handled_)
@@ -95,7 +98,7 @@ void KorviaShowThread::drainEvents() {
 
 bool KorviaShowThread::waitForTick(korvia::FrameTick& tick) {
   using namespace std::chrono;
-  std::unique_lock lock(mutex_);
+  korvia::MutexLock lock(mutex_);
   for (;;) {
     if (stopRequested_)
       return false;

@@ -3,13 +3,12 @@
 #pragma once
 #include <QObject>
 #include <QVariant>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 #include <vector>
 
 #include "FrameRate.h"
 #include "IKorviaShowThreadSink.h"
+#include "ThreadSafety.h"
 
 enum KorviaShowThreadMode : int { ShowThreadNormal = 0 };
 
@@ -68,12 +67,12 @@ class KorviaShowThread : public QObject {
   IKorviaShowThreadSink* sink_ = nullptr;
   std::thread thread_;
 
-  std::mutex mutex_;
-  std::condition_variable wake_;           // with mutex_
-  std::vector<korvia::ShowEvent> events_;  // guarded by mutex_
-  bool stopRequested_ = false;             // guarded by mutex_
-  korvia::FrameRate rate_;                 // guarded by mutex_
-  bool clockRestart_ = true;               // guarded by mutex_
+  korvia::Mutex mutex_;
+  korvia::ConditionVariable wake_;
+  std::vector<korvia::ShowEvent> events_ GUARDED_BY(mutex_);
+  bool stopRequested_ GUARDED_BY(mutex_) = false;
+  korvia::FrameRate rate_ GUARDED_BY(mutex_);
+  bool clockRestart_ GUARDED_BY(mutex_) = true;
 
   // Swapped with events_, so that handling the events of a frame does not allocate.
   std::vector<korvia::ShowEvent> handled_;       // engine thread

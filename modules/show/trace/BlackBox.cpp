@@ -60,7 +60,7 @@ bool BlackBox::open(const QString& fileName) {
     return false;
   }
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     queue_.reserve(kQueuedLinesMax);
     endWanted_ = false;
     clock_.restart();
@@ -75,7 +75,7 @@ void BlackBox::endWriter(Rest rest) {
   if (!writer_.joinable())
     return;
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     if (rest == Rest::Lost)
       queue_.clear();
     endWanted_ = true;
@@ -86,13 +86,13 @@ void BlackBox::endWriter(Rest rest) {
 }
 
 void BlackBox::flush() {
-  std::unique_lock lock(mutex_);
+  MutexLock lock(mutex_);
   if (!open_)
     return;
   const quint64 upTo = noted_;
   flushWanted_ = true;
   wake_.notify_all();
-  written_.wait_for(lock, kFlushLimit, [&] { return done_ >= upTo; });
+  written_.wait_for(lock, kFlushLimit, [&]() REQUIRES(mutex_) { return done_ >= upTo; });
 }
 
 void BlackBox::post(quint64 eventId, const QVariant& a1, const QVariant& a2, const QVariant& a3,
@@ -126,7 +126,7 @@ void BlackBox::call(const char* name, int object, const QVariantList& args) {
 }
 
 void BlackBox::note(Note note) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (!open_)
     return;
   ++noted_;
@@ -146,10 +146,11 @@ void BlackBox::run() {
   runAsBatch();
   std::vector<Note> notes;
   notes.reserve(kQueuedLinesMax);
-  std::unique_lock lock(mutex_);
+  MutexLock lock(mutex_);
   for (bool ending = false; !ending;) {
-    wake_.wait_for(lock, kWriteInterval,
-                   [this] { return endWanted_ || flushWanted_ || queue_.size() >= kQueuedLinesMax / 2; });
+    wake_.wait_for(lock, kWriteInterval, [this]() REQUIRES(mutex_) {
+      return endWanted_ || flushWanted_ || queue_.size() >= kQueuedLinesMax / 2;
+    });
     ending = endWanted_;
     flushWanted_ = false;
     notes.swap(queue_);

@@ -8,10 +8,10 @@
 #include <QVariant>
 #include <array>
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 #include <vector>
+
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -56,8 +56,8 @@ class BlackBox {
   };
 
   BlackBox();
-  void note(Note note);
-  void endWriter(Rest rest);
+  void note(Note note) EXCLUDES(mutex_);
+  void endWriter(Rest rest) EXCLUDES(mutex_);
   void run();
   void write(const std::vector<Note>& notes, quint64 dropped);
   static QByteArray lineOf(const Note& note);
@@ -66,16 +66,16 @@ class BlackBox {
   QFile file_;  // owned by the writer thread while it runs
   std::thread writer_;
 
-  std::mutex mutex_;
-  std::condition_variable wake_;
-  std::condition_variable written_;
-  std::vector<Note> queue_;   // guarded by mutex_
-  quint64 dropped_ = 0;       // notes since the last of queue_ that found it full; guarded by mutex_
-  quint64 noted_ = 0;         // guarded by mutex_
-  quint64 done_ = 0;          // those of noted_ that are in the file; guarded by mutex_
-  bool flushWanted_ = false;  // guarded by mutex_
-  bool endWanted_ = false;    // guarded by mutex_
-  QElapsedTimer clock_;       // guarded by mutex_
+  Mutex mutex_;
+  ConditionVariable wake_;
+  ConditionVariable written_;
+  std::vector<Note> queue_ GUARDED_BY(mutex_);
+  quint64 dropped_ GUARDED_BY(mutex_) = 0;  // notes since the last of queue_ that found it full
+  quint64 noted_ GUARDED_BY(mutex_) = 0;
+  quint64 done_ GUARDED_BY(mutex_) = 0;  // those of noted_ that are in the file
+  bool flushWanted_ GUARDED_BY(mutex_) = false;
+  bool endWanted_ GUARDED_BY(mutex_) = false;
+  QElapsedTimer clock_ GUARDED_BY(mutex_);
 };
 
 }  // namespace korvia

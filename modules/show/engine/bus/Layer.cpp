@@ -88,7 +88,7 @@ LayerRef Layer::make(const QImage& image, QPoint at, FrameSize busSize) {
         canvas.scanLine(place.y() + y) + static_cast<std::ptrdiff_t>(place.x()) * sizeof(QRgb),
         source.constScanLine(covered.y() + y) + static_cast<std::ptrdiff_t>(covered.x()) * sizeof(QRgb),
         static_cast<std::size_t>(covered.width()) * sizeof(QRgb));
-  layer->picture = frameFromImage(canvas, ImageAlpha::Keep);
+  layer->picture = frameFromImage(canvas, FrameAlpha::Plane);
   layer->chromaAlpha = meansOfAlpha(*layer->picture);
   layer->busSize = busSize;
   static std::atomic<std::uint64_t> lastVersion{0};

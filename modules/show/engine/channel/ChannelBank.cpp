@@ -11,7 +11,7 @@ namespace korvia {
 
 namespace {
 
-// Long enough for any pipeline that still answers; one that does not is left behind.
+// Long enough for any pipeline that still responds. A source that does not is left behind.
 constexpr int kSourceEndMs = 3000;
 
 }  // namespace
@@ -31,7 +31,7 @@ IKorviaShowSource* ChannelBank::openSource(KorviaShowObjectID id, const tagKorvi
   context.id = slot == kKaraokeSlot ? KaraokeObject : static_cast<KorviaShowObjectID>(MediaChannel + slot);
   context.sink = sink;
   {
-    std::lock_guard lock(formatMutex_);
+    MutexLock lock(formatMutex_);
     context.renderSize = format_.size;
     context.rate = format_.rate;
   }
@@ -88,7 +88,7 @@ void ChannelBank::getFigures(tagKorviaShowEngineFigures& figures) {
 
 void ChannelBank::open(const ShowFormat& format) {
   {
-    std::lock_guard lock(formatMutex_);
+    MutexLock lock(formatMutex_);
     format_ = format;
   }
   close();
@@ -113,12 +113,12 @@ void ChannelBank::beginTick(int ticks) {
   SourceArray old;
   if (sources_.refresh(sourcesVersion_, active_, old))
     janitor_.dispose(std::move(old));
-  // Every source is pulled, looked at or not: its clock goes on.
+  // Every source is pulled, also one that is not on show, so that its clock advances.
   for (int slot = 0; slot < kSourceSlotCount; ++slot)
     channels_[slot].beginTick(active_[slot] ? inRenderSize(active_[slot]->pullFrame(ticks)) : FrameRef());
 }
 
-// A source keeps the size that it was opened for, which may be that of a show before this one.
+// A source keeps the render size of the show that was open when it was opened.
 FrameRef ChannelBank::inRenderSize(FrameRef picture) {
   if (!picture || picture->size() == pool_->size())
     return picture;
@@ -128,7 +128,7 @@ FrameRef ChannelBank::inRenderSize(FrameRef picture) {
 }
 
 FrameRef ChannelBank::picture(int channelId) {
-  // Below the media channels lie the ids of sources, which no bus shows.
+  // Smaller ids are those of the sources, which no bus shows.
   const int slot = channelId >= MediaChannel ? sourceIndexOf(channelId) : -1;
   return slot < 0 ? black() : channels_[slot].picture(*this, black());
 }

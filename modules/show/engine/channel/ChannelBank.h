@@ -1,10 +1,10 @@
-// All channels and the sources that feed them. Console thread: opening, closing and asking for sources;
-// engine thread: the pictures.
+// All channels and their sources. Console thread: opening, closing and asking for sources; engine thread: the
+// pictures.
 #pragma once
 #include <array>
 #include <memory>
-#include <mutex>
 
+#include "ThreadSafety.h"
 #include "engine/Janitor.h"
 #include "engine/ShowFormat.h"
 #include "engine/channel/Channel.h"
@@ -18,13 +18,13 @@ namespace korvia {
 
 class ChannelBank final : public ChannelPictures {
  public:
-  /// Sources whose end takes time are left to the janitor.
+  /// The janitor destroys closed sources, because that may take time.
   explicit ChannelBank(Janitor& janitor) : janitor_(janitor) {}
   ~ChannelBank();
 
   // Console thread.
-  /// Creates or replaces the source of the object. `sink` hears of it and may be null. Null, with a log line,
-  /// for an object that holds no source.
+  /// Creates or replaces the source of the object. `sink` gets the notifies of the source and may be null.
+  /// Null, with a log line, for an object that holds no source.
   IKorviaShowSource* openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,
                                 const tagKorviaFormatInfo& format, IKorviaShowEngineSink* sink);
   void closeSource(KorviaShowObjectID id);
@@ -32,19 +32,19 @@ class ChannelBank final : public ChannelPictures {
   void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state);
   /// `items`: one for each of the eight media channels.
   void getSourceState(tagKorviaShowSourceStatisticsItem* items);
-  /// Held and skipped pictures of all sources that are open.
+  /// Adds the held and skipped pictures of all open sources.
   void getFigures(tagKorviaShowEngineFigures& figures);
 
   // Engine thread.
   void open(const ShowFormat& format);
   /// Forgets the pictures; the sources stay open.
   void close();
-  /// Closes all sources and waits for them for a bounded time. Also for the console thread, when there is no
-  /// engine thread any more.
+  /// Closes all sources and waits for them for a bounded time. When the engine thread has ended, the console
+  /// thread may call it.
   void closeSources();
   /// Pulls the pictures of all sources for the next tick, `ticks` frames after the one before.
   void beginTick(int ticks);
-  /// By the id of a media channel or of the karaoke; black for every other id.
+  /// The picture of a media channel or of the karaoke; black for every other id.
   FrameRef picture(int channelId) override;
   FrameRef black() { return pool_->black(); }
   int sourceCount() const;
@@ -53,10 +53,10 @@ class ChannelBank final : public ChannelPictures {
   FrameRef inRenderSize(FrameRef picture);
 
   Janitor& janitor_;
-  std::mutex formatMutex_;
-  ShowFormat format_;  // guarded by formatMutex_
+  Mutex formatMutex_;
+  ShowFormat format_ GUARDED_BY(formatMutex_);
   SourceSet sources_;
-  SourceArray active_;                              // engine thread: what sources_ held at the last change
+  SourceArray active_;                              // engine thread: a copy of sources_
   quint64 sourcesVersion_ = 0;                      // engine thread
   std::unique_ptr<FramePool> pool_;                 // engine thread
   std::array<Channel, kSourceSlotCount> channels_;  // engine thread

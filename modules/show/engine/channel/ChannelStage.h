@@ -1,5 +1,5 @@
-// What changes a channel's picture on its way from the source to the buses: its look, its key, its
-// background. Engine thread.
+// A step that changes a channel's picture between its source and the buses: look, key or background. Engine
+// thread.
 #pragma once
 #include "engine/frame/Frame.h"
 
@@ -8,8 +8,8 @@ namespace korvia {
 /// The pictures of all channels at this tick.
 class ChannelPictures {
  public:
-  /// The channel's picture; never null. Within a cycle of channels that show each other it is the picture of
-  /// the tick before.
+  /// The channel's picture; never null. In a cycle of channels that show each other it is the picture of the
+  /// tick before.
   virtual FrameRef picture(int channelId) = 0;
 
  protected:
@@ -19,8 +19,8 @@ class ChannelPictures {
 class ChannelStage {
  public:
   virtual ~ChannelStage() = default;
-  /// Makes the picture that leaves the stage of the one that comes in, both of the render size. It may have
-  /// alpha, its colours premultiplied. Called once a tick at most, and only when somebody looks.
+  /// Makes the changed picture. Both pictures have the render size and may have alpha, with premultiplied
+  /// colours. Called at most once a tick, and only when the channel's picture is asked for.
   virtual FrameRef apply(const FrameRef& picture, ChannelPictures& others) = 0;
 };
 

@@ -26,8 +26,8 @@ void fillPlane(Frame& frame, int plane, int value) {
 
 }  // namespace
 
-Frame::Frame(FrameSize size, bool alpha) : size_(size), memory_(nullptr, std::free) {
-  const int planes = alpha ? 4 : 3;
+Frame::Frame(FrameSize size, FrameAlpha alpha) : size_(size), memory_(nullptr, std::free) {
+  const int planes = alpha == FrameAlpha::Plane ? 4 : 3;
   std::size_t offset[4] = {};
   std::size_t total = 0;
   for (int i = 0; i < planes; ++i) {

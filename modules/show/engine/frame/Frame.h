@@ -23,6 +23,9 @@ struct FrameSize {
   friend bool operator!=(const FrameSize& a, const FrameSize& b) { return !(a == b); }
 };
 
+/// Whether a frame has a plane for alpha. Without one it is opaque.
+enum class FrameAlpha { None, Plane };
+
 struct FramePoolState;
 
 class Frame {
@@ -37,7 +40,7 @@ class Frame {
     void* opaque = nullptr;
   };
 
-  Frame(FrameSize size, bool alpha);
+  explicit Frame(FrameSize size, FrameAlpha alpha = FrameAlpha::None);
   Frame(FrameSize size, const External& external);
   Frame(const Frame&) = delete;
   Frame& operator=(const Frame&) = delete;
@@ -47,6 +50,7 @@ class Frame {
   int width() const { return size_.width; }
   int height() const { return size_.height; }
   bool hasAlpha() const { return data_[A] != nullptr; }
+  FrameAlpha alpha() const { return hasAlpha() ? FrameAlpha::Plane : FrameAlpha::None; }
   const std::uint8_t* plane(int plane) const { return data_[plane]; }
   /// Only before the frame is published, and never for external memory.
   std::uint8_t* writablePlane(int plane) { return data_[plane]; }

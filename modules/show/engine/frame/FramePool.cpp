@@ -4,7 +4,7 @@ namespace korvia {
 
 void FramePoolState::giveBack(Frame* frame) {
   {
-    std::lock_guard lock(mutex);
+    MutexLock lock(mutex);
     if (open) {
       idle.push_back(frame);
       return;
@@ -13,13 +13,13 @@ void FramePoolState::giveBack(Frame* frame) {
   delete frame;
 }
 
-FramePool::FramePool(FrameSize size, bool alpha)
+FramePool::FramePool(FrameSize size, FrameAlpha alpha)
     : size_(size), alpha_(alpha), state_(std::make_shared<FramePoolState>()) {}
 
 FramePool::~FramePool() {
   std::vector<Frame*> idle;
   {
-    std::lock_guard lock(state_->mutex);
+    MutexLock lock(state_->mutex);
     state_->open = false;
     idle.swap(state_->idle);
   }
@@ -30,7 +30,7 @@ FramePool::~FramePool() {
 MutableFrame FramePool::acquire() {
   Frame* frame = nullptr;
   {
-    std::lock_guard lock(state_->mutex);
+    MutexLock lock(state_->mutex);
     if (!state_->idle.empty()) {
       frame = state_->idle.back();
       state_->idle.pop_back();
@@ -43,7 +43,7 @@ MutableFrame FramePool::acquire() {
 }
 
 FrameRef FramePool::black() {
-  std::lock_guard lock(blackMutex_);
+  MutexLock lock(blackMutex_);
   if (!black_) {
     MutableFrame frame = acquire();
     frame->fillBlack();

@@ -69,7 +69,7 @@ std::array<std::uint8_t, 3> codeValues(QRgb color) {
   return {luma(shown), chroma(kCb, r, g, b, 0), chroma(kCr, r, g, b, 0)};
 }
 
-FrameRef frameFromImage(const QImage& source, ImageAlpha alpha) {
+FrameRef frameFromImage(const QImage& source, FrameAlpha alpha) {
   if (source.isNull())
     return {};
   // Premultiplied colours are the picture on black.
@@ -79,7 +79,7 @@ FrameRef frameFromImage(const QImage& source, ImageAlpha alpha) {
     return {};
   const int width = image.width();
   const int height = image.height();
-  MutableFrame frame(new Frame({width, height}, alpha == ImageAlpha::Keep));
+  MutableFrame frame(new Frame({width, height}, alpha));
   for (int y = 0; y < height; y += 2) {
     const auto* upper = reinterpret_cast<const QRgb*>(image.constScanLine(y));
     const auto* lower = reinterpret_cast<const QRgb*>(image.constScanLine(std::min(y + 1, height - 1)));
@@ -108,7 +108,7 @@ FrameRef frameFromImage(const QImage& source, ImageAlpha alpha) {
       v[x / 2] = chroma(kCr, r, g, b, 2);
     }
   }
-  if (alpha == ImageAlpha::Keep)
+  if (alpha == FrameAlpha::Plane)
     copyAlpha(image, *frame);
   return std::move(frame).publish();
 }

@@ -11,11 +11,9 @@ namespace korvia {
 /// Y, U, V of one colour.
 std::array<std::uint8_t, 3> codeValues(QRgb color);
 
-/// Whether a frame gets the alpha of the image as a plane. Its colours are premultiplied in both cases.
-enum class ImageAlpha { Drop, Keep };
-
-/// The frame in the image's own size; null for a null image.
-FrameRef frameFromImage(const QImage& image, ImageAlpha alpha = ImageAlpha::Drop);
+/// The frame in the image's own size; null for a null image. Its colours are premultiplied, with and without
+/// the plane of alpha.
+FrameRef frameFromImage(const QImage& image, FrameAlpha alpha = FrameAlpha::None);
 
 /// Fills columns [left, right) of the frame; `left` even. Only before the frame is published.
 void fillColumns(Frame& frame, int left, int right, const std::array<std::uint8_t, 3>& values);

@@ -24,7 +24,7 @@ LayerRef drawingLayer(const QImage& image, FrameSize size) {
 void ItemStage::commitPaintPad(const QImage& image) {
   FrameSize size;
   {
-    std::lock_guard lock(sizeMutex_);
+    MutexLock lock(sizeMutex_);
     size = size_;
   }
   raster_.request(kPaintPadKey, [image, size] { return drawingLayer(image, size); });
@@ -37,7 +37,7 @@ void ItemStage::setPaintPadValid(bool valid) {
 }
 
 void ItemStage::open(const ShowFormat& format) {
-  std::lock_guard lock(sizeMutex_);
+  MutexLock lock(sizeMutex_);
   size_ = format.size;
 }
 

@@ -3,8 +3,8 @@
 #pragma once
 #include <QImage>
 #include <atomic>
-#include <mutex>
 
+#include "ThreadSafety.h"
 #include "engine/ShowFormat.h"
 #include "engine/bus/Bus.h"
 #include "engine/items/RasterWorker.h"
@@ -29,8 +29,8 @@ class ItemStage {
   void beginFrame();
 
  private:
-  std::mutex sizeMutex_;
-  FrameSize size_;  // guarded by sizeMutex_
+  Mutex sizeMutex_;
+  FrameSize size_ GUARDED_BY(sizeMutex_);
   std::atomic<bool> paintPadValid_{false};
 
   Bus& pgm_;

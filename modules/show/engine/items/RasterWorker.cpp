@@ -22,7 +22,7 @@ RasterWorker::RasterWorker() : thread_([this] { run(); }) {}
 
 RasterWorker::~RasterWorker() {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     stop_ = true;
   }
   wake_.notify_all();
@@ -31,7 +31,7 @@ RasterWorker::~RasterWorker() {
 
 void RasterWorker::request(const QString& key, Draw draw) {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     if (const auto waiting = withKey(requests_, key); waiting != requests_.end())
       waiting->draw.swap(draw);
     else
@@ -42,7 +42,7 @@ void RasterWorker::request(const QString& key, Draw draw) {
 
 void RasterWorker::withdraw(const QString& key) {
   Request withdrawn;  // what its function holds goes outside of the lock
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (const auto waiting = withKey(requests_, key); waiting != requests_.end()) {
     withdrawn = std::move(*waiting);
     requests_.erase(waiting);
@@ -64,7 +64,7 @@ void RasterWorker::deliver(const QString& key, LayerRef layer) {
 void RasterWorker::collect(std::vector<Drawn>& drawn) {
   bool discards = false;
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     if (discarded_.empty())
       discarded_.swap(drawn);
     else
@@ -81,9 +81,10 @@ void RasterWorker::run() {
   nameThread("kv-raster");
   runAsBatch();
   std::vector<Drawn> discarded;
-  std::unique_lock lock(mutex_);
+  MutexLock lock(mutex_);
   for (;;) {
-    wake_.wait(lock, [this] { return stop_ || !requests_.empty() || !discarded_.empty(); });
+    wake_.wait(lock,
+               [this]() REQUIRES(mutex_) { return stop_ || !requests_.empty() || !discarded_.empty(); });
     if (stop_)
       return;
     discarded.swap(discarded_);

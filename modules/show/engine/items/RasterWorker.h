@@ -2,12 +2,11 @@
 // images. All drawing with Qt for the engine is done here; drawing functions use QImage only.
 #pragma once
 #include <QString>
-#include <condition_variable>
 #include <functional>
-#include <mutex>
 #include <thread>
 #include <vector>
 
+#include "ThreadSafety.h"
 #include "engine/bus/Layer.h"
 
 namespace korvia {
@@ -47,16 +46,16 @@ class RasterWorker {
   };
 
   void run();
-  void deliver(const QString& key, LayerRef layer);
+  void deliver(const QString& key, LayerRef layer) REQUIRES(mutex_);
 
-  std::mutex mutex_;
-  std::condition_variable wake_;   // with mutex_
-  std::vector<Request> requests_;  // guarded by mutex_; a few, the oldest first
-  std::vector<Drawn> drawn_;       // guarded by mutex_
-  std::vector<Drawn> discarded_;   // guarded by mutex_
-  QString drawing_;                // guarded by mutex_; key of what is being drawn
-  bool drawingWithdrawn_ = false;  // guarded by mutex_
-  bool stop_ = false;              // guarded by mutex_
+  Mutex mutex_;
+  ConditionVariable wake_;
+  std::vector<Request> requests_ GUARDED_BY(mutex_);  // a few, the oldest first
+  std::vector<Drawn> drawn_ GUARDED_BY(mutex_);
+  std::vector<Drawn> discarded_ GUARDED_BY(mutex_);
+  QString drawing_ GUARDED_BY(mutex_);  // key of what is being drawn
+  bool drawingWithdrawn_ GUARDED_BY(mutex_) = false;
+  bool stop_ GUARDED_BY(mutex_) = false;
   std::thread thread_;
 };
 

@@ -21,7 +21,7 @@ std::uint8_t* TransitionScratch::Bytes::grownTo(std::size_t count) {
 Frame& TransitionScratch::frame(int place, FrameSize size) {
   std::unique_ptr<Frame>& kept = frames_[static_cast<std::size_t>(place)];
   if (!kept || kept->size() != size)
-    kept = std::make_unique<Frame>(size, false);
+    kept = std::make_unique<Frame>(size);
   return *kept;
 }
 

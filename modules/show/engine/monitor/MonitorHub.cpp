@@ -33,7 +33,8 @@ MonitorHub::~MonitorHub() {
 
 void MonitorHub::open(const tagKorviaShowWindowPackInfo& windows) {
   close();
-  const auto set = [this](int window, const tagKorviaWindowInfo& info) {
+  MutexLock lock(mutex_);
+  const auto set = [this](int window, const tagKorviaWindowInfo& info) REQUIRES(mutex_) {
     slots_[window].info = info;
     slots_[window].changed = true;
     wanted_[window] = info.winId != 0;
@@ -53,13 +54,16 @@ void MonitorHub::close() {
   if (!thread_.joinable())
     return;
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     stop_ = true;
   }
   wake_.notify_all();
   thread_.join();
-  for (Slot& slot : slots_)
-    slot = {};
+  {
+    MutexLock lock(mutex_);
+    for (Slot& slot : slots_)
+      slot = {};
+  }
   staged_ = {};
   wanted_ = {};
 }
@@ -69,7 +73,7 @@ void MonitorHub::resizeObject(int objectId, const tagKorviaWindowInfo& info) {
   if (window < 0 || info.winId == 0)
     return;
   wanted_[window] = true;
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   slots_[window].info = info;
   slots_[window].changed = true;
 }
@@ -83,7 +87,7 @@ void MonitorHub::commit() {
   if (!thread_.joinable())
     return;
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     for (int i = 0; i < WindowCount; ++i) {
       if (!staged_[i])
         continue;
@@ -102,9 +106,9 @@ void MonitorHub::run() {
   runBehind();
   factory_ = makeFactory_();
   std::array<FrameRef, WindowCount> pictures;
-  std::unique_lock lock(mutex_);
+  MutexLock lock(mutex_);
   for (;;) {
-    wake_.wait(lock, [this] { return stop_ || committed_; });
+    wake_.wait(lock, [this]() REQUIRES(mutex_) { return stop_ || committed_; });
     if (stop_)
       break;
     committed_ = false;
@@ -148,7 +152,7 @@ void MonitorHub::showPictures(std::array<FrameRef, WindowCount>& pictures) {
     // dropped.
     pictures[i].reset();
     if (i + 1 >= FirstMedia && i + 1 < WindowCount && pictures[i + 1]) {
-      std::lock_guard lock(mutex_);
+      MutexLock lock(mutex_);
       if (!committed_)
         continue;
       for (int rest = i + 1; rest < WindowCount; ++rest) {

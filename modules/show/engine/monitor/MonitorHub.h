@@ -4,12 +4,11 @@
 #pragma once
 #include <array>
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <thread>
 
+#include "ThreadSafety.h"
 #include "engine/StageClock.h"
 #include "engine/frame/Frame.h"
 #include "engine/monitor/MonitorSurface.h"
@@ -62,15 +61,15 @@ class MonitorHub {
   };
 
   void run();
-  void showPictures(std::array<FrameRef, WindowCount>& pictures);
+  void showPictures(std::array<FrameRef, WindowCount>& pictures) EXCLUDES(mutex_);
 
   StageClock& stages_;
   const MakeFactory makeFactory_;
-  std::mutex mutex_;
-  std::condition_variable wake_;              // with mutex_
-  std::array<Slot, WindowCount> slots_;       // guarded by mutex_
-  bool committed_ = false;                    // guarded by mutex_
-  bool stop_ = false;                         // guarded by mutex_
+  Mutex mutex_;
+  ConditionVariable wake_;
+  std::array<Slot, WindowCount> slots_ GUARDED_BY(mutex_);
+  bool committed_ GUARDED_BY(mutex_) = false;
+  bool stop_ GUARDED_BY(mutex_) = false;
   std::array<FrameRef, WindowCount> staged_;  // engine thread
   std::array<bool, WindowCount> wanted_{};    // engine thread
   std::thread thread_;

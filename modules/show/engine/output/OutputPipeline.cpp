@@ -56,14 +56,14 @@ void OutputPipeline::stop() {
 }
 
 void OutputPipeline::setFailure(const QString& text) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (failure_.isEmpty())
     failure_ = text;
   failed_ = true;
 }
 
 QString OutputPipeline::failure() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return failure_;
 }
 

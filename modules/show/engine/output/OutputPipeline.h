@@ -6,9 +6,9 @@
 #include <QString>
 #include <atomic>
 #include <functional>
-#include <mutex>
 
 #include "ElementProperty.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -53,8 +53,8 @@ class OutputPipeline {
   GstElement* pipeline_ = nullptr;
   std::atomic<bool> failed_{false};
   std::atomic<bool> ended_{false};
-  mutable std::mutex mutex_;
-  QString failure_;  // guarded by mutex_
+  mutable Mutex mutex_;
+  QString failure_ GUARDED_BY(mutex_);
 };
 
 }  // namespace korvia

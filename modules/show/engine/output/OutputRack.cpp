@@ -34,7 +34,7 @@ struct OutputRack::Ending {
       report.state = KorviaShowOutputState::Failed;
       report.reason = QStringLiteral("the end was not written in time");
     }
-    std::lock_guard lock(ledger->mutex);
+    MutexLock lock(ledger->mutex);
     if (ledger->starts[static_cast<std::size_t>(slot)] == start)
       ledger->reports[static_cast<std::size_t>(slot)] = report;
   }
@@ -57,19 +57,19 @@ void OutputRack::start(int slot, const tagKorviaShowOutputParam& param, const QS
   } else if (slot >= 0 && slot < kSlots) {
     end(slot);
     {
-      std::lock_guard lock(ledger_->mutex);
+      MutexLock lock(ledger_->mutex);
       ++ledger_->starts[static_cast<std::size_t>(slot)];
       ledger_->reports[static_cast<std::size_t>(slot)] = {};
     }
     std::shared_ptr<OutputSlot> output =
         createOutputSlot({slot, param, programName, format, *rate_}, janitor_);
     if (!output) {
-      std::lock_guard lock(ledger_->mutex);
+      MutexLock lock(ledger_->mutex);
       tagKorviaShowOutputReport& report = ledger_->reports[static_cast<std::size_t>(slot)];
       report.state = KorviaShowOutputState::Failed;
       report.reason = QString::fromLatin1(kNoTarget);
     }
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     slots_[slot] = std::move(output);
   }
   host_->postResult(ShowEventStartOutput, slot, toVariant(param));
@@ -89,8 +89,8 @@ void OutputRack::end(int slot) {
   int start = 0;
   {
     // Under both locks, so that reports() finds the output in one of the two places.
-    std::lock_guard lock(mutex_);
-    std::lock_guard ledgerLock(ledger_->mutex);
+    MutexLock lock(mutex_);
+    MutexLock ledgerLock(ledger_->mutex);
     start = ledger_->starts[static_cast<std::size_t>(slot)];
     ledger_->reports[static_cast<std::size_t>(slot)] = slots_[slot]->report();
     output = std::move(slots_[slot]);
@@ -99,8 +99,8 @@ void OutputRack::end(int slot) {
 }
 
 OutputRack::Reports OutputRack::reports() const {
-  std::lock_guard lock(mutex_);
-  std::lock_guard ledgerLock(ledger_->mutex);
+  MutexLock lock(mutex_);
+  MutexLock ledgerLock(ledger_->mutex);
   Reports reports = ledger_->reports;
   for (std::size_t slot = 0; slot < slots_.size(); ++slot) {
     if (slots_[slot])
@@ -117,12 +117,12 @@ void OutputRack::push(const FrameRef& frame, int count) {
 }
 
 bool OutputRack::isRunning(int slot) const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return slots_[slot] && slots_[slot]->figures().up;
 }
 
 void OutputRack::statistics(tagKorviaOutputStatistics& statistics) const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   for (int slot = 0; slot < kSlots; ++slot) {
     if (!slots_[slot])
       continue;

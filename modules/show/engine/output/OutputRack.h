@@ -3,9 +3,9 @@
 #pragma once
 #include <array>
 #include <memory>
-#include <mutex>
 #include <optional>
 
+#include "ThreadSafety.h"
 #include "backend/IShowBackend.h"
 #include "engine/Janitor.h"
 #include "engine/ShowFormat.h"
@@ -48,9 +48,10 @@ class OutputRack {
  private:
   /// The final reports of the outputs; shared with outputs that still end when the rack is destroyed.
   struct Ledger {
-    std::mutex mutex;
-    Reports reports;                   // guarded by mutex
-    std::array<int, kSlots> starts{};  // guarded by mutex; a late end of an output before is not told
+    Mutex mutex;
+    Reports reports GUARDED_BY(mutex);
+    // Counts the outputs of each slot, so that the late end of an earlier one does not replace its report.
+    std::array<int, kSlots> starts GUARDED_BY(mutex){};
   };
   struct Ending;
 
@@ -60,7 +61,7 @@ class OutputRack {
   const std::shared_ptr<Ledger> ledger_ = std::make_shared<Ledger>();
   IShowBackendHost* host_ = nullptr;
   std::optional<FrameRate> rate_;  // of the open show
-  mutable std::mutex mutex_;
+  mutable Mutex mutex_;
   std::array<std::shared_ptr<OutputSlot>, kSlots>
       slots_;  // the pointers are written under mutex_, which the other threads hold to read
 };

@@ -31,7 +31,7 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
   if (!frame || targets_.isEmpty())
     return;
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     if (!accepting_)
       return;
     if (!queue_.push(frame, frameIndex)) {
@@ -44,18 +44,19 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
 }
 
 void SlotEncoder::finish() {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   accepting_ = false;
   changed_.notify_all();
 }
 
 bool SlotEncoder::waitFinished(int timeoutMs) {
-  std::unique_lock lock(mutex_);
-  return changed_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [this] { return finished_; });
+  MutexLock lock(mutex_);
+  return changed_.wait_for(lock, std::chrono::milliseconds(timeoutMs),
+                           [this]() REQUIRES(mutex_) { return finished_; });
 }
 
 EncoderFigures SlotEncoder::figures() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   EncoderFigures figures = figures_;
   figures.framesEncoded = framesEncoded_;
   return figures;
@@ -76,10 +77,12 @@ SlotEncoder::Step SlotEncoder::step() {
   bool finishing = false;
   bool drained = false;
   {
-    std::unique_lock lock(mutex_);
+    MutexLock lock(mutex_);
     const auto isOver = [this] { return pipeline_ && (pipeline_->isEnded() || pipeline_->hasFailed()); };
-    const auto canFeed = [this] { return !queue_.isEmpty() && (!pipeline_ || pipeline_->hasRoom()); };
-    const auto mustAct = [&] {
+    const auto canFeed = [this]() REQUIRES(mutex_) {
+      return !queue_.isEmpty() && (!pipeline_ || pipeline_->hasRoom());
+    };
+    const auto mustAct = [&]() REQUIRES(mutex_) {
       return canFeed() || isOver() || (!accepting_ && queue_.isEmpty() && !streamEnded_);
     };
     const qint64 untilMeasure = std::max<qint64>(1, kMeasureMs - sinceMeasure_.elapsed());
@@ -159,7 +162,7 @@ void SlotEncoder::onPacket(const Packet& packet) {
 void SlotEncoder::wake() {
   // Taking the lock once makes sure that the waiting thread is not between its test and its wait, where it
   // would miss the notification.
-  { std::lock_guard lock(mutex_); }
+  { MutexLock lock(mutex_); }
   changed_.notify_all();
 }
 
@@ -169,7 +172,7 @@ void SlotEncoder::measure() {
   const qint64 bytes = bytesEncoded_;
   qint64 dropped = 0;
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     figures_.framesPerSecond =
         static_cast<float>(frames - lastFrames_) * 1000.0F / static_cast<float>(elapsedMs);
     figures_.videoKbps = static_cast<float>(bytes - lastBytes_) * 8.0F / static_cast<float>(elapsedMs);
@@ -189,7 +192,7 @@ void SlotEncoder::close(bool failed) {
     qCWarning(logOutput, "%s cannot be encoded : %s", qPrintable(settings_.label), qPrintable(reason_));
   // All packets are delivered to the targets at this point.
   targets_.finishAll();
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   accepting_ = false;
   while (!queue_.isEmpty())
     queue_.pop();

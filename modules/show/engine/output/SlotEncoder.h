@@ -5,14 +5,13 @@
 #include <QElapsedTimer>
 #include <QString>
 #include <atomic>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 #include "EncodePipeline.h"
 #include "FrameQueue.h"
 #include "TargetList.h"
+#include "ThreadSafety.h"
 #include "engine/frame/FramePool.h"
 
 namespace korvia {
@@ -69,10 +68,10 @@ class SlotEncoder {
   bool feed(const QueuedFrame& queued);
   bool open();
   void onPacket(const Packet& packet);
-  void wake();
+  void wake() EXCLUDES(mutex_);
   /// Called once a second: logs dropped frames and computes the rates.
-  void measure();
-  void close(bool failed);
+  void measure() EXCLUDES(mutex_);
+  void close(bool failed) EXCLUDES(mutex_);
 
   const EncoderSettings settings_;
   TargetList targets_;
@@ -90,12 +89,12 @@ class SlotEncoder {
   std::atomic<qint64> framesEncoded_{0};
   std::atomic<qint64> bytesEncoded_{0};
 
-  mutable std::mutex mutex_;
-  std::condition_variable changed_;  ///< anything below, or the pipeline
-  FrameQueue queue_;                 // guarded by mutex_
-  bool accepting_ = true;            // guarded by mutex_; false from finish() or a failure on
-  bool finished_ = false;            // guarded by mutex_; the thread is about to end
-  EncoderFigures figures_;           // guarded by mutex_; but for framesEncoded
+  mutable Mutex mutex_;
+  ConditionVariable changed_;  ///< anything below, or the pipeline
+  FrameQueue queue_ GUARDED_BY(mutex_);
+  bool accepting_ GUARDED_BY(mutex_) = true;   // false from finish() or a failure on
+  bool finished_ GUARDED_BY(mutex_) = false;   // the thread is about to end
+  EncoderFigures figures_ GUARDED_BY(mutex_);  // framesEncoded stands in the atomic
 
   // Used on the thread of the encoder only; its streaming thread calls onPacket() and wake().
   std::unique_ptr<EncodePipeline> pipeline_;

@@ -5,13 +5,12 @@
 #include <QImage>
 #include <QImageWriter>
 #include <QSaveFile>
-#include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <utility>
 
 #include "DrivePath.h"
 #include "FrameExport.h"
+#include "ThreadSafety.h"
 #include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
@@ -51,11 +50,11 @@ struct SnapshotWriter::State {
     QString path;
   };
 
-  std::mutex mutex;
-  std::condition_variable changed;
-  std::deque<Job> jobs;  // guarded by mutex
-  bool busy = false;     // guarded by mutex; a job is being written
-  bool stop = false;     // guarded by mutex
+  Mutex mutex;
+  ConditionVariable changed;
+  std::deque<Job> jobs GUARDED_BY(mutex);
+  bool busy GUARDED_BY(mutex) = false;  // a job is being written
+  bool stop GUARDED_BY(mutex) = false;
 };
 
 SnapshotWriter::SnapshotWriter()
@@ -64,7 +63,7 @@ SnapshotWriter::SnapshotWriter()
 SnapshotWriter::~SnapshotWriter() {
   const bool flushed = flush(kEndMs);
   {
-    std::lock_guard lock(state_->mutex);
+    MutexLock lock(state_->mutex);
     state_->stop = true;
     state_->changed.notify_all();
   }
@@ -80,7 +79,7 @@ bool SnapshotWriter::write(const FrameRef& frame, const QString& path) {
   if (!frame)
     return false;
   {
-    std::lock_guard lock(state_->mutex);
+    MutexLock lock(state_->mutex);
     if (state_->jobs.size() < kQueueCapacity) {
       state_->jobs.push_back({frame, path});
       state_->changed.notify_all();
@@ -92,17 +91,18 @@ bool SnapshotWriter::write(const FrameRef& frame, const QString& path) {
 }
 
 bool SnapshotWriter::flush(int timeoutMs) {
-  std::unique_lock lock(state_->mutex);
-  return state_->changed.wait_for(lock, std::chrono::milliseconds(timeoutMs),
-                                  [this] { return state_->jobs.empty() && !state_->busy; });
+  MutexLock lock(state_->mutex);
+  return state_->changed.wait_for(
+      lock, std::chrono::milliseconds(timeoutMs),
+      [this]() REQUIRES(state_->mutex) { return state_->jobs.empty() && !state_->busy; });
 }
 
 void SnapshotWriter::run(const std::shared_ptr<State>& state) {
   nameThread("kv-snapshot");
   runAsBatch();
-  std::unique_lock lock(state->mutex);
+  MutexLock lock(state->mutex);
   for (;;) {
-    state->changed.wait(lock, [&] { return state->stop || !state->jobs.empty(); });
+    state->changed.wait(lock, [&]() REQUIRES(state->mutex) { return state->stop || !state->jobs.empty(); });
     if (state->stop)
       return;
     const State::Job job = std::move(state->jobs.front());

@@ -36,7 +36,7 @@ Target::~Target() {
   finish();
   QDeadlineTimer end;
   {
-    std::lock_guard lock(share_->mutex);
+    MutexLock lock(share_->mutex);
     end = share_->finishDeadline;
   }
   if (waitFinished(static_cast<int>(end.remainingTime()) + kCloseMs)) {
@@ -50,7 +50,7 @@ Target::~Target() {
 
 bool Target::push(const Packet& packet) {
   {
-    std::lock_guard lock(share_->mutex);
+    MutexLock lock(share_->mutex);
     if (!share_->accepting)
       return false;
     if (!share_->originNs) {
@@ -80,19 +80,19 @@ bool Target::push(const Packet& packet) {
 }
 
 void Target::finish() {
-  std::lock_guard lock(share_->mutex);
+  MutexLock lock(share_->mutex);
   share_->endAccepting();
   share_->changed.notify_all();
 }
 
 bool Target::waitFinished(int timeoutMs) {
-  std::unique_lock lock(share_->mutex);
+  MutexLock lock(share_->mutex);
   return share_->changed.wait_for(lock, std::chrono::milliseconds(timeoutMs),
-                                  [this] { return share_->ended; });
+                                  [this]() REQUIRES(share_->mutex) { return share_->ended; });
 }
 
 TargetFigures Target::figures() const {
-  std::lock_guard lock(share_->mutex);
+  MutexLock lock(share_->mutex);
   TargetFigures figures = share_->figures;
   figures.queuedBytes = share_->queue.bytes();
   figures.queuedNs = share_->queue.durationNs();

@@ -6,24 +6,24 @@
 namespace korvia {
 
 void TargetList::join(std::shared_ptr<Target> target) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   addEntry({std::move(target), nullptr, true});
 }
 
 void TargetList::leave(const Target& target) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   removeEntry(&target);
 }
 
 void TargetList::replace(const Target& last, std::shared_ptr<Target> next) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   const bool isThere = std::any_of(entries_.begin(), entries_.end(),
                                    [&last](const Entry& entry) { return entry.target.get() == &last; });
   addEntry({std::move(next), isThere ? &last : nullptr, true});
 }
 
 bool TargetList::takeKeyRequest() {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (keyAsked_)
     return false;
   keyAsked_ = std::any_of(entries_.begin(), entries_.end(), [](const Entry& entry) { return entry.waiting; });
@@ -31,7 +31,7 @@ bool TargetList::takeKeyRequest() {
 }
 
 void TargetList::deliver(const Packet& packet) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (packet.keyFrame)
     beginAtKeyFrame();
   for (std::size_t i = 0; i < entries_.size();) {
@@ -43,7 +43,7 @@ void TargetList::deliver(const Packet& packet) {
 }
 
 void TargetList::finishAll() {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   ended_ = true;
   while (!entries_.empty())
     removeEntry(entries_.back().target.get());

@@ -4,10 +4,10 @@
 #pragma once
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 #include "Target.h"
+#include "ThreadSafety.h"
 #include "engine/Janitor.h"
 
 namespace korvia {
@@ -45,15 +45,15 @@ class TargetList {
     bool waiting = true;
   };
 
-  void addEntry(Entry entry);
-  void removeEntry(const Target* target);
-  void beginAtKeyFrame();
+  void addEntry(Entry entry) REQUIRES(mutex_);
+  void removeEntry(const Target* target) REQUIRES(mutex_);
+  void beginAtKeyFrame() REQUIRES(mutex_);
 
   Janitor& janitor_;
-  std::mutex mutex_;
-  std::vector<Entry> entries_;         // guarded by mutex_
-  bool keyAsked_ = false;              // guarded by mutex_; a key frame was asked for and has not come yet
-  bool ended_ = false;                 // guarded by mutex_
+  Mutex mutex_;
+  std::vector<Entry> entries_ GUARDED_BY(mutex_);
+  bool keyAsked_ GUARDED_BY(mutex_) = false;  // a key frame was asked for and has not come yet
+  bool ended_ GUARDED_BY(mutex_) = false;
   std::atomic<std::size_t> count_{0};  // of entries_
 };
 

@@ -36,7 +36,7 @@ bool TargetWorker::start() {
   const bool opened = writer_->open([share = share_.get()] {
     // Taking the lock once makes sure that the waiting thread is not between its test and its wait, where it
     // would miss the notification.
-    { std::lock_guard lock(share->mutex); }
+    { MutexLock lock(share->mutex); }
     share->changed.notify_all();
   });
   if (!opened) {
@@ -45,7 +45,7 @@ bool TargetWorker::start() {
   }
   sinceCheck_.start();
   const QString location = writer_->location();
-  std::lock_guard lock(share_->mutex);
+  MutexLock lock(share_->mutex);
   share_->figures.location = location;
   return true;
 }
@@ -56,9 +56,11 @@ TargetWorker::Step TargetWorker::step() {
   bool drained = false;
   QDeadlineTimer deadline;
   {
-    std::unique_lock lock(share_->mutex);
-    const auto canWrite = [this] { return !share_->queue.isEmpty() && writer_->hasRoom(); };
-    const auto mustAct = [&] {
+    MutexLock lock(share_->mutex);
+    const auto canWrite = [this]() REQUIRES(share_->mutex) {
+      return !share_->queue.isEmpty() && writer_->hasRoom();
+    };
+    const auto mustAct = [&]() REQUIRES(share_->mutex) {
       return canWrite() || writer_->progress() != TargetWriter::Progress::Open ||
              (!share_->accepting && share_->queue.isEmpty() && !endAsked_);
     };
@@ -114,7 +116,7 @@ void TargetWorker::check(bool finishing) {
     reason_ = writer_->failure();
   qint64 dropped = 0;
   {
-    std::lock_guard lock(share_->mutex);
+    MutexLock lock(share_->mutex);
     if (!goesOn)
       share_->endAccepting();
     dropped = share_->figures.framesDropped;
@@ -128,7 +130,7 @@ void TargetWorker::check(bool finishing) {
 void TargetWorker::close(bool failed) {
   TargetOutcome outcome{failed, reason_, 0, 0};
   {
-    std::lock_guard lock(share_->mutex);
+    MutexLock lock(share_->mutex);
     share_->endAccepting();
     share_->queue.clear();
     outcome.framesWritten = share_->figures.framesWritten;
@@ -136,7 +138,7 @@ void TargetWorker::close(bool failed) {
   }
   writer_->close(outcome);
   const qint64 bytesWritten = writer_->bytesWritten();
-  std::lock_guard lock(share_->mutex);
+  MutexLock lock(share_->mutex);
   share_->figures.state = failed ? TargetState::Failed : TargetState::Finished;
   share_->figures.reason = reason_;
   share_->figures.bytesWritten = bytesWritten;

@@ -3,14 +3,13 @@
 #pragma once
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 #include "PacketQueue.h"
 #include "Target.h"
 #include "TargetWriter.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -18,19 +17,18 @@ struct TargetShare {
   explicit TargetShare(TargetSettings own)
       : settings(std::move(own)), queue(settings.queueBytes, settings.queueNs) {}
 
-  /// Holding `mutex`.
-  void endAccepting();
+  void endAccepting() REQUIRES(mutex);
 
   const TargetSettings settings;
-  std::mutex mutex;
-  std::condition_variable changed;  ///< anything below, or the writer
-  PacketQueue queue;                // guarded by mutex
-  std::optional<qint64> originNs;   // guarded by mutex; encoder's time of the first key frame
-  qint64 pictureEndNs = 0;          // guarded by mutex; of the newest picture, queued or not
-  bool accepting = true;            // guarded by mutex; false from the first end or failure on
-  QDeadlineTimer finishDeadline;    // guarded by mutex; set when accepting becomes false
-  bool ended = false;               // guarded by mutex; all is closed and the thread about to end
-  TargetFigures figures;            // guarded by mutex; but for the queue's figures
+  Mutex mutex;
+  ConditionVariable changed;  ///< anything below, or the writer
+  PacketQueue queue GUARDED_BY(mutex);
+  std::optional<qint64> originNs GUARDED_BY(mutex);  // encoder's time of the first key frame
+  qint64 pictureEndNs GUARDED_BY(mutex) = 0;         // of the newest picture, queued or not
+  bool accepting GUARDED_BY(mutex) = true;           // false from the first end or failure on
+  QDeadlineTimer finishDeadline GUARDED_BY(mutex);   // set when accepting becomes false
+  bool ended GUARDED_BY(mutex) = false;              // all is closed and the thread about to end
+  TargetFigures figures GUARDED_BY(mutex);           // the queue knows its own figures
 };
 
 class TargetWorker {

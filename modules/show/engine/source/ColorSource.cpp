@@ -8,7 +8,7 @@ namespace korvia {
 
 namespace {
 
-// White, yellow, cyan, green, magenta, red, blue at 75 %, as BT.709 has them in 8 bits.
+// White, yellow, cyan, green, magenta, red, blue at 75 %: Y, U and V of BT.709 in 8 bits.
 constexpr std::array<std::array<std::uint8_t, 3>, 7> kBars{{{180, 128, 128},
                                                             {168, 44, 136},
                                                             {145, 147, 44},
@@ -18,11 +18,11 @@ constexpr std::array<std::array<std::uint8_t, 3>, 7> kBars{{{180, 128, 128},
                                                             {28, 212, 120}}};
 
 FrameRef renderBars(FrameSize size) {
-  MutableFrame frame(new Frame(size, false));
+  MutableFrame frame(new Frame(size));
   const int count = static_cast<int>(kBars.size());
   int left = 0;
   for (int i = 0; i < count; ++i) {
-    // Edges are even, so that chroma changes where luma does.
+    // Edges are even, so that luma and chroma change at the same place.
     const int right = i + 1 < count ? size.width * (i + 1) / count / 2 * 2 : size.width;
     if (right > left)
       fillColumns(*frame, left, right, kBars[static_cast<std::size_t>(i)]);
@@ -32,7 +32,7 @@ FrameRef renderBars(FrameSize size) {
 }
 
 FrameRef renderColor(FrameSize size, QRgb color) {
-  MutableFrame frame(new Frame(size, false));
+  MutableFrame frame(new Frame(size));
   fillColumns(*frame, 0, size.width, codeValues(color));
   return std::move(frame).publish();
 }

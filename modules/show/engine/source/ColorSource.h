@@ -1,4 +1,5 @@
-// One colour, or 75 % colour bars. Rendered once, when it is opened. Console thread, except pullFrame.
+// A source of one colour or of 75 % colour bars. The picture is rendered once, when the source is opened.
+// Console thread, except pullFrame: engine thread.
 #pragma once
 #include "PictureSource.h"
 

@@ -2,18 +2,19 @@
 
 #include <algorithm>
 #include <cmath>
-#include <mutex>
+
+#include "ThreadSafety.h"
 
 namespace korvia {
 
 namespace {
 
-// A node each 16 codes of 1024.
+// The table has a node every 16 codes of 1024.
 constexpr int kLumaShift = 4;
 constexpr int kChromaShift = 4;
 constexpr int kLumaNodes = (1024 >> kLumaShift) + 1;
 constexpr int kChromaNodes = (1024 >> kChromaShift) + 1;
-// Bits behind the point of a table's value.
+// Fraction bits of a value in the table.
 constexpr int kFraction = 6;
 
 constexpr double kHdrPeak = 1000;  // cd/m2
@@ -21,7 +22,7 @@ constexpr double kSdrPeak = 100;
 
 using Rgb = std::array<double, 3>;
 
-// BT.2020.
+// Luma weights and chroma divisors of BT.2020.
 constexpr Rgb kLuma2020{0.2627, 0.6780, 0.0593};
 constexpr double kCb2020 = 1.8814;
 constexpr double kCr2020 = 1.4746;
@@ -51,7 +52,7 @@ double hlgToScene(double value) {
   return value <= 0.5 ? value * value / 3 : (std::exp((value - c) / a) + b) / 12;
 }
 
-/// Display light, 1 at the HDR peak.
+/// Code values to display light, which is 1 at the HDR peak.
 Rgb toLight(ColorTable::Kind kind, const Rgb& coded) {
   Rgb light;
   if (kind == ColorTable::Kind::Pq) {
@@ -68,7 +69,7 @@ Rgb toLight(ColorTable::Kind kind, const Rgb& coded) {
   return light;
 }
 
-/// BT.2446-1, method A, on luma with gamma 2.4.
+/// The tone map of BT.2446-1, method A, for luma with gamma 2.4.
 double mapLuma(double y) {
   const double rhoHdr = 1 + 32 * std::pow(kHdrPeak / 10000, 1 / 2.4);
   const double rhoSdr = 1 + 32 * std::pow(kSdrPeak / 10000, 1 / 2.4);
@@ -83,7 +84,7 @@ double mapLuma(double y) {
   return (std::pow(rhoSdr, mapped) - 1) / (rhoSdr - 1);
 }
 
-/// HDR light to SDR, both BT.2020, the result with gamma 2.4.
+/// Display light of HDR to code values of SDR with gamma 2.4, both with the primaries of BT.2020.
 Rgb mapTone(const Rgb& light) {
   Rgb coded;
   for (std::size_t i = 0; i < 3; ++i)
@@ -99,13 +100,14 @@ Rgb mapTone(const Rgb& light) {
 }
 
 using Matrix = double[3][3];
-// To BT.709 in linear light: BT.2407, and the same for the primaries of P3 with a white of D65.
+// Matrices to the primaries of BT.709 in linear light: from BT.2020 as in BT.2407, and from P3 with a white
+// of D65.
 constexpr Matrix kFrom2020 = {
     {1.660491, -0.587641, -0.072850}, {-0.124550, 1.132900, -0.008349}, {-0.018151, -0.100579, 1.118730}};
 constexpr Matrix kFromP3 = {
     {1.224940, -0.224940, 0.0}, {-0.042057, 1.042057, 0.0}, {-0.019638, -0.078636, 1.098274}};
 
-/// Gamma 2.4 on both sides.
+/// Input and output have gamma 2.4.
 Rgb mapGamut(const Rgb& coded, const Matrix& matrix) {
   Rgb light;
   for (std::size_t i = 0; i < 3; ++i)
@@ -143,9 +145,9 @@ std::optional<ColorTable::Kind> ColorTable::kindOf(const GstVideoColorimetry& co
 }
 
 std::shared_ptr<const ColorTable> ColorTable::of(Kind kind) {
-  static std::mutex mutex;
+  static Mutex mutex;
   static std::array<std::weak_ptr<const ColorTable>, 4> tables;
-  std::lock_guard lock(mutex);
+  MutexLock lock(mutex);
   std::weak_ptr<const ColorTable>& held = tables[static_cast<std::size_t>(kind)];
   std::shared_ptr<const ColorTable> table = held.lock();
   if (!table) {
@@ -203,8 +205,8 @@ namespace {
 constexpr int kLumaOne = 1 << kLumaShift;
 constexpr int kCodeMask = (1 << ColorTable::kDepth) - 1;
 
-/// Between two nodes along luma; `low` and `high` are weighted sums over four columns. Fits 32 bits: 14 of a
-/// table's value, 8 of the weights, 4 of `part`.
+/// Interpolates between two nodes along luma; `low` and `high` are weighted sums over four columns. The result
+/// fits 32 bits: 14 of a table's value, 8 of the weights, 4 of `part`.
 std::uint8_t between(int low, int high, int part) {
   constexpr int kShift = kLumaShift + 2 * kChromaShift + kFraction;
   return static_cast<std::uint8_t>((low * (kLumaOne - part) + high * part + (1 << (kShift - 1))) >> kShift);
@@ -251,7 +253,7 @@ void ColorTable::apply(const Picture& from, Frame& to) const {
         for (int x = 2 * cx; x < 2 * cx + 2; ++x) {
           const int code = y[row][x] & kCodeMask;
           total += code;
-          // Neighbours nearly always lie between the same nodes.
+          // Neighbouring samples nearly always lie between the same two nodes, so the sums are reused.
           if (code >> kLumaShift != cell) {
             cell = code >> kLumaShift;
             low = lumaNode(cell);

@@ -1,7 +1,7 @@
-// Maps pictures of a wide gamut or a high dynamic range to the working format: PQ, HLG, and the primaries of
-// BT.2020 and P3. The tone map is method A of Report ITU-R BT.2446-1, from 1000 to 100 cd/m2; the gamut is
-// mapped by matrix and clip in linear light (Report ITU-R BT.2407). All of it stands in one table over luma
-// and chroma codes, which is interpolated. Immutable, any thread.
+// Maps pictures with a wide gamut or a high dynamic range to the working format: PQ, HLG, and the primaries
+// of BT.2020 and P3. The tone map is method A of Report ITU-R BT.2446-1, from 1000 to 100 cd/m2; the gamut is
+// mapped by a matrix and clipped in linear light (Report ITU-R BT.2407). One table over luma and chroma codes
+// holds the whole mapping, and values between its nodes are interpolated. Immutable, any thread.
 #pragma once
 #include <gst/video/video.h>
 
@@ -17,7 +17,7 @@ namespace korvia {
 
 class ColorTable {
  public:
-  /// Bits of a sample that goes in.
+  /// Bits of an input sample.
   static constexpr int kDepth = 10;
 
   /// A planar 4:2:0 picture, 10 bit, limited range, with the matrix of BT.2020 (non-constant luminance).
@@ -31,19 +31,19 @@ class ColorTable {
 
   enum class Kind { Pq, Hlg, Bt2020, P3 };
 
-  /// What the colours need; none when they are near enough to BT.709's.
+  /// The kind of table that maps these colours; none when they are close enough to BT.709.
   static std::optional<Kind> kindOf(const GstVideoColorimetry& colors);
-  /// The table, made once while somebody holds it.
+  /// The table of a kind. All holders share it, and the last one frees it.
   static std::shared_ptr<const ColorTable> of(Kind kind);
-  /// One colour by the formulas themselves: 10-bit codes in, 8-bit code values out, not rounded.
+  /// Maps one colour by the formulas, without the table: 10-bit codes in, unrounded 8-bit code values out.
   static std::array<double, 3> exact(Kind kind, const std::array<int, 3>& codes);
 
-  /// Maps a picture of the frame's size, which is even. Planes Y, U and V of `to` are written.
+  /// Maps a picture of the size of `to`, with even width and height, into the planes Y, U and V of `to`.
   void apply(const Picture& from, Frame& to) const;
 
  private:
   explicit ColorTable(Kind kind);
-  /// Of a chroma cell: the first of its four columns, and their weights.
+  /// The four columns of nodes around a pair of chroma values, and their weights.
   struct ChromaPlace;
   ChromaPlace chromaPlace(int u, int v) const;
 

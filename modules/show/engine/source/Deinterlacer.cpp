@@ -10,10 +10,11 @@ namespace korvia {
 
 namespace {
 
-// A block counts as progressive-segmented after so many moving pictures in a row that say so.
+// A block counts as progressive-segmented from this sureness on. Each moving picture that looks like it adds
+// one.
 constexpr int kSureAfter = 3;
 constexpr int kSurest = 6;
-// Less movement in a sample of a block than this, on average, is noise.
+// An average movement of a sample below this is noise.
 constexpr std::uint32_t kLeastMovement = 2;
 
 /// The first line of the second field.
@@ -45,8 +46,9 @@ void Deinterlacer::judgeBlock(int column, int row, const Frame& picture, const F
   }
   if (sums.moved < samples * kLeastMovement)
     return;
-  // The first field lies as far in time from the second field before as from that after, when the material is
-  // interlaced; of progressive-segmented material it belongs to the one after.
+  // In interlaced material the first field is as far in time from the second field before it as from the
+  // second field after it. In progressive-segmented material it was shot together with the second field after
+  // it.
   std::uint8_t& sureness = segmented_[static_cast<std::size_t>(row * columns_ + column)];
   if (2 * sums.before >= 3 * sums.now)
     sureness = static_cast<std::uint8_t>(std::min(sureness + 1, kSurest));
@@ -66,7 +68,7 @@ void Deinterlacer::judgeBlocks(const Frame& picture, const Frame& before, FirstF
 
 void Deinterlacer::makePlane(int plane, const Frame& picture, FirstField first, Frame& to) {
   const PlaneView now = planeOf(picture, plane);
-  // The first picture is compared with zeros, from which every picture differs: all of it counts as moving.
+  // The first picture is compared with zeros, so that all of it counts as moving.
   const PlaneView then =
       before_ ? planeOf(*before_, plane) : PlaneView{zeros_.data(), 0, now.width, now.height};
   const WritablePlane out = writablePlaneOf(to, plane);
@@ -78,7 +80,7 @@ void Deinterlacer::makePlane(int plane, const Frame& picture, FirstField first, 
     const FieldLines lines = linesAt(now, then, y);
     const std::uint8_t* segmented = segmented_.data() + static_cast<std::ptrdiff_t>(y / block) * columns_;
     for (int x = 0; x < now.width;) {
-      // Neighbouring blocks of one kind are made at once.
+      // Neighbouring blocks that are treated the same way are done in one call.
       const bool keep = segmented[x / block] >= kSureAfter;
       int end = x;
       while (end < now.width && (segmented[end / block] >= kSureAfter) == keep)

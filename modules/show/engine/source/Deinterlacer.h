@@ -1,8 +1,8 @@
-// Makes one progressive picture of each interlaced one. The first field in time is kept as it is. A line of
-// the other field is kept where nothing moved since the picture before, where both fields were shot at once
-// (progressive-segmented material, found block by block), and where it lies between its neighbours; elsewhere
-// it is interpolated along edges. GStreamer's deinterlacers, yadif too, take still one-line detail for
-// combing and lose it. One thread at a time.
+// Makes one progressive picture of each interlaced one. The field that was shot first is kept. A line of the
+// other field is kept in three cases: nothing has moved since the picture before; both fields were shot at
+// once, which is detected block by block (progressive-segmented material); its samples lie between those of
+// the lines above and below. Elsewhere the line is interpolated along edges. GStreamer's deinterlacers, yadif
+// included, take still one-line detail for combing and lose it. One thread at a time.
 #pragma once
 #include <cstdint>
 #include <vector>
@@ -15,11 +15,9 @@ enum class FirstField { Top, Bottom };
 
 class Deinterlacer {
  public:
-  /// Fills `to`, of the picture's size. Pictures come in order; one of another size begins anew. The planes
-  /// of `picture` that `to` has are made.
+  /// Fills all planes of `to`, which has the size of `picture` and no more planes than it. Pictures come in
+  /// order; one of another size starts anew.
   void process(const FrameRef& picture, FirstField first, Frame& to);
-  /// A progressive picture of the same film passed.
-  void skip(const FrameRef& picture) { before_ = picture; }
 
  private:
   static constexpr int kBlock = 32;  // luma samples a side
@@ -31,7 +29,7 @@ class Deinterlacer {
   FrameRef before_;
   FrameSize size_;
   int columns_ = 0;
-  // How often in a row the block moved like progressive-segmented material.
+  // For each block: how sure it is that the block is progressive-segmented, from 0 to kSurest.
   std::vector<std::uint8_t> segmented_;
   std::vector<std::uint8_t> zeros_;
 };

@@ -8,12 +8,13 @@ namespace korvia {
 
 namespace {
 
-// Long enough that some data come through undelayed, short enough that drift moves little meanwhile.
+// A window is long enough that some data arrive undelayed, and so short that drift hardly changes the transit
+// in it.
 constexpr std::int64_t kWindowNs = 4'000'000'000;
-// A window further off the line than this has another level, if the next one agrees.
+// A window that is further from the line than this begins another level when the next window confirms it.
 constexpr std::int64_t kStepNs = 10'000'000;
 constexpr double kMostDrift = 1e-3;
-// Sum of the squared distances in time, in s^2, from which a slope is worth more than none: eight windows.
+// The slope is used from this sum of squared distances in time on, in s^2. Eight windows reach it.
 constexpr double kEnoughSpread = 600;
 
 double seconds(std::int64_t ns) {
@@ -79,7 +80,8 @@ void DriftEstimator::fit() {
     int last = first;
     double time = 0;
     double transit = 0;
-    // Relative to the segment's first point, so that doubles keep nanoseconds apart.
+    // Times are relative to the first point of the segment, because a double does not resolve nanoseconds of
+    // the absolute time.
     const Point& origin = at(first);
     for (; last < count_ && at(last).segment == origin.segment; ++last) {
       time += seconds(at(last).timeNs - origin.timeNs);

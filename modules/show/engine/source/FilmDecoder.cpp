@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "SourceLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 
@@ -10,9 +10,11 @@ namespace {
 
 constexpr std::int64_t kSecondNs = 1'000'000'000;
 constexpr std::chrono::seconds kOpenTimeout{10};
-// A drag of the slider asks for more places than can be shown: each gets this long to bring its picture.
+// While the operator drags the slider, seeks come faster than pictures. Each seek has this long to show its
+// picture before the next one begins.
 constexpr std::chrono::seconds kSeekTimeout{1};
-// Opening a film takes a part of a second on a busy machine; a decoder that waits holds one picture.
+// The next film is opened this long before the end. Opening takes part of a second on a busy machine, and a
+// decoder that waits holds one picture only.
 constexpr std::int64_t kOpenAheadNs = 5 * kSecondNs;
 constexpr int kMostEmptySegments = 2;
 
@@ -44,13 +46,13 @@ void FilmDecoder::tell(FilmEvent::Kind kind, int segment, const QString& reason)
 }
 
 bool FilmDecoder::waitForTurn() {
-  std::unique_lock lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   if (!admitted_ && !closed_) {
     lock.unlock();
     tell(FilmEvent::Kind::Picture);
     lock.lock();
   }
-  turn_.wait(lock, [this] { return admitted_ || closed_; });
+  turn_.wait(lock, [this]() REQUIRES(timelineMutex_) { return admitted_ || closed_; });
   return !closed_;
 }
 
@@ -60,7 +62,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
   std::optional<std::int64_t> ptsNs = known(GST_BUFFER_PTS(buffer));
   const std::optional<std::int64_t> durationNs = known(GST_BUFFER_DURATION(buffer));
   if (ptsNs && segment && segment->format == GST_FORMAT_TIME) {
-    // Decoders that do not cut to the place of a seek leave that to us.
+    // Some decoders do not cut at the place of a seek, so pictures that end before it are dropped here.
     const GstClockTime start = GST_BUFFER_PTS(buffer);
     const auto lasts = static_cast<GstClockTime>(durationNs.value_or(0));
     if (start < segment->start && start + lasts <= segment->start)
@@ -80,7 +82,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
   bool nearEnd = false;
   TimedFrame placed;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     if (closed_)
       return;
     segmentNumber = segment_;
@@ -91,7 +93,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
     nearEnd = !nearEnd_ && durationNs_ > 0 && placed.mediaNs + kOpenAheadNs >= durationNs_;
     nearEnd_ = nearEnd_ || nearEnd;
   }
-  // Told before the push, which waits as long as the film is paused at the seam of a loop.
+  // The event is sent before the push, because the push waits while the film is paused at the seam of a loop.
   if (first)
     tell(FilmEvent::Kind::Picture, segmentNumber);
   else if (newSize)
@@ -118,14 +120,14 @@ void FilmDecoder::onOrientation(const char* tag) {
 }
 
 void FilmDecoder::onFlushStart() {
-  std::lock_guard lock(timelineMutex_);
-  // At the seam of a loop the queued pictures bridge the time until new ones come.
+  MutexLock lock(timelineMutex_);
+  // At the seam of a loop the queue is not flushed, so that its pictures are shown until new ones come.
   if (join_ == StreamTimeline::Join::Jump)
     outlet_.queue.beginFlush(outlet_.clock.flush());
 }
 
 void FilmDecoder::onFlushStop() {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   beginSegment();
   outlet_.queue.endFlush();
 }
@@ -139,7 +141,7 @@ void FilmDecoder::beginSegment() {
 void FilmDecoder::onEndOfStream() {
   int segment = 0;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     segment = segment_;
   }
   tell(FilmEvent::Kind::EndOfStream, segment);
@@ -174,7 +176,7 @@ bool FilmDecoder::start() {
 bool FilmDecoder::refusePictures() {
   bool pushed = false;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     closed_ = true;
     pushed = startNs_ >= 0;
   }
@@ -197,7 +199,7 @@ void FilmDecoder::close(Queued queued) {
 
 void FilmDecoder::admit(std::int64_t timeNs) {
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     timeline_.beginSegmentAt(timeNs);
     admitted_ = true;
   }
@@ -208,7 +210,7 @@ bool FilmDecoder::goTo(std::int64_t positionNs, StreamTimeline::Join join) {
   if (!canSeek())
     return false;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     join_ = join;
     segmentStartNs_ = positionNs;
   }
@@ -228,7 +230,7 @@ bool FilmDecoder::restart(StreamTimeline::Join join) {
     close(Queued::Flush);
   pipeline_.reset();
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     join_ = join;
     segmentStartNs_ = 0;
     closed_ = false;
@@ -243,7 +245,7 @@ std::optional<std::int64_t> FilmDecoder::seekToPercent(double percent) {
   std::int64_t startNs = 0;
   std::int64_t lastNs = 0;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     startNs = startNs_;
     lastNs = std::max<std::int64_t>(0, durationNs_ - frameDurationNs_);
   }
@@ -263,7 +265,7 @@ bool FilmDecoder::loop() {
     return false;
   int pictures = 0;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     pictures = timeline_.pictures();
   }
   if (pictures == 0)
@@ -292,7 +294,7 @@ FilmDecoder::SegmentEnd FilmDecoder::noteEndOfStream() {
   std::int64_t mediaEndNs = 0;
   int pictures = 0;
   {
-    std::lock_guard lock(timelineMutex_);
+    MutexLock lock(timelineMutex_);
     startNs = startNs_;
     mediaEndNs = timeline_.mediaEndNs();
     pictures = timeline_.pictures();
@@ -302,7 +304,8 @@ FilmDecoder::SegmentEnd FilmDecoder::noteEndOfStream() {
   if (pictures > 0) {
     compareDuration(mediaEndNs - startNs);
   } else if (++emptySegments_ <= kMostEmptySegments && seekTargetNs_ > 0) {
-    // A seek behind the last picture: sound may be longer. Or a film that gives nothing any more.
+    // A seek went behind the last picture, because the sound is longer, or the film gives no pictures any
+    // more.
     goTo(std::max<std::int64_t>(0, seekTargetNs_ - kSecondNs * emptySegments_), StreamTimeline::Join::Jump);
     return SegmentEnd::SoughtBack;
   }
@@ -336,27 +339,27 @@ std::optional<FilmDecoder::Clock::time_point> FilmDecoder::deadline() const {
 }
 
 bool FilmDecoder::isAdmitted() const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return admitted_;
 }
 
 bool FilmDecoder::isCurrent(int segment) const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return segment == segment_;
 }
 
 bool FilmDecoder::isNearEnd() const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return nearEnd_;
 }
 
 std::int64_t FilmDecoder::endNs() const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return timeline_.endNs();
 }
 
 FrameSize FilmDecoder::pictureSize() const {
-  std::lock_guard lock(timelineMutex_);
+  MutexLock lock(timelineMutex_);
   return pictureSize_;
 }
 

@@ -1,72 +1,99 @@
-// One film being decoded: its pipeline, its places on the time line, its length. Its pictures go into a queue
-// that it shares with the films before and after it. One film at a time is admitted to the queue; the next
-// one decodes its first picture and waits with it.
-// Made, called and destroyed by the film's control thread, and those calls may block; pictures come on
-// GStreamer's threads. Failures, those of the calls too, are told as events.
+// Decodes one film: it owns the pipeline, the time line and the duration of the film. The pictures go into a
+// queue that the film shares with those before and after it. One film at a time is admitted to the queue; the
+// next one decodes its first picture and waits. The film's control thread makes, calls and destroys the
+// decoder, and those calls may block; pictures come on GStreamer's threads. All failures, also those of
+// calls, are reported as events.
 #pragma once
+#include <QString>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <optional>
 
-#include "FilmEvent.h"
 #include "FilmPipeline.h"
 #include "RateMeter.h"
 #include "Source.h"
 #include "StreamTimeline.h"
+#include "ThreadSafety.h"
 #include "VideoFrameMaker.h"
 #include "VideoQueue.h"
 
 namespace korvia {
 
+/// An event of a film, which any thread sends to the film's control thread.
+struct FilmEvent {
+  enum class Kind {
+    Picture,      ///< the first picture of a segment is decoded
+    NearEnd,      ///< the film that follows has to be opened now
+    EndOfStream,  ///< all pictures of a segment are in the queue
+    Facts,        ///< duration or picture size may have changed
+    Failure,
+    Shown,    ///< the picture on show belongs to another film than the one before
+    Drained,  ///< the last picture was shown for its whole duration
+  };
+
+  Kind kind;
+  int film = 0;  ///< FilmDecoder::number
+  int segment = 0;
+  QString reason;  ///< of a failure
+
+  friend bool operator==(const FilmEvent&, const FilmEvent&) = default;
+};
+
+class FilmEventSink {
+ public:
+  virtual ~FilmEventSink() = default;
+  /// Any thread; returns at once.
+  virtual void onFilmEvent(FilmEvent event) = 0;
+};
+
 class FilmDecoder : private FilmPipelineListener {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// Where pictures and events go; lives longer than the film.
+  /// Receives pictures and events; outlives the film.
   struct Outlet {
     MediaClock& clock;
     VideoQueue& queue;
     RateMeter& arrivals;
     FilmEventSink& sink;
   };
+  /// Whether pictures go into the queue at once or wait for admit().
   enum class Admission { AtOnce, Waits };
-  /// What becomes of pictures in the queue.
+  /// Whether the pictures in the queue stay.
   enum class Queued { Keep, Flush };
   enum class SegmentEnd {
-    NoPicture,   ///< the film has never had one
-    SoughtBack,  ///< nothing lies behind the place that was sought, so one before it is
+    NoPicture,   ///< the film has had no picture at all
+    SoughtBack,  ///< no picture follows the place that was sought, so an earlier one is sought
     Ended,
   };
 
-  /// `number` marks the film's pictures and events.
+  /// `number` identifies the film in its pictures and events.
   FilmDecoder(const SourceContext& context, const QString& path, int number, const Outlet& outlet,
               Admission admission);
   ~FilmDecoder() override;
 
   void open();
-  /// No further picture goes into the queue; true when some did before.
+  /// Puts no more pictures into the queue. Returns whether some had gone into it before.
   bool refusePictures();
-  /// For good; no picture comes after it. With Queued::Keep only when the film is not pushing: it is not
-  /// admitted, or at its end.
+  /// Ends the film for good; no picture comes after it. Queued::Keep is allowed only while the film does not
+  /// push: before it is admitted, or at its end.
   void close(Queued queued);
-  /// The film's first picture stands at `timeNs`, where the film before ends. Once.
+  /// Lets the pictures into the queue, the first one at `timeNs`, where the film before ends. Called once.
   void admit(std::int64_t timeNs);
-  /// The next picture is that at `percent` of the duration. Returns its place from the first picture in ns;
-  /// none when the film cannot be seeked.
+  /// Seeks to `percent` of the duration. Returns that place in ns from the first picture; none when the film
+  /// cannot be seeked.
   std::optional<std::int64_t> seekToPercent(double percent);
-  /// Goes back to the head; false when the film failed on the way.
+  /// Goes back to the beginning; false when the film fails in doing so.
   bool rewind();
-  /// After the end: goes on with the head without a seam; false when the film is not to be looped.
+  /// Called at the end: continues with the beginning, without a seam; false when the film cannot be looped.
   bool loop();
 
-  /// After an event of this film.
+  /// Called for an event of this film.
   void noteFirstPicture();
   SegmentEnd noteEndOfStream();
   void noteFacts();
-  /// Ends the waiting for a place that was sought, and fails when no picture came since the film was opened.
+  /// Stops waiting for a place that was sought, and fails when no picture has come since the film was opened.
   void handleTimeouts(Clock::time_point now);
   std::optional<Clock::time_point> deadline() const;
 
@@ -74,14 +101,14 @@ class FilmDecoder : private FilmPipelineListener {
   const QString& path() const { return path_; }
   bool isOpen() const { return pipeline_ != nullptr; }
   bool isAdmitted() const;
-  /// False for events of a segment that was left.
+  /// False for events of a segment that a seek or a loop has left.
   bool isCurrent(int segment) const;
   bool isNearEnd() const;
   bool hasEnded() const { return ended_; }
   bool isSeeking() const { return seekDeadline_.has_value(); }
-  /// False for a FIFO and the like, which can be read only once.
+  /// False for a FIFO or a device, which can be read only once.
   bool canSeek() const { return pipeline_ && pipeline_->isRegularFile(); }
-  /// On the time line: where what was decoded so far ends.
+  /// The end of what is decoded so far, on the time line of the clock.
   std::int64_t endNs() const;
   /// 0 when unknown.
   std::int64_t durationNs() const { return durationNs_; }
@@ -97,11 +124,12 @@ class FilmDecoder : private FilmPipelineListener {
   void onDurationChanged() override;
   void onFailure(const QString& reason) override;
 
-  void tell(FilmEvent::Kind kind, int segment = 0, const QString& reason = {});
+  void tell(FilmEvent::Kind kind, int segment = 0, const QString& reason = {}) EXCLUDES(timelineMutex_);
   bool waitForTurn();
-  TimedFrame place(FrameRef frame, std::optional<std::int64_t> ptsNs, std::optional<std::int64_t> durationNs);
+  TimedFrame place(FrameRef frame, std::optional<std::int64_t> ptsNs, std::optional<std::int64_t> durationNs)
+      REQUIRES(timelineMutex_);
   bool start();
-  void beginSegment();
+  void beginSegment() REQUIRES(timelineMutex_);
   bool goTo(std::int64_t positionNs, StreamTimeline::Join join);
   bool restart(StreamTimeline::Join join);
   void compareDuration(std::int64_t lastedNs);
@@ -113,19 +141,19 @@ class FilmDecoder : private FilmPipelineListener {
   VideoFrameMaker maker_;  // streaming thread
   std::atomic<std::int64_t> durationNs_{0};
 
-  mutable std::mutex timelineMutex_;
-  std::condition_variable turn_;  // with timelineMutex_
-  // All guarded by timelineMutex_.
-  StreamTimeline timeline_;
-  StreamTimeline::Join join_ = StreamTimeline::Join::Jump;
-  int segment_ = 0;
-  std::int64_t segmentStartNs_ = 0;
-  std::int64_t frameDurationNs_ = 0;
-  std::int64_t startNs_ = -1;  // where the first picture stands; streams may begin late
-  FrameSize pictureSize_;
-  bool admitted_;
-  bool closed_ = false;
-  bool nearEnd_ = false;
+  mutable Mutex timelineMutex_;
+  ConditionVariable turn_;
+  StreamTimeline timeline_ GUARDED_BY(timelineMutex_);
+  StreamTimeline::Join join_ GUARDED_BY(timelineMutex_) = StreamTimeline::Join::Jump;
+  int segment_ GUARDED_BY(timelineMutex_) = 0;
+  std::int64_t segmentStartNs_ GUARDED_BY(timelineMutex_) = 0;
+  std::int64_t frameDurationNs_ GUARDED_BY(timelineMutex_) = 0;
+  // Time stamp of the first picture, since a stream may begin late; negative before it.
+  std::int64_t startNs_ GUARDED_BY(timelineMutex_) = -1;
+  FrameSize pictureSize_ GUARDED_BY(timelineMutex_);
+  bool admitted_ GUARDED_BY(timelineMutex_);
+  bool closed_ GUARDED_BY(timelineMutex_) = false;
+  bool nearEnd_ GUARDED_BY(timelineMutex_) = false;
 
   // Control thread only.
   std::unique_ptr<FilmPipeline> pipeline_;

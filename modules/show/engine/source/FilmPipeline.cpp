@@ -13,7 +13,7 @@
 #include <cstring>
 
 #include "GstInit.h"
-#include "SourceLog.h"
+#include "engine/EngineLog.h"
 #include "engine/HappensBefore.h"
 #include "engine/ThreadPriority.h"
 
@@ -21,12 +21,12 @@ namespace korvia {
 
 namespace {
 
-// Compressed data that waits between demuxer and decoder: more than a second of any usual film.
+// The limit of compressed data between demuxer and decoder: more than a second of any usual film.
 constexpr guint kMostQueuedBytes = 4 * 1024 * 1024;
 
-// Elements that bring the process down: this one writes through a null buffer when the pictures are raw.
+// Elements that crash the process: avdemux_nut writes through a null pointer when the pictures are raw.
 constexpr const char* kUnsafeElements[] = {"avdemux_nut"};
-// decodebin's answers of "autoplug-select", which no header declares.
+// Results of decodebin's signal "autoplug-select", which no header declares.
 constexpr int kAutoplugTry = 0;
 constexpr int kAutoplugSkip = 2;
 
@@ -37,7 +37,7 @@ GstElement* makeElement(const char* factory, QString& reason) {
   return element;
 }
 
-/// The caps of a pad that is being exposed; to be unreferenced, may be null.
+/// The caps of a pad that is being exposed. The caller unreferences them; may be null.
 GstCaps* capsOf(GstPad* pad) {
   GstCaps* caps = gst_pad_get_current_caps(pad);
   return caps ? caps : gst_pad_query_caps(pad, nullptr);
@@ -63,7 +63,7 @@ void setIfThere(GstElement* element, const char* property, int value) {
   }
 }
 
-/// Where a parser keeps what the container said of its colours.
+/// The key under which a parser keeps the colorimetry that the container states.
 constexpr char kContainerColors[] = "korvia-container-colors";
 
 void replaceCaps(GstPadProbeInfo* info, GstCaps* caps) {
@@ -72,7 +72,8 @@ void replaceCaps(GstPadProbeInfo* info, GstCaps* caps) {
   gst_caps_unref(caps);
 }
 
-/// Takes the container's colours out of the caps that a parser gets, so that it looks for the stream's own.
+/// Removes the container's colorimetry from the caps of a parser, so that the parser reads that of the
+/// stream.
 GstPadProbeReturn takeContainerColors(GstPad* pad, GstPadProbeInfo* info, gpointer) {
   GstEvent* event = gst_pad_probe_info_get_event(info);
   if (GST_EVENT_TYPE(event) != GST_EVENT_CAPS)
@@ -91,7 +92,7 @@ GstPadProbeReturn takeContainerColors(GstPad* pad, GstPadProbeInfo* info, gpoint
   return GST_PAD_PROBE_OK;
 }
 
-/// Completes what the parser found in the stream by what the container said.
+/// Completes the colorimetry that the parser found in the stream with that of the container.
 GstPadProbeReturn completeColors(GstPad* pad, GstPadProbeInfo* info, gpointer) {
   GstEvent* event = gst_pad_probe_info_get_event(info);
   GstElement* parser = GST_EVENT_TYPE(event) == GST_EVENT_CAPS ? gst_pad_get_parent_element(pad) : nullptr;
@@ -119,8 +120,8 @@ GstPadProbeReturn completeColors(GstPad* pad, GstPadProbeInfo* info, gpointer) {
   return GST_PAD_PROBE_OK;
 }
 
-/// The MP4 demuxer drops the range that the container tells, and parsers believe the container: full-range
-/// films would count as limited. The stream's own word is better.
+/// The MP4 demuxer drops the range that the container states, and a parser prefers the container to the
+/// stream. Full-range films would then be shown as limited range, so the stream is preferred.
 void preferStreamColors(GstElement* parser) {
   GstPad* pad = gst_element_get_static_pad(parser, "sink");
   gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, takeContainerColors, nullptr, nullptr);
@@ -130,7 +131,7 @@ void preferStreamColors(GstElement* parser) {
   gst_object_unref(pad);
 }
 
-/// Lets decoders put out pictures with padding of their own, instead of copying out of them.
+/// Accepts pictures with padding, so that decoders need not copy their pictures to remove it.
 GstPadProbeReturn offerPaddedPictures(GstQuery* query) {
   if (GST_QUERY_TYPE(query) != GST_QUERY_ALLOCATION)
     return GST_PAD_PROBE_OK;
@@ -140,7 +141,8 @@ GstPadProbeReturn offerPaddedPictures(GstQuery* query) {
   if (!caps || !gst_video_info_from_caps(&info, caps))
     return GST_PAD_PROBE_OK;
   gst_query_add_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr);
-  // Without a pool that can align, a decoder of pictures like 1920 x 1088 cut to 1080 would still copy.
+  // Without a pool that can align, a decoder would still copy a picture that it crops, such as 1920 x 1088 to
+  // 1080 lines.
   GstBufferPool* pool = gst_video_buffer_pool_new();
   const auto size = static_cast<guint>(GST_VIDEO_INFO_SIZE(&info));
   gst_query_add_allocation_pool(query, pool, size, 0, 0);
@@ -155,7 +157,8 @@ FilmPipeline::FilmPipeline(FilmPipelineListener& listener) : listener_(listener)
 FilmPipeline::~FilmPipeline() {
   if (pipeline_) {
     gst_element_set_state(pipeline_, GST_STATE_NULL);
-    // GStreamer may hold the pipeline a little longer than we do, and removes pads when it lets it go.
+    // GStreamer may keep the pipeline a little longer and removes its pads when it frees it, so the signals
+    // are disconnected before.
     if (decoder_)
       g_signal_handlers_disconnect_by_data(decoder_, this);
     GstBus* bus = gst_element_get_bus(pipeline_);
@@ -209,7 +212,7 @@ bool FilmPipeline::makePictureChain(QString& reason) {
     return false;
   gst_bin_add(GST_BIN(pipeline_), pictureSink_);
   GstCaps* caps = gst_caps_new_empty_simple("video/x-raw");
-  // The media clock paces the film, so the sink runs free and needs no preroll.
+  // MediaClock paces the film, so the sink does not synchronise and needs no preroll.
   g_object_set(pictureSink_, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1u,
                "enable-last-sample", FALSE, "qos", FALSE, nullptr);
   gst_caps_unref(caps);
@@ -344,9 +347,9 @@ bool FilmPipeline::wantsDecoding(GstPad* pad, GstCaps* caps) {
   gchar* id = gst_pad_get_stream_id(pad);
   const std::string stream = id ? id : "";
   g_free(id);
-  std::lock_guard lock(streamMutex_);
-  // What a demuxer adds when all was there belongs to what follows: a transport stream may change its
-  // streams.
+  MutexLock lock(streamMutex_);
+  // Streams that a demuxer adds after it has announced all of them replace the ones before: a transport
+  // stream may change its streams.
   if (std::exchange(groupIsComplete_, false))
     pictureStream_.clear();
   if (pictureStream_.empty())
@@ -361,8 +364,8 @@ void FilmPipeline::onElementAdded(GstElement* element) {
     preferStreamColors(element);
   if (!factory || !gst_element_factory_list_is_type(factory, GST_ELEMENT_FACTORY_TYPE_DECODER))
     return;
-  // Up to eight films share few cores: a decoder with threads of its own wins nothing there, and costs a
-  // picture's delay and memory for each.
+  // Up to eight films share few cores. Threads of its own do not make a decoder faster there, and each costs
+  // the delay and the memory of a picture.
   for (const char* property : {"max-threads", "n-threads", "threads"})
     setIfThere(element, property, 1);
 }
@@ -383,7 +386,7 @@ void FilmPipeline::onPadAdded(GstPad* pad) {
 }
 
 bool FilmPipeline::takePicture(GstPad* pad) {
-  std::lock_guard lock(streamMutex_);
+  MutexLock lock(streamMutex_);
   if (picturePad_)
     return false;
   picturePad_ = pad;
@@ -391,16 +394,16 @@ bool FilmPipeline::takePicture(GstPad* pad) {
   return true;
 }
 
-// A stream that changes its codec in the middle gets another decoder: the old one's pad goes first.
+// A stream that changes its codec gets another decoder, and the pad of the old one is removed first.
 void FilmPipeline::onPadRemoved(GstPad* pad) {
-  std::lock_guard lock(streamMutex_);
+  MutexLock lock(streamMutex_);
   if (pad == picturePad_)
     picturePad_ = nullptr;
 }
 
 void FilmPipeline::linkPicture(GstPad* pad) {
   GstPad* sink = gst_element_get_static_pad(pictureSink_, "sink");
-  // After a change of the codec in the middle the way of the old decoder's pictures is still linked.
+  // After a change of the codec the old decoder is still linked.
   if (GstPad* old = gst_pad_get_peer(sink)) {
     gst_pad_unlink(old, sink);
     gst_object_unref(old);
@@ -410,7 +413,7 @@ void FilmPipeline::linkPicture(GstPad* pad) {
   gst_object_unref(sink);
 }
 
-// The film's sound, still encoded: the place where decoder and audio queue follow on.
+// Sound is still encoded here and is not used yet.
 void FilmPipeline::linkSound(GstPad* pad) {
   linkNowhere(pad);
 }
@@ -459,7 +462,7 @@ void FilmPipeline::fail(const QString& reason) {
 
 void FilmPipeline::onNoMorePads() {
   {
-    std::lock_guard lock(streamMutex_);
+    MutexLock lock(streamMutex_);
     groupIsComplete_ = true;
   }
   if (!hasPicture_)
@@ -480,7 +483,7 @@ GstBusSyncReply FilmPipeline::onMessage(GstBus*, GstMessage* message, gpointer s
     g_clear_error(&error);
     g_free(detail);
   }
-  // Nobody reads the bus; messages that stay would only pile up.
+  // Nobody reads the bus, and messages would pile up there.
   gst_message_unref(message);
   return GST_BUS_DROP;
 }

@@ -1,28 +1,29 @@
-// The GStreamer side of one film: file in, decoded pictures out. Sound is found but not decoded yet.
-// Made, seeked and destroyed by the film's control thread; those calls may block. The listener is called on
-// GStreamer's threads.
+// The GStreamer pipeline of one film: it reads a file and delivers decoded pictures. Sound is found but not
+// decoded yet. The film's control thread makes, seeks and destroys it, and those calls may block. GStreamer's
+// threads call the listener.
 #pragma once
 #include <gst/gst.h>
 
 #include <QString>
 #include <atomic>
-#include <mutex>
 #include <string>
+
+#include "ThreadSafety.h"
 
 namespace korvia {
 
-/// What a pipeline tells its film.
+/// Receives the pictures and events of a pipeline.
 class FilmPipelineListener {
  public:
   virtual ~FilmPipelineListener() = default;
-  /// A decoded picture; the time stamps of the buffer are those of the sample's segment. May wait.
+  /// A decoded picture. The time stamps of its buffer refer to the segment of the sample. The call may wait.
   virtual void onPicture(GstSample* sample) = 0;
-  /// The picture has to be turned by the tag's value.
+  /// Pictures have to be turned by this value of GST_TAG_IMAGE_ORIENTATION.
   virtual void onOrientation(const char* tag) = 0;
   virtual void onFlushStart() = 0;
   virtual void onFlushStop() = 0;
   virtual void onEndOfStream() = 0;
-  /// durationNs() may answer something new.
+  /// durationNs() may have changed.
   virtual void onDurationChanged() = 0;
   virtual void onFailure(const QString& reason) = 0;
 };
@@ -38,18 +39,18 @@ class FilmPipeline {
   /// Starts to decode; false with a reason when the path is no readable file or a plugin is missing. Never
   /// waits for the other end of a FIFO.
   bool start(const QString& path, QString& reason);
-  /// Flushes and goes on at `positionNs` exactly; false when the film cannot be seeked.
+  /// Flushes and continues exactly at `positionNs`; false when the film cannot be seeked.
   bool seek(std::int64_t positionNs);
   /// 0 when unknown.
   std::int64_t durationNs() const;
-  /// False for a FIFO and the like, which can be read only once.
+  /// False for a FIFO or a device, which can be read only once.
   bool isRegularFile() const { return regularFile_; }
 
  private:
   GstElement* makeReader(const QString& path, QString& reason);
   bool makePictureChain(QString& reason);
   void onPadAdded(GstPad* pad);
-  /// Whether the pad that was added is the one that pictures come from.
+  /// True when pictures are taken from the pad that was added: they come from the first one.
   bool takePicture(GstPad* pad);
   void onPadRemoved(GstPad* pad);
   void linkPicture(GstPad* pad);
@@ -71,10 +72,10 @@ class FilmPipeline {
   bool regularFile_ = true;
   std::atomic<bool> hasPicture_{false};
   std::atomic<bool> failed_{false};
-  std::mutex streamMutex_;
-  std::string pictureStream_;     // guarded by streamMutex_
-  GstPad* picturePad_ = nullptr;  // guarded by streamMutex_; the decoder's that is linked, compared only
-  bool groupIsComplete_ = false;  // guarded by streamMutex_
+  Mutex streamMutex_;
+  std::string pictureStream_ GUARDED_BY(streamMutex_);
+  GstPad* picturePad_ GUARDED_BY(streamMutex_) = nullptr;  // the decoder's linked pad; compared only
+  bool groupIsComplete_ GUARDED_BY(streamMutex_) = false;
 };
 
 }  // namespace korvia

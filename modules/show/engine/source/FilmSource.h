@@ -1,5 +1,5 @@
-// A film file: any container and codec that the installed plugins read. Plays by itself once it is open.
-// Console thread, except pullFrame: engine thread. Nothing here waits for the film.
+// A film file in any container and codec that the installed plugins read. It plays by itself once it is open.
+// Console thread, except pullFrame: engine thread. No call waits for the film.
 #pragma once
 #include <memory>
 

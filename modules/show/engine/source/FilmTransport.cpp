@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
-#include "SourceLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 
 namespace {
 
-// A list in which so many films in a row cannot be opened ends.
+// The sequence ends after this many films in a row that cannot be opened.
 constexpr int kMostSkipped = 16;
 
 }  // namespace
@@ -27,7 +27,7 @@ FilmTransport::~FilmTransport() = default;
 
 void FilmTransport::post(Command command, double percent) {
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     const bool seek = command == Command::Seek;
     if (seek && !requests_.empty() && requests_.back().command == Command::Seek)
       requests_.pop_back();
@@ -40,25 +40,27 @@ void FilmTransport::post(Command command, double percent) {
 
 void FilmTransport::close() {
   {
-    std::lock_guard lock(notifyMutex_);
+    RecursiveMutexLock lock(notifyMutex_);
     mayNotify_ = false;
   }
   closing_ = true;
   state_ = NothingSpecial;
   queue_.close();
   {
-    std::lock_guard lock(mutex_);  // so that the control thread is not between its look and its wait
+    // Under the lock the control thread is not between its test and its wait, where it would miss the
+    // notification.
+    MutexLock lock(mutex_);
   }
   wake_.notify_one();
 }
 
 QString FilmTransport::failureReason() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return failureReason_;
 }
 
 void FilmTransport::setFailureReason(const QString& reason) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   failureReason_ = reason;
 }
 
@@ -85,8 +87,8 @@ FrameRef FilmTransport::pull(int ticks) {
 
 void FilmTransport::onFilmEvent(FilmEvent event) {
   {
-    std::lock_guard lock(mutex_);
-    // A control thread that is held up by a disk finds each thing told once, however often it happened.
+    MutexLock lock(mutex_);
+    // Each event is queued once only, so that the queue stays short while a disk holds up the control thread.
     if (std::find(events_.begin(), events_.end(), event) != events_.end())
       return;
     events_.push_back(std::move(event));
@@ -102,11 +104,11 @@ void FilmTransport::run() {
     std::optional<FilmEvent> event;
     std::optional<Request> request;
     {
-      std::unique_lock lock(mutex_);
+      MutexLock lock(mutex_);
       if (const auto deadline = nextDeadline())
-        wake_.wait_until(lock, *deadline, [this] { return isReady(); });
+        wake_.wait_until(lock, *deadline, [this]() REQUIRES(mutex_) { return isReady(); });
       else
-        wake_.wait(lock, [this] { return isReady(); });
+        wake_.wait(lock, [this]() REQUIRES(mutex_) { return isReady(); });
       if (!events_.empty()) {
         event = std::move(events_.front());
         events_.pop_front();
@@ -152,7 +154,7 @@ std::unique_ptr<FilmDecoder> FilmTransport::makeFilm(const QString& path, FilmDe
 
 FilmDecoder* FilmTransport::filmOf(int number) const {
   for (FilmDecoder* film : {present_.get(), next_.get()}) {
-    // A film that failed often reports its end too.
+    // GStreamer often reports the end of a film after its failure, so events of a closed film are ignored.
     if (film && film->number() == number && film->isOpen())
       return film;
   }
@@ -245,7 +247,7 @@ void FilmTransport::handleShown(int number) {
 }
 
 void FilmTransport::handleDrained() {
-  // A seek or a play may have come between the end and this.
+  // A seek or a play may have come between the end and this event.
   if (!queue_.isDrained() || state_ != Playing)
     return;
   clock_.setPlaying(false);
@@ -333,7 +335,7 @@ void FilmTransport::play() {
   }
   clock_.setPlaying(true);
   state_ = Playing;
-  // The film may have reached its end in the tick in which it was paused, which nobody was told of.
+  // The film may have reached its end in the tick in which it was paused, and that event was ignored.
   handleDrained();
 }
 
@@ -375,13 +377,14 @@ void FilmTransport::seekToPercent(double percent) {
     return;
   }
   positionNs_ = *placeNs;
-  // The picture of that place is shown and stays until play.
+  // The picture at the new place is shown and stays until play.
   if (state_ == Ended || state_ == Stopped)
     state_ = Paused;
 }
 
 void FilmTransport::dropAdmitted() {
-  // Its pictures in the queue go with those of the present film; a film that waits has lost none.
+  // A flush of the present film drops the pictures of an admitted next film too, so that film has to begin
+  // anew. One that waits has lost no picture.
   if (!next_ || !next_->isAdmitted())
     return;
   next_->close(FilmDecoder::Queued::Flush);
@@ -389,7 +392,7 @@ void FilmTransport::dropAdmitted() {
 }
 
 void FilmTransport::notifySwitch() {
-  std::lock_guard lock(notifyMutex_);
+  RecursiveMutexLock lock(notifyMutex_);
   if (switchChannel_ && mayNotify_ && context_.sink)
     context_.sink->onSourceNotify(context_.id, kSourceNotifySwitch, *switchChannel_);
 }

@@ -1,43 +1,52 @@
-// Plays the films of a sequence: states, commands, the end, and the seam between one film and the next. All
-// films share one clock and one queue. The film that follows is opened while the present one still plays, and
-// goes on where that one ends without a missing or a repeated picture; one that cannot be opened is skipped
-// with a line in the log. When the present film itself fails, the state is Error. The control thread runs
-// run(); commands come from the console thread and return at once; pull() is the engine thread's. Shared by
-// the source and its control thread, whichever lives longer.
+// Plays the films of a sequence: state, commands, the end, and the seam between two films. All films share
+// one clock and one queue. The next film is opened while the present one still plays, and continues where
+// that one ends without a missing or a repeated picture; one that cannot be opened is skipped with a line in
+// the log. When the present film fails, the state is Error. The control thread calls run(), the engine thread
+// pull(); commands come from the console thread and return at once. The source and its control thread share
+// the object.
 #pragma once
 #include <QString>
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 #include "FilmDecoder.h"
-#include "FilmEvent.h"
-#include "FilmSequence.h"
 #include "RateMeter.h"
 #include "Source.h"
+#include "ThreadSafety.h"
 #include "VideoQueue.h"
 
 namespace korvia {
+
+/// The films that a FilmTransport plays, one or a list. A film is a path; when the path of the present film
+/// follows itself, the film loops. Called on the film's control thread.
+class FilmSequence {
+ public:
+  virtual ~FilmSequence() = default;
+  virtual QString present() const = 0;
+  /// The film after the present one and after `skipped` more that cannot be opened; empty when none follows.
+  virtual QString following(int skipped) const = 0;
+  /// Makes following(skipped) the present film, because it is on show now or the present film has looped.
+  virtual void advance(int skipped) = 0;
+};
 
 class FilmTransport : public FilmEventSink {
  public:
   enum class Command { Play, Pause, Stop, Seek };
 
-  /// `switchChannel` is what the sink is notified of when the last film has ended; none for no notify.
+  /// `switchChannel` is passed to the sink when the last film has ended; none for no notify.
   FilmTransport(const SourceContext& context, std::unique_ptr<FilmSequence> sequence,
                 std::optional<int> switchChannel);
   ~FilmTransport() override;
 
-  /// The control thread's work: opens the present film and serves all until close().
+  /// The control thread's work: opens the present film and handles events and commands until close().
   void run();
-  /// Console thread. `percent` counts for Seek only; the newest seek wins.
+  /// `percent` is for Seek only. A seek replaces one that waits directly before it. Console thread.
   void post(Command command, double percent = 0);
   void setHold(bool hold) { clock_.setHold(hold); }
-  /// Returns at once; no notify comes after it, and run() ends as soon as it can.
+  /// Returns at once. No notify comes after it, and run() ends as soon as it can.
   void close();
 
   FrameRef pull(int ticks);
@@ -50,7 +59,7 @@ class FilmTransport : public FilmEventSink {
   // Of the film on show; 0 when unknown.
   std::int64_t durationNs() const { return durationNs_; }
   std::int64_t positionNs() const { return positionNs_; }
-  /// Of the picture on show, or of the one before it while the next one is not there yet.
+  /// Of the picture on show; until the next picture is known, of the picture before it.
   std::int64_t pictureDurationNs() const { return pictureDurationNs_; }
   FrameSize pictureSize() const { return {pictureWidth_, pictureHeight_}; }
   std::int64_t framesShown() const { return framesShown_; }
@@ -65,7 +74,7 @@ class FilmTransport : public FilmEventSink {
   };
 
   // Control thread.
-  bool isReady() const;
+  bool isReady() const REQUIRES(mutex_);
   std::unique_ptr<FilmDecoder> makeFilm(const QString& path, FilmDecoder::Admission admission);
   FilmDecoder* filmOf(int number) const;
   void handleEvent(const FilmEvent& event);
@@ -75,9 +84,9 @@ class FilmTransport : public FilmEventSink {
   void handleShown(int number);
   void handleDrained();
   void handleFailure(const FilmDecoder& film, const QString& reason);
-  void setFailureReason(const QString& reason);
+  void setFailureReason(const QString& reason) EXCLUDES(mutex_);
   void handleRequest(const Request& request);
-  /// A film that failed is opened anew by play; stop takes the error away.
+  /// After a failure, play opens the film anew, and stop clears the error.
   void handleRequestAfterFailure(const Request& request);
   void handleTimeouts();
   void continueSequence();
@@ -89,7 +98,7 @@ class FilmTransport : public FilmEventSink {
   void seekToPercent(double percent);
   void dropAdmitted();
   void closeFilms();
-  void notifySwitch();
+  void notifySwitch() EXCLUDES(mutex_);
   std::optional<FilmDecoder::Clock::time_point> nextDeadline() const;
 
   const SourceContext context_;
@@ -109,19 +118,21 @@ class FilmTransport : public FilmEventSink {
   std::atomic<int> pictureHeight_{0};
   int shownFilm_ = 0;  // engine thread
 
-  mutable std::mutex mutex_;
-  std::condition_variable wake_;  // with mutex_
-  QString failureReason_;         // guarded by mutex_
-  std::deque<FilmEvent> events_;  // guarded by mutex_
-  std::deque<Request> requests_;  // guarded by mutex_
+  mutable Mutex mutex_;
+  ConditionVariable wake_;
+  QString failureReason_ GUARDED_BY(mutex_);
+  std::deque<FilmEvent> events_ GUARDED_BY(mutex_);
+  std::deque<Request> requests_ GUARDED_BY(mutex_);
   std::atomic<bool> closing_{false};
 
-  std::recursive_mutex notifyMutex_;  // held while the sink is called, so that close() is the end of it
-  bool mayNotify_ = true;             // guarded by notifyMutex_
+  // Held while the sink is called, so that close() waits for that call. The sink may call close() in turn.
+  RecursiveMutex notifyMutex_;
+  bool mayNotify_ GUARDED_BY(notifyMutex_) = true;
 
   // Control thread only.
   std::unique_ptr<FilmDecoder> present_;  // on show
-  std::unique_ptr<FilmDecoder> next_;     // opening, waiting, or in the queue behind the present one
+  // Opens, waits to be admitted, or has pictures in the queue behind those of the present one.
+  std::unique_ptr<FilmDecoder> next_;
   int lastNumber_ = 0;
   int skipped_ = 0;  // films after the present one that could not be opened
   KorviaShowPlayState wanted_ = Playing;

@@ -1,10 +1,10 @@
-// Starts GStreamer for the process. Any thread.
+// Starts GStreamer for the process, with an element of the engine for DNxHR in QuickTime files. Any thread.
 #pragma once
 
 namespace korvia {
 
-/// True when GStreamer is ready. The first call may take a second, when plugins have to be looked through; do
-/// not make it on the console or the engine thread.
+/// True when GStreamer is ready. The first call may take a second, because GStreamer scans its plugins, so it
+/// must not be made on the console or the engine thread.
 bool startGStreamer();
 
 }  // namespace korvia

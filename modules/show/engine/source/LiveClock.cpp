@@ -8,15 +8,16 @@ namespace korvia {
 
 namespace {
 
-// Stamps that go back by more than this, or data that come earlier than any could by more than that, mean
-// that the source counts anew.
+// The source counts anew when a stamp goes back by more than kBackNs, or when data come earlier than expected
+// by more than kEarlyNs.
 constexpr std::int64_t kBackNs = 500'000'000;
 constexpr std::int64_t kEarlyNs = 100'000'000;
-// When all data come too late for this time and do not catch up, their delay is taken as the new normal.
+// When all data come too late for kLateForNs and do not catch up by kCatchesUpNs, their delay becomes the
+// expected one.
 constexpr std::int64_t kLateForNs = 1'000'000'000;
 constexpr std::int64_t kCatchesUpNs = 100'000'000;
-// Time follows what is measured with this time constant and at most so much beside the source's speed; what
-// is further off is set.
+// Time approaches the measured one with the time constant kFollowNs, and runs at most kMostSlew faster or
+// slower than the source. A difference above kSlewNs is corrected at once.
 constexpr double kFollowNs = 8e9;
 constexpr double kMostSlew = 0.005;
 constexpr std::int64_t kSlewNs = 100'000'000;
@@ -24,7 +25,7 @@ constexpr std::int64_t kSlewNs = 100'000'000;
 }  // namespace
 
 std::int64_t LiveClock::arrive(std::int64_t stampNs, std::int64_t arrivalNs) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (!shiftNs_) {
     shiftNs_ = arrivalNs - stampNs;
     lastStampNs_ = stampNs;
@@ -66,12 +67,12 @@ void LiveClock::reanchor(std::int64_t beyondNs) {
 }
 
 void LiveClock::setHold(bool hold) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   hold_ = hold;
 }
 
 ClockReading LiveClock::advance(int ticks, std::int64_t nowNs) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   const std::int64_t undelayedNs = nowNs - estimator_.transitAt(nowNs);
   if (shiftNs_) {
     const auto passedNs = static_cast<double>(rate_.nsOf(ticks));
@@ -96,7 +97,7 @@ ClockReading LiveClock::advance(int ticks, std::int64_t nowNs) {
 }
 
 LiveClock::Figures LiveClock::figures() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return {estimator_.driftPpm(), latencyNs_, reanchors_};
 }
 

@@ -1,31 +1,32 @@
-// The time of a source that cannot wait: cameras and network streams. Their stamps run on a clock of their
-// own; this clock puts them on one time line with ours and says, with the same readings as a MediaClock, what
-// is due: what has come undelayed leaves one target latency after its arrival. Jitter up to the target is
-// absorbed, drift between the two clocks is measured and followed, so that the latency stays over hours.
+// The clock of a source that cannot wait: a camera or a network stream. The time stamps of its data come from
+// a clock of its own. LiveClock maps them to one time line and gives the same readings as a MediaClock: data
+// that arrive undelayed are due one target latency after their arrival. Jitter up to the target latency is
+// absorbed. Drift between the two clocks is measured and followed, so that the latency is the same after
+// hours.
 //
-// Live time lies in the clock and not in a queue, so that sound shares it: all streams of a source give their
-// stamps to arrive(), push what it returns, and pull with one reading a tick. The quickest stream makes the
-// envelope, so the target has to cover the slowest. A reading goes on smoothly, at most 0.5 % beside the
-// source's speed: pictures are repeated or skipped by it, sound is resampled to it.
+// The mapping belongs to the clock and not to a queue, because sound shares it: all streams of a source pass
+// their stamps to arrive(), push with the stamp that it returns, and pull with one reading a tick. The
+// expected transit is that of the fastest stream, so the target latency has to cover the slowest one. Time
+// runs at most 0.5 % faster or slower than the source: pictures are repeated or skipped, sound is resampled.
 //
-// Source's threads: arrive. Engine thread: advance. Any thread: the rest. Nothing waits.
+// Source's threads: arrive. Engine thread: advance. Any thread: the rest. No call waits.
 #pragma once
 #include <cstdint>
-#include <mutex>
 #include <optional>
 
 #include "ClockReading.h"
 #include "DriftEstimator.h"
 #include "FrameRate.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
 class LiveClock {
  public:
   struct Figures {
-    double driftPpm = 0;  ///< the source's clock is faster by this
+    double driftPpm = 0;  ///< how much faster the source's clock runs than ours
     std::int64_t latencyNs = 0;
-    std::int64_t reanchors = 0;  ///< jumps of the stamps that were closed
+    std::int64_t reanchors = 0;  ///< jumps of the stamps that were removed
   };
 
   /// `rate` is that of the render, one tick a frame.
@@ -33,37 +34,39 @@ class LiveClock {
   LiveClock(const LiveClock&) = delete;
   LiveClock& operator=(const LiveClock&) = delete;
 
-  /// Data with this stamp of the source's clock have come at `arrivalNs` of ours. Returns their time stamp
-  /// for a queue. Where the stamps jump, they are moved so that the time line goes on.
+  /// Data with this stamp of the source's clock have arrived at `arrivalNs` of our clock. Returns their time
+  /// stamp for a queue. When the stamps jump, they are shifted so that the time line continues.
   std::int64_t arrive(std::int64_t stampNs, std::int64_t arrivalNs);
-  /// Queues keep what they show; time goes on.
+  /// On hold the queues keep the picture on show, while time goes on.
   void setHold(bool hold);
 
-  /// `ticks` render frames have passed since the call before, and it is `nowNs` of the clock of arrivals.
+  /// `ticks` render frames have passed since the last call; `nowNs` is the present time of the clock that
+  /// gives `arrivalNs`.
   ClockReading advance(int ticks, std::int64_t nowNs);
   Figures figures() const;
 
  private:
-  bool isJump(std::int64_t stampNs, std::int64_t beyondNs) const;
-  bool isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs);
-  void reanchor(std::int64_t beyondNs);
+  bool isJump(std::int64_t stampNs, std::int64_t beyondNs) const REQUIRES(mutex_);
+  bool isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs) REQUIRES(mutex_);
+  void reanchor(std::int64_t beyondNs) REQUIRES(mutex_);
 
   const FrameRate rate_;
   const std::int64_t targetNs_;
-  mutable std::mutex mutex_;
-  // All guarded by mutex_.
-  DriftEstimator estimator_;
-  std::optional<std::int64_t> shiftNs_;  // from the source's stamps to the time line; none before the first
-  std::int64_t lastStampNs_ = 0;
-  // The run of data that came too late to be shown in time.
-  std::optional<std::int64_t> lateSinceNs_;
-  std::int64_t lateFirstNs_ = 0;  // what it began with, in transit beyond the expected
-  std::int64_t lateLeastNs_ = 0;
-  bool hold_ = false;
-  bool started_ = false;
-  std::int64_t timeNs_ = 0;
-  std::int64_t latencyNs_ = 0;
-  std::int64_t reanchors_ = 0;
+  mutable Mutex mutex_;
+  DriftEstimator estimator_ GUARDED_BY(mutex_);
+  // Difference from the source's time stamps to the time line; none before the first data.
+  std::optional<std::int64_t> shiftNs_ GUARDED_BY(mutex_);
+  std::int64_t lastStampNs_ GUARDED_BY(mutex_) = 0;
+  // Since when all data have come too late to be shown in time; none when they come in time. The delays are
+  // those beyond the expected transit, of the first such data and the least.
+  std::optional<std::int64_t> lateSinceNs_ GUARDED_BY(mutex_);
+  std::int64_t lateFirstNs_ GUARDED_BY(mutex_) = 0;
+  std::int64_t lateLeastNs_ GUARDED_BY(mutex_) = 0;
+  bool hold_ GUARDED_BY(mutex_) = false;
+  bool started_ GUARDED_BY(mutex_) = false;
+  std::int64_t timeNs_ GUARDED_BY(mutex_) = 0;
+  std::int64_t latencyNs_ GUARDED_BY(mutex_) = 0;
+  std::int64_t reanchors_ GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace korvia

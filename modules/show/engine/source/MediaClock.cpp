@@ -6,23 +6,23 @@ namespace korvia {
 
 namespace {
 
-// Later than this, the clock waits for the film instead of skipping after it.
+// When data are later than this, the clock goes back to them, because skipping would not catch up.
 constexpr std::int64_t kLatestNs = 1'000'000'000;
 
 }  // namespace
 
 void MediaClock::setPlaying(bool playing) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   playing_ = playing;
 }
 
 void MediaClock::setHold(bool hold) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   hold_ = hold;
 }
 
 std::uint64_t MediaClock::flush() {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   begun_ = 0;
   firstNs_.reset();
   lateNs_.reset();
@@ -31,12 +31,12 @@ std::uint64_t MediaClock::flush() {
 }
 
 int MediaClock::addQueue() {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return queues_++;
 }
 
 void MediaClock::begin(int queue, std::uint64_t epoch, std::int64_t timeNs) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (epoch != epoch_)
     return;
   begun_ |= 1u << queue;
@@ -45,19 +45,19 @@ void MediaClock::begin(int queue, std::uint64_t epoch, std::int64_t timeNs) {
 }
 
 void MediaClock::beginWithout(int queue, std::uint64_t epoch) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (epoch == epoch_)
     begun_ |= 1u << queue;
 }
 
 void MediaClock::beginNow(std::uint64_t epoch) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (epoch == epoch_)
     begun_ = ~0u;
 }
 
 ClockReading MediaClock::advance(int ticks) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   const std::uint32_t all = (1u << queues_) - 1;
   const bool running = playing_ && !hold_;
   if (!started_) {
@@ -84,7 +84,7 @@ ClockReading MediaClock::advance(int ticks) {
 void MediaClock::tellLate(const ClockReading& reading, std::int64_t timeNs) {
   if (reading.timeNs - timeNs <= kLatestNs)
     return;
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (reading.epoch == epoch_)
     lateNs_ = std::min(lateNs_.value_or(timeNs), timeNs);
 }

@@ -1,23 +1,23 @@
-// The time of one source's media, for sources that wait until their data are needed: films. It counts render
-// frames, so that a film at the show's rate gives every picture exactly once.
+// The clock of a source that waits until its data are needed: a film. It counts render frames, so that a film
+// at the show's rate gives each picture exactly once.
 //
-// What it promises to the queues on it:
-// - One reading a tick, the same for all of them. Time only goes on by the reading's ticks while it runs, and
+// Guarantees to the queues on it:
+// - All queues get the same reading at a tick. Time advances by the ticks of the reading while it runs, and
 //   stands still on pause and hold.
-// - After a flush no time passes until every queue has told of its first data or of its end. Then the
-//   earliest of those data set the time, playing or not.
-// - Data that come more than a second late are not skipped: the clock goes back to them at the next tick, for
+// - After a flush no time passes until every queue has reported its first data or its end. The earliest of
+//   those data then set the time, also on pause.
+// - Data that are more than a second late are not skipped: at the next tick the clock goes back to them, for
 //   all queues.
 //
 // Engine thread: advance and tellLate. GStreamer's streaming threads, through their queues: begin,
-// beginWithout, beginNow. The film's control thread: setPlaying. Any thread: the rest. Nothing waits.
+// beginWithout, beginNow. The film's control thread: setPlaying. Any thread: the rest. No call waits.
 #pragma once
 #include <cstdint>
-#include <mutex>
 #include <optional>
 
 #include "ClockReading.h"
 #include "FrameRate.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -31,40 +31,41 @@ class MediaClock {
   void setPlaying(bool playing);
   /// Freezes the time, whether playing or not.
   void setHold(bool hold);
-  /// The data before do not count any more. Returns the new epoch, for VideoQueue::beginFlush.
+  /// Data from before the flush do not count any more. Returns the new epoch, for VideoQueue::beginFlush.
   std::uint64_t flush();
 
-  /// A number for a queue that has this clock; all are added before the first data.
+  /// Returns the number of a new queue on this clock. All queues are added before the first data.
   int addQueue();
-  /// The queue's first data since the flush have this time stamp. An old epoch is ignored.
+  /// The first data of the queue since the flush have this time stamp. Ignored for an old epoch.
   void begin(int queue, std::uint64_t epoch, std::int64_t timeNs);
-  /// The queue has come to its end without data: nobody waits for it.
+  /// The queue has ended without data, so the clock does not wait for it.
   void beginWithout(int queue, std::uint64_t epoch);
-  /// A queue is full: the clock does not wait for the others, which may get nothing before this one has room.
+  /// A queue is full, so the clock does not wait for the others: they may get no data before this queue has
+  /// room.
   void beginNow(std::uint64_t epoch);
 
-  /// `ticks` render frames have passed since the call before.
+  /// `ticks` render frames have passed since the last call.
   ClockReading advance(int ticks);
-  /// The newest data that a queue had at this reading have this time stamp.
+  /// The newest data that a queue had at this reading have this time stamp. When they are late, the clock
+  /// goes back.
   void tellLate(const ClockReading& reading, std::int64_t timeNs);
 
  private:
-  std::int64_t timeNs() const;
-  void setTime(std::int64_t timeNs);
+  std::int64_t timeNs() const REQUIRES(mutex_);
+  void setTime(std::int64_t timeNs) REQUIRES(mutex_);
 
   const FrameRate rate_;
-  std::mutex mutex_;
-  // All guarded by mutex_.
-  bool playing_ = false;
-  bool hold_ = false;
-  std::uint64_t epoch_ = 0;
-  int queues_ = 0;
-  std::uint32_t begun_ = 0;  // a bit for each queue
-  std::optional<std::int64_t> firstNs_;
-  bool started_ = false;
-  std::int64_t anchorNs_ = 0;
-  std::int64_t framesSinceAnchor_ = 0;
-  std::optional<std::int64_t> lateNs_;
+  Mutex mutex_;
+  bool playing_ GUARDED_BY(mutex_) = false;
+  bool hold_ GUARDED_BY(mutex_) = false;
+  std::uint64_t epoch_ GUARDED_BY(mutex_) = 0;
+  int queues_ GUARDED_BY(mutex_) = 0;
+  std::uint32_t begun_ GUARDED_BY(mutex_) = 0;  // a bit for each queue
+  std::optional<std::int64_t> firstNs_ GUARDED_BY(mutex_);
+  bool started_ GUARDED_BY(mutex_) = false;
+  std::int64_t anchorNs_ GUARDED_BY(mutex_) = 0;
+  std::int64_t framesSinceAnchor_ GUARDED_BY(mutex_) = 0;
+  std::optional<std::int64_t> lateNs_ GUARDED_BY(mutex_);
 };
 
 }  // namespace korvia

@@ -10,10 +10,10 @@ namespace korvia {
 
 namespace {
 
-// Of rows and buffers, for the widest vectors.
+// Alignment of rows and buffers, for the widest vector registers.
 constexpr std::size_t kAlignment = 64;
 constexpr int kAlpha = 3;
-// Pictures that do not tell their matrix have that of their time: up to this height BT.601's.
+// A picture without a stated matrix has that of BT.601 up to this height, and that of BT.709 above it.
 constexpr int kMostSdLines = 576;
 
 std::size_t alignedBytes(std::size_t bytes) {
@@ -28,7 +28,7 @@ bool isRgb(const GstVideoInfo& info) {
   return GST_VIDEO_INFO_IS_RGB(&info);
 }
 
-/// Whether every sample stands in bytes of its own, at a fixed step from its neighbour.
+/// Whether each sample has bytes of its own, at a fixed step from the next one.
 bool isAddressable(const GstVideoFormatInfo& format) {
   constexpr int kNotAddressable =
       GST_VIDEO_FORMAT_FLAG_COMPLEX | GST_VIDEO_FORMAT_FLAG_PALETTE | GST_VIDEO_FORMAT_FLAG_TILED;
@@ -150,7 +150,7 @@ bool PictureConverter::build() {
   bytes_ = depth_ > 8 ? 2 : 1;
   if (const auto kind = ColorTable::kindOf(info_.colorimetry))
     table_ = ColorTable::of(*kind);
-  // Nothing in use makes such material with alpha: it is shown opaque.
+  // Nothing in use makes such material with alpha, so alpha is dropped.
   hasAlpha_ = GST_VIDEO_FORMAT_INFO_HAS_ALPHA(&format) && !table_;
   if (packed_)
     unpacked_.resize(static_cast<std::size_t>(info_.width) * 4 * static_cast<std::size_t>(bytes_));
@@ -201,7 +201,7 @@ zimg_image_format PictureConverter::outputFormat() const {
   format.pixel_range = ZIMG_RANGE_LIMITED;
   format.subsample_w = 1;
   format.subsample_h = 1;
-  // Chroma that has its place already keeps it.
+  // Chroma keeps its location, so that 4:2:0 chroma is not resampled.
   format.chroma_location = chromaLocationOf(info_);
   if (hasAlpha_)
     format.alpha = ZIMG_ALPHA_PREMULTIPLIED;
@@ -251,7 +251,7 @@ void PictureConverter::loadPlaneRow(const GstVideoFrame& from, int component, in
   const GstVideoFormatInfo& format = *info_.finfo;
   const auto index = static_cast<guint>(component);
   if (index >= format.n_components) {
-    // Grey pictures have no chroma.
+    // Grey pictures have no chroma, so it is set to neutral.
     if (bytes_ == 1)
       std::memset(to, 1 << 7, static_cast<std::size_t>(width));
     else
@@ -272,10 +272,11 @@ void PictureConverter::loadPlaneRow(const GstVideoFrame& from, int component, in
   repeatLast(to, count, width, bytes_);
 }
 
-// Fills unpacked_ with the row's pixels, four samples each, alpha first.
+// Fills unpacked_ with the pixels of the row, four samples each, alpha first.
 void PictureConverter::unpackRow(const GstVideoFrame& from, int row) {
   const GstVideoFormatInfo& format = *info_.finfo;
-  // Limited-range samples gain zeros; full-range ones have to reach the new white.
+  // Limited-range samples are extended with zero bits. Full-range samples have to be scaled, or white would
+  // not stay white.
   const auto flags =
       rangeOf(info_) == ZIMG_RANGE_LIMITED ? GST_VIDEO_PACK_FLAG_TRUNCATE_RANGE : GST_VIDEO_PACK_FLAG_NONE;
   format.unpack_func(&format, flags, unpacked_.data(), from.data, from.info.stride, 0, row, info_.width);

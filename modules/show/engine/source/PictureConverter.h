@@ -1,7 +1,7 @@
 // Converts decoded pictures of one format into the working format: planar 4:2:0, 8 bit, BT.709 limited range,
-// in the same size. Values are rounded without bias. Pictures with alpha come out premultiplied. Wide gamuts
-// and high dynamic ranges are mapped by a ColorTable. The fields of an interlaced picture are converted
-// apart, so that their chroma does not mix. One thread at a time.
+// in the same size. Values are rounded without bias. Pictures with alpha are premultiplied. ColorTable maps
+// wide gamuts and high dynamic ranges. The two fields of an interlaced picture are converted separately, so
+// that their chroma does not mix. One thread at a time.
 #pragma once
 #include <gst/video/video.h>
 #include <zimg.h>
@@ -28,11 +28,11 @@ class PictureConverter {
   ~PictureConverter();
 
   /// The size of the frames that convert() fills: the picture's, rounded up to whole chroma samples of each
-  /// field. What lies outside the picture repeats its edge.
+  /// field. Samples outside the picture repeat its edge.
   FrameSize paddedSize() const { return padded_; }
-  bool hasAlpha() const { return hasAlpha_; }
-  /// Fills `to`, which has the padded size and an alpha plane when hasAlpha(). False when the picture cannot
-  /// be read.
+  FrameAlpha alpha() const { return hasAlpha_ ? FrameAlpha::Plane : FrameAlpha::None; }
+  /// Fills `to`, which has the padded size and the plane of alpha() when there is one. False when the picture
+  /// cannot be read.
   bool convert(GstVideoFrame& from, Frame& to);
 
  private:
@@ -50,7 +50,7 @@ class PictureConverter {
     AlignedMemory rows[4];
     zimg_image_buffer_const input = {};
   };
-  /// What the graph's call for input rows needs.
+  /// The context of the graph's callback for input rows.
   struct RowRequest;
 
   PictureConverter(const GstVideoInfo& info, PictureScan scan);
@@ -68,13 +68,13 @@ class PictureConverter {
   const int fields_;  // 1 for progressive pictures, else 2
   FrameSize padded_;
   bool hasAlpha_ = false;
-  bool packed_ = false;  // samples are not separately addressable: rows go through GStreamer's unpacking
+  bool packed_ = false;  // samples are not separately addressable, so GStreamer unpacks the rows
   int depth_ = 8;
   int bytes_ = 1;  // of an input sample
   std::array<FieldGraph, 2> graphs_;
   std::vector<std::uint8_t> unpacked_;
-  std::shared_ptr<const ColorTable> table_;  // null when matrix and range are all that differs
-  AlignedMemory tableInput_[3];              // what goes into the table, 16 bits a sample
+  std::shared_ptr<const ColorTable> table_;  // null when only matrix and range differ
+  AlignedMemory tableInput_[3];              // the input of the table, 16 bits a sample
   int tableStride_[3] = {};
 };
 

@@ -7,7 +7,7 @@ PictureSource::PictureSource(const SourceContext& context, const tagKorviaShowSo
     : Source(context, info, format), state_(state) {}
 
 FrameRef PictureSource::pullFrame(int) {
-  std::lock_guard lock(pictureMutex_);
+  MutexLock lock(pictureMutex_);
   if (picture_ && shown_ == 0)
     shown_ = 1;
   return picture_;
@@ -20,34 +20,34 @@ void PictureSource::close() {
 SourceFigures PictureSource::figures() {
   SourceFigures figures;
   figures.description = description();
-  std::lock_guard lock(pictureMutex_);
+  MutexLock lock(pictureMutex_);
   figures.framesDecoded = picture_ ? 1 : 0;
   return figures;
 }
 
 void PictureSource::change(KorviaShowPlayState state) {
-  std::lock_guard lock(pictureMutex_);
+  MutexLock lock(pictureMutex_);
   wanted_ = state;
   if (state_ == Playing || state_ == Paused || state_ == Stopped)
     state_ = state;
 }
 
 void PictureSource::showPicture(FrameRef picture) {
-  std::lock_guard lock(pictureMutex_);
+  MutexLock lock(pictureMutex_);
   picture_ = std::move(picture);
   if (state_ == Opening)
     state_ = wanted_;
 }
 
 void PictureSource::fail(const QString& reason) {
-  std::lock_guard lock(pictureMutex_);
+  MutexLock lock(pictureMutex_);
   failureReason_ = reason;
   if (state_ == Opening)
     state_ = Error;
 }
 
 void PictureSource::getState(tagKorviaSourceLinkState& state) {
-  std::lock_guard lock(pictureMutex_);
+  MutexLock lock(pictureMutex_);
   state.rate = 0;
   state.reason = failureReason_;
 }

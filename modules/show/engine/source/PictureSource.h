@@ -1,10 +1,10 @@
-// What sources with one unmoving picture have in common: buttons that only change the state. Console thread,
-// except pullFrame: engine thread, and showPicture and fail: any.
+// The base of sources with one still picture; play, pause and stop only change the state. Console thread,
+// except pullFrame: engine thread, and showPicture and fail: any thread.
 #pragma once
 #include <atomic>
-#include <mutex>
 
 #include "Source.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -26,9 +26,10 @@ class PictureSource : public Source {
                 const tagKorviaFormatInfo& format, KorviaShowPlayState state);
 
   virtual QString description() const = 0;
-  /// The picture is there; a source that was opening plays.
+  /// Sets the picture. A source that was opening begins to play, or gets the state that was asked for
+  /// meanwhile.
   void showPicture(FrameRef picture);
-  /// The picture will not come; `reason` is kept for getState().
+  /// No picture will come; `reason` is kept for getState().
   void fail(const QString& reason);
 
  private:
@@ -36,10 +37,10 @@ class PictureSource : public Source {
 
   std::atomic<KorviaShowPlayState> state_;
   std::atomic<qint64> shown_{0};
-  std::mutex pictureMutex_;
-  FrameRef picture_;                      // guarded by pictureMutex_
-  QString failureReason_;                 // guarded by pictureMutex_
-  KorviaShowPlayState wanted_ = Playing;  // guarded by pictureMutex_
+  Mutex pictureMutex_;
+  FrameRef picture_ GUARDED_BY(pictureMutex_);
+  QString failureReason_ GUARDED_BY(pictureMutex_);
+  KorviaShowPlayState wanted_ GUARDED_BY(pictureMutex_) = Playing;
 };
 
 }  // namespace korvia

@@ -15,7 +15,7 @@ float rate(int things, std::chrono::steady_clock::duration time) {
 }  // namespace
 
 void RateMeter::count(Time now) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (total_ == 0 || now - last_ > kSilence) {
     windowStart_ = now;
     inWindow_ = 0;
@@ -31,17 +31,17 @@ void RateMeter::count(Time now) {
 }
 
 float RateMeter::perSecond(Time now) const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   if (total_ == 0 || now - last_ > kSilence)
     return 0;
   if (lastWindow_ > 0)
     return lastWindow_;
-  // Within the first window, which a film begins with a burst: what came so far, over the whole second.
+  // A film begins with a burst of pictures, so the first window is counted as a whole second.
   return rate(inWindow_, kWindow);
 }
 
 std::int64_t RateMeter::total() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return total_;
 }
 

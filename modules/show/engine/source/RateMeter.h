@@ -1,8 +1,9 @@
-// Counts things that arrive and tells how many arrive a second. Any thread.
+// Counts arrivals and computes their rate. Any thread.
 #pragma once
 #include <chrono>
 #include <cstdint>
-#include <mutex>
+
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -11,17 +12,17 @@ class RateMeter {
   using Time = std::chrono::steady_clock::time_point;
 
   void count(Time now = std::chrono::steady_clock::now());
-  /// A second; exactly 0 when nothing came within the last second.
+  /// Arrivals a second; exactly 0 when none came within the last second.
   float perSecond(Time now = std::chrono::steady_clock::now()) const;
   std::int64_t total() const;
 
  private:
-  mutable std::mutex mutex_;
-  std::int64_t total_ = 0;  // guarded by mutex_
-  int inWindow_ = 0;        // guarded by mutex_
-  float lastWindow_ = 0;    // guarded by mutex_
-  Time windowStart_;        // guarded by mutex_
-  Time last_;               // guarded by mutex_
+  mutable Mutex mutex_;
+  std::int64_t total_ GUARDED_BY(mutex_) = 0;
+  int inWindow_ GUARDED_BY(mutex_) = 0;
+  float lastWindow_ GUARDED_BY(mutex_) = 0;
+  Time windowStart_ GUARDED_BY(mutex_);
+  Time last_ GUARDED_BY(mutex_);
 };
 
 }  // namespace korvia

@@ -1,7 +1,7 @@
-// A thing that has pictures: a film, a still, a colour. The engine thread pulls one frame a tick; everything
-// of IKorviaShowSource is called on the console thread; slow work happens on the source's own threads.
-// The base owns the record and the format, and is by itself a source of one item without length whose buttons
-// do nothing: a kind overrides what it does differently.
+// A source of pictures: a film, a still or a colour. The engine thread pulls one frame a tick, the console
+// thread calls the functions of IKorviaShowSource, and slow work is done on the source's own threads. The
+// base owns the record and the format. Its defaults are those of a source with one item, without duration,
+// whose buttons do nothing.
 #pragma once
 #include <QString>
 #include <cstdint>
@@ -15,7 +15,7 @@
 
 namespace korvia {
 
-/// No picture of more is read, whatever a file says of its size.
+/// Larger pictures are not read, whatever size a file states.
 inline constexpr std::int64_t kMostPixels = 64 * 1024 * 1024;
 
 /// What a source must know of the show. Fixed for the life of the source.
@@ -30,8 +30,8 @@ struct SourceContext {
 struct SourceFigures {
   QString description;
   qint64 framesDecoded = 0;
-  qint64 framesHeld = 0;     ///< ticks at which no new picture was there while playing
-  qint64 framesSkipped = 0;  ///< pictures that were never shown, since they were due too close to others
+  qint64 framesHeld = 0;     ///< ticks without a new picture while playing
+  qint64 framesSkipped = 0;  ///< pictures that were never shown, because another one was due in the same tick
   float framesPerSecond = 0;
 };
 
@@ -42,7 +42,7 @@ class Source : public IKorviaShowSource {
   /// The picture for this tick in the render size, or null for black. `ticks` is 1 plus the frames missed
   /// since the last call. Never blocks. Engine thread.
   virtual FrameRef pullFrame(int ticks) = 0;
-  /// Begins the end: returns at once, no notify comes after it. Console thread.
+  /// Begins to close and returns at once. No notify comes after it. Console thread.
   virtual void close() = 0;
   virtual SourceFigures figures() { return {}; }
 
@@ -65,7 +65,7 @@ class Source : public IKorviaShowSource {
   int getItemCount() override { return 1; }
   int getItemIndex() override { return 0; }
 
-  // A source belongs to the engine: a holder's release() leaves it alone.
+  // A source belongs to the engine, so release() by a holder does nothing.
   bool isValid() override { return true; }
   bool release() override { return true; }
   void* queryInterface(const Identifier*, unsigned) override { return nullptr; }
@@ -79,7 +79,7 @@ class Source : public IKorviaShowSource {
 
  private:
   const SourceContext context_;
-  tagKorviaShowSourceInfo info_;  // the console gets it as a pointer that may write
+  tagKorviaShowSourceInfo info_;  // not const, because the console gets a pointer to write through
   const tagKorviaFormatInfo format_;
 };
 

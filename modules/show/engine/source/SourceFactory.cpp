@@ -2,8 +2,8 @@
 
 #include "ColorSource.h"
 #include "FilmSource.h"
-#include "SourceLog.h"
 #include "StillSource.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 

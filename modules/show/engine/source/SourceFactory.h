@@ -1,4 +1,4 @@
-// The catalogue of source kinds. Console thread.
+// Makes the source of a record. Console thread.
 #pragma once
 #include <memory>
 
@@ -6,7 +6,8 @@
 
 namespace korvia {
 
-/// A source of the record's kind, already opening; null with a log line for a kind that the engine lacks.
+/// A source of the record's kind, which begins to open; null with a log line for a kind that the engine
+/// lacks.
 std::shared_ptr<Source> createSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
                                      const tagKorviaFormatInfo& format);
 

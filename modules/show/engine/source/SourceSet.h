@@ -1,12 +1,12 @@
-// The open sources, by slot. The console thread opens and closes, the engine thread reads a copy that it
-// renews only when something changed.
+// The open sources, by slot. The console thread opens and closes them; the engine thread reads a copy that it
+// updates only after a change.
 #pragma once
 #include <array>
 #include <atomic>
 #include <memory>
-#include <mutex>
 
 #include "KorviaShowObjectID.h"
+#include "ThreadSafety.h"
 #include "engine/source/Source.h"
 
 namespace korvia {
@@ -15,9 +15,9 @@ using SourceArray = std::array<std::shared_ptr<Source>, kSourceSlotCount>;
 
 class SourceSet {
  public:
-  /// Puts a source (or null) into a slot and gives back what was there. Console thread.
+  /// Puts a source, or null, into a slot and returns the one that was there. Console thread.
   std::shared_ptr<Source> exchange(int slot, std::shared_ptr<Source> source) {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     std::swap(sources_[slot], source);
     version_.fetch_add(1, std::memory_order_release);
     return source;
@@ -25,16 +25,16 @@ class SourceSet {
 
   /// Null for an empty slot. Console thread.
   std::shared_ptr<Source> at(int slot) const {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     return sources_[slot];
   }
 
-  /// Copies the sources when they changed since `version`; true when it did. `copy` then holds what was there
-  /// before in `old`. Engine thread.
+  /// True when the sources have changed since `version`: they are copied into `copy`, and `old` gets what
+  /// `copy` held before. Engine thread.
   bool refresh(quint64& version, SourceArray& copy, SourceArray& old) const {
     if (version_.load(std::memory_order_acquire) == version)
       return false;
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     version = version_.load(std::memory_order_relaxed);
     old = std::move(copy);
     copy = sources_;
@@ -42,8 +42,8 @@ class SourceSet {
   }
 
  private:
-  mutable std::mutex mutex_;
-  SourceArray sources_;  // guarded by mutex_
+  mutable Mutex mutex_;
+  SourceArray sources_ GUARDED_BY(mutex_);
   std::atomic<quint64> version_{1};
 };
 

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <map>
-#include <mutex>
 #include <optional>
 #include <thread>
 
-#include "SourceLog.h"
+#include "ThreadSafety.h"
+#include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
 
@@ -26,10 +25,10 @@ struct RunningThread {
 };
 
 struct Registry {
-  std::mutex mutex;
-  std::condition_variable ended;             // with mutex
-  std::map<quint64, RunningThread> threads;  // guarded by mutex
-  quint64 lastNumber = 0;                    // guarded by mutex
+  Mutex mutex;
+  ConditionVariable ended;
+  std::map<quint64, RunningThread> threads GUARDED_BY(mutex);
+  quint64 lastNumber GUARDED_BY(mutex) = 0;
 };
 
 // Never destroyed: an abandoned thread may end after everything else.
@@ -38,7 +37,7 @@ Registry& registry() {
   return *instance;
 }
 
-void logAbandoned(Registry& all) {
+void logAbandoned(Registry& all) REQUIRES(all.mutex) {
   const Clock::time_point now = Clock::now();
   for (auto& [number, thread] : all.threads) {
     if (thread.abandoned || !thread.closingSince || now - *thread.closingSince < kPatience)
@@ -48,13 +47,13 @@ void logAbandoned(Registry& all) {
   }
 }
 
-/// Whether threads that were asked to end are worth waiting for: one that was given up is not.
-bool isWorthWaiting(const Registry& all) {
+/// Whether a thread that was asked to end still runs and is not abandoned.
+bool isWorthWaiting(const Registry& all) REQUIRES(all.mutex) {
   return std::any_of(all.threads.begin(), all.threads.end(),
                      [](const auto& entry) { return entry.second.closingSince && !entry.second.abandoned; });
 }
 
-bool anyClosing(const Registry& all) {
+bool anyClosing(const Registry& all) REQUIRES(all.mutex) {
   return std::any_of(all.threads.begin(), all.threads.end(),
                      [](const auto& entry) { return entry.second.closingSince.has_value(); });
 }
@@ -65,7 +64,7 @@ quint64 startSourceThread(const QString& name, std::function<void()> work) {
   Registry& all = registry();
   quint64 number = 0;
   {
-    std::lock_guard lock(all.mutex);
+    MutexLock lock(all.mutex);
     logAbandoned(all);
     number = ++all.lastNumber;
     all.threads[number].name = name;
@@ -74,9 +73,9 @@ quint64 startSourceThread(const QString& name, std::function<void()> work) {
     nameThread("kv-source");
     runAsBatch();
     work();
-    work = nullptr;  // what the thread owned goes before it is counted out
+    work = nullptr;  // frees what the thread owned before the thread counts as ended
     Registry& registered = registry();
-    std::lock_guard lock(registered.mutex);
+    MutexLock lock(registered.mutex);
     registered.threads.erase(number);
     registered.ended.notify_all();
   }).detach();
@@ -85,7 +84,7 @@ quint64 startSourceThread(const QString& name, std::function<void()> work) {
 
 void markSourceThreadClosing(quint64 number) {
   Registry& all = registry();
-  std::lock_guard lock(all.mutex);
+  MutexLock lock(all.mutex);
   logAbandoned(all);
   const auto found = all.threads.find(number);
   if (found != all.threads.end() && !found->second.closingSince)
@@ -94,7 +93,7 @@ void markSourceThreadClosing(quint64 number) {
 
 bool waitForClosedSources(int timeoutMs) {
   Registry& all = registry();
-  std::unique_lock lock(all.mutex);
+  MutexLock lock(all.mutex);
   const Clock::time_point deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
   for (logAbandoned(all); isWorthWaiting(all); logAbandoned(all)) {
     const Clock::time_point now = Clock::now();

@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "DrivePath.h"
-#include "SourceLog.h"
 #include "SourceThreads.h"
+#include "engine/EngineLog.h"
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/PictureFrame.h"
 
@@ -15,7 +15,8 @@ namespace korvia {
 
 namespace {
 
-/// Qt's reader does not tell it before the picture is read. Invalid for a file that is too short.
+/// The size of a TGA file, which Qt's reader does not know before it has read the picture. Invalid for a file
+/// that is too short.
 QSize targaSize(const QString& path) {
   constexpr int kSizeOffset = 12;
   QFile file(path);
@@ -28,24 +29,24 @@ QSize targaSize(const QString& path) {
   return {qFromLittleEndian<quint16>(bytes), qFromLittleEndian<quint16>(bytes + 2)};
 }
 
-/// The picture upright and no larger than it is shown; null with a reason.
+/// Reads the picture upright, and scales it down when it is much larger than it is shown; null with a reason.
 QImage readPicture(const QString& path, FrameSize renderSize, QString& reason) {
   const QFileInfo file(path);
-  // A device or a FIFO could be read for ever.
+  // Reading a device or a FIFO may never end.
   if (!file.isFile()) {
     reason = file.exists() ? QStringLiteral("is no file") : QStringLiteral("no such file");
     return {};
   }
   QImageReader reader(path);
   reader.setDecideFormatFromContent(true);
-  // TGA has no mark by which its content could be known for certain: it passes for a cursor too.
+  // TGA files have no signature and may look like cursors, so they are known by their suffix.
   const bool targa = file.suffix().compare(QLatin1String("tga"), Qt::CaseInsensitive) == 0;
   if (targa)
     reader.setFormat("tga");
   reader.setAutoTransform(true);
   const QSize size = targa ? targaSize(path) : reader.size();
   if (!size.isValid()) {
-    // Without a size that can be asked for, nobody knows what reading it would take.
+    // Without the size nobody knows how much memory reading would take.
     reason = reader.canRead() ? QStringLiteral("size is not known") : reader.errorString().toLower();
     return {};
   }
@@ -64,17 +65,17 @@ QImage readPicture(const QString& path, FrameSize renderSize, QString& reason) {
   return image;
 }
 
-/// Pictures are often saved with an alpha channel that hides nothing.
-ImageAlpha alphaOf(const QImage& image) {
+/// None when the image has no alpha channel, or one that is opaque everywhere, as many programs write it.
+FrameAlpha alphaOf(const QImage& image) {
   if (!image.hasAlphaChannel())
-    return ImageAlpha::Drop;
+    return FrameAlpha::None;
   const QImage pixels = image.convertToFormat(QImage::Format_ARGB32);
   for (int y = 0; y < pixels.height(); ++y) {
     const auto* row = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
     if (std::any_of(row, row + pixels.width(), [](QRgb pixel) { return qAlpha(pixel) != 255; }))
-      return ImageAlpha::Keep;
+      return FrameAlpha::Plane;
   }
-  return ImageAlpha::Drop;
+  return FrameAlpha::None;
 }
 
 }  // namespace
@@ -106,7 +107,7 @@ void StillSource::load() {
   if (closing_)
     return;
   {
-    std::lock_guard lock(sizeMutex_);
+    MutexLock lock(sizeMutex_);
     size_ = {image.width(), image.height()};
   }
   const FrameRect rect = fitRect({image.width(), image.height()}, 1, 1, renderSize);
@@ -117,14 +118,14 @@ void StillSource::load() {
     fail(QStringLiteral("out of memory"));
     return;
   }
-  MutableFrame fitted(new Frame(renderSize, picture->hasAlpha()));
+  MutableFrame fitted(new Frame(renderSize, picture->alpha()));
   fitFrame(*picture, rect, *fitted);
   showPicture(std::move(fitted).publish());
 }
 
 QString StillSource::description() const {
   const QString name = QFileInfo(info().imagePath).fileName();
-  std::lock_guard lock(sizeMutex_);
+  MutexLock lock(sizeMutex_);
   return size_.isEmpty() ? name : QStringLiteral("%1, %2 x %3").arg(name).arg(size_.width).arg(size_.height);
 }
 

@@ -1,7 +1,8 @@
-// A picture file, in every format that Qt reads; of an animation the first picture. Loaded on a thread of its
-// own. Console thread, except pullFrame: engine thread.
+// A picture file in any format that Qt reads; of an animation, the first picture. It is loaded on a thread of
+// its own. Console thread, except pullFrame: engine thread.
 #pragma once
 #include "PictureSource.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -22,8 +23,8 @@ class StillSource final : public PictureSource {
 
   std::atomic<bool> closing_{false};
   quint64 thread_ = 0;
-  mutable std::mutex sizeMutex_;
-  FrameSize size_;  // guarded by sizeMutex_
+  mutable Mutex sizeMutex_;
+  FrameSize size_ GUARDED_BY(sizeMutex_);
 };
 
 }  // namespace korvia

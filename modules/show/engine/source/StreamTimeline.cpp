@@ -7,11 +7,12 @@ namespace korvia {
 namespace {
 
 constexpr std::int64_t kSecondNs = 1'000'000'000;
-// Gaps are kept, the last picture is held over them; a longer one is a jump of the time stamps. A step back
-// of more than kFarthestBackNs is one too.
+// A gap up to kLongestGapNs is kept, and the last picture is held over it. A longer gap and a step back of
+// more than kFarthestBackNs are jumps of the time stamps.
 constexpr std::int64_t kLongestGapNs = 120 * kSecondNs;
 constexpr std::int64_t kFarthestBackNs = 10 * kSecondNs;
-// Pictures in wrong order are put behind the last one; more in a row means that the stamps are of no use.
+// A picture whose stamp lies before the last one is put directly behind it. After this many in a row the
+// stamps are of no use, and pictures are counted.
 constexpr int kMostOutOfOrder = 2;
 constexpr std::int64_t kSmallestStepNs = 1000;
 
@@ -37,7 +38,8 @@ std::int64_t StreamTimeline::placeOf(std::optional<std::int64_t> ptsNs, std::int
     return counted;
   const std::int64_t place = *ptsNs + shiftNs_;
   const std::int64_t gap = place - lastMediaNs_;
-  // A stamp that comes twice stands for two pictures; files that know only the order of decoding do that.
+  // A stamp that repeats still belongs to another picture; files that only know the decoding order repeat
+  // stamps.
   if (gap == 0 || gap > std::max(lastDurationNs_ + kSecondNs, kLongestGapNs) || gap < -kFarthestBackNs) {
     shiftNs_ = counted - *ptsNs;
     standstill_ = 0;

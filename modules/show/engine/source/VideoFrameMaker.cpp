@@ -6,13 +6,13 @@
 #include <cstring>
 
 #include "Source.h"
-#include "SourceLog.h"
+#include "engine/EngineLog.h"
 
 namespace korvia {
 
 namespace {
 
-/// What a frame over a decoder's memory holds on to.
+/// Keeps a decoder's picture mapped as long as a frame uses its memory.
 struct HeldPicture {
   GstVideoFrame frame;
 
@@ -25,13 +25,13 @@ struct HeldPicture {
 
 constexpr int kComponents[3] = {GST_VIDEO_COMP_Y, GST_VIDEO_COMP_U, GST_VIDEO_COMP_V};
 
-MutableFrame acquire(std::unique_ptr<FramePool>& pool, FrameSize size, bool alpha) {
-  if (!pool || pool->size() != size || pool->hasAlpha() != alpha)
+MutableFrame acquire(std::unique_ptr<FramePool>& pool, FrameSize size, FrameAlpha alpha) {
+  if (!pool || pool->size() != size || pool->alpha() != alpha)
     pool = std::make_unique<FramePool>(size, alpha);
   return pool->acquire();
 }
 
-/// The picture's left upper part, over the same memory.
+/// The upper left part of the picture, in the same memory.
 FrameRef cropped(const FrameRef& picture, FrameSize size) {
   if (picture->size() == size)
     return picture;
@@ -45,8 +45,8 @@ FrameRef cropped(const FrameRef& picture, FrameSize size) {
   return FrameRef::adopt(new Frame(size, external));
 }
 
-/// A description of which GStreamer does not know all parts is replaced as a whole by its guess; this puts
-/// back what the caps do tell.
+/// GStreamer replaces a colorimetry as a whole by a guess when it does not know a part of it. This restores
+/// the parts that the caps state.
 void keepKnownColors(GstCaps* caps, GstVideoColorimetry& colors) {
   const char* text = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
   GstVideoColorimetry told;
@@ -172,21 +172,21 @@ FrameRef VideoFrameMaker::convert(GstBuffer* buffer, PictureScan scan) {
   GstVideoFrame from;
   if (!converter || !gst_video_frame_map(&from, &info_, buffer, GST_MAP_READ))
     return {};
-  MutableFrame picture = acquire(convertedPool_, converter->paddedSize(), converter->hasAlpha());
+  MutableFrame picture = acquire(convertedPool_, converter->paddedSize(), converter->alpha());
   const bool converted = converter->convert(from, *picture);
   gst_video_frame_unmap(&from);
   return converted ? cropped(std::move(picture).publish(), pictureSize()) : FrameRef();
 }
 
 FrameRef VideoFrameMaker::makeProgressive(const FrameRef& picture, GstBuffer* buffer) {
-  MutableFrame progressive = acquire(progressivePool_, picture->size(), picture->hasAlpha());
+  MutableFrame progressive = acquire(progressivePool_, picture->size(), picture->alpha());
   deinterlacer_.process(picture, firstFieldOf(buffer), *progressive);
   return std::move(progressive).publish();
 }
 
 FrameRef VideoFrameMaker::makeUpright(FrameRef picture, PictureOrientation orientation) {
   if (orientation.mirrored) {
-    MutableFrame mirrored = acquire(mirroredPool_, picture->size(), picture->hasAlpha());
+    MutableFrame mirrored = acquire(mirroredPool_, picture->size(), picture->alpha());
     for (int i = 0; i < planesOf(*picture); ++i)
       libyuv::MirrorPlane(picture->plane(i), picture->stride(i), mirrored->writablePlane(i),
                           mirrored->stride(i), picture->planeWidth(i), picture->planeHeight(i));
@@ -196,7 +196,7 @@ FrameRef VideoFrameMaker::makeUpright(FrameRef picture, PictureOrientation orien
     return picture;
   const FrameSize size =
       orientation.liesDown() ? FrameSize{picture->height(), picture->width()} : picture->size();
-  MutableFrame turned = acquire(turnedPool_, size, picture->hasAlpha());
+  MutableFrame turned = acquire(turnedPool_, size, picture->alpha());
   for (int i = 0; i < planesOf(*picture); ++i)
     libyuv::RotatePlane(picture->plane(i), picture->stride(i), turned->writablePlane(i), turned->stride(i),
                         picture->planeWidth(i), picture->planeHeight(i),
@@ -227,7 +227,7 @@ FrameRef VideoFrameMaker::make(GstSample* sample) {
   const FrameRect rect = fitRect(picture->size(), aspectNumerator, aspectDenominator, renderSize_);
   if (picture->size() == renderSize_ && rect == FrameRect{0, 0, renderSize_.width, renderSize_.height})
     return picture;
-  MutableFrame fitted = acquire(renderPool_, renderSize_, picture->hasAlpha());
+  MutableFrame fitted = acquire(renderPool_, renderSize_, picture->alpha());
   fitFrame(*picture, rect, *fitted);
   return std::move(fitted).publish();
 }

@@ -1,7 +1,7 @@
-// Turns GStreamer's decoded pictures into frames of the render size: BT.709 limited 4:2:0, progressive,
-// upright, with the shape that the film asks for. Alpha is kept, premultiplied. A picture that is all that
-// already is handed on without a copy. One thread at a time (the film's streaming thread); setOrientation
-// from any.
+// Makes frames of the render size from GStreamer's decoded pictures: BT.709 limited range 4:2:0, progressive,
+// upright, with the display aspect ratio of the film. Alpha is kept and premultiplied. A picture that needs
+// no change is passed on without a copy. One thread at a time (the film's streaming thread), except
+// setOrientation: any thread.
 #pragma once
 #include <gst/video/video.h>
 
@@ -16,14 +16,14 @@
 
 namespace korvia {
 
-/// How a picture has to be turned to stand upright: mirrored left to right first, then turned clockwise.
+/// How a picture has to be turned to be upright: first mirrored left to right, then rotated clockwise.
 struct PictureOrientation {
   bool mirrored = false;
   int degrees = 0;
 
   /// From a tag like "rotate-90" or "flip-rotate-180"; upright for anything else.
   static PictureOrientation fromTag(const char* tag);
-  /// Whether width and height change places.
+  /// Whether width and height are exchanged.
   bool liesDown() const { return degrees == 90 || degrees == 270; }
   friend bool operator==(const PictureOrientation& a, const PictureOrientation& b) {
     return a.mirrored == b.mirrored && a.degrees == b.degrees;
@@ -40,7 +40,7 @@ class VideoFrameMaker {
   /// Null when the sample has no picture that can be read.
   FrameRef make(GstSample* sample);
   void setOrientation(PictureOrientation orientation);
-  /// What one picture lasts by the film's frame rate; 0 when that is unknown.
+  /// The duration of one picture by the film's frame rate; 0 when that is unknown.
   std::int64_t frameDurationNs() const { return frameDurationNs_; }
   FrameSize pictureSize() const;
 
@@ -55,7 +55,7 @@ class VideoFrameMaker {
   FrameRef makeUpright(FrameRef picture, PictureOrientation orientation);
 
   const FrameSize renderSize_;
-  // Pools of the frames that the steps make, in their order.
+  // A pool for the frames of each step, in the order of the steps.
   std::unique_ptr<FramePool> convertedPool_;
   std::unique_ptr<FramePool> progressivePool_;
   std::unique_ptr<FramePool> mirroredPool_;
@@ -64,7 +64,7 @@ class VideoFrameMaker {
   std::unique_ptr<PictureConverter> converters_[2];  // by PictureScan, made when needed
   Deinterlacer deinterlacer_;
   GstCaps* caps_ = nullptr;
-  bool usable_ = false;  // pictures of these caps can be read
+  bool usable_ = false;  // pictures with these caps can be read
   GstVideoInfo info_;
   std::int64_t frameDurationNs_ = 0;
   std::atomic<int> orientation_{0};  // degrees, plus 1 when mirrored

@@ -24,12 +24,12 @@ bool VideoQueue::isFull() const {
 }
 
 bool VideoQueue::push(TimedFrame frame) {
-  TimedFrame dropped;  // its memory goes back outside of the lock
-  std::unique_lock lock(mutex_);
+  TimedFrame dropped;  // freed outside of the lock
+  MutexLock lock(mutex_);
   if (whenFull_ == WhenFull::Wait) {
     if (isFull() && firstIsDue_)
       clock_->beginNow(epoch_);
-    room_.wait(lock, [this] { return closed_ || flushing_ || !isFull(); });
+    room_.wait(lock, [this]() REQUIRES(mutex_) { return closed_ || flushing_ || !isFull(); });
   }
   if (closed_ || flushing_)
     return false;
@@ -52,7 +52,7 @@ void VideoQueue::beginFlush(std::uint64_t epoch) {
   std::vector<TimedFrame> dropped;
   dropped.reserve(static_cast<std::size_t>(limits_.mostFrames));
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     flushing_ = true;
     ended_ = false;
     drained_ = false;
@@ -66,12 +66,12 @@ void VideoQueue::beginFlush(std::uint64_t epoch) {
 }
 
 void VideoQueue::endFlush() {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   flushing_ = false;
 }
 
 void VideoQueue::markEnd(std::int64_t endNs) {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   ended_ = true;
   endNs_ = endNs;
   if (clock_ && !begun_)
@@ -81,7 +81,7 @@ void VideoQueue::markEnd(std::int64_t endNs) {
 void VideoQueue::close() {
   std::vector<TimedFrame> dropped;
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     closed_ = true;
     dropped.swap(queue_);
   }
@@ -89,12 +89,12 @@ void VideoQueue::close() {
 }
 
 bool VideoQueue::isDrained() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return drained_;
 }
 
 VideoQueue::Figures VideoQueue::figures() const {
-  std::lock_guard lock(mutex_);
+  MutexLock lock(mutex_);
   return figures_;
 }
 
@@ -132,7 +132,7 @@ VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
   Pull result;
   std::int64_t shownNs = 0;
   {
-    std::lock_guard lock(mutex_);
+    MutexLock lock(mutex_);
     const bool current = reading.epoch == epoch_;
     if (current && firstIsDue_) {
       if (reading.started && !queue_.empty()) {
@@ -143,7 +143,7 @@ VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
       }
     } else if (current && reading.running) {
       const std::int64_t droppedBefore = figures_.dropped;
-      // Where the oldest picture had to make room, the next one cannot wait any longer.
+      // The oldest picture was dropped because the queue was full, so the next one is shown without waiting.
       if (std::exchange(overflowed_, false) && !queue_.empty())
         take(result);
       while (isDue(reading))

@@ -1,23 +1,22 @@
-// The seam between a source and the engine: a few time-stamped pictures, of which the one that is due leaves
-// at each tick. Which is due says the source's clock, MediaClock or LiveClock; a queue of sound goes by the
-// same reading. Streaming thread: push, endFlush, markEnd. Streaming or control thread: beginFlush. Engine
-// thread: pull. Any thread: the rest. Only push waits, and only in a queue for files.
+// The queue between a source and the engine: it holds a few pictures with time stamps and releases the one
+// that is due at each tick. The source's clock, MediaClock or LiveClock, says which one is due; a queue of
+// sound uses the same reading. Streaming thread: push, endFlush, markEnd. Streaming or control thread:
+// beginFlush. Engine thread: pull. Any thread: the rest. Only push waits, and only in a queue for files.
 #pragma once
-#include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <vector>
 
 #include "MediaClock.h"
+#include "ThreadSafety.h"
 #include "engine/frame/Frame.h"
 
 namespace korvia {
 
 struct TimedFrame {
   FrameRef frame;
-  std::int64_t timeNs = 0;   ///< on the clock's time line, which goes on through loops
-  std::int64_t mediaNs = 0;  ///< place in the film, from its first picture
-  int film = 0;              ///< which film it is of, where several share the queue
+  std::int64_t timeNs = 0;   ///< on the clock's time line, which continues through loops
+  std::int64_t mediaNs = 0;  ///< time in the film, from its first picture
+  int film = 0;              ///< number of its film, when several share the queue
 };
 
 class VideoQueue {
@@ -25,11 +24,12 @@ class VideoQueue {
   /// For a source that can wait: push waits while the queue is full.
   struct File {
     int frames = 4;
-    /// Pictures of a fast film are kept up to this time, to bridge the seam of a loop.
+    /// A film with a high frame rate may queue more pictures, up to this time, so that they bridge the seam
+    /// of a loop.
     std::int64_t spanNs = 160'000'000;
     int mostFrames = 8;
   };
-  /// For a source that cannot wait: when the queue is full, the oldest picture makes room. The span has to be
+  /// For a source that cannot wait: when the queue is full, the oldest picture is dropped. The span has to be
   /// longer than the latency of the clock, or pictures leave before they are due.
   struct Live {
     std::int64_t spanNs = 500'000'000;
@@ -40,17 +40,18 @@ class VideoQueue {
     FrameRef frame;  ///< null before the first picture
     std::int64_t mediaNs = 0;
     int film = 0;
-    /// How long the picture on show lasts, as far as the next one or the end is known; else 0.
+    /// The duration of the picture on show; 0 while neither the next picture nor the end is known.
     std::int64_t durationNs = 0;
-    bool fresh = false;    ///< another picture than at the call before
-    bool missed = false;   ///< playing, and the picture that is due is not there yet
+    bool fresh = false;    ///< another picture than at the last call
+    bool missed = false;   ///< playing, and the picture that is due has not come
     bool drained = false;  ///< the end was reached at this call
   };
 
   struct Figures {
-    std::int64_t dropped = 0;    ///< pictures that were never shown
-    std::int64_t missed = 0;     ///< ticks at which the picture that was due was not there
-    std::int64_t latencyNs = 0;  ///< of the newest picture on show, from its undelayed arrival; 0 for files
+    std::int64_t dropped = 0;  ///< pictures that were never shown
+    std::int64_t missed = 0;   ///< ticks at which the picture that was due had not come
+    /// From the undelayed arrival of the picture on show to its first tick; 0 for files.
+    std::int64_t latencyNs = 0;
   };
 
   explicit VideoQueue(MediaClock& clock) : VideoQueue(clock, File()) {}
@@ -58,19 +59,19 @@ class VideoQueue {
   VideoQueue(MediaClock& clock, File limits);
   explicit VideoQueue(Live limits);
 
-  /// Waits while full (File) or drops the oldest (Live); false when the picture was refused by a flush or the
-  /// close.
+  /// Waits while the queue is full (File) or drops the oldest picture (Live); false when a flush or close()
+  /// refused the picture.
   bool push(TimedFrame frame);
-  /// Drops what is queued and refuses pictures until endFlush(); the picture on show stays. The first picture
-  /// after it is shown when the clock has started, playing or not. `epoch` comes from MediaClock::flush,
-  /// which is called just before.
+  /// Drops the queued pictures and refuses new ones until endFlush(); the picture on show stays. The first
+  /// picture after the flush is shown as soon as the clock has started, also on pause. `epoch` is what
+  /// MediaClock::flush returned just before.
   void beginFlush(std::uint64_t epoch);
   void endFlush();
-  /// No picture follows; the last one lasts until `endNs`. Undone by a flush and by the next push.
+  /// No picture follows; the last one lasts until `endNs`. A flush or the next push undoes it.
   void markEnd(std::int64_t endNs);
-  /// For good; releases a waiting push.
+  /// Closes for good and ends a push that waits.
   void close();
-  /// The end was reached and nothing came since.
+  /// True when the end was reached and nothing has come since.
   bool isDrained() const;
   Figures figures() const;
 
@@ -81,38 +82,38 @@ class VideoQueue {
   enum class WhenFull { Wait, DropOldest };
 
   VideoQueue(MediaClock* clock, File limits, WhenFull whenFull);
-  bool isFull() const;
-  bool isDue(const ClockReading& reading) const;
-  void take(Pull& result);
-  /// Stamps of a live source jitter and drift through the moments of the ticks: after a repeated picture, a
-  /// skipped one takes half a frame of drift, and the other way round.
-  void settleBias(const Pull& result, bool skipped);
-  bool reachedEnd(const ClockReading& reading) const;
-  /// Of the picture on show; 0 while nobody knows what follows it.
-  std::int64_t durationNs() const;
+  bool isFull() const REQUIRES(mutex_);
+  bool isDue(const ClockReading& reading) const REQUIRES(mutex_);
+  void take(Pull& result) REQUIRES(mutex_);
+  /// The stamps of a live source jitter and drift against the ticks, so that pictures could be repeated and
+  /// skipped in turn. This hysteresis prevents it: after a repeat, half a frame of drift is needed before a
+  /// picture is skipped, and the other way round.
+  void settleBias(const Pull& result, bool skipped) REQUIRES(mutex_);
+  bool reachedEnd(const ClockReading& reading) const REQUIRES(mutex_);
+  /// The duration of the picture on show; 0 while it is unknown.
+  std::int64_t durationNs() const REQUIRES(mutex_);
 
   MediaClock* const clock_;  // null for Live
   const int number_;         // on the clock
   const File limits_;
   const WhenFull whenFull_;
-  mutable std::mutex mutex_;
-  std::condition_variable room_;  // with mutex_
-  // All guarded by mutex_.
-  std::vector<TimedFrame> queue_;  // a few, the oldest first
-  TimedFrame shown_;
-  std::uint64_t epoch_ = 0;
-  bool flushing_ = false;
-  bool closed_ = false;
-  bool begun_ = false;      // pictures came since the flush
-  bool firstIsDue_ = true;  // none was shown since the flush
-  bool overflowed_ = false;
-  int bias_ = 1;  // pictures are due a quarter of a frame early (1) or late (-1)
-  bool ended_ = false;
-  bool drained_ = false;
-  std::int64_t endNs_ = 0;
-  Figures figures_;
+  mutable Mutex mutex_;
+  ConditionVariable room_;
+  std::vector<TimedFrame> queue_ GUARDED_BY(mutex_);  // a few, the oldest first
+  TimedFrame shown_ GUARDED_BY(mutex_);
+  std::uint64_t epoch_ GUARDED_BY(mutex_) = 0;
+  bool flushing_ GUARDED_BY(mutex_) = false;
+  bool closed_ GUARDED_BY(mutex_) = false;
+  bool begun_ GUARDED_BY(mutex_) = false;      // a picture has come since the flush
+  bool firstIsDue_ GUARDED_BY(mutex_) = true;  // no picture was shown since the flush
+  bool overflowed_ GUARDED_BY(mutex_) = false;
+  int bias_ GUARDED_BY(mutex_) = 1;  // pictures are due a quarter of a frame early (1) or late (-1)
+  bool ended_ GUARDED_BY(mutex_) = false;
+  bool drained_ GUARDED_BY(mutex_) = false;
+  std::int64_t endNs_ GUARDED_BY(mutex_) = 0;
+  Figures figures_ GUARDED_BY(mutex_);
 
-  std::vector<TimedFrame> replaced_;  // engine thread; given back outside of the lock
+  std::vector<TimedFrame> replaced_;  // engine thread; freed outside of the lock
 };
 
 }  // namespace korvia

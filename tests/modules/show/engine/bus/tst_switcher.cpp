@@ -15,7 +15,7 @@ constexpr FrameSize kSize{32, 18};
 
 /// The picture with an alpha plane, half transparent all over.
 FrameRef withAlpha(const FrameRef& picture) {
-  FramePool pool(picture->size(), true);
+  FramePool pool(picture->size(), FrameAlpha::Plane);
   MutableFrame frame = pool.acquire();
   for (const int plane : kOpaquePlanes) {
     const WritablePlane view = writablePlaneOf(*frame, plane);

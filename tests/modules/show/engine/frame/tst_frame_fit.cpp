@@ -8,7 +8,7 @@ using namespace korvia;
 namespace {
 
 FrameRef flat(FrameSize size, std::uint8_t y, std::uint8_t u, std::uint8_t v, int alpha = -1) {
-  MutableFrame frame(new Frame(size, alpha >= 0));
+  MutableFrame frame(new Frame(size, alpha >= 0 ? FrameAlpha::Plane : FrameAlpha::None));
   const int values[4] = {y, u, v, alpha};
   for (int plane = 0; plane < (alpha >= 0 ? 4 : 3); ++plane)
     memset(
@@ -75,7 +75,7 @@ class FrameFitTest : public QObject {
 
   void pictureBetweenBlackBars() {
     const FrameRef picture = flat({2, 2}, 200, 90, 160);
-    MutableFrame target(new Frame({8, 4}, false));
+    MutableFrame target(new Frame({8, 4}));
     fitFrame(*picture, fitRect({2, 2}, 1, 1, {8, 4}), *target);
     QCOMPARE(rows(*target, Frame::Y),
              QByteArray("16 16 200 200 200 200 16 16\n16 16 200 200 200 200 16 16\n"
@@ -86,7 +86,7 @@ class FrameFitTest : public QObject {
 
   void barsAboveAndBelow() {
     const FrameRef picture = flat({8, 4}, 200, 90, 160);
-    MutableFrame target(new Frame({4, 6}, false));
+    MutableFrame target(new Frame({4, 6}));
     fitFrame(*picture, {0, 2, 4, 2}, *target);
     QCOMPARE(
         rows(*target, Frame::Y),
@@ -95,7 +95,7 @@ class FrameFitTest : public QObject {
   }
 
   void shrinkingAverages() {
-    MutableFrame source(new Frame({4, 4}, false));
+    MutableFrame source(new Frame({4, 4}));
     const std::uint8_t luma[16] = {20, 40, 100, 100, 60, 80, 100, 100, 16, 16, 200, 200, 16, 16, 220, 220};
     for (int i = 0; i < 16; ++i)
       source->writablePlane(Frame::Y)[i / 4 * source->stride(Frame::Y) + i % 4] = luma[i];
@@ -105,14 +105,14 @@ class FrameFitTest : public QObject {
         source->writablePlane(plane)[i / 2 * source->stride(plane) + i % 2] = values[i];
     }
     const FrameRef picture = std::move(source).publish();
-    MutableFrame target(new Frame({2, 2}, false));
+    MutableFrame target(new Frame({2, 2}));
     fitFrame(*picture, {0, 0, 2, 2}, *target);
     QCOMPARE(rows(*target, Frame::Y), QByteArray("50 100\n16 210\n"));
     QCOMPARE(rows(*target, Frame::U), QByteArray("115\n"));
   }
 
   void alphaFollowsThePicture() {
-    MutableFrame target(new Frame({4, 2}, true));
+    MutableFrame target(new Frame({4, 2}, FrameAlpha::Plane));
     fitFrame(*flat({2, 2}, 200, 90, 160, 77), {2, 0, 2, 2}, *target);
     QCOMPARE(rows(*target, Frame::A), QByteArray("0 0 77 77\n0 0 77 77\n"));
     fitFrame(*flat({2, 2}, 200, 90, 160), {2, 0, 2, 2}, *target);
@@ -123,7 +123,7 @@ class FrameFitTest : public QObject {
     for (int width = 1; width <= 70; ++width) {
       for (int height : {1, 2, 3, 17, 70}) {
         const FrameRef picture = flat({width, height}, 123, 45, 210);
-        MutableFrame target(new Frame({32, 18}, false));
+        MutableFrame target(new Frame({32, 18}));
         const FrameRect rect = fitRect(picture->size(), 1, 1, target->size());
         fitFrame(*picture, rect, *target);
         for (int y = 0; y < 18; ++y) {
@@ -143,7 +143,7 @@ class FrameFitTest : public QObject {
 
   void oddTargetIsFilledToItsEdge() {
     const FrameRef picture = flat({5, 5}, 123, 45, 210);
-    MutableFrame target(new Frame({5, 5}, false));
+    MutableFrame target(new Frame({5, 5}));
     fitFrame(*picture, fitRect({5, 5}, 1, 1, {5, 5}), *target);
     QCOMPARE(rows(*target, Frame::U), QByteArray("45 45 45\n45 45 45\n45 45 45\n"));
     QCOMPARE(int(target->plane(Frame::Y)[4 * target->stride(Frame::Y) + 4]), 123);

@@ -60,13 +60,13 @@ class PictureFrameTest : public QObject {
     image.fill(qRgba(255, 255, 255, 128));
     image.setPixel(2, 1, qRgba(0, 0, 0, 255));
     QVERIFY(!frameFromImage(image)->hasAlpha());
-    const FrameRef frame = frameFromImage(image, ImageAlpha::Keep);
+    const FrameRef frame = frameFromImage(image, FrameAlpha::Plane);
     QCOMPARE(int(frame->plane(Frame::A)[0]), 128);
     QCOMPARE(int(frame->plane(Frame::A)[frame->stride(Frame::A) + 2]), 255);
     QCOMPARE(int(frame->plane(Frame::Y)[0]), 126);
     image = QImage(1, 1, QImage::Format_RGB32);
     image.fill(0x00FFFFFF);
-    QCOMPARE(int(frameFromImage(image, ImageAlpha::Keep)->plane(Frame::A)[0]), 255);
+    QCOMPARE(int(frameFromImage(image, FrameAlpha::Plane)->plane(Frame::A)[0]), 255);
   }
 
   void chromaIsTheMeanOfFour() {

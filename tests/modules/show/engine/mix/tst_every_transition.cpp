@@ -33,7 +33,7 @@ void everyEffect() {
 /// What the transition makes of the two pictures.
 FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, MixPoint point,
                TransitionScratch& scratch) {
-  MutableFrame out(new Frame(from->size(), false));
+  MutableFrame out(new Frame(from->size()));
   transitionFor(effect)->mix(*from, *to, point, scratch, *out);
   return std::move(out).publish();
 }
@@ -150,7 +150,7 @@ class EveryTransitionTest : public QObject {
     QFETCH(int, effect);
     const FrameRef a = noise({640, 360}, 1);
     const FrameRef b = noise({640, 360}, 2);
-    MutableFrame out(new Frame(a->size(), false));
+    MutableFrame out(new Frame(a->size()));
     TransitionScratch scratch;
     const auto mixAt = [&](double position) {
       transitionFor(effect)->mix(*a, *b, {position, 7}, scratch, *out);

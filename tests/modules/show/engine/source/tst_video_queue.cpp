@@ -20,7 +20,7 @@ constexpr std::int64_t kMs = 1'000'000;
 
 /// A picture that tells its number by its first sample.
 korvia::TimedFrame picture(int number, std::int64_t timeNs) {
-  MutableFrame frame(new korvia::Frame(FrameSize{2, 2}, false));
+  MutableFrame frame(new korvia::Frame(FrameSize{2, 2}));
   frame->writablePlane(korvia::Frame::Y)[0] = static_cast<std::uint8_t>(number);
   return {std::move(frame).publish(), timeNs, timeNs};
 }

@@ -17,7 +17,7 @@ enum Effect { kCircular = 53, kRadial, kPixelate, kDirectional, kDisk, kSharpen,
 
 FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, double position) {
   TransitionScratch scratch;
-  MutableFrame out(new Frame(from->size(), false));
+  MutableFrame out(new Frame(from->size()));
   transitionFor(effect)->mix(*from, *to, {position, 1}, scratch, *out);
   return std::move(out).publish();
 }

@@ -13,7 +13,7 @@ namespace {
 
 FrameRef blurred(const FrameRef& picture, double radius) {
   TransitionScratch scratch;
-  MutableFrame out(new Frame(picture->size(), false));
+  MutableFrame out(new Frame(picture->size()));
   blurByDisk(*picture, radius, scratch, *out);
   return std::move(out).publish();
 }

@@ -35,7 +35,7 @@ FrameRef even(FrameSize size, int luma, int u, int v) {
 
 FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, double position) {
   TransitionScratch scratch;
-  MutableFrame out(new Frame(from->size(), false));
+  MutableFrame out(new Frame(from->size()));
   transitionFor(effect)->mix(*from, *to, {position, 7}, scratch, *out);
   return std::move(out).publish();
 }

@@ -11,7 +11,7 @@ using namespace korvia::test;
 namespace {
 
 FrameRef bent(const DisplacementGrid& grid, const Frame& in) {
-  MutableFrame out(new Frame(in.size(), false));
+  MutableFrame out(new Frame(in.size()));
   grid.bend(in, *out);
   return std::move(out).publish();
 }
@@ -85,7 +85,7 @@ class DisplacementGridTest : public QObject {
       external.stride[plane] = picture->stride(plane);
     }
     // V lies in the rows of a wider picture.
-    MutableFrame wide(new Frame({400, 34}, false));
+    MutableFrame wide(new Frame({400, 34}));
     for (int y = 0; y < 17; ++y)
       std::copy_n(planeOf(*picture, Frame::V).row(y), 25, writablePlaneOf(*wide, Frame::V).row(y));
     external.data[Frame::V] = wide->plane(Frame::V);

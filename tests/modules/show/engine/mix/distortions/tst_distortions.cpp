@@ -35,7 +35,7 @@ const double kReach = std::hypot(480.5, 274.5);
 
 FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, MixPoint point) {
   TransitionScratch scratch;
-  MutableFrame out(new Frame(from->size(), false));
+  MutableFrame out(new Frame(from->size()));
   transitionFor(effect)->mix(*from, *to, point, scratch, *out);
   return std::move(out).publish();
 }

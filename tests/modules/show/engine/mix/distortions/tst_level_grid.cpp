@@ -11,7 +11,7 @@ namespace {
 
 /// All planes of the mix of 0 and 255 are the mask.
 FrameRef shownMask(const LevelGrid& levels, FrameSize size) {
-  MutableFrame out(new Frame(size, false));
+  MutableFrame out(new Frame(size));
   levels.mix(*flat(size, 0), *flat(size, 255), *out);
   return std::move(out).publish();
 }

@@ -13,7 +13,7 @@ namespace {
 constexpr int kDrop = 23;
 
 FrameRef mixed(const FrameRef& from, const FrameRef& to, double position) {
-  MutableFrame out(new Frame(from->size(), false));
+  MutableFrame out(new Frame(from->size()));
   TransitionScratch scratch;
   transitionFor(kDrop)->mix(*from, *to, {position, 1}, scratch, *out);
   return std::move(out).publish();

@@ -28,7 +28,7 @@ constexpr Glide kGlides[] = {
 };
 
 FrameRef mixed(int effect, const FrameRef& from, const FrameRef& to, double position) {
-  MutableFrame out(new Frame(from->size(), false));
+  MutableFrame out(new Frame(from->size()));
   TransitionScratch scratch;
   transitionFor(effect)->mix(*from, *to, {position, 1}, scratch, *out);
   return std::move(out).publish();

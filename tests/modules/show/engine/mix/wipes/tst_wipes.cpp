@@ -67,7 +67,7 @@ class Masks {
   explicit Masks(FrameSize size) : old_(flat(size, 0)), fresh_(flat(size, 255)) {}
 
   FrameRef of(int effect, double position, std::uint32_t seed = 7) {
-    MutableFrame out(new Frame(old_->size(), false));
+    MutableFrame out(new Frame(old_->size()));
     transitionFor(effect)->mix(*old_, *fresh_, {position, seed}, scratch_, *out);
     return std::move(out).publish();
   }

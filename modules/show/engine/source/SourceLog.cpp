@@ -1,7 +1,0 @@
-#include "SourceLog.h"
-
-namespace korvia {
-
-Q_LOGGING_CATEGORY(logSource, "korvia.source")
-
-}  // namespace korvia
