@@ -261,7 +261,10 @@ void PictureConverter::loadPlaneRow(const GstVideoFrame& from, int component, in
   const int count = std::min(GST_VIDEO_FRAME_COMP_WIDTH(&from, component), width);
   const int step = GST_VIDEO_FORMAT_INFO_PSTRIDE(&format, component);
   const int shift = static_cast<int>(format.shift[component]);
+  // GStreamer says that V of P010, P012 and P016 stands 1 byte behind U; it stands 1 sample behind.
+  const int misplaced = GST_VIDEO_FORMAT_INFO_POFFSET(&format, component) % bytes_;
   const auto* data = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(&from, component)) +
+                     misplaced +
                      static_cast<std::ptrdiff_t>(row) * GST_VIDEO_FRAME_COMP_STRIDE(&from, component);
   if (step == bytes_ && shift == 0)
     std::memcpy(to, data, static_cast<std::size_t>(count) * static_cast<std::size_t>(bytes_));

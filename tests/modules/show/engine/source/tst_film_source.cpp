@@ -1,6 +1,7 @@
 // A film through its whole life: every picture once, end actions, seeks, stop, pause, hold, loops without
 // seam.
 #include <QtTest>
+#include <numeric>
 
 #include "SourceRig.h"
 
@@ -106,6 +107,21 @@ class FilmSourceTest : public QObject {
     QCOMPARE(shown.front(), 0);
     for (int step : stepsOf(shown))
       QCOMPARE(step, 1);
+  }
+
+  void aGapHoldsThePictureBeforeIt() {
+    SourceRig rig;
+    rig.openFilm(clip("gap.mkv"), EndActionStop);
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    std::vector<int> expected(20);
+    std::iota(expected.begin(), expected.end(), 0);
+    QCOMPARE(numbers(rig, 20), expected);
+    // The pictures behind the gap are decoded by now, and wait for their time: 10 s are 250 ticks.
+    QTRY_VERIFY(rig->figures().framesDecoded >= 22);
+    for (int tick = 0; tick < 250; ++tick)
+      QCOMPARE(numberIn(rig->pullFrame(1)), 19);
+    QCOMPARE(numbers(rig, 5), (std::vector<int>{20, 21, 22, 23, 24}));
+    QVERIFY(std::abs(rig.timeMs() - 10'960) <= 40);
   }
 
   void unevenFilmKeepsItsTimes() {

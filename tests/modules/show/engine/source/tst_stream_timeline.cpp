@@ -65,6 +65,26 @@ class StreamTimelineTest : public QObject {
     QCOMPARE(places(timeline, {40, 80}), (std::vector<int>{200, 240}));
   }
 
+  void gapsAreKept_data() {
+    QTest::addColumn<int>("gapMs");
+    QTest::newRow("10 s") << 10'000;
+    QTest::newRow("100 s") << 100'000;
+    QTest::newRow("the longest") << 120'000;
+  }
+  void gapsAreKept() {
+    QFETCH(int, gapMs);
+    StreamTimeline timeline;
+    QCOMPARE(places(timeline, {0, 40, 40 + gapMs, 80 + gapMs}),
+             (std::vector<int>{0, 40, 40 + gapMs, 80 + gapMs}));
+  }
+
+  void aGapThatIsTooLongIsAJump() {
+    StreamTimeline timeline;
+    QCOMPARE(places(timeline, {0, 40, 130'040, 130'080}), (std::vector<int>{0, 40, 80, 120}));
+    // A gap after the jump is kept again.
+    QCOMPARE(places(timeline, {140'080}), (std::vector<int>{10'120}));
+  }
+
   void longPicturesAreNoJump() {
     StreamTimeline timeline;
     QCOMPARE(places(timeline, {0, 15'000}, 15'000), (std::vector<int>{0, 15'000}));
