@@ -205,8 +205,8 @@ namespace {
 constexpr int kLumaOne = 1 << kLumaShift;
 constexpr int kCodeMask = (1 << ColorTable::kDepth) - 1;
 
-/// Interpolates between two nodes along luma; `low` and `high` are weighted sums over four columns. The result
-/// fits 32 bits: 14 of a table's value, 8 of the weights, 4 of `part`.
+/// Interpolates between two nodes along luma; `low` and `high` are weighted sums over four columns. The
+/// result fits 32 bits: 14 of a table's value, 8 of the weights, 4 of `part`.
 std::uint8_t between(int low, int high, int part) {
   constexpr int kShift = kLumaShift + 2 * kChromaShift + kFraction;
   return static_cast<std::uint8_t>((low * (kLumaOne - part) + high * part + (1 << (kShift - 1))) >> kShift);
