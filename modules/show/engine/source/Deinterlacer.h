@@ -18,6 +18,8 @@ class Deinterlacer {
   /// Fills all planes of `to`, which has the size of `picture` and no more planes than it. Pictures come in
   /// order; one of another size starts anew.
   void process(const FrameRef& picture, FirstField first, Frame& to);
+  /// Takes a progressive picture that stands between interlaced ones: the next one is compared with it.
+  void skip(const FrameRef& picture) { before_ = picture; }
 
  private:
   static constexpr int kBlock = 32;  // luma samples a side
