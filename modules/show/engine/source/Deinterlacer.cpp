@@ -49,7 +49,8 @@ void Deinterlacer::judgeBlock(int column, int row, const Frame& picture, const F
   // In interlaced material the first field is as far in time from the second field before it as from the
   // second field after it. In progressive-segmented material it was shot together with the second field after
   // it.
-  std::uint8_t& sureness = segmented_[static_cast<std::size_t>(row * columns_ + column)];
+  std::uint8_t& sureness = segmented_[static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
+                                      static_cast<std::size_t>(column)];
   if (2 * sums.before >= 3 * sums.now)
     sureness = static_cast<std::uint8_t>(std::min(sureness + 1, kSurest));
   else if (4 * sums.before < 5 * sums.now)
@@ -98,7 +99,9 @@ void Deinterlacer::process(const FrameRef& picture, FirstField first, Frame& to)
   if (size_ != picture->size()) {
     size_ = picture->size();
     columns_ = (size_.width + kBlock - 1) / kBlock;
-    segmented_.assign(static_cast<std::size_t>(columns_ * ((size_.height + kBlock - 1) / kBlock)), 0);
+    segmented_.assign(
+        static_cast<std::size_t>(columns_) * static_cast<std::size_t>((size_.height + kBlock - 1) / kBlock),
+        0);
     zeros_.assign(static_cast<std::size_t>(size_.width), 0);
   }
   if (before_ && before_->size() != size_)
