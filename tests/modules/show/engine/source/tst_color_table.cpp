@@ -1,5 +1,5 @@
-// The table of wide gamuts and high dynamic ranges against its formulas, and the formulas against colours whose
-// result is known.
+// The table of wide gamuts and high dynamic ranges against its formulas, and the formulas against colours
+// whose result is known.
 #include <QtTest>
 #include <algorithm>
 #include <array>

@@ -214,8 +214,7 @@ class DeinterlacerTest : public QObject {
       frame->fillBlack();
       for (int y = 0; y < kSize.height; ++y)
         for (int x = 0; x < kSize.width; ++x)
-          frame->writablePlane(Frame::A)[y * frame->stride(Frame::A) + x] =
-              x < edge + (y % 2) * 6 ? 255 : 0;
+          frame->writablePlane(Frame::A)[y * frame->stride(Frame::A) + x] = x < edge + (y % 2) * 6 ? 255 : 0;
       return std::move(frame).publish();
     };
     Line line(FirstField::Top);

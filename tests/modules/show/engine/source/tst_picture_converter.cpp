@@ -39,8 +39,7 @@ int coded(const Color& color, int component, bool isRgb, Range range, int depth)
     return value << (depth - 8);
   if (component == 0)
     return static_cast<int>(std::lround((value - 16) / 219.0 * most));
-  return std::min(most,
-                  static_cast<int>(std::lround((value - 128) / 224.0 * most + (1 << (depth - 1)))));
+  return std::min(most, static_cast<int>(std::lround((value - 128) / 224.0 * most + (1 << (depth - 1)))));
 }
 
 /// A sample of one picture, which it frees.
@@ -89,7 +88,8 @@ class Sample {
 void writeSample(GstVideoFrame& frame, int component, int x, int y, int value) {
   const GstVideoFormatInfo* format = frame.info.finfo;
   const bool isLaterV = component == 2 && GST_VIDEO_FRAME_FORMAT(&frame) == GST_VIDEO_FORMAT_P010_10LE;
-  auto* place = static_cast<std::uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(&frame, component)) + (isLaterV ? 1 : 0) +
+  auto* place = static_cast<std::uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(&frame, component)) +
+                (isLaterV ? 1 : 0) +
                 static_cast<std::ptrdiff_t>(y) * GST_VIDEO_FRAME_COMP_STRIDE(&frame, component) +
                 static_cast<std::ptrdiff_t>(x) * GST_VIDEO_FRAME_COMP_PSTRIDE(&frame, component);
   const int shifted = value << format->shift[component];
@@ -111,7 +111,8 @@ void writeV210(GstVideoFrame& frame, int width, int height, const Color& left, c
     for (int i = 0; i < samples; ++i) {
       const int x = i / 4 * 2 + (i % 4 == 3 ? 1 : 0);
       const int component = i % 4 == 0 ? 1 : i % 4 == 2 ? 2 : 0;
-      const auto value = static_cast<quint32>(coded(x < width / 2 ? left : right, component, false, range, 10));
+      const auto value =
+          static_cast<quint32>(coded(x < width / 2 ? left : right, component, false, range, 10));
       quint32 word = 0;
       std::memcpy(&word, row + i / 3 * 4, sizeof word);
       word |= value << (i % 3 * 10);
@@ -278,7 +279,8 @@ class PictureConverterTest : public QObject {
     // The upper field is red and the lower blue, in every line: 4:2:2 has a chroma for each.
     QFETCH(QByteArray, format);
     constexpr FrameSize kSize{48, 16};
-    const QByteArray caps = capsOf(format, kSize, kLimited, ",interlace-mode=interleaved,field-order=top-field-first");
+    const QByteArray caps =
+        capsOf(format, kSize, kLimited, ",interlace-mode=interleaved,field-order=top-field-first");
     Sample red(caps, Sample::sizeOf(caps));
     Sample blue(caps, Sample::sizeOf(caps));
     paint(red, kRed, kRed, Range::Limited, 255);
@@ -292,7 +294,8 @@ class PictureConverterTest : public QObject {
       const auto stride = static_cast<std::size_t>(GST_VIDEO_FRAME_PLANE_STRIDE(&upper, plane));
       for (std::size_t y = 1; y < static_cast<std::size_t>(kSize.height); y += 2)
         std::memcpy(static_cast<std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&upper, plane)) + y * stride,
-                    static_cast<std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&lower, plane)) + y * stride, stride);
+                    static_cast<std::uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&lower, plane)) + y * stride,
+                    stride);
     }
     const auto converter = PictureConverter::create(info, PictureScan::Interlaced);
     QVERIFY(converter);
