@@ -1,4 +1,5 @@
-// Loads the library of the console, which is in the program's folder, and calls its factory. GUI thread only.
+// Loads the library of the console, which is in the program's folder, and calls its factory. console thread
+// only.
 #pragma once
 #include <QString>
 

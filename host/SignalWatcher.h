@@ -1,6 +1,6 @@
-// Turns SIGINT, SIGTERM and SIGHUP into Qt signals, so that the console is closed in order. While a watcher
-// exists, these signals do not end the process, however often they come. If the program was started with
-// SIGHUP ignored, it stays ignored. One at a time, GUI thread.
+// Turns SIGINT and SIGTERM into closeRequested() and SIGHUP into hungUp(), so that the host decides how to
+// end. While a watcher exists, these signals do not end the process, unless its pipe could not be made, which
+// is logged. If the program was started with SIGHUP ignored, it stays ignored. One at a time, console thread.
 #pragma once
 #include <QObject>
 
@@ -17,6 +17,7 @@ class SignalWatcher : public QObject {
   ~SignalWatcher() override;
 
  signals:
+  /// Several signals in a row may give one of these.
   void closeRequested();
   void hungUp();
 

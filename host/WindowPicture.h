@@ -1,4 +1,4 @@
-// Picture of a whole window as the operator sees it. GUI thread only.
+// Picture of a whole window as the operator sees it. console thread only.
 #pragma once
 #include <QImage>
 

@@ -1,4 +1,4 @@
-// Describes a widget to the engine as a window for pictures. GUI thread.
+// Describes a widget to the engine as a window for pictures. console thread.
 #pragma once
 #include <QWidget>
 

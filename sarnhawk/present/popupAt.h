@@ -1,4 +1,4 @@
-// Places a popup beside its button. GUI thread.
+// Places a popup beside its button. console thread.
 #pragma once
 
 class QWidget;

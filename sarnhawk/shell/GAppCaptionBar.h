@@ -1,4 +1,4 @@
-// The top row of the frame, which replaces the title bar of the window system. GUI thread only.
+// The top row of the frame, which replaces the title bar of the window system. console thread only.
 #pragma once
 #include <QPoint>
 #include <QWidget>

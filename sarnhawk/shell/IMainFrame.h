@@ -1,4 +1,4 @@
-// The frame as the caption bar sees it. GUI thread.
+// The frame as the caption bar sees it. console thread.
 #pragma once
 #include "IUnknownEx.h"
 

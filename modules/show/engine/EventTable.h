@@ -18,9 +18,10 @@ namespace korvia {
 
 class EventTable {
  public:
-  /// Events of this number call `handle` on `part`, which must outlive the table. The handler takes up to
-  /// four arguments: int, float, double, QString, or a record that travels in a variant. An argument of
-  /// another type becomes 0, empty, or a default record.
+  /// Calls `handle` on `part`, which must outlive the table, for each event with this id. The handler takes
+  /// up to four arguments: int, float, double, QString, or a record. Numbers and texts are converted where
+  /// the variant can be; what cannot be becomes 0 or empty. A record of another type becomes a default
+  /// record.
   template <typename Part, typename... Arguments>
   void on(KorviaShowEvent id, Part& part, void (Part::*handle)(Arguments...)) {
     static_assert(sizeof...(Arguments) <= std::extent_v<decltype(ShowEvent::args)>);
@@ -29,7 +30,7 @@ class EventTable {
     };
   }
 
-  /// Calls the handler of the event. The first event of a number without a handler is logged.
+  /// Calls the handler of the event. The first event of an id without a handler is logged.
   void dispatch(const ShowEvent& event);
 
  private:

@@ -1,5 +1,6 @@
-// Annotations that tell ThreadSanitizer which of two threads ran first, where GStreamer orders them by GLib's
-// locks: these are bare futexes, which ThreadSanitizer does not see. Empty in all other builds. Any thread.
+// Tells ThreadSanitizer about an order between two threads that it cannot see, because GStreamer keeps that
+// order with GLib's locks. Without these calls it reports races that are none. Empty in other builds. Any
+// thread.
 #pragma once
 #ifdef __SANITIZE_THREAD__
 #include <sanitizer/tsan_interface.h>
@@ -7,7 +8,8 @@
 
 namespace korvia {
 
-/// What this thread did so far happens before what another thread does after annotateHappensAfter(object).
+/// Called after the work that another thread relies on. That thread calls annotateHappensAfter with the same
+/// object first.
 inline void annotateHappensBefore([[maybe_unused]] void* object) {
 #ifdef __SANITIZE_THREAD__
   __tsan_release(object);
@@ -20,8 +22,8 @@ inline void annotateHappensAfter([[maybe_unused]] void* object) {
 #endif
 }
 
-/// For a callback that a library runs on one of its own threads: it happens after what was annotated before
-/// it and before what follows it.
+/// For a callback on a thread of a library: callbacks with the same object look ordered to ThreadSanitizer.
+/// Used only where the library orders them.
 class HappensBeforeScope {
  public:
   explicit HappensBeforeScope(void* object) : object_(object) { annotateHappensAfter(object_); }

@@ -1,4 +1,4 @@
-// The parameters with which an output slot is started. A plain value.
+// What is needed to start one output, the stream or the recording. A plain value.
 #pragma once
 #include <QString>
 
@@ -10,11 +10,11 @@ namespace korvia {
 
 struct OutputRequest {
   int slot = OutputSlotRecord;
-  tagKorviaShowOutputParam param;
-  QString programName;
-  /// Size of the encoded picture. Its frame rate is ignored in favour of the show's.
+  tagKorviaShowOutputParam param;  ///< settings of all outputs; `slot` is the index of this one
+  QString programName;             ///< for the name of a recording
+  /// Only the size of the encoded picture is taken from it.
   tagKorviaFormatInfo format;
-  FrameRate rate;
+  FrameRate rate;  ///< the show's, which the encoder uses
 };
 
 }  // namespace korvia

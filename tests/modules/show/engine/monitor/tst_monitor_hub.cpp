@@ -46,12 +46,38 @@ class Screen {
       lost_ = 0;
   }
 
+  /// From now on the monitor thread hangs when it shows a picture in the window, until release().
+  void holdAt(WId window) {
+    std::lock_guard lock(mutex_);
+    held_ = window;
+    reached_ = false;
+  }
+  void pass(WId window) {
+    std::unique_lock lock(mutex_);
+    if (held_ != window)
+      return;
+    reached_ = true;
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return held_ == 0; });
+  }
+  bool waitUntilHeld() {
+    std::unique_lock lock(mutex_);
+    return changed_.wait_for(lock, std::chrono::seconds(10), [this] { return reached_; });
+  }
+  void release() {
+    std::lock_guard lock(mutex_);
+    held_ = 0;
+    changed_.notify_all();
+  }
+
  private:
   std::mutex mutex_;
   std::condition_variable changed_;
-  QStringList log_;  // guarded by mutex_
-  int flushes_ = 0;  // guarded by mutex_
-  WId lost_ = 0;     // guarded by mutex_
+  QStringList log_;       // guarded by mutex_
+  int flushes_ = 0;       // guarded by mutex_
+  WId lost_ = 0;          // guarded by mutex_
+  WId held_ = 0;          // guarded by mutex_
+  bool reached_ = false;  // guarded by mutex_
 };
 
 class FakeSurface final : public MonitorSurface {
@@ -66,6 +92,7 @@ class FakeSurface final : public MonitorSurface {
     screen_.note(QString("%1 shows %2").arg(window_).arg(picture.plane(Frame::Y)[0]));
     fresh_ = false;
     screen_.found(window_);
+    screen_.pass(window_);
   }
   bool isLost() const override { return fresh_ || screen_.isLost(window_); }
 
@@ -105,12 +132,15 @@ class MonitorHubTest : public QObject {
   std::unique_ptr<MonitorHub> hub_;
   int frames_ = 0;
 
-  /// One frame's pictures; gives what was done with them.
-  QStringList frame(const FrameRef& pgm, const FrameRef& pvm = {}, const FrameRef& strip = {}) {
+  void commit(const FrameRef& pgm, const FrameRef& pvm = {}, const FrameRef& strip = {}) {
     hub_->show(MonitorHub::Pgm, pgm);
     hub_->show(MonitorHub::Pvm, pvm);
     hub_->show(MonitorHub::FirstMedia, strip);
     hub_->commit();
+  }
+  /// One frame's pictures; gives what was done with them.
+  QStringList frame(const FrameRef& pgm, const FrameRef& pvm = {}, const FrameRef& strip = {}) {
+    commit(pgm, pvm, strip);
     return screen_->waitForFlush(++frames_);
   }
 
@@ -174,6 +204,41 @@ class MonitorHubTest : public QObject {
       hub_->resizeObject(object, window(9));
     hub_->resizeObject(PGMObject, {});
     QCOMPARE(frame(still), QStringList{});
+  }
+
+  void stripsOfALateFrameAreLeftOut() {
+    screen_->holdAt(2);
+    commit(flat(kSize, 10), flat(kSize, 20), flat(kSize, 30));
+    QVERIFY(screen_->waitUntilHeld());
+    commit(flat(kSize, 11), flat(kSize, 21), flat(kSize, 31));
+    screen_->release();
+    frames_ += 2;
+    // Program and preview are shown in both frames.
+    QCOMPARE(screen_->waitForFlush(frames_),
+             (QStringList{"1 shows 10", "2 shows 20", "1 shows 11", "2 shows 21", "3 shows 31"}));
+    QCOMPARE(hub_->droppedPictures(), qint64(1));
+  }
+
+  void picturesThatWereNotFetchedAreReplaced() {
+    screen_->holdAt(1);
+    commit(flat(kSize, 10), flat(kSize, 20), flat(kSize, 30));
+    QVERIFY(screen_->waitUntilHeld());
+    commit(flat(kSize, 11), flat(kSize, 21), flat(kSize, 31));
+    commit(flat(kSize, 12), flat(kSize, 22), flat(kSize, 32));
+    screen_->release();
+    frames_ += 2;
+    QCOMPARE(screen_->waitForFlush(frames_),
+             (QStringList{"1 shows 10", "2 shows 20", "1 shows 12", "2 shows 22", "3 shows 32"}));
+    // Two of strips; those of program and preview do not count.
+    QCOMPARE(hub_->droppedPictures(), qint64(2));
+  }
+
+  void picturesLeaveTheirTimesInTheStageClock() {
+    frame(flat(kSize, 10));
+    hub_->close();
+    tagKorviaShowEngineFigures figures;
+    stages_.read(figures);
+    QVERIFY(figures.monitors.maxOfRunMs > 0);
   }
 
   void aClosedHubShowsNothing() {

@@ -1,6 +1,8 @@
 // Pictures in real windows of a display, with shared memory and without.
 #include <QtTest>
 
+#include "KorviaShowObjectID.h"
+#include "engine/monitor/MonitorHub.h"
 #include "engine/monitor/X11MonitorSurface.h"
 #include "support/MixPictures.h"
 #include "support/VirtualDisplay.h"
@@ -111,6 +113,35 @@ class X11MonitorSurfaceTest : public QObject {
     surface->show(*grey(128));
     factory->flush();
     QVERIFY(!surface->isLost());
+  }
+
+  void aHubShowsItsPicturesInItsWindows() {
+    startDisplay({});
+    Windows windows;
+    tagKorviaShowWindowPackInfo pack;
+    pack.pgm = windows.open(400, 300);
+    pack.media[0] = windows.open(200, 100);
+    StageClock stages;
+    MonitorHub hub(stages, [] { return X11MonitorSurfaceFactory::connect(); });
+    hub.open(pack);
+    const auto frame = [&](int pgm, int strip) {
+      hub.show(MonitorHub::Pgm, grey(pgm));
+      hub.show(MonitorHub::FirstMedia, grey(strip));
+      hub.commit();
+    };
+    // The second window lies over the first, at the left upper corner: the middle of the first is free.
+    frame(235, 16);
+    QTRY_COMPARE(middleOf(pack.pgm), QRgb(0xFFFFFF));
+    QTRY_COMPARE(middleOf(pack.media[0]), QRgb(0));
+    frame(16, 235);
+    QTRY_COMPARE(middleOf(pack.pgm), QRgb(0));
+    QTRY_COMPARE(middleOf(pack.media[0]), QRgb(0xFFFFFF));
+    // Another window takes the place of program's.
+    tagKorviaWindowInfo other = windows.open(300, 200);
+    hub.resizeObject(PGMObject, other);
+    frame(235, 235);
+    QTRY_COMPARE(middleOf(other), QRgb(0xFFFFFF));
+    hub.close();
   }
 
   void aWindowThatIsGoneIsHarmless() {

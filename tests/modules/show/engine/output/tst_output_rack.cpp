@@ -3,8 +3,9 @@
 #include <QtTest>
 
 #include "KorviaShowEvents.h"
+#include "RecordRig.h"
 #include "engine/output/OutputRack.h"
-#include "support/TestPattern.h"
+#include "support/VideoJudge.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -85,6 +86,58 @@ class OutputRackTest : public QObject {
     QCOMPARE(report().reason, QString());
     QCOMPARE(host_.log, (QStringList{"41 1", "42 1"}));
     QCOMPARE(host_.kinds.last().toInt(), int(OutputKindRecord));
+  }
+
+  void aFrameIsWrittenAsOftenAsItIsPushed() {
+    // A late tick pushes the frame before it once for each missed one.
+    record(folder_.path() + '/');
+    frames_ = 0;
+    const QVector<int> counts{1, 1, 4, 1, 0, 2, 7, 1};
+    QVector<int> expected;
+    for (const int count : counts) {
+      rack_->push(patternFrame(pool_, frames_), count);
+      expected += QVector<int>(count, frames_++);
+    }
+    rack_->stop(OutputSlotRecord, OutputKindRecord);
+    QTRY_COMPARE_WITH_TIMEOUT(report().state, KorviaShowOutputState::Finished, 20'000);
+    QCOMPARE(report().droppedFrames, qint64(0));
+    QCOMPARE(numbersIn(VideoJudge::decodeLuma(report().fileName), kSize), expected);
+    const VideoVerdict verdict = VideoJudge::judge(report().fileName);
+    QVERIFY(areSpaced(verdict.pts, 0.04, countTo(expected.size())));
+  }
+
+  void statisticsAreThoseOfTheRunningOutput() {
+    tagKorviaOutputStatistics statistics;
+    rack_->statistics(statistics);
+    QCOMPARE(statistics.blocks[OutputSlotRecord].record.bitrate, 0.0F);
+    record(folder_.path() + '/');
+    QVERIFY(pushUntil(KorviaShowOutputState::Running));
+    const auto hasRate = [&] {
+      rack_->push(patternFrame(pool_, frames_++), 1);
+      rack_->statistics(statistics);
+      return statistics.blocks[OutputSlotRecord].record.bitrate > 0;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hasRate(), 20'000);
+    QCOMPARE(statistics.blocks[OutputSlotRecord].videoBitrate,
+             statistics.blocks[OutputSlotRecord].record.bitrate);
+    QVERIFY(statistics.blocks[OutputSlotRecord].videoFps > 0);
+    QCOMPARE(statistics.blocks[OutputSlotStream].videoBitrate, 0.0F);
+    rack_->stop(OutputSlotRecord, OutputKindRecord);
+    QTRY_COMPARE_WITH_TIMEOUT(report().state, KorviaShowOutputState::Finished, 20'000);
+    QVERIFY(!rack_->isRunning(OutputSlotRecord));
+  }
+
+  void theRackMayGoBeforeItsOutputsHaveEnded() {
+    record(folder_.path() + '/');
+    QVERIFY(pushUntil(KorviaShowOutputState::Running));
+    const QString fileName = report().fileName;
+    const int pushed = std::exchange(frames_, 0);
+    rack_->close();
+    rack_.reset();
+    // The janitor writes the end of the file; its own end waits for that.
+    const auto isWhole = [&] { return VideoJudge::judge(fileName).frames > 0; };
+    QTRY_VERIFY_WITH_TIMEOUT(isWhole(), 20'000);
+    QVERIFY(VideoJudge::judge(fileName).frames <= pushed);
   }
 
   void aFolderThatCannotBeMadeIsAFailure() {

@@ -94,7 +94,7 @@ std::vector<Codes> mapped(Kind kind, const std::vector<Codes>& colors) {
   picture.plane[0] = {luma.data(), 0};
   picture.plane[1] = {u.data(), 0};
   picture.plane[2] = {v.data(), 0};
-  Frame frame({static_cast<int>(count) * 2, 2}, false);
+  Frame frame(FrameSize{static_cast<int>(count) * 2, 2});
   ColorTable::of(kind)->apply(picture, frame);
   std::vector<Codes> result(count);
   for (std::size_t i = 0; i < count; ++i)
@@ -241,7 +241,7 @@ class ColorTableTest : public QObject {
     picture.plane[0] = {luma, 2 * sizeof(std::uint16_t)};
     picture.plane[1] = {&u, 0};
     picture.plane[2] = {&v, 0};
-    Frame frame({2, 2}, false);
+    Frame frame(FrameSize{2, 2});
     ColorTable::of(Kind::Bt2020)->apply(picture, frame);
     for (int i = 0; i < 4; ++i) {
       const double exact = ColorTable::exact(Kind::Bt2020, {luma[i], u, v})[0];

@@ -210,7 +210,7 @@ class DeinterlacerTest : public QObject {
 
   void alphaIsJoinedToo() {
     const auto masked = [](int edge) {
-      MutableFrame frame(new Frame(kSize, true));
+      MutableFrame frame(new Frame(kSize, FrameAlpha::Plane));
       frame->fillBlack();
       for (int y = 0; y < kSize.height; ++y)
         for (int x = 0; x < kSize.width; ++x)
