@@ -300,7 +300,7 @@ class PictureConverterTest : public QObject {
     const auto converter = PictureConverter::create(info, PictureScan::Interlaced);
     QVERIFY(converter);
     QCOMPARE(converter->paddedSize(), kSize);
-    Frame out(kSize, false);
+    Frame out(kSize);
     QVERIFY(converter->convert(upper, out));
     gst_video_frame_unmap(&lower);
     gst_video_frame_unmap(&upper);
@@ -322,7 +322,7 @@ class PictureConverterTest : public QObject {
     const auto converter = PictureConverter::create(info, PictureScan::Interlaced);
     QVERIFY(converter);
     QCOMPARE(converter->paddedSize(), (FrameSize{6, 8}));
-    Frame out(converter->paddedSize(), false);
+    Frame out(converter->paddedSize());
     GstVideoFrame frame;
     QVERIFY(gst_video_frame_map(&frame, &info, sample.buffer(), GST_MAP_READ));
     QVERIFY(converter->convert(frame, out));
