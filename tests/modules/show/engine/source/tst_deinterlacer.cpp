@@ -56,7 +56,7 @@ class Line {
   explicit Line(FirstField first) : first_(first) {}
 
   FrameRef next(const FrameRef& picture) {
-    MutableFrame out(new Frame(picture->size(), picture->hasAlpha()));
+    MutableFrame out(new Frame(picture->size(), picture->hasAlpha() ? FrameAlpha::Plane : FrameAlpha::None));
     deinterlacer_.process(picture, first_, *out);
     return std::move(out).publish();
   }
