@@ -140,20 +140,21 @@ class FilmFormatsTest : public QObject {
     QFETCH(QString, file);
     SourceRig rig;
     rig.openFilm(clip(file), EndActionStop);
-    int pictures = 0;
-    int last = -1;
-    const auto edgeIn = [&](int y) {
+    FrameRef shown;
+    const auto edgeIn = [&shown](int y) {
       int x = 0;
-      while (x < 320 && codesAt(rig.last(), x, y)[0] > 120)
+      while (x < 320 && codesAt(shown, x, y)[0] > 120)
         ++x;
       return x;
     };
-    while (rig->getPlayState() != Ended && pictures < 200) {
-      QVERIFY(rig.tickUntil([&] { return rig.last(); }));
-      rig.tickUntil([&] { return edgeIn(90) != last || rig->getPlayState() == Ended; });
+    int pictures = 0;
+    int last = -1;
+    // tick() waits for the decoder, so that a busy machine skips no picture.
+    for (int i = 0; i < 100 && rig->getPlayState() != Ended; ++i) {
+      shown = rig.tick();
+      if (!shown || edgeIn(90) == last)
+        continue;
       const int edge = edgeIn(90);
-      if (edge == last)
-        break;
       // The bar grows by six columns a field; the picture is that of the first field, in every line.
       QCOMPARE(edge % 12, 0);
       QVERIFY2(edge > last, QByteArray::number(edge));
@@ -162,8 +163,7 @@ class FilmFormatsTest : public QObject {
       last = edge;
       ++pictures;
     }
-    // A busy machine may skip some of the 22.
-    QVERIFY2(pictures >= 5, QByteArray::number(pictures));
+    QVERIFY2(pictures >= 20, QByteArray::number(pictures));
   }
 
   void quickTimeDnxhr() {
