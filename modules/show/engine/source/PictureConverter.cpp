@@ -148,6 +148,11 @@ bool PictureConverter::build() {
   depth_ =
       static_cast<int>(packed_ ? gst_video_format_get_info(format.unpack_format)->depth[0] : format.depth[0]);
   bytes_ = depth_ > 8 ? 2 : 1;
+  // Unpacked pictures have chroma in every pixel, grey ones are given it.
+  if (!packed_ && format.n_components >= 3) {
+    subsampleW_ = format.w_sub[1];
+    subsampleH_ = format.h_sub[1];
+  }
   if (const auto kind = ColorTable::kindOf(info_.colorimetry))
     table_ = ColorTable::of(*kind);
   // Nothing in use makes such material with alpha, so alpha is dropped.
@@ -178,10 +183,8 @@ zimg_image_format PictureConverter::inputFormat() const {
   format.matrix_coefficients = matrixOf(info_);
   format.pixel_range = rangeOf(info_);
   format.chroma_location = chromaLocationOf(info_);
-  if (!packed_ && info_.finfo->n_components >= 3) {
-    format.subsample_w = info_.finfo->w_sub[1];
-    format.subsample_h = info_.finfo->h_sub[1];
-  }
+  format.subsample_w = subsampleW_;
+  format.subsample_h = subsampleH_;
   if (hasAlpha_)
     format.alpha = GST_VIDEO_INFO_FLAG_IS_SET(&info_, GST_VIDEO_FLAG_PREMULTIPLIED_ALPHA)
                        ? ZIMG_ALPHA_PREMULTIPLIED
@@ -306,14 +309,13 @@ void PictureConverter::loadRows(const RowRequest& request, int row) {
     }
     return;
   }
-  const zimg_image_format format = inputFormat();
-  const int rows = 1 << format.subsample_h;
+  const int rows = 1 << subsampleH_;
   for (int plane = 0; plane < (hasAlpha_ ? 4 : 3); ++plane) {
     const bool chroma = plane == 1 || plane == 2;
-    const int width = chroma ? padded_.width >> format.subsample_w : padded_.width;
+    const int width = chroma ? padded_.width >> subsampleW_ : padded_.width;
     const bool exists = static_cast<guint>(plane) < info_.finfo->n_components;
     const int height = exists ? GST_VIDEO_FRAME_COMP_HEIGHT(request.from, plane) : info_.height;
-    const int first = chroma ? row >> format.subsample_h : row;
+    const int first = chroma ? row >> subsampleH_ : row;
     for (int y = first; y < first + (chroma ? 1 : rows); ++y)
       loadPlaneRow(*request.from, plane, sourceRow(y, height, request.field), rowOf(plane, y), width);
   }

@@ -70,6 +70,8 @@ class PictureConverter {
   bool hasAlpha_ = false;
   bool packed_ = false;  // samples are not separately addressable, so GStreamer unpacks the rows
   int depth_ = 8;
+  unsigned subsampleW_ = 0;  // of the input's chroma, as a power of two
+  unsigned subsampleH_ = 0;
   int bytes_ = 1;  // of an input sample
   std::array<FieldGraph, 2> graphs_;
   std::vector<std::uint8_t> unpacked_;

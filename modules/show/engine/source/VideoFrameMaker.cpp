@@ -122,7 +122,10 @@ bool VideoFrameMaker::adaptTo(GstCaps* caps) {
           : 0;
   for (std::unique_ptr<PictureConverter>& converter : converters_)
     converter.reset();
-  usable_ = PictureConverter::isWorkingFormat(info_) || converterFor(PictureScan::Progressive);
+  const PictureScan scan = GST_VIDEO_INFO_INTERLACE_MODE(&info_) == GST_VIDEO_INTERLACE_MODE_INTERLEAVED
+                               ? PictureScan::Interlaced
+                               : PictureScan::Progressive;
+  usable_ = PictureConverter::isWorkingFormat(info_) || converterFor(scan);
   if (!usable_)
     qCWarning(logSource, "pictures of format %s cannot be converted",
               gst_video_format_to_string(GST_VIDEO_INFO_FORMAT(&info_)));
