@@ -9,13 +9,8 @@ namespace korvia {
 
 namespace {
 
-// The table has a node every 16 codes of 1024.
-constexpr int kLumaShift = 4;
-constexpr int kChromaShift = 4;
-constexpr int kLumaNodes = (1024 >> kLumaShift) + 1;
-constexpr int kChromaNodes = (1024 >> kChromaShift) + 1;
-// Fraction bits of a value in the table.
-constexpr int kFraction = 6;
+// Chroma samples that are mapped at a time, so that what they need fits on the stack and in the cache.
+constexpr int kChunk = 256;
 
 constexpr double kHdrPeak = 1000;  // cd/m2
 constexpr double kSdrPeak = 100;
@@ -52,6 +47,11 @@ double hlgToScene(double value) {
   return value <= 0.5 ? value * value / 3 : (std::exp((value - c) / a) + b) / 12;
 }
 
+/// HLG: from scene light to display light. The system gamma of a display of 1000 cd/m2 is 1.2.
+double systemGain(double sceneLuma) {
+  return std::pow(std::max(sceneLuma, 1e-9), 0.2);
+}
+
 /// Code values to display light, which is 1 at the HDR peak.
 Rgb toLight(ColorTable::Kind kind, const Rgb& coded) {
   Rgb light;
@@ -62,8 +62,7 @@ Rgb toLight(ColorTable::Kind kind, const Rgb& coded) {
   }
   for (std::size_t i = 0; i < 3; ++i)
     light[i] = hlgToScene(coded[i]);
-  // The system gamma of a display of 1000 cd/m2 is 1.2.
-  const double gain = std::pow(std::max(lumaOf(light, kLuma2020), 1e-9), 0.2);
+  const double gain = systemGain(lumaOf(light, kLuma2020));
   for (double& value : light)
     value *= gain;
   return light;
@@ -84,6 +83,13 @@ double mapLuma(double y) {
   return (std::pow(rhoSdr, mapped) - 1) / (rhoSdr - 1);
 }
 
+/// The factor that BT.2446-1 applies to colour differences. The smallest luma stands for 0, where it has a
+/// limit.
+double saturationOf(double y) {
+  const double positive = std::max(y, 1e-6);
+  return mapLuma(positive) / (1.1 * positive);
+}
+
 /// Display light of HDR to code values of SDR with gamma 2.4, both with the primaries of BT.2020.
 Rgb mapTone(const Rgb& light) {
   Rgb coded;
@@ -93,7 +99,7 @@ Rgb mapTone(const Rgb& light) {
   if (y <= 0)
     return {};
   const double mapped = mapLuma(y);
-  const double saturation = mapped / (1.1 * y);
+  const double saturation = saturationOf(y);
   const double cb = saturation * (coded[2] - y) / kCb2020;
   const double cr = saturation * (coded[0] - y) / kCr2020;
   return rgb2020(mapped - std::max(0.1 * cr, 0.0), cb, cr);
@@ -121,12 +127,8 @@ Rgb mapGamut(const Rgb& coded, const Matrix& matrix) {
   return result;
 }
 
-std::int16_t tableValue(double code) {
-  return static_cast<std::int16_t>(std::lround(code * (1 << kFraction)));
-}
-
-std::size_t nodeIndex(int u, int v) {
-  return static_cast<std::size_t>(v * kChromaNodes + u) * kLumaNodes;
+std::uint8_t chromaCode(float difference) {
+  return static_cast<std::uint8_t>(std::lround(128 + difference));
 }
 
 }  // namespace
@@ -169,50 +171,26 @@ std::array<double, 3> ColorTable::exact(Kind kind, const std::array<int, 3>& cod
   return {16 + 219 * y, 128 + 224 * (sdr[2] - y) / 1.8556, 128 + 224 * (sdr[0] - y) / 1.5748};
 }
 
-ColorTable::ColorTable(Kind kind)
-    : luma_(nodeIndex(0, kChromaNodes)), chroma_(nodeIndex(0, kChromaNodes) * 2) {
-  std::size_t node = 0;
-  for (int v = 0; v < kChromaNodes; ++v) {
-    for (int u = 0; u < kChromaNodes; ++u) {
-      for (int y = 0; y < kLumaNodes; ++y, ++node) {
-        const auto codes = exact(kind, {y << kLumaShift, u << kChromaShift, v << kChromaShift});
-        luma_[node] = tableValue(codes[0]);
-        chroma_[node * 2] = tableValue(codes[1]);
-        chroma_[node * 2 + 1] = tableValue(codes[2]);
-      }
-    }
+ColorTable::ColorTable(Kind kind) {
+  const auto root = [](double light) { return std::pow(light, 1 / 2.4); };
+  if (kind == Kind::Pq)
+    steps_.hdrCoded =
+        UnitTable([&](double value) { return root(std::min(pqToLight(value) / kHdrPeak, 1.0)); });
+  if (kind == Kind::Hlg) {
+    steps_.hdrCoded = UnitTable([&](double value) { return root(hlgToScene(value)); });
+    steps_.scene = UnitTable(hlgToScene);
+    steps_.gain = UnitTable([&](double value) { return root(systemGain(value * value)); });
   }
+  if (kind == Kind::Pq || kind == Kind::Hlg) {
+    steps_.luma = UnitTable(mapLuma);
+    steps_.saturation = UnitTable(saturationOf);
+  }
+  steps_.light = UnitTable([](double value) { return std::pow(value, 2.4); });
+  steps_.coded = UnitTable([&](double value) { return root(value * value); });
+  const Matrix& matrix = kind == Kind::P3 ? kFromP3 : kFrom2020;
+  for (int i = 0; i < 9; ++i)
+    steps_.toBt709[i] = static_cast<float>(matrix[i / 3][i % 3]);
 }
-
-struct ColorTable::ChromaPlace {
-  std::size_t column[4];
-  int weight[4];  // add up to 1 << 2 * kChromaShift
-};
-
-ColorTable::ChromaPlace ColorTable::chromaPlace(int u, int v) const {
-  constexpr int kOne = 1 << kChromaShift;
-  const int cellU = u >> kChromaShift;
-  const int cellV = v >> kChromaShift;
-  const int partU = u & (kOne - 1);
-  const int partV = v & (kOne - 1);
-  return {{nodeIndex(cellU, cellV), nodeIndex(cellU + 1, cellV), nodeIndex(cellU, cellV + 1),
-           nodeIndex(cellU + 1, cellV + 1)},
-          {(kOne - partU) * (kOne - partV), partU * (kOne - partV), (kOne - partU) * partV, partU * partV}};
-}
-
-namespace {
-
-constexpr int kLumaOne = 1 << kLumaShift;
-constexpr int kCodeMask = (1 << ColorTable::kDepth) - 1;
-
-/// Interpolates between two nodes along luma; `low` and `high` are weighted sums over four columns. The
-/// result fits 32 bits: 14 of a table's value, 8 of the weights, 4 of `part`.
-std::uint8_t between(int low, int high, int part) {
-  constexpr int kShift = kLumaShift + 2 * kChromaShift + kFraction;
-  return static_cast<std::uint8_t>((low * (kLumaOne - part) + high * part + (1 << (kShift - 1))) >> kShift);
-}
-
-}  // namespace
 
 void ColorTable::apply(const Picture& from, Frame& to) const {
   const auto rowOf = [&from](int plane, int y) {
@@ -220,53 +198,31 @@ void ColorTable::apply(const Picture& from, Frame& to) const {
         reinterpret_cast<const std::uint8_t*>(from.plane[plane].data) +
         static_cast<std::ptrdiff_t>(y) * from.plane[plane].strideBytes);
   };
-  for (int cy = 0; cy < to.size().chromaHeight(); ++cy) {
-    const std::uint16_t* u = rowOf(1, cy);
-    const std::uint16_t* v = rowOf(2, cy);
-    const std::uint16_t* y[2] = {rowOf(0, 2 * cy), rowOf(0, 2 * cy + 1)};
-    const auto outRow = [&to](int plane, int row) {
-      return to.writablePlane(plane) + static_cast<std::ptrdiff_t>(row) * to.stride(plane);
-    };
-    std::uint8_t* outY[2] = {outRow(Frame::Y, 2 * cy), outRow(Frame::Y, 2 * cy + 1)};
-    std::uint8_t* outU = outRow(Frame::U, cy);
-    std::uint8_t* outV = outRow(Frame::V, cy);
-    for (int cx = 0; cx < to.size().chromaWidth(); ++cx) {
-      const ChromaPlace place = chromaPlace(u[cx] & kCodeMask, v[cx] & kCodeMask);
-      const auto lumaNode = [&](int node) {
-        const auto index = static_cast<std::size_t>(node);
-        int sum = 0;
-        for (int i = 0; i < 4; ++i)
-          sum += luma_[place.column[i] + index] * place.weight[i];
-        return sum;
-      };
-      const auto chromaNode = [&](int node, std::size_t which) {
-        int sum = 0;
-        for (int i = 0; i < 4; ++i)
-          sum += chroma_[(place.column[i] + static_cast<std::size_t>(node)) * 2 + which] * place.weight[i];
-        return sum;
-      };
-      int cell = -1;
-      int low = 0;
-      int high = 0;
-      int total = 0;
-      for (int row = 0; row < 2; ++row) {
-        for (int x = 2 * cx; x < 2 * cx + 2; ++x) {
-          const int code = y[row][x] & kCodeMask;
-          total += code;
-          // Neighbouring samples nearly always lie between the same two nodes, so the sums are reused.
-          if (code >> kLumaShift != cell) {
-            cell = code >> kLumaShift;
-            low = lumaNode(cell);
-            high = lumaNode(cell + 1);
-          }
-          outY[row][x] = between(low, high, code & (kLumaOne - 1));
-        }
+  const auto outRow = [&to](int plane, int row) {
+    return to.writablePlane(plane) + static_cast<std::ptrdiff_t>(row) * to.stride(plane);
+  };
+  const int width = to.size().chromaWidth();
+  for (int row = 0; row < to.size().chromaHeight(); ++row) {
+    const std::uint16_t* u = rowOf(1, row);
+    const std::uint16_t* v = rowOf(2, row);
+    for (int begin = 0; begin < width; begin += kChunk) {
+      const int count = std::min(kChunk, width - begin);
+      float cb[2 * kChunk];
+      float cr[2 * kChunk];
+      for (int x = 0; x < count; ++x) {
+        cb[2 * x] = cb[2 * x + 1] = static_cast<float>(u[begin + x] - 512) / 896;
+        cr[2 * x] = cr[2 * x + 1] = static_cast<float>(v[begin + x] - 512) / 896;
       }
-      const int mean = (total + 2) / 4;
-      const int part = mean & (kLumaOne - 1);
-      cell = mean >> kLumaShift;
-      outU[cx] = between(chromaNode(cell, 0), chromaNode(cell + 1, 0), part);
-      outV[cx] = between(chromaNode(cell, 1), chromaNode(cell + 1, 1), part);
+      float sumCb[2 * kChunk] = {};
+      float sumCr[2 * kChunk] = {};
+      for (int y = 2 * row; y < 2 * row + 2; ++y)
+        mapWideColors(steps_, rowOf(0, y) + 2 * begin, cb, cr, 2 * count, outRow(Frame::Y, y) + 2 * begin,
+                      sumCb, sumCr);
+      // The chroma of four pixels is their mean.
+      for (int x = 0; x < count; ++x) {
+        outRow(Frame::U, row)[begin + x] = chromaCode((sumCb[2 * x] + sumCb[2 * x + 1]) / 4);
+        outRow(Frame::V, row)[begin + x] = chromaCode((sumCr[2 * x] + sumCr[2 * x + 1]) / 4);
+      }
     }
   }
 }

@@ -158,13 +158,7 @@ class ColorTableTest : public QObject {
     }
     qInfo("largest error %.2f codes at %d %d %d, mean %.2f", largest, colors[worst][0], colors[worst][1],
           colors[worst][2], sum / static_cast<double>(colors.size()));
-    // Where a component is clipped to 0 the formula has a steep bend inside of a cell of the table.
-    if (saturated)
-      QEXPECT_FAIL("", "the table is too coarse for saturated colours", Continue);
-    else if (kind() == Kind::Pq || kind() == Kind::Hlg)
-      QEXPECT_FAIL("", "the table is too coarse for the bends of the tone curve", Continue);
     QVERIFY2(largest <= 2, QByteArray::number(largest));
-    QVERIFY2(largest <= 16, QByteArray::number(largest));
   }
 
   void greyStaysGreyAndRises_data() { everyKind(); }
@@ -183,8 +177,6 @@ class ColorTableTest : public QObject {
     // Black and all below it, white and all above it.
     QCOMPARE(got[0][0], 16);
     QCOMPARE(got[64][0], 16);
-    if (kind() != Kind::Pq)
-      QEXPECT_FAIL("", "white lies in a cell of the table whose upper node is clipped", Continue);
     QCOMPARE(got[940][0], 235);
     QCOMPARE(got[1023][0], 235);
   }
