@@ -24,8 +24,8 @@ class Pixels {
 
   HWY_ATTR Pixels(const WideColorSteps& steps) : steps_(steps) {}
 
-  HWY_ATTR void map(const std::uint16_t* y, const float* cb, const float* cr, std::uint8_t* outY, float* sumCb,
-                    float* sumCr) const {
+  HWY_ATTR void map(const std::uint16_t* y, const float* cb, const float* cr, std::uint8_t* outY,
+                    float* sumCb, float* sumCr) const {
     const hn::Rebind<std::uint16_t, D> d16;
     const hn::Rebind<std::int32_t, D> d32;
     const hn::Rebind<std::uint8_t, D> d8;
@@ -56,8 +56,8 @@ class Pixels {
   HWY_ATTR Vector look(const UnitTable& table, Vector value) const {
     return hn::GatherIndex(d_, table.data(), hn::NearestInt(hn::Mul(value, set(UnitTable::kLast))));
   }
-  /// Interpolates: light that the matrix takes to nearly nothing is coded by the steepest part of the curve, where
-  /// the nearest entry of the table would be codes away.
+  /// Interpolates: light that the matrix takes to nearly nothing is coded by the steepest part of the curve,
+  /// where the nearest entry of the table would be codes away.
   HWY_ATTR Vector lookBetween(const UnitTable& table, Vector value) const {
     const Vector place = hn::Mul(value, set(UnitTable::kLast));
     const Vector below = hn::Min(hn::Floor(place), set(UnitTable::kLast - 1));
@@ -66,12 +66,15 @@ class Pixels {
     const Vector to = hn::GatherIndex(d_, table.data() + 1, index);
     return hn::MulAdd(hn::Sub(place, below), hn::Sub(to, from), from);
   }
-  HWY_ATTR void add(float* sums, Vector value) const { hn::StoreU(hn::Add(hn::LoadU(d_, sums), value), d_, sums); }
+  HWY_ATTR void add(float* sums, Vector value) const {
+    hn::StoreU(hn::Add(hn::LoadU(d_, sums), value), d_, sums);
+  }
 
   HWY_ATTR void rgbOf(Vector y, Vector cb, Vector cr, Vector& r, Vector& g, Vector& b) const {
     r = hn::MulAdd(cr, set(kCr2020), y);
     b = hn::MulAdd(cb, set(kCb2020), y);
-    g = unit(hn::Mul(hn::Sub(y, hn::MulAdd(r, set(kRed2020), hn::Mul(b, set(kBlue2020)))), set(1 / kGreen2020)));
+    g = unit(
+        hn::Mul(hn::Sub(y, hn::MulAdd(r, set(kRed2020), hn::Mul(b, set(kBlue2020)))), set(1 / kGreen2020)));
     r = unit(r);
     b = unit(b);
   }
@@ -100,8 +103,8 @@ class Pixels {
   const WideColorSteps& steps_;
 };
 
-void mapWideColors(const WideColorSteps& steps, const std::uint16_t* y, const float* cb, const float* cr, int width,
-                   std::uint8_t* outY, float* sumCb, float* sumCr) {
+void mapWideColors(const WideColorSteps& steps, const std::uint16_t* y, const float* cb, const float* cr,
+                   int width, std::uint8_t* outY, float* sumCb, float* sumCr) {
   using Wide = hn::ScalableTag<float>;
   const Pixels<Wide> many(steps);
   const Pixels<hn::CappedTag<float, 1>> one(steps);
@@ -121,8 +124,8 @@ namespace korvia {
 
 HWY_EXPORT(mapWideColors);
 
-void mapWideColors(const WideColorSteps& steps, const std::uint16_t* y, const float* cb, const float* cr, int width,
-                   std::uint8_t* outY, float* sumCb, float* sumCr) {
+void mapWideColors(const WideColorSteps& steps, const std::uint16_t* y, const float* cb, const float* cr,
+                   int width, std::uint8_t* outY, float* sumCb, float* sumCr) {
   HWY_DYNAMIC_DISPATCH(mapWideColors)(steps, y, cb, cr, width, outY, sumCb, sumCr);
 }
 

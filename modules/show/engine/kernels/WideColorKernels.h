@@ -23,22 +23,23 @@ class UnitTable {
   std::vector<float> values_;
 };
 
-/// The steps of the mapping. "Coded" values have gamma 2.4. Without a tone map `hdrCoded` is empty, and so are
-/// the tables up to `saturation`.
+/// The steps of the mapping. "Coded" values have gamma 2.4. Without a tone map `hdrCoded` is empty, and so
+/// are the tables up to `saturation`.
 struct WideColorSteps {
-  UnitTable hdrCoded;    ///< code value to coded light, before the system gamma of HLG
-  UnitTable scene;       ///< HLG: code value to scene light
-  UnitTable gain;        ///< HLG: square root of the luma of scene light to the gain of coded light
-  UnitTable luma;        ///< coded luma of HDR to that of SDR
-  UnitTable saturation;  ///< coded luma of HDR to the factor of the colour differences
-  UnitTable light;       ///< coded value to light
-  UnitTable coded;       ///< square root of light to coded value
+  UnitTable hdrCoded;     ///< code value to coded light, before the system gamma of HLG
+  UnitTable scene;        ///< HLG: code value to scene light
+  UnitTable gain;         ///< HLG: square root of the luma of scene light to the gain of coded light
+  UnitTable luma;         ///< coded luma of HDR to that of SDR
+  UnitTable saturation;   ///< coded luma of HDR to the factor of the colour differences
+  UnitTable light;        ///< coded value to light
+  UnitTable coded;        ///< square root of light to coded value
   float toBt709[9] = {};  ///< matrix in light, row by row
 };
 
-/// Maps `width` pixels: 10-bit luma codes, and colour differences of -0.5 to 0.5 with the matrix of BT.2020. Luma
-/// goes to `outY`; colour differences of BT.709, in 8-bit codes around 0, are added to `sumCb` and `sumCr`.
-void mapWideColors(const WideColorSteps& steps, const std::uint16_t* y, const float* cb, const float* cr, int width,
-                   std::uint8_t* outY, float* sumCb, float* sumCr);
+/// Maps `width` pixels: 10-bit luma codes, and colour differences of -0.5 to 0.5 with the matrix of BT.2020.
+/// Luma goes to `outY`; colour differences of BT.709, in 8-bit codes around 0, are added to `sumCb` and
+/// `sumCr`.
+void mapWideColors(const WideColorSteps& steps, const std::uint16_t* y, const float* cb, const float* cr,
+                   int width, std::uint8_t* outY, float* sumCb, float* sumCr);
 
 }  // namespace korvia

@@ -8,6 +8,7 @@
 
 #include "engine/frame/FramePool.h"
 #include "engine/source/ColorTable.h"
+#include "support/EveryInstructionSet.h"
 
 using namespace korvia;
 
@@ -269,5 +270,8 @@ class ColorTableTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(ColorTableTest)
+int main(int argc, char** argv) {
+  return test::runWithEveryInstructionSet<ColorTableTest>(argc, argv);
+}
+
 #include "tst_color_table.moc"
