@@ -114,7 +114,8 @@ void GDialogMediaSource::load() {
   _ui->_imageListListWidget->addItems(info.imageList);
   selectDevice(_ui->_videoDeviceComboBox, info.videoDevName, info.videoDevId);
   selectDevice(_ui->_audioDeviceComboBox, info.audioDevName, info.audioDevId);
-  _ui->_videoDevphysConnTypeComboBox->setEditText(info.videoDevConnType);
+  if (!info.videoDevConnType.isEmpty())
+    _ui->_videoDevphysConnTypeComboBox->setEditText(info.videoDevConnType);
   _ui->_videoDevDeinterlaceCheckBox->setChecked(format.video.secondEnable != 0);
   _ui->_audioProcessFilterComboBox->setCurrentIndex(info.audioProcessFilter);
   (info.colorBar ? _ui->_colorBarRadioButton : _ui->_pureColorRadioButton)->setChecked(true);

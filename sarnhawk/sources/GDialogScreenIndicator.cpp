@@ -26,7 +26,9 @@ void GDialogScreenIndicator::showOnScreen() {
   const QScreen* screen = QGuiApplication::screens().value(_screenIndex);
   if (!screen)
     return;
-  move(screen->geometry().center() - rect().center());
+  QRect place(QPoint(), size());
+  place.moveCenter(screen->geometry().center());
+  setGeometry(place);
   setFocus();
   show();
   _timer->start(kShownMs);
