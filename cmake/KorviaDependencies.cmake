@@ -7,6 +7,7 @@ pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
 pkg_check_modules(ZIMG REQUIRED IMPORTED_TARGET zimg)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm)
 pkg_check_modules(MICROHTTPD REQUIRED IMPORTED_TARGET libmicrohttpd)
+pkg_check_modules(POPPLER REQUIRED IMPORTED_TARGET poppler-qt5)
 
 find_library(YUV_LIBRARY yuv REQUIRED)
 find_path(YUV_INCLUDE_DIR libyuv.h REQUIRED)

@@ -1,5 +1,7 @@
 #include "console/GWidgetDisplayObject.h"
 
+#include <QDragEnterEvent>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QTimer>
 #include <QToolButton>
@@ -18,6 +20,8 @@
 #include "console/askOperator.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 #include "console/windowInfoOf.h"
+#include "sources/GDialogMediaSource.h"
+#include "sources/MediaFiles.h"
 #include "tagKorviaShowAudioLevel.h"
 #include "ui_GWidgetDisplayObject.h"
 
@@ -96,10 +100,12 @@ GWidgetDisplayObject::GWidgetDisplayObject(IKorviaSarnhawkPriv* priv, const Stri
     }
   } else {
     _floatButton->button()->setToolTip(tr("Open Media"));
+    setAcceptDrops(true);
   }
 }
 
 GWidgetDisplayObject::~GWidgetDisplayObject() {
+  delete _picker.data();
   delete _floatButton.data();
 }
 
@@ -286,14 +292,46 @@ void GWidgetDisplayObject::onClicked_enableAudioPushButton() {
 void GWidgetDisplayObject::onClicked_openSourcePushButton() {
   tagKorviaSarnhawkConfig* config = _priv->getConfig();
   if (isMedia()) {
-    tagKorviaShowChannelSlot slot = config->channels[static_cast<std::size_t>(_index)];
-    if (_chooser->media && _chooser->media(window(), slot))
-      openSlot(slot);
+    openPicker();
   } else if (isStage() && !isOccupied() && _chooser->stage) {
     tagKorviaStageSlot slot = config->stages[static_cast<std::size_t>(_index)];
     if (_chooser->stage(window(), slot) && !slot.folder.isEmpty())
       openStage(slot);
   }
+}
+
+void GWidgetDisplayObject::openPicker() {
+  if (_picker) {
+    _picker->raise();
+    _picker->activateWindow();
+    return;
+  }
+  const tagKorviaSarnhawkConfig* config = _priv->getConfig();
+  // Without a parent it blocks no window, and without a loop of its own it does not outlive the strip.
+  _picker = new GDialogMediaSource(config->engineInfo, config->channels[static_cast<std::size_t>(_index)]);
+  _picker->setAttribute(Qt::WA_DeleteOnClose);
+  connect(_picker, &QDialog::accepted, this, [this] { openSlot(_picker->slot()); });
+  _picker->show();
+}
+
+void GWidgetDisplayObject::closePicker() {
+  if (_picker)
+    _picker->reject();
+}
+
+void GWidgetDisplayObject::openFiles(const QStringList& paths) {
+  if (_picker)
+    return _picker->openFiles(paths);
+  const QPointer<GWidgetDisplayObject> self(this);
+  const bool isOnAir = _priv->getConfig()->pgmChannel == _objectId && isOccupied();
+  if (isOnAir && !askOperator(this, tr("Are you sure to close this source ?"),
+                              tr("%1 is ON AIR").arg(_ui->_titleLabel->text()), QMessageBox::No))
+    return;
+  if (!self || !_priv->getEngine())
+    return;
+  tagKorviaShowChannelSlot slot = _priv->getConfig()->channels[static_cast<std::size_t>(_index)];
+  MediaFiles::fillSlot(paths, slot);
+  openSlot(slot);
 }
 
 void GWidgetDisplayObject::openSlot(const tagKorviaShowChannelSlot& chosen) {
@@ -373,6 +411,17 @@ bool GWidgetDisplayObject::eventFilter(QObject* watched, QEvent* event) {
     }
   }
   return QWidget::eventFilter(watched, event);
+}
+
+void GWidgetDisplayObject::dragEnterEvent(QDragEnterEvent* event) {
+  if (_priv->getEngine() && !MediaFiles::filesOf(event->mimeData()).isEmpty())
+    event->acceptProposedAction();
+}
+
+void GWidgetDisplayObject::dropEvent(QDropEvent* event) {
+  event->acceptProposedAction();
+  // A question must not hold up the file manager, which waits for the drop to be answered.
+  QTimer::singleShot(0, this, [this, files = MediaFiles::filesOf(event->mimeData())] { openFiles(files); });
 }
 
 void GWidgetDisplayObject::moveEvent(QMoveEvent* event) {

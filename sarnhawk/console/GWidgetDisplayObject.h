@@ -10,6 +10,7 @@
 #include "console/SourceHealth.h"
 #include "tagKorviaWindowInfo.h"
 
+class GDialogMediaSource;
 class GFloatWidgetToolButton;
 class IKorviaSarnhawkPriv;
 class IKorviaShowSource;
@@ -51,6 +52,11 @@ class GWidgetDisplayObject : public QWidget {
   void hideFloat();
   /// Shows the channel that the slot describes, as if the operator had chosen it. Media strips only.
   void openSlot(const tagKorviaShowChannelSlot& slot);
+  /// Shows files that were dropped on the strip, or gives them to its picker when that is open. Asks first
+  /// when the channel is on air. Media strips with an engine only.
+  void openFiles(const QStringList& paths);
+  /// Closes the picker as if the operator had cancelled it.
+  void closePicker();
 
  public slots:
   void onClicked_configPushButton();
@@ -61,6 +67,8 @@ class GWidgetDisplayObject : public QWidget {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
   void moveEvent(QMoveEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
 
@@ -77,6 +85,7 @@ class GWidgetDisplayObject : public QWidget {
   void setHold(IKorviaShowSource* source, bool hold);
   void restartSilentSource(IKorviaShowSource* source, bool isAlive);
   void selectFor(int bus);
+  void openPicker();
   void openStage(const tagKorviaStageSlot& slot);
   void closeMedia();
   void closeStage();
@@ -97,6 +106,8 @@ class GWidgetDisplayObject : public QWidget {
   /// The window below owns the button and may be deleted first.
   QPointer<GFloatWidgetToolButton> _floatButton;
   QPoint _floatPosition;
+  /// Open while the operator chooses what the channel shows.
+  QPointer<GDialogMediaSource> _picker;
   QIcon _soundIcon;
   QIcon _muteIcon;
   int _audioState = 0;

@@ -17,7 +17,6 @@
 #include "console/GWidgetDisplayObject.h"
 #include "console/GWidgetDisplayObjectConfig.h"
 #include "console/LevelMeters.h"
-#include "console/MediaFileChooser.h"
 #include "console/MultimediaClock.h"
 #include "console/OutputSwitches.h"
 #include "console/OutputWatch.h"
@@ -34,6 +33,7 @@
 #include "services/PaintPad.h"
 #include "shell/GAppCaptionBar.h"
 #include "shell/StartChannels.h"
+#include "sources/MediaFiles.h"
 #include "transitions/GWidgetTransitionEffectConfig.h"
 #include "transitions/TakePanel.h"
 #include "ui_KorviaSarnhawk.h"
@@ -65,7 +65,6 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent,
     : QMainWindow(parent),
       _ui(std::make_unique<Ui::KorviaSarnhawk>()),
       _captionBar(captionBar),
-      _stripChooser{&MediaFileChooser::choose, {}},
       _strips(std::make_unique<StripArea>(this, &_stripChooser)),
       _transport(std::make_unique<TransportRow>(this, *_ui)),
       _outputs(std::make_unique<OutputSwitches>(this, *_ui)),
@@ -395,7 +394,7 @@ bool KorviaSarnhawk::openMedia(int index, const QString& path) {
   if (!_engine || !strip)
     return false;
   tagKorviaShowChannelSlot slot = _config.channels[static_cast<std::size_t>(index)];
-  MediaFileChooser::fillSlot(path, slot);
+  MediaFiles::fillSlot(path, slot);
   strip->openSlot(slot);
   return true;
 }

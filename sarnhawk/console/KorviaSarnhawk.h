@@ -117,7 +117,7 @@ class KorviaSarnhawk : public QMainWindow,
   /// Shows a film or picture on media channel `index`, as if the operator had chosen it there. False while no
   /// engine is open or the channel does not exist.
   bool openMedia(int index, const QString& path);
-  /// How strips ask the operator; replaced by tests and by hosts with a picker of their own.
+  /// How stage strips ask the operator.
   void setStripChooser(StripChooser chooser) { _stripChooser = std::move(chooser); }
 
  signals:

@@ -56,6 +56,12 @@ void StripArea::hideFloats() {
     strip->hideFloat();
 }
 
+void StripArea::onHideAll() {
+  hideFloats();
+  for (GWidgetDisplayObject* strip : _strips)
+    strip->closePicker();
+}
+
 void StripArea::onEngineOpened() {
   for (GWidgetDisplayObject* strip : _strips)
     strip->onEngineOpened();

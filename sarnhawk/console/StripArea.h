@@ -24,7 +24,7 @@ class StripArea : public ConsolePage {
   void onEngineOpened() override;
   void onFrameTick() override;
   void onWorkTick() override;
-  void onHideAll() override { hideFloats(); }
+  void onHideAll() override;
   /// Leaves an area without strips.
   void onDestroyUi() override;
 

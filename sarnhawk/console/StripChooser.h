@@ -1,15 +1,13 @@
-// The dialogs in which a strip asks the operator what to show. The console holds one chooser for all strips.
-// Console thread.
+// How a stage strip asks the operator what to show. The console holds one chooser for all strips. Console
+// thread.
 #pragma once
 #include <functional>
 
 class QWidget;
-struct tagKorviaShowChannelSlot;
 struct tagKorviaStageSlot;
 
 struct StripChooser {
-  /// Runs modally over a private copy of the slot; true when the operator accepted it.
-  std::function<bool(QWidget* parent, tagKorviaShowChannelSlot& slot)> media;
-  /// The same for a stage channel. Empty while no stages are installed.
+  /// Runs modally over a private copy of the slot; true when the operator accepted it. Empty while no stages
+  /// are installed.
   std::function<bool(QWidget* parent, tagKorviaStageSlot& slot)> stage;
 };

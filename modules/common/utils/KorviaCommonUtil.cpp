@@ -3,13 +3,24 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QNetworkInterface>
 
 #include "DrivePath.h"
+#include "devices/CameraControls.h"
+#include "devices/DeviceListing.h"
 
 namespace {
+
 constexpr qint64 kMaxContentBytes = 64 * 1024 * 1024;
+constexpr double kMaxPairValue = 1e9;
+
+double numberOf(const QString& text) {
+  bool isNumber = false;
+  const double value = text.trimmed().toDouble(&isNumber);
+  // Also not for "nan", which compares with nothing.
+  return isNumber && value >= 0 ? std::min(value, kMaxPairValue) : 0;
 }
+
+}  // namespace
 
 bool KorviaCommonUtil::makesureExistDir(const QString& path, bool withParents) {
   const QString folder = korvia::DrivePath::resolve(path);
@@ -39,16 +50,25 @@ bool KorviaCommonUtil::readFileContent(const QString& path, QByteArray& content)
 }
 
 QString KorviaCommonUtil::getIp() {
-  const QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
-  for (const QNetworkInterface& interface : interfaces) {
-    const auto flags = interface.flags();
-    if (!(flags & QNetworkInterface::IsRunning) || (flags & QNetworkInterface::IsLoopBack))
-      continue;
-    const QList<QNetworkAddressEntry> entries = interface.addressEntries();
-    for (const QNetworkAddressEntry& entry : entries) {
-      if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol && !entry.ip().isLinkLocal())
-        return entry.ip().toString();
-    }
-  }
   return QStringLiteral("127.0.0.1");
+}
+
+QSizeF KorviaCommonUtil::splitePairValue(const QString& text, const QString& separator) {
+  const int at = separator.isEmpty() ? -1 : text.indexOf(separator, 0, Qt::CaseInsensitive);
+  if (at < 0)
+    return {0, 0};
+  return {numberOf(text.left(at)), numberOf(text.mid(at + separator.size()))};
+}
+
+bool KorviaCommonUtil::enumDShowDeviceList(bool isVideo, std::vector<std::pair<QString, QString>>& devices) {
+  QList<korvia::ListedDevice> found;
+  if (!korvia::listDevices(isVideo ? "Video/Source" : "Audio/Source", found))
+    return false;
+  for (const korvia::ListedDevice& device : std::as_const(found))
+    devices.emplace_back(device.name, device.id);
+  return true;
+}
+
+bool KorviaCommonUtil::showDShowDeviceSettingPage(bool isVideo, const QString& name, const QString& id) {
+  return isVideo && korvia::showCameraControls(name, id);
 }

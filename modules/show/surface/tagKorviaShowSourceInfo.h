@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "tagKorviaShowRenderTextParam.h"
+#include "tagKorviaWindowHWNDInfo.h"
 
 /// The kinds of source, as stored in the `kind` field.
 enum KorviaShowSourceKind : qint32 {
@@ -35,15 +36,6 @@ enum KorviaShowEndAction : qint32 { EndActionStop = 0, EndActionLoop = 1, EndAct
 
 /// What a film does when its channel goes to or from program.
 enum KorviaShowPGMAction : qint32 { PGMActionNone = 0, PGMActionPlay = 1, PGMActionPauseResume = 2 };
-
-/// A window of the desktop that can be captured; lists show the title and the program.
-struct tagKorviaWindowHWNDInfo {
-  QString title;
-  QString windowId;
-  QString program;
-
-  friend bool operator==(const tagKorviaWindowHWNDInfo&, const tagKorviaWindowHWNDInfo&) = default;
-};
 
 struct tagKorviaShowSourceInfo {
   /// A KorviaShowSourceKind. Stays the first field: the transport reads the kind at the head of the record.
@@ -102,5 +94,4 @@ struct tagKorviaShowSourceInfo {
   friend bool operator==(const tagKorviaShowSourceInfo&, const tagKorviaShowSourceInfo&) = default;
 };
 
-Q_DECLARE_METATYPE(tagKorviaWindowHWNDInfo)
 Q_DECLARE_METATYPE(tagKorviaShowSourceInfo)

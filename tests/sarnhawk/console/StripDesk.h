@@ -1,7 +1,11 @@
 // A console with short ways to its channel strips. GUI thread.
 #pragma once
+#include <QCoreApplication>
+#include <QDropEvent>
 #include <QFrame>
+#include <QMimeData>
 #include <QPushButton>
+#include <QUrl>
 
 #include "ConsoleDesk.h"
 #include "console/GFloatWidgetToolButton.h"
@@ -31,6 +35,21 @@ class StripDesk : public ConsoleDesk {
   ScriptedSource* put(int index, const tagKorviaShowSourceInfo& info) {
     slot(index) = info;
     return show.addSource(index, info);
+  }
+  /// Drops files on a media strip, as a file manager does.
+  void drop(int index, const QStringList& paths) const {
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const QString& path : paths)
+      urls.append(QUrl::fromLocalFile(path));
+    data.setUrls(urls);
+    QWidget* target = strip(0x10 + index);
+    QDragEnterEvent enter(target->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &enter);
+    if (!enter.isAccepted())
+      return;
+    QDropEvent event(target->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(target, &event);
   }
 
   bool isOpen = false;

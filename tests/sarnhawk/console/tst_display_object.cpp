@@ -1,7 +1,9 @@
 // Channel strips: who is shown, held and heard, and what a click asks of the engine.
+#include <QComboBox>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QToolButton>
 #include <QtTest>
@@ -10,9 +12,10 @@
 #include "KorviaShowEvents.h"
 #include "StripDesk.h"
 #include "console/GWidgetDisplayObject.h"
-#include "console/MediaFileChooser.h"
 #include "console/StripArea.h"
 #include "console/StripLayout.h"
+#include "sources/GDialogMediaSource.h"
+#include "sources/MediaFiles.h"
 #include "tagKorviaShowComponentInfo.h"
 
 namespace {
@@ -20,12 +23,43 @@ namespace {
 const QString kGreen = QStringLiteral("#_mainFrame{border: 2px solid rgb(9, 124, 37);}");
 const QString kRed = QStringLiteral("#_videoFrame{border: 2px solid rgb(232, 32, 32);}");
 
+QList<GDialogMediaSource*> openPickers() {
+  QList<GDialogMediaSource*> pickers;
+  const QWidgetList windows = QApplication::topLevelWidgets();
+  for (QWidget* window : windows) {
+    auto* picker = qobject_cast<GDialogMediaSource*>(window);
+    if (picker)
+      pickers.append(picker);
+  }
+  return pickers;
+}
+
+/// The first one; null when none is open.
+GDialogMediaSource* openPicker() {
+  return openPickers().value(0);
+}
+
+/// Without the statistics that the console asks for once a second.
+QStringList openCalls(const StripDesk& desk) {
+  return desk.show.calls.filter("openSource");
+}
+
+QString fileIn(const QTemporaryDir& folder, const char* name) {
+  QFile file(folder.filePath(name));
+  return file.open(QIODevice::WriteOnly) ? file.fileName() : QString();
+}
+
 }  // namespace
 
 class DisplayObjectTest : public QObject {
   Q_OBJECT
 
  private slots:
+  void initTestCase() {
+    QVERIFY(_settings.isValid());
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, _settings.path());
+  }
+
   void buildsTheStripsOfEachMode_data() {
     QTest::addColumn<int>("mode");
     for (int mode = 0; mode <= 6; ++mode)
@@ -281,48 +315,138 @@ class DisplayObjectTest : public QObject {
 
   void openTakesTheChosenSlotOver() {
     StripDesk desk;
-    tagKorviaShowChannelSlot offered;
-    StripChooser chooser;
-    chooser.media = [&offered](QWidget*, tagKorviaShowChannelSlot& slot) {
-      offered = slot;
-      slot.id = QUuid("{11111111-2222-3333-4444-555555555555}");
-      slot.name = "opener";
-      slot.source.kind = SourceKindMovie;
-      slot.source.moviePath = "/films/opener.mp4";
-      slot.format.video.secondWidth = 640;
-      return true;
-    };
-    desk.console->setStripChooser(chooser);
+    const QUuid id("{11111111-2222-3333-4444-555555555555}");
+    desk.console->getConfig()->channels[1].id = id;
     desk.slot(1).incomePath = "/kept";
     desk.console->savedChanges.clear();
     QTest::mouseClick(desk.floatOf(1)->button(), Qt::LeftButton);
+    GDialogMediaSource* picker = openPicker();
+    QVERIFY(picker);
+    QCOMPARE(picker->slot().source.incomePath, QString("/kept"));
+    picker->findChild<QLineEdit*>("_moviePathLineEdit")->setText("/films/opener.mp4");
+    picker->findChild<QComboBox*>("_videoSizeComboBox")->setEditText("640 X 360");
+    picker->onClicked_okPushButton();
     QCOMPARE(desk.console->savedChanges, (SavedChanges{{1, -1}}));
-    QCOMPARE(offered.source.incomePath, QString("/kept"));
     const tagKorviaShowChannelSlot& slot = desk.console->getConfig()->channels[1];
-    QCOMPARE(slot.name, QString("opener"));
-    QCOMPARE(slot.id.toString(), QString("{11111111-2222-3333-4444-555555555555}"));
-    QCOMPARE(desk.show.calls, QStringList{"openSource 2"});
+    QCOMPARE(slot.id, id);
+    QCOMPARE(slot.source.incomePath, QString("/kept"));
+    QCOMPARE(openCalls(desk), QStringList{"openSource 2"});
+    QCOMPARE(desk.show.source(1)->info.kind, qint32{SourceKindMovie});
     QCOMPARE(desk.show.source(1)->info.moviePath, QString("/films/opener.mp4"));
     const qint32 width = desk.show.source(1)->format.video.secondWidth;
     QCOMPARE(width, 640);
     QCOMPARE(desk.show.lastHost, static_cast<IUnknownEx*>(static_cast<IKorviaSarnhawk*>(desk.console)));
     QVERIFY(!desk.button(0x11, "_closePushButton")->isHidden());
     QCOMPARE(desk.stripChild<QLabel>(0x11, "_titleLabel")->text(), QString("Media-1"));
+    QTRY_VERIFY(!openPicker());
   }
 
   void cancelledOpenChangesNothing() {
     StripDesk desk;
     desk.console->savedChanges.clear();
-    StripChooser chooser;
-    chooser.media = [](QWidget*, tagKorviaShowChannelSlot& slot) {
-      slot.source.kind = SourceKindMovie;
-      return false;
-    };
-    desk.console->setStripChooser(chooser);
     desk.strip(0x11)->onClicked_openSourcePushButton();
+    GDialogMediaSource* picker = openPicker();
+    QVERIFY(picker);
+    picker->findChild<QLineEdit*>("_moviePathLineEdit")->setText("/films/opener.mp4");
+    picker->onClicked_cancelPushButton();
     QCOMPARE(desk.slot(1).kind, qint32{SourceKindNone});
-    QVERIFY(desk.show.calls.isEmpty());
+    QCOMPARE(desk.slot(1).moviePath, QString());
+    QCOMPARE(openCalls(desk), QStringList());
     QVERIFY(desk.console->savedChanges.isEmpty());
+    QTRY_VERIFY(!openPicker());
+  }
+
+  void oneStripHasOnePicker() {
+    StripDesk desk;
+    desk.strip(0x11)->onClicked_openSourcePushButton();
+    desk.strip(0x11)->onClicked_openSourcePushButton();
+    QCOMPARE(openPickers().size(), 1);
+    desk.strip(0x12)->onClicked_openSourcePushButton();
+    QCOMPARE(openPickers().size(), 2);
+  }
+
+  void acceptedPickerCountsWhileAnotherIsOpen() {
+    StripDesk desk;
+    desk.strip(0x11)->onClicked_openSourcePushButton();
+    GDialogMediaSource* first = openPicker();
+    desk.strip(0x12)->onClicked_openSourcePushButton();
+    first->findChild<QLineEdit*>("_moviePathLineEdit")->setText("/films/opener.mp4");
+    first->onClicked_okPushButton();
+    QCOMPARE(openCalls(desk), QStringList{"openSource 2"});
+  }
+
+  void deskStaysUsableUnderThePicker() {
+    StripDesk desk;
+    desk.strip(0x11)->onClicked_openSourcePushButton();
+    GDialogMediaSource* picker = openPicker();
+    QVERIFY(QTest::qWaitForWindowExposed(picker));
+    const auto expectUsable = [&desk](const char* what) {
+      desk.show.clearEvents();
+      QTest::mouseClick(desk.picture(0x12)->windowHandle(), Qt::LeftButton);
+      auto* take = desk.child<QToolButton>("_takeTransitionToolButton_0");
+      const QPoint place = take->mapTo(&desk.frame, take->rect().center() - QPoint(20, 0));
+      QTest::mouseClick(desk.frame.windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
+      desk.settle();
+      QVERIFY2(desk.show.eventIds().contains(ShowEventSelectChannel), what);
+      QVERIFY2(desk.show.eventIds().contains(ShowEventTake), what);
+    };
+    expectUsable("picker");
+    picker->onClicked_optionsPushButton();
+    QVERIFY(picker->findChild<QDialog*>("GDialogMediaSourceOption"));
+    expectUsable("options");
+    QVERIFY(openPicker());
+  }
+
+  void endOfTheConsoleClosesThePicker() {
+    {
+      StripDesk desk;
+      desk.strip(0x11)->onClicked_openSourcePushButton();
+      openPicker()->onClicked_optionsPushButton();
+      openPicker()->onClicked_openMoviePushButton();
+    }
+    QVERIFY(!openPicker());
+  }
+
+  void hiddenDeskClosesThePicker() {
+    StripDesk desk;
+    desk.strip(0x11)->onClicked_openSourcePushButton();
+    desk.console->hideAll();
+    QTRY_VERIFY(!openPicker());
+  }
+
+  void droppedFileOpens() {
+    StripDesk desk;
+    const QTemporaryDir folder;
+    const QString film = fileIn(folder, "a.mp4");
+    desk.drop(1, {film});
+    QTRY_COMPARE(openCalls(desk), QStringList{"openSource 2"});
+    QCOMPARE(desk.slot(1).moviePath, film);
+    const QStringList pictures{fileIn(folder, "a.png"), fileIn(folder, "b.jpg")};
+    desk.drop(1, pictures);
+    QTRY_COMPARE(desk.slot(1).kind, qint32{SourceKindImageList});
+    QCOMPARE(desk.slot(1).imageList, pictures);
+  }
+
+  void droppedFileOnAirAsksFirst() {
+    StripDesk desk;
+    const QTemporaryDir folder;
+    desk.put(1, sourceOf(SourceKindMovie));
+    desk.report(ShowEventSelectChannel, qulonglong{0x1002}, 0x11);
+    const QuestionAnswer answer(QMessageBox::No);
+    desk.drop(1, {fileIn(folder, "a.mp4")});
+    QTRY_VERIFY(answer.wasAsked);
+    QCOMPARE(answer.details, QString("Media-1 is ON AIR"));
+    QCOMPARE(openCalls(desk), QStringList());
+  }
+
+  void droppedFileGoesToTheOpenPicker() {
+    StripDesk desk;
+    const QTemporaryDir folder;
+    desk.strip(0x11)->onClicked_openSourcePushButton();
+    const QString film = fileIn(folder, "a.mp4");
+    desk.drop(1, {film});
+    QTRY_COMPARE(openPicker()->findChild<QLineEdit*>("_moviePathLineEdit")->text(), film);
+    QCOMPARE(openCalls(desk), QStringList());
   }
 
   void chosenFileBecomesPictureOrFilm_data() {
@@ -339,7 +463,7 @@ class DisplayObjectTest : public QObject {
     QFETCH(QString, path);
     QFETCH(int, kind);
     tagKorviaShowChannelSlot slot;
-    MediaFileChooser::fillSlot(path, slot);
+    MediaFiles::fillSlot(path, slot);
     QCOMPARE(slot.source.kind, kind);
     QCOMPARE(kind == 5 ? slot.source.imagePath : slot.source.moviePath, path);
     QCOMPARE(kind == 5 ? slot.source.moviePath : slot.source.imagePath, QString());
@@ -440,6 +564,9 @@ class DisplayObjectTest : public QObject {
     desk.strip(0x100)->onClicked_openSourcePushButton();
     QCOMPARE(desk.console->getConfig()->stages[0].inUse, 0);
   }
+
+ private:
+  const QTemporaryDir _settings;
 };
 
 QTEST_MAIN(DisplayObjectTest)

@@ -1,7 +1,6 @@
 // Folders, files and the address of the machine, by drive paths.
 #include <sys/stat.h>
 
-#include <QHostAddress>
 #include <QtTest>
 
 #include "KorviaCommonUtil.h"
@@ -67,11 +66,33 @@ class KorviaCommonUtilTest : public QObject {
     QCOMPARE(content.size(), 64 * 1024 * 1024);
   }
 
-  void addressIsOneOfIPv4() {
-    const QHostAddress address(KorviaCommonUtil::getIp());
-    QCOMPARE(address.protocol(), QAbstractSocket::IPv4Protocol);
-    QVERIFY(!address.isLinkLocal());
-    QVERIFY(address != QHostAddress(QHostAddress::AnyIPv4));
+  void addressIsThatOfTheServers() { QCOMPARE(KorviaCommonUtil::getIp(), QString("127.0.0.1")); }
+
+  void pairIsDefinedForEveryText_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QSizeF>("pair");
+    QTest::newRow("padded") << "640  X 480" << QSizeF(640, 480);
+    QTest::newRow("tight") << "640X480" << QSizeF(640, 480);
+    QTest::newRow("other case") << "640x480" << QSizeF(640, 480);
+    QTest::newRow("fractions") << "1.5 X 2.25" << QSizeF(1.5, 2.25);
+    QTest::newRow("second is no number") << "640 X 480 X 3" << QSizeF(640, 0);
+    QTest::newRow("first is no number") << "wide X 480" << QSizeF(0, 480);
+    QTest::newRow("half") << "640 X" << QSizeF(640, 0);
+    QTest::newRow("no separator") << "640" << QSizeF(0, 0);
+    QTest::newRow("empty") << "" << QSizeF(0, 0);
+    QTest::newRow("negative") << "-640 X 480" << QSizeF(0, 480);
+    QTest::newRow("not a number") << "nan X 480" << QSizeF(0, 480);
+    QTest::newRow("infinite") << "inf X 1e300" << QSizeF(1e9, 1e9);
+  }
+  void pairIsDefinedForEveryText() {
+    QFETCH(QString, text);
+    QFETCH(QSizeF, pair);
+    QCOMPARE(KorviaCommonUtil::splitePairValue(text, "X"), pair);
+  }
+
+  void pairTakesAnySeparator() {
+    QCOMPARE(KorviaCommonUtil::splitePairValue("30000 / 1001", "/"), QSizeF(30000, 1001));
+    QCOMPARE(KorviaCommonUtil::splitePairValue("30000 / 1001", ""), QSizeF(0, 0));
   }
 
  private:
