@@ -1,4 +1,4 @@
-// Loads the library of the console, which is in the program's folder, and calls its factory. console thread
+// Loads the library of the console, which is in the program's folder, and calls its factory. Console thread
 // only.
 #pragma once
 #include <QString>

@@ -1,5 +1,5 @@
 // Exists while the application object connects to the display. When that fails, it replaces Qt's fatal
-// message by one sentence and exit code 1. console thread, one at a time.
+// message by one sentence and exit code 1. Console thread, one at a time.
 #pragma once
 #include <QtGlobal>
 

@@ -1,5 +1,5 @@
 // Writes the program's log to standard error and to a file in the folder of the configuration, each on a
-// thread of its own. console thread; messages may come from any thread.
+// thread of its own. Console thread; messages may come from any thread.
 #pragma once
 #include <QString>
 #include <array>

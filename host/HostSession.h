@@ -1,5 +1,5 @@
 // Runs the event loop while the console's window is open: sets its size, ends it at the time limit, and takes
-// the picture at the exit. console thread only.
+// the picture at the exit. Console thread only.
 #pragma once
 #include <QObject>
 #include <QPointer>

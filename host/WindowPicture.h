@@ -1,4 +1,4 @@
-// Picture of a whole window as the operator sees it. console thread only.
+// Picture of a whole window as the operator sees it. Console thread only.
 #pragma once
 #include <QImage>
 

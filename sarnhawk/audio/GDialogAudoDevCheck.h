@@ -1,4 +1,4 @@
-// Waits at the start until the audio devices of the PGM and PVM outputs are found. console thread only.
+// Waits at the start until the audio devices of the PGM and PVM outputs are found. Console thread only.
 #pragma once
 #include <QDialog>
 #include <QStringList>

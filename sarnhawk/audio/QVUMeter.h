@@ -1,4 +1,4 @@
-// Two-channel level bar without ballistics: it shows the newest values as they are. console thread only.
+// Two-channel level bar without ballistics: it shows the newest values as they are. Console thread only.
 #pragma once
 #include <QColor>
 #include <QWidget>

@@ -1,5 +1,5 @@
 // Style of the switch lever. It derives from Fusion, widens handle and groove beyond their ticks, and draws
-// the slider itself in the colours of the palette. console thread only.
+// the slider itself in the colours of the palette. Console thread only.
 #pragma once
 #include <QProxyStyle>
 

@@ -1,6 +1,6 @@
 // A frameless window with one tool button, which floats over a picture that the engine draws. The window that
 // it floats over owns it: it is hidden and minimised together with that window and never covers other
-// programs. console thread.
+// programs. Console thread.
 #pragma once
 #include <QWidget>
 

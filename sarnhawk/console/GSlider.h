@@ -1,4 +1,4 @@
-// Slider in the lever's style, whose handle overhangs its ticks. console thread only.
+// Slider in the lever's style, whose handle overhangs its ticks. Console thread only.
 #pragma once
 #include <QSlider>
 

@@ -1,4 +1,4 @@
-// Keeps its one child centred at 16:9 and as large as the box allows. console thread.
+// Keeps its one child centred at 16:9 and as large as the box allows. Console thread.
 #pragma once
 #include <QWidget>
 

@@ -1,5 +1,5 @@
 // A black window in which the engine shows a picture. Under X11 the engine draws into the native window and
-// Qt never paints there; on other platforms the engine passes an image. console thread, except
+// Qt never paints there; on other platforms the engine passes an image. Console thread, except
 // setMonitorImage, which any thread may call.
 #pragma once
 #include <QImage>

@@ -1,5 +1,5 @@
 // The console: the operator's desk inside the frame, and the owner of the show record, the engine, the
-// servers and all child windows. console thread, except what the show sinks say.
+// servers and all child windows. Console thread, except what the show sinks say.
 #pragma once
 #include <QMainWindow>
 #include <QPointer>

@@ -1,4 +1,4 @@
-// Describes a widget to the engine as a window for pictures. console thread.
+// Describes a widget to the engine as a window for pictures. Console thread.
 #pragma once
 #include <QWidget>
 

@@ -1,4 +1,4 @@
-// Places a popup beside its button. console thread.
+// Places a popup at a side of the widget that opened it, and shows it. Console thread.
 #pragma once
 
 class QWidget;

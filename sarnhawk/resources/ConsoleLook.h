@@ -1,4 +1,4 @@
-// The look of the console: icons, style sheet and palette. console thread, after the QApplication is made.
+// The look of the console: icons, style sheet and palette. Console thread, after the QApplication is made.
 #pragma once
 
 class QApplication;

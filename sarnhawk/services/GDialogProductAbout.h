@@ -1,4 +1,4 @@
-// Shows name, description, authors and version of the product. console thread only.
+// Shows name, description, authors and version of the product. Console thread only.
 #pragma once
 #include <QDialog>
 #include <memory>

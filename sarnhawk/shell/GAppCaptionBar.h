@@ -1,4 +1,4 @@
-// The top row of the frame, which replaces the title bar of the window system. console thread only.
+// The top row of the frame, which replaces the title bar of the window system. Console thread only.
 #pragma once
 #include <QPoint>
 #include <QWidget>

@@ -1,4 +1,4 @@
-// Passes mouse moves over the frame to it, also those over its children. console thread only.
+// Passes mouse moves over the frame to it, also those over its children. Console thread only.
 #pragma once
 #include <QObject>
 

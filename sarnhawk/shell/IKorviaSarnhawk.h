@@ -1,4 +1,4 @@
-// The console as the host sees it. console thread of the host.
+// The console as the host sees it. Console thread of the host.
 #pragma once
 #include <QString>
 

@@ -1,4 +1,4 @@
-// The frame as the caption bar sees it. console thread.
+// The frame as the caption bar sees it. Console thread.
 #pragma once
 #include "IUnknownEx.h"
 

@@ -1,5 +1,5 @@
 // The frameless top-level window, with the caption bar above the console. The operator resizes it by dragging
-// its edges. The library's factory returns it to the host. console thread only.
+// its edges. The library's factory returns it to the host. Console thread only.
 #pragma once
 #include <QFrame>
 #include <QPoint>

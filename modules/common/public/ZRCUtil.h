@@ -1,4 +1,4 @@
-// Fonts for lyrics and titles. console thread only: the font database needs a QGuiApplication.
+// Fonts for lyrics and titles. Console thread only: the font database needs a QGuiApplication.
 #pragma once
 #include "tagGSystemTTFFontInfo.h"
 

@@ -1,4 +1,5 @@
-// The scalable fonts of this machine, filled once at the start by ZRCUtil::enumSystemTTFFont.
+// The scalable fonts of this machine. Plain values, filled once at the start by ZRCUtil::enumSystemTTFFont on
+// the console thread.
 #pragma once
 #include <QHash>
 #include <QStringList>

@@ -1,5 +1,5 @@
 // Checks whether the network ports of the program are free, silently at the start and as a table when the
-// operator asks for it. console thread only.
+// operator asks for it. Console thread only.
 #pragma once
 #include <QDialog>
 #include <QList>

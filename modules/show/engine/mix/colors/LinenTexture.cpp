@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "engine/mix/SeededRandom.h"
+
 namespace korvia {
 
 namespace {
@@ -26,10 +28,7 @@ struct Thread {
 
 /// The height of a thread: a hash, so that it is the same at each call.
 int heightOf(int thread, std::uint32_t axis) {
-  std::uint32_t value = (static_cast<std::uint32_t>(thread) * 2 + axis) * 0x9E3779B1U;
-  value = (value ^ (value >> 15)) * 0x85EBCA6BU;
-  value ^= value >> 13;
-  return kOne - static_cast<int>(value % kThreadDifference);
+  return kOne - static_cast<int>(hashBits(static_cast<std::uint32_t>(thread) * 2 + axis) % kThreadDifference);
 }
 
 std::vector<Thread> threadsAlong(int length, double width, std::uint32_t axis) {
