@@ -82,6 +82,7 @@ GDialogMediaSource::GDialogMediaSource(const tagKorviaShowEngineInfo& engineInfo
   auto* pdfPaint = new GWidgetImagePaint(_ui->_pdfPreviewScrollAreaWidgetContents);
   _ui->_pdfPreviewLayout->addWidget(pdfPaint);
   _pdf = new PdfPreview(pdfPaint, _ui->_pdfPreviewScrollAreaWidgetContents, _ui->_pdfPageInfoLabel, this);
+  connect(_pdf, &PdfPreview::sizeTaken, this, &GDialogMediaSource::takePdfSize);
 
   setUpKinds();
   fillLists();

@@ -138,6 +138,7 @@ class GDialogMediaSource : public QDialog, public IGDialogMediaSourceOptionSink 
                  const FilesDone& done);
   void pickColor(quint32 tagKorviaShowRenderTextParam::*color, QPushButton* button);
   void probeSize(const QString& path);
+  void takePdfSize(const QSize& size);
   void appendFiles(QListWidget* list, const QStringList& paths);
   void askToClear(QListWidget* list, const QString& question);
   void readTextFile(const QString& path);

@@ -230,12 +230,13 @@ void GDialogMediaSource::onItemPressed_pdfHistoryListWidget(QListWidgetItem* ite
 }
 
 void GDialogMediaSource::onTextChanged_pdfPathLineEdit(const QString& text) {
-  const auto size = _pdf->load(text, PdfPreview::PageSize::Take, outputSize());
-  if (!size)
-    return;
-  setOutputSize(*size);
+  _pdf->load(text, PdfPreview::PageSize::Take, outputSize());
+}
+
+void GDialogMediaSource::takePdfSize(const QSize& size) {
+  setOutputSize(size);
   const QSignalBlocker blocker(_ui->_videoSizeComboBox);
-  showSize(*size);
+  showSize(size);
 }
 
 void GDialogMediaSource::readTextFile(const QString& path) {

@@ -1,7 +1,10 @@
 #include "sources/PdfPreview.h"
 
+#include <QDebug>
 #include <QLabel>
+#include <QTimer>
 #include <algorithm>
+#include <chrono>
 
 #include "KorviaOfficeUtil.h"
 #include "console/runInBackground.h"
@@ -11,8 +14,24 @@ namespace {
 
 constexpr double kMaxPoints = 1e6;
 
+/// For opening and drawing all pages.
+constexpr std::chrono::seconds kTimeLimit{30};
+
+struct Opened {
+  std::shared_ptr<KorviaPdfDocument> document;  ///< null when the file is no document
+  QSize size;                                   ///< of the first page
+};
+
 int pixels(double points) {
   return qRound(std::clamp(points, 0.0, kMaxPoints));
+}
+
+Opened openDocument(const QString& path) {
+  double width = 0;
+  double height = 0;
+  const std::shared_ptr<KorviaPdfDocument> document(KorviaOfficeUtil::loadPDF(path, width, height),
+                                                    &KorviaOfficeUtil::closePDF);
+  return {document, QSize(pixels(width), pixels(height))};
 }
 
 }  // namespace
@@ -30,35 +49,54 @@ void PdfPreview::cancel() {
   _isCancelled.reset();
 }
 
-std::optional<QSize> PdfPreview::load(const QString& path, PageSize pageSize, const QSize& size) {
+void PdfPreview::load(const QString& path, PageSize pageSize, const QSize& size) {
   if (path == _path)
-    return std::nullopt;
+    return;
   _path = path;
   cancel();
   _pages.clear();
   _index = 0;
   _paint->setImage(QImage());
   _label->setText(tr("%1 / %2").arg(0).arg(0));
-  double width = 0;
-  double height = 0;
-  KorviaPdfDocument* document = KorviaOfficeUtil::loadPDF(path, width, height);
-  if (!document)
-    return std::nullopt;
-  const QSize drawn = pageSize == PageSize::Take ? QSize(pixels(width), pixels(height)) : size;
+  if (path.isEmpty())
+    return;
   _isCancelled = std::make_shared<std::atomic<bool>>(false);
+  QTimer::singleShot(kTimeLimit, this, [this, isCancelled = std::weak_ptr(_isCancelled)] {
+    // Only a document that is still being drawn has the flag of this call.
+    if (!_isCancelled || _isCancelled != isCancelled.lock())
+      return;
+    cancel();
+    qDebug("failed to show document : no end within the time limit");
+  });
+  runInBackground(
+      this, [path] { return openDocument(path); },
+      [this, pageSize, size, isCancelled = _isCancelled](const Opened& opened) {
+        if (*isCancelled)
+          return;
+        if (!opened.document) {
+          _isCancelled.reset();
+          return;
+        }
+        const QSize drawn = pageSize == PageSize::Take ? opened.size : size;
+        if (pageSize == PageSize::Take)
+          emit sizeTaken(drawn);
+        draw(opened.document, drawn, isCancelled);
+      });
+}
+
+void PdfPreview::draw(const std::shared_ptr<KorviaPdfDocument>& document, const QSize& size,
+                      const std::shared_ptr<std::atomic<bool>>& isCancelled) {
   runInBackground(
       this,
-      [document, drawn, isCancelled = _isCancelled] {
-        QList<QImage> pages =
-            KorviaOfficeUtil::pdfToImage(document, drawn.width(), drawn.height(), isCancelled.get());
-        KorviaOfficeUtil::closePDF(document);
-        return pages;
+      [document, size, isCancelled] {
+        return KorviaOfficeUtil::pdfToImage(document.get(), size.width(), size.height(), isCancelled.get());
       },
-      [this, drawn, isCancelled = _isCancelled](const QList<QImage>& pages) {
-        if (!*isCancelled)
-          takePages(pages, drawn);
+      [this, size, isCancelled](const QList<QImage>& pages) {
+        if (*isCancelled)
+          return;
+        _isCancelled.reset();
+        takePages(pages, size);
       });
-  return drawn;
 }
 
 void PdfPreview::takePages(const QList<QImage>& pages, const QSize& size) {

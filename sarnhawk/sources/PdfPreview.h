@@ -1,14 +1,15 @@
-// The pages of a PDF as the picker shows them. Pages are drawn on a thread of their own, so the desk stays
-// usable with a long document. Console thread.
+// The pages of a PDF as the picker shows them. The document is opened and drawn on a thread of its own, and
+// given up after half a minute, so the desk stays usable with a long or a broken one. Console thread.
 #pragma once
 #include <QImage>
 #include <QList>
 #include <QObject>
+#include <QSize>
 #include <atomic>
 #include <memory>
-#include <optional>
 
 class GWidgetImagePaint;
+class KorviaPdfDocument;
 class QLabel;
 class QWidget;
 
@@ -22,9 +23,9 @@ class PdfPreview : public QObject {
   PdfPreview(GWidgetImagePaint* paint, QWidget* contents, QLabel* label, QObject* parent);
   ~PdfPreview() override;
 
-  /// Shows the document at the path; does nothing for the path that is shown. Gives the size at which the
-  /// pages are drawn: that of the first page, or `size`. Nothing when the path is the same or no document.
-  std::optional<QSize> load(const QString& path, PageSize pageSize, const QSize& size);
+  /// Shows the document at the path; does nothing for the path that is shown. Pages are drawn in the size of
+  /// the first one (PageSize::Take) or in `size`.
+  void load(const QString& path, PageSize pageSize, const QSize& size);
   /// The next load shows its document also when the path is the same.
   void forget() { _path.clear(); }
 
@@ -33,7 +34,13 @@ class PdfPreview : public QObject {
 
   int pageCount() const { return _pages.size(); }
 
+ signals:
+  /// The document that was loaded with PageSize::Take has pages of this size. The pages come later.
+  void sizeTaken(const QSize& size);
+
  private:
+  void draw(const std::shared_ptr<KorviaPdfDocument>& document, const QSize& size,
+            const std::shared_ptr<std::atomic<bool>>& isCancelled);
   void showPage();
   void takePages(const QList<QImage>& pages, const QSize& size);
   void cancel();
@@ -44,6 +51,6 @@ class PdfPreview : public QObject {
   QString _path;
   QList<QImage> _pages;
   int _index = 0;
-  /// Stops the drawing in progress.
+  /// Stops the drawing in progress; null when nothing is drawn.
   std::shared_ptr<std::atomic<bool>> _isCancelled;
 };

@@ -474,7 +474,7 @@ class DialogMediaSourceTest : public QObject {
     rig.open(14);
     QCOMPARE(pageLabel(rig), QString("0 / 0"));
     rig.edit("_pdfPathLineEdit")->setText(path);
-    QCOMPARE(rig.outputSize(), QSize(300, 200));
+    QTRY_COMPARE(rig.outputSize(), QSize(300, 200));
     QCOMPARE(rig.combo("_videoSizeComboBox")->currentText(), QString("300 X 200"));
     QTRY_COMPARE(pageLabel(rig), QString("1 / 2"));
     QCOMPARE(rig.child<QWidget>("_pdfPreviewScrollAreaWidgetContents")->minimumSize(), QSize(300, 200));
@@ -494,7 +494,7 @@ class DialogMediaSourceTest : public QObject {
     PickerRig rig;
     rig.open(14);
     rig.edit("_pdfPathLineEdit")->setText(rig.pdf("wide.pdf", {9000, 90}, 1));
-    QCOMPARE(rig.outputSize(), QSize(9000, 90));
+    QTRY_COMPARE(rig.outputSize(), QSize(9000, 90));
     QCOMPARE(rig.combo("_videoSizeComboBox")->currentText(), QString("9000 X 90"));
     QVERIFY(rig.accepts());
     QCOMPARE(rig.outputSize(), QSize(8192, 90));
@@ -535,6 +535,23 @@ class DialogMediaSourceTest : public QObject {
     rig.edit("_pdfPathLineEdit")->setText(path);
     rig.picker.reset();
     QCoreApplication::processEvents();
+    rig.open(14);
+    rig.edit("_pdfPathLineEdit")->setText(path);
+    QTRY_COMPARE(rig.outputSize(), QSize(300, 200));
+    rig.picker.reset();
+    QCoreApplication::processEvents();
+  }
+
+  void anotherDocumentReplacesTheOneThatOpens() {
+    PickerRig rig;
+    const QString wide = rig.pdf("wide.pdf", {300, 200}, 1);
+    const QString high = rig.pdf("high.pdf", {100, 200}, 2);
+    rig.open(14);
+    rig.edit("_pdfPathLineEdit")->setText(wide);
+    rig.edit("_pdfPathLineEdit")->setText(high);
+    QTRY_COMPARE(pageLabel(rig), QString("1 / 2"));
+    QCOMPARE(rig.outputSize(), QSize(100, 200));
+    QCOMPARE(pdfPage(rig).size(), QSize(100, 200));
   }
 
   void incomePathOfLettersHasNoSlash() {
