@@ -2,7 +2,7 @@
 
 #include "ColorSource.h"
 #include "FilmSource.h"
-#include "StillSource.h"
+#include "ImageSource.h"
 #include "engine/EngineLog.h"
 
 namespace korvia {
@@ -18,9 +18,11 @@ std::shared_ptr<Source> make(const SourceContext& context, const tagKorviaShowSo
   return std::make_shared<Kind>(context, info, format);
 }
 
-std::shared_ptr<Source> openStill(const SourceContext& context, const tagKorviaShowSourceInfo& info,
-                                  const tagKorviaFormatInfo& format) {
-  return StillSource::open(context, info, format);
+/// For a kind whose thread owns the source while it loads.
+template <typename Kind>
+std::shared_ptr<Source> open(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                             const tagKorviaFormatInfo& format) {
+  return Kind::open(context, info, format);
 }
 
 struct KindEntry {
@@ -28,11 +30,13 @@ struct KindEntry {
   Maker make;
 };
 
+// clang-format off
 constexpr KindEntry kKinds[] = {
     {SourceKindMovie, make<FilmSource>},
-    {SourceKindImage, openStill},
+    {SourceKindImage, open<ImageSource>},
     {SourceKindColor, make<ColorSource>},
 };
+// clang-format on
 
 }  // namespace
 

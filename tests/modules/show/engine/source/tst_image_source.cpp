@@ -10,7 +10,7 @@
 using namespace korvia;
 using namespace korvia::test;
 
-class StillSourceTest : public QObject {
+class ImageSourceTest : public QObject {
   Q_OBJECT
 
   QTemporaryDir folder_;
@@ -239,5 +239,5 @@ class StillSourceTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(StillSourceTest)
-#include "tst_still_source.moc"
+QTEST_GUILESS_MAIN(ImageSourceTest)
+#include "tst_image_source.moc"

@@ -1,15 +1,15 @@
-// A picture file in any format that Qt reads; of an animation, the first picture. It is loaded on a thread of
-// its own. Console thread, except pullFrame: engine thread.
+// A picture file in any format that Qt reads. It is loaded on a thread of its own. Console thread, except
+// pullFrame: engine thread.
 #pragma once
 #include "PictureSource.h"
 #include "ThreadSafety.h"
 
 namespace korvia {
 
-class StillSource final : public PictureSource {
+class ImageSource final : public PictureSource {
  public:
   /// Opens `info.imagePath`; the state goes from Opening to Playing, or to Error with a line in the log.
-  static std::shared_ptr<StillSource> open(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+  static std::shared_ptr<ImageSource> open(const SourceContext& context, const tagKorviaShowSourceInfo& info,
                                            const tagKorviaFormatInfo& format);
 
   void close() override;
