@@ -3,6 +3,7 @@
 #include "ColorSource.h"
 #include "FilmSource.h"
 #include "ImageSource.h"
+#include "NoDecoderSource.h"
 #include "engine/EngineLog.h"
 
 namespace korvia {
@@ -33,8 +34,11 @@ struct KindEntry {
 // clang-format off
 constexpr KindEntry kKinds[] = {
     {SourceKindMovie, make<FilmSource>},
+    {SourceKindKrmp, make<NoDecoderSource>},
     {SourceKindImage, open<ImageSource>},
     {SourceKindColor, make<ColorSource>},
+    {SourceKindFlash, make<NoDecoderSource>},
+    {SourceKindOffice, make<NoDecoderSource>},
 };
 // clang-format on
 
