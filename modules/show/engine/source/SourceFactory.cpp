@@ -4,6 +4,7 @@
 #include "FilmSource.h"
 #include "ImageSource.h"
 #include "NoDecoderSource.h"
+#include "TextSource.h"
 #include "engine/EngineLog.h"
 
 namespace korvia {
@@ -39,6 +40,7 @@ constexpr KindEntry kKinds[] = {
     {SourceKindColor, make<ColorSource>},
     {SourceKindFlash, make<NoDecoderSource>},
     {SourceKindOffice, make<NoDecoderSource>},
+    {SourceKindText, open<TextSource>},
 };
 // clang-format on
 
