@@ -2,6 +2,7 @@
 
 #include "ColorSource.h"
 #include "FilmSource.h"
+#include "ImageListSource.h"
 #include "ImageSource.h"
 #include "NoDecoderSource.h"
 #include "TextSource.h"
@@ -37,6 +38,7 @@ constexpr KindEntry kKinds[] = {
     {SourceKindMovie, make<FilmSource>},
     {SourceKindKrmp, make<NoDecoderSource>},
     {SourceKindImage, open<ImageSource>},
+    {SourceKindImageList, open<ImageListSource>},
     {SourceKindColor, make<ColorSource>},
     {SourceKindFlash, make<NoDecoderSource>},
     {SourceKindOffice, make<NoDecoderSource>},
