@@ -5,6 +5,7 @@
 #include "ImageListSource.h"
 #include "ImageSource.h"
 #include "NoDecoderSource.h"
+#include "PdfSource.h"
 #include "TextSource.h"
 #include "engine/EngineLog.h"
 
@@ -42,6 +43,7 @@ constexpr KindEntry kKinds[] = {
     {SourceKindColor, make<ColorSource>},
     {SourceKindFlash, make<NoDecoderSource>},
     {SourceKindOffice, make<NoDecoderSource>},
+    {SourceKindPdf, open<PdfSource>},
     {SourceKindText, open<TextSource>},
 };
 // clang-format on
