@@ -33,7 +33,10 @@ int ImageListSource::openItems(QString& reason) {
 }
 
 FrameRef ImageListSource::loadItem(int index, QString& reason) {
-  FittedPicture picture = PictureFile::read(paths_[index], context().renderSize, reason);
+  PictureFile file;
+  FittedPicture picture;
+  if (file.open(paths_[index], reason))
+    picture = file.read(context().renderSize, reason);
   if (!picture.frame)
     qCWarning(logSource, "picture skipped : %s : %s", qUtf8Printable(paths_[index]), qUtf8Printable(reason));
   return std::move(picture.frame);

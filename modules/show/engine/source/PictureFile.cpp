@@ -40,14 +40,14 @@ bool PictureFile::open(const QString& path, QString& reason) {
   return true;
 }
 
-/// The size of a TGA file, which Qt's reader does not know before it has read the picture. Invalid for a file
-/// that is too short.
-QSize PictureFile::targaSize() {
-  constexpr int kSizeOffset = 12;
-  const QByteArray header = file_.peek(kSizeOffset + 4);
-  if (header.size() < kSizeOffset + 4)
+QSize PictureFile::sizeInHeader() {
+  constexpr int kTargaSizeAt = 12;
+  constexpr int kGifSizeAt = 6;
+  const QByteArray header = file_.peek(kTargaSizeAt + 4);
+  const int at = targa_ ? kTargaSizeAt : header.startsWith("GIF8") ? kGifSizeAt : header.size();
+  if (header.size() < at + 4)
     return {};
-  const char* bytes = header.constData() + kSizeOffset;
+  const char* bytes = header.constData() + at;
   return {qFromLittleEndian<quint16>(bytes), qFromLittleEndian<quint16>(bytes + 2)};
 }
 
@@ -58,7 +58,10 @@ std::unique_ptr<QImageReader> PictureFile::reader(QString& reason) {
   if (targa_)
     reader->setFormat("tga");
   reader->setAutoTransform(true);
-  const QSize size = targa_ ? targaSize() : reader->size();
+  // Qt's reader does not know the size of a TGA file before it has read the picture, and gives the size of
+  // the first picture of a GIF, though it draws all of them on the canvas.
+  const QSize inHeader = sizeInHeader();
+  const QSize size = targa_ ? inHeader : reader->size().expandedTo(inHeader);
   if (!size.isValid()) {
     // Without the size nobody knows how much memory reading would take.
     reason = reader->canRead() ? QStringLiteral("size is not known") : reader->errorString().toLower();
@@ -71,14 +74,13 @@ std::unique_ptr<QImageReader> PictureFile::reader(QString& reason) {
   return reader;
 }
 
-FittedPicture PictureFile::read(const QString& path, FrameSize renderSize, QString& reason) {
-  PictureFile file;
-  const std::unique_ptr<QImageReader> reader = file.open(path, reason) ? file.reader(reason) : nullptr;
-  if (!reader)
+FittedPicture PictureFile::read(FrameSize renderSize, QString& reason) {
+  const std::unique_ptr<QImageReader> picture = reader(reason);
+  if (!picture)
     return {};
   QImage image;
-  if (!reader->read(&image)) {
-    reason = reader->errorString().toLower();
+  if (!picture->read(&image)) {
+    reason = picture->errorString().toLower();
     return {};
   }
   MutableFrame frame(new Frame(renderSize, alphaOf(image)));

@@ -22,12 +22,12 @@ class PictureFile {
   /// A reader that stands before the first picture and turns pictures upright; null with a reason when the
   /// file is no picture, or a larger one than may be read. It must not outlive this object.
   std::unique_ptr<QImageReader> reader(QString& reason);
-  /// The first picture of the file at `path`, fitted into `renderSize`; without a frame and with a reason
-  /// when it cannot be read.
-  static FittedPicture read(const QString& path, FrameSize renderSize, QString& reason);
+  /// The first picture, fitted into `renderSize`; without a frame and with a reason when it cannot be read.
+  FittedPicture read(FrameSize renderSize, QString& reason);
 
  private:
-  QSize targaSize();
+  /// The size that pictures of these formats have in memory; of other formats an empty one.
+  QSize sizeInHeader();
 
   QFile file_;
   bool targa_ = false;

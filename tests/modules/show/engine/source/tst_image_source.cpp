@@ -159,20 +159,6 @@ class ImageSourceTest : public QObject {
     QVERIFY(isNear(codesAt(rig->pullFrame(1), 32, 18), {63, 102, 240}, 1));
   }
 
-  void firstPictureOfAnAnimation() {
-    // Two frames of one pixel, white and then black.
-    const QByteArray gif = QByteArray::fromHex(
-        "4749463839610100010080000000000"
-        "0ffffff21f90400000000002c000000000100010000020244010021f90400000000002c"
-        "0000000001000100000202"
-        "4c01003b");
-    SourceRig rig({64, 36});
-    open(rig, write(gif, "two.gif"));
-    QTRY_COMPARE(rig->getPlayState(), int(Playing));
-    QVERIFY(isNear(codesAt(rig->pullFrame(1), 32, 18), {16, 128, 128}, 1) ||
-            isNear(codesAt(rig->pullFrame(1), 32, 18), {235, 128, 128}, 1));
-  }
-
   void buttonsFollow() {
     QImage image(4, 4, QImage::Format_RGB32);
     image.fill(Qt::white);
