@@ -9,6 +9,7 @@
 #include <QSignalBlocker>
 
 #include "KorviaCommonUtil.h"
+#include "KorviaShowUtil.h"
 #include "KorviaUtil.h"
 #include "QColEdit.h"
 #include "present/colorButton.h"
@@ -241,9 +242,11 @@ void GDialogMediaSource::takePdfSize(const QSize& size) {
 
 void GDialogMediaSource::readTextFile(const QString& path) {
   _ui->_textPathLineEdit->setText(path);
-  QByteArray content;
-  KorviaCommonUtil::readFileContent(path, content);
-  _ui->_textContentPlainTextEdit->setPlainText(QString::fromLocal8Bit(content));
+  QString text;
+  QString reason;
+  if (!KorviaShowUtil::readTextFile(path, text, reason))
+    qDebug("failed to read text : %s : %s", qUtf8Printable(path), qUtf8Printable(reason));
+  _ui->_textContentPlainTextEdit->setPlainText(text);
 }
 
 void GDialogMediaSource::onClicked_browsTextFilePushButton() {

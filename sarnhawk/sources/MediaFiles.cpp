@@ -4,7 +4,7 @@
 #include <QMimeData>
 #include <QUrl>
 
-#include "KorviaCommonUtil.h"
+#include "KorviaShowUtil.h"
 #include "tagKorviaShowChannelSlot.h"
 
 namespace {
@@ -21,9 +21,11 @@ KorviaShowSourceKind kindOf(const QString& path) {
 }
 
 QString textOf(const QString& path) {
-  QByteArray content;
-  KorviaCommonUtil::readFileContent(path, content);
-  return QString::fromLocal8Bit(content);
+  QString text;
+  QString reason;
+  if (!KorviaShowUtil::readTextFile(path, text, reason))
+    qDebug("failed to read text : %s : %s", qUtf8Printable(path), qUtf8Printable(reason));
+  return text;
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Helpers that console and engine share: names and catalogs of effect numbers, text pictures, and records as
-// XML. Stateless, any thread; toImage needs a QGuiApplication.
+// Helpers that console and engine share: names and catalogs of effect numbers, texts and text pictures, and
+// records as XML. Stateless, any thread; toImage needs a QGuiApplication.
 #pragma once
 #include <QImage>
 #include <QString>
@@ -38,6 +38,11 @@ class KorviaShowUtil {
   /// left to right at 0 degrees, from top to bottom at 90. Vertical text is set in columns from right to
   /// left.
   static QImage toImage(int width, int height, const tagKorviaShowRenderTextParam& param);
+
+  /// Reads the text file at a drive path or path, at most 4 MiB, in the encoding of the locale or, where its
+  /// first bytes are a byte order mark, in the encoding of that mark. False with a reason for what is no file
+  /// or cannot be read; the text is empty then.
+  static bool readTextFile(const QString& path, QString& text, QString& reason);
 
   /// Fills the record from the child elements of the element, one for each field. A field that is missing or
   /// has no value of its type keeps its value. False when no field of the record was found.

@@ -1,3 +1,5 @@
+#include <QFile>
+#include <QFileInfo>
 #include <QFontMetricsF>
 #include <QGlyphRun>
 #include <QLinearGradient>
@@ -7,12 +9,14 @@
 #include <QRawFont>
 #include <QStringList>
 #include <QTextBoundaryFinder>
+#include <QTextCodec>
 #include <QTextLayout>
 #include <QtMath>
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
+#include "DrivePath.h"
 #include "KorviaShowUtil.h"
 #include "tagKorviaShowRenderTextParam.h"
 
@@ -25,6 +29,7 @@ constexpr int kMaxFontSize = 2048;
 /// Limit of the text: more than fits on any picture in a readable size.
 constexpr int kMaxCharacters = 16384;
 constexpr int kMaxLineCharacters = 4096;
+constexpr qint64 kMaxFileBytes = 4 * 1024 * 1024;
 
 /// The outlines of the text, one path for each glyph and underline: in a single path crossing contours would
 /// leave holes, and the time to draw a path grows faster than its length.
@@ -252,4 +257,31 @@ QImage KorviaShowUtil::toImage(int width, int height, const tagKorviaShowRenderT
   for (const QPainterPath& path : shapes.paths())
     painter.fillPath(path, fill);
   return image;
+}
+
+bool KorviaShowUtil::readTextFile(const QString& path, QString& text, QString& reason) {
+  text.clear();
+  const QFileInfo info(korvia::DrivePath::resolve(path));
+  // The kind is checked first, because opening a FIFO would wait for its writer.
+  if (!info.isFile()) {
+    reason = info.exists() ? QStringLiteral("is no file") : QStringLiteral("no such file");
+    return false;
+  }
+  QFile file(info.filePath());
+  if (!file.open(QIODevice::ReadOnly)) {
+    reason = file.errorString().toLower();
+    return false;
+  }
+  // One byte more than allowed detects a file that is too long, even when its size is not known.
+  const QByteArray content = file.read(kMaxFileBytes + 1);
+  if (file.error() != QFileDevice::NoError) {
+    reason = file.errorString().toLower();
+    return false;
+  }
+  if (content.size() > kMaxFileBytes) {
+    reason = QStringLiteral("longer than 4 MiB");
+    return false;
+  }
+  text = QTextCodec::codecForUtfText(content, QTextCodec::codecForLocale())->toUnicode(content);
+  return true;
 }

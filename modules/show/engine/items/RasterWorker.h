@@ -1,5 +1,5 @@
 // Draws layers on its own thread, so that neither the engine thread nor the console draws or converts
-// images. All drawing with Qt for the engine is done here; drawing functions use QImage only.
+// images. All layers are drawn here; drawing functions use QImage only.
 #pragma once
 #include <QString>
 #include <functional>

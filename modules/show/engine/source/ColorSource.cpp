@@ -1,5 +1,7 @@
 #include "ColorSource.h"
 
+#include <libyuv/planar_functions.h>
+
 #include <QColor>
 
 #include "engine/frame/PictureFrame.h"
@@ -8,14 +10,17 @@ namespace korvia {
 
 namespace {
 
-// White, yellow, cyan, green, magenta, red, blue at 75 %: Y, U and V of BT.709 in 8 bits.
-constexpr std::array<std::array<std::uint8_t, 3>, 7> kBars{{{180, 128, 128},
+// EBU bars 100/0/75/0: white at 100 %, yellow, cyan, green, magenta, red and blue at 75 %, and black. Y, U
+// and V of BT.709 in 8 bits: Y' = 16 + 219 E'Y, U = 128 + 224 (E'B - E'Y) / 1.8556, V = 128 + 224 (E'R - E'Y)
+// / 1.5748 (ITU-R BT.709-6, items 3.2 to 3.5).
+constexpr std::array<std::array<std::uint8_t, 3>, 8> kBars{{{235, 128, 128},
                                                             {168, 44, 136},
                                                             {145, 147, 44},
                                                             {133, 63, 52},
                                                             {63, 193, 204},
                                                             {51, 109, 212},
-                                                            {28, 212, 120}}};
+                                                            {28, 212, 120},
+                                                            {16, 128, 128}}};
 
 FrameRef renderBars(FrameSize size) {
   MutableFrame frame(new Frame(size));
@@ -32,8 +37,11 @@ FrameRef renderBars(FrameSize size) {
 }
 
 FrameRef renderColor(FrameSize size, QRgb color) {
-  MutableFrame frame(new Frame(size));
+  MutableFrame frame(new Frame(size, qAlpha(color) == 255 ? FrameAlpha::None : FrameAlpha::Plane));
   fillColumns(*frame, 0, size.width, codeValues(color));
+  if (frame->hasAlpha())
+    libyuv::SetPlane(frame->writablePlane(Frame::A), frame->stride(Frame::A), size.width, size.height,
+                     static_cast<std::uint32_t>(qAlpha(color)));
   return std::move(frame).publish();
 }
 

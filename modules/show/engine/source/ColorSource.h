@@ -1,5 +1,5 @@
-// A source of one colour or of 75 % colour bars. The picture is rendered once, when the source is opened.
-// Console thread, except pullFrame: engine thread.
+// A source of one colour, which may be transparent, or of EBU colour bars 100/0/75/0. The picture is rendered
+// once, when the source is opened. Console thread, except pullFrame: engine thread.
 #pragma once
 #include "PictureSource.h"
 

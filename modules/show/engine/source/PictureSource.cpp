@@ -28,22 +28,30 @@ SourceFigures PictureSource::figures() {
 void PictureSource::change(KorviaShowPlayState state) {
   MutexLock lock(pictureMutex_);
   wanted_ = state;
-  if (state_ == Playing || state_ == Paused || state_ == Stopped)
+  if (state_ == Playing || state_ == Paused || state_ == Stopped || state_ == Ended)
     state_ = state;
 }
 
 void PictureSource::showPicture(FrameRef picture) {
   MutexLock lock(pictureMutex_);
-  picture_ = std::move(picture);
-  if (state_ == Opening)
+  std::swap(picture_, picture);  // the former picture is freed outside of the lock
+  failureReason_.clear();
+  if (state_ == Opening || state_ == Error)
     state_ = wanted_;
 }
 
 void PictureSource::fail(const QString& reason) {
   MutexLock lock(pictureMutex_);
+  if (state_ != Opening)
+    return;
   failureReason_ = reason;
-  if (state_ == Opening)
-    state_ = Error;
+  state_ = Error;
+}
+
+void PictureSource::end() {
+  MutexLock lock(pictureMutex_);
+  if (state_ == Playing)
+    state_ = Ended;
 }
 
 void PictureSource::getState(tagKorviaSourceLinkState& state) {

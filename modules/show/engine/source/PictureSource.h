@@ -1,5 +1,5 @@
-// The base of sources with one still picture; play, pause and stop only change the state. Console thread,
-// except pullFrame: engine thread, and showPicture and fail: any thread.
+// The base of sources that show one picture at a time; play, pause and stop only change the state. Console
+// thread, except pullFrame: engine thread, and showPicture, fail and end: any thread.
 #pragma once
 #include <atomic>
 
@@ -26,11 +26,14 @@ class PictureSource : public Source {
                 const tagKorviaFormatInfo& format, KorviaShowPlayState state);
 
   virtual QString description() const = 0;
-  /// Sets the picture. A source that was opening begins to play, or gets the state that was asked for
-  /// meanwhile.
+  /// Sets the picture. A source that was opening or had failed begins to play, or gets the state that was
+  /// asked for meanwhile.
   void showPicture(FrameRef picture);
-  /// No picture will come; `reason` is kept for getState().
+  /// No picture comes; `reason` is kept for getState(). A source that shows one already keeps it and its
+  /// state.
   void fail(const QString& reason);
+  /// The source has played to its end.
+  void end();
 
  private:
   void change(KorviaShowPlayState state);

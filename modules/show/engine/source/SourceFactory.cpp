@@ -2,7 +2,11 @@
 
 #include "ColorSource.h"
 #include "FilmSource.h"
-#include "StillSource.h"
+#include "ImageListSource.h"
+#include "ImageSource.h"
+#include "NoDecoderSource.h"
+#include "PdfSource.h"
+#include "TextSource.h"
 #include "engine/EngineLog.h"
 
 namespace korvia {
@@ -18,9 +22,11 @@ std::shared_ptr<Source> make(const SourceContext& context, const tagKorviaShowSo
   return std::make_shared<Kind>(context, info, format);
 }
 
-std::shared_ptr<Source> openStill(const SourceContext& context, const tagKorviaShowSourceInfo& info,
-                                  const tagKorviaFormatInfo& format) {
-  return StillSource::open(context, info, format);
+/// For a kind whose thread owns the source while it loads.
+template <typename Kind>
+std::shared_ptr<Source> open(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                             const tagKorviaFormatInfo& format) {
+  return Kind::open(context, info, format);
 }
 
 struct KindEntry {
@@ -28,11 +34,19 @@ struct KindEntry {
   Maker make;
 };
 
+// clang-format off
 constexpr KindEntry kKinds[] = {
     {SourceKindMovie, make<FilmSource>},
-    {SourceKindImage, openStill},
+    {SourceKindKrmp, make<NoDecoderSource>},
+    {SourceKindImage, open<ImageSource>},
+    {SourceKindImageList, open<ImageListSource>},
     {SourceKindColor, make<ColorSource>},
+    {SourceKindFlash, make<NoDecoderSource>},
+    {SourceKindOffice, make<NoDecoderSource>},
+    {SourceKindPdf, open<PdfSource>},
+    {SourceKindText, open<TextSource>},
 };
+// clang-format on
 
 }  // namespace
 

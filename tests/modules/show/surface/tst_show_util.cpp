@@ -1,4 +1,8 @@
 // Words of objects, catalogs of effects, and pictures of texts.
+#include <sys/stat.h>
+
+#include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QtTest>
 
 #include "KorviaShowUtil.h"
@@ -265,6 +269,54 @@ class ShowUtilTest : public QObject {
     }
     param = textOf(QString(QChar(0xD800)) + QChar(0) + QChar(0xFFFF));
     QCOMPARE(KorviaShowUtil::toImage(32, 18, param).size(), QSize(32, 18));
+  }
+
+  void textFiles_data() {
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("plain") << QByteArray("two\nlines") << QString("two\nlines");
+    QTest::newRow("empty") << QByteArray() << QString();
+    const QString word = QString::fromUtf8("\u00e4\u4e2d");
+    QTest::newRow("locale") << word.toLocal8Bit() << QString::fromLocal8Bit(word.toLocal8Bit());
+    QTest::newRow("utf-8 with mark") << "\xef\xbb\xbf" + word.toUtf8() << word;
+    QTest::newRow("utf-16 with mark") << QByteArray::fromHex("fffee4002d4e") << word;
+    QTest::newRow("utf-16 of the other order") << QByteArray::fromHex("feff00e44e2d") << word;
+    QTest::newRow("longest") << QByteArray(4 * 1024 * 1024, 'a') << QString(4 * 1024 * 1024, 'a');
+  }
+
+  void textFiles() {
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, text);
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write(bytes);
+    file.close();
+    QString read = "before";
+    QString reason;
+    QVERIFY(KorviaShowUtil::readTextFile(file.fileName(), read, reason));
+    QVERIFY(read == text);
+  }
+
+  void textFilesThatAreRefused() {
+    QTemporaryDir folder;
+    const QString path = folder.filePath("long.txt");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray(4 * 1024 * 1024 + 1, 'a'));
+    file.close();
+    const QByteArray fifo = QFile::encodeName(folder.filePath("fifo"));
+    QCOMPARE(mkfifo(fifo.constData(), 0600), 0);
+    const QVector<std::pair<QString, QString>> refused{{path, "longer than 4 MiB"},
+                                                       {folder.filePath("missing.txt"), "no such file"},
+                                                       {folder.path(), "is no file"},
+                                                       {folder.filePath("fifo"), "is no file"}};
+    for (const auto& [name, expected] : refused) {
+      QString text = "before";
+      QString reason;
+      QVERIFY(!KorviaShowUtil::readTextFile(name, text, reason));
+      QCOMPARE(reason, expected);
+      QCOMPARE(text, QString());
+    }
   }
 };
 

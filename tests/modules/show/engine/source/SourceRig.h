@@ -136,9 +136,11 @@ class SourceRig {
     info.movieSwitchChannel = switchChannel;
     open(info);
   }
-  void open(const tagKorviaShowSourceInfo& info) {
-    source_ = createSource(context_, info, tagKorviaFormatInfo());
+  void open(const tagKorviaShowSourceInfo& info, const tagKorviaFormatInfo& format = {}) {
+    source_ = createSource(context_, info, format);
   }
+  void open(std::shared_ptr<Source> source) { source_ = std::move(source); }
+  const SourceContext& context() const { return context_; }
   void close() {
     if (source_)
       source_->close();

@@ -17,6 +17,7 @@ class ColorSourceTest : public QObject {
     info.color = 0xFFFF0000;
     rig.open(info);
     const FrameRef frame = rig->pullFrame(1);
+    QVERIFY(!frame->hasAlpha());
     QCOMPARE(codesAt(frame, 0, 0), (QVector<int>{63, 102, 240}));
     QCOMPARE(codesAt(frame, 7, 5), (QVector<int>{63, 102, 240}));
     QVERIFY(rig->pullFrame(1) == frame);
@@ -29,7 +30,21 @@ class ColorSourceTest : public QObject {
     info.kind = SourceKindColor;
     info.color = 0x00FFFFFF;
     rig.open(info);
-    QCOMPARE(codesAt(rig->pullFrame(1), 3, 3), (QVector<int>{16, 128, 128}));
+    const FrameRef frame = rig->pullFrame(1);
+    QCOMPARE(codesAt(frame, 3, 3), (QVector<int>{16, 128, 128}));
+    QVERIFY(frame->hasAlpha());
+    QCOMPARE(int(frame->plane(Frame::A)[3 * frame->stride(Frame::A) + 7]), 0);
+  }
+
+  void halfTransparentColorIsPremultiplied() {
+    SourceRig rig({8, 6});
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindColor;
+    info.color = 0x80FFFFFF;
+    rig.open(info);
+    const FrameRef frame = rig->pullFrame(1);
+    QCOMPARE(codesAt(frame, 3, 3), (QVector<int>{126, 128, 128}));
+    QCOMPARE(int(frame->plane(Frame::A)[5 * frame->stride(Frame::A) + 7]), 128);
   }
 
   void bars_data() {
@@ -37,7 +52,7 @@ class ColorSourceTest : public QObject {
     QTest::addColumn<int>("height");
     QTest::newRow("hd") << 1920 << 1080;
     QTest::newRow("uneven") << 1280 << 721;
-    QTest::newRow("small") << 15 << 5;
+    QTest::newRow("small") << 17 << 5;
     QTest::newRow("tiny") << 2 << 2;
   }
 
@@ -50,13 +65,35 @@ class ColorSourceTest : public QObject {
     info.colorBar = 1;
     rig.open(info);
     const FrameRef frame = rig->pullFrame(1);
-    QCOMPARE(codesAt(frame, width - 1, height - 1), (QVector<int>{28, 212, 120}));
-    if (width < 14)
+    QVERIFY(!frame->hasAlpha());
+    QCOMPARE(codesAt(frame, width - 1, height - 1), (QVector<int>{16, 128, 128}));
+    if (width < 16)
       return;
-    const QVector<int> expected[7] = {{180, 128, 128}, {168, 44, 136}, {145, 147, 44}, {133, 63, 52},
-                                      {63, 193, 204},  {51, 109, 212}, {28, 212, 120}};
-    for (int i = 0; i < 7; ++i)
-      QCOMPARE(codesAt(frame, width * i / 7 / 2 * 2, height / 2), expected[i]);
+    const QVector<int> expected[8] = {{235, 128, 128}, {168, 44, 136}, {145, 147, 44}, {133, 63, 52},
+                                      {63, 193, 204},  {51, 109, 212}, {28, 212, 120}, {16, 128, 128}};
+    for (int i = 0; i < 8; ++i) {
+      QCOMPARE(codesAt(frame, width * i / 8 / 2 * 2, height / 2), expected[i]);
+      if (i < 7)
+        QCOMPARE(codesAt(frame, width * (i + 1) / 8 / 2 * 2 - 1, height / 2), expected[i]);
+    }
+  }
+
+  void barsAreTheColorsOfBt709() {
+    SourceRig rig({64, 36});
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindColor;
+    info.colorBar = 1;
+    rig.open(info);
+    const FrameRef frame = rig->pullFrame(1);
+    const double colors[8][3] = {{1, 1, 1},     {.75, .75, 0}, {0, .75, .75}, {0, .75, 0},
+                                 {.75, 0, .75}, {.75, 0, 0},   {0, 0, .75},   {0, 0, 0}};
+    for (int i = 0; i < 8; ++i) {
+      const auto [r, g, b] = colors[i];
+      const double luma = 0.2126 * r + 0.7152 * g + 0.0722 * b;
+      const QVector<int> codes{qRound(16 + 219 * luma), qRound(128 + 224 * (b - luma) / 1.8556),
+                               qRound(128 + 224 * (r - luma) / 1.5748)};
+      QCOMPARE(codesAt(frame, i * 8 + 4, 18), codes);
+    }
   }
 
   void buttonsChangeTheStateAlone() {

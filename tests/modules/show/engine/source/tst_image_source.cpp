@@ -10,7 +10,7 @@
 using namespace korvia;
 using namespace korvia::test;
 
-class StillSourceTest : public QObject {
+class ImageSourceTest : public QObject {
   Q_OBJECT
 
   QTemporaryDir folder_;
@@ -159,20 +159,6 @@ class StillSourceTest : public QObject {
     QVERIFY(isNear(codesAt(rig->pullFrame(1), 32, 18), {63, 102, 240}, 1));
   }
 
-  void firstPictureOfAnAnimation() {
-    // Two frames of one pixel, white and then black.
-    const QByteArray gif = QByteArray::fromHex(
-        "4749463839610100010080000000000"
-        "0ffffff21f90400000000002c000000000100010000020244010021f90400000000002c"
-        "0000000001000100000202"
-        "4c01003b");
-    SourceRig rig({64, 36});
-    open(rig, write(gif, "two.gif"));
-    QTRY_COMPARE(rig->getPlayState(), int(Playing));
-    QVERIFY(isNear(codesAt(rig->pullFrame(1), 32, 18), {16, 128, 128}, 1) ||
-            isNear(codesAt(rig->pullFrame(1), 32, 18), {235, 128, 128}, 1));
-  }
-
   void buttonsFollow() {
     QImage image(4, 4, QImage::Format_RGB32);
     image.fill(Qt::white);
@@ -239,5 +225,5 @@ class StillSourceTest : public QObject {
   }
 };
 
-QTEST_GUILESS_MAIN(StillSourceTest)
-#include "tst_still_source.moc"
+QTEST_GUILESS_MAIN(ImageSourceTest)
+#include "tst_image_source.moc"

@@ -1,0 +1,97 @@
+// Opens damaged files as sources and pulls pictures from them. It ends with 0 when the program has come
+// through and no file took too long. The same number is always the same file, so that a crash can be
+// repeated:
+//   ASAN_OPTIONS=detect_leaks=0 QT_QPA_PLATFORM=offscreen korvia-mutate [count [first]]
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QTemporaryDir>
+#include <QThread>
+#include <cstdio>
+
+#include "Mutation.h"
+#include "Recipes.h"
+#include "engine/source/SourceFactory.h"
+#include "engine/source/SourceThreads.h"
+
+using namespace korvia;
+using namespace korvia::test;
+
+namespace {
+
+constexpr int kDefaultCount = 60;
+constexpr qint64 kMostMs = 10'000;
+
+bool writeFile(const QString& path, const QByteArray& bytes) {
+  QFile file(path);
+  return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+/// Pulls until the source has opened or failed, then once more after each thing that an operator can do.
+void drive(Source& source) {
+  QElapsedTimer timer;
+  timer.start();
+  while (source.getPlayState() == Opening && timer.elapsed() < kMostMs) {
+    source.pullFrame(1);
+    QThread::msleep(1);
+  }
+  for (int round = 0; round < 4; ++round) {
+    for (int i = 0; i < 5; ++i)
+      source.pullFrame(3);
+    source.next();
+    source.pullFrame(200);
+    source.setPosition(round * 40);
+    source.stop();
+    source.pullFrame(1);
+    source.play();
+    QThread::msleep(1);
+  }
+  source.prev();
+  source.figures();
+}
+
+/// False when it took too long.
+bool open(const Recipe& recipe, const QString& path) {
+  QElapsedTimer timer;
+  timer.start();
+  SourceContext context;
+  context.renderSize = {160, 90};
+  tagKorviaShowSourceInfo info;
+  recipe.fill(info, path);
+  {
+    const std::shared_ptr<Source> source = createSource(context, info, tagKorviaFormatInfo());
+    drive(*source);
+    source->close();
+  }
+  return waitForClosedSources(static_cast<int>(kMostMs)) && timer.elapsed() <= kMostMs;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const QGuiApplication application(argc, argv);
+  const QStringList arguments = QGuiApplication::arguments();
+  const int count = arguments.size() > 1 ? arguments[1].toInt() : kDefaultCount;
+  const int first = arguments.size() > 2 ? arguments[2].toInt() : 0;
+  const QTemporaryDir folder;
+  int slow = 0;
+  for (int number = first; number < first + count; ++number) {
+    const Recipe& recipe = recipes()[static_cast<std::size_t>(number) % recipes().size()];
+    const QString path = folder.filePath(QStringLiteral("%1.%2").arg(number).arg(recipe.name));
+    if (!writeFile(path, mutated(recipe.make(), static_cast<unsigned>(number)))) {
+      std::fprintf(stderr, "cannot write : %s\n", qUtf8Printable(path));
+      return 2;
+    }
+    // Before it is opened, so that the last line names the file of a crash.
+    std::printf("%d %s\n", number, recipe.name);
+    std::fflush(stdout);
+    if (!open(recipe, path)) {
+      std::printf("%d %s took too long\n", number, recipe.name);
+      ++slow;
+    }
+    QFile::remove(path);
+  }
+  std::printf("%d files, %d too slow\n", count, slow);
+  std::fflush(stdout);
+  return slow == 0 ? 0 : 1;
+}
