@@ -199,6 +199,14 @@ class AnimationTest : public QObject {
     QCOMPARE(rig.durationMs(), qint64(600));
   }
 
+  void webpWithDelaysOf10Ms() {
+    AnimationRig rig;
+    rig.open(MEDIA_DIR "/quick.webp");
+    QVERIFY(rig.isPlaying());
+    // 100 ms each.
+    QTRY_COMPARE(rig.durationMs(), qint64(300));
+  }
+
   void onePictureIsAStill() {
     AnimationRig rig;
     rig.open(gif({{GifPicture::White, 4}}, 3));
