@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 
 #include "DrivePath.h"
 
@@ -25,6 +26,12 @@ bool never(const QVariant&) {
 }
 
 void ignore(const QImage&, const QVariant&) {}
+
+/// A damaged document would fill the log with a line for each of its errors.
+void silencePoppler() {
+  static std::once_flag once;
+  std::call_once(once, [] { Poppler::setDebugErrorFunction([](const QString&, const QVariant&) {}, {}); });
+}
 
 QImage drawn(const Poppler::Page& page, double scale, const std::atomic<bool>* isCancelled) {
   const double dotsPerInch = kPointsPerInch * scale;
@@ -47,6 +54,7 @@ std::unique_ptr<PdfDocument> PdfDocument::open(const QString& path, QString& rea
     reason = file.exists() ? QStringLiteral("is no file") : QStringLiteral("no such file");
     return nullptr;
   }
+  silencePoppler();
   std::unique_ptr<Poppler::Document> document(Poppler::Document::load(file.filePath()));
   if (!document) {
     reason = QStringLiteral("no pdf document, or a broken one");

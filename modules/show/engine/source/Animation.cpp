@@ -121,7 +121,7 @@ Animation::Pass Animation::decodePass(QImageReader& reader, QImage image) {
     TimedFrame frame{frameOf(image), timeNs_, mediaNs, 0};
     if (!queue_.push(std::move(frame)))
       return Pass::Interrupted;
-    ++framesDecoded_;
+    arrivals_.count();
     ++picturesInPass_;
     timeNs_ += lastsNs;
     mediaNs += lastsNs;

@@ -49,11 +49,17 @@ SourceFigures ImageSource::figures() {
   SourceFigures figures = PictureSource::figures();
   if (animation_.isAnimated()) {
     const VideoQueue::Figures ofQueue = animation_.figures();
-    figures.framesDecoded = animation_.framesDecoded();
+    figures.framesDecoded = animation_.arrivals().total();
+    figures.framesPerSecond = animation_.arrivals().perSecond();
     figures.framesHeld = ofQueue.missed;
     figures.framesSkipped = ofQueue.dropped;
   }
   return figures;
+}
+
+void ImageSource::getState(tagKorviaSourceLinkState& state) {
+  PictureSource::getState(state);
+  state.rate = animation_.arrivals().perSecond();
 }
 
 void ImageSource::play() {

@@ -18,6 +18,7 @@ class ImageSource final : public PictureSource {
   void close() override;
   SourceFigures figures() override;
 
+  void getState(tagKorviaSourceLinkState& state) override;
   void play() override;
   void stop() override;
   void pause() override;

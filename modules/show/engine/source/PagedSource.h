@@ -17,6 +17,7 @@ class PagedSource : public PictureSource {
   FrameRef pullFrame(int ticks) override;
   void close() override;
 
+  /// Stays at the item, and begins its time anew.
   void stop() override;
   void setHold(bool hold) override { hold_ = hold; }
   /// Act in every state, and on hold too.

@@ -199,6 +199,27 @@ class AnimationTest : public QObject {
     QCOMPARE(rig.durationMs(), qint64(600));
   }
 
+  void rateIsThatOfTheDecodedPictures() {
+    AnimationRig rig;
+    rig.open(gif({{GifPicture::White, 4}, {GifPicture::Black, 4}}));
+    tagKorviaSourceLinkState state;
+    QTRY_VERIFY(rig->pullFrame(1) && rig->figures().framesPerSecond > 0);
+    rig->getState(state);
+    QVERIFY(state.rate > 0);
+    rig->pause();
+    QTRY_COMPARE(rig->figures().framesPerSecond, 0.0f);
+    rig->getState(state);
+    QCOMPARE(state.rate, 0.0f);
+  }
+
+  void webpWithDelaysOf10Ms() {
+    AnimationRig rig;
+    rig.open(MEDIA_DIR "/quick.webp");
+    QVERIFY(rig.isPlaying());
+    // 100 ms each.
+    QTRY_COMPARE(rig.durationMs(), qint64(300));
+  }
+
   void onePictureIsAStill() {
     AnimationRig rig;
     rig.open(gif({{GifPicture::White, 4}}, 3));

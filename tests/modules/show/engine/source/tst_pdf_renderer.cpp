@@ -86,6 +86,20 @@ class PdfRendererTest : public QObject {
     QCOMPARE(told, reason);
   }
 
+  void errorsInADocumentDoNotFillTheLog() {
+    static std::atomic<int> lines;
+    lines = 0;
+    const QtMessageHandler previous =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++lines; });
+    PdfRenderer renderer(file("damaged.pdf", pdfBytes({"nonsense " + pdfGrey(1)}, {100, 100})), 60'000);
+    QString reason;
+    renderer.open(reason);
+    const QImage page = renderer.page(0, {64, 64}, reason);
+    qInstallMessageHandler(previous);
+    QCOMPARE(page.pixelColor(32, 32), QColor(Qt::white));
+    QCOMPARE(lines.load(), 0);
+  }
+
   void mostPages() {
     PdfRenderer renderer(file("many.pdf", pdfBytes(QVector<QByteArray>(2100, "0 g"), {10, 10})), 60'000);
     QString reason;
