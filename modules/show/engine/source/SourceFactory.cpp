@@ -30,6 +30,7 @@ struct KindEntry {
 
 constexpr KindEntry kKinds[] = {
     {SourceKindMovie, make<FilmSource>},
+    {SourceKindMovieList, make<FilmSource>},
     {SourceKindImage, openStill},
     {SourceKindColor, make<ColorSource>},
 };

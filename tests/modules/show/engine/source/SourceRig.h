@@ -136,6 +136,15 @@ class SourceRig {
     info.movieSwitchChannel = switchChannel;
     open(info);
   }
+  void openFilmList(const QStringList& paths, KorviaShowEndAction endAction = EndActionLoop,
+                    int switchChannel = 0) {
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindMovieList;
+    info.movieList = paths;
+    info.listEndAction = endAction;
+    info.listSwitchChannel = switchChannel;
+    open(info);
+  }
   void open(const tagKorviaShowSourceInfo& info) {
     source_ = createSource(context_, info, tagKorviaFormatInfo());
   }
@@ -182,6 +191,14 @@ class SourceRig {
   /// The picture of the last tick of tickUntil.
   const FrameRef& last() const { return last_; }
 
+  bool tickUntilPicture(int number) {
+    return tickUntil([&] { return numberIn(last_) == number; });
+  }
+  QString failureReason() {
+    tagKorviaSourceLinkState state;
+    source_->getState(state);
+    return state.reason;
+  }
   qint64 position() {
     qint64 value = -1;
     source_->getPosition(value);
