@@ -363,4 +363,9 @@ FrameSize FilmDecoder::pictureSize() const {
   return pictureSize_;
 }
 
+std::int64_t FilmDecoder::frameDurationNs() const {
+  MutexLock lock(timelineMutex_);
+  return frameDurationNs_;
+}
+
 }  // namespace korvia

@@ -113,6 +113,8 @@ class FilmDecoder : private FilmPipelineListener {
   /// 0 when unknown.
   std::int64_t durationNs() const { return durationNs_; }
   FrameSize pictureSize() const;
+  /// The duration of a picture by the film's frame rate; 0 before the first picture.
+  std::int64_t frameDurationNs() const;
 
  private:
   // FilmPipelineListener

@@ -70,7 +70,11 @@ SourceFigures FilmSource::figures() {
 }
 
 void FilmSource::getState(tagKorviaSourceLinkState& state) {
-  state.rate = transport_->arrivals().perSecond();
+  const auto playState = static_cast<KorviaShowPlayState>(getPlayState());
+  // On hold the decoder waits as on pause.
+  const bool waits = held_ && playState == Playing;
+  state.rate =
+      linkRate(waits ? Paused : playState, transport_->arrivals().perSecond(), transport_->nominalRate());
   state.reason = transport_->failureReason();
   state.pictureDuration = transport_->pictureDurationNs() / kTenthMsNs;
 }
@@ -88,6 +92,7 @@ void FilmSource::pause() {
 }
 
 void FilmSource::setHold(bool hold) {
+  held_ = hold;
   transport_->setHold(hold);
 }
 

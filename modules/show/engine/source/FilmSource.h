@@ -46,6 +46,7 @@ class FilmSource final : public Source {
   const std::shared_ptr<FilmTransport> transport_;
   quint64 thread_ = 0;
   bool closed_ = false;
+  bool held_ = false;
 };
 
 }  // namespace korvia

@@ -6,12 +6,21 @@
 
 namespace korvia {
 
+namespace {
+
+float rateOf(std::int64_t frameDurationNs) {
+  return 1e9F / static_cast<float>(frameDurationNs);
+}
+
+}  // namespace
+
 FilmTransport::FilmTransport(const SourceContext& context, const FilmSequence& sequence,
                              std::optional<int> switchChannel)
     : context_(context),
       switchChannel_(switchChannel),
       clock_(context.rate),
       queue_(clock_),
+      nominalRate_(rateOf(context.rate.nsOf(1))),
       sequence_(sequence) {}
 
 FilmTransport::~FilmTransport() = default;
@@ -208,6 +217,8 @@ void FilmTransport::publishFacts() {
   pictureHeight_ = size.height;
   durationNs_ = present_->durationNs();
   filmIndex_ = sequence_.index();
+  const std::int64_t frameDurationNs = present_->frameDurationNs();
+  nominalRate_ = rateOf(frameDurationNs > 0 ? frameDurationNs : context_.rate.nsOf(1));
 }
 
 void FilmTransport::handleEndOfStream(FilmDecoder& film) {

@@ -55,6 +55,8 @@ class FilmTransport : public FilmEventSink {
   std::int64_t positionNs() const { return positionNs_; }
   /// Of the picture on show; until the next picture is known, of the picture before it.
   std::int64_t pictureDurationNs() const { return pictureDurationNs_; }
+  /// Pictures a second by the frame rate of the film; that of the show while the film's is unknown.
+  float nominalRate() const { return nominalRate_; }
   FrameSize pictureSize() const { return {pictureWidth_, pictureHeight_}; }
   std::int64_t framesShown() const { return framesShown_; }
   std::int64_t framesHeld() const { return framesHeld_; }
@@ -117,6 +119,7 @@ class FilmTransport : public FilmEventSink {
   std::atomic<int> pictureWidth_{0};
   std::atomic<int> pictureHeight_{0};
   std::atomic<int> filmIndex_{0};
+  std::atomic<float> nominalRate_;
   int shownFilm_ = 0;  // engine thread
 
   mutable Mutex mutex_;

@@ -27,11 +27,19 @@ struct SourceContext {
   IKorviaShowEngineSink* sink = nullptr;
 };
 
+/// The rate for getState(): what arrives, or the nominal rate while nothing is meant to arrive or the source
+/// still opens. The restart watchdog starts a source whose rate is too low, and must leave such a source
+/// alone.
+inline float linkRate(KorviaShowPlayState state, float received, float nominal) {
+  return state == Opening || state == Paused || state == Stopped ? nominal : received;
+}
+
 struct SourceFigures {
   QString description;
   qint64 framesDecoded = 0;
-  qint64 framesHeld = 0;     ///< ticks without a new picture while playing
-  qint64 framesSkipped = 0;  ///< pictures that were never shown, because another one was due in the same tick
+  qint64 framesHeld = 0;  ///< ticks without a new picture while playing
+  /// Pictures that were never shown, because another one was due in the same tick.
+  qint64 framesSkipped = 0;
   float framesPerSecond = 0;
 };
 

@@ -194,6 +194,11 @@ class SourceRig {
   bool tickUntilPicture(int number) {
     return tickUntil([&] { return numberIn(last_) == number; });
   }
+  float linkRate() {
+    tagKorviaSourceLinkState state;
+    source_->getState(state);
+    return state.rate;
+  }
   QString failureReason() {
     tagKorviaSourceLinkState state;
     source_->getState(state);

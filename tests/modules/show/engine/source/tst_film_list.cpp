@@ -237,6 +237,7 @@ class FilmListTest : public QObject {
     QVERIFY(!rig.failureReason().isEmpty());
     QVERIFY(log.lines().last().endsWith(" : " + rig.failureReason()));
     QVERIFY(!rig->pullFrame(1));
+    QCOMPARE(rig.linkRate(), 0.0F);
     // Each button is another attempt.
     rig->prev();
     QTRY_COMPARE(log.lines().size(), 6);

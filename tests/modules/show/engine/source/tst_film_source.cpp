@@ -333,6 +333,32 @@ class FilmSourceTest : public QObject {
     QCOMPARE(numberIn(rig->pullFrame(1)), 49);
   }
 
+  void atRestItTellsTheRateThatPlayWillBring() {
+    SourceRig rig;
+    rig.openFilm(clip("clip24.mkv"), EndActionStop);
+    QVERIFY(rig.tickUntilPicture(3));
+    const auto nothingArrives = [&rig] { return rig->figures().framesPerSecond == 0; };
+    rig->pause();
+    QTRY_COMPARE(rig->getPlayState(), int(Paused));
+    QTRY_VERIFY(nothingArrives());
+    QVERIFY(qAbs(rig.linkRate() - 24) < 0.01);
+    rig->stop();
+    QVERIFY(rig.tickUntil(Stopped));
+    QTRY_VERIFY(nothingArrives());
+    QVERIFY(qAbs(rig.linkRate() - 24) < 0.01);
+    rig->setHold(true);
+    rig->play();
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QTRY_VERIFY(nothingArrives());
+    QVERIFY(qAbs(rig.linkRate() - 24) < 0.01);
+    rig->setHold(false);
+    QVERIFY(rig.tickUntil(Ended));
+    QTRY_VERIFY(nothingArrives());
+    QCOMPARE(rig.linkRate(), 0.0F);
+    rig.close();
+    QCOMPARE(rig.linkRate(), 0.0F);
+  }
+
   void holdFreezesWithoutPausing() {
     SourceRig rig;
     rig.openFilm(clip("long.mp4"));
