@@ -40,7 +40,9 @@ struct SourceFigures {
   qint64 framesHeld = 0;  ///< ticks without a new picture while playing
   /// Pictures that were never shown, because another one was due in the same tick.
   qint64 framesSkipped = 0;
-  float framesPerSecond = 0;
+  float framesPerSecond = 0;     ///< pictures that arrive
+  float samplesPerSecond = 0;    ///< sound that arrives, in samples of one channel
+  qint64 videoAudioDriftMs = 0;  ///< time stamp of the picture less that of the sound
 };
 
 class Source : public IKorviaShowSource {
