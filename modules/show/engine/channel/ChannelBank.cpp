@@ -40,6 +40,7 @@ IKorviaShowSource* ChannelBank::openSource(KorviaShowObjectID id, const tagKorvi
   SourceContext context;
   context.id = slot == kKaraokeSlot ? KaraokeObject : static_cast<KorviaShowObjectID>(MediaChannel + slot);
   context.sink = sink;
+  context.refillTurns = refillTurns_;
   {
     MutexLock lock(formatMutex_);
     context.renderSize = format_.size;

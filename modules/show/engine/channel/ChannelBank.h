@@ -56,6 +56,7 @@ class ChannelBank final : public ChannelPictures {
   FrameRef inRenderSize(FrameRef picture);
 
   Janitor& janitor_;
+  const std::shared_ptr<RefillTurns> refillTurns_ = std::make_shared<RefillTurns>();
   Mutex formatMutex_;
   ShowFormat format_ GUARDED_BY(formatMutex_);
   SourceSet sources_;

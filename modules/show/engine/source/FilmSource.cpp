@@ -65,6 +65,7 @@ SourceFigures FilmSource::figures() {
   figures.framesDecoded = transport_->arrivals().total();
   figures.framesHeld = transport_->framesHeld();
   figures.framesSkipped = transport_->framesSkipped();
+  figures.framesQueued = transport_->framesQueued();
   figures.framesPerSecond = transport_->arrivals().perSecond();
   return figures;
 }

@@ -19,7 +19,7 @@ FilmTransport::FilmTransport(const SourceContext& context, const FilmSequence& s
     : context_(context),
       switchChannel_(switchChannel),
       clock_(context.rate),
-      queue_(clock_),
+      queue_(clock_, {}, context.refillTurns.get()),
       nominalRate_(rateOf(context.rate.nsOf(1))),
       sequence_(sequence) {}
 

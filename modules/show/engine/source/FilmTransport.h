@@ -61,6 +61,7 @@ class FilmTransport : public FilmEventSink {
   std::int64_t framesShown() const { return framesShown_; }
   std::int64_t framesHeld() const { return framesHeld_; }
   std::int64_t framesSkipped() const { return queue_.figures().dropped; }
+  int framesQueued() const { return queue_.size(); }
   const RateMeter& arrivals() const { return arrivals_; }
 
  private:

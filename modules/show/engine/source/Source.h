@@ -10,6 +10,7 @@
 #include "FrameRate.h"
 #include "IKorviaShowEngineSink.h"
 #include "IKorviaShowSource.h"
+#include "RefillTurns.h"
 #include "engine/frame/Frame.h"
 #include "tagKorviaShowSourceInfo.h"
 
@@ -23,6 +24,8 @@ struct SourceContext {
   KorviaShowObjectID id = SourceObject;
   FrameSize renderSize;
   FrameRate rate;  ///< of the render
+  /// Shared by all films of the show; null for a film that decodes when it likes.
+  std::shared_ptr<RefillTurns> refillTurns;
   /// May be null. Its onSourceNotify may be called from any thread of the source.
   IKorviaShowEngineSink* sink = nullptr;
 };
@@ -37,7 +40,8 @@ inline float linkRate(KorviaShowPlayState state, float received, float nominal) 
 struct SourceFigures {
   QString description;
   qint64 framesDecoded = 0;
-  qint64 framesHeld = 0;  ///< ticks without a new picture while playing
+  qint64 framesQueued = 0;  ///< pictures that wait to be shown
+  qint64 framesHeld = 0;    ///< ticks without a new picture while playing
   /// Pictures that were never shown, because another one was due in the same tick.
   qint64 framesSkipped = 0;
   float framesPerSecond = 0;     ///< pictures that arrive

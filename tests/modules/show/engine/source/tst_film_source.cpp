@@ -333,6 +333,25 @@ class FilmSourceTest : public QObject {
     QCOMPARE(numberIn(rig->pullFrame(1)), 49);
   }
 
+  void isDecodedFarAheadInSteadyPlayAndLessNearTheEnd() {
+    SourceRig rig;
+    rig.openFilm(clip("long.mp4"), EndActionStop);
+    const auto queued = [&rig] { return rig->figures().framesQueued; };
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QTRY_COMPARE(queued(), qint64(5));
+    QVERIFY(rig.tickUntil([&] { return queued() == 8; }));
+    rig->pause();
+    QTRY_COMPARE(rig->getPlayState(), int(Paused));
+    rig->setPosition(97);
+    QVERIFY(rig.tickUntilPicture(485));
+    rig->play();
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    for (int i = 0; i < 5; ++i) {
+      rig.tick();
+      QTRY_COMPARE(queued(), qint64(5));
+    }
+  }
+
   void atRestItTellsTheRateThatPlayWillBring() {
     SourceRig rig;
     rig.openFilm(clip("clip24.mkv"), EndActionStop);
