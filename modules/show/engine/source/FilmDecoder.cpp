@@ -75,7 +75,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
   FrameRef frame = maker_.make(sample);
   if (!frame)
     return;
-  outlet_.arrivals.count();
+  ++outlet_.framesDecoded;
   if (!waitForTurn())
     return;
   int segmentNumber = 0;

@@ -11,7 +11,6 @@
 #include <optional>
 
 #include "FilmPipeline.h"
-#include "RateMeter.h"
 #include "Source.h"
 #include "StreamTimeline.h"
 #include "ThreadSafety.h"
@@ -55,7 +54,7 @@ class FilmDecoder : private FilmPipelineListener {
   struct Outlet {
     MediaClock& clock;
     VideoQueue& queue;
-    RateMeter& arrivals;
+    std::atomic<std::int64_t>& framesDecoded;
     FilmEventSink& sink;
   };
   /// Whether pictures go into the queue at once or wait for admit().

@@ -62,11 +62,11 @@ SourceFigures FilmSource::figures() {
     figures.description += QStringLiteral(" (%1/%2)").arg(getItemIndex() + 1).arg(getItemCount());
   if (!size.isEmpty())
     figures.description += QStringLiteral(", %1 x %2").arg(size.width).arg(size.height);
-  figures.framesDecoded = transport_->arrivals().total();
+  figures.framesDecoded = transport_->framesDecoded();
   figures.framesHeld = transport_->framesHeld();
   figures.framesSkipped = transport_->framesSkipped();
   figures.framesQueued = transport_->framesQueued();
-  figures.framesPerSecond = transport_->arrivals().perSecond();
+  figures.framesPerSecond = transport_->framesPerSecond();
   return figures;
 }
 
@@ -74,8 +74,7 @@ void FilmSource::getState(tagKorviaSourceLinkState& state) {
   const auto playState = static_cast<KorviaShowPlayState>(getPlayState());
   // On hold the decoder waits as on pause.
   const bool waits = held_ && playState == Playing;
-  state.rate =
-      linkRate(waits ? Paused : playState, transport_->arrivals().perSecond(), transport_->nominalRate());
+  state.rate = linkRate(waits ? Paused : playState, transport_->framesPerSecond(), transport_->nominalRate());
   state.reason = transport_->failureReason();
   state.pictureDuration = transport_->pictureDurationNs() / kTenthMsNs;
 }

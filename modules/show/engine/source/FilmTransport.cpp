@@ -74,6 +74,7 @@ void FilmTransport::setFailureReason(const QString& reason) {
 FrameRef FilmTransport::pull(int ticks) {
   VideoQueue::Pull pulled = queue_.pull(clock_.advance(ticks));
   if (pulled.fresh) {
+    arrivals_.count(pulled.taken);
     positionNs_ = std::max<std::int64_t>(0, pulled.mediaNs);
     ++framesShown_;
     if (std::exchange(shownFilm_, pulled.film) != pulled.film)
@@ -151,7 +152,7 @@ std::optional<FilmDecoder::Clock::time_point> FilmTransport::nextDeadline() cons
 }
 
 std::unique_ptr<FilmDecoder> FilmTransport::makeFilm(const QString& path, FilmDecoder::Admission admission) {
-  const FilmDecoder::Outlet outlet{clock_, queue_, arrivals_, *this};
+  const FilmDecoder::Outlet outlet{clock_, queue_, framesDecoded_, *this};
   return std::make_unique<FilmDecoder>(context_, path, ++lastNumber_, outlet, admission);
 }
 

@@ -62,7 +62,10 @@ class FilmTransport : public FilmEventSink {
   std::int64_t framesHeld() const { return framesHeld_; }
   std::int64_t framesSkipped() const { return queue_.figures().dropped; }
   int framesQueued() const { return queue_.size(); }
-  const RateMeter& arrivals() const { return arrivals_; }
+  std::int64_t framesDecoded() const { return framesDecoded_; }
+  /// Pictures that leave the queue, shown or skipped. They come one by one, where those of the decoder come
+  /// in bursts.
+  float framesPerSecond() const { return arrivals_.perSecond(); }
 
  private:
   struct Request {
@@ -115,6 +118,7 @@ class FilmTransport : public FilmEventSink {
   std::atomic<std::int64_t> durationNs_{0};
   std::atomic<std::int64_t> positionNs_{0};
   std::atomic<std::int64_t> pictureDurationNs_{0};
+  std::atomic<std::int64_t> framesDecoded_{0};
   std::atomic<std::int64_t> framesShown_{0};
   std::atomic<std::int64_t> framesHeld_{0};
   std::atomic<int> pictureWidth_{0};

@@ -176,6 +176,7 @@ void VideoQueue::take(Pull& result) {
   replaced_.push_back(std::exchange(shown_, std::move(queue_.front())));
   queue_.erase(queue_.begin());
   result.fresh = true;
+  ++result.taken;
 }
 
 void VideoQueue::settleBias(const Pull& result, bool skipped) {

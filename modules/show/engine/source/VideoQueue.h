@@ -50,6 +50,7 @@ class VideoQueue {
     /// The duration of the picture on show; 0 while neither the next picture nor the end is known.
     std::int64_t durationNs = 0;
     bool fresh = false;    ///< another picture than at the last call
+    int taken = 0;         ///< pictures that left the queue, shown or skipped
     bool missed = false;   ///< playing, and the picture that is due has not come
     bool drained = false;  ///< the end was reached at this call
   };

@@ -46,9 +46,14 @@ class TransportRig {
     return shown;
   }
   bool tickUntil(int number) {
-    for (int i = 0; i < 1'000; ++i) {
-      if (tick() == number)
+    const auto give = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    for (int last = -1; std::chrono::steady_clock::now() < give;) {
+      const int shown = tick();
+      if (shown == number)
         return true;
+      // What stands still waits for a command to be carried out.
+      if (std::exchange(last, shown) == shown)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return false;
   }

@@ -210,8 +210,10 @@ class VideoQueueTest : public QObject {
     for (int i = 0; i < 8; ++i)
       queue.push(picture(i, i * 40 * kMs));
     queue.setPlaying(true);
-    QCOMPARE(numberOf(queue.pull(1)), 0);
-    QCOMPARE(numberOf(queue.pull(3)), 3);
+    QCOMPARE(queue.pull(1).taken, 1);
+    const VideoQueue::Pull late = queue.pull(3);
+    QCOMPARE(numberOf(late), 3);
+    QCOMPARE(late.taken, 3);
     QCOMPARE(numberOf(queue.pull(1)), 4);
   }
 
