@@ -16,6 +16,16 @@ constexpr int kSourceEndMs = 3000;
 
 }  // namespace
 
+tagKorviaShowSourceStatisticsItem statisticsOf(const SourceFigures& figures) {
+  constexpr float kMsPerSecond = 1000;
+  tagKorviaShowSourceStatisticsItem item;
+  item.description = figures.description;
+  item.videoRate = figures.framesPerSecond / kMsPerSecond;
+  item.audioRate = figures.samplesPerSecond / kMsPerSecond;
+  item.videoAudioDrift = figures.videoAudioDriftMs;
+  return item;
+}
+
 ChannelBank::~ChannelBank() {
   closeSources();
 }
@@ -30,6 +40,7 @@ IKorviaShowSource* ChannelBank::openSource(KorviaShowObjectID id, const tagKorvi
   SourceContext context;
   context.id = slot == kKaraokeSlot ? KaraokeObject : static_cast<KorviaShowObjectID>(MediaChannel + slot);
   context.sink = sink;
+  context.refillTurns = refillTurns_;
   {
     MutexLock lock(formatMutex_);
     context.renderSize = format_.size;
@@ -65,13 +76,8 @@ void ChannelBank::getSourceState(KorviaShowObjectID id, tagKorviaSourceState& st
 
 void ChannelBank::getSourceState(tagKorviaShowSourceStatisticsItem* items) {
   for (int slot = 0; slot < kMediaChannelMax; ++slot) {
-    items[slot] = {};
     const std::shared_ptr<Source> source = sources_.at(slot);
-    if (!source)
-      continue;
-    const SourceFigures figures = source->figures();
-    items[slot].description = figures.description;
-    items[slot].videoRate = figures.framesPerSecond / 1000;
+    items[slot] = source ? statisticsOf(source->figures()) : tagKorviaShowSourceStatisticsItem();
   }
 }
 

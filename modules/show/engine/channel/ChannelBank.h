@@ -16,6 +16,9 @@
 
 namespace korvia {
 
+/// What the console is told of a source with these figures.
+tagKorviaShowSourceStatisticsItem statisticsOf(const SourceFigures& figures);
+
 class ChannelBank final : public ChannelPictures {
  public:
   /// The janitor destroys closed sources, because that may take time.
@@ -30,7 +33,7 @@ class ChannelBank final : public ChannelPictures {
   void closeSource(KorviaShowObjectID id);
   IKorviaShowSource* getSource(KorviaShowObjectID id);
   void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state);
-  /// `items`: one for each of the eight media channels.
+  /// `items`: one for each of the eight media channels; that of a channel without a source is emptied.
   void getSourceState(tagKorviaShowSourceStatisticsItem* items);
   /// Adds the held and skipped pictures of all open sources.
   void getFigures(tagKorviaShowEngineFigures& figures);
@@ -53,6 +56,7 @@ class ChannelBank final : public ChannelPictures {
   FrameRef inRenderSize(FrameRef picture);
 
   Janitor& janitor_;
+  const std::shared_ptr<RefillTurns> refillTurns_ = std::make_shared<RefillTurns>();
   Mutex formatMutex_;
   ShowFormat format_ GUARDED_BY(formatMutex_);
   SourceSet sources_;

@@ -16,6 +16,8 @@ constexpr std::chrono::seconds kSeekTimeout{1};
 // The next film is opened this long before the end. Opening takes part of a second on a busy machine, and a
 // decoder that waits holds one picture only.
 constexpr std::int64_t kOpenAheadNs = 5 * kSecondNs;
+// The queue is kept full this long before the end, for the seam.
+constexpr std::int64_t kFullBeforeEndNs = kSecondNs;
 constexpr int kMostEmptySegments = 2;
 
 std::optional<std::int64_t> known(GstClockTime time) {
@@ -73,7 +75,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
   FrameRef frame = maker_.make(sample);
   if (!frame)
     return;
-  outlet_.arrivals.count();
+  ++outlet_.framesDecoded;
   if (!waitForTurn())
     return;
   int segmentNumber = 0;
@@ -92,6 +94,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
     placed = place(std::move(frame), ptsNs, durationNs);
     nearEnd = !nearEnd_ && durationNs_ > 0 && placed.mediaNs + kOpenAheadNs >= durationNs_;
     nearEnd_ = nearEnd_ || nearEnd;
+    placed.endIsFar = placed.mediaNs + kFullBeforeEndNs < durationNs_;
   }
   // The event is sent before the push, because the push waits while the film is paused at the seam of a loop.
   if (first)
@@ -361,6 +364,11 @@ std::int64_t FilmDecoder::endNs() const {
 FrameSize FilmDecoder::pictureSize() const {
   MutexLock lock(timelineMutex_);
   return pictureSize_;
+}
+
+std::int64_t FilmDecoder::frameDurationNs() const {
+  MutexLock lock(timelineMutex_);
+  return frameDurationNs_;
 }
 
 }  // namespace korvia

@@ -11,7 +11,6 @@
 #include <optional>
 
 #include "FilmPipeline.h"
-#include "RateMeter.h"
 #include "Source.h"
 #include "StreamTimeline.h"
 #include "ThreadSafety.h"
@@ -55,7 +54,7 @@ class FilmDecoder : private FilmPipelineListener {
   struct Outlet {
     MediaClock& clock;
     VideoQueue& queue;
-    RateMeter& arrivals;
+    std::atomic<std::int64_t>& framesDecoded;
     FilmEventSink& sink;
   };
   /// Whether pictures go into the queue at once or wait for admit().
@@ -113,6 +112,8 @@ class FilmDecoder : private FilmPipelineListener {
   /// 0 when unknown.
   std::int64_t durationNs() const { return durationNs_; }
   FrameSize pictureSize() const;
+  /// The duration of a picture by the film's frame rate; 0 before the first picture.
+  std::int64_t frameDurationNs() const;
 
  private:
   // FilmPipelineListener

@@ -12,34 +12,31 @@ namespace {
 // The interface counts in tenths of a millisecond.
 constexpr std::int64_t kTenthMsNs = 100'000;
 
-class SingleFilm final : public FilmSequence {
- public:
-  SingleFilm(const QString& path, bool loops) : path_(path), loops_(loops) {}
-
-  QString present() const override { return path_; }
-  QString following(int) const override { return loops_ ? path_ : QString(); }
-  void advance(int) override {}
-
- private:
-  const QString path_;
-  const bool loops_;
-};
+QStringList pathsOf(const tagKorviaShowSourceInfo& info) {
+  QStringList paths;
+  for (const QString& path : info.kind == SourceKindMovieList ? info.movieList : QStringList(info.moviePath))
+    paths << DrivePath::resolve(path);
+  return paths;
+}
 
 std::shared_ptr<FilmTransport> makeTransport(const SourceContext& context,
-                                             const tagKorviaShowSourceInfo& info) {
-  const bool switches = info.movieEndAction == EndActionStopAndSwitch;
-  const bool loops = info.movieEndAction != EndActionStop && !switches;
-  return std::make_shared<FilmTransport>(
-      context, std::make_unique<SingleFilm>(DrivePath::resolve(info.moviePath), loops),
-      switches ? std::optional<int>(info.movieSwitchChannel) : std::nullopt);
+                                             const tagKorviaShowSourceInfo& info, const QStringList& paths) {
+  const bool isList = info.kind == SourceKindMovieList;
+  const int endAction = isList ? info.listEndAction : info.movieEndAction;
+  const int switchChannel = isList ? info.listSwitchChannel : info.movieSwitchChannel;
+  const bool switches = endAction == EndActionStopAndSwitch;
+  const bool stops = endAction == EndActionStop || switches;
+  const auto afterLast = stops ? FilmSequence::AfterLast::Nothing : FilmSequence::AfterLast::First;
+  return std::make_shared<FilmTransport>(context, FilmSequence(paths, afterLast),
+                                         switches ? std::optional<int>(switchChannel) : std::nullopt);
 }
 
 }  // namespace
 
 FilmSource::FilmSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
                        const tagKorviaFormatInfo& format)
-    : Source(context, info, format), transport_(makeTransport(context, info)) {
-  thread_ = startSourceThread(info.moviePath, [transport = transport_] { transport->run(); });
+    : Source(context, info, format), paths_(pathsOf(info)), transport_(makeTransport(context, info, paths_)) {
+  thread_ = startSourceThread(paths_.value(0), [transport = transport_] { transport->run(); });
 }
 
 FilmSource::~FilmSource() {
@@ -60,18 +57,24 @@ FrameRef FilmSource::pullFrame(int ticks) {
 SourceFigures FilmSource::figures() {
   SourceFigures figures;
   const FrameSize size = transport_->pictureSize();
-  const QString name = QFileInfo(info().moviePath).fileName();
-  figures.description =
-      size.isEmpty() ? name : QStringLiteral("%1, %2 x %3").arg(name).arg(size.width).arg(size.height);
-  figures.framesDecoded = transport_->arrivals().total();
+  figures.description = QFileInfo(paths_.value(getItemIndex())).fileName();
+  if (isList())
+    figures.description += QStringLiteral(" (%1/%2)").arg(getItemIndex() + 1).arg(getItemCount());
+  if (!size.isEmpty())
+    figures.description += QStringLiteral(", %1 x %2").arg(size.width).arg(size.height);
+  figures.framesDecoded = transport_->framesDecoded();
   figures.framesHeld = transport_->framesHeld();
   figures.framesSkipped = transport_->framesSkipped();
-  figures.framesPerSecond = transport_->arrivals().perSecond();
+  figures.framesQueued = transport_->framesQueued();
+  figures.framesPerSecond = transport_->framesPerSecond();
   return figures;
 }
 
 void FilmSource::getState(tagKorviaSourceLinkState& state) {
-  state.rate = transport_->arrivals().perSecond();
+  const auto playState = static_cast<KorviaShowPlayState>(getPlayState());
+  // On hold the decoder waits as on pause.
+  const bool waits = held_ && playState == Playing;
+  state.rate = linkRate(waits ? Paused : playState, transport_->framesPerSecond(), transport_->nominalRate());
   state.reason = transport_->failureReason();
   state.pictureDuration = transport_->pictureDurationNs() / kTenthMsNs;
 }
@@ -89,7 +92,18 @@ void FilmSource::pause() {
 }
 
 void FilmSource::setHold(bool hold) {
+  held_ = hold;
   transport_->setHold(hold);
+}
+
+void FilmSource::prev() {
+  if (isList())
+    transport_->post(FilmTransport::Command::Step, -1);
+}
+
+void FilmSource::next() {
+  if (isList())
+    transport_->post(FilmTransport::Command::Step, 1);
 }
 
 void FilmSource::getDuration(qint64& duration) {
@@ -117,6 +131,14 @@ void FilmSource::setPosition(qint64 position) {
 
 int FilmSource::getPlayState() {
   return closed_ ? NothingSpecial : transport_->state();
+}
+
+int FilmSource::getItemCount() {
+  return paths_.size();
+}
+
+int FilmSource::getItemIndex() {
+  return transport_->filmIndex();
 }
 
 }  // namespace korvia

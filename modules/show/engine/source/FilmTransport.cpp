@@ -8,32 +8,37 @@ namespace korvia {
 
 namespace {
 
-// The sequence ends after this many films in a row that cannot be opened.
-constexpr int kMostSkipped = 16;
+float rateOf(std::int64_t frameDurationNs) {
+  return 1e9F / static_cast<float>(frameDurationNs);
+}
 
 }  // namespace
 
-FilmTransport::FilmTransport(const SourceContext& context, std::unique_ptr<FilmSequence> sequence,
+FilmTransport::FilmTransport(const SourceContext& context, const FilmSequence& sequence,
                              std::optional<int> switchChannel)
     : context_(context),
-      sequence_(std::move(sequence)),
       switchChannel_(switchChannel),
       clock_(context.rate),
-      queue_(clock_) {}
+      queue_(clock_, {}, context.refillTurns.get()),
+      nominalRate_(rateOf(context.rate.nsOf(1))),
+      sequence_(sequence) {}
 
 FilmTransport::~FilmTransport() = default;
 
 // Console thread.
 
-void FilmTransport::post(Command command, double percent) {
+void FilmTransport::post(Command command, double value) {
   {
     MutexLock lock(mutex_);
-    const bool seek = command == Command::Seek;
-    if (seek && !requests_.empty() && requests_.back().command == Command::Seek)
-      requests_.pop_back();
     if (command == Command::Stop)
-      requests_.clear();
-    requests_.push_back({command, percent});
+      std::erase_if(requests_, [](const Request& request) { return request.command != Command::Step; });
+    const bool repeats = !requests_.empty() && requests_.back().command == command;
+    if (repeats && command == Command::Seek)
+      requests_.back().value = value;
+    else if (repeats && command == Command::Step)
+      requests_.back().value += value;
+    else
+      requests_.push_back({command, value});
   }
   wake_.notify_one();
 }
@@ -69,6 +74,7 @@ void FilmTransport::setFailureReason(const QString& reason) {
 FrameRef FilmTransport::pull(int ticks) {
   VideoQueue::Pull pulled = queue_.pull(clock_.advance(ticks));
   if (pulled.fresh) {
+    arrivals_.count(pulled.taken);
     positionNs_ = std::max<std::int64_t>(0, pulled.mediaNs);
     ++framesShown_;
     if (std::exchange(shownFilm_, pulled.film) != pulled.film)
@@ -99,7 +105,7 @@ void FilmTransport::onFilmEvent(FilmEvent event) {
 // Control thread.
 
 void FilmTransport::run() {
-  present_ = makeFilm(sequence_->present(), FilmDecoder::Admission::AtOnce);
+  openPresent();
   while (!closing_) {
     std::optional<FilmEvent> event;
     std::optional<Request> request;
@@ -146,10 +152,8 @@ std::optional<FilmDecoder::Clock::time_point> FilmTransport::nextDeadline() cons
 }
 
 std::unique_ptr<FilmDecoder> FilmTransport::makeFilm(const QString& path, FilmDecoder::Admission admission) {
-  const FilmDecoder::Outlet outlet{clock_, queue_, arrivals_, *this};
-  auto film = std::make_unique<FilmDecoder>(context_, path, ++lastNumber_, outlet, admission);
-  film->open();
-  return film;
+  const FilmDecoder::Outlet outlet{clock_, queue_, framesDecoded_, *this};
+  return std::make_unique<FilmDecoder>(context_, path, ++lastNumber_, outlet, admission);
 }
 
 FilmDecoder* FilmTransport::filmOf(int number) const {
@@ -195,8 +199,12 @@ void FilmTransport::handleFilmEvent(FilmDecoder& film, const FilmEvent& event) {
 
 void FilmTransport::handleFirstPicture(FilmDecoder& film) {
   film.noteFirstPicture();
+  unplayable_.remove(film.path());
   publishFacts();
-  if (&film != present_.get() || state_ != Opening)
+  if (&film != present_.get())
+    return;
+  stepDirection_ = 1;
+  if (state_ != Opening)
     return;
   clock_.setPlaying(wanted_ == Playing);
   state_ = wanted_;
@@ -209,12 +217,17 @@ void FilmTransport::publishFacts() {
   pictureWidth_ = size.width;
   pictureHeight_ = size.height;
   durationNs_ = present_->durationNs();
+  filmIndex_ = sequence_.index();
+  const std::int64_t frameDurationNs = present_->frameDurationNs();
+  nominalRate_ = rateOf(frameDurationNs > 0 ? frameDurationNs : context_.rate.nsOf(1));
 }
 
 void FilmTransport::handleEndOfStream(FilmDecoder& film) {
-  if (film.noteEndOfStream() == FilmDecoder::SegmentEnd::NoPicture)
+  const FilmDecoder::SegmentEnd end = film.noteEndOfStream();
+  if (end == FilmDecoder::SegmentEnd::Ended)
+    failures_ = 0;
+  if (end == FilmDecoder::SegmentEnd::NoPicture)
     handleFailure(film, QStringLiteral("no picture in the file"));
-  publishFacts();
 }
 
 void FilmTransport::continueSequence() {
@@ -223,18 +236,21 @@ void FilmTransport::continueSequence() {
   const bool ended = present_->hasEnded();
   if (!ended && !present_->isNearEnd())
     return;
-  const QString following = next_ || skipped_ >= kMostSkipped ? QString() : sequence_->following(skipped_);
+  const QString following = next_ ? QString() : sequence_.following(skipped_);
   const bool again = following == present_->path();
-  if (!following.isEmpty() && !again)
+  if (!following.isEmpty() && !again) {
     next_ = makeFilm(following, FilmDecoder::Admission::Waits);
+    next_->open();
+  }
   if (!ended)
     return;
   if (next_ && !next_->isAdmitted())
     next_->admit(present_->endNs());
   else if (again && present_->loop())
-    sequence_->advance(std::exchange(skipped_, 0));
+    sequence_.advance(std::exchange(skipped_, 0));
   else if (!next_)
     queue_.markEnd(present_->endNs());
+  publishFacts();
 }
 
 void FilmTransport::handleShown(int number) {
@@ -242,7 +258,7 @@ void FilmTransport::handleShown(int number) {
     return;
   present_->close(FilmDecoder::Queued::Keep);
   present_ = std::move(next_);
-  sequence_->advance(std::exchange(skipped_, 0));
+  sequence_.advance(std::exchange(skipped_, 0));
   publishFacts();
 }
 
@@ -256,14 +272,25 @@ void FilmTransport::handleDrained() {
   notifySwitch();
 }
 
-void FilmTransport::handleFailure(const FilmDecoder& film, const QString& reason) {
-  qCWarning(logSource, "film does not play : %s : %s", qUtf8Printable(film.path()), qUtf8Printable(reason));
-  if (&film == next_.get() && !next_->refusePictures()) {
+void FilmTransport::handleFailure(FilmDecoder& film, const QString& reason) {
+  const QByteArray line = QStringLiteral("film does not play : %1 : %2").arg(film.path(), reason).toUtf8();
+  if (unplayable_.contains(film.path()))
+    qCDebug(logSource, "%s", line.constData());
+  else
+    qCWarning(logSource, "%s", line.constData());
+  unplayable_.insert(film.path());
+  const bool isNext = &film == next_.get();
+  const bool hadPictures = film.refusePictures();
+  if (isNext && !hadPictures) {
     next_->close(FilmDecoder::Queued::Keep);
     next_.reset();
     ++skipped_;
     return;
   }
+  if (isNext)
+    sequence_.advance(std::exchange(skipped_, 0));
+  if (playOn(hadPictures ? Failed::Playing : Failed::Opening))
+    return;
   clock_.setPlaying(false);
   closeFilms();
   setFailureReason(reason);
@@ -271,11 +298,29 @@ void FilmTransport::handleFailure(const FilmDecoder& film, const QString& reason
     state_ = Error;
 }
 
+bool FilmTransport::playOn(Failed failed) {
+  if (closing_ || ++failures_ >= sequence_.count())
+    return false;
+  if (failed == Failed::Opening)
+    sequence_.step(stepDirection_);
+  else if (!sequence_.following(0).isEmpty())
+    sequence_.advance(0);
+  else
+    return false;
+  if (state_ == Playing) {
+    wanted_ = Playing;
+    state_ = Opening;
+  }
+  openPresent();
+  return true;
+}
+
 void FilmTransport::closeFilms() {
   if (next_)
     next_->close(FilmDecoder::Queued::Flush);
   next_.reset();
-  present_->close(FilmDecoder::Queued::Flush);
+  if (present_)
+    present_->close(FilmDecoder::Queued::Flush);
 }
 
 void FilmTransport::handleTimeouts() {
@@ -286,6 +331,10 @@ void FilmTransport::handleTimeouts() {
 }
 
 void FilmTransport::handleRequest(const Request& request) {
+  if (request.command == Command::Step) {
+    step(static_cast<int>(request.value));
+    return;
+  }
   if (!present_->isOpen()) {
     handleRequestAfterFailure(request);
     return;
@@ -301,7 +350,9 @@ void FilmTransport::handleRequest(const Request& request) {
       stop();
       break;
     case Command::Seek:
-      seekToPercent(request.percent);
+      seekToPercent(request.value);
+      break;
+    default:
       break;
   }
 }
@@ -311,10 +362,11 @@ void FilmTransport::handleRequestAfterFailure(const Request& request) {
     setFailureReason({});
     state_ = Stopped;
   } else if (request.command == Command::Play) {
-    setFailureReason({});
+    failures_ = 0;
+    unplayable_.clear();
     wanted_ = Playing;
     state_ = Opening;
-    present_ = makeFilm(sequence_->present(), FilmDecoder::Admission::AtOnce);
+    openPresent();
   }
 }
 
@@ -324,6 +376,10 @@ void FilmTransport::play() {
       wanted_ = Playing;
       return;
     case Ended:
+      if (sequence_.index() > 0) {
+        playFromTheFirst();
+        return;
+      }
       if (!rewind())
         return;
       break;
@@ -360,6 +416,45 @@ void FilmTransport::stop() {
     positionNs_ = 0;
     state_ = Stopped;
   }
+}
+
+void FilmTransport::playFromTheFirst() {
+  sequence_.goToFirst();
+  failures_ = 0;
+  wanted_ = Playing;
+  state_ = Opening;
+  openPresent();
+}
+
+void FilmTransport::step(int films) {
+  if (films == 0 || sequence_.count() == 0)
+    return;
+  sequence_.step(films);
+  stepDirection_ = films < 0 ? -1 : 1;
+  failures_ = 0;
+  unplayable_.clear();
+  if (state_ == Ended) {
+    state_ = Stopped;
+  } else if (state_ == Playing || state_ == Error) {
+    wanted_ = Playing;
+    state_ = Opening;
+  }
+  openPresent();
+}
+
+void FilmTransport::openPresent() {
+  closeFilms();
+  if (state_ == Opening)
+    clock_.setPlaying(false);
+  skipped_ = 0;
+  positionNs_ = 0;
+  setFailureReason({});
+  present_ = makeFilm(sequence_.present(), FilmDecoder::Admission::AtOnce);
+  publishFacts();
+  if (sequence_.count() == 0)
+    handleFailure(*present_, QStringLiteral("the list is empty"));
+  else
+    present_->open();
 }
 
 bool FilmTransport::rewind() {

@@ -1,10 +1,11 @@
 // Plays the films of a sequence: state, commands, the end, and the seam between two films. All films share
 // one clock and one queue. The next film is opened while the present one still plays, and continues where
-// that one ends without a missing or a repeated picture; one that cannot be opened is skipped with a line in
-// the log. When the present film fails, the state is Error. The control thread calls run(), the engine thread
-// pull(); commands come from the console thread and return at once. The source and its control thread share
-// the object.
+// that one ends without a missing or a repeated picture. A film that cannot be opened, or that fails later,
+// is skipped with a line in the log; when no other film is left to play, the state is Error. The control
+// thread calls run(), the engine thread pull(); commands come from the console thread and return at once. The
+// source and its control thread share the object.
 #pragma once
+#include <QSet>
 #include <QString>
 #include <atomic>
 #include <chrono>
@@ -13,6 +14,7 @@
 #include <optional>
 
 #include "FilmDecoder.h"
+#include "FilmSequence.h"
 #include "RateMeter.h"
 #include "Source.h"
 #include "ThreadSafety.h"
@@ -20,31 +22,21 @@
 
 namespace korvia {
 
-/// The films that a FilmTransport plays, one or a list. A film is a path; when the path of the present film
-/// follows itself, the film loops. Called on the film's control thread.
-class FilmSequence {
- public:
-  virtual ~FilmSequence() = default;
-  virtual QString present() const = 0;
-  /// The film after the present one and after `skipped` more that cannot be opened; empty when none follows.
-  virtual QString following(int skipped) const = 0;
-  /// Makes following(skipped) the present film, because it is on show now or the present film has looped.
-  virtual void advance(int skipped) = 0;
-};
-
 class FilmTransport : public FilmEventSink {
  public:
-  enum class Command { Play, Pause, Stop, Seek };
+  /// Step goes to another film of the sequence, round its ends. What stands still stays so, at the first
+  /// picture of that film.
+  enum class Command { Play, Pause, Stop, Seek, Step };
 
   /// `switchChannel` is passed to the sink when the last film has ended; none for no notify.
-  FilmTransport(const SourceContext& context, std::unique_ptr<FilmSequence> sequence,
-                std::optional<int> switchChannel);
+  FilmTransport(const SourceContext& context, const FilmSequence& sequence, std::optional<int> switchChannel);
   ~FilmTransport() override;
 
   /// The control thread's work: opens the present film and handles events and commands until close().
   void run();
-  /// `percent` is for Seek only. A seek replaces one that waits directly before it. Console thread.
-  void post(Command command, double percent = 0);
+  /// `value` is the percent of a Seek and the number of films of a Step, negative to go back. A seek replaces
+  /// one that waits directly before it, and steps add up. Console thread.
+  void post(Command command, double value = 0);
   void setHold(bool hold) { clock_.setHold(hold); }
   /// Returns at once. No notify comes after it, and run() ends as soon as it can.
   void close();
@@ -56,22 +48,31 @@ class FilmTransport : public FilmEventSink {
   KorviaShowPlayState state() const { return state_; }
   /// Why the state is Error; empty in other states.
   QString failureReason() const;
+  /// Of the present film, from 0.
+  int filmIndex() const { return filmIndex_; }
   // Of the film on show; 0 when unknown.
   std::int64_t durationNs() const { return durationNs_; }
   std::int64_t positionNs() const { return positionNs_; }
   /// Of the picture on show; until the next picture is known, of the picture before it.
   std::int64_t pictureDurationNs() const { return pictureDurationNs_; }
+  /// Pictures a second by the frame rate of the film; that of the show while the film's is unknown.
+  float nominalRate() const { return nominalRate_; }
   FrameSize pictureSize() const { return {pictureWidth_, pictureHeight_}; }
   std::int64_t framesShown() const { return framesShown_; }
   std::int64_t framesHeld() const { return framesHeld_; }
   std::int64_t framesSkipped() const { return queue_.figures().dropped; }
-  const RateMeter& arrivals() const { return arrivals_; }
+  int framesQueued() const { return queue_.size(); }
+  std::int64_t framesDecoded() const { return framesDecoded_; }
+  /// Pictures that leave the queue, shown or skipped. They come one by one, where those of the decoder come
+  /// in bursts.
+  float framesPerSecond() const { return arrivals_.perSecond(); }
 
  private:
   struct Request {
     Command command;
-    double percent = 0;
+    double value = 0;
   };
+  enum class Failed { Opening, Playing };
 
   // Control thread.
   bool isReady() const REQUIRES(mutex_);
@@ -83,7 +84,9 @@ class FilmTransport : public FilmEventSink {
   void handleEndOfStream(FilmDecoder& film);
   void handleShown(int number);
   void handleDrained();
-  void handleFailure(const FilmDecoder& film, const QString& reason);
+  void handleFailure(FilmDecoder& film, const QString& reason);
+  /// Goes on with another film after a failure of the present one; false when none is left.
+  bool playOn(Failed failed);
   void setFailureReason(const QString& reason) EXCLUDES(mutex_);
   void handleRequest(const Request& request);
   /// After a failure, play opens the film anew, and stop clears the error.
@@ -94,6 +97,10 @@ class FilmTransport : public FilmEventSink {
   void play();
   void pause();
   void stop();
+  void playFromTheFirst();
+  void step(int films);
+  /// Opens the present film of the sequence in place of what is open.
+  void openPresent();
   bool rewind();
   void seekToPercent(double percent);
   void dropAdmitted();
@@ -102,7 +109,6 @@ class FilmTransport : public FilmEventSink {
   std::optional<FilmDecoder::Clock::time_point> nextDeadline() const;
 
   const SourceContext context_;
-  const std::unique_ptr<FilmSequence> sequence_;  // control thread
   const std::optional<int> switchChannel_;
   MediaClock clock_;
   VideoQueue queue_;
@@ -112,10 +118,13 @@ class FilmTransport : public FilmEventSink {
   std::atomic<std::int64_t> durationNs_{0};
   std::atomic<std::int64_t> positionNs_{0};
   std::atomic<std::int64_t> pictureDurationNs_{0};
+  std::atomic<std::int64_t> framesDecoded_{0};
   std::atomic<std::int64_t> framesShown_{0};
   std::atomic<std::int64_t> framesHeld_{0};
   std::atomic<int> pictureWidth_{0};
   std::atomic<int> pictureHeight_{0};
+  std::atomic<int> filmIndex_{0};
+  std::atomic<float> nominalRate_;
   int shownFilm_ = 0;  // engine thread
 
   mutable Mutex mutex_;
@@ -130,11 +139,15 @@ class FilmTransport : public FilmEventSink {
   bool mayNotify_ GUARDED_BY(notifyMutex_) = true;
 
   // Control thread only.
+  FilmSequence sequence_;
   std::unique_ptr<FilmDecoder> present_;  // on show
   // Opens, waits to be admitted, or has pictures in the queue behind those of the present one.
   std::unique_ptr<FilmDecoder> next_;
   int lastNumber_ = 0;
-  int skipped_ = 0;  // films after the present one that could not be opened
+  int skipped_ = 0;           // films after the present one that could not be opened
+  int failures_ = 0;          // of present films, since one has played to its end
+  int stepDirection_ = 1;     // to the film that is tried when one cannot be opened
+  QSet<QString> unplayable_;  // so that a list that goes round logs the failure of a film once
   KorviaShowPlayState wanted_ = Playing;
 };
 

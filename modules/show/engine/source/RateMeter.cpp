@@ -1,5 +1,7 @@
 #include "RateMeter.h"
 
+#include <utility>
+
 namespace korvia {
 
 namespace {
@@ -14,9 +16,9 @@ float rate(int things, std::chrono::steady_clock::duration time) {
 
 }  // namespace
 
-void RateMeter::count(Time now) {
+void RateMeter::count(int arrivals, Time now) {
   MutexLock lock(mutex_);
-  if (total_ == 0 || now - last_ > kSilence) {
+  if (!std::exchange(begun_, true) || now - last_ > kSilence) {
     windowStart_ = now;
     inWindow_ = 0;
     lastWindow_ = 0;
@@ -25,24 +27,18 @@ void RateMeter::count(Time now) {
     windowStart_ = now;
     inWindow_ = 0;
   }
-  ++inWindow_;
-  ++total_;
+  inWindow_ += arrivals;
   last_ = now;
 }
 
 float RateMeter::perSecond(Time now) const {
   MutexLock lock(mutex_);
-  if (total_ == 0 || now - last_ > kSilence)
+  if (!begun_ || now - last_ > kSilence)
     return 0;
   if (lastWindow_ > 0)
     return lastWindow_;
-  // A film begins with a burst of pictures, so the first window is counted as a whole second.
+  // The first arrivals would give any rate, so the first window is counted as a whole second.
   return rate(inWindow_, kWindow);
-}
-
-std::int64_t RateMeter::total() const {
-  MutexLock lock(mutex_);
-  return total_;
 }
 
 }  // namespace korvia

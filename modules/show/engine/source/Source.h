@@ -10,6 +10,7 @@
 #include "FrameRate.h"
 #include "IKorviaShowEngineSink.h"
 #include "IKorviaShowSource.h"
+#include "RefillTurns.h"
 #include "engine/frame/Frame.h"
 #include "tagKorviaShowSourceInfo.h"
 
@@ -23,16 +24,29 @@ struct SourceContext {
   KorviaShowObjectID id = SourceObject;
   FrameSize renderSize;
   FrameRate rate;  ///< of the render
+  /// Shared by all films of the show; null for a film that decodes when it likes.
+  std::shared_ptr<RefillTurns> refillTurns;
   /// May be null. Its onSourceNotify may be called from any thread of the source.
   IKorviaShowEngineSink* sink = nullptr;
 };
 
+/// The rate for getState(): what arrives, or the nominal rate while nothing is meant to arrive or the source
+/// still opens. The restart watchdog starts a source whose rate is too low, and must leave such a source
+/// alone.
+inline float linkRate(KorviaShowPlayState state, float received, float nominal) {
+  return state == Opening || state == Paused || state == Stopped ? nominal : received;
+}
+
 struct SourceFigures {
   QString description;
   qint64 framesDecoded = 0;
-  qint64 framesHeld = 0;     ///< ticks without a new picture while playing
-  qint64 framesSkipped = 0;  ///< pictures that were never shown, because another one was due in the same tick
-  float framesPerSecond = 0;
+  qint64 framesQueued = 0;  ///< pictures that wait to be shown
+  qint64 framesHeld = 0;    ///< ticks without a new picture while playing
+  /// Pictures that were never shown, because another one was due in the same tick.
+  qint64 framesSkipped = 0;
+  float framesPerSecond = 0;     ///< pictures that arrive
+  float samplesPerSecond = 0;    ///< sound that arrives, in samples of one channel
+  qint64 videoAudioDriftMs = 0;  ///< time stamp of the picture less that of the sound
 };
 
 class Source : public IKorviaShowSource {

@@ -37,6 +37,7 @@ struct KindEntry {
 // clang-format off
 constexpr KindEntry kKinds[] = {
     {SourceKindMovie, make<FilmSource>},
+    {SourceKindMovieList, make<FilmSource>},
     {SourceKindKrmp, make<NoDecoderSource>},
     {SourceKindImage, open<ImageSource>},
     {SourceKindImageList, open<ImageListSource>},

@@ -4,23 +4,77 @@
 
 namespace korvia {
 
-VideoQueue::VideoQueue(MediaClock& clock, File limits) : VideoQueue(&clock, limits, WhenFull::Wait) {}
+namespace {
+
+// A burst begins when the pictures that are left last this long: three at 25 a second, and push holds one
+// more. When another film has the turn, it begins a picture later.
+constexpr std::int64_t kRefillNs = 120'000'000;
+constexpr std::int64_t kUrgentNs = 80'000'000;
+// A decoder that is too slow to fill the queue keeps its turn no longer than this.
+constexpr int kMostTurnTicks = 5;
+
+}  // namespace
+
+VideoQueue::VideoQueue(MediaClock& clock, File limits, RefillTurns* turns)
+    : VideoQueue(&clock, limits, WhenFull::Wait, turns) {}
 
 VideoQueue::VideoQueue(Live limits)
-    : VideoQueue(nullptr, {1, limits.spanNs, limits.mostFrames}, WhenFull::DropOldest) {}
+    : VideoQueue(nullptr, {1, limits.spanNs, limits.mostFrames}, WhenFull::DropOldest, nullptr) {}
 
-VideoQueue::VideoQueue(MediaClock* clock, File limits, WhenFull whenFull)
-    : clock_(clock), number_(clock ? clock->addQueue() : 0), limits_(limits), whenFull_(whenFull) {
+VideoQueue::VideoQueue(MediaClock* clock, File limits, WhenFull whenFull, RefillTurns* turns)
+    : clock_(clock),
+      number_(clock ? clock->addQueue() : 0),
+      limits_(limits),
+      whenFull_(whenFull),
+      turns_(turns) {
   const auto most = static_cast<std::size_t>(std::max(limits.frames, limits.mostFrames));
   queue_.reserve(most);
   replaced_.reserve(most + 1);
+}
+
+VideoQueue::~VideoQueue() {
+  MutexLock lock(mutex_);
+  giveTurnBack();
 }
 
 bool VideoQueue::isFull() const {
   const int count = static_cast<int>(queue_.size());
   if (count < limits_.frames)
     return false;
-  return count >= limits_.mostFrames || queue_.back().timeNs - queue_.front().timeNs >= limits_.spanNs;
+  const std::int64_t spanNs = queue_.back().timeNs - queue_.front().timeNs;
+  return count >= limits_.mostFrames || (!inBursts() && spanNs >= limits_.spanNs);
+}
+
+bool VideoQueue::inBursts() const {
+  return steady_ && !queue_.empty() && queue_.back().endIsFar;
+}
+
+bool VideoQueue::hasRoom() const {
+  return !isFull() && !(resting_ && inBursts());
+}
+
+void VideoQueue::paceRefill(const ClockReading& reading) {
+  steady_ = reading.epoch == epoch_ && reading.running && !firstIsDue_;
+  if (hasTurn_ && (!inBursts() || ++turnTicks_ > kMostTurnTicks))
+    giveTurnBack();
+  resting_ = resting_ && inBursts();
+  if (!resting_)
+    return;
+  const std::int64_t leftNs = queue_.size() > 1 ? queue_.back().timeNs - shown_.timeNs : 0;
+  if (leftNs > kRefillNs)
+    return;
+  if (turns_) {
+    if (!turns_->take(leftNs > kUrgentNs ? RefillTurns::Need::CanWait : RefillTurns::Need::Urgent))
+      return;
+    hasTurn_ = true;
+    turnTicks_ = 0;
+  }
+  resting_ = false;
+}
+
+void VideoQueue::giveTurnBack() {
+  if (std::exchange(hasTurn_, false))
+    turns_->giveBack();
 }
 
 bool VideoQueue::push(TimedFrame frame) {
@@ -29,7 +83,11 @@ bool VideoQueue::push(TimedFrame frame) {
   if (whenFull_ == WhenFull::Wait) {
     if (isFull() && firstIsDue_)
       clock_->beginNow(epoch_);
-    room_.wait(lock, [this]() REQUIRES(mutex_) { return closed_ || flushing_ || !isFull(); });
+    if (isFull() && inBursts()) {
+      resting_ = true;
+      giveTurnBack();
+    }
+    room_.wait(lock, [this]() REQUIRES(mutex_) { return closed_ || flushing_ || hasRoom(); });
   }
   if (closed_ || flushing_)
     return false;
@@ -59,6 +117,9 @@ void VideoQueue::beginFlush(std::uint64_t epoch) {
     begun_ = false;
     firstIsDue_ = true;
     overflowed_ = false;
+    steady_ = false;
+    resting_ = false;
+    giveTurnBack();
     epoch_ = epoch;
     dropped.swap(queue_);
   }
@@ -74,6 +135,7 @@ void VideoQueue::markEnd(std::int64_t endNs) {
   MutexLock lock(mutex_);
   ended_ = true;
   endNs_ = endNs;
+  giveTurnBack();
   if (clock_ && !begun_)
     clock_->beginWithout(number_, epoch_);
 }
@@ -83,6 +145,7 @@ void VideoQueue::close() {
   {
     MutexLock lock(mutex_);
     closed_ = true;
+    giveTurnBack();
     dropped.swap(queue_);
   }
   room_.notify_all();
@@ -91,6 +154,11 @@ void VideoQueue::close() {
 bool VideoQueue::isDrained() const {
   MutexLock lock(mutex_);
   return drained_;
+}
+
+int VideoQueue::size() const {
+  MutexLock lock(mutex_);
+  return static_cast<int>(queue_.size());
 }
 
 VideoQueue::Figures VideoQueue::figures() const {
@@ -108,6 +176,7 @@ void VideoQueue::take(Pull& result) {
   replaced_.push_back(std::exchange(shown_, std::move(queue_.front())));
   queue_.erase(queue_.begin());
   result.fresh = true;
+  ++result.taken;
 }
 
 void VideoQueue::settleBias(const Pull& result, bool skipped) {
@@ -131,6 +200,7 @@ std::int64_t VideoQueue::durationNs() const {
 VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
   Pull result;
   std::int64_t shownNs = 0;
+  bool wakesDecoder = false;
   {
     MutexLock lock(mutex_);
     const bool current = reading.epoch == epoch_;
@@ -164,13 +234,14 @@ VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
     result.mediaNs = shown_.mediaNs;
     result.film = shown_.film;
     result.durationNs = durationNs();
+    paceRefill(reading);
+    wakesDecoder = hasRoom();
   }
   replaced_.clear();
-  if (result.fresh) {
+  if (wakesDecoder)
     room_.notify_one();
-    if (clock_)
-      clock_->tellLate(reading, shownNs);
-  }
+  if (result.fresh && clock_)
+    clock_->tellLate(reading, shownNs);
   return result;
 }
 

@@ -1,12 +1,15 @@
 // The queue between a source and the engine: it holds a few pictures with time stamps and releases the one
 // that is due at each tick. The source's clock, MediaClock or LiveClock, says which one is due; a queue of
-// sound uses the same reading. Streaming thread: push, endFlush, markEnd. Streaming or control thread:
-// beginFlush. Engine thread: pull. Any thread: the rest. Only push waits, and only in a queue for files.
+// sound uses the same reading. A decoder works with warm caches when it gives several pictures in one go, so
+// a film in steady play is refilled in bursts. Streaming thread: push, endFlush, markEnd. Streaming or
+// control thread: beginFlush. Engine thread: pull. Any thread: the rest. Only push waits, and only in a queue
+// for files.
 #pragma once
 #include <cstdint>
 #include <vector>
 
 #include "MediaClock.h"
+#include "RefillTurns.h"
 #include "ThreadSafety.h"
 #include "engine/frame/Frame.h"
 
@@ -17,11 +20,15 @@ struct TimedFrame {
   std::int64_t timeNs = 0;   ///< on the clock's time line, which continues through loops
   std::int64_t mediaNs = 0;  ///< time in the film, from its first picture
   int film = 0;              ///< number of its film, when several share the queue
+  /// Near the end of its film, or when that is unknown, the queue is kept full, so that there is time to
+  /// begin the film that follows.
+  bool endIsFar = false;
 };
 
 class VideoQueue {
  public:
-  /// For a source that can wait: push waits while the queue is full.
+  /// For a source that can wait: push waits while the queue is full. In bursts it takes `mostFrames`, and
+  /// push then waits until few are left.
   struct File {
     int frames = 4;
     /// A film with a high frame rate may queue more pictures, up to this time, so that they bridge the seam
@@ -43,6 +50,7 @@ class VideoQueue {
     /// The duration of the picture on show; 0 while neither the next picture nor the end is known.
     std::int64_t durationNs = 0;
     bool fresh = false;    ///< another picture than at the last call
+    int taken = 0;         ///< pictures that left the queue, shown or skipped
     bool missed = false;   ///< playing, and the picture that is due has not come
     bool drained = false;  ///< the end was reached at this call
   };
@@ -55,9 +63,10 @@ class VideoQueue {
   };
 
   explicit VideoQueue(MediaClock& clock) : VideoQueue(clock, File()) {}
-  /// The clock outlives the queue.
-  VideoQueue(MediaClock& clock, File limits);
+  /// The clock and the turns outlive the queue. Without turns the queue does not look at other films.
+  VideoQueue(MediaClock& clock, File limits, RefillTurns* turns = nullptr);
   explicit VideoQueue(Live limits);
+  ~VideoQueue();
 
   /// Waits while the queue is full (File) or drops the oldest picture (Live); false when a flush or close()
   /// refused the picture.
@@ -73,6 +82,8 @@ class VideoQueue {
   void close();
   /// True when the end was reached and nothing has come since.
   bool isDrained() const;
+  /// Pictures that wait to be shown.
+  int size() const;
   Figures figures() const;
 
   /// The picture for this tick, by the clock's reading of it.
@@ -81,8 +92,13 @@ class VideoQueue {
  private:
   enum class WhenFull { Wait, DropOldest };
 
-  VideoQueue(MediaClock* clock, File limits, WhenFull whenFull);
+  VideoQueue(MediaClock* clock, File limits, WhenFull whenFull, RefillTurns* turns);
   bool isFull() const REQUIRES(mutex_);
+  bool inBursts() const REQUIRES(mutex_);
+  bool hasRoom() const REQUIRES(mutex_);
+  /// Begins and ends bursts, by what is queued at this tick.
+  void paceRefill(const ClockReading& reading) REQUIRES(mutex_);
+  void giveTurnBack() REQUIRES(mutex_);
   bool isDue(const ClockReading& reading) const REQUIRES(mutex_);
   void take(Pull& result) REQUIRES(mutex_);
   /// The stamps of a live source jitter and drift against the ticks, so that pictures could be repeated and
@@ -97,6 +113,7 @@ class VideoQueue {
   const int number_;         // on the clock
   const File limits_;
   const WhenFull whenFull_;
+  RefillTurns* const turns_;  // may be null
   mutable Mutex mutex_;
   ConditionVariable room_;
   std::vector<TimedFrame> queue_ GUARDED_BY(mutex_);  // a few, the oldest first
@@ -107,7 +124,11 @@ class VideoQueue {
   bool begun_ GUARDED_BY(mutex_) = false;      // a picture has come since the flush
   bool firstIsDue_ GUARDED_BY(mutex_) = true;  // no picture was shown since the flush
   bool overflowed_ GUARDED_BY(mutex_) = false;
-  int bias_ GUARDED_BY(mutex_) = 1;  // pictures are due a quarter of a frame early (1) or late (-1)
+  int bias_ GUARDED_BY(mutex_) = 1;          // pictures are due a quarter of a frame early (1) or late (-1)
+  bool steady_ GUARDED_BY(mutex_) = false;   // the last tick showed a picture in play
+  bool resting_ GUARDED_BY(mutex_) = false;  // between two bursts
+  bool hasTurn_ GUARDED_BY(mutex_) = false;
+  int turnTicks_ GUARDED_BY(mutex_) = 0;
   bool ended_ GUARDED_BY(mutex_) = false;
   bool drained_ GUARDED_BY(mutex_) = false;
   std::int64_t endNs_ GUARDED_BY(mutex_) = 0;

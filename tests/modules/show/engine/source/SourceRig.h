@@ -136,6 +136,15 @@ class SourceRig {
     info.movieSwitchChannel = switchChannel;
     open(info);
   }
+  void openFilmList(const QStringList& paths, KorviaShowEndAction endAction = EndActionLoop,
+                    int switchChannel = 0) {
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindMovieList;
+    info.movieList = paths;
+    info.listEndAction = endAction;
+    info.listSwitchChannel = switchChannel;
+    open(info);
+  }
   void open(const tagKorviaShowSourceInfo& info, const tagKorviaFormatInfo& format = {}) {
     source_ = createSource(context_, info, format);
   }
@@ -152,17 +161,9 @@ class SourceRig {
 
   /// One tick, once the decoder is ahead or has nothing more to give.
   FrameRef tick() {
-    qint64 shown = 0;
-    source_->getFrameCount(shown);
-    qint64 decoded = source_->figures().framesDecoded;
-    // Skipped and flushed pictures count as decoded too: what matters is that more come, or that none do.
-    const qint64 needed = decodedAtTick_ == 0 ? shown + 3 : decodedAtTick_ + 1;
     const auto give = std::chrono::steady_clock::now() + std::chrono::milliseconds(200);
-    while (decoded < needed && std::chrono::steady_clock::now() < give) {
+    while (source_->figures().framesQueued < 2 && std::chrono::steady_clock::now() < give)
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
-      decoded = source_->figures().framesDecoded;
-    }
-    decodedAtTick_ = decoded;
     return source_->pullFrame(1);
   }
 
@@ -184,6 +185,19 @@ class SourceRig {
   /// The picture of the last tick of tickUntil.
   const FrameRef& last() const { return last_; }
 
+  bool tickUntilPicture(int number) {
+    return tickUntil([&] { return numberIn(last_) == number; });
+  }
+  float linkRate() {
+    tagKorviaSourceLinkState state;
+    source_->getState(state);
+    return state.rate;
+  }
+  QString failureReason() {
+    tagKorviaSourceLinkState state;
+    source_->getState(state);
+    return state.reason;
+  }
   qint64 position() {
     qint64 value = -1;
     source_->getPosition(value);
@@ -205,7 +219,6 @@ class SourceRig {
   NotifySink sink_;
   std::shared_ptr<Source> source_;
   FrameRef last_;
-  qint64 decodedAtTick_ = 0;
 };
 
 }  // namespace korvia::test

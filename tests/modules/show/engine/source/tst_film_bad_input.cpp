@@ -136,6 +136,7 @@ class FilmBadInputTest : public QObject {
     for (int i = 0; i < 20; ++i)
       QVERIFY(!rig.tick());
     QCOMPARE(rig->getPlayState(), int(Opening));
+    QCOMPARE(rig.linkRate(), 25.0F);
     timer.restart();
     rig.close();
     QVERIFY(timer.elapsed() < 100);
@@ -156,6 +157,34 @@ class FilmBadInputTest : public QObject {
       QVERIFY(log.lines().first().contains("no picture within 10 s"));
     }
     ::close(writer);
+  }
+
+  void fifoThatFallsSilentHasNoRate() {
+    QTemporaryDir folder;
+    const QString path = folder.filePath("film.ts");
+    QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
+    // The writer stays open, so the film does not end.
+    const int fd = ::open(qPrintable(path), O_RDWR | O_CLOEXEC);
+    QVERIFY(fd >= 0);
+    {
+      SourceRig rig;
+      rig.openFilm(path);
+      std::thread writer([&] {
+        QFile film(clip("clip25.ts"));
+        film.open(QIODevice::ReadOnly);
+        const QByteArray bytes = film.readAll();
+        [[maybe_unused]] const ssize_t written =
+            ::write(fd, bytes.constData(), static_cast<size_t>(bytes.size()));
+      });
+      const bool arrived = rig.tickUntil([&] { return numberIn(rig.last()) > 20 && rig.linkRate() > 0; });
+      const bool silent = rig.tickUntil([&] { return rig.linkRate() == 0; });
+      const int state = rig->getPlayState();
+      writer.join();
+      QVERIFY(arrived);
+      QVERIFY(silent);
+      QCOMPARE(state, int(Playing));
+    }
+    ::close(fd);
   }
 
   void fifoThatDeliversPlays() {

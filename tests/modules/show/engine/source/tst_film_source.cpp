@@ -333,6 +333,51 @@ class FilmSourceTest : public QObject {
     QCOMPARE(numberIn(rig->pullFrame(1)), 49);
   }
 
+  void isDecodedFarAheadInSteadyPlayAndLessNearTheEnd() {
+    SourceRig rig;
+    rig.openFilm(clip("long.mp4"), EndActionStop);
+    const auto queued = [&rig] { return rig->figures().framesQueued; };
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QTRY_COMPARE(queued(), qint64(5));
+    QVERIFY(rig.tickUntil([&] { return queued() == 8; }));
+    rig->pause();
+    QTRY_COMPARE(rig->getPlayState(), int(Paused));
+    rig->setPosition(97);
+    QVERIFY(rig.tickUntilPicture(485));
+    rig->play();
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    for (int i = 0; i < 5; ++i) {
+      rig.tick();
+      QTRY_COMPARE(queued(), qint64(5));
+    }
+  }
+
+  void atRestItTellsTheRateThatPlayWillBring() {
+    SourceRig rig;
+    rig.openFilm(clip("clip24.mkv"), EndActionStop);
+    QVERIFY(rig.tickUntilPicture(3));
+    const auto nothingArrives = [&rig] { return rig->figures().framesPerSecond == 0; };
+    rig->pause();
+    QTRY_COMPARE(rig->getPlayState(), int(Paused));
+    QTRY_VERIFY(nothingArrives());
+    QVERIFY(qAbs(rig.linkRate() - 24) < 0.01);
+    rig->stop();
+    QVERIFY(rig.tickUntil(Stopped));
+    QTRY_VERIFY(nothingArrives());
+    QVERIFY(qAbs(rig.linkRate() - 24) < 0.01);
+    rig->setHold(true);
+    rig->play();
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
+    QTRY_VERIFY(nothingArrives());
+    QVERIFY(qAbs(rig.linkRate() - 24) < 0.01);
+    rig->setHold(false);
+    QVERIFY(rig.tickUntil(Ended));
+    QTRY_VERIFY(nothingArrives());
+    QCOMPARE(rig.linkRate(), 0.0F);
+    rig.close();
+    QCOMPARE(rig.linkRate(), 0.0F);
+  }
+
   void holdFreezesWithoutPausing() {
     SourceRig rig;
     rig.openFilm(clip("long.mp4"));

@@ -54,6 +54,15 @@ class SourceTest : public QObject {
       QCOMPARE(value, qint64(0));
     QCOMPARE(source.figures().framesDecoded, qint64(0));
   }
+
+  void onlyASourceThatShouldDeliverTellsWhatArrives() {
+    for (const KorviaShowPlayState atRest : {Opening, Paused, Stopped})
+      QCOMPARE(linkRate(atRest, 0, 25), 25.0F);
+    for (const KorviaShowPlayState other : {NothingSpecial, Buffering, Playing, Ended, Error}) {
+      QCOMPARE(linkRate(other, 0, 25), 0.0F);
+      QCOMPARE(linkRate(other, 12, 25), 12.0F);
+    }
+  }
 };
 
 QTEST_GUILESS_MAIN(SourceTest)

@@ -1,5 +1,6 @@
 // Which picture of a file is due when: cadence, late pictures, seams, flushes, hold, end; push and pull at
-// once.
+// once; when the queue is refilled in bursts, and whose turn that is.
+#include <QSemaphore>
 #include <QtTest>
 #include <atomic>
 #include <thread>
@@ -12,6 +13,7 @@ using korvia::FrameRef;
 using korvia::FrameSize;
 using korvia::MediaClock;
 using korvia::MutableFrame;
+using korvia::RefillTurns;
 using korvia::VideoQueue;
 
 namespace {
@@ -28,8 +30,8 @@ korvia::TimedFrame picture(int number, std::int64_t timeNs) {
 /// A queue alone on its clock.
 class ClockedQueue {
  public:
-  explicit ClockedQueue(korvia::FrameRate rate, VideoQueue::File limits = {})
-      : clock_(rate), queue_(clock_, limits) {}
+  explicit ClockedQueue(korvia::FrameRate rate, VideoQueue::File limits = {}, RefillTurns* turns = nullptr)
+      : clock_(rate), queue_(clock_, limits, turns) {}
 
   bool push(korvia::TimedFrame frame) { return queue_.push(std::move(frame)); }
   VideoQueue::Pull pull(int ticks) { return queue_.pull(clock_.advance(ticks)); }
@@ -40,10 +42,60 @@ class ClockedQueue {
   void setPlaying(bool playing) { clock_.setPlaying(playing); }
   void setHold(bool hold) { clock_.setHold(hold); }
   bool isDrained() const { return queue_.isDrained(); }
+  int size() const { return queue_.size(); }
 
  private:
   MediaClock clock_;
   VideoQueue queue_;
+};
+
+enum class End { Far, Near };
+
+/// A film of 25 pictures a second that is pushed as fast as the queue takes it.
+class PushedFilm {
+ public:
+  explicit PushedFilm(End end = End::Far, RefillTurns* turns = nullptr)
+      : queue_({25, 1}, {}, turns), pusher_([this, end] { push(end); }) {}
+  ~PushedFilm() {
+    queue_.close();
+    mayPush_.release(1'000);
+    pusher_.join();
+  }
+
+  ClockedQueue* operator->() { return &queue_; }
+  /// Plays until the queue is full and rests between two bursts.
+  bool playUntilResting() {
+    queue_.setPlaying(true);
+    const bool first = QTest::qWaitFor([this] { return queue_.pull(1).fresh; });
+    return first && rests();
+  }
+  bool rests() { return comesTo(8) && staysAt(8); }
+  bool comesTo(int pictures) {
+    return QTest::qWaitFor([&] { return queue_.size() == pictures; });
+  }
+  bool staysAt(int pictures) {
+    return !QTest::qWaitFor([&] { return queue_.size() != pictures; }, 20);
+  }
+  /// From now on, pictures are pushed one by one.
+  void pushByHand() { byHand_ = true; }
+  void pushOne() { mayPush_.release(); }
+
+ private:
+  void push(End end) {
+    for (int i = 0;; ++i) {
+      if (byHand_)
+        mayPush_.acquire();
+      korvia::TimedFrame next = picture(i % 200, i * 40 * kMs);
+      next.endIsFar = end == End::Far;
+      if (!queue_.push(std::move(next)))
+        return;
+    }
+  }
+
+  ClockedQueue queue_;
+  std::atomic<bool> byHand_{false};
+  QSemaphore mayPush_;
+  std::thread pusher_;
 };
 
 int numberOf(const VideoQueue::Pull& pull) {
@@ -158,8 +210,10 @@ class VideoQueueTest : public QObject {
     for (int i = 0; i < 8; ++i)
       queue.push(picture(i, i * 40 * kMs));
     queue.setPlaying(true);
-    QCOMPARE(numberOf(queue.pull(1)), 0);
-    QCOMPARE(numberOf(queue.pull(3)), 3);
+    QCOMPARE(queue.pull(1).taken, 1);
+    const VideoQueue::Pull late = queue.pull(3);
+    QCOMPARE(numberOf(late), 3);
+    QCOMPARE(late.taken, 3);
     QCOMPARE(numberOf(queue.pull(1)), 4);
   }
 
@@ -298,6 +352,109 @@ class VideoQueueTest : public QObject {
     queue.pull(1);
     pusher.join();
     QVERIFY(pushed);
+  }
+
+  void steadyPlayIsRefilledInBursts() {
+    PushedFilm film;
+    QVERIFY(film.playUntilResting());
+    for (int round = 0; round < 3; ++round) {
+      for (int left = 7; left > 3; --left) {
+        film->pull(1);
+        QVERIFY(film.staysAt(left));
+      }
+      film->pull(1);
+      QVERIFY(film.rests());
+    }
+  }
+
+  void beforeTheFirstPictureAndOnPauseFewAreQueued() {
+    PushedFilm film;
+    QVERIFY(film.comesTo(5));
+    QVERIFY(film.staysAt(5));
+    QVERIFY(film.playUntilResting());
+    film->pull(4);
+    QVERIFY(film.staysAt(4));
+    film->setPlaying(false);
+    film->pull(1);
+    QVERIFY(film.comesTo(5));
+    QVERIFY(film.staysAt(5));
+    film->setPlaying(true);
+    film->pull(1);
+    QVERIFY(film.comesTo(8));
+  }
+
+  void nearTheEndTheQueueIsKeptFull() {
+    PushedFilm film(End::Near);
+    film->setPlaying(true);
+    QVERIFY(film.comesTo(5));
+    for (int i = 0; i < 5; ++i) {
+      film->pull(1);
+      QVERIFY(film.comesTo(5));
+    }
+  }
+
+  void aFlushBetweenBurstsReleasesThePush() {
+    PushedFilm film;
+    QVERIFY(film.playUntilResting());
+    film->pull(2);
+    film->beginFlush();
+    // The push that waited was refused, and the film has ended with it.
+    QVERIFY(film.staysAt(0));
+  }
+
+  void aRefillWaitsForItsTurnUntilItIsUrgent() {
+    RefillTurns turns(1);
+    PushedFilm film(End::Far, &turns);
+    QVERIFY(film.playUntilResting());
+    QVERIFY(turns.take(RefillTurns::Need::CanWait));  // another film
+    film->pull(5);
+    QVERIFY(film.staysAt(3));
+    film->pull(1);
+    QVERIFY(film.comesTo(8));
+    QTRY_COMPARE(turns.taken(), 1);
+    turns.giveBack();
+    film->pull(5);
+    QVERIFY(film.comesTo(8));
+    QTRY_COMPARE(turns.taken(), 0);
+  }
+
+  void aTurnIsGivenBackWhenTheRefillEnds_data() {
+    QTest::addColumn<int>("how");
+    QTest::newRow("pause") << 0;
+    QTest::newRow("flush") << 1;
+    QTest::newRow("end") << 2;
+    QTest::newRow("close") << 3;
+    QTest::newRow("slow decoder") << 4;
+  }
+
+  void aTurnIsGivenBackWhenTheRefillEnds() {
+    QFETCH(int, how);
+    RefillTurns turns(1);
+    PushedFilm film(End::Far, &turns);
+    QVERIFY(film.playUntilResting());
+    film.pushByHand();
+    film->pull(5);
+    QVERIFY(film.comesTo(4));
+    QCOMPARE(turns.taken(), 1);
+    if (how == 0) {
+      film->setPlaying(false);
+      film->pull(1);
+    } else if (how == 1) {
+      film->beginFlush();
+    } else if (how == 2) {
+      film->markEnd(100'000 * kMs);
+    } else if (how == 3) {
+      film->close();
+    } else {
+      for (int i = 0; i < 5; ++i) {
+        film->pull(1);
+        QCOMPARE(turns.taken(), 1);
+        film.pushOne();
+        QVERIFY(film.comesTo(4));
+      }
+      film->pull(1);
+    }
+    QCOMPARE(turns.taken(), 0);
   }
 
   void closeReleasesForGood() {

@@ -1,0 +1,110 @@
+// What the statistics window is told of each channel's source.
+#include <QImage>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <array>
+
+#include "engine/Janitor.h"
+#include "engine/channel/ChannelBank.h"
+
+using namespace korvia;
+
+namespace {
+
+using Items = std::array<tagKorviaShowSourceStatisticsItem, kMediaChannelMax>;
+
+QString clip(const char* name) {
+  return QStringLiteral(MEDIA_DIR "/") + QLatin1String(name);
+}
+
+class Bank {
+ public:
+  Bank() {
+    ShowFormat format;
+    format.size = {320, 180};
+    bank_.open(format);
+  }
+
+  void open(int channel, const tagKorviaShowSourceInfo& info) {
+    bank_.openSource(static_cast<KorviaShowObjectID>(channel), info, {}, nullptr);
+  }
+  void close(int channel) { bank_.closeSource(static_cast<KorviaShowObjectID>(channel)); }
+  /// Pulls the pictures of a tick, and asks. `items` is what the console's array held before.
+  Items items(Items items = {}) {
+    bank_.beginTick(1);
+    bank_.getSourceState(items.data());
+    return items;
+  }
+
+ private:
+  Janitor janitor_;
+  ChannelBank bank_{janitor_};
+};
+
+}  // namespace
+
+class SourceStatisticsTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void ratesAreThoseOfAMillisecond() {
+    SourceFigures figures;
+    figures.description = "a source";
+    figures.framesPerSecond = 25;
+    figures.samplesPerSecond = 48'000;
+    figures.videoAudioDriftMs = -12;
+    const tagKorviaShowSourceStatisticsItem item = statisticsOf(figures);
+    QCOMPARE(item.description, QString("a source"));
+    QCOMPARE(item.videoRate, 0.025F);
+    QCOMPARE(item.audioRate, 48.0F);
+    QCOMPARE(item.videoAudioDrift, qint64(-12));
+  }
+
+  void eachKindOfSourceDescribesItself() {
+    const QTemporaryDir folder;
+    QImage image(64, 36, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QVERIFY(image.save(folder.filePath("still.png")));
+    Bank bank;
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindMovie;
+    info.moviePath = clip("clip25.mp4");
+    bank.open(MediaChannel, info);
+    info.kind = SourceKindMovieList;
+    info.movieList = QStringList{clip("large.mp4"), clip("second.mkv")};
+    bank.open(MediaChannel + 1, info);
+    info.kind = SourceKindImage;
+    info.imagePath = folder.filePath("still.png");
+    bank.open(MediaChannel + 2, info);
+    info.kind = SourceKindColor;
+    info.color = 0xFF102030;
+    bank.open(MediaChannel + 7, info);
+
+    QTRY_COMPARE(bank.items()[0].description, QString("clip25.mp4, 320 x 180"));
+    QTRY_VERIFY(bank.items()[0].videoRate > 0);
+    QTRY_VERIFY(bank.items()[1].description.startsWith("large.mp4 (1/2)"));
+    QTRY_VERIFY(bank.items()[1].videoRate > 0);
+    QTRY_COMPARE(bank.items()[2].description, QString("still.png, 64 x 36"));
+    QCOMPARE(bank.items()[7].description, QString("#ff102030"));
+    QCOMPARE(bank.items()[3].description, QString());
+  }
+
+  void aClosedChannelIsEmptied() {
+    Bank bank;
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindMovie;
+    info.moviePath = clip("clip25.mp4");
+    bank.open(MediaChannel + 4, info);
+    QTRY_VERIFY(bank.items()[4].videoRate > 0);
+    bank.close(MediaChannel + 4);
+    Items before;
+    before[4].videoRate = 1;
+    before[4].description = "left over";
+    const Items after = bank.items(before);
+    QCOMPARE(after[4].description, QString());
+    QCOMPARE(after[4].videoRate, 0.0F);
+  }
+};
+
+QTEST_GUILESS_MAIN(SourceStatisticsTest)
+#include "tst_source_statistics.moc"
