@@ -67,6 +67,7 @@ Animation::Pull Animation::pull(int ticks) {
     return {};
   VideoQueue::Pull pulled = queue_.pull(clock_.advance(ticks));
   if (pulled.fresh) {
+    arrivals_.count(pulled.taken);
     positionNs_ = pulled.mediaNs;
     ++framesShown_;
   }
@@ -121,7 +122,7 @@ Animation::Pass Animation::decodePass(QImageReader& reader, QImage image) {
     TimedFrame frame{frameOf(image), timeNs_, mediaNs, 0};
     if (!queue_.push(std::move(frame)))
       return Pass::Interrupted;
-    arrivals_.count();
+    ++framesDecoded_;
     ++picturesInPass_;
     timeNs_ += lastsNs;
     mediaNs += lastsNs;

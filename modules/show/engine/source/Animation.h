@@ -46,7 +46,8 @@ class Animation {
   std::int64_t durationNs() const { return durationNs_; }
   /// Time in the pass of the picture on show.
   std::int64_t positionNs() const { return positionNs_; }
-  const RateMeter& arrivals() const { return arrivals_; }
+  float framesPerSecond() const { return arrivals_.perSecond(); }
+  std::int64_t framesDecoded() const { return framesDecoded_; }
   std::int64_t framesShown() const { return framesShown_; }
   VideoQueue::Figures figures() const { return queue_.figures(); }
 
@@ -70,6 +71,7 @@ class Animation {
   std::atomic<std::int64_t> durationNs_{0};
   std::atomic<std::int64_t> positionNs_{0};
   RateMeter arrivals_;
+  std::atomic<std::int64_t> framesDecoded_{0};
   std::atomic<std::int64_t> framesShown_{0};
   std::int64_t timeNs_ = 0;  // of the next picture on the queue's time line
   int picturesInPass_ = 0;

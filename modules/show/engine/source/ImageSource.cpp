@@ -49,8 +49,8 @@ SourceFigures ImageSource::figures() {
   SourceFigures figures = PictureSource::figures();
   if (animation_.isAnimated()) {
     const VideoQueue::Figures ofQueue = animation_.figures();
-    figures.framesDecoded = animation_.arrivals().total();
-    figures.framesPerSecond = animation_.arrivals().perSecond();
+    figures.framesDecoded = animation_.framesDecoded();
+    figures.framesPerSecond = animation_.framesPerSecond();
     figures.framesHeld = ofQueue.missed;
     figures.framesSkipped = ofQueue.dropped;
   }
@@ -59,7 +59,7 @@ SourceFigures ImageSource::figures() {
 
 void ImageSource::getState(tagKorviaSourceLinkState& state) {
   PictureSource::getState(state);
-  state.rate = animation_.arrivals().perSecond();
+  state.rate = animation_.framesPerSecond();
 }
 
 void ImageSource::play() {
