@@ -13,6 +13,7 @@
 #include "Recipes.h"
 #include "engine/source/SourceFactory.h"
 #include "engine/source/SourceThreads.h"
+#include "support/TestFile.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -21,11 +22,6 @@ namespace {
 
 constexpr int kDefaultCount = 60;
 constexpr qint64 kMostMs = 10'000;
-
-bool writeFile(const QString& path, const QByteArray& bytes) {
-  QFile file(path);
-  return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
 
 /// Pulls until the source has opened or failed, then once more after each thing that an operator can do.
 void drive(Source& source) {
@@ -77,9 +73,10 @@ int main(int argc, char** argv) {
   int slow = 0;
   for (int number = first; number < first + count; ++number) {
     const Recipe& recipe = recipes()[static_cast<std::size_t>(number) % recipes().size()];
-    const QString path = folder.filePath(QStringLiteral("%1.%2").arg(number).arg(recipe.name));
-    if (!writeFile(path, mutated(recipe.make(), static_cast<unsigned>(number)))) {
-      std::fprintf(stderr, "cannot write : %s\n", qUtf8Printable(path));
+    const QString path = writeTestFile(folder, QStringLiteral("%1.%2").arg(number).arg(recipe.name),
+                                       mutated(recipe.make(), static_cast<unsigned>(number)));
+    if (path.isEmpty()) {
+      std::fprintf(stderr, "cannot write a file into %s\n", qUtf8Printable(folder.path()));
       return 2;
     }
     // Before it is opened, so that the last line names the file of a crash.

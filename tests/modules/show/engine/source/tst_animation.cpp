@@ -4,6 +4,7 @@
 
 #include "SourceRig.h"
 #include "support/GifBytes.h"
+#include "support/TestFile.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -62,10 +63,7 @@ class AnimationTest : public QObject {
 
   QTemporaryDir folder_;
 
-  QString write(const QByteArray& bytes, const QString& name) {
-    QFile file(folder_.filePath(name));
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName() : QString();
-  }
+  QString write(const QByteArray& bytes, const QString& name) { return writeTestFile(folder_, name, bytes); }
 
   QString gif(const QVector<GifPicture>& pictures, int repeats = 0) {
     return write(gifBytes(pictures, {16, 9}, repeats), "made.gif");

@@ -3,6 +3,7 @@
 #include <QtTest>
 
 #include "SourceRig.h"
+#include "support/TestFile.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -19,10 +20,7 @@ class ImageListSourceTest : public QObject {
     return image.save(path) ? path : QString();
   }
 
-  QString file(const QString& name, const QByteArray& bytes) {
-    QFile file(folder_.filePath(name));
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName() : QString();
-  }
+  QString file(const QString& name, const QByteArray& bytes) { return writeTestFile(folder_, name, bytes); }
 
   static tagKorviaShowSourceInfo infoOf(const QStringList& paths) {
     tagKorviaShowSourceInfo info;

@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include "SourceRig.h"
+#include "support/TestFile.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -22,10 +23,7 @@ class ImageSourceTest : public QObject {
     return writer.write(image) ? path : QString();
   }
 
-  QString write(const QByteArray& bytes, const QString& name) {
-    QFile file(folder_.filePath(name));
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName() : QString();
-  }
+  QString write(const QByteArray& bytes, const QString& name) { return writeTestFile(folder_, name, bytes); }
 
   static void open(SourceRig& rig, const QString& path) {
     tagKorviaShowSourceInfo info;

@@ -7,6 +7,7 @@
 #include "engine/source/PdfRenderer.h"
 #include "engine/source/SourceThreads.h"
 #include "support/PdfBytes.h"
+#include "support/TestFile.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -16,10 +17,7 @@ class PdfRendererTest : public QObject {
 
   QTemporaryDir folder_;
 
-  QString file(const QString& name, const QByteArray& bytes) {
-    QFile file(folder_.filePath(name));
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName() : QString();
-  }
+  QString file(const QString& name, const QByteArray& bytes) { return writeTestFile(folder_, name, bytes); }
 
  private slots:
   void pagesAreDrawn() {

@@ -4,6 +4,7 @@
 
 #include "SourceRig.h"
 #include "support/PdfBytes.h"
+#include "support/TestFile.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -13,10 +14,7 @@ class PdfSourceTest : public QObject {
 
   QTemporaryDir folder_;
 
-  QString file(const QString& name, const QByteArray& bytes) {
-    QFile file(folder_.filePath(name));
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName() : QString();
-  }
+  QString file(const QString& name, const QByteArray& bytes) { return writeTestFile(folder_, name, bytes); }
 
   static void open(SourceRig& rig, const QString& path) {
     tagKorviaShowSourceInfo info;

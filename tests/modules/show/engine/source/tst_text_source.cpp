@@ -5,6 +5,7 @@
 
 #include "KorviaShowUtil.h"
 #include "SourceRig.h"
+#include "support/TestFile.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -14,10 +15,7 @@ class TextSourceTest : public QObject {
 
   QTemporaryDir folder_;
 
-  QString write(const QByteArray& bytes, const QString& name) {
-    QFile file(folder_.filePath(name));
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? file.fileName() : QString();
-  }
+  QString write(const QByteArray& bytes, const QString& name) { return writeTestFile(folder_, name, bytes); }
 
   static tagKorviaShowSourceInfo infoOf(const QString& text) {
     tagKorviaShowSourceInfo info;
