@@ -7,6 +7,7 @@
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
 #include "engine/SoftwareBackend.h"
+#include "support/MonitorWidget.h"
 #include "tagKorviaShowEngineInfo.h"
 #include "tagKorviaWindowInfo.h"
 
@@ -39,24 +40,6 @@ class Host final : public IShowBackendHost {
   QList<float> positions;
   FrameRate rate;
 };
-
-class MonitorWidget : public QWidget {
-  Q_OBJECT
-
- public:
-  QImage last;
-
- public slots:
-  void setMonitorImage(const QImage& image) { last = image; }
-};
-
-tagKorviaWindowInfo windowOf(QWidget& widget) {
-  tagKorviaWindowInfo info;
-  info.right = widget.width() - 1;
-  info.bottom = widget.height() - 1;
-  info.winId = widget.winId();
-  return info;
-}
 
 bool isNear(const QColor& got, const QColor& expected) {
   return qAbs(got.red() - expected.red()) <= 4 && qAbs(got.green() - expected.green()) <= 4 &&

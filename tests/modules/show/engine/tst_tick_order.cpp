@@ -10,6 +10,7 @@
 #include "KorviaShowEvents.h"
 #include "engine/SoftwareBackend.h"
 #include "support/AllocationCounter.h"
+#include "support/MonitorWidget.h"
 #include "support/VideoJudge.h"
 #include "tagKorviaShowEngineInfo.h"
 #include "tagKorviaShowOutputParam.h"
@@ -35,25 +36,12 @@ class Host final : public IShowBackendHost {
   IKorviaShowEngineSink* engineSink() override { return nullptr; }
 };
 
-class MonitorWidget : public QWidget {
-  Q_OBJECT
-
+class GreyMonitor final : public MonitorWidget {
  public:
-  MonitorWidget() { resize(kSize / 2); }
+  GreyMonitor() { resize(kSize / 2); }
+  /// In the middle of the picture; -1 before the first one.
   int grey() const { return last.isNull() ? -1 : qGray(last.pixel(last.rect().center())); }
-  QImage last;
-
- public slots:
-  void setMonitorImage(const QImage& image) { last = image; }
 };
-
-tagKorviaWindowInfo windowOf(QWidget& widget) {
-  tagKorviaWindowInfo info;
-  info.right = widget.width() - 1;
-  info.bottom = widget.height() - 1;
-  info.winId = widget.winId();
-  return info;
-}
 
 bool isNear(int got, int expected) {
   return qAbs(got - expected) <= 6;
@@ -68,9 +56,9 @@ class TickOrderTest : public QObject {
   QTemporaryDir folder_;
   Host host_;
   std::unique_ptr<SoftwareBackend> backend_;
-  std::unique_ptr<MonitorWidget> pgm_;
-  std::unique_ptr<MonitorWidget> pvm_;
-  std::unique_ptr<MonitorWidget> strip_;
+  std::unique_ptr<GreyMonitor> pgm_;
+  std::unique_ptr<GreyMonitor> pvm_;
+  std::unique_ptr<GreyMonitor> strip_;
   qint64 frame_ = 0;
   int files_ = 0;
 
@@ -142,9 +130,9 @@ class TickOrderTest : public QObject {
     frame_ = 0;
     backend_ = std::make_unique<SoftwareBackend>();
     backend_->begin(host_);
-    pgm_ = std::make_unique<MonitorWidget>();
-    pvm_ = std::make_unique<MonitorWidget>();
-    strip_ = std::make_unique<MonitorWidget>();
+    pgm_ = std::make_unique<GreyMonitor>();
+    pvm_ = std::make_unique<GreyMonitor>();
+    strip_ = std::make_unique<GreyMonitor>();
     tagKorviaShowWindowPackInfo windows;
     windows.pgm = windowOf(*pgm_);
     windows.pvm = windowOf(*pvm_);
