@@ -18,7 +18,7 @@ struct HeldMessage {
   QString text;
 };
 
-// Needs no lock: until the application object exists only the GUI thread logs.
+// Needs no lock: until the application object exists only the console thread logs.
 QList<HeldMessage> held;
 
 QString reason() {

@@ -1,5 +1,5 @@
 // The field of QColEdit in which a press chooses hue (from left to right) and saturation (from bottom to
-// top). GUI thread.
+// top). Console thread.
 #pragma once
 #include <QImage>
 #include <QWidget>

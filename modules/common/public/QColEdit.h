@@ -1,5 +1,5 @@
 // The colour editor of the console: a field of hues and saturations, brightness, numbers, the hexadecimal
-// text, an eyedropper and the colours that were used last. GUI thread.
+// text, an eyedropper and the colours that were used last. Console thread.
 #pragma once
 #include <QColor>
 #include <QDialog>

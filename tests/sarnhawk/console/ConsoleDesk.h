@@ -1,5 +1,5 @@
 // A console on a desk for tests: servers and clock are the test's own, the engine plays a script, questions
-// are answered. GUI thread.
+// are answered. Console thread.
 #pragma once
 #include <QDialog>
 #include <QMessageBox>

@@ -1,4 +1,4 @@
-// A console with short ways to its channel strips. GUI thread.
+// A console with short ways to its channel strips. Console thread.
 #pragma once
 #include <QCoreApplication>
 #include <QDropEvent>

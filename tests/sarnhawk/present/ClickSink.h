@@ -1,4 +1,4 @@
-// A sink that keeps the clicks on thumbnail tiles. GUI thread.
+// A sink that keeps the clicks on thumbnail tiles. Console thread.
 #pragma once
 #include <QVector>
 

@@ -1,4 +1,4 @@
-// A picker over a slot, with settings and files of its own. GUI thread.
+// A picker over a slot, with settings and files of its own. Console thread.
 #pragma once
 #include <QComboBox>
 #include <QDir>
