@@ -1,7 +1,7 @@
-// A source of pictures: a film, a still or a colour. The engine thread pulls one frame a tick, the console
-// thread calls the functions of IKorviaShowSource, and slow work is done on the source's own threads. The
-// base owns the record and the format. Its defaults are those of a source with one item, without duration,
-// whose buttons do nothing.
+// A source of pictures and sound: a film, a still or a colour. The engine thread pulls one frame a tick, the
+// console thread calls the functions of IKorviaShowSource, and slow work is done on the source's own threads.
+// The base owns the record and the format. Its defaults are those of a source with one item, without
+// duration, whose buttons do nothing.
 #pragma once
 #include <QString>
 #include <cstdint>
@@ -11,6 +11,7 @@
 #include "IKorviaShowEngineSink.h"
 #include "IKorviaShowSource.h"
 #include "RefillTurns.h"
+#include "engine/audio/StereoSpan.h"
 #include "engine/frame/Frame.h"
 #include "tagKorviaShowSourceInfo.h"
 
@@ -56,6 +57,9 @@ class Source : public IKorviaShowSource {
   /// The picture for this tick in the render size, or null for black. `ticks` is 1 plus the frames missed
   /// since the last call. Never blocks. Engine thread.
   virtual FrameRef pullFrame(int ticks) = 0;
+  /// The sound of the tick of the last pullFrame(); false, with nothing written, for silence. The sound of a
+  /// tick may be asked for in several pieces, one after the other. Never blocks. Engine thread.
+  virtual bool pullSound(StereoSpan) { return false; }
   /// Begins to close and returns at once. No notify comes after it. Console thread.
   virtual void close() = 0;
   virtual SourceFigures figures() { return {}; }
