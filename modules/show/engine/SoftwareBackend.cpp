@@ -10,6 +10,7 @@ SoftwareBackend::SoftwareBackend()
     : channels_(janitor_),
       switcher_(channels_),
       items_(switcher_.pgm()),
+      mixer_(channels_),
       monitors_(stages_),
       outputs_(janitor_) {
   fillEventTable();
@@ -57,6 +58,7 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
   channels_.open(format_);
   switcher_.open(format_);
   items_.open(format_);
+  mixer_.open(format_.rate);
   outputs_.open(format_);
   monitors_.open(windows);
   program_.reset();
@@ -103,6 +105,7 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
     channels_.beginTick(ticks);
   }
   switcher_.step(ticks);
+  mixSound(tick);
   {
     StageClock::Scope stage(stages_, StageClock::Mix);
     if (monitors_.isShown(MonitorHub::Pvm))
@@ -125,6 +128,14 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
     outputs_.push(program_, 1);
   }
   keepFigures(tick);
+}
+
+// Whoever takes the sound of program, an output or a device, is given it here, block by block.
+void SoftwareBackend::mixSound(const FrameTick& tick) {
+  StageClock::Scope stage(stages_, StageClock::Audio);
+  mixer_.beginTick(tick, switcher_.channels());
+  while (mixer_.mixBlock()) {
+  }
 }
 
 void SoftwareBackend::showMonitors(const FrameRef& preview) {

@@ -55,6 +55,7 @@ class SoftwareBackend final : public IShowBackend {
   void snapshot(int object, const QString& path);
 
   // The frame. Engine thread.
+  void mixSound(const FrameTick& tick);
   void showMonitors(const FrameRef& preview);
   void keepFigures(const FrameTick& tick);
 

@@ -11,6 +11,10 @@ inline constexpr int kSourceNotifySwitch = 2;
 
 class IKorviaShowEngineSink : public IUnknownEx {
  public:
+  /// The sound of a media channel or of the karaoke, before its volume, in pieces of up to 2048 samples; a
+  /// channel without sound is left out. `data`: 16-bit samples of the machine's byte order, left and right in
+  /// turn, valid during the call. `a`: bytes. `b`: samples a second of one side. `c`: sides. `d`: null. `e`:
+  /// bits of a sample.
   virtual void onAudioData(KorviaShowObjectID id, const void* data, unsigned a, unsigned b, int c,
                            const void* d, int e) = 0;
   virtual QImage lockBackground(KorviaShowObjectID id) = 0;

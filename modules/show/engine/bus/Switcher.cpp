@@ -79,4 +79,12 @@ FrameRef Switcher::programPicture() {
   return std::move(mixed).publish();
 }
 
+BusChannels Switcher::channels() const {
+  if (!switch_.isRunning())
+    return {pvm_.channel(), pgm_.channel()};
+  // A cut that the lever drives is the first channel up to its end.
+  const double position = switch_.transition() ? switch_.position() : 0;
+  return {pvm_.channel(), switch_.from(), switch_.to(), position};
+}
+
 }  // namespace korvia

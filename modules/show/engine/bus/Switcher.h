@@ -6,6 +6,7 @@
 #include "backend/IShowBackend.h"
 #include "engine/ShowFormat.h"
 #include "engine/bus/Bus.h"
+#include "engine/bus/BusChannels.h"
 #include "engine/channel/ChannelStage.h"
 #include "engine/mix/ProgramSwitch.h"
 #include "engine/mix/TransitionScratch.h"
@@ -36,6 +37,7 @@ class Switcher {
   Bus& pvm() { return pvm_; }
   Bus& pgm() { return pgm_; }
   double position() const { return switch_.position(); }
+  BusChannels channels() const;
 
  private:
   void report();

@@ -139,6 +139,10 @@ FrameRef ChannelBank::picture(int channelId) {
   return slot < 0 ? black() : channels_[slot].picture(*this, black());
 }
 
+bool ChannelBank::pullSound(int slot, StereoSpan piece) {
+  return active_[slot] && active_[slot]->pullSound(piece);
+}
+
 int ChannelBank::sourceCount() const {
   return static_cast<int>(
       std::count_if(active_.begin(), active_.end(), [](const auto& source) { return source != nullptr; }));

@@ -1,5 +1,5 @@
 // All channels and their sources. Console thread: opening, closing and asking for sources; engine thread: the
-// pictures.
+// pictures and the sound.
 #pragma once
 #include <array>
 #include <memory>
@@ -7,6 +7,7 @@
 #include "ThreadSafety.h"
 #include "engine/Janitor.h"
 #include "engine/ShowFormat.h"
+#include "engine/audio/ChannelSounds.h"
 #include "engine/channel/Channel.h"
 #include "engine/frame/FramePool.h"
 #include "engine/source/SourceSet.h"
@@ -19,7 +20,7 @@ namespace korvia {
 /// What the console is told of a source with these figures.
 tagKorviaShowSourceStatisticsItem statisticsOf(const SourceFigures& figures);
 
-class ChannelBank final : public ChannelPictures {
+class ChannelBank final : public ChannelPictures, public ChannelSounds {
  public:
   /// The janitor destroys closed sources, because that may take time.
   explicit ChannelBank(Janitor& janitor) : janitor_(janitor) {}
@@ -49,6 +50,7 @@ class ChannelBank final : public ChannelPictures {
   void beginTick(int ticks);
   /// The picture of a media channel or of the karaoke; black for every other id.
   FrameRef picture(int channelId) override;
+  bool pullSound(int slot, StereoSpan piece) override;
   FrameRef black() { return pool_->black(); }
   int sourceCount() const;
 

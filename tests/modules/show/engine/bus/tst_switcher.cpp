@@ -1,5 +1,6 @@
 // What the buses show: channels on black, and reports in their order.
 #include <QtTest>
+#include <cmath>
 #include <map>
 
 #include "KorviaShowEvents.h"
@@ -94,6 +95,30 @@ class SwitcherTest : public QObject {
     const FrameRef without = halfWayTo(3);
     QVERIFY(!withAlpha->hasAlpha());
     QCOMPARE(difference(*withAlpha, *without).largest, 0);
+  }
+
+  void theChannelsFollowTakesAndLever() {
+    const auto isOn = [this](int preview, int program, int next, double position) {
+      const BusChannels channels = switcher_->channels();
+      return channels.preview == preview && channels.program == program && channels.next == next &&
+             std::abs(channels.position - position) < 1e-6;
+    };
+    QVERIFY(isOn(2, 1, 0, 0));
+    switcher_->take(2, 22, 1.0, 0);
+    switcher_->step(5);
+    QVERIFY(isOn(2, 1, 2, 0.2));
+    switcher_->moveLever(PGMObject, 0.7F);
+    switcher_->step(1);
+    QVERIFY(isOn(2, 1, 2, 0.7));
+    switcher_->moveLever(PGMObject, 1.0F);
+    switcher_->step(1);
+    QVERIFY(isOn(1, 2, 0, 0));
+    // With a cut the lever changes nothing up to its end.
+    switcher_->take(1, 0, 1.0, 0);
+    switcher_->step(1);
+    switcher_->moveLever(PGMObject, 0.6F);
+    switcher_->step(1);
+    QVERIFY(isOn(2, 1, 2, 0));
   }
 
   void selectingAnythingButABusIsIgnored() {
