@@ -46,6 +46,13 @@ QJsonObject engineSection(const tagKorviaShowEngineFigures& figures, bool isOpen
                                  {"handOver", stageTime(figures.handOver)}}}};
 }
 
+QJsonObject soundSection(const tagKorviaShowEngineFigures& figures) {
+  return {{"momentaryLufs", figures.loudness.momentaryLufs},
+          {"shortTermLufs", figures.loudness.shortTermLufs},
+          {"integratedLufs", figures.loudness.integratedLufs},
+          {"truePeakDbtp", figures.loudness.truePeakDbtp}};
+}
+
 // These words are not translated, because programs read them from the status page.
 constexpr const char* kOutputStates[] = {"Idle", "Starting", "Running", "Failed", "Finished"};
 static_assert(std::size(kOutputStates) == static_cast<std::size_t>(KorviaShowOutputState::Finished) + 1);
@@ -75,6 +82,7 @@ void StatusPublisher::onWorkTick() {
   board.publish(QStringLiteral("channels"), channels());
   board.publish(QStringLiteral("engine"), engineSection(figures, isOpen));
   board.publish(QStringLiteral("outputs"), outputsSection(figures));
+  board.publish(QStringLiteral("sound"), soundSection(figures));
 }
 
 QJsonObject StatusPublisher::buses(const tagKorviaShowEngineFigures& figures) const {

@@ -59,6 +59,7 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
   switcher_.open(format_);
   items_.open(format_);
   mixer_.open(format_.rate);
+  loudness_.restart();
   outputs_.open(format_);
   monitors_.open(windows);
   program_.reset();
@@ -134,8 +135,8 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
 void SoftwareBackend::mixSound(const FrameTick& tick) {
   StageClock::Scope stage(stages_, StageClock::Audio);
   mixer_.beginTick(tick, switcher_.channels());
-  while (mixer_.mixBlock()) {
-  }
+  while (mixer_.mixBlock())
+    loudness_.push(mixer_.program());
 }
 
 void SoftwareBackend::showMonitors(const FrameRef& preview) {
@@ -197,6 +198,7 @@ void SoftwareBackend::getFigures(tagKorviaShowEngineFigures& figures) {
     figures.fpsOfRun = frameMeter_.perSecondOfRun(now);
   }
   stages_.read(figures);
+  figures.loudness = loudness_.loudness();
   channels_.getFigures(figures);
   figures.droppedStripPictures = monitors_.droppedPictures();
   figures.recording = outputs_.isRunning(OutputSlotRecord);

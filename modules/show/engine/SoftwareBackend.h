@@ -11,6 +11,7 @@
 #include "engine/ShowFormat.h"
 #include "engine/StageClock.h"
 #include "engine/audio/AudioMixer.h"
+#include "engine/audio/LoudnessMeter.h"
 #include "engine/bus/Switcher.h"
 #include "engine/channel/ChannelBank.h"
 #include "engine/items/ItemStage.h"
@@ -75,6 +76,7 @@ class SoftwareBackend final : public IShowBackend {
   std::unique_ptr<FramePool> pool_;  // engine thread; pictures with layers over them
   ItemStage items_;
   AudioMixer mixer_;
+  LoudnessMeter loudness_;
   MonitorHub monitors_;
   OutputRack outputs_;
   SnapshotWriter snapshots_;

@@ -16,6 +16,18 @@ struct tagKorviaShowEngineFigures {
     friend bool operator==(const StageTime&, const StageTime&) = default;
   };
 
+  /// Of program, by EBU R 128, since the engine opened. Silence is kSilence: EBU R 128 takes no notice of
+  /// what is less loud.
+  struct Loudness {
+    static constexpr double kSilence = -70;
+    double momentaryLufs = kSilence;   ///< of 400 ms
+    double shortTermLufs = kSilence;   ///< of 3 s
+    double integratedLufs = kSilence;  ///< of the whole show, without its pauses
+    double truePeakDbtp = kSilence;
+
+    friend bool operator==(const Loudness&, const Loudness&) = default;
+  };
+
   /// Program frames since the engine opened.
   qint64 frames = 0;
   /// Ticks that began more than a quarter of a frame after their deadline, missed frames or not.
@@ -37,6 +49,7 @@ struct tagKorviaShowEngineFigures {
   StageTime monitors;
   StageTime handOver;
   StageTime tick;
+  Loudness loudness;
   int sourceCount = 0;
   /// 0 to 1.
   float switchPosition = 0;

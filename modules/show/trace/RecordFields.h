@@ -363,6 +363,14 @@ void visitFields(R& r, V&& visit) {
   visit("maxOfRunMs", r.maxOfRunMs);
 }
 
+template <RecordOf<tagKorviaShowEngineFigures::Loudness> R, class V>
+void visitFields(R& r, V&& visit) {
+  visit("momentaryLufs", r.momentaryLufs);
+  visit("shortTermLufs", r.shortTermLufs);
+  visit("integratedLufs", r.integratedLufs);
+  visit("truePeakDbtp", r.truePeakDbtp);
+}
+
 template <RecordOf<tagKorviaShowOutputReport> R, class V>
 void visitFields(R& r, V&& visit) {
   visit("state", r.state);
@@ -388,6 +396,7 @@ void visitFields(R& r, V&& visit) {
   visit("monitors", r.monitors);
   visit("handOver", r.handOver);
   visit("tick", r.tick);
+  visit("loudness", r.loudness);
   visit("sourceCount", r.sourceCount);
   visit("switchPosition", r.switchPosition);
   visit("pvmChannel", r.pvmChannel);

@@ -421,6 +421,7 @@ class DeskControlsTest : public QObject {
     desk.config()->channels[0].source.moviePath = "d:\\films\\opener.mp4";
     desk.show.figures.fps = 25;
     desk.show.figures.recording = true;
+    desk.show.figures.loudness.shortTermLufs = -23.5;
     desk.source->duration = 20 * kTenthsPerSecond;
     desk.console->onWorkTimer();
     const QJsonObject board = korvia::StatusBoard::instance().snapshot();
@@ -432,6 +433,8 @@ class DeskControlsTest : public QObject {
     QCOMPARE(board["channels"].toObject()["Stage-0"].toObject()["inUse"], QJsonValue(false));
     QCOMPARE(board["engine"].toObject()["fps"].toDouble(), 25.0);
     QCOMPARE(board["outputs"].toObject()["recording"], QJsonValue(true));
+    QCOMPARE(board["sound"].toObject()["shortTermLufs"].toDouble(), -23.5);
+    QCOMPARE(board["sound"].toObject()["truePeakDbtp"].toDouble(), -70.0);
   }
 
   void streamAddressStaysOffTheBoard() {

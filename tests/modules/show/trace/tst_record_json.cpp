@@ -208,12 +208,15 @@ class RecordJsonTest : public QObject {
     figures.frames = 1500;
     figures.tick.p99Ms = 12.5;
     figures.recording = true;
+    figures.loudness.integratedLufs = -23.5;
     figures.outputs[1].state = KorviaShowOutputState::Failed;
     const QJsonObject json = objectOf(figures);
     QCOMPARE(json["frames"].toInt(), 1500);
     QCOMPARE(json["tick"].toObject()["p99Ms"].toDouble(), 12.5);
     QCOMPARE(json["recording"], QJsonValue(true));
     QCOMPARE(json["handOver"].toObject().size(), 4);
+    QCOMPARE(json["loudness"].toObject()["integratedLufs"].toDouble(), -23.5);
+    QCOMPARE(json["loudness"].toObject().size(), 4);
     QCOMPARE(json["outputs"].toArray().size(), 2);
     QCOMPARE(json["outputs"].toArray()[1].toObject()["state"].toInt(), 3);
     QCOMPARE(json["outputs"].toArray()[1].toObject().size(), 4);
