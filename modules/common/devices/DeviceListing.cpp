@@ -5,6 +5,7 @@
 #include <map>
 
 #include "DeviceId.h"
+#include "DeviceProviders.h"
 #include "ThreadSafety.h"
 
 namespace korvia {
@@ -63,9 +64,7 @@ QString elementDevice(GstDevice* device) {
 
 ListedDevice describe(GstDevice* device, const QString& provider) {
   ListedDevice described;
-  gchar* name = gst_device_get_display_name(device);
-  described.name = QString::fromUtf8(name);
-  g_free(name);
+  described.name = displayNameOf(device);
   DeviceProperties properties = propertiesOf(device);
   described.interface = properties.value(QStringLiteral("device.api"));
   // Capture cards do not tell what they belong to.
@@ -77,46 +76,11 @@ ListedDevice describe(GstDevice* device, const QString& provider) {
   return described;
 }
 
-/// Appends the devices of the provider. A provider that can watch its sound server is started first: its
-/// plain listing leaks three descriptors each time that no server answers, while its start frees what it
-/// took.
-void appendDevices(GstDeviceProvider* provider, const char* providerName, const char* classes,
-                   QList<ListedDevice>& devices) {
-  if (GST_DEVICE_PROVIDER_GET_CLASS(provider)->start) {
-    if (!gst_device_provider_start(provider))
-      return;
-    gst_device_provider_stop(provider);
-  }
-  GList* found = gst_device_provider_get_devices(provider);
-  for (GList* entry = found; entry; entry = entry->next) {
-    auto* device = GST_DEVICE(entry->data);
-    if (!gst_device_has_classes(device, classes))
-      continue;
-    devices.append(describe(device, QString::fromLatin1(providerName)));
-  }
-  g_list_free_full(found, gst_object_unref);
-}
-
 QList<ListedDevice> askSystem(const char* classes) {
   QList<ListedDevice> devices;
-  GError* error = nullptr;
-  if (!gst_init_check(nullptr, nullptr, &error)) {
-    qDebug("failed to list devices : %s", error ? error->message : "gstreamer does not start");
-    g_clear_error(&error);
-    return devices;
-  }
-  // The monitor selects the providers, since one may replace another.
-  GstDeviceMonitor* monitor = gst_device_monitor_new();
-  gst_device_monitor_add_filter(monitor, classes, nullptr);
-  gchar** names = gst_device_monitor_get_providers(monitor);
-  for (gchar** name = names; name && *name; ++name) {
-    if (GstDeviceProvider* provider = gst_device_provider_factory_get_by_name(*name)) {
-      appendDevices(provider, *name, classes, devices);
-      gst_object_unref(provider);
-    }
-  }
-  g_strfreev(names);
-  gst_object_unref(monitor);
+  visitDevices(classes, [&devices](GstDevice* device, const char* provider) {
+    devices.append(describe(device, QString::fromLatin1(provider)));
+  });
   return devices;
 }
 
