@@ -29,6 +29,10 @@ endfunction()
 
 set(KORVIA_TEST_ENVIRONMENT
   "QT_LOGGING_RULES=qt.*=false"
+  # A show plays on the default output: not where somebody runs its tests
+  "PULSE_SERVER=unix:/nonexistent/pulse"
+  "PIPEWIRE_REMOTE=/nonexistent/pipewire"
+  "ALSA_CONFIG_PATH=/nonexistent/alsa.conf"
   # GLib's slices hand the same memory to another thread without an allocation that a sanitizer sees
   "G_SLICE=always-malloc"
   # gst-plugin-scanner would run uninstrumented plugins under the sanitizers' preload

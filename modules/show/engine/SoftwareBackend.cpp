@@ -3,6 +3,7 @@
 #include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
+#include "engine/audio/DeviceSink.h"
 
 namespace korvia {
 
@@ -60,6 +61,7 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
   items_.open(format_);
   mixer_.open(format_.rate);
   loudness_.restart();
+  openDevices(info);
   outputs_.open(format_);
   monitors_.open(windows);
   program_.reset();
@@ -76,10 +78,33 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
   host_->postResult(ShowEventOpen);
 }
 
+void SoftwareBackend::openDevices(const tagKorviaShowEngineInfo& info) {
+  closeDevices();
+  const auto device = [this](const char* bus, const QString& name) {
+    return std::make_unique<SoundDevice>(QStringLiteral("%1 on \"%2\"").arg(QLatin1String(bus), name),
+                                         format_.rate, [name] { return makeNamedDeviceSink(name); });
+  };
+  if (info.pgmDevice.isEmpty())
+    programDevice_ = std::make_unique<SoundDevice>(QStringLiteral("program on the default output"),
+                                                   format_.rate, makeDefaultDeviceSink);
+  else
+    programDevice_ = device("program", info.pgmDevice);
+  // Preview is heard by whoever has a second device for it.
+  if (!info.pvmDevice.isEmpty())
+    previewDevice_ = device("preview", info.pvmDevice);
+}
+
+void SoftwareBackend::closeDevices() {
+  for (std::unique_ptr<SoundDevice>* device : {&programDevice_, &previewDevice_})
+    if (*device)
+      janitor_.dispose(std::move(*device));
+}
+
 void SoftwareBackend::closeShow() {
   if (!open_)
     return;
   open_ = false;
+  closeDevices();
   outputs_.close();
   monitors_.close();
   snapshots_.flush();
@@ -135,8 +160,13 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
 void SoftwareBackend::mixSound(const FrameTick& tick) {
   StageClock::Scope stage(stages_, StageClock::Audio);
   mixer_.beginTick(tick, switcher_.channels());
-  while (mixer_.mixBlock())
+  while (mixer_.mixBlock()) {
     loudness_.push(mixer_.program());
+    if (programDevice_)
+      programDevice_->push(mixer_.program());
+    if (previewDevice_)
+      previewDevice_->push(mixer_.preview());
+  }
 }
 
 void SoftwareBackend::showMonitors(const FrameRef& preview) {

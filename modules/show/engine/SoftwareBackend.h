@@ -12,6 +12,7 @@
 #include "engine/StageClock.h"
 #include "engine/audio/AudioMixer.h"
 #include "engine/audio/LoudnessMeter.h"
+#include "engine/audio/SoundDevice.h"
 #include "engine/bus/Switcher.h"
 #include "engine/channel/ChannelBank.h"
 #include "engine/items/ItemStage.h"
@@ -53,6 +54,8 @@ class SoftwareBackend final : public IShowBackend {
   // Events. Engine thread.
   void open(const tagKorviaShowEngineInfo& info, const tagKorviaShowWindowPackInfo& windows);
   void closeShow();
+  void openDevices(const tagKorviaShowEngineInfo& info);
+  void closeDevices();
   void snapshot(int object, const QString& path);
 
   // The frame. Engine thread.
@@ -77,6 +80,9 @@ class SoftwareBackend final : public IShowBackend {
   ItemStage items_;
   AudioMixer mixer_;
   LoudnessMeter loudness_;
+  // Engine thread; null for a bus that is not heard.
+  std::unique_ptr<SoundDevice> programDevice_;
+  std::unique_ptr<SoundDevice> previewDevice_;
   MonitorHub monitors_;
   OutputRack outputs_;
   SnapshotWriter snapshots_;

@@ -21,7 +21,7 @@ class Limiter {
   /// The gain comes back with this time constant.
   static constexpr double kReleaseMs = 80;
   /// What comes out came in this many samples before, 2.9 ms. The mixer does not delay the picture for that:
-  /// a viewer notices sound that is late from about 45 ms on (ITU-R BT.1359).
+  /// a viewer notices sound that is late from about 125 ms on (ITU-R BT.1359).
   static constexpr int kLatencySamples = kAttackSamples - 1 + 2 * kInterpolationReach;
 
   Limiter();

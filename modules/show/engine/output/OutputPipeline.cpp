@@ -35,6 +35,11 @@ GstElement* OutputPipeline::add(const char* factory, const char* name) {
   return element;
 }
 
+void OutputPipeline::adopt(GstElement* element) {
+  gst_bin_add(GST_BIN(pipeline_), element);
+  gst_object_unref(element);
+}
+
 bool OutputPipeline::play() {
   annotateHappensBefore(this);
   if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE)

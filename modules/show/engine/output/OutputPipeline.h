@@ -24,6 +24,8 @@ class OutputPipeline {
   bool create(const char* name);
   /// Makes an element and adds it to the pipeline; null when it is not installed.
   GstElement* add(const char* factory, const char* name);
+  /// Adds an element that was made elsewhere, and takes over the caller's reference to it.
+  void adopt(GstElement* element);
   bool play();
   /// Stops without an end of stream. Blocks until the sink has written its current buffer; the streaming
   /// threads have ended after that.

@@ -12,13 +12,13 @@
 namespace korvia::test {
 
 /// The sample at a time, in samples from the begin of the channel.
-using Sound = std::function<float(qint64)>;
+using Signal = std::function<float(qint64)>;
 
-inline Sound constantly(float value) {
+inline Signal constantly(float value) {
   return [value](qint64) { return value; };
 }
 
-inline Sound sine(double frequency, double amplitude) {
+inline Signal sine(double frequency, double amplitude) {
   return [=](qint64 at) {
     const double turns = std::fmod(frequency * static_cast<double>(at) / kSampleRate, 1.0);
     return static_cast<float>(amplitude * std::sin(2 * std::numbers::pi * turns));
@@ -26,7 +26,7 @@ inline Sound sine(double frequency, double amplitude) {
 }
 
 /// Samples from -amplitude to amplitude that follow from their time alone.
-inline Sound noise(float amplitude) {
+inline Signal noise(float amplitude) {
   return [=](qint64 at) {
     auto bits = static_cast<std::uint32_t>(at) * 2654435761U;
     bits = (bits ^ (bits >> 15)) * 2246822519U;
@@ -50,7 +50,7 @@ class MadeUpSounds final : public ChannelSounds {
     return true;
   }
 
-  std::array<Sound, kSourceSlotCount> sounds;
+  std::array<Signal, kSourceSlotCount> sounds;
   std::array<qint64, kSourceSlotCount> pulled{};
 };
 

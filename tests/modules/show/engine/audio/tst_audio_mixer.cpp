@@ -165,7 +165,7 @@ class AudioMixerTest : public QObject {
 
   void theSpectrumFindsAClick() {
     std::vector<float> samples(16384);
-    const Sound tone = sine(1000, 0.7);
+    const Signal tone = sine(1000, 0.7);
     for (int i = 0; i < 16384; ++i)
       samples[i] = i < 8000 ? tone(i) : 0;
     QVERIFY(splatterDb(samples, 1000, 1000) > -60);
@@ -408,7 +408,7 @@ class AudioMixerTest : public QObject {
 
   void mixingAllocatesNothing() {
     MixerRig rig;
-    for (Sound& sound : rig.channels.sounds)
+    for (Signal& sound : rig.channels.sounds)
       sound = noise(0.5F);
     rig.mixer.setMixMode(AudioMixModeAll);
     for (int i = 0; i < 50; ++i) {

@@ -19,7 +19,7 @@ struct Sides {
   std::vector<float> right;
 };
 
-Sides made(const Sound& sound, int samples) {
+Sides made(const Signal& sound, int samples) {
   Sides sides{std::vector<float>(samples), std::vector<float>(samples)};
   for (int i = 0; i < samples; ++i) {
     sides.left[i] = sound(i);
@@ -64,7 +64,7 @@ class LimiterTest : public QObject {
   }
   void nothingGetsAboveTheCeiling() {
     QFETCH(QString, what);
-    const std::map<QString, Sound> sounds{
+    const std::map<QString, Signal> sounds{
         {"loud tone", sine(997, 4)},
         {"between the samples", [](qint64 at) { return at % 4 < 2 ? 0.95F : -0.95F; }},
         {"noise", noise(3)},
@@ -99,7 +99,7 @@ class LimiterTest : public QObject {
 
   void afterAPeakItIsTransparentAgain() {
     Limiter limiter;
-    const Sound quiet = noise(0.4F);
+    const Signal quiet = noise(0.4F);
     const Sides in = made([&](qint64 at) { return at == 1000 ? 8.0F : quiet(at); }, 3 * kSecond);
     const Sides out = limited(limiter, in);
     for (int i = 2 * kSecond; i < 3 * kSecond; ++i)

@@ -25,7 +25,7 @@ class LoudnessMeterTest : public QObject {
   std::unique_ptr<LoudnessMeter> meter_;
 
   /// Pushes as fast as the meter takes it, and waits until it has measured everything.
-  bool play(const Sound& left, const Sound& right, int blocks) {
+  bool play(const Signal& left, const Signal& right, int blocks) {
     StereoBlock block;
     for (int n = 0; n < blocks; ++n) {
       const StereoSpan span = block.span(kBlock);
@@ -49,7 +49,7 @@ class LoudnessMeterTest : public QObject {
 
   void aToneHasTheLoudnessOfTheStandard() {
     // EBU Tech 3341, case 1: 1 kHz at -23 dBFS on both sides is -23 LUFS.
-    const Sound tone = sine(1000, std::pow(10, -23 / 20.0));
+    const Signal tone = sine(1000, std::pow(10, -23 / 20.0));
     QVERIFY(play(tone, tone, 100));
     const LoudnessMeter::Loudness loudness = meter_->loudness();
     QVERIFY2(isNear(loudness.momentaryLufs, -23), qPrintable(QString::number(loudness.momentaryLufs)));
@@ -59,8 +59,8 @@ class LoudnessMeterTest : public QObject {
   }
 
   void theWindowsAreThoseOfTheStandard() {
-    const Sound loud = sine(1000, 0.5);
-    const Sound quiet = sine(1000, 0.05);
+    const Signal loud = sine(1000, 0.5);
+    const Signal quiet = sine(1000, 0.05);
     QVERIFY(play(loud, loud, 50));
     const double before = meter_->loudness().momentaryLufs;
     QVERIFY(play(quiet, quiet, 25));
@@ -72,7 +72,7 @@ class LoudnessMeterTest : public QObject {
   }
 
   void peaksBetweenTheSamplesCount() {
-    const Sound beside = [](qint64 at) { return at % 4 < 2 ? 0.5F : -0.5F; };
+    const Signal beside = [](qint64 at) { return at % 4 < 2 ? 0.5F : -0.5F; };
     QVERIFY(play(constantly(0), beside, 10));
     QVERIFY(isNear(meter_->loudness().truePeakDbtp, -3.01, 0.4));
   }
@@ -84,7 +84,7 @@ class LoudnessMeterTest : public QObject {
   }
 
   void aNewShowForgetsTheOneBefore() {
-    const Sound loud = sine(1000, 0.9);
+    const Signal loud = sine(1000, 0.9);
     QVERIFY(play(loud, loud, 50));
     // What is still in the queue belongs to the show before too.
     StereoBlock block;
@@ -92,7 +92,7 @@ class LoudnessMeterTest : public QObject {
     meter_->push(block.span(kBlock));
     meter_->restart();
     QVERIFY(meter_->loudness() == LoudnessMeter::Loudness());
-    const Sound quiet = sine(1000, 0.1);
+    const Signal quiet = sine(1000, 0.1);
     QVERIFY(play(quiet, quiet, 50));
     QVERIFY(isNear(meter_->loudness().truePeakDbtp, -20, 0.2));
     QVERIFY(isNear(meter_->loudness().integratedLufs, -20));
