@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Report.h"
+#include "engine/audio/AudioMixer.h"
 #include "engine/bus/Compositor.h"
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/FramePool.h"
@@ -176,6 +177,49 @@ void measureEffects(const QList<int>& wanted, Carousel<FrameRef>& in, Carousel<M
     }
 }
 
+class BenchHost final : public IShowBackendHost {
+ public:
+  void postResult(quint64, const QVariant&, const QVariant&, const QVariant&, const QVariant&) override {}
+  void setFrameRate(FrameRate) override {}
+  IKorviaShowEngineSink* engineSink() override { return nullptr; }
+};
+
+/// Every channel with the same noise, loud enough for the limiter.
+class NoisyChannels final : public ChannelSounds {
+ public:
+  NoisyChannels() : noise_(2 * kBlockSamplesMax) {
+    std::uint32_t seed = 1;
+    for (float& sample : noise_) {
+      seed = seed * 1664525 + 1013904223;
+      sample = static_cast<float>(seed >> 8) / (1 << 23) - 1;
+    }
+  }
+  bool pullSound(int, StereoSpan piece) override {
+    std::copy_n(noise_.data(), piece.samples, piece.left);
+    std::copy_n(noise_.data() + kBlockSamplesMax, piece.samples, piece.right);
+    return true;
+  }
+
+ private:
+  std::vector<float> noise_;
+};
+
+void measureMixer(const std::function<void()>& reference, Table& table) {
+  NoisyChannels channels;
+  AudioMixer mixer(channels);
+  BenchHost host;
+  mixer.setHost(&host);
+  mixer.open({25, 1});
+  mixer.setMixMode(AudioMixModeAll);
+  FrameTick tick;
+  table.measure("mixing the sound of nine channels", reference, [&] {
+    ++tick.number;
+    mixer.beginTick(tick, {MediaChannel, MediaChannel + 1});
+    while (mixer.mixBlock()) {
+    }
+  });
+}
+
 void measureAll(const QList<int>& effects, Table& table) {
   Carousel<FrameRef> in = pictures();
   Carousel<MutableFrame> out = targets();
@@ -223,6 +267,7 @@ void measureAll(const QList<int>& effects, Table& table) {
     std::snprintf(name, sizeof name, "monitor %d x %d", size.width, size.height);
     table.measure(name, reference, [&] { scaler.toRgb(in.next(), size, pixels.data(), size.width * 4); });
   }
+  measureMixer(reference, table);
   const FrameSize small{1280, 720};
   FramePool smallPool(small);
   MutableFrame smallFrame = smallPool.acquire();
