@@ -38,6 +38,9 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
       ++figures_.framesDropped;
       return;
     }
+    if (!inBurst_ && queue_.size() < settings_.burstFrames)
+      return;
+    inBurst_ = true;
   }
   // After the lock is released, so that the woken thread does not wait for it.
   changed_.notify_all();
@@ -80,7 +83,7 @@ SlotEncoder::Step SlotEncoder::step() {
     MutexLock lock(mutex_);
     const auto isOver = [this] { return pipeline_ && (pipeline_->isEnded() || pipeline_->hasFailed()); };
     const auto canFeed = [this]() REQUIRES(mutex_) {
-      return !queue_.isEmpty() && (!pipeline_ || pipeline_->hasRoom());
+      return !queue_.isEmpty() && (inBurst_ || !accepting_) && (!pipeline_ || pipeline_->hasRoom());
     };
     const auto mustAct = [&]() REQUIRES(mutex_) {
       return canFeed() || isOver() || (!accepting_ && queue_.isEmpty() && !streamEnded_);
@@ -91,6 +94,7 @@ SlotEncoder::Step SlotEncoder::step() {
       queued = queue_.pop();
     finishing = !accepting_;
     drained = queue_.isEmpty();
+    inBurst_ = inBurst_ && !drained;
   }
 
   // Without a target the packets are not used, and x264 holds many megabytes.

@@ -21,6 +21,9 @@ struct EncoderSettings {
   PictureEncoding picture;
   /// Capacity of the queue: one second of the show, 75 MB for 1080p25.
   int queueCapacity = 25;
+  /// Frames are encoded in groups of this size, because an encoder that gets several frames in one go works
+  /// with warm caches. A crash loses up to one group more. 1 encodes each frame at once, for live viewers.
+  int burstFrames = 1;
   /// Time-out for encoding the queued frames after finish().
   int finishTimeoutMs = 10000;
 };
@@ -92,6 +95,7 @@ class SlotEncoder {
   mutable Mutex mutex_;
   ConditionVariable changed_;  ///< anything below, or the pipeline
   FrameQueue queue_ GUARDED_BY(mutex_);
+  bool inBurst_ GUARDED_BY(mutex_) = false;    // the queue is being emptied
   bool accepting_ GUARDED_BY(mutex_) = true;   // false from finish() or a failure on
   bool finished_ GUARDED_BY(mutex_) = false;   // the thread is about to end
   EncoderFigures figures_ GUARDED_BY(mutex_);  // framesEncoded stands in the atomic
