@@ -142,6 +142,7 @@ QJsonObject report(const ShowBenchOptions& options, const tagKorviaShowEngineFig
           {"repeatedFrames", after.repeatedFrames - before.repeatedFrames},
           {"droppedStripPictures", after.droppedStripPictures - before.droppedStripPictures},
           {"heldFilmFrames", after.heldFilmFrames - before.heldFilmFrames},
+          {"reducedSources", after.reducedSources},
           {"skippedFilmFrames", after.skippedFilmFrames - before.skippedFilmFrames},
           {"coreSecondsPerSecond", (processAfter.cpuSeconds - processBefore.cpuSeconds) / wallSeconds},
           {"coresByThread", threads},

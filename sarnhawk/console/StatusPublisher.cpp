@@ -36,6 +36,8 @@ QJsonObject engineSection(const tagKorviaShowEngineFigures& figures, bool isOpen
           {"droppedStripPictures", figures.droppedStripPictures},
           {"heldFilmFrames", figures.heldFilmFrames},
           {"skippedFilmFrames", figures.skippedFilmFrames},
+          {"reducedSources", figures.reducedSources},
+          {"cpuLoad", figures.cpuLoad},
           {"sources", figures.sourceCount},
           {"tick", stageTime(figures.tick)},
           {"stages", QJsonObject{{"sources", stageTime(figures.sources)},

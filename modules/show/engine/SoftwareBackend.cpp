@@ -1,5 +1,10 @@
 #include "SoftwareBackend.h"
 
+#include <time.h>
+
+#include <algorithm>
+#include <thread>
+
 #include "engine/EngineLog.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
@@ -8,7 +13,8 @@
 namespace korvia {
 
 SoftwareBackend::SoftwareBackend()
-    : channels_(janitor_),
+    : load_(std::max(1, static_cast<int>(std::thread::hardware_concurrency()))),
+      channels_(janitor_),
       switcher_(channels_),
       items_(switcher_.pgm()),
       mixer_(channels_),
@@ -72,6 +78,7 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
     frameMeter_.start(std::chrono::steady_clock::now());
   }
   stages_.restart();
+  load_.restart();
   open_ = true;
   qCDebug(logEngine, "engine opened : %d x %d, %.3f frames per second", format_.size.width,
           format_.size.height, format_.rate.framesPerSecond());
@@ -132,6 +139,8 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
   }
   switcher_.step(ticks);
   mixSound(tick);
+  // The preview may go to air any moment, also when its monitor is hidden.
+  channels_.keep(switcher_.pvm().channel());
   {
     StageClock::Scope stage(stages_, StageClock::Mix);
     if (monitors_.isShown(MonitorHub::Pvm))
@@ -154,6 +163,7 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
     outputs_.push(program_, 1);
   }
   keepFigures(tick);
+  watchLoad();
 }
 
 // Whoever takes the sound of program, an output or a device, is given it here, block by block.
@@ -175,7 +185,7 @@ void SoftwareBackend::showMonitors(const FrameRef& preview) {
   const auto showChannel = [this](int window, int channelId) {
     // A channel makes its picture on demand, so it is asked only for a visible window.
     if (monitors_.isShown(static_cast<MonitorHub::Window>(window)))
-      monitors_.show(static_cast<MonitorHub::Window>(window), channels_.picture(channelId));
+      monitors_.show(static_cast<MonitorHub::Window>(window), channels_.stripPicture(channelId));
   };
   for (int i = 0; i < kMediaChannelMax; ++i)
     showChannel(MonitorHub::FirstMedia + i, MediaChannel + i);
@@ -195,6 +205,19 @@ void SoftwareBackend::keepFigures(const FrameTick& tick) {
   figures_.pvmChannel = switcher_.pvm().channel();
   figures_.pgmChannel = switcher_.pgm().channel();
   figures_.sourceCount = channels_.sourceCount();
+}
+
+void SoftwareBackend::watchLoad() {
+  const auto now = std::chrono::steady_clock::now();
+  if (!load_.isDue(now))
+    return;
+  timespec cpu{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &cpu);
+  MutexLock lock(figuresMutex_);
+  load_.note(now, {static_cast<double>(cpu.tv_sec) + static_cast<double>(cpu.tv_nsec) * 1e-9,
+                   figures_.lateTicks, channels_.heldFrames()});
+  figures_.cpuLoad = load_.load();
+  channels_.setSaving(load_.isShort());
 }
 
 IKorviaShowSource* SoftwareBackend::openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,

@@ -8,6 +8,7 @@
 #include "engine/EventTable.h"
 #include "engine/FrameMeter.h"
 #include "engine/Janitor.h"
+#include "engine/LoadWatch.h"
 #include "engine/ShowFormat.h"
 #include "engine/StageClock.h"
 #include "engine/audio/AudioMixer.h"
@@ -62,6 +63,7 @@ class SoftwareBackend final : public IShowBackend {
   void mixSound(const FrameTick& tick);
   void showMonitors(const FrameRef& preview);
   void keepFigures(const FrameTick& tick);
+  void watchLoad();
 
   IShowBackendHost* host_ = nullptr;  // engine thread
   std::atomic<IKorviaShowEngineSink*> sink_{nullptr};
@@ -70,6 +72,8 @@ class SoftwareBackend final : public IShowBackend {
   FrameRef mixed_;     // engine thread; program without its layers
   FrameRef program_;   // engine thread
   std::atomic<bool> programPaused_{false};
+
+  LoadWatch load_;  // engine thread
 
   // The parts, each after those that it uses.
   StageClock stages_;

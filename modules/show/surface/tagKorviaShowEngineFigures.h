@@ -51,6 +51,10 @@ struct tagKorviaShowEngineFigures {
   StageTime tick;
   Loudness loudness;
   int sourceCount = 0;
+  /// Sources that nobody needs and that leave out pictures, because the machine is short of computing time.
+  int reducedSources = 0;
+  /// The share of all cores that the process uses, 0 to 1.
+  double cpuLoad = 0;
   /// 0 to 1.
   float switchPosition = 0;
   /// Channel ids on the two buses.

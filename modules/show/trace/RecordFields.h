@@ -387,6 +387,8 @@ void visitFields(R& r, V&& visit) {
   visit("droppedStripPictures", r.droppedStripPictures);
   visit("heldFilmFrames", r.heldFilmFrames);
   visit("skippedFilmFrames", r.skippedFilmFrames);
+  visit("reducedSources", r.reducedSources);
+  visit("cpuLoad", r.cpuLoad);
   visit("fps", r.fps);
   visit("fpsOfRun", r.fpsOfRun);
   visit("sources", r.sources);

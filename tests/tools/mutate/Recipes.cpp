@@ -1,6 +1,7 @@
 #include "Recipes.h"
 
 #include <QBuffer>
+#include <QFile>
 #include <QImage>
 
 #include "support/GifBytes.h"
@@ -79,6 +80,47 @@ QByteArray wideText() {
          QByteArray(reinterpret_cast<const char*>(u"wide \u05d0\u0628 text"), 2 * 12);
 }
 
+/// A clip of the film tests.
+QByteArray film(const char* name) {
+  QFile file(QStringLiteral(MEDIA_DIR "/") + QLatin1String(name));
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray mp4() {
+  return film("sound.mp4");
+}
+
+QByteArray transportStream() {
+  return film("clip25.ts");
+}
+
+QByteArray matroska() {
+  return film("second.mkv");
+}
+
+QByteArray avi() {
+  return film("mpeg4.avi");
+}
+
+QByteArray programStream() {
+  return film("moving_top0.mpg");
+}
+
+QByteArray webm() {
+  return film("alpha_vp9.webm");
+}
+
+void fillFilm(tagKorviaShowSourceInfo& info, const QString& path) {
+  info.kind = SourceKindMovie;
+  info.moviePath = path;
+}
+
+/// The damaged film twice, and between them one that is not there.
+void fillFilmList(tagKorviaShowSourceInfo& info, const QString& path) {
+  info.kind = SourceKindMovieList;
+  info.movieList = QStringList{path, path + QStringLiteral(".none"), path};
+}
+
 void fillImage(tagKorviaShowSourceInfo& info, const QString& path) {
   info.kind = SourceKindImage;
   info.imagePath = path;
@@ -122,6 +164,12 @@ const std::vector<Recipe>& recipes() {
       {"tga", targa, fillImage},
       {"svg", svg, fillImage},
       {"list.gif", gif, fillImageList},
+      {"mp4", mp4, fillFilm},
+      {"ts", transportStream, fillFilm},
+      {"mkv", matroska, fillFilm},
+      {"avi", avi, fillFilm},
+      {"mpg", programStream, fillFilm},
+      {"list.webm", webm, fillFilmList},
   };
   // clang-format on
   return table;

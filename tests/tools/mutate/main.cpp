@@ -7,7 +7,9 @@
 #include <QGuiApplication>
 #include <QTemporaryDir>
 #include <QThread>
+#include <algorithm>
 #include <cstdio>
+#include <vector>
 
 #include "Mutation.h"
 #include "Recipes.h"
@@ -22,12 +24,14 @@ namespace {
 
 constexpr int kDefaultCount = 60;
 constexpr qint64 kMostMs = 10'000;
+// A film that gives no picture fails by itself at kMostMs only, so it is closed while it still opens.
+constexpr qint64 kOpenMs = 2'000;
 
 /// Pulls until the source has opened or failed, then once more after each thing that an operator can do.
 void drive(Source& source) {
   QElapsedTimer timer;
   timer.start();
-  while (source.getPlayState() == Opening && timer.elapsed() < kMostMs) {
+  while (source.getPlayState() == Opening && timer.elapsed() < kOpenMs) {
     source.pullFrame(1);
     QThread::msleep(1);
   }
@@ -46,8 +50,8 @@ void drive(Source& source) {
   source.figures();
 }
 
-/// False when it took too long.
-bool open(const Recipe& recipe, const QString& path) {
+/// How long it took, in ms; more than kMostMs when it did not end.
+qint64 open(const Recipe& recipe, const QString& path) {
   QElapsedTimer timer;
   timer.start();
   SourceContext context;
@@ -59,7 +63,7 @@ bool open(const Recipe& recipe, const QString& path) {
     drive(*source);
     source->close();
   }
-  return waitForClosedSources(static_cast<int>(kMostMs)) && timer.elapsed() <= kMostMs;
+  return waitForClosedSources(static_cast<int>(kMostMs)) ? timer.elapsed() : kMostMs + 1;
 }
 
 }  // namespace
@@ -70,11 +74,16 @@ int main(int argc, char** argv) {
   const int count = arguments.size() > 1 ? arguments[1].toInt() : kDefaultCount;
   const int first = arguments.size() > 2 ? arguments[2].toInt() : 0;
   const QTemporaryDir folder;
-  int slow = 0;
+  std::vector<qint64> times;
   for (int number = first; number < first + count; ++number) {
     const Recipe& recipe = recipes()[static_cast<std::size_t>(number) % recipes().size()];
+    const QByteArray whole = recipe.make();
+    if (whole.isEmpty()) {
+      std::fprintf(stderr, "cannot make a file of kind %s\n", recipe.name);
+      return 2;
+    }
     const QString path = writeTestFile(folder, QStringLiteral("%1.%2").arg(number).arg(recipe.name),
-                                       mutated(recipe.make(), static_cast<unsigned>(number)));
+                                       mutated(whole, static_cast<unsigned>(number)));
     if (path.isEmpty()) {
       std::fprintf(stderr, "cannot write a file into %s\n", qUtf8Printable(folder.path()));
       return 2;
@@ -82,13 +91,16 @@ int main(int argc, char** argv) {
     // Before it is opened, so that the last line names the file of a crash.
     std::printf("%d %s\n", number, recipe.name);
     std::fflush(stdout);
-    if (!open(recipe, path)) {
+    const qint64 ms = open(recipe, path);
+    times.push_back(ms);
+    if (ms > kMostMs)
       std::printf("%d %s took too long\n", number, recipe.name);
-      ++slow;
-    }
     QFile::remove(path);
   }
-  std::printf("%d files, %d too slow\n", count, slow);
+  std::sort(times.begin(), times.end());
+  if (!times.empty())
+    std::printf("%d files, median %lld ms, longest %lld ms\n", count,
+                static_cast<long long>(times[times.size() / 2]), static_cast<long long>(times.back()));
   std::fflush(stdout);
-  return slow == 0 ? 0 : 1;
+  return times.empty() || times.back() <= kMostMs ? 0 : 1;
 }

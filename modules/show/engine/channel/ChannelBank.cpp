@@ -90,6 +90,7 @@ void ChannelBank::getFigures(tagKorviaShowEngineFigures& figures) {
     figures.heldFilmFrames += ofSource.framesHeld;
     figures.skippedFilmFrames += ofSource.framesSkipped;
   }
+  figures.reducedSources = reducedSources_;
 }
 
 void ChannelBank::open(const ShowFormat& format) {
@@ -120,8 +121,18 @@ void ChannelBank::beginTick(int ticks) {
   if (sources_.refresh(sourcesVersion_, active_, old))
     janitor_.dispose(std::move(old));
   // Every source is pulled, also one that is not on show, so that its clock advances.
-  for (int slot = 0; slot < kSourceSlotCount; ++slot)
-    channels_[slot].beginTick(active_[slot] ? inRenderSize(active_[slot]->pullFrame(ticks)) : FrameRef());
+  int reduced = 0;
+  for (int slot = 0; slot < kSourceSlotCount; ++slot) {
+    const bool needed = std::exchange(needed_[slot], false);
+    Source* source = active_[slot].get();
+    if (source) {
+      const DecodeRate rate = saving_ && !needed ? DecodeRate::Reduced : DecodeRate::Full;
+      source->setDecodeRate(rate);
+      reduced += rate == DecodeRate::Reduced ? 1 : 0;
+    }
+    channels_[slot].beginTick(source ? inRenderSize(source->pullFrame(ticks)) : FrameRef());
+  }
+  reducedSources_ = reduced;
 }
 
 // A source keeps the render size of the show that was open when it was opened.
@@ -133,14 +144,35 @@ FrameRef ChannelBank::inRenderSize(FrameRef picture) {
   return std::move(fitted).publish();
 }
 
-FrameRef ChannelBank::picture(int channelId) {
+int ChannelBank::slotOf(int channelId) {
   // Smaller ids are those of the sources, which no bus shows.
-  const int slot = channelId >= MediaChannel ? sourceIndexOf(channelId) : -1;
+  return channelId >= MediaChannel ? sourceIndexOf(channelId) : -1;
+}
+
+FrameRef ChannelBank::picture(int channelId) {
+  keep(channelId);
+  return stripPicture(channelId);
+}
+
+FrameRef ChannelBank::stripPicture(int channelId) {
+  const int slot = slotOf(channelId);
   return slot < 0 ? black() : channels_[slot].picture(*this, black());
 }
 
 bool ChannelBank::pullSound(int slot, StereoSpan piece) {
   return active_[slot] && active_[slot]->pullSound(piece);
+}
+
+void ChannelBank::keep(int channelId) {
+  if (const int slot = slotOf(channelId); slot >= 0)
+    needed_[slot] = true;
+}
+
+std::int64_t ChannelBank::heldFrames() const {
+  std::int64_t held = 0;
+  for (const std::shared_ptr<Source>& source : active_)
+    held += source ? source->framesHeld() : 0;
+  return held;
 }
 
 int ChannelBank::sourceCount() const {

@@ -2,6 +2,7 @@
 // pictures and the sound.
 #pragma once
 #include <array>
+#include <atomic>
 #include <memory>
 
 #include "ThreadSafety.h"
@@ -48,13 +49,23 @@ class ChannelBank final : public ChannelPictures, public ChannelSounds {
   void closeSources();
   /// Pulls the pictures of all sources for the next tick, `ticks` frames after the one before.
   void beginTick(int ticks);
-  /// The picture of a media channel or of the karaoke; black for every other id.
+  /// The picture of a media channel or of the karaoke; black for every other id. The channel is needed from
+  /// then on: it is decoded at the full rate until a tick passes in which nobody asks for it.
   FrameRef picture(int channelId) override;
   bool pullSound(int slot, StereoSpan piece) override;
+  /// The same for the monitor of a strip, which is content with less.
+  FrameRef stripPicture(int channelId);
+  /// The channel is needed in this tick, as if its picture had been asked for.
+  void keep(int channelId);
+  /// Whether sources that are not needed may leave out pictures.
+  void setSaving(bool saving) { saving_ = saving; }
+  /// Pictures that the open sources did not have in time.
+  std::int64_t heldFrames() const;
   FrameRef black() { return pool_->black(); }
   int sourceCount() const;
 
  private:
+  static int slotOf(int channelId);
   FrameRef inRenderSize(FrameRef picture);
 
   Janitor& janitor_;
@@ -66,6 +77,9 @@ class ChannelBank final : public ChannelPictures, public ChannelSounds {
   quint64 sourcesVersion_ = 0;                      // engine thread
   std::unique_ptr<FramePool> pool_;                 // engine thread
   std::array<Channel, kSourceSlotCount> channels_;  // engine thread
+  std::array<bool, kSourceSlotCount> needed_{};     // engine thread: in the present tick
+  bool saving_ = false;                             // engine thread
+  std::atomic<int> reducedSources_{0};
 };
 
 }  // namespace korvia

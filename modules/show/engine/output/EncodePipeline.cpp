@@ -52,7 +52,7 @@ qint64 runningTime(const GstSegment* segment, GstClockTime stamp) {
 
 }  // namespace
 
-EncodePipeline::EncodePipeline(std::function<void(const Packet&)> onPacket, std::function<void()> wake)
+EncodePipeline::EncodePipeline(std::function<void(const Track&, Packet)> onPacket, std::function<void()> wake)
     : onPacket_(std::move(onPacket)), pipeline_(std::move(wake)) {}
 
 EncodePipeline::~EncodePipeline() {
@@ -109,11 +109,11 @@ void EncodePipeline::requestKeyFrame() {
   gst_element_send_event(encoder_, gst_video_event_new_upstream_force_key_unit(GST_CLOCK_TIME_NONE, TRUE, 0));
 }
 
-const std::shared_ptr<const TrackList>& EncodePipeline::tracksFor(GstCaps* caps) {
-  if (!tracks_ || tracks_->front().caps.get() != caps)
-    tracks_ = std::make_shared<TrackList>(TrackList{{Track::Kind::Picture, holdCaps(gst_caps_ref(caps)),
-                                                     encoding_.size, encoding_.rate, encoding_.kbps}});
-  return tracks_;
+const Track& EncodePipeline::trackFor(GstCaps* caps) {
+  if (track_.caps.get() != caps)
+    track_ = {Track::Kind::Picture, holdCaps(gst_caps_ref(caps)), encoding_.size, encoding_.rate,
+              encoding_.kbps};
+  return track_;
 }
 
 GstFlowReturn EncodePipeline::onSample(GstAppSink* sink, gpointer self) {
@@ -125,7 +125,7 @@ GstFlowReturn EncodePipeline::onSample(GstAppSink* sink, gpointer self) {
   GstBuffer* buffer = gst_sample_get_buffer(sample);
   const GstSegment* segment = gst_sample_get_segment(sample);
   Packet packet;
-  packet.tracks = pipeline->tracksFor(gst_sample_get_caps(sample));
+  const Track& track = pipeline->trackFor(gst_sample_get_caps(sample));
   packet.data = holdBuffer(gst_buffer_ref(buffer));
   packet.bytes = static_cast<qint64>(gst_buffer_get_size(buffer));
   packet.ptsNs = runningTime(segment, GST_BUFFER_PTS(buffer));
@@ -134,7 +134,7 @@ GstFlowReturn EncodePipeline::onSample(GstAppSink* sink, gpointer self) {
   packet.durationNs = static_cast<qint64>(GST_BUFFER_DURATION(buffer));
   packet.keyFrame = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
   gst_sample_unref(sample);
-  pipeline->onPacket_(packet);
+  pipeline->onPacket_(track, std::move(packet));
   return GST_FLOW_OK;
 }
 

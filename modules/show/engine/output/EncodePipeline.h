@@ -21,10 +21,10 @@ struct PictureEncoding {
 
 class EncodePipeline {
  public:
-  /// `onPacket` gets each packet, in decoding order, on the streaming thread; the encoder waits for it.
-  /// `wake` is called from any thread when hasRoom(), isEnded() or hasFailed() may have changed. Neither may
-  /// call back into the pipeline.
-  EncodePipeline(std::function<void(const Packet&)> onPacket, std::function<void()> wake);
+  /// `onPacket` gets each packet and its track, in decoding order, on the streaming thread; the encoder waits
+  /// for it. The packets have no tracks yet. `wake` is called from any thread when hasRoom(), isEnded() or
+  /// hasFailed() may have changed. Neither may call back into the pipeline.
+  EncodePipeline(std::function<void(const Track&, Packet)> onPacket, std::function<void()> wake);
   ~EncodePipeline();
   EncodePipeline(const EncodePipeline&) = delete;
   EncodePipeline& operator=(const EncodePipeline&) = delete;
@@ -46,13 +46,13 @@ class EncodePipeline {
 
  private:
   bool link();
-  const std::shared_ptr<const TrackList>& tracksFor(GstCaps* caps);
+  const Track& trackFor(GstCaps* caps);
   static GstFlowReturn onSample(GstAppSink* sink, gpointer self);
 
-  const std::function<void(const Packet&)> onPacket_;
+  const std::function<void(const Track&, Packet)> onPacket_;
   PictureEncoding encoding_;
-  GstElement* encoder_ = nullptr;            // owned by pipeline_
-  std::shared_ptr<const TrackList> tracks_;  // streaming thread only
+  GstElement* encoder_ = nullptr;  // owned by pipeline_
+  Track track_;                    // streaming thread only
   OutputPipeline pipeline_;
   PipelineInlet inlet_{pipeline_};
 };

@@ -74,9 +74,11 @@ bool FileWriter::begin(const Packet& first) {
   if (!mux_->open(*first.tracks, settings_.container, sink))
     return false;
   const Track& picture = first.tracks->front();
-  qCInfo(logOutput, "recording to \"%s\" : %dx%d, %d/%d fps, %d kbit/s", qPrintable(fileName_),
-         picture.size.width, picture.size.height, static_cast<int>(picture.rate.numerator),
-         static_cast<int>(picture.rate.denominator), picture.kbps);
+  const int soundKbps = first.tracks->size() > 1 ? first.tracks->back().kbps : 0;
+  qCInfo(logOutput, "recording to \"%s\" : %dx%d, %d/%d fps, %d kbit/s, sound %d kbit/s",
+         qPrintable(fileName_), picture.size.width, picture.size.height,
+         static_cast<int>(picture.rate.numerator), static_cast<int>(picture.rate.denominator), picture.kbps,
+         soundKbps);
   return true;
 }
 

@@ -19,6 +19,7 @@ class FrameQueue {
   explicit FrameQueue(int capacity) : ring_(static_cast<std::size_t>(capacity)) {}
 
   bool isEmpty() const { return count_ == 0; }
+  int size() const { return static_cast<int>(count_); }
   /// False, with nothing changed, when the queue is full.
   bool push(const FrameRef& frame, qint64 index) {
     if (count_ == ring_.size())

@@ -9,6 +9,10 @@ namespace korvia {
 
 namespace {
 
+// A muxer takes no sound while it waits for the picture at the same time, which may be far away in a slow
+// show.
+constexpr qint64 kSoundBuffers = 200;
+
 qint64 sizeOf(const GstPadProbeInfo* info) {
   if (info->type & GST_PAD_PROBE_TYPE_BUFFER_LIST)
     return static_cast<qint64>(gst_buffer_list_calculate_size(GST_PAD_PROBE_INFO_BUFFER_LIST(info)));
@@ -51,13 +55,16 @@ bool MuxPipeline::link(const TrackList& tracks, const RecordContainer& container
 }
 
 bool MuxPipeline::addTrack(const Track& track, const RecordContainer& container, GstElement* muxer) {
-  inlets_.push_back(std::make_unique<PipelineInlet>(pipeline_));
-  GstElement* source = inlets_.back()->create("packets", track.caps.get());
-  GstElement* parser = pipeline_.add("h264parse", nullptr);
+  const bool isPicture = track.kind == Track::Kind::Picture;
+  inlets_.push_back(isPicture ? std::make_unique<PipelineInlet>(pipeline_)
+                              : std::make_unique<PipelineInlet>(pipeline_, kSoundBuffers));
+  GstElement* source = inlets_.back()->create(isPicture ? "pictures" : "sound", track.caps.get());
+  GstElement* parser = pipeline_.add(isPicture ? "h264parse" : "aacparse", nullptr);
   if (!source || !parser)
     return false;
   OutputPipeline::setProperties(source, container.inletProperties);
-  g_object_set(parser, "config-interval", container.headerInterval, nullptr);
+  if (isPicture)
+    g_object_set(parser, "config-interval", container.headerInterval, nullptr);
   if (gst_element_link_many(source, parser, muxer, nullptr))
     return true;
   pipeline_.setFailure(QStringLiteral("the container does not take the track"));
@@ -69,12 +76,18 @@ bool MuxPipeline::hasRoom() const {
 }
 
 void MuxPipeline::feed(const Packet& packet) {
+  const auto track = static_cast<std::size_t>(packet.track);
+  if (packet.endsTrack) {
+    // Else the muxer would wait for it.
+    inlets_[track]->end();
+    return;
+  }
   // A copy of the stamps alone: the data stay shared with the other targets.
   GstBuffer* buffer = gst_buffer_copy(packet.data.get());
   GST_BUFFER_PTS(buffer) = static_cast<GstClockTime>(packet.ptsNs);
   GST_BUFFER_DTS(buffer) = static_cast<GstClockTime>(packet.dtsNs);
   GST_BUFFER_DURATION(buffer) = static_cast<GstClockTime>(packet.durationNs);
-  inlets_[static_cast<std::size_t>(packet.track)]->push(buffer);
+  inlets_[track]->push(buffer);
 }
 
 void MuxPipeline::endStream() {

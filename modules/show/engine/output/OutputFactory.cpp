@@ -20,6 +20,8 @@ constexpr FrameSize kDefaultSize{1920, 1080};
 constexpr int kDefaultKbps = 4096;
 constexpr int kMinKbps = 64;
 constexpr int kMaxKbps = 200000;
+// The span of a group of frames that a recording encodes in one go.
+constexpr std::int64_t kBurstNs = 200'000'000;
 
 // Chroma is subsampled by two, so the encoder takes even sides only.
 int usableSide(int side) {
@@ -59,6 +61,9 @@ std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janit
                      encodedKbps(request.param.encode[request.slot].videoBitrate)};
   encoder.queueCapacity =
       static_cast<int>(std::clamp<std::int64_t>(request.rate.framesIn(1'000'000'000), 1, 60));
+  if (request.slot == OutputSlotRecord)
+    encoder.burstFrames = static_cast<int>(
+        std::clamp<std::int64_t>(request.rate.framesIn(kBurstNs), 1, std::max(1, encoder.queueCapacity / 2)));
   return std::make_unique<OutputSlot>(std::move(encoder), std::move(targets), janitor);
 }
 

@@ -116,6 +116,13 @@ void OutputRack::push(const FrameRef& frame, int count) {
   }
 }
 
+void OutputRack::pushSound(StereoSpan sound) {
+  for (const std::shared_ptr<OutputSlot>& slot : slots_) {
+    if (slot)
+      slot->pushSound(sound);
+  }
+}
+
 bool OutputRack::isRunning(int slot) const {
   MutexLock lock(mutex_);
   return slots_[slot] && slots_[slot]->figures().up;
@@ -130,6 +137,8 @@ void OutputRack::statistics(tagKorviaOutputStatistics& statistics) const {
     tagKorviaOutputStatisticsBlock& block = statistics.blocks[slot];
     block.videoFps = figures.framesPerSecond;
     block.videoBitrate = figures.videoKbps;
+    block.audioRate = figures.samplesPerSecond;
+    block.audioBitrate = figures.soundKbps;
     if (slot == OutputSlotRecord)
       block.record.bitrate = figures.up ? figures.videoKbps : 0;
   }

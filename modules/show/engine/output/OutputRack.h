@@ -39,6 +39,8 @@ class OutputRack {
 
   /// Pushes one program frame `count` times.
   void push(const FrameRef& frame, int count);
+  /// Pushes the sound of the program frames since the last call.
+  void pushSound(StereoSpan sound);
 
   bool isRunning(int slot) const;
   void statistics(tagKorviaOutputStatistics& statistics) const;

@@ -61,6 +61,8 @@ OutputFigures OutputSlot::figures() const {
   figures.framesDropped = encoder.framesDropped;
   figures.videoKbps = encoder.videoKbps;
   figures.framesPerSecond = encoder.framesPerSecond;
+  figures.soundKbps = encoder.soundKbps;
+  figures.samplesPerSecond = encoder.samplesPerSecond;
   for (const std::shared_ptr<Target>& target : targets_) {
     const TargetFigures own = target->figures();
     figures.up = figures.up || own.state == TargetState::Up;

@@ -3,6 +3,7 @@
 #pragma once
 #include <atomic>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "SlotEncoder.h"
@@ -17,6 +18,8 @@ struct OutputFigures {
   qint64 bytesWritten = 0;   ///< by all targets
   float videoKbps = 0;
   float framesPerSecond = 0;
+  float soundKbps = 0;
+  float samplesPerSecond = 0;
 };
 
 class OutputSlot {
@@ -32,6 +35,10 @@ class OutputSlot {
 
   /// The next program frame: the n-th call makes the n-th time stamp. Never blocks.
   void pushFrame(const FrameRef& frame) { encoder_.pushFrame(frame, frames_++); }
+  /// The sound of the frames that were pushed since the last call. Never blocks.
+  void pushSound(StereoSpan sound) {
+    encoder_.pushSound(sound, std::exchange(samples_, samples_ + sound.samples));
+  }
   /// Ends the output: pushed frames are encoded and written, and the targets end, in the background.
   void finish();
   /// Waits until all targets have ended, by finish() or on their own. False after the time-out.
@@ -44,6 +51,7 @@ class OutputSlot {
   const Targets targets_;
   SlotEncoder encoder_;  // destroyed first: its end finishes the targets
   qint64 frames_ = 0;
+  qint64 samples_ = 0;
   std::atomic<bool> stopped_{false};  // by finish()
 };
 

@@ -49,6 +49,8 @@ struct Packet {
   qint64 durationNs = 0;
   /// Decoding can begin here: a key frame. Never set for sound.
   bool keyFrame = false;
+  /// No packet of this track follows, and this one has no data.
+  bool endsTrack = false;
 
   bool isPicture() const { return (*tracks)[static_cast<std::size_t>(track)].kind == Track::Kind::Picture; }
   qint64 endNs() const { return ptsNs + durationNs; }

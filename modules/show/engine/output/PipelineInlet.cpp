@@ -4,13 +4,6 @@
 
 namespace korvia {
 
-namespace {
-
-// While one buffer is being processed downstream, one more waits to keep the pipeline busy.
-constexpr qint64 kWaitingBuffers = 2;
-
-}  // namespace
-
 GstElement* PipelineInlet::create(const char* name, GstCaps* caps) {
   GstElement* source = pipeline_.add("appsrc", name);
   if (!source)
@@ -23,7 +16,7 @@ GstElement* PipelineInlet::create(const char* name, GstCaps* caps) {
 }
 
 bool PipelineInlet::hasRoom() const {
-  return pushed_ - taken_ < kWaitingBuffers;
+  return pushed_ - taken_ < waitingBuffers_;
 }
 
 void PipelineInlet::push(GstBuffer* buffer) {

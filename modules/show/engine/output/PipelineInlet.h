@@ -13,7 +13,9 @@ class PipelineInlet {
  public:
   /// The pipeline must be stopped before the inlet is destroyed. It is woken when hasRoom() may have
   /// changed.
-  explicit PipelineInlet(OutputPipeline& pipeline) : pipeline_(pipeline) {}
+  /// `waitingBuffers` is the number of buffers that have room in it.
+  explicit PipelineInlet(OutputPipeline& pipeline, qint64 waitingBuffers = kFewBuffers)
+      : pipeline_(pipeline), waitingBuffers_(waitingBuffers) {}
   PipelineInlet(const PipelineInlet&) = delete;
   PipelineInlet& operator=(const PipelineInlet&) = delete;
 
@@ -28,7 +30,11 @@ class PipelineInlet {
  private:
   static GstPadProbeReturn onTaken(GstPad* pad, GstPadProbeInfo* info, gpointer self);
 
+  /// While one buffer is being processed downstream, one more waits to keep the pipeline busy.
+  static constexpr qint64 kFewBuffers = 2;
+
   OutputPipeline& pipeline_;
+  const qint64 waitingBuffers_;
   GstAppSrc* source_ = nullptr;  // owned by the pipeline
   qint64 pushed_ = 0;
   std::atomic<qint64> taken_{0};  // by what comes behind

@@ -14,11 +14,17 @@ namespace korvia {
 namespace {
 
 constexpr int kMeasureMs = 1000;
+constexpr int kQueuedSamples = kSampleRate;
+// A longer gap in the sound is no gap but another time.
+constexpr qint64 kMostSilence = 60LL * kSampleRate;
 
 }  // namespace
 
 SlotEncoder::SlotEncoder(EncoderSettings settings, Janitor& janitor)
-    : settings_(std::move(settings)), targets_(janitor), queue_(settings_.queueCapacity) {
+    : settings_(std::move(settings)),
+      targets_(janitor),
+      queue_(settings_.queueCapacity),
+      sound_(settings_.soundKbps > 0 ? kQueuedSamples : 1) {
   thread_ = std::thread([this] { run(); });
 }
 
@@ -38,9 +44,21 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
       ++figures_.framesDropped;
       return;
     }
+    if (!inBurst_ && queue_.size() < settings_.burstFrames)
+      return;
+    inBurst_ = true;
   }
   // After the lock is released, so that the woken thread does not wait for it.
   changed_.notify_all();
+}
+
+void SlotEncoder::pushSound(StereoSpan sound, qint64 firstSample) {
+  if (settings_.soundKbps <= 0 || targets_.isEmpty())
+    return;
+  MutexLock lock(mutex_);
+  // It is encoded with the next frames, so the thread is not woken.
+  if (accepting_)
+    sound_.push(sound, firstSample);
 }
 
 void SlotEncoder::finish() {
@@ -74,36 +92,46 @@ void SlotEncoder::run() {
 
 SlotEncoder::Step SlotEncoder::step() {
   QueuedFrame queued;
+  qint64 firstSample = 0;
   bool finishing = false;
   bool drained = false;
   {
     MutexLock lock(mutex_);
-    const auto isOver = [this] { return pipeline_ && (pipeline_->isEnded() || pipeline_->hasFailed()); };
+    const auto isOver = [this] { return pipeline_ && (hasEnded() || pipeline_->hasFailed()); };
     const auto canFeed = [this]() REQUIRES(mutex_) {
-      return !queue_.isEmpty() && (!pipeline_ || pipeline_->hasRoom());
+      return !queue_.isEmpty() && (inBurst_ || !accepting_) && (!pipeline_ || pipeline_->hasRoom());
     };
     const auto mustAct = [&]() REQUIRES(mutex_) {
-      return canFeed() || isOver() || (!accepting_ && queue_.isEmpty() && !streamEnded_);
+      return canFeed() || isOver() || (soundPipeline_ && soundPipeline_->hasFailed()) ||
+             (!accepting_ && queue_.isEmpty() && !streamEnded_);
     };
     const qint64 untilMeasure = std::max<qint64>(1, kMeasureMs - sinceMeasure_.elapsed());
     changed_.wait_for(lock, std::chrono::milliseconds(untilMeasure), mustAct);
     if (canFeed())
       queued = queue_.pop();
+    // Before the first frame there is no pipeline for it.
+    samples_.clear();
+    if (pipeline_ || queued.frame)
+      firstSample = sound_.popAll(samples_);
     finishing = !accepting_;
     drained = queue_.isEmpty();
+    inBurst_ = inBurst_ && !drained;
   }
 
   // Without a target the packets are not used, and x264 holds many megabytes.
   if (pipeline_ && !streamEnded_ && targets_.isEmpty())
-    pipeline_.reset();
+    closePipelines();
   if (pipeline_ && pipeline_->hasFailed()) {
     reason_ = pipeline_->failure();
     return Step::Failed;
   }
-  if (pipeline_ && pipeline_->isEnded())
+  if (soundPipeline_ && soundPipeline_->hasFailed())
+    giveUpSound();
+  if (pipeline_ && hasEnded())
     return Step::Ended;
   if (queued.frame && !feed(queued))
     return Step::Failed;
+  feedSound(firstSample);
   if (sinceMeasure_.hasExpired(kMeasureMs))
     measure();
   return finishing ? stepToEnd(drained) : Step::Continue;
@@ -116,6 +144,8 @@ SlotEncoder::Step SlotEncoder::stepToEnd(bool drained) {
     if (!pipeline_)
       return Step::Ended;
     pipeline_->endStream();
+    if (soundPipeline_)
+      soundPipeline_->endStream();
     streamEnded_ = true;
   }
   if (!sinceFinish_.hasExpired(settings_.finishTimeoutMs))
@@ -144,17 +174,67 @@ bool SlotEncoder::feed(const QueuedFrame& queued) {
   return true;
 }
 
+void SlotEncoder::feedSound(qint64 firstSample) {
+  if (samples_.empty() || !pipeline_ || soundFailed_)
+    return;
+  if (!soundPipeline_) {
+    soundPipeline_ = std::make_unique<SoundEncodePipeline>(
+        [this](const Track& track, Packet packet) {
+          samplesEncoded_ += SoundEncodePipeline::kPacketSamples;
+          soundBytesEncoded_ += packet.bytes;
+          interleaver_->pushSound(track, std::move(packet));
+        },
+        [this] { wake(); });
+    if (!soundPipeline_->open(settings_.soundKbps, firstSample)) {
+      giveUpSound();
+      return;
+    }
+  }
+  qint64 silence = firstSample - soundPipeline_->nextSample();
+  for (silence = std::clamp<qint64>(silence, 0, kMostSilence); silence > 0; silence -= kQueuedSamples)
+    soundPipeline_->feed(
+        std::vector<float>(2 * static_cast<std::size_t>(std::min<qint64>(silence, kQueuedSamples))));
+  soundPipeline_->feed(samples_);
+}
+
+void SlotEncoder::giveUpSound() {
+  soundFailed_ = true;
+  qCWarning(logOutput, "%s has no sound : %s", qPrintable(settings_.label),
+            qPrintable(soundPipeline_->failure()));
+  soundPipeline_.reset();
+  interleaver_->endSound();
+}
+
 bool SlotEncoder::open() {
-  pipeline_ = std::make_unique<EncodePipeline>([this](const Packet& packet) { onPacket(packet); },
-                                               [this] { wake(); });
+  using Sound = PacketInterleaver::Sound;
+  interleaver_ =
+      std::make_unique<PacketInterleaver>(settings_.soundKbps > 0 && !soundFailed_ ? Sound::Yes : Sound::No,
+                                          [this](const Packet& packet) { onPacket(packet); });
+  pipeline_ = std::make_unique<EncodePipeline>(
+      [this](const Track& track, Packet packet) { interleaver_->pushPicture(track, std::move(packet)); },
+      [this] { wake(); });
   if (pipeline_->open(settings_.picture))
     return true;
   reason_ = pipeline_->failure();
   return false;
 }
 
+void SlotEncoder::closePipelines() {
+  pipeline_.reset();
+  soundPipeline_.reset();
+  interleaver_.reset();
+  MutexLock lock(mutex_);
+  sound_.clear();
+}
+
+bool SlotEncoder::hasEnded() const {
+  return pipeline_->isEnded() && (!soundPipeline_ || soundPipeline_->isEnded());
+}
+
 void SlotEncoder::onPacket(const Packet& packet) {
   targets_.deliver(packet);
+  if (!packet.isPicture())
+    return;
   ++framesEncoded_;
   bytesEncoded_ += packet.bytes;
 }
@@ -170,12 +250,18 @@ void SlotEncoder::measure() {
   const qint64 elapsedMs = std::max<qint64>(1, sinceMeasure_.restart());
   const qint64 frames = framesEncoded_;
   const qint64 bytes = bytesEncoded_;
+  const qint64 samples = samplesEncoded_;
+  const qint64 soundBytes = soundBytesEncoded_;
   qint64 dropped = 0;
   {
     MutexLock lock(mutex_);
     figures_.framesPerSecond =
         static_cast<float>(frames - lastFrames_) * 1000.0F / static_cast<float>(elapsedMs);
     figures_.videoKbps = static_cast<float>(bytes - lastBytes_) * 8.0F / static_cast<float>(elapsedMs);
+    figures_.samplesPerSecond =
+        static_cast<float>(samples - lastSamples_) * 1000.0F / static_cast<float>(elapsedMs);
+    figures_.soundKbps =
+        static_cast<float>(soundBytes - lastSoundBytes_) * 8.0F / static_cast<float>(elapsedMs);
     dropped = figures_.framesDropped;
   }
   if (dropped > lastDropped_)
@@ -183,11 +269,18 @@ void SlotEncoder::measure() {
               static_cast<long long>(dropped - lastDropped_));
   lastFrames_ = frames;
   lastBytes_ = bytes;
+  lastSamples_ = samples;
+  lastSoundBytes_ = soundBytes;
   lastDropped_ = dropped;
 }
 
 void SlotEncoder::close(bool failed) {
-  pipeline_.reset();
+  // What the interleaver still keeps comes in its order, as far as it came.
+  if (interleaver_) {
+    interleaver_->endPicture();
+    interleaver_->endSound();
+  }
+  closePipelines();
   if (failed)
     qCWarning(logOutput, "%s cannot be encoded : %s", qPrintable(settings_.label), qPrintable(reason_));
   // All packets are delivered to the targets at this point.
@@ -199,6 +292,8 @@ void SlotEncoder::close(bool failed) {
   figures_.failure = failed ? reason_ : QString();
   figures_.framesPerSecond = 0;
   figures_.videoKbps = 0;
+  figures_.soundKbps = 0;
+  figures_.samplesPerSecond = 0;
   finished_ = true;
   changed_.notify_all();
 }

@@ -1,6 +1,6 @@
-// The picture encoder of a slot: takes program frames and delivers packets to any number of targets. It has
-// its own thread. When it cannot keep up it drops frames and never blocks the engine. Engine thread, except
-// figures() and waitFinished().
+// The encoders of a slot: take program frames and sound and deliver packets to any number of targets. They
+// have a thread of their own. When it cannot keep up it drops frames and never blocks the engine. Engine
+// thread, except figures() and waitFinished().
 #pragma once
 #include <QElapsedTimer>
 #include <QString>
@@ -10,6 +10,9 @@
 
 #include "EncodePipeline.h"
 #include "FrameQueue.h"
+#include "PacketInterleaver.h"
+#include "SoundEncodePipeline.h"
+#include "SoundQueue.h"
 #include "TargetList.h"
 #include "ThreadSafety.h"
 #include "engine/frame/FramePool.h"
@@ -19,8 +22,13 @@ namespace korvia {
 struct EncoderSettings {
   QString label;  ///< in the log, as the subject of a sentence
   PictureEncoding picture;
+  /// Of the sound; 0 for none.
+  int soundKbps = 0;
   /// Capacity of the queue: one second of the show, 75 MB for 1080p25.
   int queueCapacity = 25;
+  /// Frames are encoded in groups of this size, because an encoder that gets several frames in one go works
+  /// with warm caches. A crash loses up to one group more. 1 encodes each frame at once, for live viewers.
+  int burstFrames = 1;
   /// Time-out for encoding the queued frames after finish().
   int finishTimeoutMs = 10000;
 };
@@ -31,6 +39,8 @@ struct EncoderFigures {
   qint64 framesDropped = 0;
   float videoKbps = 0;
   float framesPerSecond = 0;
+  float soundKbps = 0;
+  float samplesPerSecond = 0;
 };
 
 class SlotEncoder {
@@ -45,6 +55,9 @@ class SlotEncoder {
   /// Pushes one program frame. `frameIndex` counts render frames from the start of the slot and gives the
   /// time stamp. Never blocks. Without a target nothing is encoded.
   void pushFrame(const FrameRef& frame, qint64 frameIndex);
+  /// Pushes the sound of the frames that were pushed last. `firstSample` counts from the start of the slot
+  /// and gives the time stamp; what is left out between two calls becomes silence. Never blocks.
+  void pushSound(StereoSpan sound, qint64 firstSample);
 
   /// Adds a target, which begins at a key frame; the encoder makes one of the next frame.
   void join(std::shared_ptr<Target> target) { targets_.join(std::move(target)); }
@@ -66,7 +79,11 @@ class SlotEncoder {
   Step step();
   Step stepToEnd(bool drained);
   bool feed(const QueuedFrame& queued);
+  void feedSound(qint64 firstSample);
   bool open();
+  void closePipelines();
+  bool hasEnded() const;
+  void giveUpSound();
   void onPacket(const Packet& packet);
   void wake() EXCLUDES(mutex_);
   /// Called once a second: logs dropped frames and computes the rates.
@@ -79,25 +96,35 @@ class SlotEncoder {
   // Used on the thread of the encoder only.
   std::unique_ptr<FramePool> scaled_;
   QString reason_;
+  std::vector<float> samples_;  // interleaved, from the queue
+  bool soundFailed_ = false;
   bool streamEnded_ = false;
   QElapsedTimer sinceFinish_;
   QElapsedTimer sinceMeasure_;
   qint64 lastFrames_ = 0;
   qint64 lastBytes_ = 0;
+  qint64 lastSamples_ = 0;
+  qint64 lastSoundBytes_ = 0;
   qint64 lastDropped_ = 0;
 
   std::atomic<qint64> framesEncoded_{0};
   std::atomic<qint64> bytesEncoded_{0};
+  std::atomic<qint64> samplesEncoded_{0};
+  std::atomic<qint64> soundBytesEncoded_{0};
 
   mutable Mutex mutex_;
   ConditionVariable changed_;  ///< anything below, or the pipeline
   FrameQueue queue_ GUARDED_BY(mutex_);
+  SoundQueue sound_ GUARDED_BY(mutex_);
+  bool inBurst_ GUARDED_BY(mutex_) = false;    // the queue is being emptied
   bool accepting_ GUARDED_BY(mutex_) = true;   // false from finish() or a failure on
   bool finished_ GUARDED_BY(mutex_) = false;   // the thread is about to end
   EncoderFigures figures_ GUARDED_BY(mutex_);  // framesEncoded stands in the atomic
 
-  // Used on the thread of the encoder only; its streaming thread calls onPacket() and wake().
+  // Used on the thread of the encoder only; the streaming threads call onPacket() and wake().
+  std::unique_ptr<PacketInterleaver> interleaver_;
   std::unique_ptr<EncodePipeline> pipeline_;
+  std::unique_ptr<SoundEncodePipeline> soundPipeline_;  // null without sound
   std::thread thread_;
 };
 

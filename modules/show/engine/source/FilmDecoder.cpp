@@ -58,6 +58,14 @@ bool FilmDecoder::waitForTurn() {
   return !closed_;
 }
 
+// Near the end all pictures are decoded, so that the seam does not shift.
+DecodeRate FilmDecoder::decodeRate() {
+  if (outlet_.decodeRate == DecodeRate::Full)
+    return DecodeRate::Full;
+  MutexLock lock(timelineMutex_);
+  return nearEnd_ ? DecodeRate::Full : DecodeRate::Reduced;
+}
+
 void FilmDecoder::onPicture(GstSample* sample) {
   GstBuffer* buffer = gst_sample_get_buffer(sample);
   const GstSegment* segment = gst_sample_get_segment(sample);
@@ -95,6 +103,7 @@ void FilmDecoder::onPicture(GstSample* sample) {
     nearEnd = !nearEnd_ && durationNs_ > 0 && placed.mediaNs + kOpenAheadNs >= durationNs_;
     nearEnd_ = nearEnd_ || nearEnd;
     placed.endIsFar = placed.mediaNs + kFullBeforeEndNs < durationNs_;
+    placed.reduced = outlet_.decodeRate == DecodeRate::Reduced;
   }
   // The event is sent before the push, because the push waits while the film is paused at the seam of a loop.
   if (first)

@@ -55,6 +55,7 @@ class FilmDecoder : private FilmPipelineListener {
     MediaClock& clock;
     VideoQueue& queue;
     std::atomic<std::int64_t>& framesDecoded;
+    const std::atomic<DecodeRate>& decodeRate;
     FilmEventSink& sink;
   };
   /// Whether pictures go into the queue at once or wait for admit().
@@ -118,6 +119,7 @@ class FilmDecoder : private FilmPipelineListener {
  private:
   // FilmPipelineListener
   void onPicture(GstSample* sample) override;
+  DecodeRate decodeRate() override;
   void onOrientation(const char* tag) override;
   void onFlushStart() override;
   void onFlushStop() override;

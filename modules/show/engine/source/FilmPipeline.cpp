@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "CodedPictures.h"
 #include "GstInit.h"
 #include "engine/EngineLog.h"
 #include "engine/HappensBefore.h"
@@ -364,10 +365,40 @@ void FilmPipeline::onElementAdded(GstElement* element) {
     preferStreamColors(element);
   if (!factory || !gst_element_factory_list_is_type(factory, GST_ELEMENT_FACTORY_TYPE_DECODER))
     return;
+  thinWhatGoesInto(element);
   // Up to eight films share few cores. Threads of its own do not make a decoder faster there, and each costs
   // the delay and the memory of a picture.
   for (const char* property : {"max-threads", "n-threads", "threads"})
     setIfThere(element, property, 1);
+}
+
+void FilmPipeline::thinWhatGoesInto(GstElement* decoder) {
+  struct Inlet {
+    FilmPipelineListener& listener;
+    CodedPictures pictures;
+  };
+  GstPad* pad = gst_element_get_static_pad(decoder, "sink");
+  if (!pad)
+    return;
+  gst_pad_add_probe(
+      pad, static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_BUFFER),
+      [](GstPad*, GstPadProbeInfo* info, gpointer data) {
+        auto* inlet = static_cast<Inlet*>(data);
+        if (info->type & GST_PAD_PROBE_TYPE_BUFFER) {
+          const bool droppable = inlet->pictures.isDroppable(gst_pad_probe_info_get_buffer(info));
+          return droppable && inlet->listener.decodeRate() == DecodeRate::Reduced ? GST_PAD_PROBE_DROP
+                                                                                  : GST_PAD_PROBE_OK;
+        }
+        GstEvent* event = gst_pad_probe_info_get_event(info);
+        if (GST_EVENT_TYPE(event) == GST_EVENT_CAPS) {
+          GstCaps* caps = nullptr;
+          gst_event_parse_caps(event, &caps);
+          inlet->pictures.setCaps(caps);
+        }
+        return GST_PAD_PROBE_OK;
+      },
+      new Inlet{listener_, {}}, [](gpointer data) { delete static_cast<Inlet*>(data); });
+  gst_object_unref(pad);
 }
 
 void FilmPipeline::onPadAdded(GstPad* pad) {

@@ -8,6 +8,7 @@
 #include <atomic>
 #include <string>
 
+#include "Source.h"
 #include "ThreadSafety.h"
 
 namespace korvia {
@@ -18,6 +19,8 @@ class FilmPipelineListener {
   virtual ~FilmPipelineListener() = default;
   /// A decoded picture. The time stamps of its buffer refer to the segment of the sample. The call may wait.
   virtual void onPicture(GstSample* sample) = 0;
+  /// How many of the pictures that are decoded next are needed.
+  virtual DecodeRate decodeRate() = 0;
   /// Pictures have to be turned by this value of GST_TAG_IMAGE_ORIENTATION.
   virtual void onOrientation(const char* tag) = 0;
   virtual void onFlushStart() = 0;
@@ -58,6 +61,8 @@ class FilmPipeline {
   void linkNowhere(GstPad* pad);
   bool wantsDecoding(GstPad* pad, GstCaps* caps);
   void onElementAdded(GstElement* element);
+  /// At the reduced rate, pictures that no other one refers to do not reach the decoder.
+  void thinWhatGoesInto(GstElement* decoder);
   GstPadProbeReturn onSinkProbe(GstPadProbeInfo* info);
   void fail(const QString& reason);
   void onNoMorePads();

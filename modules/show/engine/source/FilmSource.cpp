@@ -63,7 +63,7 @@ SourceFigures FilmSource::figures() {
   if (!size.isEmpty())
     figures.description += QStringLiteral(", %1 x %2").arg(size.width).arg(size.height);
   figures.framesDecoded = transport_->framesDecoded();
-  figures.framesHeld = transport_->framesHeld();
+  figures.framesHeld = framesHeld();
   figures.framesSkipped = transport_->framesSkipped();
   figures.framesQueued = transport_->framesQueued();
   figures.framesPerSecond = transport_->framesPerSecond();

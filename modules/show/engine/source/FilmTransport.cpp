@@ -152,7 +152,7 @@ std::optional<FilmDecoder::Clock::time_point> FilmTransport::nextDeadline() cons
 }
 
 std::unique_ptr<FilmDecoder> FilmTransport::makeFilm(const QString& path, FilmDecoder::Admission admission) {
-  const FilmDecoder::Outlet outlet{clock_, queue_, framesDecoded_, *this};
+  const FilmDecoder::Outlet outlet{clock_, queue_, framesDecoded_, decodeRate_, *this};
   return std::make_unique<FilmDecoder>(context_, path, ++lastNumber_, outlet, admission);
 }
 

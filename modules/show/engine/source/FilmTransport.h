@@ -38,6 +38,8 @@ class FilmTransport : public FilmEventSink {
   /// one that waits directly before it, and steps add up. Console thread.
   void post(Command command, double value = 0);
   void setHold(bool hold) { clock_.setHold(hold); }
+  /// Any thread.
+  void setDecodeRate(DecodeRate rate) { decodeRate_ = rate; }
   /// Returns at once. No notify comes after it, and run() ends as soon as it can.
   void close();
 
@@ -114,6 +116,7 @@ class FilmTransport : public FilmEventSink {
   VideoQueue queue_;
   RateMeter arrivals_;
 
+  std::atomic<DecodeRate> decodeRate_{DecodeRate::Full};
   std::atomic<KorviaShowPlayState> state_{Opening};
   std::atomic<std::int64_t> durationNs_{0};
   std::atomic<std::int64_t> positionNs_{0};

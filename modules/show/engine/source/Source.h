@@ -38,6 +38,9 @@ inline float linkRate(KorviaShowPlayState state, float received, float nominal) 
   return state == Opening || state == Paused || state == Stopped ? nominal : received;
 }
 
+/// Reduced leaves out the pictures that no other one refers to, as far as the decoder can, to save time.
+enum class DecodeRate { Full, Reduced };
+
 struct SourceFigures {
   QString description;
   qint64 framesDecoded = 0;
@@ -60,6 +63,10 @@ class Source : public IKorviaShowSource {
   /// The sound of the tick of the last pullFrame(); false, with nothing written, for silence. The sound of a
   /// tick may be asked for in several pieces, one after the other. Never blocks. Engine thread.
   virtual bool pullSound(StereoSpan) { return false; }
+  /// As in figures(). Any thread; without allocation.
+  virtual std::int64_t framesHeld() const { return 0; }
+  /// How many of its pictures are needed from now on. Engine thread.
+  virtual void setDecodeRate(DecodeRate) {}
   /// Begins to close and returns at once. No notify comes after it. Console thread.
   virtual void close() = 0;
   virtual SourceFigures figures() { return {}; }

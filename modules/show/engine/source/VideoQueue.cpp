@@ -10,6 +10,7 @@ namespace {
 // more. When another film has the turn, it begins a picture later.
 constexpr std::int64_t kRefillNs = 120'000'000;
 constexpr std::int64_t kUrgentNs = 80'000'000;
+constexpr int kFewestReduced = 2;
 // A decoder that is too slow to fill the queue keeps its turn no longer than this.
 constexpr int kMostTurnTicks = 5;
 
@@ -39,10 +40,11 @@ VideoQueue::~VideoQueue() {
 
 bool VideoQueue::isFull() const {
   const int count = static_cast<int>(queue_.size());
-  if (count < limits_.frames)
+  const bool reduced = count > 0 && queue_.back().reduced;
+  if (count < (reduced ? kFewestReduced : limits_.frames))
     return false;
   const std::int64_t spanNs = queue_.back().timeNs - queue_.front().timeNs;
-  return count >= limits_.mostFrames || (!inBursts() && spanNs >= limits_.spanNs);
+  return count >= limits_.mostFrames || ((reduced || !inBursts()) && spanNs >= limits_.spanNs);
 }
 
 bool VideoQueue::inBursts() const {
@@ -60,7 +62,7 @@ void VideoQueue::paceRefill(const ClockReading& reading) {
   resting_ = resting_ && inBursts();
   if (!resting_)
     return;
-  const std::int64_t leftNs = queue_.size() > 1 ? queue_.back().timeNs - shown_.timeNs : 0;
+  const std::int64_t leftNs = queue_.empty() ? 0 : queue_.back().timeNs - shown_.timeNs;
   if (leftNs > kRefillNs)
     return;
   if (turns_) {

@@ -23,6 +23,9 @@ struct TimedFrame {
   /// Near the end of its film, or when that is unknown, the queue is kept full, so that there is time to
   /// begin the film that follows.
   bool endIsFar = false;
+  /// Decoded at the reduced rate. Few such pictures are queued, so that they are gone soon after the return
+  /// to the full rate.
+  bool reduced = false;
 };
 
 class VideoQueue {

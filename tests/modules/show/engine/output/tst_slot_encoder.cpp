@@ -283,6 +283,29 @@ class TestSlotEncoder : public QObject {
     QVERIFY(QDir(folder.path()).isEmpty());
   }
 
+  void framesAreEncodedInGroups() {
+    QTemporaryDir folder;
+    EncoderSettings settings = encoderSettings();
+    settings.burstFrames = 5;
+    const auto file = std::make_shared<FileTarget>(fileSettings(folder, "groups"));
+    Rig rig(settings);
+    rig.encoder.join(file);
+    const auto push = [&rig](int end) {
+      for (; rig.next < end; ++rig.next)
+        rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+    };
+    push(4);
+    QTest::qWait(200);
+    QCOMPARE(rig.encoder.figures().framesEncoded, qint64{0});
+    push(5);
+    QVERIFY(rig.waitEncoded(4));
+    // The end does not wait for a whole group.
+    push(7);
+    QVERIFY(rig.finish());
+    QVERIFY(file->waitFinished(kFinishMs));
+    QCOMPARE(numbersOf(*file), QVector<int>({0, 1, 2, 3, 4, 5, 6}));
+  }
+
   void keyFramesComeEveryTwoSecondsOverCuts_data() {
     QTest::addColumn<int>("numerator");
     QTest::addColumn<int>("denominator");

@@ -159,6 +159,60 @@ class FilmTransportTest : public QObject {
     QCOMPARE(rig.tick(), 0);
   }
 
+  // Pictures that no other one refers to are left out, the others stay at their time, and all come back.
+  void reducedRateLeavesOutPictures_data() {
+    QTest::addColumn<QString>("path");
+    QTest::newRow("H.264 with lengths") << clip("long.mp4");
+    QTest::newRow("H.264 with start codes") << clip("long.ts");
+    QTest::newRow("HEVC") << clip("long_hevc.mkv");
+    QTest::newRow("MPEG-2") << clip("long_mpeg2.mkv");
+    QTest::newRow("MPEG-4") << clip("long_mpeg4.mkv");
+    QTest::newRow("key frames") << clip("long_mjpeg.mkv");
+  }
+  void reducedRateLeavesOutPictures() {
+    QFETCH(QString, path);
+    TransportRig rig({path});
+    QVERIFY(rig.waitFor(Playing));
+    rig.ticks(10);
+    rig->setDecodeRate(DecodeRate::Reduced);
+    rig.ticks(15);
+    QSet<int> reduced;
+    for (int tick = 25; tick < 85; ++tick) {
+      const int shown = rig.tick();
+      QVERIFY2(shown <= tick && shown > tick - 4, qPrintable(QString("%1 at %2").arg(shown).arg(tick)));
+      reduced.insert(shown);
+    }
+    QVERIFY2(reduced.size() < 45, qPrintable(QString::number(reduced.size())));
+    rig->setDecodeRate(DecodeRate::Full);
+    rig.ticks(15);
+    std::vector<int> expected(30);
+    std::iota(expected.begin(), expected.end(), 100);
+    QCOMPARE(rig.ticks(30), expected);
+    QCOMPARE(rig->framesHeld(), std::int64_t{0});
+  }
+
+  void seamIsExactAtTheReducedRate() {
+    TransportRig rig({clip("clip25.mp4"), clip("second.mkv")});
+    QVERIFY(rig.waitFor(Playing));
+    rig->setDecodeRate(DecodeRate::Reduced);
+    QCOMPARE(rig.ticks(100), clips({0, 100}));
+  }
+
+  void fullRateComesBackAfterASeek() {
+    TransportRig rig({clip("long.mp4")});
+    QVERIFY(rig.waitFor(Playing));
+    rig->setDecodeRate(DecodeRate::Reduced);
+    rig.ticks(30);
+    rig->post(FilmTransport::Command::Seek, 50);
+    QVERIFY(rig.tickUntil(250));
+    rig->setDecodeRate(DecodeRate::Full);
+    rig.ticks(12);
+    const int first = rig.tick();
+    std::vector<int> expected(50);
+    std::iota(expected.begin(), expected.end(), first + 1);
+    QCOMPARE(rig.ticks(50), expected);
+  }
+
   void factsAreThoseOfTheFilmOnShow() {
     TransportRig rig({clip("clip25.mp4"), clip("long.mp4")});
     QVERIFY(rig.waitFor(Playing));

@@ -47,6 +47,35 @@ class SourceStatisticsTest : public QObject {
   Q_OBJECT
 
  private slots:
+  void sourcesThatNobodyNeedsAreReducedWhileTheMachineIsShort() {
+    Janitor janitor;
+    ChannelBank bank(janitor);
+    ShowFormat format;
+    format.size = {64, 36};
+    bank.open(format);
+    tagKorviaShowSourceInfo color;
+    color.kind = SourceKindColor;
+    for (int channel = 0; channel < 3; ++channel)
+      bank.openSource(static_cast<KorviaShowObjectID>(MediaChannel + channel), color, {}, nullptr);
+    const auto reduced = [&bank] {
+      bank.beginTick(1);
+      tagKorviaShowEngineFigures figures;
+      bank.getFigures(figures);
+      return figures.reducedSources;
+    };
+    QCOMPARE(reduced(), 0);
+    bank.setSaving(true);
+    QCOMPARE(reduced(), 3);
+    bank.stripPicture(MediaChannel);
+    QCOMPARE(reduced(), 3);
+    bank.picture(MediaChannel);
+    bank.keep(MediaChannel + 1);
+    QCOMPARE(reduced(), 1);
+    QCOMPARE(reduced(), 3);
+    bank.setSaving(false);
+    QCOMPARE(reduced(), 0);
+  }
+
   void ratesAreThoseOfAMillisecond() {
     SourceFigures figures;
     figures.description = "a source";

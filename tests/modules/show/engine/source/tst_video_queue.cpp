@@ -1,5 +1,6 @@
 // Which picture of a file is due when: cadence, late pictures, seams, flushes, hold, end; push and pull at
 // once; when the queue is refilled in bursts, and whose turn that is.
+#include <QScopeGuard>
 #include <QSemaphore>
 #include <QtTest>
 #include <atomic>
@@ -364,6 +365,32 @@ class VideoQueueTest : public QObject {
       }
       film->pull(1);
       QVERIFY(film.rests());
+    }
+  }
+
+  // Pictures that stand 120 ms apart: few, so that they are gone soon after the return to the full rate.
+  void fewPicturesOfTheReducedRateAreQueued() {
+    ClockedQueue queue({25, 1});
+    std::thread pusher([&queue] {
+      for (int i = 0;; ++i) {
+        korvia::TimedFrame next = picture(i % 200, i * 120 * kMs);
+        next.endIsFar = true;
+        next.reduced = true;
+        if (!queue.push(std::move(next)))
+          return;
+      }
+    });
+    const auto closer = qScopeGuard([&] {
+      queue.close();
+      pusher.join();
+    });
+    QTRY_COMPARE(queue.size(), 3);
+    queue.setPlaying(true);
+    QTRY_VERIFY(numberOf(queue.pull(1)) > 3);
+    for (int tick = 0; tick < 30; ++tick) {
+      QVERIFY(!queue.pull(1).missed);
+      QTRY_VERIFY(queue.size() >= 1);
+      QVERIFY(queue.size() <= 3);
     }
   }
 
