@@ -166,11 +166,12 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
   watchLoad();
 }
 
-// Whoever takes the sound of program, an output or a device, is given it here, block by block.
+// Outputs encode sound with the frames of its tick, which they get later.
 void SoftwareBackend::mixSound(const FrameTick& tick) {
   StageClock::Scope stage(stages_, StageClock::Audio);
   mixer_.beginTick(tick, switcher_.channels());
   while (mixer_.mixBlock()) {
+    outputs_.pushSound(mixer_.program());
     loudness_.push(mixer_.program());
     if (programDevice_)
       programDevice_->push(mixer_.program());
