@@ -11,8 +11,6 @@ namespace {
 constexpr double kMarginDb = 0.05;
 const float kThreshold = static_cast<float>(std::pow(10.0, (Limiter::kCeilingDb - kMarginDb) / 20));
 const double kReleaseStep = 1 - std::exp(-1000.0 / (Limiter::kReleaseMs * kSampleRate));
-// The release would never quite end. What is left of it here, -100 dB, nobody hears.
-constexpr double kReleaseEnd = 1e-5;
 
 }  // namespace
 
@@ -72,7 +70,7 @@ Limiter::Gain Limiter::heldMinimum(Gain gain) {
 
 float Limiter::nextGain(Gain wanted) {
   const Gain least = heldMinimum(wanted);
-  if (least <= released_ || (least == kOne && released_ > kOne * (1 - kReleaseEnd)))
+  if (least <= released_)
     released_ = least;
   else
     released_ += (least - released_) * kReleaseStep;

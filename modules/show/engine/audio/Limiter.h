@@ -32,7 +32,7 @@ class Limiter {
   void reset();
 
  private:
-  // Gains are fixed-point numbers, whose sums are exact: after a peak the gain is exactly 1 again.
+  // Gains are fixed-point numbers, whose sums are exact: when the gains are 1 again, so is their average.
   using Gain = std::int32_t;
   static constexpr Gain kOne = 1 << 30;
   // The least gain near a peak is held for the samples that interpolation takes into the peak on both sides.

@@ -89,7 +89,7 @@ class AudioMixerTest : public QObject {
     QCOMPARE(rig.program.size(), std::size_t(5 * kBlock));
     // The first block fades in.
     for (int i = kBlock + kLatency; i < 5 * kBlock; ++i)
-      QCOMPARE(rig.program[i], rig.channels.sounds[0](i - kLatency));
+      QVERIFY(rig.program[i] == rig.channels.sounds[0](i - kLatency));
     QCOMPARE(rig.mixer.program().right[7], -rig.mixer.program().left[7]);
     for (const float sample : rig.preview)
       QCOMPARE(sample, 0.0F);
@@ -340,7 +340,7 @@ class AudioMixerTest : public QObject {
     QCOMPARE(rig.program.size(), std::size_t(251 * kBlock));
     QVERIFY(rig.longestBlock <= kBlockSamplesMax);
     for (int i = kBlock + kLatency; i < 251 * kBlock; ++i)
-      QCOMPARE(rig.program[i], rig.channels.sounds[0](i - kLatency));
+      QVERIFY(rig.program[i] == rig.channels.sounds[0](i - kLatency));
   }
 
   void aShowOpensInSilence() {
