@@ -12,9 +12,6 @@ namespace {
 
 constexpr int kPairBytes = 2 * sizeof(float);
 constexpr int kPullBytes = DevicePlayer::kPullSamples * kPairBytes;
-// At its start a device fills its own buffer without a pause. It gets silence for that, since such a rush of
-// pulls says nothing about its clock.
-constexpr int kSilentPulls = 20;
 
 GstCaps* soundCaps() {
   return gst_caps_new_simple("audio/x-raw", "format", G_TYPE_STRING, "F32LE", "rate", G_TYPE_INT, kSampleRate,
@@ -28,7 +25,7 @@ std::int64_t nowNs() {
 }  // namespace
 
 DevicePlayer::DevicePlayer(DriftCorrector& sound, std::function<void()> wake)
-    : sound_(sound), pipeline_(std::move(wake)), silentPulls_(kSilentPulls) {}
+    : sound_(sound), pipeline_(std::move(wake)) {}
 
 DevicePlayer::~DevicePlayer() {
   pipeline_.stop();

@@ -14,6 +14,9 @@ class DevicePlayer {
  public:
   /// Samples of a pull: 10 ms.
   static constexpr int kPullSamples = kSampleRate / 100;
+  /// At its start a device fills its own buffer without a pause. It gets silence for that, since such a rush
+  /// of pulls says nothing about its clock.
+  static constexpr int kSilentPulls = 20;
 
   /// `sound` must outlive the player. `wake` is called from any thread when hasFailed() may have changed.
   DevicePlayer(DriftCorrector& sound, std::function<void()> wake);
@@ -33,7 +36,7 @@ class DevicePlayer {
 
   DriftCorrector& sound_;
   OutputPipeline pipeline_;
-  int silentPulls_;  // streaming thread; pulls that are still to be silent
+  int silentPulls_ = kSilentPulls;  // streaming thread; pulls that are still to be silent
 };
 
 }  // namespace korvia

@@ -29,6 +29,7 @@ constexpr SoundDevice::Times kSoon{20ms, 2000ms};
 /// What a made-up device plays. Outlives it, since a device may be left behind.
 struct Heard {
   std::atomic<qint64> samples{0};
+  std::atomic<qint64> silentSamples{0};  ///< before the first that is not silent
   std::atomic<float> left{0};
   std::atomic<float> right{0};
 };
@@ -39,6 +40,8 @@ void onSamples(GstElement*, GstBuffer* buffer, GstPad*, gpointer self) {
   gst_buffer_map(buffer, &map, GST_MAP_READ);
   const auto* pairs = reinterpret_cast<const float*>(map.data);
   const auto count = static_cast<qint64>(map.size / (2 * sizeof(float)));
+  for (qint64 i = 0; i < count && heard->silentSamples == heard->samples + i; ++i)
+    heard->silentSamples += pairs[2 * i] == 0 ? 1 : 0;
   heard->left = pairs[2 * count - 2];
   heard->right = pairs[2 * count - 1];
   heard->samples += count;
@@ -154,6 +157,24 @@ class SoundDeviceTest : public QObject {
       QCOMPARE(sound.figures().overruns, qint64(0));
       QVERIFY2(mostError < kBlock, qPrintable(QString::number(mostError)));
     }
+  }
+
+  void theRushAtTheStartOfADeviceGetsSilence() {
+    const auto nowNs = [] { return std::chrono::steady_clock::now().time_since_epoch() / 1ns; };
+    DriftCorrector sound(SoundDevice::delaySamples(kRate));
+    const StereoSpan block = constantBlock(0.5F, 0.5F);
+    // There is sound enough already.
+    for (qint64 n = -5; n <= 0; ++n)
+      sound.push(block, nowNs() + n * 40'000'000);
+    Heard heard;
+    DevicePlayer player(sound, [] {});
+    QVERIFY(player.start(makeSink("", &heard)));
+    for (int i = 0; i < 100 && heard.silentSamples == heard.samples; ++i) {
+      QTest::qWait(40);
+      sound.push(block, nowNs());
+    }
+    QVERIFY(heard.silentSamples >= qint64{DevicePlayer::kSilentPulls} * DevicePlayer::kPullSamples);
+    QVERIFY(heard.samples > heard.silentSamples);
   }
 
   void theDelayFollowsTheFrameRate() {
