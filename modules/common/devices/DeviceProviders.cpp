@@ -51,7 +51,7 @@ void visitDevices(const char* classes, const Visit& visit) {
 
 QString displayNameOf(GstDevice* device) {
   gchar* name = gst_device_get_display_name(device);
-  const QString result = QString::fromUtf8(name);
+  QString result = QString::fromUtf8(name);
   g_free(name);
   return result;
 }
