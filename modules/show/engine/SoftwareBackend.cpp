@@ -111,6 +111,7 @@ void SoftwareBackend::closeShow() {
   if (!open_)
     return;
   open_ = false;
+  mixer_.close();
   closeDevices();
   outputs_.close();
   monitors_.close();

@@ -30,6 +30,10 @@ void AudioMixer::setHost(IShowBackendHost* host) {
 
 void AudioMixer::open(FrameRate rate) {
   rate_ = rate;
+  close();
+}
+
+void AudioMixer::close() {
   samplesLeft_ = 0;
   buses_ = {};
   for (Input& input : inputs_) {

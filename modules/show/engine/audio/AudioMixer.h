@@ -25,6 +25,8 @@ class AudioMixer {
   void setHost(IShowBackendHost* host);
   /// A show begins, in silence. Modes and volumes stay.
   void open(FrameRate rate);
+  /// The show ends: the levels fall to silence.
+  void close();
 
   // Events. Each is answered with what holds now, also when it was refused.
   void setMixMode(int mode);

@@ -94,6 +94,13 @@ class SoundShowTest : public QObject {
     QCOMPARE(flagsAfterATick(), (QVector<int>{1, 0}));
   }
 
+  void aClosedShowIsSilent() {
+    openShow();
+    QCOMPARE(flagsAfterATick(), (QVector<int>{1, 0}));
+    post(ShowEventClose);
+    QCOMPARE(flagsAfterATick(), (QVector<int>{0, 0}));
+  }
+
   void theConsoleSetsTheMixer() {
     openShow();
     flagsAfterATick();
