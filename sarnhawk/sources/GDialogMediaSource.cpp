@@ -85,6 +85,10 @@ GDialogMediaSource::GDialogMediaSource(const tagKorviaShowEngineInfo& engineInfo
   connect(_pdf, &PdfPreview::sizeTaken, this, &GDialogMediaSource::takePdfSize);
 
   setUpKinds();
+  // A completer would make "128" of a typed "12".
+  const auto combos = findChildren<QComboBox*>();
+  for (QComboBox* combo : combos)
+    combo->setCompleter(nullptr);
   fillLists();
   fillDevices();
   setKind(_slot.source.kind);
@@ -216,8 +220,10 @@ void GDialogMediaSource::openFiles(const QStringList& paths) {
   setKind(dropped.source.kind);
   switch (dropped.source.kind) {
     case SourceKindMovieList:
+      _ui->_movieListListWidget->clear();
       return appendFiles(_ui->_movieListListWidget, dropped.source.movieList);
     case SourceKindImageList:
+      _ui->_imageListListWidget->clear();
       return appendFiles(_ui->_imageListListWidget, dropped.source.imageList);
     case SourceKindPdf:
       return _ui->_pdfPathLineEdit->setText(dropped.source.pdfPath);

@@ -39,7 +39,7 @@ class GDialogMediaSource : public QDialog, public IGDialogMediaSourceOptionSink 
   const tagKorviaShowChannelSlot& slot() const { return _slot; }
 
   /// Takes files in as if the operator had picked them: they are appended to the list that is on the screen,
-  /// or choose their own page.
+  /// or choose their own page and replace what it had.
   void openFiles(const QStringList& paths);
 
  public slots:

@@ -235,6 +235,9 @@ void GDialogMediaSource::onTextChanged_pdfPathLineEdit(const QString& text) {
 }
 
 void GDialogMediaSource::takePdfSize(const QSize& size) {
+  // It may come after the operator has turned to another page.
+  if (_ui->stackedWidget->currentWidget() != _ui->_pdfPage)
+    return;
   setOutputSize(size);
   const QSignalBlocker blocker(_ui->_videoSizeComboBox);
   showSize(size);

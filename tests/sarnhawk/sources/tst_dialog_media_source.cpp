@@ -408,6 +408,39 @@ class DialogMediaSourceTest : public QObject {
     QCOMPARE(rig.page(), QString("_textPage"));
   }
 
+  void droppedFilmsReplaceAListThatIsNotOnTheScreen() {
+    PickerRig rig;
+    rig.slot.source.movieList = QStringList{"/old.mp4"};
+    GDialogMediaSource& picker = rig.open(1);
+    picker.openFiles({"/a.mp4", "/b.mkv"});
+    QCOMPARE(rig.rows("_movieListListWidget"), (QStringList{"/a.mp4", "/b.mkv"}));
+    picker.openFiles({"/c.mp4"});
+    QCOMPARE(rig.rows("_movieListListWidget"), (QStringList{"/a.mp4", "/b.mkv", "/c.mp4"}));
+  }
+
+  void typedTextIsNotCompleted_data() {
+    QTest::addColumn<QString>("combo");
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("font size") << "_textFontSizeComboBox"
+                               << "1";
+    QTest::newRow("cache") << "_urlCacheComboBox"
+                           << "100";
+    QTest::newRow("delay") << "_delayCacheComboBox"
+                           << "3000";
+    QTest::newRow("address") << "_urlComboBox"
+                             << "rtmp://127.0.0.1:1935/live";
+  }
+  void typedTextIsNotCompleted() {
+    QFETCH(QString, combo);
+    QFETCH(QString, typed);
+    PickerRig rig;
+    rig.open(1).show();
+    QComboBox* box = rig.combo(qPrintable(combo));
+    box->clearEditText();
+    QTest::keyClicks(box->lineEdit(), typed);
+    QCOMPARE(box->currentText(), typed);
+  }
+
   void dropOnAFieldReachesThePicker() {
     PickerRig rig;
     GDialogMediaSource& picker = rig.open(1);
