@@ -87,13 +87,14 @@ GDialogMediaSource::GDialogMediaSource(const tagKorviaShowEngineInfo& engineInfo
   setUpKinds();
   // A completer would make "128" of a typed "12".
   const auto combos = findChildren<QComboBox*>();
-  for (QComboBox* combo : combos)
-    combo->setCompleter(nullptr);
+  for (QComboBox* combo : combos) {
+    if (combo->isEditable())
+      combo->setCompleter(nullptr);
+  }
   fillLists();
-  fillDevices();
   setKind(_slot.source.kind);
   load();
-  fillCards();
+  fillDevices();
   setUpHistories();
   setUpScreens();
   _ui->widget_income->hide();

@@ -419,23 +419,23 @@ class DialogMediaSourceTest : public QObject {
   }
 
   void typedTextIsNotCompleted_data() {
+    QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("combo");
     QTest::addColumn<QString>("typed");
-    QTest::newRow("font size") << "_textFontSizeComboBox"
-                               << "1";
-    QTest::newRow("cache") << "_urlCacheComboBox"
-                           << "100";
-    QTest::newRow("delay") << "_delayCacheComboBox"
-                           << "3000";
-    QTest::newRow("address") << "_urlComboBox"
-                             << "rtmp://127.0.0.1:1935/live";
+    QTest::newRow("font size") << 15 << "_textFontSizeComboBox" << "1";
+    QTest::newRow("cache") << 3 << "_urlCacheComboBox" << "100";
+    QTest::newRow("delay") << 10 << "_delayCacheComboBox" << "3000";
+    QTest::newRow("address") << 3 << "_urlComboBox" << "rtmp://127.0.0.1:1935/live";
   }
   void typedTextIsNotCompleted() {
+    QFETCH(int, kind);
     QFETCH(QString, combo);
     QFETCH(QString, typed);
     PickerRig rig;
-    rig.open(1).show();
+    rig.open(kind).show();
+    QVERIFY(QTest::qWaitForWindowActive(rig.picker.get()));
     QComboBox* box = rig.combo(qPrintable(combo));
+    box->setFocus();
     box->clearEditText();
     QTest::keyClicks(box->lineEdit(), typed);
     QCOMPARE(box->currentText(), typed);
