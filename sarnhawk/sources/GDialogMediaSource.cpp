@@ -72,7 +72,7 @@ GDialogMediaSource::GDialogMediaSource(const tagKorviaShowEngineInfo& engineInfo
       _localAddress(KorviaCommonUtil::getIp()) {
   _ui->setupUi(this);
   setWindowFlags(windowFlags() | Qt::WindowStaysOnTopHint);
-  // With a parent or without, no window but this one is blocked.
+  // Blocks its parent at most, so that the desk stays usable.
   setWindowModality(Qt::WindowModal);
   if (!entryOf(_slot.source.kind))
     _slot.source.kind = SourceKindMovie;

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kScreenEntries = 7;
 
-/// Labels are padded as they stand here; shows and operators know them so.
+/// Padded, so that the numbers stand below each other in the list.
 const QStringList kSizes{
     "640  X 480",  "800  X 600",  "720  X 405",  "720  X 480",  "720  X 576",  "1024 X 576",  "1024 X 768",
     "1152 X 864",  "1280 X 720",  "1280 X 800",  "1280 X 960",  "1280 X 1024", "1300 X 768",  "1336 X 768",
@@ -100,8 +100,8 @@ void GDialogMediaSource::fillLists() {
   _textPage.fill();
 }
 
-// A sound server that hangs keeps the answer back for seconds. Until it comes, the devices of the record stand in
-// the lists.
+// A sound server that hangs keeps the answer back for seconds. Until it comes, the devices of the record
+// stand in the lists.
 void GDialogMediaSource::fillDevices() {
   const tagKorviaShowSourceInfo& info = _slot.source;
   if (!info.videoDevName.isEmpty())

@@ -19,7 +19,7 @@ constexpr double kMaxPairValue = 1e9;
 double numberOf(const QString& text) {
   bool isNumber = false;
   const double value = text.trimmed().toDouble(&isNumber);
-  // Also not for "nan", which compares with nothing.
+  // "nan" is a number to Qt, but it is not >= 0.
   return isNumber && value >= 0 ? std::min(value, kMaxPairValue) : 0;
 }
 

@@ -54,7 +54,9 @@ class PickerRig {
     return texts;
   }
   /// Waits until the system has told its devices.
-  bool waitForDevices() const { return QSignalSpy(picker.get(), &GDialogMediaSource::devicesListed).wait(10'000); }
+  bool waitForDevices() const {
+    return QSignalSpy(picker.get(), &GDialogMediaSource::devicesListed).wait(10'000);
+  }
 
   static QStringList stored(const char* key) {
     return QSettings("KorviaMix", QString()).value(QLatin1String(key)).toStringList();

@@ -422,10 +422,14 @@ class DialogMediaSourceTest : public QObject {
     QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("combo");
     QTest::addColumn<QString>("typed");
-    QTest::newRow("font size") << 15 << "_textFontSizeComboBox" << "1";
-    QTest::newRow("cache") << 3 << "_urlCacheComboBox" << "100";
-    QTest::newRow("delay") << 10 << "_delayCacheComboBox" << "3000";
-    QTest::newRow("address") << 3 << "_urlComboBox" << "rtmp://127.0.0.1:1935/live";
+    QTest::newRow("font size") << 15 << "_textFontSizeComboBox"
+                               << "1";
+    QTest::newRow("cache") << 3 << "_urlCacheComboBox"
+                           << "100";
+    QTest::newRow("delay") << 10 << "_delayCacheComboBox"
+                           << "3000";
+    QTest::newRow("address") << 3 << "_urlComboBox"
+                             << "rtmp://127.0.0.1:1935/live";
   }
   void typedTextIsNotCompleted() {
     QFETCH(int, kind);
