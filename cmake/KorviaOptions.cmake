@@ -36,6 +36,12 @@ elseif(KORVIA_SANITIZE STREQUAL "thread")
   add_link_options(-fsanitize=thread)
 endif()
 
+# There are hundreds of test programs, and gold links them in a third of the time.
+find_program(GOLD_LINKER ld.gold)
+if(KORVIA_SANITIZE AND GOLD_LINKER)
+  add_link_options(-fuse-ld=gold)
+endif()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
   set(CMAKE_CXX_COMPILER_LAUNCHER

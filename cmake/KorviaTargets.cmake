@@ -5,6 +5,24 @@ function(korvia_library name kind)
   target_precompile_headers(${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/pch_${KORVIA_PCH}.h)
 endfunction()
 
+# Tests of the same libraries, which see the same definitions, share precompiled headers: the first one compiles
+# them. Libraries with few tests are not worth it.
+function(korvia_precompile_test name first)
+  set(many korvia_show_internal sarnhawk_core console_desk)
+  set(harmless PkgConfig::HWY Qt5::Gui)
+  list(REMOVE_ITEM ARGN ${harmless})
+  if(NOT first IN_LIST many OR ARGN)
+    return()
+  endif()
+  get_property(owner GLOBAL PROPERTY korvia_precompiled_for_${first})
+  if(owner)
+    target_precompile_headers(${name} REUSE_FROM ${owner})
+  else()
+    target_precompile_headers(${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/pch_test.h)
+    set_property(GLOBAL PROPERTY korvia_precompiled_for_${first} ${name})
+  endif()
+endfunction()
+
 # korvia_test(NAME [LABELS label...] [ENVIRONMENT VAR=value...] SOURCES ... LIBRARIES ...):
 # a QtTest program registered with CTest on the offscreen platform. Those with the label "release" are what
 # korvia_release_tests builds.
@@ -13,6 +31,7 @@ function(korvia_test name)
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} Qt5::Test korvia_flags)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  korvia_precompile_test(${name} ${arg_LIBRARIES})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
   if("release" IN_LIST arg_LABELS)
     add_dependencies(korvia_release_tests ${name})

@@ -330,6 +330,8 @@ void GWidgetDisplayObject::openFiles(const QStringList& paths) {
   if (!self || !_priv->getEngine())
     return;
   tagKorviaShowChannelSlot slot = _priv->getConfig()->channels[static_cast<std::size_t>(_index)];
+  // The size was that of the source before.
+  slot.format = tagKorviaFormatInfo();
   MediaFiles::fillSlot(paths, slot);
   openSlot(slot);
 }
@@ -342,6 +344,8 @@ void GWidgetDisplayObject::openSlot(const tagKorviaShowChannelSlot& chosen) {
     engine->openSource(static_cast<KorviaShowObjectID>(SourceObject + _index), slot.source, slot.format,
                        host);
   _isOnHold = false;
+  // The silence of the source before is not that of this one.
+  _restartTick = 0;
   setTitle();
   _ui->_closePushButton->show();
   _priv->saveChanges(ShowChangeMediaChannel);

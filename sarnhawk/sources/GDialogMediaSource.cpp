@@ -72,7 +72,7 @@ GDialogMediaSource::GDialogMediaSource(const tagKorviaShowEngineInfo& engineInfo
       _localAddress(KorviaCommonUtil::getIp()) {
   _ui->setupUi(this);
   setWindowFlags(windowFlags() | Qt::WindowStaysOnTopHint);
-  // With a parent or without, no window but this one is blocked.
+  // Blocks its parent at most, so that the desk stays usable.
   setWindowModality(Qt::WindowModal);
   if (!entryOf(_slot.source.kind))
     _slot.source.kind = SourceKindMovie;
@@ -85,11 +85,16 @@ GDialogMediaSource::GDialogMediaSource(const tagKorviaShowEngineInfo& engineInfo
   connect(_pdf, &PdfPreview::sizeTaken, this, &GDialogMediaSource::takePdfSize);
 
   setUpKinds();
+  // A completer would make "128" of a typed "12".
+  const auto combos = findChildren<QComboBox*>();
+  for (QComboBox* combo : combos) {
+    if (combo->isEditable())
+      combo->setCompleter(nullptr);
+  }
   fillLists();
-  fillDevices();
   setKind(_slot.source.kind);
   load();
-  fillCards();
+  fillDevices();
   setUpHistories();
   setUpScreens();
   _ui->widget_income->hide();
@@ -216,8 +221,10 @@ void GDialogMediaSource::openFiles(const QStringList& paths) {
   setKind(dropped.source.kind);
   switch (dropped.source.kind) {
     case SourceKindMovieList:
+      _ui->_movieListListWidget->clear();
       return appendFiles(_ui->_movieListListWidget, dropped.source.movieList);
     case SourceKindImageList:
+      _ui->_imageListListWidget->clear();
       return appendFiles(_ui->_imageListListWidget, dropped.source.imageList);
     case SourceKindPdf:
       return _ui->_pdfPathLineEdit->setText(dropped.source.pdfPath);

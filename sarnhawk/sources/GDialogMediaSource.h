@@ -39,8 +39,12 @@ class GDialogMediaSource : public QDialog, public IGDialogMediaSourceOptionSink 
   const tagKorviaShowChannelSlot& slot() const { return _slot; }
 
   /// Takes files in as if the operator had picked them: they are appended to the list that is on the screen,
-  /// or choose their own page.
+  /// or choose their own page and replace what it had.
   void openFiles(const QStringList& paths);
+
+ signals:
+  /// The lists of devices and cards are filled.
+  void devicesListed();
 
  public slots:
   void onClicked_okPushButton();
@@ -123,7 +127,7 @@ class GDialogMediaSource : public QDialog, public IGDialogMediaSourceOptionSink 
   // Record and form, GDialogMediaSourceRecord.cpp
   void fillLists();
   void fillDevices();
-  void fillCards();
+  void showCards(const QList<tagGDecklinkCardInfo>& cards);
   void load();
   bool collect();
   bool collectPath(const QString& text, QString tagKorviaShowSourceInfo::*field);
@@ -152,6 +156,7 @@ class GDialogMediaSource : public QDialog, public IGDialogMediaSourceOptionSink 
   std::vector<History> _histories;
   QList<GDialogScreenIndicator*> _indicators;
   QList<tagGDecklinkCardInfo> _cards;
+  bool _areDevicesListed = false;
   GWidgetImagePaint* _textPaint = nullptr;
   PdfPreview* _pdf = nullptr;
   QString _localAddress;

@@ -47,7 +47,7 @@ void GDialogMediaSourceOption::onClicked_okPushButton() {
   _info->movieSwitchChannel = _ui->_playbackEndSwitchChannelComboBox->currentData().toInt();
   _info->moviePGMAction = _ui->_moviePGMInOutActionComboBox->currentIndex();
   _info->krmpDecoder = static_cast<quint8>(_ui->_krmpHWDecodeCheckBox->currentIndex());
-  // The action on air of a list is no part of this: it keeps its value.
+  // A list takes over the action at the end, but keeps its own action on air.
   _info->listEndAction = _info->movieEndAction;
   _info->listSwitchChannel = _info->movieSwitchChannel;
   _info->incomeDecoder = _info->krmpDecoder;

@@ -169,7 +169,7 @@ void GDialogMediaSource::onClicked_selectColorPushButton() {
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   dialog->setWindowFlags(dialog->windowFlags() | Qt::WindowStaysOnTopHint);
   dialog->setOption(QColorDialog::ShowAlphaChannel);
-  // The dialog takes the colour over without its alpha before it may have one.
+  // Set again, because the constructor drops the alpha when there is no alpha channel yet.
   dialog->setCurrentColor(QColor::fromRgba(_slot.source.color));
   connect(dialog, &QColorDialog::colorSelected, this, [this](const QColor& color) {
     _slot.source.color = color.rgba();
@@ -235,6 +235,9 @@ void GDialogMediaSource::onTextChanged_pdfPathLineEdit(const QString& text) {
 }
 
 void GDialogMediaSource::takePdfSize(const QSize& size) {
+  // It may come after the operator has turned to another page.
+  if (_ui->stackedWidget->currentWidget() != _ui->_pdfPage)
+    return;
   setOutputSize(size);
   const QSignalBlocker blocker(_ui->_videoSizeComboBox);
   showSize(size);

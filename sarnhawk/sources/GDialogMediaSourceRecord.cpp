@@ -1,10 +1,12 @@
 // The picker's record and form: lists of values, loading, and the step of each kind on OK.
 #include <QFileInfo>
+#include <optional>
 
 #include "DrivePath.h"
 #include "GDeckLinkUtil.h"
 #include "KorviaCommonUtil.h"
 #include "KorviaShowObjectID.h"
+#include "console/runInBackground.h"
 #include "present/colorButton.h"
 #include "sources/GDialogMediaSource.h"
 #include "sources/GDialogMediaSourceOption.h"
@@ -14,7 +16,7 @@ namespace {
 
 constexpr int kScreenEntries = 7;
 
-/// Labels are padded as they stand here; shows and operators know them so.
+/// Padded, so that the numbers stand below each other in the list.
 const QStringList kSizes{
     "640  X 480",  "800  X 600",  "720  X 405",  "720  X 480",  "720  X 576",  "1024 X 576",  "1024 X 768",
     "1152 X 864",  "1280 X 720",  "1280 X 800",  "1280 X 960",  "1280 X 1024", "1300 X 768",  "1336 X 768",
@@ -33,11 +35,20 @@ const QStringList kUrlExamples{"http://127.0.0.1:8080/live/0", "udp://@234.0.0.1
 const QStringList kUrlCaches{"0", "200", "500", "800", "1000", "1500", "2000"};
 const QStringList kDelays{"5000", "10000", "15000", "20000", "25000", "30000", "35000", "40000"};
 
-void fillDeviceCombo(QComboBox* combo, bool isVideo) {
-  std::vector<std::pair<QString, QString>> devices;
-  KorviaCommonUtil::enumDShowDeviceList(isVideo, devices);
-  for (const auto& [name, id] : devices)
-    combo->addItem(name, id);
+using Devices = std::vector<std::pair<QString, QString>>;
+
+struct Found {
+  // None when the system does not answer.
+  std::optional<Devices> video;
+  std::optional<Devices> audio;
+  QList<tagGDecklinkCardInfo> cards;
+};
+
+std::optional<Devices> listed(bool isVideo) {
+  Devices devices;
+  if (!KorviaCommonUtil::enumDShowDeviceList(isVideo, devices))
+    return std::nullopt;
+  return devices;
 }
 
 void selectDevice(QComboBox* combo, const QString& name, const QString& id) {
@@ -45,6 +56,17 @@ void selectDevice(QComboBox* combo, const QString& name, const QString& id) {
     if (combo->itemText(row) == name && combo->itemData(row).toString() == id)
       return combo->setCurrentIndex(row);
   }
+}
+
+void showDevices(QComboBox* combo, const std::optional<Devices>& devices) {
+  if (!devices)
+    return;
+  const QString name = combo->currentText();
+  const QString id = combo->currentData().toString();
+  combo->clear();
+  for (const auto& [text, data] : *devices)
+    combo->addItem(text, data);
+  selectDevice(combo, name, id);
 }
 
 void storeDevice(const QComboBox* combo, QString& name, QString& id) {
@@ -78,21 +100,38 @@ void GDialogMediaSource::fillLists() {
   _textPage.fill();
 }
 
+// A sound server that hangs keeps the answer back for seconds. Until it comes, the devices of the record
+// stand in the lists.
 void GDialogMediaSource::fillDevices() {
-  fillDeviceCombo(_ui->_videoDeviceComboBox, true);
-  fillDeviceCombo(_ui->_audioDeviceComboBox, false);
+  const tagKorviaShowSourceInfo& info = _slot.source;
+  if (!info.videoDevName.isEmpty())
+    _ui->_videoDeviceComboBox->addItem(info.videoDevName, info.videoDevId);
+  if (!info.audioDevName.isEmpty())
+    _ui->_audioDeviceComboBox->addItem(info.audioDevName, info.audioDevId);
+  onCurrentIndexChanged_sdiInputDevListComboBox(-1);
+  runInBackground(
+      this,
+      [] {
+        Found found{listed(true), listed(false), {}};
+        GDeckLinkUtil::enumDecklink(found.cards, true);
+        return found;
+      },
+      [this](const Found& found) {
+        showDevices(_ui->_videoDeviceComboBox, found.video);
+        showDevices(_ui->_audioDeviceComboBox, found.audio);
+        showCards(found.cards);
+        _areDevicesListed = true;
+        emit devicesListed();
+      });
 }
 
-void GDialogMediaSource::fillCards() {
-  const tagKorviaShowSourceInfo& info = _slot.source;
-  GDeckLinkUtil::enumDecklink(_cards, true);
-  for (const tagGDecklinkCardInfo& card : std::as_const(_cards))
+void GDialogMediaSource::showCards(const QList<tagGDecklinkCardInfo>& cards) {
+  _cards = cards;
+  for (const tagGDecklinkCardInfo& card : cards)
     _ui->_sdiInputDevListComboBox->addItem(card.name);
-  if (info.sdiCardIndex < _cards.size())
-    _ui->_sdiInputDevListComboBox->setCurrentIndex(info.sdiCardIndex);
+  if (_slot.source.sdiCardIndex < cards.size())
+    _ui->_sdiInputDevListComboBox->setCurrentIndex(_slot.source.sdiCardIndex);
   onCurrentIndexChanged_sdiInputDevListComboBox(_ui->_sdiInputDevListComboBox->currentIndex());
-  _ui->_sdiVideoSignalListComboBox->setEditText(info.sdiVideoSignal);
-  _ui->_sdiAudioSignalListComboBox->setEditText(info.sdiAudioSignal);
 }
 
 void GDialogMediaSource::load() {
@@ -112,8 +151,6 @@ void GDialogMediaSource::load() {
   _ui->_incomeHWDecodeCheckBox->setCurrentIndex(info.incomeDecoder);
   _ui->_imagePathLineEdit->setText(info.imagePath);
   _ui->_imageListListWidget->addItems(info.imageList);
-  selectDevice(_ui->_videoDeviceComboBox, info.videoDevName, info.videoDevId);
-  selectDevice(_ui->_audioDeviceComboBox, info.audioDevName, info.audioDevId);
   if (!info.videoDevConnType.isEmpty())
     _ui->_videoDevphysConnTypeComboBox->setEditText(info.videoDevConnType);
   _ui->_videoDevDeinterlaceCheckBox->setChecked(format.video.secondEnable != 0);
@@ -127,6 +164,8 @@ void GDialogMediaSource::load() {
   _ui->_webPathLineEdit->setText(info.webUrl);
   _ui->_pdfPathLineEdit->setText(info.pdfPath);
   _textPage.load(info);
+  _ui->_sdiVideoSignalListComboBox->setEditText(info.sdiVideoSignal);
+  _ui->_sdiAudioSignalListComboBox->setEditText(info.sdiAudioSignal);
   _ui->_screenIndicatorComboBox->setCurrentIndex(info.screenIndex);
 }
 
@@ -207,7 +246,8 @@ bool GDialogMediaSource::collect() {
     case SourceKindDevice:
       return collectDevice();
     case SourceKindDevice3D:
-      info.sdiCardIndex = _ui->_sdiInputDevListComboBox->currentIndex();
+      if (_areDevicesListed)
+        info.sdiCardIndex = _ui->_sdiInputDevListComboBox->currentIndex();
       info.sdiFormat = _ui->_sdiFormatListComboBox->currentText();
       info.sdiVideoSignal = _ui->_sdiVideoSignalListComboBox->currentText();
       info.sdiAudioSignal = _ui->_sdiAudioSignalListComboBox->currentText();

@@ -34,7 +34,8 @@ HistoryList::HistoryList(QListWidget* list, const QString& key, Entries entries)
     : _list(list), _key(key), _entries(entries) {}
 
 void HistoryList::load() {
-  _list->addItems(QSettings(kOrganisation, QString()).value(_key).toStringList());
+  _known = QSettings(kOrganisation, QString()).value(_key).toStringList();
+  _list->addItems(_known);
   markMissing();
 }
 
@@ -43,8 +44,15 @@ void HistoryList::add(const QString& text) {
   if (rows.contains(text))
     return;
   _list->insertItem(0, text);
-  rows.prepend(text);
-  QSettings(kOrganisation, QString()).setValue(_key, QStringList(rows.mid(0, kStoredMax)));
+  QSettings settings(kOrganisation, QString());
+  const QStringList stored = settings.value(_key).toStringList();
+  QStringList merged{text};
+  for (const QString& other : stored) {
+    if (!_known.contains(other) && !rows.contains(other) && other != text)
+      merged.append(other);
+  }
+  _known = (merged + rows).mid(0, kStoredMax);
+  settings.setValue(_key, _known);
 }
 
 void HistoryList::markMissing() {

@@ -13,7 +13,8 @@ class HistoryList {
 
   /// Appends what is stored under the key.
   void load();
-  /// Puts a text on top and stores the newest 23. A text that is listed already changes nothing.
+  /// Puts a text on top and stores the newest 23, with what another list of this key has stored meanwhile. A
+  /// text that is listed already changes nothing.
   void add(const QString& text);
   /// Empties the list on the screen; what is stored stays.
   void clear() { _list->clear(); }
@@ -24,5 +25,6 @@ class HistoryList {
 
   QListWidget* _list;
   QString _key;
+  QStringList _known;  // stored, as far as this list knows
   Entries _entries;
 };

@@ -44,9 +44,11 @@ PdfPreview::~PdfPreview() {
 }
 
 void PdfPreview::cancel() {
-  if (_isCancelled)
-    *_isCancelled = true;
-  _isCancelled.reset();
+  if (!_work)
+    return;
+  _work->isWanted = false;
+  _work->mustEnd = true;
+  _work.reset();
 }
 
 void PdfPreview::load(const QString& path, PageSize pageSize, const QSize& size) {
@@ -60,55 +62,61 @@ void PdfPreview::load(const QString& path, PageSize pageSize, const QSize& size)
   _label->setText(tr("%1 / %2").arg(0).arg(0));
   if (path.isEmpty())
     return;
-  _isCancelled = std::make_shared<std::atomic<bool>>(false);
-  QTimer::singleShot(kTimeLimit, this, [this, isCancelled = std::weak_ptr(_isCancelled)] {
-    // Only a document that is still being drawn has the flag of this call.
-    if (!_isCancelled || _isCancelled != isCancelled.lock())
+  _work = std::make_shared<Work>();
+  QTimer::singleShot(kTimeLimit, this, [work = std::weak_ptr(_work)] {
+    // Nobody holds the work of a document that is drawn.
+    const std::shared_ptr<Work> running = work.lock();
+    if (!running)
       return;
-    cancel();
-    qDebug("failed to show document : no end within the time limit");
+    running->mustEnd = true;
+    qDebug("document takes too long : only the pages drawn so far are shown");
   });
   runInBackground(
       this, [path] { return openDocument(path); },
-      [this, pageSize, size, isCancelled = _isCancelled](const Opened& opened) {
-        if (*isCancelled)
+      [this, pageSize, size, work = _work](const Opened& opened) {
+        if (!work->isWanted)
           return;
         if (!opened.document) {
-          _isCancelled.reset();
+          _work.reset();
           return;
         }
         const QSize drawn = pageSize == PageSize::Take ? opened.size : size;
         if (pageSize == PageSize::Take)
           emit sizeTaken(drawn);
-        draw(opened.document, drawn, isCancelled);
+        draw(opened.document, drawn, work);
       });
 }
 
 void PdfPreview::draw(const std::shared_ptr<KorviaPdfDocument>& document, const QSize& size,
-                      const std::shared_ptr<std::atomic<bool>>& isCancelled) {
+                      const std::shared_ptr<Work>& work) {
   runInBackground(
       this,
-      [document, size, isCancelled] {
-        return KorviaOfficeUtil::pdfToImage(document.get(), size.width(), size.height(), isCancelled.get());
+      [document, size, work] {
+        return KorviaOfficeUtil::pdfToImage(document.get(), size.width(), size.height(), &work->mustEnd);
       },
-      [this, size, isCancelled](const QList<QImage>& pages) {
-        if (*isCancelled)
+      [this, size, work](const QList<QImage>& pages) {
+        if (!work->isWanted)
           return;
-        _isCancelled.reset();
+        _work.reset();
         takePages(pages, size);
       });
 }
 
 void PdfPreview::takePages(const QList<QImage>& pages, const QSize& size) {
   _pages = pages;
-  if (_pages.isEmpty())
-    return;
-  _contents->setFixedSize(size);
-  showPage();
+  if (!_pages.isEmpty()) {
+    _contents->setFixedSize(size);
+    _paint->setImage(_pages[_index]);
+  }
+  showNumber();
 }
 
 void PdfPreview::showPage() {
   _paint->setImage(_pages[_index]);
+  showNumber();
+}
+
+void PdfPreview::showNumber() {
   _label->setText(tr("%1 / %2").arg(_index + 1).arg(_pages.size()));
 }
 

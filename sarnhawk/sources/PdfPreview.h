@@ -1,5 +1,6 @@
 // The pages of a PDF as the picker shows them. The document is opened and drawn on a thread of its own, and
-// given up after half a minute, so the desk stays usable with a long or a broken one. Console thread.
+// drawn for half a minute at most, so the desk stays usable with a long or a broken one: the pages that are
+// drawn by then are shown. Console thread.
 #pragma once
 #include <QImage>
 #include <QList>
@@ -32,16 +33,21 @@ class PdfPreview : public QObject {
   void showPrevious();
   void showNext();
 
-  int pageCount() const { return _pages.size(); }
-
  signals:
   /// The document that was loaded with PageSize::Take has pages of this size. The pages come later.
   void sizeTaken(const QSize& size);
 
  private:
+  /// A document that is being opened or drawn.
+  struct Work {
+    std::atomic<bool> mustEnd{false};
+    bool isWanted = true;  // console thread
+  };
+
   void draw(const std::shared_ptr<KorviaPdfDocument>& document, const QSize& size,
-            const std::shared_ptr<std::atomic<bool>>& isCancelled);
+            const std::shared_ptr<Work>& work);
   void showPage();
+  void showNumber();
   void takePages(const QList<QImage>& pages, const QSize& size);
   void cancel();
 
@@ -51,6 +57,5 @@ class PdfPreview : public QObject {
   QString _path;
   QList<QImage> _pages;
   int _index = 0;
-  /// Stops the drawing in progress; null when nothing is drawn.
-  std::shared_ptr<std::atomic<bool>> _isCancelled;
+  std::shared_ptr<Work> _work;  // null when nothing is drawn
 };

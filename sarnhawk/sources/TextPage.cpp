@@ -32,7 +32,7 @@ void TextPage::fill() {
   _ui._textFontSizeComboBox->addItems(
       {"14", "24", "32", "40", "56", "64", "76", "128", "256", "512", "1024"});
   _ui._textOutlineSizeComboBox->addItems({"0", "1", "2", "3", "4", "5", "6", "7"});
-  // The last entry is no slip: shows hold it.
+  // 215, where 225 would be expected, stays, because saved shows have it.
   _ui._textGradientDirComboBox->addItems({"0", "45", "90", "135", "180", "215"});
   const auto text = [](const char* source) {
     return QCoreApplication::translate("GDialogMediaSource", source);

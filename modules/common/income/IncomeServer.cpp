@@ -49,19 +49,19 @@ int wantedRtmpPort() {
   return isNumber && port >= 1 && port <= 65535 ? port : kDefaultRtmpPort;
 }
 
-QString listenAddress() {
-  QString loopback = QStringLiteral("127.0.0.1");
+}  // namespace
+
+QHostAddress incomeListenAddress() {
+  const QHostAddress loopback(QHostAddress::LocalHost);
   const QString text = qEnvironmentVariable("KORVIA_INCOME_LISTEN");
   if (text.isEmpty())
     return loopback;
   const QHostAddress address(text);
   if (address.protocol() == QAbstractSocket::IPv4Protocol)
-    return address.toString();
+    return address;
   qCWarning(lcIncome, "not an address to listen on : %s", qUtf8Printable(text));
   return loopback;
 }
-
-}  // namespace
 
 IncomeServer::IncomeServer() = default;
 
@@ -94,7 +94,7 @@ int IncomeServer::open(const QString& rootPath, int port, const QString& htmlPat
     return refuse(-ENOENT, "the rtmp module of nginx is missing");
   settings.cacheFolder = absolute(rootPath) + QStringLiteral("/cache");
   settings.config.htmlFolder = absolute(htmlPath);
-  settings.config.address = listenAddress();
+  settings.config.address = incomeListenAddress().toString();
   settings.config.httpPort = port;
   settings.config.rtmpPort = wantedRtmpPort();
   if (!NginxConfig::quoted(settings.config.htmlFolder) || !NginxConfig::quoted(settings.config.modulePath))

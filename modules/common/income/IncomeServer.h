@@ -4,6 +4,7 @@
 // KORVIA_RTMP_PORT is the wanted RTMP port (1935); KORVIA_INCOME_LISTEN is a numeric IPv4 address to listen
 // on instead of 127.0.0.1, for streams from other machines.
 #pragma once
+#include <QHostAddress>
 #include <QThread>
 #include <memory>
 
@@ -12,6 +13,9 @@
 namespace korvia {
 
 class NginxSupervisor;
+
+/// The address to listen on, by the environment; the loopback for anything that is no address. Any thread.
+QHostAddress incomeListenAddress();
 
 class IncomeServer : public IKorviaRTMPIncomeServer {
  public:

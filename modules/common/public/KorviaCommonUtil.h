@@ -16,8 +16,8 @@ class KorviaCommonUtil {
   /// that is no regular file, and for more than 64 MiB.
   static bool readFileContent(const QString& path, QByteArray& content);
 
-  /// The address under which the servers of this machine are reached. They listen on the loopback alone, so
-  /// it is "127.0.0.1".
+  /// The address under which the servers of this machine are reached: "127.0.0.1" unless the ingest server
+  /// listens elsewhere.
   static QString getIp();
 
   /// The numbers before and after the first separator, whose case does not matter. Each lies in 0 to 10^9.

@@ -3,10 +3,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHostAddress>
+#include <QNetworkInterface>
 
 #include "DrivePath.h"
 #include "devices/CameraControls.h"
 #include "devices/DeviceListing.h"
+#include "income/IncomeServer.h"
 
 namespace {
 
@@ -16,7 +19,7 @@ constexpr double kMaxPairValue = 1e9;
 double numberOf(const QString& text) {
   bool isNumber = false;
   const double value = text.trimmed().toDouble(&isNumber);
-  // Also not for "nan", which compares with nothing.
+  // "nan" is a number to Qt, but it is not >= 0.
   return isNumber && value >= 0 ? std::min(value, kMaxPairValue) : 0;
 }
 
@@ -50,6 +53,14 @@ bool KorviaCommonUtil::readFileContent(const QString& path, QByteArray& content)
 }
 
 QString KorviaCommonUtil::getIp() {
+  const QHostAddress listening = korvia::incomeListenAddress();
+  if (listening != QHostAddress(QHostAddress::AnyIPv4))
+    return listening.toString();
+  const auto addresses = QNetworkInterface::allAddresses();
+  for (const QHostAddress& address : addresses) {
+    if (address.protocol() == QAbstractSocket::IPv4Protocol && !address.isLoopback())
+      return address.toString();
+  }
   return QStringLiteral("127.0.0.1");
 }
 

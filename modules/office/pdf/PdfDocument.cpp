@@ -86,7 +86,7 @@ QImage PdfDocument::page(int index, const QSize& size, const std::atomic<bool>* 
   const std::unique_ptr<Poppler::Page> page(document_->page(index));
   const QSizeF points = page ? page->pageSizeF() : QSizeF();
   const double scale = std::min(picture.width() / points.width(), picture.height() / points.height());
-  // Not so for a page without a size either.
+  // A page without a size stays black.
   if (!(points.width() > 0 && points.height() > 0 && std::isfinite(scale)))
     return picture;
   const QImage image = drawn(*page, scale, isCancelled);

@@ -12,7 +12,7 @@ struct tagKorviaVideoFormat {
   /// Pixels; for a capture device the size asked of the device.
   qint32 width = 1920;
   qint32 height = 1080;
-  /// For a source: take fields apart.
+  /// Of a device: 1 to deinterlace its pictures.
   quint8 secondEnable = 1;
   /// Pixels; for a source the size of the picture that it delivers.
   qint32 secondWidth = 1920;

@@ -9,6 +9,7 @@
 #include <QPdfWriter>
 #include <QPushButton>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTemporaryDir>
 #include <memory>
@@ -52,6 +53,11 @@ class PickerRig {
       texts.append(list(name)->item(row)->text());
     return texts;
   }
+  /// Waits until the system has told its devices.
+  bool waitForDevices() const {
+    return QSignalSpy(picker.get(), &GDialogMediaSource::devicesListed).wait(10'000);
+  }
+
   static QStringList stored(const char* key) {
     return QSettings("KorviaMix", QString()).value(QLatin1String(key)).toStringList();
   }

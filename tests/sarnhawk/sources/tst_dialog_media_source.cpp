@@ -408,6 +408,43 @@ class DialogMediaSourceTest : public QObject {
     QCOMPARE(rig.page(), QString("_textPage"));
   }
 
+  void droppedFilmsReplaceAListThatIsNotOnTheScreen() {
+    PickerRig rig;
+    rig.slot.source.movieList = QStringList{"/old.mp4"};
+    GDialogMediaSource& picker = rig.open(1);
+    picker.openFiles({"/a.mp4", "/b.mkv"});
+    QCOMPARE(rig.rows("_movieListListWidget"), (QStringList{"/a.mp4", "/b.mkv"}));
+    picker.openFiles({"/c.mp4"});
+    QCOMPARE(rig.rows("_movieListListWidget"), (QStringList{"/a.mp4", "/b.mkv", "/c.mp4"}));
+  }
+
+  void typedTextIsNotCompleted_data() {
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("combo");
+    QTest::addColumn<QString>("typed");
+    QTest::newRow("font size") << 15 << "_textFontSizeComboBox"
+                               << "1";
+    QTest::newRow("cache") << 3 << "_urlCacheComboBox"
+                           << "100";
+    QTest::newRow("delay") << 10 << "_delayCacheComboBox"
+                           << "3000";
+    QTest::newRow("address") << 3 << "_urlComboBox"
+                             << "rtmp://127.0.0.1:1935/live";
+  }
+  void typedTextIsNotCompleted() {
+    QFETCH(int, kind);
+    QFETCH(QString, combo);
+    QFETCH(QString, typed);
+    PickerRig rig;
+    rig.open(kind).show();
+    QVERIFY(QTest::qWaitForWindowActive(rig.picker.get()));
+    QComboBox* box = rig.combo(qPrintable(combo));
+    box->setFocus();
+    box->clearEditText();
+    QTest::keyClicks(box->lineEdit(), typed);
+    QCOMPARE(box->currentText(), typed);
+  }
+
   void dropOnAFieldReachesThePicker() {
     PickerRig rig;
     GDialogMediaSource& picker = rig.open(1);

@@ -49,6 +49,22 @@ class HistoryListTest : public QObject {
     QCOMPARE(stored().last(), QString("21"));
   }
 
+  void twoListsKeepEachOthersTexts() {
+    Settings().setValue("key", QStringList{"old"});
+    QListWidget otherRows;
+    HistoryList history(&_list, "key", HistoryList::Entries::Addresses);
+    HistoryList other(&otherRows, "key", HistoryList::Entries::Addresses);
+    history.load();
+    other.load();
+    history.add("a");
+    other.add("b");
+    QCOMPARE(stored(), (QStringList{"b", "a", "old"}));
+    // What was cleared here comes not back by the other list.
+    history.clear();
+    history.add("c");
+    QCOMPARE(stored(), (QStringList{"c", "b"}));
+  }
+
   void clearLeavesTheStore() {
     HistoryList history(&_list, "key", HistoryList::Entries::Addresses);
     history.add("a");

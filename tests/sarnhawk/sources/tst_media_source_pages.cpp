@@ -209,6 +209,7 @@ class MediaSourcePagesTest : public QObject {
     rig.slot.source.videoDevName = "gone";
     rig.slot.source.videoDevId = "v4l2:gone";
     rig.open(7);
+    QVERIFY(rig.waitForDevices());
     rig.combo("_videoDeviceComboBox")->clear();
     rig.combo("_audioDeviceComboBox")->clear();
     rig.combo("_videoDevFpsComboBox")->setEditText("30000 / 1001");
@@ -235,6 +236,7 @@ class MediaSourcePagesTest : public QObject {
   void deviceOfTheChosenRowIsStored() {
     PickerRig rig;
     rig.open(7);
+    QVERIFY(rig.waitForDevices());
     rig.combo("_videoDeviceComboBox")->addItem("Camera", "v4l2:by-id/x");
     rig.combo("_videoDeviceComboBox")->setCurrentIndex(rig.combo("_videoDeviceComboBox")->count() - 1);
     rig.combo("_audioDeviceComboBox")->addItem("Line in", "alsa:x");
@@ -246,10 +248,28 @@ class MediaSourcePagesTest : public QObject {
     QCOMPARE(rig.source().audioDevId, QString("alsa:x"));
   }
 
+  // The system may take seconds to tell its devices, and the operator may be quicker.
+  void devicesOfTheRecordStandUntilTheSystemAnswers() {
+    PickerRig rig;
+    rig.slot.source.videoDevName = "A camera that is not here";
+    rig.slot.source.videoDevId = "v4l2:x";
+    rig.slot.source.sdiCardIndex = 3;
+    rig.open(7);
+    QCOMPARE(rig.combo("_videoDeviceComboBox")->currentText(), QString("A camera that is not here"));
+    QVERIFY(rig.accepts());
+    QCOMPARE(rig.source().videoDevName, QString("A camera that is not here"));
+    QCOMPARE(rig.source().videoDevId, QString("v4l2:x"));
+    QCOMPARE(rig.source().sdiCardIndex, 3);
+    QVERIFY(rig.waitForDevices());
+    QCOMPARE(rig.combo("_videoDeviceComboBox")->findText("A camera that is not here"), -1);
+  }
+
   void sdiTextsAreStoredAsTheyStand() {
     PickerRig rig;
     rig.slot.source.sdiFormat = "2160p50";
     rig.open(8);
+    QCOMPARE(rig.combo("_sdiFormatListComboBox")->currentText(), QString("2160p50"));
+    QVERIFY(rig.waitForDevices());
     QCOMPARE(rig.combo("_sdiFormatListComboBox")->currentText(), QString("2160p50"));
     rig.combo("_sdiVideoSignalListComboBox")->setEditText("HDMI");
     QVERIFY(rig.accepts());

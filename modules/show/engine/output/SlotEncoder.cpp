@@ -55,10 +55,13 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
 void SlotEncoder::pushSound(StereoSpan sound, qint64 firstSample) {
   if (settings_.soundKbps <= 0 || targets_.isEmpty())
     return;
+  firstSample -= settings_.soundDelaySamples;
+  // What comes before the first frame belongs to a picture that was not pushed.
+  const int early = static_cast<int>(std::clamp<qint64>(-firstSample, 0, sound.samples));
   MutexLock lock(mutex_);
   // It is encoded with the next frames, so the thread is not woken.
-  if (accepting_)
-    sound_.push(sound, firstSample);
+  if (accepting_ && early < sound.samples)
+    sound_.push(sound.part(early, sound.samples - early), firstSample + early);
 }
 
 void SlotEncoder::finish() {

@@ -24,6 +24,8 @@ struct EncoderSettings {
   PictureEncoding picture;
   /// Of the sound; 0 for none.
   int soundKbps = 0;
+  /// By how many samples the sound comes after the picture that it belongs to.
+  int soundDelaySamples = 0;
   /// Capacity of the queue: one second of the show, 75 MB for 1080p25.
   int queueCapacity = 25;
   /// Frames are encoded in groups of this size, because an encoder that gets several frames in one go works

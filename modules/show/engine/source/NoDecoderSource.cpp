@@ -12,9 +12,12 @@ struct Content {
 };
 
 constexpr Content kContents[] = {
-    {SourceKindKrmp, "krmp streams"},
-    {SourceKindFlash, "flash films"},
-    {SourceKindOffice, "office documents"},
+    {SourceKindKrmp, "krmp streams"},       {SourceKindFlash, "flash films"},
+    {SourceKindOffice, "office documents"}, {SourceKindUrl, "network streams"},
+    {SourceKindDevice, "devices"},          {SourceKindDevice3D, "cards"},
+    {SourceKindDelay, "delayed channels"},  {SourceKindWeb, "web pages"},
+    {SourceKindWindow, "windows"},          {SourceKindScreen, "screens"},
+    {SourceKindIncome, "income streams"},
 };
 
 QString contentOf(int kind) {

@@ -46,6 +46,14 @@ constexpr KindEntry kKinds[] = {
     {SourceKindOffice, make<NoDecoderSource>},
     {SourceKindPdf, open<PdfSource>},
     {SourceKindText, open<TextSource>},
+    {SourceKindUrl, make<NoDecoderSource>},
+    {SourceKindDevice, make<NoDecoderSource>},
+    {SourceKindDevice3D, make<NoDecoderSource>},
+    {SourceKindDelay, make<NoDecoderSource>},
+    {SourceKindWeb, make<NoDecoderSource>},
+    {SourceKindWindow, make<NoDecoderSource>},
+    {SourceKindScreen, make<NoDecoderSource>},
+    {SourceKindIncome, make<NoDecoderSource>},
 };
 // clang-format on
 

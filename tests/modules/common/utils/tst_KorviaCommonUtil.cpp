@@ -1,6 +1,9 @@
 // Folders, files and the address of the machine, by drive paths.
 #include <sys/stat.h>
 
+#include <QHostAddress>
+#include <QNetworkInterface>
+#include <QScopeGuard>
 #include <QtTest>
 
 #include "KorviaCommonUtil.h"
@@ -66,7 +69,17 @@ class KorviaCommonUtilTest : public QObject {
     QCOMPARE(content.size(), 64 * 1024 * 1024);
   }
 
-  void addressIsThatOfTheServers() { QCOMPARE(KorviaCommonUtil::getIp(), QString("127.0.0.1")); }
+  void addressIsThatOfTheServers() {
+    const auto reset = qScopeGuard([] { qunsetenv("KORVIA_INCOME_LISTEN"); });
+    QCOMPARE(KorviaCommonUtil::getIp(), QString("127.0.0.1"));
+    qputenv("KORVIA_INCOME_LISTEN", "127.0.0.2");
+    QCOMPARE(KorviaCommonUtil::getIp(), QString("127.0.0.2"));
+    // Listening everywhere: an address that another machine can use, when this one has any.
+    qputenv("KORVIA_INCOME_LISTEN", "0.0.0.0");
+    const QHostAddress address(KorviaCommonUtil::getIp());
+    QCOMPARE(address.protocol(), QAbstractSocket::IPv4Protocol);
+    QVERIFY(QNetworkInterface::allAddresses().contains(address));
+  }
 
   void pairIsDefinedForEveryText_data() {
     QTest::addColumn<QString>("text");

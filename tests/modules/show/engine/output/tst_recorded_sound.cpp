@@ -165,6 +165,28 @@ class RecordedSoundTest : public QObject {
       QVERIFY2(std::abs(delayAt(decoded, place)) <= 1, qPrintable(QString::number(delayAt(decoded, place))));
   }
 
+  void soundThatComesLateIsPutInItsPlace() {
+    QTemporaryDir folder;
+    RecordingSettings settings = settingsFor(folder, EncapsulationMkv);
+    settings.encoder.soundDelaySamples = kFrameSamples + 100;
+    Recording recording(settings);
+    FramePool pool(kSize);
+    std::vector<float> late(kFrameSamples + 100);
+    for (int i = 0; i < kFrames; ++i) {
+      recording.pushFrame(patternFrame(pool, i));
+      FrameSound sound(i);
+      late.insert(late.end(), sound.left.begin(), sound.left.end());
+      recording.slot().pushSound({late.data(), late.data(), kFrameSamples});
+      late.erase(late.begin(), late.begin() + kFrameSamples);
+      QVERIFY(waitForRoom(recording, i + 1, 15));
+    }
+    recording.finish();
+    QVERIFY(recording.waitFinished(kFinishMs));
+    const std::vector<float> decoded = decodeSound(recording.fileName());
+    for (qint64 place : {4'800, 110'000})
+      QVERIFY2(std::abs(delayAt(decoded, place)) <= 1, qPrintable(QString::number(delayAt(decoded, place))));
+  }
+
   void theQueueLeavesOutWhatDoesNotFit() {
     SoundQueue queue(10);
     std::vector<float> left{1, 2, 3, 4, 5, 6, 7};
