@@ -666,7 +666,8 @@ GstPadProbeReturn FilmPipeline::onSoundProbe(GstPadProbeInfo* info) {
 }
 
 void FilmPipeline::failSound(const QString& reason) {
-  if (!soundFailed_.exchange(true))
+  // A film that has failed as a whole takes its sound with it.
+  if (!failed_ && !soundFailed_.exchange(true))
     listener_.onSoundFailure(reason);
 }
 
