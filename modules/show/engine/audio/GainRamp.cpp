@@ -4,12 +4,17 @@
 
 namespace korvia {
 
+float GainRamp::next() {
+  if (isRamping())
+    position_ += target_ > position_ ? 1 : -1;
+  const float t = static_cast<float>(position_) / kSamples;
+  return t * t * (3 - 2 * t);
+}
+
 void GainRamp::apply(StereoSpan sound) {
   int i = 0;
   for (; i < sound.samples && isRamping(); ++i) {
-    position_ += target_ > position_ ? 1 : -1;
-    const float t = static_cast<float>(position_) / kSamples;
-    const float gain = t * t * (3 - 2 * t);
+    const float gain = next();
     sound.left[i] *= gain;
     sound.right[i] *= gain;
   }

@@ -21,6 +21,8 @@ class GainRamp {
   bool isFadingOut() const { return target_ == 0; }
   /// Samples until the ramp has ended.
   int samplesLeft() const { return target_ > position_ ? target_ - position_ : position_ - target_; }
+  /// The gain of the next sample, 0 to 1.
+  float next();
   void apply(StereoSpan sound);
 
  private:

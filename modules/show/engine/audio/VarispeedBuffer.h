@@ -40,6 +40,9 @@ class VarispeedBuffer {
   void start(std::int64_t position);
   /// Ends with a fade in the next samples that are pulled.
   void fadeOut() { gain_.fadeTo(GainRamp::Gain::Silent); }
+  bool isFadingOut() const { return playing_ && gain_.isFadingOut(); }
+  /// Ends at once, when nobody hears it.
+  void stop() { playing_ = false; }
   /// Fills `out` at a speed that approaches `speed`, in pushed samples for each pulled one. Fades out and
   /// stops playing when too few samples are left. False, with nothing written, when it does not play.
   bool pull(StereoSpan out, double speed);

@@ -6,6 +6,7 @@
 #include "FileTarget.h"
 #include "engine/EngineLog.h"
 #include "engine/ShowFormat.h"
+#include "engine/audio/Limiter.h"
 
 namespace korvia {
 
@@ -20,6 +21,9 @@ constexpr FrameSize kDefaultSize{1920, 1080};
 constexpr int kDefaultKbps = 4096;
 constexpr int kMinKbps = 64;
 constexpr int kMaxKbps = 200000;
+constexpr int kDefaultSoundKbps = 128;
+constexpr qint64 kMinSoundKbps = 32;
+constexpr qint64 kMaxSoundKbps = 320;
 // The span of a group of frames that a recording encodes in one go.
 constexpr std::int64_t kBurstNs = 200'000'000;
 
@@ -36,6 +40,10 @@ FrameSize encodedSize(const tagKorviaVideoFormat& video) {
 // The text field of the record gives 0 for a text that is no number.
 int encodedKbps(int kbps) {
   return kbps <= 0 ? kDefaultKbps : std::clamp(kbps, kMinKbps, kMaxKbps);
+}
+
+int encodedSoundKbps(qint64 kbps) {
+  return kbps <= 0 ? kDefaultSoundKbps : static_cast<int>(std::clamp(kbps, kMinSoundKbps, kMaxSoundKbps));
 }
 
 }  // namespace
@@ -59,6 +67,9 @@ std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janit
       request.slot == OutputSlotRecord ? QStringLiteral("the recording") : QStringLiteral("the stream");
   encoder.picture = {encodedSize(request.format.video), request.rate,
                      encodedKbps(request.param.encode[request.slot].videoBitrate)};
+  if (request.format.audio.enable != 0)
+    encoder.soundKbps = encodedSoundKbps(request.param.encode[request.slot].audioBitrate);
+  encoder.soundDelaySamples = Limiter::kLatencySamples;
   encoder.queueCapacity =
       static_cast<int>(std::clamp<std::int64_t>(request.rate.framesIn(1'000'000'000), 1, 60));
   if (request.slot == OutputSlotRecord)

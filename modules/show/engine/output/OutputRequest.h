@@ -12,7 +12,7 @@ struct OutputRequest {
   int slot = OutputSlotRecord;
   tagKorviaShowOutputParam param;  ///< settings of all outputs; `slot` is the index of this one
   QString programName;             ///< for the name of a recording
-  /// Only the size of the encoded picture is taken from it.
+  /// The size of the encoded picture, and whether there is sound, are taken from it.
   tagKorviaFormatInfo format;
   FrameRate rate;  ///< the show's, which the encoder uses
 };

@@ -3,6 +3,9 @@
 #include <libyuv/planar_functions.h>
 
 #include <QColor>
+#include <array>
+#include <cmath>
+#include <numbers>
 
 #include "engine/frame/PictureFrame.h"
 
@@ -21,6 +24,18 @@ constexpr std::array<std::array<std::uint8_t, 3>, 8> kBars{{{235, 128, 128},
                                                             {51, 109, 212},
                                                             {28, 212, 120},
                                                             {16, 128, 128}}};
+
+// A sine whose peak is at -18 dBFS. 1 kHz has whole periods in samples.
+constexpr int kTonePeriod = kSampleRate / 1000;
+constexpr double kToneAmplitude = 0.12589254;
+
+std::array<float, kTonePeriod> makeTone() {
+  std::array<float, kTonePeriod> tone;
+  for (std::size_t i = 0; i < tone.size(); ++i)
+    tone[i] = static_cast<float>(kToneAmplitude *
+                                 std::sin(2 * std::numbers::pi * static_cast<double>(i) / kTonePeriod));
+  return tone;
+}
 
 FrameRef renderBars(FrameSize size) {
   MutableFrame frame(new Frame(size));
@@ -53,6 +68,17 @@ ColorSource::ColorSource(const SourceContext& context, const tagKorviaShowSource
   if (context.renderSize.isEmpty())
     return;
   showPicture(info.colorBar ? renderBars(context.renderSize) : renderColor(context.renderSize, info.color));
+}
+
+bool ColorSource::pullSound(StereoSpan out) {
+  static const std::array<float, kTonePeriod> kTone = makeTone();
+  if (!info().colorBar)
+    return false;
+  for (int i = 0; i < out.samples; ++i) {
+    out.left[i] = out.right[i] = kTone[static_cast<std::size_t>(toneSample_)];
+    toneSample_ = (toneSample_ + 1) % kTonePeriod;
+  }
+  return true;
 }
 
 QString ColorSource::description() const {

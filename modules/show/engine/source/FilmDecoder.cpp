@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/EngineLog.h"
+#include "engine/audio/SampleTime.h"
 
 namespace korvia {
 
@@ -19,6 +20,8 @@ constexpr std::int64_t kOpenAheadNs = 5 * kSecondNs;
 // The queue is kept full this long before the end, for the seam.
 constexpr std::int64_t kFullBeforeEndNs = kSecondNs;
 constexpr int kMostEmptySegments = 2;
+constexpr std::int64_t kFadeNs = 10'000'000;
+constexpr AudioQueue::Part kNoPart = ~AudioQueue::Part{0};
 
 std::optional<std::int64_t> known(GstClockTime time) {
   if (!GST_CLOCK_TIME_IS_VALID(time))
@@ -35,7 +38,11 @@ FilmDecoder::FilmDecoder(const SourceContext& context, const QString& path, int 
       number_(number),
       outlet_(outlet),
       maker_(context.renderSize),
-      admitted_(admission == Admission::AtOnce) {}
+      admitted_(admission == Admission::AtOnce),
+      soundPart_(outlet.sound.part()) {
+  if (admission == Admission::AtOnce)
+    soundOffsetNs_ = 0;
+}
 
 FilmDecoder::~FilmDecoder() {
   close(Queued::Keep);
@@ -121,9 +128,19 @@ TimedFrame FilmDecoder::place(FrameRef frame, std::optional<std::int64_t> ptsNs,
   frameDurationNs_ = maker_.frameDurationNs() > 0 ? maker_.frameDurationNs() : context_.rate.nsOf(1);
   if (timeline_.pictures() == 0 && !ptsNs)
     ptsNs = segmentStartNs_;
+  const bool follows = timeline_.pictures() > 0 || segmentStartNs_ == 0;
+  if (!follows && durationNs && *durationNs < frameDurationNs_) {
+    // Cut at the place of a seek. With its own time stamp the pictures after it fall on ticks too.
+    *ptsNs -= frameDurationNs_ - *durationNs;
+    durationNs = frameDurationNs_;
+  }
   const StreamTimeline::Stamp stamp = timeline_.stamp(ptsNs, durationNs, frameDurationNs_);
   if (startNs_ < 0)
     startNs_ = stamp.mediaNs;
+  if (!soundOffsetNs_) {
+    soundOffsetNs_ = stamp.timeNs - stamp.mediaNs;
+    turn_.notify_all();
+  }
   return {std::move(frame), stamp.timeNs, stamp.mediaNs - startNs_, number_};
 }
 
@@ -131,32 +148,155 @@ void FilmDecoder::onOrientation(const char* tag) {
   maker_.setOrientation(PictureOrientation::fromTag(tag));
 }
 
+void FilmDecoder::flushQueues() {
+  const std::uint64_t epoch = outlet_.clock.flush();
+  outlet_.queue.beginFlush(epoch);
+  outlet_.sound.beginFlush(epoch);
+}
+
 void FilmDecoder::onFlushStart() {
   MutexLock lock(timelineMutex_);
-  // At the seam of a loop the queue is not flushed, so that its pictures are shown until new ones come.
+  // At the seam of a loop the queues are not flushed, so that what they hold is played until more comes.
   if (join_ == StreamTimeline::Join::Jump)
-    outlet_.queue.beginFlush(outlet_.clock.flush());
+    flushQueues();
 }
 
 void FilmDecoder::onFlushStop() {
   MutexLock lock(timelineMutex_);
   beginSegment();
   outlet_.queue.endFlush();
+  // The clock would wait for sound.
+  if (!hasSound_)
+    outlet_.sound.markEnd(outlet_.sound.part());
 }
 
 void FilmDecoder::beginSegment() {
   timeline_.beginSegment(join_);
   ++segment_;
   nearEnd_ = false;
+  picturesEnded_ = false;
+  endTold_ = false;
+  soundOffsetNs_.reset();
+  if (join_ == StreamTimeline::Join::Jump)
+    soundOffsetNs_ = 0;
+}
+
+void FilmDecoder::beginSoundSegment() {
+  soundTimeline_.beginSegment(StreamTimeline::Join::Jump);
+  soundPart_ = outlet_.sound.part();
+  soundState_ = hasSound_ ? SoundState::Comes : SoundState::None;
+  soundDurationNs_ = 0;
+  soundEndNs_ = 0;
 }
 
 void FilmDecoder::onEndOfStream() {
+  {
+    MutexLock lock(timelineMutex_);
+    picturesEnded_ = true;
+  }
+  tellEnd();
+}
+
+bool FilmDecoder::soundIsComplete() const {
+  return soundState_ != SoundState::Comes || soundEndNs_ >= timeline_.endNs() || timeline_.pictures() == 0;
+}
+
+void FilmDecoder::tellEnd() {
   int segment = 0;
   {
     MutexLock lock(timelineMutex_);
+    if (!picturesEnded_ || endTold_ || !soundIsComplete())
+      return;
+    endTold_ = true;
     segment = segment_;
   }
   tell(FilmEvent::Kind::EndOfStream, segment);
+}
+
+void FilmDecoder::onSoundFound(bool hasSound) {
+  MutexLock lock(timelineMutex_);
+  hasSound_ = hasSound;
+  soundState_ = hasSound ? SoundState::Comes : SoundState::None;
+  if (!hasSound && admitted_)
+    outlet_.sound.markEnd(soundPart_);
+}
+
+void FilmDecoder::onSound(GstSample* sample) {
+  const std::optional<StereoSoundMaker::Sound> sound = soundMaker_.make(sample);
+  if (!sound)
+    return;
+  const std::int64_t durationNs = nsOfSamples(sound->span.samples);
+  std::int64_t timeNs = 0;
+  AudioQueue::Part part = 0;
+  bool needed = true;
+  {
+    MutexLock lock(timelineMutex_);
+    soundHasCome_ = true;
+    turn_.wait(lock, [this]() REQUIRES(timelineMutex_) {
+      return closed_ || soundPart_ == kNoPart || (admitted_ && soundOffsetNs_);
+    });
+    if (closed_ || soundPart_ == kNoPart)
+      return;
+    part = soundPart_;
+    timeNs = soundTimeline_.stamp(sound->ptsNs, durationNs, soundDurationNs_).timeNs + *soundOffsetNs_;
+    soundDurationNs_ = durationNs;
+    // What follows the last picture is not needed, except for the fade.
+    needed = !picturesEnded_ || timeNs < timeline_.endNs() + kFadeNs;
+  }
+  if (needed && !outlet_.sound.push(part, sound->span, timeNs))
+    return;
+  {
+    MutexLock lock(timelineMutex_);
+    if (soundPart_ == part)
+      soundEndNs_ = timeNs + durationNs;
+  }
+  tellEnd();
+}
+
+void FilmDecoder::onSoundFlushStart() {
+  {
+    MutexLock lock(timelineMutex_);
+    soundPart_ = kNoPart;
+  }
+  turn_.notify_all();
+  outlet_.sound.interrupt();
+}
+
+void FilmDecoder::onSoundFlushStop() {
+  MutexLock lock(timelineMutex_);
+  beginSoundSegment();
+}
+
+void FilmDecoder::onSoundEnd() {
+  bool silent = false;
+  {
+    MutexLock lock(timelineMutex_);
+    // A film without pictures fails as a whole.
+    silent = !std::exchange(soundHasCome_, true) && startNs_ >= 0;
+  }
+  if (silent)
+    onSoundFailure(QStringLiteral("nothing can be decoded"));
+  endSound();
+}
+
+void FilmDecoder::endSound() {
+  AudioQueue::Part part = 0;
+  {
+    MutexLock lock(timelineMutex_);
+    soundState_ = SoundState::Ended;
+    part = soundPart_;
+  }
+  outlet_.sound.markEnd(part);
+  tellEnd();
+}
+
+void FilmDecoder::onSoundFailure(const QString& reason) {
+  qCWarning(logSource, "sound does not play : %s : %s", qUtf8Printable(path_), qUtf8Printable(reason));
+  {
+    MutexLock lock(timelineMutex_);
+    hasSound_ = false;
+  }
+  endSound();
 }
 
 void FilmDecoder::onDurationChanged() {
@@ -203,7 +343,7 @@ void FilmDecoder::close(Queued queued) {
     return;
   refusePictures();
   if (queued == Queued::Flush)
-    outlet_.queue.beginFlush(outlet_.clock.flush());  // releases the streaming thread
+    flushQueues();  // releases the streaming threads
   pipeline_.reset();
   if (queued == Queued::Flush)
     outlet_.queue.endFlush();
@@ -213,6 +353,7 @@ void FilmDecoder::admit(std::int64_t timeNs) {
   {
     MutexLock lock(timelineMutex_);
     timeline_.beginSegmentAt(timeNs);
+    soundPart_ = outlet_.sound.joinAt(timeNs);
     admitted_ = true;
   }
   turn_.notify_all();
@@ -247,6 +388,7 @@ bool FilmDecoder::restart(StreamTimeline::Join join) {
     segmentStartNs_ = 0;
     closed_ = false;
     beginSegment();
+    beginSoundSegment();
   }
   seekTargetNs_ = 0;
   ended_ = false;
@@ -282,6 +424,8 @@ bool FilmDecoder::loop() {
   }
   if (pictures == 0)
     ++emptySegments_;
+  // Releases sound that waits behind the last picture.
+  outlet_.sound.joinAt(endNs());
   if (!goTo(0, StreamTimeline::Join::Seamless))
     restart(StreamTimeline::Join::Seamless);
   return true;

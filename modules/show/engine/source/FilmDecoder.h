@@ -1,8 +1,9 @@
-// Decodes one film: it owns the pipeline, the time line and the duration of the film. The pictures go into a
-// queue that the film shares with those before and after it. One film at a time is admitted to the queue; the
-// next one decodes its first picture and waits. The film's control thread makes, calls and destroys the
-// decoder, and those calls may block; pictures come on GStreamer's threads. All failures, also those of
-// calls, are reported as events.
+// Decodes one film: it owns the pipeline, the time line and the duration of the film. Pictures and sound go
+// into queues that the film shares with those before and after it. One film at a time is admitted to the
+// queues; the next one decodes its first picture and waits. A film ends with its last picture: sound that
+// lasts longer is left out. The film's control thread makes, calls and destroys the decoder, and those calls
+// may block; pictures and sound come on GStreamer's threads. All failures, also those of calls, are reported
+// as events, but for those of the sound alone, which are logged.
 #pragma once
 #include <QString>
 #include <atomic>
@@ -10,8 +11,10 @@
 #include <memory>
 #include <optional>
 
+#include "AudioQueue.h"
 #include "FilmPipeline.h"
 #include "Source.h"
+#include "StereoSoundMaker.h"
 #include "StreamTimeline.h"
 #include "ThreadSafety.h"
 #include "VideoFrameMaker.h"
@@ -24,7 +27,7 @@ struct FilmEvent {
   enum class Kind {
     Picture,      ///< the first picture of a segment is decoded
     NearEnd,      ///< the film that follows has to be opened now
-    EndOfStream,  ///< all pictures of a segment are in the queue
+    EndOfStream,  ///< all pictures of a segment are in the queue, and their sound
     Facts,        ///< duration or picture size may have changed
     Failure,
     Shown,    ///< the picture on show belongs to another film than the one before
@@ -50,10 +53,11 @@ class FilmDecoder : private FilmPipelineListener {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// Receives pictures and events; outlives the film.
+  /// Receives pictures, sound and events; outlives the film.
   struct Outlet {
     MediaClock& clock;
     VideoQueue& queue;
+    AudioQueue& sound;
     std::atomic<std::int64_t>& framesDecoded;
     const std::atomic<DecodeRate>& decodeRate;
     FilmEventSink& sink;
@@ -74,12 +78,13 @@ class FilmDecoder : private FilmPipelineListener {
   ~FilmDecoder() override;
 
   void open();
-  /// Puts no more pictures into the queue. Returns whether some had gone into it before.
+  /// Puts no more pictures and no more sound into the queues. Returns whether pictures had gone in before.
   bool refusePictures();
   /// Ends the film for good; no picture comes after it. Queued::Keep is allowed only while the film does not
   /// push: before it is admitted, or at its end.
   void close(Queued queued);
-  /// Lets the pictures into the queue, the first one at `timeNs`, where the film before ends. Called once.
+  /// Lets pictures and sound into the queues, the first picture at `timeNs`, where the film before ends.
+  /// Called once.
   void admit(std::int64_t timeNs);
   /// Seeks to `percent` of the duration. Returns that place in ns from the first picture; none when the film
   /// cannot be seeked.
@@ -124,11 +129,23 @@ class FilmDecoder : private FilmPipelineListener {
   void onFlushStart() override;
   void onFlushStop() override;
   void onEndOfStream() override;
+  void onSoundFound(bool hasSound) override;
+  void onSound(GstSample* sample) override;
+  void onSoundFlushStart() override;
+  void onSoundFlushStop() override;
+  void onSoundEnd() override;
+  void onSoundFailure(const QString& reason) override;
   void onDurationChanged() override;
   void onFailure(const QString& reason) override;
 
   void tell(FilmEvent::Kind kind, int segment = 0, const QString& reason = {}) EXCLUDES(timelineMutex_);
   bool waitForTurn();
+  void flushQueues();
+  void beginSoundSegment() REQUIRES(timelineMutex_);
+  void endSound() EXCLUDES(timelineMutex_);
+  /// Tells of the end when the pictures have ended and their sound is in the queue too.
+  void tellEnd() EXCLUDES(timelineMutex_);
+  bool soundIsComplete() const REQUIRES(timelineMutex_);
   TimedFrame place(FrameRef frame, std::optional<std::int64_t> ptsNs, std::optional<std::int64_t> durationNs)
       REQUIRES(timelineMutex_);
   bool start();
@@ -141,7 +158,8 @@ class FilmDecoder : private FilmPipelineListener {
   const QString path_;
   const int number_;
   const Outlet outlet_;
-  VideoFrameMaker maker_;  // streaming thread
+  VideoFrameMaker maker_;        // streaming thread of the pictures
+  StereoSoundMaker soundMaker_;  // streaming thread of the sound
   std::atomic<std::int64_t> durationNs_{0};
 
   mutable Mutex timelineMutex_;
@@ -157,6 +175,20 @@ class FilmDecoder : private FilmPipelineListener {
   bool admitted_ GUARDED_BY(timelineMutex_);
   bool closed_ GUARDED_BY(timelineMutex_) = false;
   bool nearEnd_ GUARDED_BY(timelineMutex_) = false;
+  bool picturesEnded_ GUARDED_BY(timelineMutex_) = false;
+  bool endTold_ GUARDED_BY(timelineMutex_) = false;
+
+  enum class SoundState { None, Comes, Ended };
+  SoundState soundState_ GUARDED_BY(timelineMutex_) = SoundState::None;
+  bool hasSound_ GUARDED_BY(timelineMutex_) = false;
+  bool soundHasCome_ GUARDED_BY(timelineMutex_) = false;
+  StreamTimeline soundTimeline_ GUARDED_BY(timelineMutex_);
+  // From time in the film to the time line of the clock; none while it depends on a picture that has not
+  // come.
+  std::optional<std::int64_t> soundOffsetNs_ GUARDED_BY(timelineMutex_);
+  AudioQueue::Part soundPart_ GUARDED_BY(timelineMutex_) = 0;
+  std::int64_t soundDurationNs_ GUARDED_BY(timelineMutex_) = 0;  // of the last sample that came
+  std::int64_t soundEndNs_ GUARDED_BY(timelineMutex_) = 0;       // of what is in the queue
 
   // Control thread only.
   std::unique_ptr<FilmPipeline> pipeline_;

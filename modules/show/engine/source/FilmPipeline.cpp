@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gst/app/gstappsink.h>
+#include <gst/audio/audio.h>
 #include <gst/video/gstvideopool.h>
 #include <gst/video/video.h>
 #include <sys/stat.h>
@@ -17,13 +18,15 @@
 #include "engine/EngineLog.h"
 #include "engine/HappensBefore.h"
 #include "engine/ThreadPriority.h"
+#include "engine/audio/StereoSpan.h"
 
 namespace korvia {
 
 namespace {
 
-// The limit of compressed data between demuxer and decoder: more than a second of any usual film.
-constexpr guint kMostQueuedBytes = 4 * 1024 * 1024;
+// The limit of compressed data of each stream between demuxer and decoder. GStreamer holds only a few buffers
+// of it, unless the sound lies far from its pictures in the file.
+constexpr guint kMostQueuedBytes = 16 * 1024 * 1024;
 
 // Elements that crash the process: avdemux_nut writes through a null pointer when the pictures are raw.
 constexpr const char* kUnsafeElements[] = {"avdemux_nut"};
@@ -132,6 +135,63 @@ void preferStreamColors(GstElement* parser) {
   gst_object_unref(pad);
 }
 
+/// The key under which a pad of the Matroska demuxer keeps its first segment since a flush.
+constexpr char kFirstSegment[] = "korvia-first-segment";
+
+GstPadProbeReturn keepFirstSegment(GstPad* pad, GstPadProbeInfo* info, gpointer) {
+  GstEvent* event = gst_pad_probe_info_get_event(info);
+  if (GST_EVENT_TYPE(event) == GST_EVENT_FLUSH_STOP)
+    g_object_set_data(G_OBJECT(pad), kFirstSegment, nullptr);
+  if (GST_EVENT_TYPE(event) != GST_EVENT_SEGMENT)
+    return GST_PAD_PROBE_OK;
+  auto* first = static_cast<GstEvent*>(g_object_get_data(G_OBJECT(pad), kFirstSegment));
+  if (first) {
+    gst_event_unref(event);
+    GST_PAD_PROBE_INFO_DATA(info) = gst_event_ref(first);
+  } else {
+    g_object_set_data_full(G_OBJECT(pad), kFirstSegment, gst_event_ref(event),
+                           [](gpointer kept) { gst_event_unref(static_cast<GstEvent*>(kept)); });
+  }
+  return GST_PAD_PROBE_OK;
+}
+
+/// The Matroska demuxer begins another segment, with another origin of the time, when it finds a packet
+/// before the first one, as that of the sound often is. Pictures and sound would then differ by the priming.
+void keepFirstSegments(GstElement* demuxer) {
+  g_signal_connect(demuxer, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer) {
+                     const auto events = GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH;
+                     gst_pad_add_probe(pad, static_cast<GstPadProbeType>(events), keepFirstSegment, nullptr,
+                                       nullptr);
+                   }),
+                   nullptr);
+}
+
+/// Whether the container marks the stream to be played when nobody chooses.
+bool isDefaultStream(GstPad* pad) {
+  GstEvent* event = gst_pad_get_sticky_event(pad, GST_EVENT_STREAM_START, 0);
+  if (!event)
+    return false;
+  GstStreamFlags flags = GST_STREAM_FLAG_NONE;
+  gst_event_parse_stream_flags(event, &flags);
+  gst_event_unref(event);
+  return flags & GST_STREAM_FLAG_SELECT;
+}
+
+/// Whether a decoder or parser is installed for the sound of this pad. decodebin would hold up the pictures
+/// when there is none.
+bool canDecode(GstPad* pad) {
+  GstCaps* caps = capsOf(pad);
+  GList* decoders =
+      gst_element_factory_list_get_elements(GST_ELEMENT_FACTORY_TYPE_DECODABLE, GST_RANK_MARGINAL);
+  GList* fitting = gst_element_factory_list_filter(decoders, caps, GST_PAD_SINK, FALSE);
+  const bool raw = gst_structure_has_name(gst_caps_get_structure(caps, 0), "audio/x-raw");
+  const bool can = raw || fitting;
+  gst_plugin_feature_list_free(fitting);
+  gst_plugin_feature_list_free(decoders);
+  gst_caps_unref(caps);
+  return can;
+}
+
 /// Accepts pictures with padding, so that decoders need not copy their pictures to remove it.
 GstPadProbeReturn offerPaddedPictures(GstQuery* query) {
   if (GST_QUERY_TYPE(query) != GST_QUERY_ALLOCATION)
@@ -156,6 +216,8 @@ GstPadProbeReturn offerPaddedPictures(GstQuery* query) {
 FilmPipeline::FilmPipeline(FilmPipelineListener& listener) : listener_(listener) {}
 
 FilmPipeline::~FilmPipeline() {
+  for (GstPad* pad : takeSoundPads())
+    gst_object_unref(pad);
   if (pipeline_) {
     gst_element_set_state(pipeline_, GST_STATE_NULL);
     // GStreamer may keep the pipeline a little longer and removes its pads when it frees it, so the signals
@@ -167,6 +229,7 @@ FilmPipeline::~FilmPipeline() {
     gst_object_unref(bus);
     gst_object_unref(pipeline_);
     annotateHappensAfter(this);
+    annotateHappensAfter(&soundOrder_);
   }
   if (fd_ >= 0)
     ::close(fd_);
@@ -314,6 +377,7 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
     return false;
   }
   annotateHappensBefore(this);
+  annotateHappensBefore(&soundOrder_);
   if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) {
     reason = QStringLiteral("file cannot be read");
     return false;
@@ -322,8 +386,9 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
 }
 
 bool FilmPipeline::seek(std::int64_t positionNs) {
+  // Only one sink is asked, since each would send the seek to the demuxer.
   return pipeline_ &&
-         gst_element_seek_simple(pipeline_, GST_FORMAT_TIME,
+         gst_element_seek_simple(pictureSink_, GST_FORMAT_TIME,
                                  static_cast<GstSeekFlags>(GST_SEEK_FLAG_FLUSH | GST_SEEK_FLAG_ACCURATE),
                                  positionNs);
 }
@@ -363,6 +428,8 @@ void FilmPipeline::onElementAdded(GstElement* element) {
   const char* name = factory ? gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory)) : "";
   if (!std::strcmp(name, "h264parse") || !std::strcmp(name, "h265parse"))
     preferStreamColors(element);
+  if (!std::strcmp(name, "matroskademux"))
+    keepFirstSegments(element);
   if (!factory || !gst_element_factory_list_is_type(factory, GST_ELEMENT_FACTORY_TYPE_DECODER))
     return;
   thinWhatGoesInto(element);
@@ -409,7 +476,7 @@ void FilmPipeline::onPadAdded(GstPad* pad) {
   if (g_str_has_prefix(name, "video/x-raw") && takePicture(pad))
     linkPicture(pad);
   else if (g_str_has_prefix(name, "audio/"))
-    linkSound(pad);
+    keepSoundPad(pad);
   else
     linkNowhere(pad);
   if (caps)
@@ -444,9 +511,112 @@ void FilmPipeline::linkPicture(GstPad* pad) {
   gst_object_unref(sink);
 }
 
-// Sound is still encoded here and is not used yet.
-void FilmPipeline::linkSound(GstPad* pad) {
-  linkNowhere(pad);
+// Which sound is taken is known when all streams are.
+void FilmPipeline::keepSoundPad(GstPad* pad) {
+  MutexLock lock(streamMutex_);
+  soundPads_.push_back(GST_PAD(gst_object_ref(pad)));
+}
+
+std::vector<GstPad*> FilmPipeline::takeSoundPads() {
+  MutexLock lock(streamMutex_);
+  return std::exchange(soundPads_, {});
+}
+
+void FilmPipeline::linkSounds(const std::vector<GstPad*>& pads) {
+  const auto chosen = std::find_if(pads.begin(), pads.end(), isDefaultStream);
+  GstPad* sound = pads.empty() ? nullptr : chosen == pads.end() ? pads.front() : *chosen;
+  listener_.onSoundFound(sound != nullptr);
+  QString reason;
+  for (GstPad* pad : pads) {
+    if (pad != sound) {
+      linkNowhere(pad);
+    } else if (!linkSound(pad, reason)) {
+      linkNowhere(pad);
+      failSound(reason);
+    }
+  }
+}
+
+GstElement* FilmPipeline::makeSoundSink(QString& reason) {
+  GstElement* sink = makeElement("appsink", reason);
+  if (!sink)
+    return nullptr;
+  GstCaps* caps = gst_caps_from_string("audio/x-raw, format=" GST_AUDIO_NE(F32) ", layout=interleaved");
+  gst_caps_set_simple(caps, "rate", G_TYPE_INT, kSampleRate, nullptr);
+  g_object_set(sink, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1u, "enable-last-sample",
+               FALSE, "qos", FALSE, nullptr);
+  gst_caps_unref(caps);
+  GstAppSinkCallbacks callbacks = {};
+  callbacks.new_sample = [](GstAppSink* from, gpointer self) -> GstFlowReturn {
+    const HappensBeforeScope scope(&static_cast<FilmPipeline*>(self)->soundOrder_);
+    if (GstSample* sample = gst_app_sink_pull_sample(from)) {
+      static_cast<FilmPipeline*>(self)->listener_.onSound(sample);
+      gst_sample_unref(sample);
+    }
+    return GST_FLOW_OK;
+  };
+  callbacks.eos = [](GstAppSink*, gpointer self) {
+    const HappensBeforeScope scope(&static_cast<FilmPipeline*>(self)->soundOrder_);
+    static_cast<FilmPipeline*>(self)->listener_.onSoundEnd();
+  };
+  gst_app_sink_set_callbacks(GST_APP_SINK(sink), &callbacks, this, nullptr);
+  GstPad* pad = gst_element_get_static_pad(sink, "sink");
+  gst_pad_add_probe(
+      pad, GST_PAD_PROBE_TYPE_EVENT_FLUSH,
+      [](GstPad*, GstPadProbeInfo* info, gpointer self) {
+        const HappensBeforeScope scope(&static_cast<FilmPipeline*>(self)->soundOrder_);
+        return static_cast<FilmPipeline*>(self)->onSoundProbe(info);
+      },
+      this, nullptr);
+  gst_object_unref(pad);
+  return sink;
+}
+
+bool FilmPipeline::linkSound(GstPad* pad, QString& reason) {
+  if (!canDecode(pad)) {
+    reason = QStringLiteral("no decoder for it");
+    return false;
+  }
+  GstElement* bin = gst_bin_new(nullptr);
+  // The pictures do not wait until the sound has found its decoder, which may take the whole film.
+  g_object_set(bin, "async-handling", TRUE, nullptr);
+  // A decoder that fails would make the demuxer stop, and the pictures with it.
+  GstElement* gate = makeElement("errorignore", reason);
+  GstElement* decoder = makeElement("decodebin", reason);
+  GstElement* converter = makeElement("audioconvert", reason);
+  GstElement* resampler = makeElement("audioresample", reason);
+  GstElement* sink = makeSoundSink(reason);
+  for (GstElement* element : {gate, decoder, converter, resampler, sink}) {
+    if (element)
+      gst_bin_add(GST_BIN(bin), element);
+  }
+  if (!reason.isEmpty() || !gst_element_link_many(converter, resampler, sink, nullptr) ||
+      !gst_element_link(gate, decoder)) {
+    gst_object_unref(bin);
+    return false;
+  }
+  g_object_set(gate, "ignore-notlinked", TRUE, "convert-to", GST_FLOW_OK, nullptr);
+  g_signal_connect(decoder, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* decoded, gpointer to) {
+                     GstPad* input = gst_element_get_static_pad(GST_ELEMENT(to), "sink");
+                     if (!gst_pad_is_linked(input))
+                       gst_pad_link(decoded, input);
+                     gst_object_unref(input);
+                   }),
+                   converter);
+  GstPad* input = gst_element_get_static_pad(gate, "sink");
+  gst_element_add_pad(bin, gst_ghost_pad_new("sink", input));
+  gst_object_unref(input);
+  gst_bin_add(GST_BIN(pipeline_), bin);
+  {
+    MutexLock lock(streamMutex_);
+    soundBins_.push_back(GST_OBJECT(bin));
+  }
+  gst_element_sync_state_with_parent(bin);
+  GstPad* ghost = gst_element_get_static_pad(bin, "sink");
+  if (gst_pad_link(pad, ghost) != GST_PAD_LINK_OK)
+    reason = QStringLiteral("sound cannot be linked");
+  gst_object_unref(ghost);
+  return reason.isEmpty();
 }
 
 void FilmPipeline::linkNowhere(GstPad* pad) {
@@ -486,6 +656,20 @@ GstPadProbeReturn FilmPipeline::onSinkProbe(GstPadProbeInfo* info) {
   return GST_PAD_PROBE_OK;
 }
 
+GstPadProbeReturn FilmPipeline::onSoundProbe(GstPadProbeInfo* info) {
+  const GstEventType type = GST_EVENT_TYPE(gst_pad_probe_info_get_event(info));
+  if (type == GST_EVENT_FLUSH_START)
+    listener_.onSoundFlushStart();
+  else if (type == GST_EVENT_FLUSH_STOP)
+    listener_.onSoundFlushStop();
+  return GST_PAD_PROBE_OK;
+}
+
+void FilmPipeline::failSound(const QString& reason) {
+  if (!soundFailed_.exchange(true))
+    listener_.onSoundFailure(reason);
+}
+
 void FilmPipeline::fail(const QString& reason) {
   if (!failed_.exchange(true))
     listener_.onFailure(reason);
@@ -496,8 +680,32 @@ void FilmPipeline::onNoMorePads() {
     MutexLock lock(streamMutex_);
     groupIsComplete_ = true;
   }
+  const std::vector<GstPad*> sounds = takeSoundPads();
+  linkSounds(sounds);
+  for (GstPad* pad : sounds)
+    gst_object_unref(pad);
   if (!hasPicture_)
     fail(QStringLiteral("no picture in the file"));
+}
+
+bool FilmPipeline::isInSound(GstObject* element) {
+  MutexLock lock(streamMutex_);
+  return std::any_of(soundBins_.begin(), soundBins_.end(),
+                     [element](GstObject* bin) { return gst_object_has_as_ancestor(element, bin); });
+}
+
+void FilmPipeline::onError(GstMessage* message) {
+  GError* error = nullptr;
+  gchar* detail = nullptr;
+  gst_message_parse_error(message, &error, &detail);
+  qCDebug(logSource, "gstreamer : %s", detail ? detail : "");
+  const QString reason = QString::fromUtf8(error->message).toLower();
+  if (isInSound(GST_MESSAGE_SRC(message)))
+    failSound(reason);
+  else
+    fail(reason);
+  g_clear_error(&error);
+  g_free(detail);
 }
 
 GstBusSyncReply FilmPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
@@ -505,15 +713,8 @@ GstBusSyncReply FilmPipeline::onMessage(GstBus*, GstMessage* message, gpointer s
   batchStreamingThread(message);
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_DURATION_CHANGED)
     static_cast<FilmPipeline*>(self)->listener_.onDurationChanged();
-  if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
-    GError* error = nullptr;
-    gchar* detail = nullptr;
-    gst_message_parse_error(message, &error, &detail);
-    qCDebug(logSource, "gstreamer : %s", detail ? detail : "");
-    static_cast<FilmPipeline*>(self)->fail(QString::fromUtf8(error->message).toLower());
-    g_clear_error(&error);
-    g_free(detail);
-  }
+  if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR)
+    static_cast<FilmPipeline*>(self)->onError(message);
   // Nobody reads the bus, and messages would pile up there.
   gst_message_unref(message);
   return GST_BUS_DROP;

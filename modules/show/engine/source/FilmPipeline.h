@@ -1,19 +1,20 @@
-// The GStreamer pipeline of one film: it reads a file and delivers decoded pictures. Sound is found but not
-// decoded yet. The film's control thread makes, seeks and destroys it, and those calls may block. GStreamer's
-// threads call the listener.
+// The GStreamer pipeline of one film: it reads a file and delivers decoded pictures and sound. The film's
+// control thread makes, seeks and destroys it, and those calls may block. GStreamer's threads call the
+// listener, those of pictures and of sound at the same time.
 #pragma once
 #include <gst/gst.h>
 
 #include <QString>
 #include <atomic>
 #include <string>
+#include <vector>
 
 #include "Source.h"
 #include "ThreadSafety.h"
 
 namespace korvia {
 
-/// Receives the pictures and events of a pipeline.
+/// Receives the pictures, the sound and the events of a pipeline.
 class FilmPipelineListener {
  public:
   virtual ~FilmPipelineListener() = default;
@@ -26,6 +27,15 @@ class FilmPipelineListener {
   virtual void onFlushStart() = 0;
   virtual void onFlushStop() = 0;
   virtual void onEndOfStream() = 0;
+  /// Whether the film has sound; before the first picture and the first sound.
+  virtual void onSoundFound(bool hasSound) = 0;
+  /// Decoded sound, interleaved floats of 48 kHz. The call may wait.
+  virtual void onSound(GstSample* sample) = 0;
+  virtual void onSoundFlushStart() = 0;
+  virtual void onSoundFlushStop() = 0;
+  virtual void onSoundEnd() = 0;
+  /// No sound comes any more, because it cannot be decoded.
+  virtual void onSoundFailure(const QString& reason) = 0;
   /// durationNs() may have changed.
   virtual void onDurationChanged() = 0;
   virtual void onFailure(const QString& reason) = 0;
@@ -57,14 +67,24 @@ class FilmPipeline {
   bool takePicture(GstPad* pad);
   void onPadRemoved(GstPad* pad);
   void linkPicture(GstPad* pad);
-  void linkSound(GstPad* pad);
+  void keepSoundPad(GstPad* pad) EXCLUDES(streamMutex_);
+  /// Decodes the sound of the pad; false when an element is missing.
+  bool linkSound(GstPad* pad, QString& reason);
+  GstElement* makeSoundSink(QString& reason);
+  /// Takes the pads of sound that were added since the last call; the caller unreferences them.
+  std::vector<GstPad*> takeSoundPads() EXCLUDES(streamMutex_);
+  void linkSounds(const std::vector<GstPad*>& pads);
+  bool isInSound(GstObject* element) EXCLUDES(streamMutex_);
   void linkNowhere(GstPad* pad);
   bool wantsDecoding(GstPad* pad, GstCaps* caps);
   void onElementAdded(GstElement* element);
   /// At the reduced rate, pictures that no other one refers to do not reach the decoder.
   void thinWhatGoesInto(GstElement* decoder);
   GstPadProbeReturn onSinkProbe(GstPadProbeInfo* info);
+  GstPadProbeReturn onSoundProbe(GstPadProbeInfo* info);
   void fail(const QString& reason);
+  void failSound(const QString& reason);
+  void onError(GstMessage* message);
   void onNoMorePads();
 
   static GstBusSyncReply onMessage(GstBus* bus, GstMessage* message, gpointer self);
@@ -77,10 +97,15 @@ class FilmPipeline {
   bool regularFile_ = true;
   std::atomic<bool> hasPicture_{false};
   std::atomic<bool> failed_{false};
+  std::atomic<bool> soundFailed_{false};
+  char soundOrder_ = 0;  // stands for the order of the sound's callbacks, which run beside the others
   Mutex streamMutex_;
   std::string pictureStream_ GUARDED_BY(streamMutex_);
   GstPad* picturePad_ GUARDED_BY(streamMutex_) = nullptr;  // the decoder's linked pad; compared only
   bool groupIsComplete_ GUARDED_BY(streamMutex_) = false;
+  std::vector<GstPad*> soundPads_ GUARDED_BY(streamMutex_);  // referenced; not linked yet
+  // The decoders of sound, the one in use last. Owned by pipeline_; compared only.
+  std::vector<GstObject*> soundBins_ GUARDED_BY(streamMutex_);
 };
 
 }  // namespace korvia

@@ -54,6 +54,10 @@ FrameRef FilmSource::pullFrame(int ticks) {
   return transport_->pull(ticks);
 }
 
+bool FilmSource::pullSound(StereoSpan out) {
+  return transport_->pullSound(out);
+}
+
 SourceFigures FilmSource::figures() {
   SourceFigures figures;
   const FrameSize size = transport_->pictureSize();
@@ -66,7 +70,10 @@ SourceFigures FilmSource::figures() {
   figures.framesHeld = framesHeld();
   figures.framesSkipped = transport_->framesSkipped();
   figures.framesQueued = transport_->framesQueued();
+  figures.samplesQueued = transport_->samplesQueued();
   figures.framesPerSecond = transport_->framesPerSecond();
+  figures.samplesPerSecond = transport_->samplesPerSecond();
+  figures.videoAudioDriftMs = transport_->videoAudioDriftNs() / 1'000'000;
   return figures;
 }
 

@@ -1,6 +1,6 @@
 // A film file, or a list of them, in any container and codec that the installed plugins read. It plays by
 // itself once it is open. Time, duration and position are those of the present film of a list. Console
-// thread, except pullFrame and setDecodeRate: engine thread. No call waits for the film.
+// thread, except pullFrame, pullSound and setDecodeRate: engine thread. No call waits for the film.
 #pragma once
 #include <memory>
 
@@ -19,6 +19,7 @@ class FilmSource final : public Source {
   ~FilmSource() override;
 
   FrameRef pullFrame(int ticks) override;
+  bool pullSound(StereoSpan out) override;
   std::int64_t framesHeld() const override { return transport_->framesHeld(); }
   void setDecodeRate(DecodeRate rate) override { transport_->setDecodeRate(rate); }
   void close() override;

@@ -20,6 +20,7 @@ FilmTransport::FilmTransport(const SourceContext& context, const FilmSequence& s
       switchChannel_(switchChannel),
       clock_(context.rate),
       queue_(clock_, {}, context.refillTurns.get()),
+      sound_(clock_),
       nominalRate_(rateOf(context.rate.nsOf(1))),
       sequence_(sequence) {}
 
@@ -51,6 +52,7 @@ void FilmTransport::close() {
   closing_ = true;
   state_ = NothingSpecial;
   queue_.close();
+  sound_.close();
   {
     // Under the lock the control thread is not between its test and its wait, where it would miss the
     // notification.
@@ -72,7 +74,12 @@ void FilmTransport::setFailureReason(const QString& reason) {
 // Engine thread.
 
 FrameRef FilmTransport::pull(int ticks) {
-  VideoQueue::Pull pulled = queue_.pull(clock_.advance(ticks));
+  const ClockReading reading = clock_.advance(ticks);
+  VideoQueue::Pull pulled = queue_.pull(reading);
+  const AudioQueue::Tick sound = sound_.advance(reading);
+  if (sound.taken > 0)
+    soundArrivals_.count(sound.taken);
+  videoAudioDriftNs_ = sound.timeNs && pulled.frame ? pulled.timeNs - *sound.timeNs : 0;
   if (pulled.fresh) {
     arrivals_.count(pulled.taken);
     positionNs_ = std::max<std::int64_t>(0, pulled.mediaNs);
@@ -152,7 +159,7 @@ std::optional<FilmDecoder::Clock::time_point> FilmTransport::nextDeadline() cons
 }
 
 std::unique_ptr<FilmDecoder> FilmTransport::makeFilm(const QString& path, FilmDecoder::Admission admission) {
-  const FilmDecoder::Outlet outlet{clock_, queue_, framesDecoded_, decodeRate_, *this};
+  const FilmDecoder::Outlet outlet{clock_, queue_, sound_, framesDecoded_, decodeRate_, *this};
   return std::make_unique<FilmDecoder>(context_, path, ++lastNumber_, outlet, admission);
 }
 
@@ -249,8 +256,14 @@ void FilmTransport::continueSequence() {
   else if (again && present_->loop())
     sequence_.advance(std::exchange(skipped_, 0));
   else if (!next_)
-    queue_.markEnd(present_->endNs());
+    endAt(present_->endNs());
   publishFacts();
+}
+
+void FilmTransport::endAt(std::int64_t timeNs) {
+  queue_.markEnd(timeNs);
+  // Sound that lasts longer than its pictures ends with them.
+  sound_.joinAt(timeNs);
 }
 
 void FilmTransport::handleShown(int number) {

@@ -1,9 +1,9 @@
 // Plays the films of a sequence: state, commands, the end, and the seam between two films. All films share
-// one clock and one queue. The next film is opened while the present one still plays, and continues where
-// that one ends without a missing or a repeated picture. A film that cannot be opened, or that fails later,
-// is skipped with a line in the log; when no other film is left to play, the state is Error. The control
-// thread calls run(), the engine thread pull(); commands come from the console thread and return at once. The
-// source and its control thread share the object.
+// one clock, one queue of pictures and one of sound. The next film is opened while the present one still
+// plays, and continues where that one ends without a missing or a repeated picture. A film that cannot be
+// opened, or that fails later, is skipped with a line in the log; when no other film is left to play, the
+// state is Error. The control thread calls run(), the engine thread pull() and pullSound(); commands come
+// from the console thread and return at once. The source and its control thread share the object.
 #pragma once
 #include <QSet>
 #include <QString>
@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 
+#include "AudioQueue.h"
 #include "FilmDecoder.h"
 #include "FilmSequence.h"
 #include "RateMeter.h"
@@ -44,6 +45,7 @@ class FilmTransport : public FilmEventSink {
   void close();
 
   FrameRef pull(int ticks);
+  bool pullSound(StereoSpan out) { return sound_.pull(out); }
 
   void onFilmEvent(FilmEvent event) override;
 
@@ -64,10 +66,14 @@ class FilmTransport : public FilmEventSink {
   std::int64_t framesHeld() const { return framesHeld_; }
   std::int64_t framesSkipped() const { return queue_.figures().dropped; }
   int framesQueued() const { return queue_.size(); }
+  std::int64_t samplesQueued() const { return sound_.queuedSamples(); }
   std::int64_t framesDecoded() const { return framesDecoded_; }
   /// Pictures that leave the queue, shown or skipped. They come one by one, where those of the decoder come
   /// in bursts.
   float framesPerSecond() const { return arrivals_.perSecond(); }
+  float samplesPerSecond() const { return soundArrivals_.perSecond(); }
+  /// Time stamp of the picture less that of the sound; 0 while one of them is missing.
+  std::int64_t videoAudioDriftNs() const { return videoAudioDriftNs_; }
 
  private:
   struct Request {
@@ -95,6 +101,7 @@ class FilmTransport : public FilmEventSink {
   void handleRequestAfterFailure(const Request& request);
   void handleTimeouts();
   void continueSequence();
+  void endAt(std::int64_t timeNs);
   void publishFacts();
   void play();
   void pause();
@@ -114,13 +121,16 @@ class FilmTransport : public FilmEventSink {
   const std::optional<int> switchChannel_;
   MediaClock clock_;
   VideoQueue queue_;
+  AudioQueue sound_;
   RateMeter arrivals_;
+  RateMeter soundArrivals_;
 
   std::atomic<DecodeRate> decodeRate_{DecodeRate::Full};
   std::atomic<KorviaShowPlayState> state_{Opening};
   std::atomic<std::int64_t> durationNs_{0};
   std::atomic<std::int64_t> positionNs_{0};
   std::atomic<std::int64_t> pictureDurationNs_{0};
+  std::atomic<std::int64_t> videoAudioDriftNs_{0};
   std::atomic<std::int64_t> framesDecoded_{0};
   std::atomic<std::int64_t> framesShown_{0};
   std::atomic<std::int64_t> framesHeld_{0};

@@ -25,6 +25,7 @@ std::uint64_t MediaClock::flush() {
   MutexLock lock(mutex_);
   begun_ = 0;
   firstNs_.reset();
+  firstPictureNs_.reset();
   lateNs_.reset();
   started_ = false;
   return ++epoch_;
@@ -42,6 +43,8 @@ void MediaClock::begin(int queue, std::uint64_t epoch, std::int64_t timeNs) {
   begun_ |= 1u << queue;
   if (!started_)
     firstNs_ = std::min(firstNs_.value_or(timeNs), timeNs);
+  if (queue == 0)
+    firstPictureNs_ = timeNs;
 }
 
 void MediaClock::beginWithout(int queue, std::uint64_t epoch) {
@@ -62,7 +65,7 @@ ClockReading MediaClock::advance(int ticks) {
   const bool running = playing_ && !hold_;
   if (!started_) {
     if (firstNs_ && (begun_ & all) == all) {
-      setTime(*firstNs_);
+      setTime(startNs());
       started_ = true;
     }
   } else if (running) {
@@ -87,6 +90,15 @@ void MediaClock::tellLate(const ClockReading& reading, std::int64_t timeNs) {
   MutexLock lock(mutex_);
   if (reading.epoch == epoch_)
     lateNs_ = std::min(lateNs_.value_or(timeNs), timeNs);
+}
+
+std::int64_t MediaClock::startNs() const {
+  const std::int64_t earlyNs = firstPictureNs_.value_or(*firstNs_) - *firstNs_;
+  if (earlyNs <= 0)
+    return *firstNs_;
+  // Rounded up, so that the time is not later than the first data.
+  const std::int64_t frames = rate_.framesIn(earlyNs + rate_.nsOf(1) - 1);
+  return *firstPictureNs_ - rate_.nsOf(frames);
 }
 
 std::int64_t MediaClock::timeNs() const {

@@ -5,7 +5,8 @@
 // - All queues get the same reading at a tick. Time advances by the ticks of the reading while it runs, and
 //   stands still on pause and hold.
 // - After a flush no time passes until every queue has reported its first data or its end. The earliest of
-//   those data then set the time, also on pause.
+//   those data then set the time, also on pause. The first data of the first queue, the pictures, fall on a
+//   tick, so that a film at the show's rate keeps its rhythm when its sound begins earlier.
 // - Data that are more than a second late are not skipped: at the next tick the clock goes back to them, for
 //   all queues.
 //
@@ -53,6 +54,7 @@ class MediaClock {
  private:
   std::int64_t timeNs() const REQUIRES(mutex_);
   void setTime(std::int64_t timeNs) REQUIRES(mutex_);
+  std::int64_t startNs() const REQUIRES(mutex_);
 
   const FrameRate rate_;
   Mutex mutex_;
@@ -62,6 +64,7 @@ class MediaClock {
   int queues_ GUARDED_BY(mutex_) = 0;
   std::uint32_t begun_ GUARDED_BY(mutex_) = 0;  // a bit for each queue
   std::optional<std::int64_t> firstNs_ GUARDED_BY(mutex_);
+  std::optional<std::int64_t> firstPictureNs_ GUARDED_BY(mutex_);  // of the first queue
   bool started_ GUARDED_BY(mutex_) = false;
   std::int64_t anchorNs_ GUARDED_BY(mutex_) = 0;
   std::int64_t framesSinceAnchor_ GUARDED_BY(mutex_) = 0;

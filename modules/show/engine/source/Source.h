@@ -44,8 +44,9 @@ enum class DecodeRate { Full, Reduced };
 struct SourceFigures {
   QString description;
   qint64 framesDecoded = 0;
-  qint64 framesQueued = 0;  ///< pictures that wait to be shown
-  qint64 framesHeld = 0;    ///< ticks without a new picture while playing
+  qint64 framesQueued = 0;   ///< pictures that wait to be shown
+  qint64 samplesQueued = 0;  ///< sound that waits to be heard, in samples of one channel
+  qint64 framesHeld = 0;     ///< ticks without a new picture while playing
   /// Pictures that were never shown, because another one was due in the same tick.
   qint64 framesSkipped = 0;
   float framesPerSecond = 0;     ///< pictures that arrive

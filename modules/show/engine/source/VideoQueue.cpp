@@ -233,6 +233,7 @@ VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
       figures_.latencyNs = reading.latencyNs + (clock_ ? 0 : reading.timeNs - shown_.timeNs);
     shownNs = shown_.timeNs;
     result.frame = shown_.frame;
+    result.timeNs = shown_.timeNs;
     result.mediaNs = shown_.mediaNs;
     result.film = shown_.film;
     result.durationNs = durationNs();

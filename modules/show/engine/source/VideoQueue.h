@@ -48,6 +48,7 @@ class VideoQueue {
 
   struct Pull {
     FrameRef frame;  ///< null before the first picture
+    std::int64_t timeNs = 0;
     std::int64_t mediaNs = 0;
     int film = 0;
     /// The duration of the picture on show; 0 while neither the next picture nor the end is known.

@@ -55,11 +55,15 @@ bool waitForRoom(Output& output, qint64 pushed, int limit) {
   return true;
 }
 
+/// With silence, for an output that takes sound.
 template <typename Output>
 bool feedFrames(Output& output, FramePool& pool, int first, int count) {
+  std::vector<float> silence(kSampleRate / 25);
   for (int i = 0; i < count; ++i) {
     output.pushFrame(patternFrame(pool, first + i));
-    if (!waitForRoom(output, first + i + 1, 9))
+    if constexpr (requires { output.pushSound(StereoSpan{}); })
+      output.pushSound({silence.data(), silence.data(), static_cast<int>(silence.size())});
+    if (!waitForRoom(output, first + i + 1, 15))
       return false;
   }
   return true;

@@ -53,10 +53,16 @@ class OutputRackTest : public QObject {
   tagKorviaShowOutputReport report(int slot = OutputSlotRecord) const {
     return rack_->reports()[static_cast<std::size_t>(slot)];
   }
+  void push(int count) {
+    std::vector<float> silence(static_cast<std::size_t>(count) * kSampleRate / 25);
+    rack_->push(patternFrame(pool_, frames_), count);
+    rack_->pushSound({silence.data(), silence.data(), static_cast<int>(silence.size())});
+    ++frames_;
+  }
   bool pushUntil(KorviaShowOutputState state) {
     return QTest::qWaitFor(
         [&] {
-          rack_->push(patternFrame(pool_, frames_++), 1);
+          push(1);
           return report().state == state;
         },
         20'000);
@@ -95,8 +101,8 @@ class OutputRackTest : public QObject {
     const QVector<int> counts{1, 1, 4, 1, 0, 2, 7, 1};
     QVector<int> expected;
     for (const int count : counts) {
-      rack_->push(patternFrame(pool_, frames_), count);
-      expected += QVector<int>(count, frames_++);
+      expected += QVector<int>(count, frames_);
+      push(count);
     }
     rack_->stop(OutputSlotRecord, OutputKindRecord);
     QTRY_COMPARE_WITH_TIMEOUT(report().state, KorviaShowOutputState::Finished, 20'000);
@@ -113,7 +119,7 @@ class OutputRackTest : public QObject {
     record(folder_.path() + '/');
     QVERIFY(pushUntil(KorviaShowOutputState::Running));
     const auto hasRate = [&] {
-      rack_->push(patternFrame(pool_, frames_++), 1);
+      push(1);
       rack_->statistics(statistics);
       return statistics.blocks[OutputSlotRecord].record.bitrate > 0;
     };
@@ -121,6 +127,8 @@ class OutputRackTest : public QObject {
     QCOMPARE(statistics.blocks[OutputSlotRecord].videoBitrate,
              statistics.blocks[OutputSlotRecord].record.bitrate);
     QVERIFY(statistics.blocks[OutputSlotRecord].videoFps > 0);
+    QVERIFY(statistics.blocks[OutputSlotRecord].audioRate > 0);
+    QVERIFY(statistics.blocks[OutputSlotRecord].audioBitrate > 0);
     QCOMPARE(statistics.blocks[OutputSlotStream].videoBitrate, 0.0F);
     rack_->stop(OutputSlotRecord, OutputKindRecord);
     QTRY_COMPARE_WITH_TIMEOUT(report().state, KorviaShowOutputState::Finished, 20'000);

@@ -1,6 +1,7 @@
 // One colour, and the bars with their BT.709 code values.
 #include <QtTest>
 
+#include "../audio/ToneCheck.h"
 #include "SourceRig.h"
 
 using namespace korvia;
@@ -94,6 +95,34 @@ class ColorSourceTest : public QObject {
                                qRound(128 + 224 * (r - luma) / 1.5748)};
       QCOMPARE(codesAt(frame, i * 8 + 4, 18), codes);
     }
+  }
+
+  void barsHaveATone() {
+    SourceRig rig({8, 6});
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindColor;
+    info.colorBar = 1;
+    rig.open(info);
+    Sound sound;
+    for (int tick = 0; tick < 25; ++tick) {
+      rig->pullFrame(1);
+      // 30000/1001 ticks a second have 1601 or 1602 samples, which are no whole periods.
+      QVERIFY(rig->pullSound(sound.append(601)));
+      QVERIFY(rig->pullSound(sound.append(tick % 5 < 3 ? 1001 : 1000)));
+    }
+    QVERIFY(std::abs(std::abs(toneIn(sound.left, 1000, 0, 24'000)) - std::pow(10, -18 / 20.0)) < 1e-5);
+    QVERIFY(roughness(sound.left, 1000) < 1e-6);
+    QCOMPARE(sound.left, sound.right);
+  }
+
+  void colorIsSilent() {
+    SourceRig rig({8, 6});
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindColor;
+    rig.open(info);
+    rig->pullFrame(1);
+    Sound sound;
+    QVERIFY(!rig->pullSound(sound.append(1920)));
   }
 
   void buttonsChangeTheStateAlone() {

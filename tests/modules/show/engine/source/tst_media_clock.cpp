@@ -99,6 +99,17 @@ class MediaClockTest : public QObject {
     }
   }
 
+  // The sound begins 21 ms before the pictures, as the priming of an encoder does. Each picture has its tick.
+  void picturesKeepTheirTicksBesideEarlierSound() {
+    Film film;
+    Film::fill(film.pictures, 21, 400, 40);
+    Film::fill(film.sound, 0, 400, 20);
+    film.clock.setPlaying(true);
+    QCOMPARE(film.clock.advance(1).timeNs, -19 * kMs);
+    for (int i = 0; i < 5; ++i)
+      QCOMPARE(film.clock.advance(1).timeNs, (21 + i * 40) * kMs);
+  }
+
   void theEarlierOneSetsTheTime() {
     Film film;
     Film::fill(film.pictures, 1'080, 1'400, 40);
