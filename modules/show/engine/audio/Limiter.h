@@ -20,8 +20,8 @@ class Limiter {
   static constexpr int kAttackSamples = 128;
   /// The gain comes back with this time constant.
   static constexpr double kReleaseMs = 80;
-  /// What comes out came in this many samples before, 2.9 ms. The mixer does not delay the picture for that:
-  /// a viewer notices sound that is late from about 125 ms on (ITU-R BT.1359).
+  /// What comes out came in this many samples before, 2.9 ms. Outputs count that off their time stamps.
+  /// On devices nobody notices it: late sound is noticed from about 125 ms on (ITU-R BT.1359).
   static constexpr int kLatencySamples = kAttackSamples - 1 + 2 * kInterpolationReach;
 
   Limiter();

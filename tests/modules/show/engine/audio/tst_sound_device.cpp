@@ -200,7 +200,7 @@ class SoundDeviceTest : public QObject {
     const DeviceLog log;
     Heard heard;
     std::atomic<int> tries{0};
-    const auto make = [&] { return makeSink(++tries <= 3 ? "error-after=30" : "", &heard); };
+    const auto make = [&] { return makeSink(++tries <= 3 ? "error-after=8" : "", &heard); };
     SoundDevice device("program", kRate, make, kSoon);
     QVERIFY(playUntil(device, [&] { return tries == 4 && heard.left > 0.49F; }));
     // A device that comes and goes is told of each time that it has played.
