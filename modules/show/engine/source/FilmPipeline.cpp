@@ -218,6 +218,7 @@ FilmPipeline::~FilmPipeline() {
   for (GstPad* pad : takeSoundPads())
     gst_object_unref(pad);
   if (pipeline_) {
+    stopSound();
     gst_element_set_state(pipeline_, GST_STATE_NULL);
     // GStreamer may keep the pipeline a little longer and removes its pads when it frees it, so the signals
     // are disconnected before.
@@ -497,13 +498,11 @@ void FilmPipeline::linkSounds(const std::vector<GstPad*>& pads) {
   listener_.onSoundFound(sound != nullptr);
   QString reason;
   for (GstPad* pad : pads) {
-    if (pad != sound) {
+    if (pad != sound || !linkSound(pad, reason))
       linkNowhere(pad);
-    } else if (!linkSound(pad, reason)) {
-      linkNowhere(pad);
-      failSound(reason);
-    }
   }
+  if (!reason.isEmpty())
+    failSound(reason);
 }
 
 GstElement* FilmPipeline::makeSoundSink(QString& reason) {
@@ -576,11 +575,13 @@ bool FilmPipeline::linkSound(GstPad* pad, QString& reason) {
   gst_element_add_pad(bin, gst_ghost_pad_new("sink", input));
   gst_object_unref(input);
   gst_bin_add(GST_BIN(pipeline_), bin);
+  gst_element_sync_state_with_parent(bin);
   {
     MutexLock lock(streamMutex_);
-    soundBins_.push_back(GST_OBJECT(bin));
+    if (closing_)
+      return false;
+    soundBins_.push_back(bin);
   }
-  gst_element_sync_state_with_parent(bin);
   GstPad* ghost = gst_element_get_static_pad(bin, "sink");
   if (gst_pad_link(pad, ghost) != GST_PAD_LINK_OK)
     reason = QStringLiteral("sound cannot be linked");
@@ -625,7 +626,26 @@ GstPadProbeReturn FilmPipeline::onSinkProbe(GstPadProbeInfo* info) {
   return GST_PAD_PROBE_OK;
 }
 
+void FilmPipeline::stopSound() {
+  std::vector<GstElement*> bins;
+  {
+    MutexLock lock(streamMutex_);
+    closing_ = true;
+    bins = soundBins_;
+  }
+  for (GstElement* bin : bins) {
+    GstPad* pad = gst_element_get_static_pad(bin, "sink");
+    gst_pad_send_event(pad, gst_event_new_flush_start());
+    // Waits until nothing is under way behind the pad.
+    GST_PAD_STREAM_LOCK(pad);
+    GST_PAD_STREAM_UNLOCK(pad);
+    gst_object_unref(pad);
+  }
+}
+
 GstPadProbeReturn FilmPipeline::onSoundProbe(GstPadProbeInfo* info) {
+  if (closing_)
+    return GST_PAD_PROBE_OK;
   const GstEventType type = GST_EVENT_TYPE(gst_pad_probe_info_get_event(info));
   if (type == GST_EVENT_FLUSH_START)
     listener_.onSoundFlushStart();
@@ -650,7 +670,8 @@ void FilmPipeline::onNoMorePads() {
     groupIsComplete_ = true;
   }
   const std::vector<GstPad*> sounds = takeSoundPads();
-  linkSounds(sounds);
+  if (hasPicture_)
+    linkSounds(sounds);
   for (GstPad* pad : sounds)
     gst_object_unref(pad);
   if (!hasPicture_)
@@ -659,8 +680,9 @@ void FilmPipeline::onNoMorePads() {
 
 bool FilmPipeline::isInSound(GstObject* element) {
   MutexLock lock(streamMutex_);
-  return std::any_of(soundBins_.begin(), soundBins_.end(),
-                     [element](GstObject* bin) { return gst_object_has_as_ancestor(element, bin); });
+  return std::any_of(soundBins_.begin(), soundBins_.end(), [element](GstElement* bin) {
+    return gst_object_has_as_ancestor(element, GST_OBJECT(bin));
+  });
 }
 
 void FilmPipeline::onError(GstMessage* message) {
