@@ -33,9 +33,11 @@ class SoundRig : public SourceRig {
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     do {
       soundTick();
-      if (numbers_.back() > 0 || (numbers_.back() == 0 && (*this)->getPlayState() == Playing))
+      if (numbers_.back() > 0)
         return true;
       keepLastTick();
+      if (numbers_.back() == 0 && (*this)->getPlayState() == Playing)
+        return true;
     } while (std::chrono::steady_clock::now() < end);
     return false;
   }
