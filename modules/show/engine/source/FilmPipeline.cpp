@@ -15,6 +15,7 @@
 
 #include "CodedPictures.h"
 #include "GstInit.h"
+#include "StreamCorrections.h"
 #include "engine/EngineLog.h"
 #include "engine/HappensBefore.h"
 #include "engine/ThreadPriority.h"
@@ -65,105 +66,6 @@ void setIfThere(GstElement* element, const char* property, int value) {
     g_object_set_property(G_OBJECT(element), spec->name, &number);
     g_value_unset(&number);
   }
-}
-
-/// The key under which a parser keeps the colorimetry that the container states.
-constexpr char kContainerColors[] = "korvia-container-colors";
-
-void replaceCaps(GstPadProbeInfo* info, GstCaps* caps) {
-  gst_event_unref(gst_pad_probe_info_get_event(info));
-  GST_PAD_PROBE_INFO_DATA(info) = gst_event_new_caps(caps);
-  gst_caps_unref(caps);
-}
-
-/// Removes the container's colorimetry from the caps of a parser, so that the parser reads that of the
-/// stream.
-GstPadProbeReturn takeContainerColors(GstPad* pad, GstPadProbeInfo* info, gpointer) {
-  GstEvent* event = gst_pad_probe_info_get_event(info);
-  if (GST_EVENT_TYPE(event) != GST_EVENT_CAPS)
-    return GST_PAD_PROBE_OK;
-  GstCaps* caps = nullptr;
-  gst_event_parse_caps(event, &caps);
-  const char* colors = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
-  GstElement* parser = gst_pad_get_parent_element(pad);
-  if (colors && parser) {
-    g_object_set_data_full(G_OBJECT(parser), kContainerColors, g_strdup(colors), g_free);
-    GstCaps* without = gst_caps_copy(caps);
-    gst_structure_remove_field(gst_caps_get_structure(without, 0), "colorimetry");
-    replaceCaps(info, without);
-  }
-  gst_clear_object(&parser);
-  return GST_PAD_PROBE_OK;
-}
-
-/// Completes the colorimetry that the parser found in the stream with that of the container.
-GstPadProbeReturn completeColors(GstPad* pad, GstPadProbeInfo* info, gpointer) {
-  GstEvent* event = gst_pad_probe_info_get_event(info);
-  GstElement* parser = GST_EVENT_TYPE(event) == GST_EVENT_CAPS ? gst_pad_get_parent_element(pad) : nullptr;
-  if (!parser)
-    return GST_PAD_PROBE_OK;
-  const auto* said = static_cast<const char*>(g_object_get_data(G_OBJECT(parser), kContainerColors));
-  GstVideoColorimetry colors;
-  if (said && gst_video_colorimetry_from_string(&colors, said)) {
-    GstCaps* caps = nullptr;
-    gst_event_parse_caps(event, &caps);
-    GstVideoColorimetry found = {};
-    const char* text = gst_structure_get_string(gst_caps_get_structure(caps, 0), "colorimetry");
-    const bool known = text && gst_video_colorimetry_from_string(&found, text);
-    if (known && found.range != GST_VIDEO_COLOR_RANGE_UNKNOWN)
-      colors.range = found.range;
-    if (!known || found.matrix == GST_VIDEO_COLOR_MATRIX_UNKNOWN) {
-      gchar* whole = gst_video_colorimetry_to_string(&colors);
-      GstCaps* completed = gst_caps_copy(caps);
-      gst_caps_set_simple(completed, "colorimetry", G_TYPE_STRING, whole, nullptr);
-      g_free(whole);
-      replaceCaps(info, completed);
-    }
-  }
-  gst_object_unref(parser);
-  return GST_PAD_PROBE_OK;
-}
-
-/// The MP4 demuxer drops the range that the container states, and a parser prefers the container to the
-/// stream. Full-range films would then be shown as limited range, so the stream is preferred.
-void preferStreamColors(GstElement* parser) {
-  GstPad* pad = gst_element_get_static_pad(parser, "sink");
-  gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, takeContainerColors, nullptr, nullptr);
-  gst_object_unref(pad);
-  pad = gst_element_get_static_pad(parser, "src");
-  gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, completeColors, nullptr, nullptr);
-  gst_object_unref(pad);
-}
-
-/// The key under which a pad of the Matroska demuxer keeps its first segment since a flush.
-constexpr char kFirstSegment[] = "korvia-first-segment";
-
-GstPadProbeReturn keepFirstSegment(GstPad* pad, GstPadProbeInfo* info, gpointer) {
-  GstEvent* event = gst_pad_probe_info_get_event(info);
-  if (GST_EVENT_TYPE(event) == GST_EVENT_FLUSH_STOP)
-    g_object_set_data(G_OBJECT(pad), kFirstSegment, nullptr);
-  if (GST_EVENT_TYPE(event) != GST_EVENT_SEGMENT)
-    return GST_PAD_PROBE_OK;
-  auto* first = static_cast<GstEvent*>(g_object_get_data(G_OBJECT(pad), kFirstSegment));
-  if (first) {
-    gst_event_unref(event);
-    GST_PAD_PROBE_INFO_DATA(info) = gst_event_ref(first);
-  } else {
-    g_object_set_data_full(G_OBJECT(pad), kFirstSegment, gst_event_ref(event),
-                           [](gpointer kept) { gst_event_unref(static_cast<GstEvent*>(kept)); });
-  }
-  return GST_PAD_PROBE_OK;
-}
-
-/// The Matroska demuxer begins another segment, with another origin of the time, when it finds a packet
-/// before the first one, as that of the sound often is. Pictures and sound would then differ by the priming.
-void keepFirstSegments(GstElement* demuxer) {
-  g_signal_connect(demuxer, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer) {
-                     const auto events = GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH;
-                     gst_pad_add_probe(pad, static_cast<GstPadProbeType>(events), keepFirstSegment, nullptr,
-                                       nullptr);
-                   }),
-                   nullptr);
 }
 
 /// Whether the container marks the stream to be played when nobody chooses.
@@ -219,6 +121,7 @@ FilmPipeline::~FilmPipeline() {
   for (GstPad* pad : takeSoundPads())
     gst_object_unref(pad);
   if (pipeline_) {
+    stopSound();
     gst_element_set_state(pipeline_, GST_STATE_NULL);
     // GStreamer may keep the pipeline a little longer and removes its pads when it frees it, so the signals
     // are disconnected before.
@@ -528,13 +431,11 @@ void FilmPipeline::linkSounds(const std::vector<GstPad*>& pads) {
   listener_.onSoundFound(sound != nullptr);
   QString reason;
   for (GstPad* pad : pads) {
-    if (pad != sound) {
+    if (pad != sound || !linkSound(pad, reason))
       linkNowhere(pad);
-    } else if (!linkSound(pad, reason)) {
-      linkNowhere(pad);
-      failSound(reason);
-    }
   }
+  if (!reason.isEmpty())
+    failSound(reason);
 }
 
 GstElement* FilmPipeline::makeSoundSink(QString& reason) {
@@ -607,11 +508,13 @@ bool FilmPipeline::linkSound(GstPad* pad, QString& reason) {
   gst_element_add_pad(bin, gst_ghost_pad_new("sink", input));
   gst_object_unref(input);
   gst_bin_add(GST_BIN(pipeline_), bin);
+  gst_element_sync_state_with_parent(bin);
   {
     MutexLock lock(streamMutex_);
-    soundBins_.push_back(GST_OBJECT(bin));
+    if (closing_)
+      return false;
+    soundBins_.push_back(bin);
   }
-  gst_element_sync_state_with_parent(bin);
   GstPad* ghost = gst_element_get_static_pad(bin, "sink");
   if (gst_pad_link(pad, ghost) != GST_PAD_LINK_OK)
     reason = QStringLiteral("sound cannot be linked");
@@ -656,7 +559,26 @@ GstPadProbeReturn FilmPipeline::onSinkProbe(GstPadProbeInfo* info) {
   return GST_PAD_PROBE_OK;
 }
 
+void FilmPipeline::stopSound() {
+  std::vector<GstElement*> bins;
+  {
+    MutexLock lock(streamMutex_);
+    closing_ = true;
+    bins = soundBins_;
+  }
+  for (GstElement* bin : bins) {
+    GstPad* pad = gst_element_get_static_pad(bin, "sink");
+    gst_pad_send_event(pad, gst_event_new_flush_start());
+    // Waits until nothing is under way behind the pad.
+    GST_PAD_STREAM_LOCK(pad);
+    GST_PAD_STREAM_UNLOCK(pad);
+    gst_object_unref(pad);
+  }
+}
+
 GstPadProbeReturn FilmPipeline::onSoundProbe(GstPadProbeInfo* info) {
+  if (closing_)
+    return GST_PAD_PROBE_OK;
   const GstEventType type = GST_EVENT_TYPE(gst_pad_probe_info_get_event(info));
   if (type == GST_EVENT_FLUSH_START)
     listener_.onSoundFlushStart();
@@ -682,7 +604,8 @@ void FilmPipeline::onNoMorePads() {
     groupIsComplete_ = true;
   }
   const std::vector<GstPad*> sounds = takeSoundPads();
-  linkSounds(sounds);
+  if (hasPicture_)
+    linkSounds(sounds);
   for (GstPad* pad : sounds)
     gst_object_unref(pad);
   if (!hasPicture_)
@@ -691,8 +614,9 @@ void FilmPipeline::onNoMorePads() {
 
 bool FilmPipeline::isInSound(GstObject* element) {
   MutexLock lock(streamMutex_);
-  return std::any_of(soundBins_.begin(), soundBins_.end(),
-                     [element](GstObject* bin) { return gst_object_has_as_ancestor(element, bin); });
+  return std::any_of(soundBins_.begin(), soundBins_.end(), [element](GstElement* bin) {
+    return gst_object_has_as_ancestor(element, GST_OBJECT(bin));
+  });
 }
 
 void FilmPipeline::onError(GstMessage* message) {

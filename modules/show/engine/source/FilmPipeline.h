@@ -74,6 +74,8 @@ class FilmPipeline {
   /// Takes the pads of sound that were added since the last call; the caller unreferences them.
   std::vector<GstPad*> takeSoundPads() EXCLUDES(streamMutex_);
   void linkSounds(const std::vector<GstPad*>& pads);
+  /// decodebin crashes when it is stopped while it looks for a decoder, so the way to it is closed before.
+  void stopSound() EXCLUDES(streamMutex_);
   bool isInSound(GstObject* element) EXCLUDES(streamMutex_);
   void linkNowhere(GstPad* pad);
   bool wantsDecoding(GstPad* pad, GstCaps* caps);
@@ -98,6 +100,7 @@ class FilmPipeline {
   std::atomic<bool> hasPicture_{false};
   std::atomic<bool> failed_{false};
   std::atomic<bool> soundFailed_{false};
+  std::atomic<bool> closing_{false};  // set under streamMutex_
   char soundOrder_ = 0;  // stands for the order of the sound's callbacks, which run beside the others
   Mutex streamMutex_;
   std::string pictureStream_ GUARDED_BY(streamMutex_);
@@ -105,7 +108,7 @@ class FilmPipeline {
   bool groupIsComplete_ GUARDED_BY(streamMutex_) = false;
   std::vector<GstPad*> soundPads_ GUARDED_BY(streamMutex_);  // referenced; not linked yet
   // The decoders of sound, the one in use last. Owned by pipeline_; compared only.
-  std::vector<GstObject*> soundBins_ GUARDED_BY(streamMutex_);
+  std::vector<GstElement*> soundBins_ GUARDED_BY(streamMutex_);
 };
 
 }  // namespace korvia

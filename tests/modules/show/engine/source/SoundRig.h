@@ -27,13 +27,16 @@ class SoundRig : public SourceRig {
     for (int i = 0; i < count; ++i)
       soundTick();
   }
-  /// Ticks until the film plays and has a picture; that tick is the first one that is kept.
+  /// Ticks until the film plays. The first tick that is kept shows picture 0; it is silent when the film did
+  /// not play yet.
   bool begin(double seconds = 10) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     do {
-      forget();
       soundTick();
-      if (numbers_.back() >= 0 && (*this)->getPlayState() == Playing)
+      if (numbers_.back() > 0)
+        return true;
+      keepLastTick();
+      if (numbers_.back() == 0 && (*this)->getPlayState() == Playing)
         return true;
     } while (std::chrono::steady_clock::now() < end);
     return false;
@@ -69,6 +72,12 @@ class SoundRig : public SourceRig {
   }
 
  private:
+  void keepLastTick() {
+    numbers_ = {numbers_.back()};
+    for (std::vector<float>* side : {&sound_.left, &sound_.right})
+      side->erase(side->begin(), side->end() - kTickSamples);
+  }
+
   std::vector<int> numbers_;
   Sound sound_;
   bool sounding_ = false;

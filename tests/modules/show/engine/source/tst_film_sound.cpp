@@ -43,12 +43,13 @@ float largestStep(const Sound& sound) {
   return most;
 }
 
-/// The longest run of silence in the sound, in samples.
+/// The longest run of silence in the sound, in samples. Not in the first tick, which may show the first
+/// picture before the film plays.
 int longestSilence(const Sound& sound) {
   int longest = 0;
   int length = 0;
-  for (const float sample : sound.left) {
-    length = std::abs(sample) < 0.001F ? length + 1 : 0;
+  for (std::size_t i = kTick; i < sound.left.size(); ++i) {
+    length = std::abs(sound.left[i]) < 0.001F ? length + 1 : 0;
     longest = std::max(longest, length);
   }
   return longest;
@@ -87,6 +88,7 @@ class tst_film_sound : public QObject {
   void unknownSoundLeavesThePicture();
   void rateOfTheShowDoesNotBendTheSound();
   void figuresTellOfTheSound();
+  void closesAtAnyMoment();
 };
 
 void tst_film_sound::beepComesWithItsPicture_data() {
@@ -422,6 +424,18 @@ void tst_film_sound::figuresTellOfTheSound() {
   }
   const float rate = rig->figures().samplesPerSecond;
   QVERIFY2(std::abs(rate - 48'000) < 4'800, QByteArray::number(double(rate)));
+}
+
+// While the decoders are looked for, while the first sound waits, and in play.
+void tst_film_sound::closesAtAnyMoment() {
+  for (int i = 0; i < 60; ++i) {
+    SoundRig rig;
+    rig.openFilm(clip(i % 2 ? "tone_2s.ts" : "tone_aac.mp4"));
+    const auto until = std::chrono::steady_clock::now() + std::chrono::microseconds(i * 700);
+    while (std::chrono::steady_clock::now() < until)
+      rig->pullFrame(1);
+  }
+  QVERIFY(waitForClosedSources(10'000));
 }
 
 QTEST_GUILESS_MAIN(tst_film_sound)
