@@ -25,8 +25,16 @@ struct Listing {
 
 /// The listings in progress by their classes, so that callers which poll a hanging sound system do not pile
 /// up threads.
-Mutex listingMutex;
-std::map<std::string, std::shared_ptr<Listing>> runningListings GUARDED_BY(listingMutex);
+struct Listings {
+  Mutex mutex;
+  std::map<std::string, std::shared_ptr<Listing>> running GUARDED_BY(mutex);
+};
+
+/// Never destroyed, because threads of listings may still run while the process ends.
+Listings& listings() {
+  static auto* const instance = new Listings;
+  return *instance;
+}
 
 DeviceProperties propertiesOf(GstDevice* device) {
   DeviceProperties properties;
@@ -87,9 +95,10 @@ QList<ListedDevice> askSystem(const char* classes) {
 void runListing(const std::string& classes, const std::shared_ptr<Listing>& listing) {
   QList<ListedDevice> devices = askSystem(classes.c_str());
   {
-    const MutexLock lock(listingMutex);
-    if (runningListings[classes] == listing)
-      runningListings.erase(classes);
+    Listings& all = listings();
+    const MutexLock lock(all.mutex);
+    if (all.running[classes] == listing)
+      all.running.erase(classes);
   }
   const MutexLock lock(listing->mutex);
   listing->devices = std::move(devices);
@@ -98,8 +107,9 @@ void runListing(const std::string& classes, const std::shared_ptr<Listing>& list
 }
 
 std::shared_ptr<Listing> currentListing(const std::string& classes) {
-  const MutexLock lock(listingMutex);
-  std::shared_ptr<Listing>& listing = runningListings[classes];
+  Listings& all = listings();
+  const MutexLock lock(all.mutex);
+  std::shared_ptr<Listing>& listing = all.running[classes];
   if (!listing) {
     listing = std::make_shared<Listing>();
     // Detached, because a sound server that hangs for ever must not hold up the end of the process.

@@ -1,5 +1,7 @@
 #include "SoundBus.h"
 
+#include <utility>
+
 namespace korvia {
 
 void SoundBus::begin(int samples) {
@@ -10,6 +12,7 @@ void SoundBus::begin(int samples) {
 void SoundBus::add(StereoSpan sound, float from, float to) {
   if (from == 0 && to == 0)
     return;
+  silentSamples_ = 0;
   const StereoSpan mix = block();
   addRamped(sound.left, from, to, mix.left, sound.samples);
   addRamped(sound.right, from, to, mix.right, sound.samples);
@@ -17,11 +20,18 @@ void SoundBus::add(StereoSpan sound, float from, float to) {
 
 void SoundBus::finish(float volume) {
   const StereoSpan mix = block();
-  scaleRamped(mix.left, volume_, volume, mix.samples);
-  scaleRamped(mix.right, volume_, volume, mix.samples);
-  volume_ = volume;
+  const float before = std::exchange(volume_, volume);
+  if (silentSamples_ >= kSettledSamples) {
+    meter_.addSilence(mix.samples);
+    return;
+  }
+  scaleRamped(mix.left, before, volume, mix.samples);
+  scaleRamped(mix.right, before, volume, mix.samples);
   limiter_.process(mix);
   meter_.add(mix);
+  silentSamples_ += mix.samples;
+  if (silentSamples_ >= kSettledSamples)
+    limiter_.reset();
 }
 
 void SoundBus::reset() {

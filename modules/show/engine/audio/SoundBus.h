@@ -23,8 +23,12 @@ class SoundBus {
   tagKorviaShowAudioLevel::Pair level() const { return meter_.level(); }
 
  private:
+  /// After so long a silence nothing is left in the limiter, and its gain is back.
+  static constexpr int kSettledSamples = kSampleRate;
+
   StereoBlock block_;
   int samples_ = 0;
+  int silentSamples_ = 0;  // since the last sound, up to kSettledSamples
   float volume_ = 1;
   Limiter limiter_;
   LevelMeter meter_;

@@ -6,6 +6,7 @@
 
 #include "MixerRig.h"
 #include "engine/audio/Limiter.h"
+#include "engine/audio/SoundBus.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -56,6 +57,29 @@ class LimiterTest : public QObject {
   Q_OBJECT
 
  private slots:
+  // A bus leaves out its work after a second of silence; neither the last nor the next sound is cut.
+  void aBusThatRestsLosesNoSound() {
+    constexpr int kBlock = 1920;
+    SoundBus bus;
+    std::vector<float> in;
+    std::vector<float> out;
+    std::vector<float> ramp(kBlock);
+    for (int block = 0; block < 80; ++block) {
+      const bool sounds = block % 40 < 3;
+      bus.begin(kBlock);
+      for (int i = 0; i < kBlock; ++i)
+        ramp[static_cast<std::size_t>(i)] = sounds ? 0.5F * static_cast<float>(i + 1) / kBlock : 0;
+      if (sounds)
+        bus.add({ramp.data(), ramp.data(), kBlock}, 1, 1);
+      bus.finish(1);
+      in.insert(in.end(), ramp.begin(), ramp.end());
+      out.insert(out.end(), bus.block().left, bus.block().left + kBlock);
+    }
+    in.insert(in.begin(), Limiter::kLatencySamples, 0.0F);
+    in.resize(out.size());
+    QVERIFY(in == out);
+  }
+
   void nothingGetsAboveTheCeiling_data() {
     QTest::addColumn<QString>("what");
     for (const char* what :

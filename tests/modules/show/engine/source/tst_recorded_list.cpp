@@ -53,12 +53,12 @@ class RecordedListTest : public QObject {
     SourceRig list(kSize);
     list.openFilmList({clip("clip25.mp4"), clip("second.mkv"), clip("third_hevc.mkv")});
     QVERIFY(list.tickUntil(Playing));
-    // tickUntil has shown the first pictures already, so the films are told to begin anew.
-    list->stop();
-    QVERIFY(list.tickUntil(Stopped));
-    QVERIFY(list.tickUntilPicture(0));
-    list->play();
-    QTRY_COMPARE(list->getPlayState(), int(Playing));
+    // From the seam on, where the next picture is known.
+    constexpr int kLast = 249;
+    int shown = -1;
+    for (int tick = 0; tick < 400 && shown != kLast; ++tick)
+      shown = numberIn(list.tick());
+    QCOMPARE(shown, kLast);
 
     Recording recording(settings);
     std::vector<int> expected;
