@@ -350,24 +350,32 @@ void FilmPipeline::thinWhatGoesInto(GstElement* decoder) {
   GstPad* pad = gst_element_get_static_pad(decoder, "sink");
   if (!pad)
     return;
+  auto* inlet = new Inlet{listener_, {}};
+  annotateHappensBefore(inlet);
   gst_pad_add_probe(
       pad, static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_BUFFER),
       [](GstPad*, GstPadProbeInfo* info, gpointer data) {
-        auto* inlet = static_cast<Inlet*>(data);
+        // The pad lets one thread through at a time.
+        const HappensBeforeScope scope(data);
+        auto& [listener, pictures] = *static_cast<Inlet*>(data);
         if (info->type & GST_PAD_PROBE_TYPE_BUFFER) {
-          const bool droppable = inlet->pictures.isDroppable(gst_pad_probe_info_get_buffer(info));
-          return droppable && inlet->listener.decodeRate() == DecodeRate::Reduced ? GST_PAD_PROBE_DROP
-                                                                                  : GST_PAD_PROBE_OK;
+          const bool droppable = pictures.isDroppable(gst_pad_probe_info_get_buffer(info));
+          return droppable && listener.decodeRate() == DecodeRate::Reduced ? GST_PAD_PROBE_DROP
+                                                                           : GST_PAD_PROBE_OK;
         }
         GstEvent* event = gst_pad_probe_info_get_event(info);
         if (GST_EVENT_TYPE(event) == GST_EVENT_CAPS) {
           GstCaps* caps = nullptr;
           gst_event_parse_caps(event, &caps);
-          inlet->pictures.setCaps(caps);
+          pictures.setCaps(caps);
         }
         return GST_PAD_PROBE_OK;
       },
-      new Inlet{listener_, {}}, [](gpointer data) { delete static_cast<Inlet*>(data); });
+      inlet,
+      [](gpointer data) {
+        annotateHappensAfter(data);
+        delete static_cast<Inlet*>(data);
+      });
   gst_object_unref(pad);
 }
 
