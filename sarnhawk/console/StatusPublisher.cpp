@@ -1,6 +1,7 @@
 #include "console/StatusPublisher.h"
 
 #include <QFileInfo>
+#include <QJsonArray>
 #include <iterator>
 
 #include "IKorviaShowSource.h"
@@ -59,11 +60,31 @@ QJsonObject soundSection(const tagKorviaShowEngineFigures& figures) {
 constexpr const char* kOutputStates[] = {"Idle", "Starting", "Running", "Failed", "Finished"};
 static_assert(std::size(kOutputStates) == static_cast<std::size_t>(KorviaShowOutputState::Finished) + 1);
 
+constexpr const char* kTargetStates[] = {"Connecting", "Up", "Lost", "Failed", "Finished"};
+static_assert(std::size(kTargetStates) == static_cast<std::size_t>(KorviaShowTargetState::Finished) + 1);
+
+QJsonObject targetReport(const tagKorviaShowTargetReport& report) {
+  return {{"name", report.name},
+          {"state", kTargetStates[static_cast<std::size_t>(report.state)]},
+          {"reason", report.reason},
+          {"upSeconds", report.upSeconds},
+          {"retrySeconds", report.retrySeconds},
+          {"kbps", report.bitrate}};
+}
+
 QJsonObject outputReport(const tagKorviaShowOutputReport& report) {
+  QJsonArray targets;
+  for (const tagKorviaShowTargetReport& target : report.targets)
+    targets.append(targetReport(target));
   return {{"state", kOutputStates[static_cast<std::size_t>(report.state)]},
           {"reason", report.reason},
           {"file", QFileInfo(report.fileName).fileName()},
-          {"droppedFrames", report.droppedFrames}};
+          {"droppedFrames", report.droppedFrames},
+          {"writtenMs", report.writtenMs},
+          {"writtenBytes", report.writtenBytes},
+          {"roomSeconds", report.roomSeconds},
+          {"verifiedMs", report.verifiedMs},
+          {"targets", targets}};
 }
 
 QJsonObject outputsSection(const tagKorviaShowEngineFigures& figures) {

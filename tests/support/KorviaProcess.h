@@ -34,7 +34,7 @@ class KorviaProcess {
   bool waitForExit(int timeoutMs = 30000);
 
   /// Empty when the program ended by itself with exit code 0 and without a sanitizer's report; else what
-  /// happened, with the end of its log.
+  /// happened. Then it also prints the end of the program's log.
   QString trouble() const { return troubleUnless(0); }
   QString troubleUnless(int exitCode) const;
 

@@ -371,12 +371,27 @@ void visitFields(R& r, V&& visit) {
   visit("truePeakDbtp", r.truePeakDbtp);
 }
 
+template <RecordOf<tagKorviaShowTargetReport> R, class V>
+void visitFields(R& r, V&& visit) {
+  visit("name", r.name);
+  visit("state", r.state);
+  visit("reason", r.reason);
+  visit("upSeconds", r.upSeconds);
+  visit("retrySeconds", r.retrySeconds);
+  visit("bitrate", r.bitrate);
+}
+
 template <RecordOf<tagKorviaShowOutputReport> R, class V>
 void visitFields(R& r, V&& visit) {
   visit("state", r.state);
   visit("reason", r.reason);
   visit("fileName", r.fileName);
   visit("droppedFrames", r.droppedFrames);
+  visit("writtenMs", r.writtenMs);
+  visit("writtenBytes", r.writtenBytes);
+  visit("roomSeconds", r.roomSeconds);
+  visit("verifiedMs", r.verifiedMs);
+  visit("targets", r.targets);
 }
 
 template <RecordOf<tagKorviaShowEngineFigures> R, class V>
