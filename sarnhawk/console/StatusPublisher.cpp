@@ -49,11 +49,17 @@ QJsonObject engineSection(const tagKorviaShowEngineFigures& figures, bool isOpen
                                  {"handOver", stageTime(figures.handOver)}}}};
 }
 
+QJsonObject soundDevice(const tagKorviaShowEngineFigures::SoundDevice& device) {
+  return {{"playing", device.playing}, {"driftPpm", device.driftPpm}, {"breaks", device.breaks}};
+}
+
 QJsonObject soundSection(const tagKorviaShowEngineFigures& figures) {
   return {{"momentaryLufs", figures.loudness.momentaryLufs},
           {"shortTermLufs", figures.loudness.shortTermLufs},
           {"integratedLufs", figures.loudness.integratedLufs},
-          {"truePeakDbtp", figures.loudness.truePeakDbtp}};
+          {"truePeakDbtp", figures.loudness.truePeakDbtp},
+          {"programDevice", soundDevice(figures.programDevice)},
+          {"previewDevice", soundDevice(figures.previewDevice)}};
 }
 
 // These words are not translated, because programs read them from the status page.
@@ -102,7 +108,7 @@ void StatusPublisher::onWorkTick() {
   const tagKorviaShowEngineFigures figures = isOpen ? _statistics->figures() : tagKorviaShowEngineFigures{};
   korvia::StatusBoard& board = korvia::StatusBoard::instance();
   board.publish(QStringLiteral("buses"), buses(figures));
-  board.publish(QStringLiteral("channels"), channels());
+  board.publish(QStringLiteral("channels"), channels(figures));
   board.publish(QStringLiteral("engine"), engineSection(figures, isOpen));
   board.publish(QStringLiteral("outputs"), outputsSection(figures));
   board.publish(QStringLiteral("sound"), soundSection(figures));
@@ -115,12 +121,13 @@ QJsonObject StatusPublisher::buses(const tagKorviaShowEngineFigures& figures) co
           {"switchPosition", static_cast<double>(figures.switchPosition)}};
 }
 
-QJsonObject StatusPublisher::channels() const {
+QJsonObject StatusPublisher::channels(const tagKorviaShowEngineFigures& figures) const {
   QJsonObject section;
   for (const GWidgetDisplayObject* strip : _strips->strips()) {
     const QString title = channelTitle(strip->objectId());
     if (strip->isMedia())
-      section[title] = mediaChannel(strip->index());
+      section[title] =
+          mediaChannel(strip->index(), figures.sourceDriftPpm[static_cast<std::size_t>(strip->index())]);
     else
       section[title] = QJsonObject{
           {"inUse", _priv->getConfig()->stages[static_cast<std::size_t>(strip->index())].inUse != 0}};
@@ -128,7 +135,7 @@ QJsonObject StatusPublisher::channels() const {
   return section;
 }
 
-QJsonObject StatusPublisher::mediaChannel(int index) const {
+QJsonObject StatusPublisher::mediaChannel(int index, double driftPpm) const {
   const tagKorviaShowSourceInfo& info = _priv->getConfig()->channels[static_cast<std::size_t>(index)].source;
   IKorviaShowSource* source = _priv->getSource(static_cast<KorviaShowObjectID>(MediaChannel + index));
   if (!source)
@@ -142,5 +149,6 @@ QJsonObject StatusPublisher::mediaChannel(int index) const {
           {"file", SourceText::fileName(info)},
           {"state", TransportRow::stateName(source->getPlayState())},
           {"time", TransportRow::timeText(time)},
-          {"duration", TransportRow::timeText(duration)}};
+          {"duration", TransportRow::timeText(duration)},
+          {"driftPpm", driftPpm}};
 }

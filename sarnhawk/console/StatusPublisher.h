@@ -20,8 +20,8 @@ class StatusPublisher : public ConsolePage {
 
  private:
   QJsonObject buses(const tagKorviaShowEngineFigures& figures) const;
-  QJsonObject channels() const;
-  QJsonObject mediaChannel(int index) const;
+  QJsonObject channels(const tagKorviaShowEngineFigures& figures) const;
+  QJsonObject mediaChannel(int index, double driftPpm) const;
 
   IKorviaSarnhawkPriv* _priv;
   const StripArea* _strips;

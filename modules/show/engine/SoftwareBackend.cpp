@@ -197,6 +197,13 @@ void SoftwareBackend::showMonitors(const FrameRef& preview) {
   monitors_.commit();
 }
 
+tagKorviaShowEngineFigures::SoundDevice SoftwareBackend::figuresOf(const SoundDevice* device) {
+  if (!device)
+    return {};
+  const DriftCorrector::Figures figures = device->figures();
+  return {device->isPlaying(), figures.ppm, figures.underruns + figures.overruns};
+}
+
 void SoftwareBackend::keepFigures(const FrameTick& tick) {
   const bool late = tick.missed > 0 || tick.lateNs > format_.rate.nsOf(1) / 4;
   MutexLock lock(figuresMutex_);
@@ -207,6 +214,8 @@ void SoftwareBackend::keepFigures(const FrameTick& tick) {
   figures_.pvmChannel = switcher_.pvm().channel();
   figures_.pgmChannel = switcher_.pgm().channel();
   figures_.sourceCount = channels_.sourceCount();
+  figures_.programDevice = figuresOf(programDevice_.get());
+  figures_.previewDevice = figuresOf(previewDevice_.get());
 }
 
 void SoftwareBackend::watchLoad() {

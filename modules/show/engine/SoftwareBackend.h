@@ -63,6 +63,7 @@ class SoftwareBackend final : public IShowBackend {
   void mixSound(const FrameTick& tick);
   void showMonitors(const FrameRef& preview);
   void keepFigures(const FrameTick& tick);
+  static tagKorviaShowEngineFigures::SoundDevice figuresOf(const SoundDevice* device);
   void watchLoad();
 
   IShowBackendHost* host_ = nullptr;  // engine thread

@@ -3,6 +3,7 @@
 #include <QMetaType>
 #include <array>
 
+#include "KorviaShowObjectID.h"
 #include "tagKorviaShowOutputReport.h"
 
 struct tagKorviaShowEngineFigures {
@@ -28,6 +29,17 @@ struct tagKorviaShowEngineFigures {
     friend bool operator==(const Loudness&, const Loudness&) = default;
   };
 
+  /// A sound device, which plays by a clock of its own.
+  struct SoundDevice {
+    bool playing = false;
+    /// How much slower than the show its clock runs, in parts of 10^6; 0 in the first half minute.
+    double driftPpm = 0;
+    /// Times that the sound broke off, because the device was too fast or took nothing.
+    qint64 breaks = 0;
+
+    friend bool operator==(const SoundDevice&, const SoundDevice&) = default;
+  };
+
   /// Program frames since the engine opened.
   qint64 frames = 0;
   /// Ticks that began more than a quarter of a frame after their deadline, missed frames or not.
@@ -50,7 +62,12 @@ struct tagKorviaShowEngineFigures {
   StageTime handOver;
   StageTime tick;
   Loudness loudness;
+  SoundDevice programDevice;
+  SoundDevice previewDevice;
   int sourceCount = 0;
+  /// How much faster than the show the clock of each media channel's source runs, in parts of 10^6; 0 for
+  /// sources without a clock of their own.
+  std::array<double, kMediaChannelMax> sourceDriftPpm{};
   /// Sources that nobody needs and that leave out pictures, because the machine is short of computing time.
   int reducedSources = 0;
   /// The share of all cores that the process uses, 0 to 1.

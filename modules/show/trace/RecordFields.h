@@ -371,6 +371,13 @@ void visitFields(R& r, V&& visit) {
   visit("truePeakDbtp", r.truePeakDbtp);
 }
 
+template <RecordOf<tagKorviaShowEngineFigures::SoundDevice> R, class V>
+void visitFields(R& r, V&& visit) {
+  visit("playing", r.playing);
+  visit("driftPpm", r.driftPpm);
+  visit("breaks", r.breaks);
+}
+
 template <RecordOf<tagKorviaShowTargetReport> R, class V>
 void visitFields(R& r, V&& visit) {
   visit("name", r.name);
@@ -414,7 +421,10 @@ void visitFields(R& r, V&& visit) {
   visit("handOver", r.handOver);
   visit("tick", r.tick);
   visit("loudness", r.loudness);
+  visit("programDevice", r.programDevice);
+  visit("previewDevice", r.previewDevice);
   visit("sourceCount", r.sourceCount);
+  visit("sourceDriftPpm", r.sourceDriftPpm);
   visit("switchPosition", r.switchPosition);
   visit("pvmChannel", r.pvmChannel);
   visit("pgmChannel", r.pgmChannel);

@@ -422,6 +422,8 @@ class DeskControlsTest : public QObject {
     desk.show.figures.fps = 25;
     desk.show.figures.recording = true;
     desk.show.figures.loudness.shortTermLufs = -23.5;
+    desk.show.figures.programDevice = {true, -41.5, 3};
+    desk.show.figures.sourceDriftPpm[0] = 12.25;
     desk.source->duration = 20 * kTenthsPerSecond;
     desk.console->onWorkTimer();
     const QJsonObject board = korvia::StatusBoard::instance().snapshot();
@@ -435,6 +437,12 @@ class DeskControlsTest : public QObject {
     QCOMPARE(board["outputs"].toObject()["recording"], QJsonValue(true));
     QCOMPARE(board["sound"].toObject()["shortTermLufs"].toDouble(), -23.5);
     QCOMPARE(board["sound"].toObject()["truePeakDbtp"].toDouble(), -70.0);
+    QCOMPARE(channel["driftPpm"].toDouble(), 12.25);
+    const QJsonObject device = board["sound"].toObject()["programDevice"].toObject();
+    QCOMPARE(device["playing"], QJsonValue(true));
+    QCOMPARE(device["driftPpm"].toDouble(), -41.5);
+    QCOMPARE(device["breaks"].toInt(), 3);
+    QCOMPARE(board["sound"].toObject()["previewDevice"].toObject()["playing"], QJsonValue(false));
   }
 
   void streamAddressStaysOffTheBoard() {

@@ -26,6 +26,13 @@ tagKorviaShowSourceStatisticsItem statisticsOf(const SourceFigures& figures) {
   return item;
 }
 
+void addFigures(int slot, const SourceFigures& source, tagKorviaShowEngineFigures& figures) {
+  figures.heldFilmFrames += source.framesHeld;
+  figures.skippedFilmFrames += source.framesSkipped;
+  if (slot < kMediaChannelMax)
+    figures.sourceDriftPpm[static_cast<std::size_t>(slot)] = source.driftPpm;
+}
+
 ChannelBank::~ChannelBank() {
   closeSources();
 }
@@ -83,12 +90,8 @@ void ChannelBank::getSourceState(tagKorviaShowSourceStatisticsItem* items) {
 
 void ChannelBank::getFigures(tagKorviaShowEngineFigures& figures) {
   for (int slot = 0; slot < kSourceSlotCount; ++slot) {
-    const std::shared_ptr<Source> source = sources_.at(slot);
-    if (!source)
-      continue;
-    const SourceFigures ofSource = source->figures();
-    figures.heldFilmFrames += ofSource.framesHeld;
-    figures.skippedFilmFrames += ofSource.framesSkipped;
+    if (const std::shared_ptr<Source> source = sources_.at(slot))
+      addFigures(slot, source->figures(), figures);
   }
   figures.reducedSources = reducedSources_;
 }

@@ -21,6 +21,9 @@ namespace korvia {
 /// What the console is told of a source with these figures.
 tagKorviaShowSourceStatisticsItem statisticsOf(const SourceFigures& figures);
 
+/// Adds the source in a slot to the figures of the engine.
+void addFigures(int slot, const SourceFigures& source, tagKorviaShowEngineFigures& figures);
+
 class ChannelBank final : public ChannelPictures, public ChannelSounds {
  public:
   /// The janitor destroys closed sources, because that may take time.

@@ -52,6 +52,7 @@ struct SourceFigures {
   float framesPerSecond = 0;     ///< pictures that arrive
   float samplesPerSecond = 0;    ///< sound that arrives, in samples of one channel
   qint64 videoAudioDriftMs = 0;  ///< time stamp of the picture less that of the sound
+  double driftPpm = 0;           ///< how much faster the source's own clock runs than the show's
 };
 
 class Source : public IKorviaShowSource {

@@ -169,7 +169,8 @@ VideoQueue::Figures VideoQueue::figures() const {
 }
 
 bool VideoQueue::isDue(const ClockReading& reading) const {
-  return !queue_.empty() && queue_.front().timeNs <= reading.timeNs + bias_ * (reading.frameNs / 4);
+  const std::int64_t earlyNs = clock_ ? reading.frameNs * 19 / 40 : bias_ * (reading.frameNs / 4);
+  return !queue_.empty() && queue_.front().timeNs <= reading.timeNs + earlyNs;
 }
 
 void VideoQueue::take(Pull& result) {

@@ -103,6 +103,9 @@ class VideoQueue {
   /// Begins and ends bursts, by what is queued at this tick.
   void paceRefill(const ClockReading& reading) REQUIRES(mutex_);
   void giveTurnBack() REQUIRES(mutex_);
+  /// A picture of a film is shown at the tick that is nearest to its time, so that on the average it is as
+  /// early as it is late and meets its sound. The limit is a little less than half a frame: the stamps of a
+  /// film of twice the show's rate lie at half a frame, rounded up or down.
   bool isDue(const ClockReading& reading) const REQUIRES(mutex_);
   void take(Pull& result) REQUIRES(mutex_);
   /// The stamps of a live source jitter and drift against the ticks, so that pictures could be repeated and
@@ -128,7 +131,7 @@ class VideoQueue {
   bool begun_ GUARDED_BY(mutex_) = false;      // a picture has come since the flush
   bool firstIsDue_ GUARDED_BY(mutex_) = true;  // no picture was shown since the flush
   bool overflowed_ GUARDED_BY(mutex_) = false;
-  int bias_ GUARDED_BY(mutex_) = 1;          // pictures are due a quarter of a frame early (1) or late (-1)
+  int bias_ GUARDED_BY(mutex_) = 1;          // live pictures are due 1/4 frame early (1) or late (-1)
   bool steady_ GUARDED_BY(mutex_) = false;   // the last tick showed a picture in play
   bool resting_ GUARDED_BY(mutex_) = false;  // between two bursts
   bool hasTurn_ GUARDED_BY(mutex_) = false;

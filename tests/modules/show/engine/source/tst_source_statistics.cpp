@@ -89,6 +89,18 @@ class SourceStatisticsTest : public QObject {
     QCOMPARE(item.videoAudioDrift, qint64(-12));
   }
 
+  void clocksOfTheSourcesAreTold() {
+    tagKorviaShowEngineFigures figures;
+    SourceFigures camera;
+    camera.driftPpm = 37.5;
+    camera.framesHeld = 2;
+    addFigures(kMediaChannelMax - 1, camera, figures);
+    addFigures(kKaraokeSlot, camera, figures);
+    QCOMPARE(figures.sourceDriftPpm.back(), 37.5);
+    QCOMPARE(figures.sourceDriftPpm.front(), 0.0);
+    QCOMPARE(figures.heldFilmFrames, qint64(4));
+  }
+
   void eachKindOfSourceDescribesItself() {
     const QTemporaryDir folder;
     QImage image(64, 36, QImage::Format_RGB32);

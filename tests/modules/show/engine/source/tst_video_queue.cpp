@@ -179,7 +179,39 @@ class VideoQueueTest : public QObject {
   }
 
   void doubleRateShowsEverySecond() {
-    QCOMPARE(cadence({25, 1}, steady(12, 50), 6), (std::vector<int>{0, 2, 4, 6, 8, 10}));
+    std::vector<int> expected;
+    for (int i = 0; i < 120; ++i)
+      expected.push_back(2 * i);
+    QCOMPARE(cadence({25, 1}, steady(240, 50), 120), expected);
+    QCOMPARE(cadence({30000, 1001}, roundedToMs(steady(240, 60000.0 / 1001)), 120), expected);
+  }
+
+  void picturesOfUnequalRatesMeetTheirSound_data() {
+    QTest::addColumn<double>("filmFps");
+    QTest::newRow("23.976") << 24000.0 / 1001;
+    QTest::newRow("24") << 24.0;
+    QTest::newRow("29.97") << 30000.0 / 1001;
+    QTest::newRow("30") << 30.0;
+    QTest::newRow("59.94") << 60000.0 / 1001;
+  }
+
+  void picturesOfUnequalRatesMeetTheirSound() {
+    QFETCH(double, filmFps);
+    const int ticks = 100;
+    const std::vector<std::int64_t> times = steady(static_cast<int>(filmFps * ticks / 25) + 4, filmFps);
+    const std::vector<int> shown = cadence({25, 1}, times, ticks);
+    // What begins with a picture is seen at the first tick that shows it or a later one; its sound is on
+    // time.
+    double sumMs = 0;
+    std::size_t tick = 0;
+    const std::size_t pictures = static_cast<std::size_t>(shown.back());
+    for (std::size_t i = 0; i < pictures; ++i) {
+      while (shown[tick] < static_cast<int>(i))
+        ++tick;
+      sumMs += static_cast<double>(tick) * 40 - static_cast<double>(times[i]) / 1e6;
+    }
+    const double meanMs = sumMs / static_cast<double>(pictures);
+    QVERIFY2(std::abs(meanMs) <= 5, qPrintable(QString::number(meanMs)));
   }
 
   void filmRateRepeatsOnceASecond() {
