@@ -210,6 +210,9 @@ class RecordJsonTest : public QObject {
     figures.recording = true;
     figures.loudness.integratedLufs = -23.5;
     figures.outputs[1].state = KorviaShowOutputState::Failed;
+    figures.outputs[1].targets = {{"Record", KorviaShowTargetState::Lost, "the disk is full", 0, 3, 0}};
+    figures.programDevice.driftPpm = -41.5;
+    figures.sourceDriftPpm[7] = 12.25;
     const QJsonObject json = objectOf(figures);
     QCOMPARE(json["frames"].toInt(), 1500);
     QCOMPARE(json["tick"].toObject()["p99Ms"].toDouble(), 12.5);
@@ -219,7 +222,13 @@ class RecordJsonTest : public QObject {
     QCOMPARE(json["loudness"].toObject().size(), 4);
     QCOMPARE(json["outputs"].toArray().size(), 2);
     QCOMPARE(json["outputs"].toArray()[1].toObject()["state"].toInt(), 3);
-    QCOMPARE(json["outputs"].toArray()[1].toObject().size(), 4);
+    QCOMPARE(json["outputs"].toArray()[1].toObject().size(), 9);
+    const QJsonObject target = json["outputs"].toArray()[1].toObject()["targets"].toArray()[0].toObject();
+    QCOMPARE(target.size(), 6);
+    QCOMPARE(target["name"].toString(), QString("Record"));
+    QCOMPARE(target["retrySeconds"].toInt(), 3);
+    QCOMPARE(json["programDevice"].toObject()["driftPpm"].toDouble(), -41.5);
+    QCOMPARE(json["sourceDriftPpm"].toArray()[7].toDouble(), 12.25);
 
     QCOMPARE(objectOf(tagKorviaShowAudioLevel{})["values"].toArray().size(), 96);
     QCOMPARE(objectOf(tagKorviaSourceLinkState{}).size(), 4);
