@@ -147,6 +147,8 @@ QJsonObject report(const ShowBenchOptions& options, const tagKorviaShowEngineFig
           {"coreSecondsPerSecond", (processAfter.cpuSeconds - processBefore.cpuSeconds) / wallSeconds},
           {"coresByThread", threads},
           {"peakResidentMiB", static_cast<double>(processAfter.peakResidentBytes) / (1 << 20)},
+          {"loudness", QJsonObject{{"integratedLufs", after.loudness.integratedLufs},
+                                   {"truePeakDbtp", after.loudness.truePeakDbtp}}},
           {"stages", QJsonObject{{"sources", stage(after.sources)},
                                  {"mix", stage(after.mix)},
                                  {"items", stage(after.items)},

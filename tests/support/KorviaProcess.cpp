@@ -91,10 +91,10 @@ QString KorviaProcess::troubleUnless(int exitCode) const {
   QString what;
   const QString text = log();
   static const QRegularExpression report(
-      QStringLiteral("(Address|Leak)Sanitizer|runtime error:|WARNING: ThreadSanitizer"));
+      QStringLiteral("AddressSanitizer|ERROR: LeakSanitizer|runtime error:|WARNING: ThreadSanitizer"));
   // The leak check stops all threads of the ended program, which fails now and then; then it has no verdict.
   const bool leaksAreUnknown = text.contains(QLatin1String("LeakSanitizer has encountered a fatal error"));
-  const QRegularExpressionMatch found = leaksAreUnknown ? QRegularExpressionMatch() : report.match(text);
+  const QRegularExpressionMatch found = report.match(text);
   if (isRunning())
     what = QStringLiteral("still running");
   else if (process_.exitStatus() != QProcess::NormalExit)
