@@ -1,24 +1,26 @@
 #include "FileTarget.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
+#include <vector>
 
-#include "FragmentedFile.h"
-#include "MuxPipeline.h"
 #include "RecordFileName.h"
+#include "RecordingPart.h"
 #include "engine/EngineLog.h"
 
 namespace korvia {
 
 namespace {
 
-// Unbuffered, so that written data survives a crash of the process.
-const std::vector<ElementProperty> kFileSink = {
-    {"buffer-mode", "unbuffered"}, {"sync", "false"}, {"enable-last-sample", "false"}};
+// A recording goes on when there is room for this many times the space at which it paused, so that it does
+// not pause again at once.
+constexpr int kRoomToGoOn = 2;
+// TargetWorker asks about once a second whether a writer may go on.
+constexpr int kCheckRoomMs = 1000;
 
 qint64 freeBytesAt(const QString& folder) {
   std::error_code error;
@@ -26,6 +28,8 @@ qint64 freeBytesAt(const QString& folder) {
   return error ? -1 : static_cast<qint64>(space.available);
 }
 
+/// Writes one file after the other: a new one when the cut duration is over, and after a pause in which the
+/// disk had no room.
 class FileWriter : public TargetWriter {
  public:
   explicit FileWriter(FileSettings settings) : settings_(std::move(settings)) {
@@ -35,92 +39,201 @@ class FileWriter : public TargetWriter {
 
   bool open(Wake wake) override;
   QString location() const override { return fileName_; }
-  bool hasRoom() const override { return !mux_ || mux_->hasRoom(); }
+  bool hasRoom() const override { return !part_ || part_->hasRoom(); }
   void write(const Packet& packet) override;
-  void end() override { mux_->endStream(); }
+  void end() override;
   Progress progress() const override;
-  QString failure() const override { return mux_ && reason_.isEmpty() ? mux_->failure() : reason_; }
+  QString failure() const override;
   bool mayGoOn() override;
-  qint64 bytesWritten() const override { return mux_ ? mux_->bytesWritten() : bytesWritten_; }
+  qint64 bytesWritten() const override;
+  TargetLink link() const override;
+  DiskFigures disk() const override { return {nsOfEnded_ + (part_ ? part_->lengthNs() : 0), roomSeconds_}; }
+  bool takeKeyRequest() override { return std::exchange(wantsKeyFrame_, false); }
   void close(const TargetOutcome& outcome) override;
 
  private:
-  bool hasSpace() const;
-  bool begin(const Packet& first);
+  /// Makes the next file; null with the reason in reason_.
+  std::unique_ptr<RecordingPart> reserve(const QString& name);
+  QString nextName() const { return settings_.nextName ? settings_.nextName() : settings_.name; }
+  bool isCutDue(const Packet& packet) const;
+  void cut(const Packet& first);
+  void endPart();
+  void pause(const QString& reason);
+  void resumeAt(const Packet& keyFrame);
+  void forgetEndedParts();
+  void measureRoom(qint64 freeBytes);
 
   FileSettings settings_;
   Wake wake_;
-  QString fileName_;
-  QString reason_;
-  std::unique_ptr<MuxPipeline> mux_;
-  qint64 bytesWritten_ = 0;
+  QString fileName_;  // of the newest part
+  QString reason_;    // of a failure or of a pause
+  std::shared_ptr<const TrackList> tracks_;
+  std::unique_ptr<RecordingPart> part_;                 // null during a pause and after the end
+  std::vector<std::unique_ptr<RecordingPart>> ending_;  // that write their end
+  qint64 bytesOfEnded_ = 0;
+  qint64 nsOfEnded_ = 0;
+  qint64 roomSeconds_ = -1;
+  bool hasRoomAgain_ = false;  // the pause ends with the next key frame
+  bool wantsKeyFrame_ = false;
+  bool paused_ = false;
 };
+
+std::unique_ptr<RecordingPart> FileWriter::reserve(const QString& name) {
+  const QString fileName =
+      RecordFileName::reserve(settings_.folder, name, QLatin1String(settings_.container.suffix), &reason_);
+  if (fileName.isEmpty())
+    return nullptr;
+  fileName_ = fileName;
+  return std::make_unique<RecordingPart>(fileName, settings_.container, wake_);
+}
 
 bool FileWriter::open(Wake wake) {
   wake_ = std::move(wake);
-  fileName_ = RecordFileName::reserve(settings_.folder, settings_.name,
-                                      QLatin1String(settings_.container.suffix), &reason_);
-  if (fileName_.isEmpty())
+  part_ = reserve(settings_.name);
+  if (!part_)
     return false;
-  if (hasSpace())
+  const qint64 free = settings_.freeBytes(QFileInfo(fileName_).path());
+  if (free < 0 || free >= settings_.minimumFreeBytes)
     return true;
   reason_ = QStringLiteral("the disk is full");
   return false;
 }
 
-bool FileWriter::begin(const Packet& first) {
-  mux_ = std::make_unique<MuxPipeline>(wake_);
-  const MuxSink sink{"filesink", "location", QFile::encodeName(fileName_), kFileSink};
-  if (!mux_->open(*first.tracks, settings_.container, sink))
-    return false;
-  const Track& picture = first.tracks->front();
-  const int soundKbps = first.tracks->size() > 1 ? first.tracks->back().kbps : 0;
-  qCInfo(logOutput, "recording to \"%s\" : %dx%d, %d/%d fps, %d kbit/s, sound %d kbit/s",
-         qPrintable(fileName_), picture.size.width, picture.size.height,
-         static_cast<int>(picture.rate.numerator), static_cast<int>(picture.rate.denominator), picture.kbps,
-         soundKbps);
-  return true;
+bool FileWriter::isCutDue(const Packet& packet) const {
+  return settings_.cutNs > 0 && packet.keyFrame && part_->hasBegun() &&
+         part_->lengthNs() + packet.durationNs / 2 >= settings_.cutNs;
+}
+
+void FileWriter::cut(const Packet& first) {
+  std::unique_ptr<RecordingPart> next = reserve(nextName());
+  if (next && next->begin(first)) {
+    endPart();
+    part_ = std::move(next);
+    return;
+  }
+  // The recording goes on in the file that it has, and the next key frame tries again.
+  qCWarning(logOutput, "recording \"%s\" is not cut : %s", qPrintable(settings_.name),
+            qPrintable(next ? next->failure() : reason_));
+  fileName_ = part_->fileName();
+  reason_.clear();
+}
+
+void FileWriter::endPart() {
+  part_->end();
+  nsOfEnded_ += part_->lengthNs();
+  ending_.push_back(std::move(part_));
+}
+
+void FileWriter::pause(const QString& reason) {
+  qCWarning(logOutput, "%s, closing \"%s\"", qPrintable(reason), qPrintable(fileName_));
+  reason_ = reason;
+  paused_ = true;
+  hasRoomAgain_ = false;
+  endPart();
+}
+
+void FileWriter::resumeAt(const Packet& keyFrame) {
+  hasRoomAgain_ = false;
+  std::unique_ptr<RecordingPart> next = reserve(nextName());
+  if (!next || !next->begin(keyFrame))
+    return;
+  part_ = std::move(next);
+  paused_ = false;
+  reason_.clear();
 }
 
 void FileWriter::write(const Packet& packet) {
-  if (mux_ || begin(packet))
-    mux_->feed(packet);
+  tracks_ = packet.tracks;
+  if (paused_ && hasRoomAgain_ && packet.keyFrame)
+    resumeAt(packet);
+  else if (part_ && !part_->hasBegun())
+    part_->begin(packet);
+  else if (part_ && isCutDue(packet))
+    cut(packet);
+  if (part_)
+    part_->write(packet);
+}
+
+void FileWriter::end() {
+  if (part_)
+    endPart();
+  paused_ = false;
 }
 
 TargetWriter::Progress FileWriter::progress() const {
-  if (!mux_)
-    return Progress::Open;
-  if (mux_->hasFailed())
-    return Progress::Failed;
-  return mux_->isEnded() ? Progress::Ended : Progress::Open;
+  if (part_)
+    return part_->hasFailed() && !part_->isOutOfSpace() ? Progress::Failed : Progress::Open;
+  const auto isOver = [](const auto& part) { return part->isEnded() || part->hasFailed(); };
+  return !paused_ && std::all_of(ending_.begin(), ending_.end(), isOver) ? Progress::Ended : Progress::Open;
 }
 
-bool FileWriter::hasSpace() const {
-  const qint64 bytes = settings_.freeBytes(QFileInfo(fileName_).path());
-  return bytes < 0 || bytes >= settings_.minimumFreeBytes;
+QString FileWriter::failure() const {
+  return part_ && part_->hasFailed() ? part_->failure() : reason_;
+}
+
+TargetLink FileWriter::link() const {
+  if (paused_)
+    return {TargetLink::State::Lost, reason_, kCheckRoomMs};
+  return TargetWriter::link();
+}
+
+qint64 FileWriter::bytesWritten() const {
+  qint64 bytes = bytesOfEnded_ + (part_ ? part_->bytesWritten() : 0);
+  for (const auto& part : ending_)
+    bytes += part->bytesWritten();
+  return bytes;
+}
+
+void FileWriter::forgetEndedParts() {
+  const auto isOver = [this](const std::unique_ptr<RecordingPart>& part) {
+    if (part->hasFailed())
+      qCWarning(logOutput, "the end of \"%s\" is not written : %s", qPrintable(part->fileName()),
+                qPrintable(part->failure()));
+    else if (!part->isEnded())
+      return false;
+    bytesOfEnded_ += part->bytesWritten();
+    return true;
+  };
+  ending_.erase(std::remove_if(ending_.begin(), ending_.end(), isOver), ending_.end());
+}
+
+void FileWriter::measureRoom(qint64 freeBytes) {
+  roomSeconds_ = -1;
+  qint64 kbps = 0;
+  for (std::size_t i = 0; tracks_ && i < tracks_->size(); ++i)
+    kbps += (*tracks_)[i].kbps;
+  if (freeBytes >= 0 && kbps > 0)
+    roomSeconds_ = std::max<qint64>(0, freeBytes - settings_.minimumFreeBytes) * 8 / (kbps * 1000);
 }
 
 bool FileWriter::mayGoOn() {
-  if (hasSpace())
-    return true;
-  reason_ = QStringLiteral("the disk is nearly full");
-  qCWarning(logOutput, "the disk is nearly full, closing \"%s\"", qPrintable(fileName_));
-  return false;
+  forgetEndedParts();
+  const qint64 free = settings_.freeBytes(QFileInfo(fileName_).path());
+  measureRoom(free);
+  if (part_ && (part_->isOutOfSpace() || (free >= 0 && free < settings_.minimumFreeBytes))) {
+    pause(part_->isOutOfSpace() ? QStringLiteral("the disk is full")
+                                : QStringLiteral("the disk is nearly full"));
+  } else if (paused_) {
+    const bool roomBefore =
+        std::exchange(hasRoomAgain_, free < 0 || free >= kRoomToGoOn * settings_.minimumFreeBytes);
+    wantsKeyFrame_ = hasRoomAgain_ && !roomBefore;
+  }
+  return true;
 }
 
 void FileWriter::close(const TargetOutcome& outcome) {
-  bytesWritten_ = bytesWritten();
-  mux_.reset();
-  if (outcome.failed && settings_.container.boxes && !fileName_.isEmpty())
-    dropPartialBox(fileName_);
-  if (!fileName_.isEmpty() && QFileInfo(fileName_).size() == 0)
-    QFile::remove(fileName_);
+  const qint64 bytes = bytesWritten();
+  if (part_)
+    nsOfEnded_ += part_->lengthNs();
+  part_.reset();
+  ending_.clear();
+  bytesOfEnded_ = bytes;
   if (outcome.failed)
     qCWarning(logOutput, "recording \"%s\" failed : %s", qPrintable(settings_.name),
               qPrintable(outcome.reason));
-  else
-    qCInfo(logOutput, "recording \"%s\" closed : %lld frames, %lld dropped", qPrintable(fileName_),
-           static_cast<long long>(outcome.framesWritten), static_cast<long long>(outcome.framesDropped));
+  else if (outcome.framesDropped > 0)
+    qCWarning(logOutput, "recording \"%s\" lacks %lld frames", qPrintable(settings_.name),
+              static_cast<long long>(outcome.framesDropped));
 }
 
 }  // namespace
@@ -134,8 +247,12 @@ std::unique_ptr<Target> FileTarget::create(const OutputRequest& request) {
   const tagKorviaShowOutputItem& item = request.param.items[OutputSlotRecord];
   FileSettings settings;
   settings.folder = item.recordPath;
-  settings.name = RecordFileName::make(item.recordNameFormat, item.recordTimeFormat, request.programName,
-                                       QDateTime::currentDateTime());
+  settings.nextName = [nameFormat = item.recordNameFormat, timeFormat = item.recordTimeFormat,
+                       programName = request.programName] {
+    return RecordFileName::make(nameFormat, timeFormat, programName, QDateTime::currentDateTime());
+  };
+  settings.name = settings.nextName();
+  settings.cutNs = std::max(0, item.cutDuration) * 1'000'000'000LL;
   settings.container = RecordContainer::of(item.recordEncapsulation);
   return std::make_unique<FileTarget>(settings);
 }

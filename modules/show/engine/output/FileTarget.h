@@ -1,5 +1,5 @@
-// A recording: writes packets into a file of one of the containers. Made on any thread; its own thread does
-// the rest.
+// A recording: writes packets into files of one of the containers, one after the other. Made on any thread;
+// its own thread does the rest.
 #pragma once
 #include <functional>
 #include <memory>
@@ -13,8 +13,13 @@ namespace korvia {
 struct FileSettings {
   QString folder;  ///< drive path or path of this machine
   QString name;    ///< file name without suffix, cleaned
+  /// Makes the names of the files after the first one; empty for the same name. On the target's own thread.
+  std::function<QString()> nextName;
+  /// Length of a file, which ends at the next key frame; 0 for one file without end.
+  qint64 cutNs = 0;
   RecordContainer container = RecordContainer::of(EncapsulationMp4);
-  /// The file is closed while at least this much space is left on its disk.
+  /// The file is closed while at least this much space is left on its disk. The recording goes on in a new
+  /// file when there is twice as much.
   qint64 minimumFreeBytes = 64LL * 1024 * 1024;
   /// Bytes free at a folder, negative when unknown. Called about once a second on the target's own thread.
   std::function<qint64(const QString& folder)> freeBytes;

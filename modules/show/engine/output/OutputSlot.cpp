@@ -1,6 +1,7 @@
 #include "OutputSlot.h"
 
 #include <QDeadlineTimer>
+#include <algorithm>
 #include <utility>
 
 namespace korvia {
@@ -72,6 +73,9 @@ tagKorviaShowOutputReport OutputSlot::report() const {
     report.droppedFrames += own.framesDropped;
     if (report.fileName.isEmpty())
       report.fileName = own.location;
+    report.writtenMs = std::max(report.writtenMs, own.disk.writtenNs / 1'000'000);
+    report.writtenBytes += own.bytesWritten;
+    report.roomSeconds = std::max(report.roomSeconds, own.disk.roomSeconds);
     const bool ended = own.state == TargetState::Failed || own.state == TargetState::Finished;
     if (ended && report.reason.isEmpty())
       report.reason = own.reason;

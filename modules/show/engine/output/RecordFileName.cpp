@@ -22,6 +22,14 @@ QString withDashes(QString text) {
   return text;
 }
 
+/// Separators in the time make folders.
+QString timeText(const QDateTime& time, const QString& format) {
+  QString text = time.toString(format);
+  text.replace(QLatin1Char('\\'), QLatin1Char('/'));
+  text.replace(QLatin1Char(':'), QLatin1Char('-'));
+  return text;
+}
+
 QString cutToBytes(QString text, int bytes) {
   while (text.toUtf8().size() > bytes)
     text.chop(text.at(text.size() - 1).isLowSurrogate() ? 2 : 1);
@@ -33,18 +41,22 @@ QString cutToBytes(QString text, int bytes) {
 QString RecordFileName::make(const QString& nameFormat, const QString& timeFormat, const QString& programName,
                              const QDateTime& time) {
   const QString program = DrivePath::safeFileName(withDashes(programName));
-  const QString timeText = withDashes(time.toString(timeFormat));
+  const QString ownTime = timeText(time, timeFormat);
 
   // Split before the replacements, so that a program named "${TIME}" keeps its name.
   QStringList parts = withDashes(nameFormat).split(kProgramName);
   int fixedBytes = 0;
   for (QString& part : parts) {
-    part.replace(kTime, timeText);
+    part.replace(kTime, ownTime);
     fixedBytes += part.toUtf8().size();
   }
   const int places = parts.size() - 1;
   const int roomForProgram = places > 0 ? std::max(0, kMaxNameBytes - fixedBytes) / places : 0;
-  return DrivePath::safeFileName(parts.join(cutToBytes(program, roomForProgram)));
+  const QString name = parts.join(cutToBytes(program, roomForProgram));
+  QStringList folders = name.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+  for (QString& folder : folders)
+    folder = DrivePath::safeFileName(folder);
+  return folders.isEmpty() ? DrivePath::safeFileName(name) : folders.join(QLatin1Char('/'));
 }
 
 QString RecordFileName::reserve(const QString& folder, const QString& name, const QString& suffix,
@@ -55,8 +67,9 @@ QString RecordFileName::reserve(const QString& folder, const QString& name, cons
     *error = QStringLiteral("\"%1\" is no folder of this machine").arg(folder);
     return {};
   }
-  if (!QDir().mkpath(path)) {
-    *error = QStringLiteral("the folder \"%1\" cannot be made").arg(path);
+  const QString ownFolder = QFileInfo(QDir(path).filePath(name)).path();
+  if (!QDir().mkpath(ownFolder)) {
+    *error = QStringLiteral("the folder \"%1\" cannot be made").arg(ownFolder);
     return {};
   }
   for (int number = 1; number <= kMaxNumber; ++number) {

@@ -51,6 +51,7 @@ struct TargetFigures {
   float kbps = 0;     ///< written in the last second
   int upSeconds = 0;  ///< since it came up; 0 unless it is up
   int retryMs = 0;    ///< until the next try; 0 unless it is lost
+  DiskFigures disk;
   qint64 queuedBytes = 0;
   qint64 queuedNs = 0;
 };

@@ -138,6 +138,8 @@ void TargetWorker::check(bool finishing) {
     if (!goesOn)
       share_->endAccepting();
     dropped = share_->figures.framesDropped;
+    share_->figures.location = writer_->location();
+    share_->figures.disk = writer_->disk();
     const qint64 bytes = share_->figures.bytesWritten;
     share_->figures.kbps =
         static_cast<float>(bytes - std::exchange(lastBytes_, bytes)) * 8.0F / static_cast<float>(elapsedMs);
@@ -160,6 +162,8 @@ void TargetWorker::close(bool failed) {
   writer_->close(outcome);
   const qint64 bytesWritten = writer_->bytesWritten();
   MutexLock lock(share_->mutex);
+  share_->figures.location = writer_->location();
+  share_->figures.disk = writer_->disk();
   share_->figures.state = failed ? TargetState::Failed : TargetState::Finished;
   share_->figures.reason = reason_;
   share_->figures.retryMs = 0;

@@ -29,6 +29,12 @@ struct TargetLink {
   int retryMs = 0;  ///< until the next try
 };
 
+/// What a writer of files tells of what is on the disk.
+struct DiskFigures {
+  qint64 writtenNs = 0;     ///< of pictures, over all files
+  qint64 roomSeconds = -1;  ///< until the disk is full at the bitrate of the tracks; -1 when unknown
+};
+
 class TargetWriter {
  public:
   enum class Progress { Open, Ended, Failed };
@@ -58,6 +64,7 @@ class TargetWriter {
   virtual TargetLink link() const {
     return {bytesWritten() > 0 ? TargetLink::State::Up : TargetLink::State::Connecting, {}, 0};
   }
+  virtual DiskFigures disk() const { return {}; }
   /// True once when the writer waits for a key frame, which is then asked for.
   virtual bool takeKeyRequest() { return false; }
   /// Called once, also when open() has failed: releases everything and logs the outcome.

@@ -23,7 +23,7 @@ class TestRecordFileName : public QObject {
   Q_OBJECT
 
  private slots:
-  void fillsInProgramAndTime() { QCOMPARE(make("News"), QString("News_25-03-09-07_05_01")); }
+  void fillsInProgramAndTime() { QCOMPARE(make("News"), QString("News_25-03-09/07_05_01")); }
 
   void expandsEveryPlaceAndKeepsTheRest() {
     QCOMPARE(RecordFileName::make("a ${TIME} b ${PROGRAMNAME} c ${TIME}", "hh:mm", "P", kTime),
@@ -31,31 +31,31 @@ class TestRecordFileName : public QObject {
     QCOMPARE(RecordFileName::make("fixed", kTimeFormat, "P", kTime), QString("fixed"));
   }
 
-  void programNameIsNotExpanded() { QCOMPARE(make("${TIME}"), QString("${TIME}_25-03-09-07_05_01")); }
+  void programNameIsNotExpanded() { QCOMPARE(make("${TIME}"), QString("${TIME}_25-03-09/07_05_01")); }
 
   void hostileProgramNames_data() {
     QTest::addColumn<QString>("program");
     QTest::addColumn<QString>("name");
     QTest::newRow("climbs") << "../../etc/x"
-                            << ".-.-etc-x_25-03-09-07_05_01";
+                            << ".-.-etc-x_25-03-09/07_05_01";
     QTest::newRow("slash") << "a/b"
-                           << "a-b_25-03-09-07_05_01";
+                           << "a-b_25-03-09/07_05_01";
     QTest::newRow("back-slash") << "a\\b"
-                                << "a-b_25-03-09-07_05_01";
+                                << "a-b_25-03-09/07_05_01";
     QTest::newRow("drive") << "c:\\x"
-                           << "c--x_25-03-09-07_05_01";
-    QTest::newRow("control") << QString("a\nb\tc\x01") + QChar(0) << "abc_25-03-09-07_05_01";
+                           << "c--x_25-03-09/07_05_01";
+    QTest::newRow("control") << QString("a\nb\tc\x01") + QChar(0) << "abc_25-03-09/07_05_01";
     QTest::newRow("empty") << ""
-                           << "unnamed_25-03-09-07_05_01";
+                           << "unnamed_25-03-09/07_05_01";
     QTest::newRow("dots") << ".."
-                          << "unnamed_25-03-09-07_05_01";
+                          << "unnamed_25-03-09/07_05_01";
   }
   void hostileProgramNames() {
     QFETCH(QString, program);
     const QString name = make(program);
-    QVERIFY2(!name.contains('/') && !name.contains("..") && !name.startsWith('.'), qPrintable(name));
+    QVERIFY2(name.count('/') == 1 && !name.contains("..") && !name.startsWith('.'), qPrintable(name));
     if (program.startsWith(".."))
-      QVERIFY2(name.endsWith("_25-03-09-07_05_01"), qPrintable(name));
+      QVERIFY2(name.endsWith("_25-03-09/07_05_01"), qPrintable(name));
     else
       QTEST(name, "name");
   }
@@ -64,12 +64,15 @@ class TestRecordFileName : public QObject {
     const QString name = make(QString(300, QChar(0x00e4)));
     QVERIFY(name.toUtf8().size() <= 200);
     QVERIFY(name.toUtf8().size() >= 198);
-    QVERIFY2(name.endsWith("_25-03-09-07_05_01"), qPrintable(name));
+    QVERIFY2(name.endsWith("_25-03-09/07_05_01"), qPrintable(name));
   }
 
   void hostileFormats() {
     QCOMPARE(RecordFileName::make("", "", "", kTime), QString("unnamed"));
-    QCOMPARE(RecordFileName::make("x/${TIME}", "'/etc/passwd'", "", kTime), QString("x--etc-passwd"));
+    QCOMPARE(RecordFileName::make("x/${TIME}", "'/etc/passwd'", "", kTime), QString("x-/etc/passwd"));
+    QCOMPARE(RecordFileName::make("${TIME}", "'/etc/passwd'", "", kTime), QString("etc/passwd"));
+    QCOMPARE(RecordFileName::make("a${TIME}", "'/../../x'", "", kTime), QString("a/unnamed/unnamed/x"));
+    QCOMPARE(RecordFileName::make("${TIME}", "'///'", "", kTime), QString("unnamed"));
     QVERIFY(RecordFileName::make(QString(500, 'x') + "${PROGRAMNAME}", "", "p", kTime).size() <= 200);
   }
 
@@ -89,6 +92,17 @@ class TestRecordFileName : public QObject {
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), QByteArray("precious"));
     QCOMPARE(error, QString());
+  }
+
+  void timeMakesFolders() {
+    QCOMPARE(RecordFileName::make("${TIME} ${PROGRAMNAME}", "yyyy\\MM/dd hh", "P", kTime),
+             QString("2025/03/09 07 P"));
+    QTemporaryDir folder;
+    QString error;
+    QCOMPARE(RecordFileName::reserve(folder.path(), make("News"), "ts", &error),
+             folder.path() + "/News_25-03-09/07_05_01.ts");
+    QCOMPARE(RecordFileName::reserve(folder.path(), make("News"), "ts", &error),
+             folder.path() + "/News_25-03-09/07_05_01 (2).ts");
   }
 
   void mapsDrivePaths() {

@@ -227,8 +227,8 @@ class TestRecordOutput : public QObject {
     for (int i = 1; i <= 15; ++i)
       output.pushFrame(patternFrame(pool, i));
     QTest::ignoreMessage(QtWarningMsg, "the recording cannot keep up, 3 frames dropped");
-    QTest::ignoreMessage(QtInfoMsg,
-                         QRegularExpression("recording \".*take.ts\" closed : 14 frames, 3 dropped"));
+    QTest::ignoreMessage(QtInfoMsg, QRegularExpression("recording \".*take.ts\" closed : 14 frames, 0.7 s"));
+    QTest::ignoreMessage(QtWarningMsg, "recording \"take\" lacks 3 frames");
     gate.open();
     QTRY_VERIFY_WITH_TIMEOUT(output.figures().framesPerSecond > 0, 10000);
     output.pushFrame(patternFrame(pool, 16));
@@ -328,16 +328,38 @@ class TestRecordOutput : public QObject {
     QTemporaryDir folder;
     FramePool pool(kSize);
     RecordingSettings settings = settingsFor(folder.path(), 2);
-    auto asked = std::make_shared<std::atomic<int>>(0);
-    settings.file.freeBytes = [asked](const QString&) { return ++*asked == 1 ? 1LL << 40 : 1000; };
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("the disk is nearly full, closing"));
+    const auto free = std::make_shared<std::atomic<qint64>>(1LL << 40);
+    settings.file.freeBytes = [free](const QString&) { return free->load(); };
     Recording output(settings);
     QVERIFY(feedFrames(output, pool, 0, 20));
-    // The encoder keeps the newest frame until the next one comes.
-    output.pushFrame(patternFrame(pool, 20));
+    *free = 1000;
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression("the disk is nearly full, closing"));
+    const auto target = [&output] { return output.slot().report().targets.value(0); };
+    int pushed = 20;
+    const auto feedUntil = [&](KorviaShowTargetState state, int timeoutMs = kFinishMs) {
+      return QTest::qWaitFor([&] { return feedFrames(output, pool, pushed++, 1) && target().state == state; },
+                             timeoutMs);
+    };
+    QVERIFY(feedUntil(KorviaShowTargetState::Lost));
+    QCOMPARE(target().reason, QString("the disk is nearly full"));
+    QCOMPARE(output.slot().report().state, KorviaShowOutputState::Running);
+    QCOMPARE(output.slot().report().roomSeconds, qint64(0));
+    const int framesBefore = VideoJudge::judge(folder.filePath("take.mp4")).frames;
+    QVERIFY2(framesBefore >= 20 && framesBefore < pushed, qPrintable(QString::number(framesBefore)));
+
+    // A little room would be used up at once.
+    *free = settings.file.minimumFreeBytes + 1000;
+    QVERIFY(!feedUntil(KorviaShowTargetState::Up, 1500));
+    *free = 1LL << 40;
+    QVERIFY(feedUntil(KorviaShowTargetState::Up));
+    QVERIFY(feedFrames(output, pool, pushed, 20));
+    output.finish();
     QVERIFY(output.waitFinished(kFinishMs));
-    QVERIFY(!output.figures().up);
-    QCOMPARE(VideoJudge::judge(output.fileName()).frames, 20);
+    QCOMPARE(output.slot().report().state, KorviaShowOutputState::Finished);
+    QCOMPARE(output.fileName(), folder.filePath("take (2).mp4"));
+    const QVector<int> numbers = numbersIn(VideoJudge::decodeLuma(output.fileName()), kSize);
+    QVERIFY(numbers.size() >= 20);
+    QCOMPARE(numbers, countFrom(pushed + 20 - numbers.size(), pushed + 20));
   }
 
   // A file that may not grow past a size fails where a full disk does: in write().
@@ -376,13 +398,12 @@ class TestRecordOutput : public QObject {
     QVERIFY(feedFrames(*output, pool, 0, 10));
     output->finish();
     QVERIFY(output->waitFinished(kFinishMs));
-    const QStringList files = QDir(folder.path()).entryList(QDir::Files);
-    QCOMPARE(files.size(), 1);
-    QVERIFY2(QRegularExpression("^a-b_\\d\\d-\\d\\d-\\d\\d-\\d\\d_\\d\\d_\\d\\d\\.mov$")
-                 .match(files[0])
+    const QString file = output->report().fileName;
+    QVERIFY2(QRegularExpression("^/a-b_\\d\\d-\\d\\d-\\d\\d/\\d\\d_\\d\\d_\\d\\d\\.mov$")
+                 .match(file.mid(folder.path().size()))
                  .hasMatch(),
-             qPrintable(files[0]));
-    const VideoVerdict verdict = VideoJudge::judge(folder.filePath(files[0]));
+             qPrintable(file));
+    const VideoVerdict verdict = VideoJudge::judge(file);
     QCOMPARE(verdict.stream["width"].toInt(), 320);
     QCOMPARE(verdict.stream["height"].toInt(), 180);
     QCOMPARE(verdict.frames, 10);

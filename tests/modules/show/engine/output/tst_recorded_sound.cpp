@@ -40,11 +40,12 @@ struct FrameSound {
   std::array<float, kFrameSamples> right;
 };
 
-/// Both sides, interleaved, from time 0 of the file on.
-std::vector<float> decodeSound(const QString& fileName) {
+/// Both sides, interleaved, from time 0 of the file on; with the filter "anull" from the first packet on.
+std::vector<float> decodeSound(const QString& fileName,
+                               const QString& filter = "aresample=async=1:first_pts=0") {
   QProcess ffmpeg;
-  ffmpeg.start("ffmpeg", {"-nostdin", "-v", "error", "-i", fileName, "-map", "0:a", "-af",
-                          "aresample=async=1:first_pts=0", "-ac", "2", "-f", "f32le", "-"});
+  ffmpeg.start("ffmpeg", {"-nostdin", "-v", "error", "-i", fileName, "-map", "0:a", "-af", filter, "-ac", "2",
+                          "-f", "f32le", "-"});
   ffmpeg.waitForFinished(60'000);
   const QByteArray bytes = ffmpeg.readAllStandardOutput();
   std::vector<float> samples(static_cast<std::size_t>(bytes.size()) / sizeof(float));
@@ -61,8 +62,23 @@ double startOf(const QString& fileName, const char* kind) {
   return ffprobe.readAllStandardOutput().trimmed().split('\n').front().toDouble();
 }
 
-/// By how many samples the sound lies behind its time, found where it is most like the sweep.
-int delayAt(const std::vector<float>& decoded, qint64 place) {
+/// Times of the packets of sound, in seconds.
+QVector<double> soundPackets(const QString& fileName) {
+  QProcess ffprobe;
+  ffprobe.start("ffprobe", {"-v", "error", "-select_streams", "a:0", "-show_entries", "packet=pts_time",
+                            "-of", "csv=p=0", fileName});
+  ffprobe.waitForFinished(60'000);
+  QVector<double> times;
+  for (const QByteArray& line : ffprobe.readAllStandardOutput().split('\n')) {
+    if (!line.trimmed().isEmpty())
+      times.append(line.split(',').front().toDouble());
+  }
+  return times;
+}
+
+/// By how many samples the sound lies behind its time, found where it is most like the sweep. The file begins
+/// with sample `first` of the sweep.
+int delayAt(const std::vector<float>& decoded, qint64 place, qint64 first = 0) {
   constexpr int kCompared = 2'400;
   constexpr int kFarthest = 1'200;
   double best = 0;
@@ -71,7 +87,7 @@ int delayAt(const std::vector<float>& decoded, qint64 place) {
     double likeness = 0;
     for (int i = 0; i < kCompared; ++i) {
       const auto at = static_cast<std::size_t>(2 * (place + i + lag));
-      likeness += at < decoded.size() ? decoded[at] * sweep(place + i) : 0;
+      likeness += at < decoded.size() ? decoded[at] * sweep(first + place + i) : 0;
     }
     if (likeness > best) {
       best = likeness;
@@ -141,6 +157,52 @@ class RecordedSoundTest : public QObject {
     QVERIFY2(std::abs(seconds - kFrames / 25.0) <= 0.04, qPrintable(QString::number(seconds)));
     QVERIFY(std::abs(loudest(decoded, 0) - 0.4) < 0.05);
     QVERIFY(std::abs(loudest(decoded, 1) - 0.2) < 0.03);
+  }
+
+  void filesFollowOneAnotherWithoutAGap_data() { soundIsInStepInEveryContainer_data(); }
+  void filesFollowOneAnotherWithoutAGap() {
+    QFETCH(int, encapsulation);
+    constexpr int kPartFrames = 50;  // a key frame comes every 2 s
+    constexpr int kAllFrames = 130;
+    constexpr double kPacketSeconds = 1024.0 / kSampleRate;
+    QTemporaryDir folder;
+    RecordingSettings settings = settingsFor(folder, encapsulation);
+    settings.file.cutNs = 2'000'000'000;
+    int part = 1;
+    settings.file.nextName = [&part] { return QStringLiteral("part/%1").arg(++part); };
+    {
+      Recording recording(settings);
+      FramePool pool(kSize);
+      for (int i = 0; i < kAllFrames; ++i) {
+        recording.pushFrame(patternFrame(pool, i));
+        FrameSound sound(i);
+        recording.slot().pushSound(sound.span());
+        QVERIFY(waitForRoom(recording, i + 1, 15));
+      }
+      recording.finish();
+      QVERIFY(recording.waitFinished(kFinishMs));
+      QCOMPARE(recording.slot().report().writtenMs, qint64(kAllFrames * 40));
+      QVERIFY(recording.fileName().contains("/part/3."));
+    }
+    const QString suffix = QLatin1String(settings.file.container.suffix);
+    double soundEnd = 0;
+    QVector<int> numbers;
+    for (int i = 0; i < 3; ++i) {
+      const QString file =
+          folder.filePath(i == 0 ? "sound." + suffix : QString("part/%1.%2").arg(i + 1).arg(suffix));
+      numbers += numbersIn(VideoJudge::decodeLuma(file), kSize);
+      const QVector<double> packets = soundPackets(file);
+      const double start = i * kPartFrames / 25.0;
+      const double soundStart = start + packets.first() - startOf(file, "v");
+      // Stamps of mkv and flv are rounded to milliseconds.
+      if (i > 0)
+        QVERIFY2(std::abs(soundStart - soundEnd) < 0.0015, qPrintable(QString::number(soundEnd)));
+      soundEnd = soundStart + packets.last() - packets.first() + kPacketSeconds;
+      const int delay = delayAt(decodeSound(file, "anull"), 9'600, std::llround(soundStart * kSampleRate));
+      QVERIFY2(std::abs(delay) <= 24, qPrintable(QString::number(delay)));
+    }
+    QCOMPARE(numbers, countTo(kAllFrames));
+    QVERIFY(std::abs(soundEnd - kAllFrames / 25.0) < 0.04);
   }
 
   void aGapIsSilenceAndKeepsTheTime() {
