@@ -19,6 +19,11 @@ qint64 sizeOf(const GstPadProbeInfo* info) {
   return static_cast<qint64>(gst_buffer_get_size(GST_PAD_PROBE_INFO_BUFFER(info)));
 }
 
+bool isHeader(const GstPadProbeInfo* info) {
+  return !(info->type & GST_PAD_PROBE_TYPE_BUFFER_LIST) &&
+         GST_BUFFER_FLAG_IS_SET(GST_PAD_PROBE_INFO_BUFFER(info), GST_BUFFER_FLAG_HEADER);
+}
+
 }  // namespace
 
 MuxPipeline::MuxPipeline(std::function<void()> wake) : pipeline_(std::move(wake)) {}
@@ -42,7 +47,10 @@ bool MuxPipeline::link(const TrackList& tracks, const RecordContainer& container
     return false;
   OutputPipeline::setProperties(muxer, container.properties);
   OutputPipeline::setProperties(end, sink.properties);
-  g_object_set(end, sink.addressProperty, sink.address.constData(), nullptr);
+  if (sink.addressProperty)
+    g_object_set(end, sink.addressProperty, sink.address.constData(), nullptr);
+  if (sink.prepare)
+    sink.prepare(end);
   OutputPipeline::addProbe(end, "sink", onWritten, this);
   for (const Track& track : tracks) {
     if (!addTrack(track, container, muxer))
@@ -97,7 +105,11 @@ void MuxPipeline::endStream() {
 
 GstPadProbeReturn MuxPipeline::onWritten(GstPad*, GstPadProbeInfo* info, gpointer self) {
   const HappensBeforeScope scope(self);
-  static_cast<MuxPipeline*>(self)->bytesWritten_ += sizeOf(info);
+  auto* mux = static_cast<MuxPipeline*>(self);
+  const qint64 before = mux->bytesWritten_.fetch_add(sizeOf(info));
+  if (mux->mediaWritten_)
+    mux->bytesTaken_ = before;
+  mux->mediaWritten_ = !isHeader(info);
   return GST_PAD_PROBE_OK;
 }
 

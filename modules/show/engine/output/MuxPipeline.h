@@ -16,10 +16,12 @@ namespace korvia {
 
 /// The element at the end of a pipeline.
 struct MuxSink {
-  const char* element;
-  const char* addressProperty;
+  const char* element = nullptr;
+  const char* addressProperty = nullptr;
   QByteArray address;
   std::vector<ElementProperty> properties;
+  /// Called with the element before the pipeline runs; may be empty.
+  std::function<void(GstElement*)> prepare = nullptr;
 };
 
 class MuxPipeline {
@@ -44,7 +46,13 @@ class MuxPipeline {
   bool isEnded() const { return pipeline_.isEnded(); }
   bool hasFailed() const { return pipeline_.hasFailed(); }
   QString failure() const { return pipeline_.failure(); }
+  /// GStreamer's number for the failure, a GstResourceError; 0 for another one.
+  int resourceError() const { return pipeline_.resourceError(); }
+  /// What came to the sink.
   qint64 bytesWritten() const { return bytesWritten_; }
+  /// What came before the newest buffer that the sink has taken. A connection may hang in a buffer, and
+  /// headers are taken before there is a connection.
+  qint64 bytesTaken() const { return bytesTaken_; }
 
  private:
   bool link(const TrackList& tracks, const RecordContainer& container, const MuxSink& sink);
@@ -52,6 +60,8 @@ class MuxPipeline {
   static GstPadProbeReturn onWritten(GstPad* pad, GstPadProbeInfo* info, gpointer self);
 
   std::atomic<qint64> bytesWritten_{0};
+  std::atomic<qint64> bytesTaken_{0};
+  bool mediaWritten_ = false;  // streaming thread only: the newest buffer is no header
   OutputPipeline pipeline_;
   std::vector<std::unique_ptr<PipelineInlet>> inlets_;  ///< one a track
 };

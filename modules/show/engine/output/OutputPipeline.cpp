@@ -90,6 +90,8 @@ GstBusSyncReply OutputPipeline::onMessage(GstBus*, GstMessage* message, gpointer
   } else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) {
     GError* error = nullptr;
     gst_message_parse_error(message, &error, nullptr);
+    if (error->domain == GST_RESOURCE_ERROR && !pipeline->failed_)
+      pipeline->resourceError_ = error->code;
     pipeline->setFailure(QString::fromUtf8(error->message));
     g_error_free(error);
     pipeline->wake();

@@ -37,6 +37,8 @@ class OutputPipeline {
 
   bool isEnded() const { return ended_; }
   bool hasFailed() const { return failed_; }
+  /// The GstResourceError of the failure; 0 for another one.
+  int resourceError() const { return resourceError_; }
   /// The reason of the failure; empty without one.
   QString failure() const;
 
@@ -55,6 +57,7 @@ class OutputPipeline {
   GstElement* pipeline_ = nullptr;
   std::atomic<bool> failed_{false};
   std::atomic<bool> ended_{false};
+  std::atomic<int> resourceError_{0};
   mutable Mutex mutex_;
   QString failure_ GUARDED_BY(mutex_);
 };

@@ -5,6 +5,39 @@
 
 namespace korvia {
 
+namespace {
+
+KorviaShowTargetState reportState(TargetState state) {
+  switch (state) {
+    case TargetState::Waiting:
+      return KorviaShowTargetState::Connecting;
+    case TargetState::Up:
+    case TargetState::Finishing:
+      return KorviaShowTargetState::Up;
+    case TargetState::Lost:
+      return KorviaShowTargetState::Lost;
+    case TargetState::Finished:
+      return KorviaShowTargetState::Finished;
+    case TargetState::Failed:
+      break;
+  }
+  return KorviaShowTargetState::Failed;
+}
+
+tagKorviaShowTargetReport targetReport(TargetKind kind, const TargetFigures& figures) {
+  tagKorviaShowTargetReport report;
+  report.name = targetName(kind);
+  report.state = reportState(figures.state);
+  if (report.state == KorviaShowTargetState::Lost || report.state == KorviaShowTargetState::Failed)
+    report.reason = figures.reason;
+  report.upSeconds = figures.upSeconds;
+  report.retrySeconds = (figures.retryMs + 999) / 1000;
+  report.bitrate = figures.kbps;
+  return report;
+}
+
+}  // namespace
+
 OutputSlot::OutputSlot(EncoderSettings encoder, Targets targets, Janitor& janitor)
     : targets_(std::move(targets)), encoder_(std::move(encoder), janitor) {
   for (const std::shared_ptr<Target>& target : targets_)
@@ -32,18 +65,23 @@ tagKorviaShowOutputReport OutputSlot::report() const {
   report.reason = encoder.failure;
   bool up = false;
   bool allEnded = true;
+  bool allTroubled = true;
   for (const std::shared_ptr<Target>& target : targets_) {
     const TargetFigures own = target->figures();
+    report.targets.append(targetReport(target->kind(), own));
     report.droppedFrames += own.framesDropped;
     if (report.fileName.isEmpty())
       report.fileName = own.location;
-    if (report.reason.isEmpty())
+    const bool ended = own.state == TargetState::Failed || own.state == TargetState::Finished;
+    if (ended && report.reason.isEmpty())
       report.reason = own.reason;
-    up = up || own.state == TargetState::Up || own.state == TargetState::Finishing;
-    allEnded = allEnded && (own.state == TargetState::Failed || own.state == TargetState::Finished);
+    up = up || own.state == TargetState::Up || own.state == TargetState::Finishing ||
+         (own.state == TargetState::Lost && own.bytesWritten > 0);
+    allEnded = allEnded && ended;
+    allTroubled = allTroubled && !own.reason.isEmpty();
   }
   // An output that ends without a stop has failed, even if its file is complete.
-  if (!encoder.failure.isEmpty() || (allEnded && (!stopped_ || !report.reason.isEmpty())))
+  if (!encoder.failure.isEmpty() || (allEnded && (!stopped_ || allTroubled)))
     report.state = KorviaShowOutputState::Failed;
   else if (allEnded)
     report.state = KorviaShowOutputState::Finished;
@@ -68,6 +106,7 @@ OutputFigures OutputSlot::figures() const {
     figures.up = figures.up || own.state == TargetState::Up;
     figures.framesDropped += own.framesDropped;
     figures.bytesWritten += own.bytesWritten;
+    figures.kbps[static_cast<std::size_t>(target->kind())] = own.kbps;
   }
   return figures;
 }

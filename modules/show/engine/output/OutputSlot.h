@@ -1,6 +1,7 @@
 // One output of the show: an encoder and the targets that get its packets. Engine thread, except figures()
 // and waitFinished(). Destroyed on the thread of the janitor, since the end of a target may wait for a disk.
 #pragma once
+#include <array>
 #include <atomic>
 #include <memory>
 #include <utility>
@@ -14,8 +15,9 @@ namespace korvia {
 struct OutputFigures {
   bool up = false;  ///< a target is up
   qint64 framesEncoded = 0;
-  qint64 framesDropped = 0;  ///< by the encoder and by the targets
-  qint64 bytesWritten = 0;   ///< by all targets
+  qint64 framesDropped = 0;                ///< by the encoder and by the targets
+  qint64 bytesWritten = 0;                 ///< by all targets
+  std::array<float, kTargetKinds> kbps{};  ///< of each TargetKind, of the last second
   float videoKbps = 0;
   float framesPerSecond = 0;
   float soundKbps = 0;

@@ -22,7 +22,15 @@ qint64 framesBetween(qint64 endNs, const Packet& packet) {
   return std::llround(static_cast<double>(packet.ptsNs - endNs) / static_cast<double>(packet.durationNs));
 }
 
+// In the order of TargetKind.
+constexpr const char* kNames[kTargetKinds] = {"RTMP Push - 0", "RTMP Push - 1", "RTMP Local", "HTTP",
+                                              "UDP",           "HLS",           "Record"};
+
 }  // namespace
+
+QString targetName(TargetKind kind) {
+  return QString::fromLatin1(kNames[static_cast<std::size_t>(kind)]);
+}
 
 Target::Target(TargetSettings settings, std::unique_ptr<TargetWriter> writer)
     : share_(std::make_shared<TargetShare>(std::move(settings))),
@@ -91,9 +99,19 @@ bool Target::waitFinished(int timeoutMs) {
                                   [this]() REQUIRES(share_->mutex) { return share_->ended; });
 }
 
+TargetKind Target::kind() const {
+  return share_->settings.kind;
+}
+
+bool Target::takeKeyRequest() {
+  return share_->keyRequested.exchange(false);
+}
+
 TargetFigures Target::figures() const {
   MutexLock lock(share_->mutex);
   TargetFigures figures = share_->figures;
+  if (figures.state == TargetState::Up)
+    figures.upSeconds = static_cast<int>(share_->sinceUp.elapsed() / 1000);
   figures.queuedBytes = share_->queue.bytes();
   figures.queuedNs = share_->queue.durationNs();
   return figures;

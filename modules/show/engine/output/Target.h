@@ -12,6 +12,14 @@
 
 namespace korvia {
 
+/// What a target is, in the order of the report.
+enum class TargetKind { Rtmp0, Rtmp1, RtmpLocal, Http, Udp, Hls, Record };
+
+inline constexpr std::size_t kTargetKinds = 7;
+
+/// The name of the target on its page of the output settings.
+QString targetName(TargetKind kind);
+
 struct TargetSettings {
   QString label;                         ///< in the log, as the subject of a sentence
   const char* threadName = "kv-target";  ///< at most 15 characters
@@ -20,11 +28,13 @@ struct TargetSettings {
   qint64 queueNs = 10'000'000'000;
   /// Time-out for writing the queued packets after finish().
   int finishTimeoutMs = 10000;
+  TargetKind kind = TargetKind::Record;
 };
 
 enum class TargetState {
   Waiting,    ///< for its first key frame, or for its writer to take the first bytes
   Up,         ///< bytes were written and nothing failed since
+  Lost,       ///< its writer tries again by itself
   Finishing,  ///< takes no more packets, writes what is queued
   Finished,
   Failed,
@@ -32,12 +42,15 @@ enum class TargetState {
 
 struct TargetFigures {
   TargetState state = TargetState::Waiting;
-  QString reason;            ///< why it failed, or ended without being asked
+  QString reason;            ///< why it failed, is lost, or ended without being asked
   QString location;          ///< file or address; empty while there is none
   qint64 framesWritten = 0;  ///< handed to the writer
   qint64 framesDropped = 0;  ///< left out here
   qint64 framesSkipped = 0;  ///< left out by the encoder since the join
   qint64 bytesWritten = 0;
+  float kbps = 0;     ///< written in the last second
+  int upSeconds = 0;  ///< since it came up; 0 unless it is up
+  int retryMs = 0;    ///< until the next try; 0 unless it is lost
   qint64 queuedBytes = 0;
   qint64 queuedNs = 0;
 };
@@ -63,6 +76,9 @@ class Target {
   /// Waits until it has finished or failed; false after the time-out. 0 returns at once.
   bool waitFinished(int timeoutMs);
   TargetFigures figures() const;
+  TargetKind kind() const;
+  /// True once when the writer waits for a key frame.
+  bool takeKeyRequest();
 
  private:
   const std::shared_ptr<TargetShare> share_;

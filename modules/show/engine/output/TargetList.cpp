@@ -24,10 +24,11 @@ void TargetList::replace(const Target& last, std::shared_ptr<Target> next) {
 
 bool TargetList::takeKeyRequest() {
   MutexLock lock(mutex_);
-  if (keyAsked_)
-    return false;
-  keyAsked_ = std::any_of(entries_.begin(), entries_.end(), [](const Entry& entry) { return entry.waiting; });
-  return keyAsked_;
+  // Every request is taken, also while a key frame is on its way, which serves all.
+  bool wanted = false;
+  for (const Entry& entry : entries_)
+    wanted = entry.target->takeKeyRequest() || entry.waiting || wanted;
+  return wanted && !std::exchange(keyAsked_, true);
 }
 
 void TargetList::deliver(const Packet& packet) {

@@ -20,6 +20,23 @@ void TargetShare::endAccepting() {
   accepting = false;
   finishDeadline.setRemainingTime(settings.finishTimeoutMs);
   figures.state = TargetState::Finishing;
+  figures.reason.clear();
+  figures.retryMs = 0;
+}
+
+void TargetShare::follow(const TargetLink& link) {
+  if (!accepting)
+    return;
+  TargetState state = TargetState::Waiting;
+  if (link.state == TargetLink::State::Up)
+    state = TargetState::Up;
+  else if (link.state == TargetLink::State::Lost)
+    state = TargetState::Lost;
+  if (state == TargetState::Up && figures.state != state)
+    sinceUp.start();
+  figures.state = state;
+  figures.reason = link.reason;
+  figures.retryMs = link.retryMs;
 }
 
 TargetWorker::TargetWorker(std::shared_ptr<TargetShare> share, std::unique_ptr<TargetWriter> writer)
@@ -74,8 +91,7 @@ TargetWorker::Step TargetWorker::step() {
     TargetFigures& figures = share_->figures;
     figures.bytesWritten = writer_->bytesWritten();
     figures.framesWritten += packet && packet->isPicture() ? 1 : 0;
-    if (figures.state == TargetState::Waiting && figures.bytesWritten > 0)
-      figures.state = TargetState::Up;
+    share_->follow(writer_->link());
   }
 
   const TargetWriter::Progress progress = writer_->progress();
@@ -91,6 +107,8 @@ TargetWorker::Step TargetWorker::step() {
   }
   if (sinceCheck_.hasExpired(kCheckMs))
     check(finishing);
+  if (writer_->takeKeyRequest())
+    share_->keyRequested = true;
   return finishing ? stepToEnd(drained, deadline) : Step::Continue;
 }
 
@@ -110,7 +128,7 @@ TargetWorker::Step TargetWorker::stepToEnd(bool drained, const QDeadlineTimer& d
 }
 
 void TargetWorker::check(bool finishing) {
-  sinceCheck_.start();
+  const qint64 elapsedMs = std::max<qint64>(1, sinceCheck_.restart());
   const bool goesOn = finishing || writer_->mayGoOn();
   if (!goesOn)
     reason_ = writer_->failure();
@@ -120,6 +138,9 @@ void TargetWorker::check(bool finishing) {
     if (!goesOn)
       share_->endAccepting();
     dropped = share_->figures.framesDropped;
+    const qint64 bytes = share_->figures.bytesWritten;
+    share_->figures.kbps =
+        static_cast<float>(bytes - std::exchange(lastBytes_, bytes)) * 8.0F / static_cast<float>(elapsedMs);
   }
   if (dropped > lastDropped_)
     qCWarning(logOutput, "%s cannot keep up, %lld frames dropped", qPrintable(share_->settings.label),
@@ -141,6 +162,8 @@ void TargetWorker::close(bool failed) {
   MutexLock lock(share_->mutex);
   share_->figures.state = failed ? TargetState::Failed : TargetState::Finished;
   share_->figures.reason = reason_;
+  share_->figures.retryMs = 0;
+  share_->figures.kbps = 0;
   share_->figures.bytesWritten = bytesWritten;
   share_->ended = true;
   share_->changed.notify_all();

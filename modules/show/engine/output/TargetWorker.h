@@ -3,6 +3,7 @@
 #pragma once
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
+#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -18,6 +19,8 @@ struct TargetShare {
       : settings(std::move(own)), queue(settings.queueBytes, settings.queueNs) {}
 
   void endAccepting() REQUIRES(mutex);
+  /// Takes the state of the connection over, unless the target ends.
+  void follow(const TargetLink& link) REQUIRES(mutex);
 
   const TargetSettings settings;
   Mutex mutex;
@@ -29,6 +32,8 @@ struct TargetShare {
   QDeadlineTimer finishDeadline GUARDED_BY(mutex);   // set when accepting becomes false
   bool ended GUARDED_BY(mutex) = false;              // all is closed and the thread about to end
   TargetFigures figures GUARDED_BY(mutex);           // the queue knows its own figures
+  QElapsedTimer sinceUp GUARDED_BY(mutex);           // started when the state becomes Up
+  std::atomic<bool> keyRequested{false};             // by the writer, and not yet taken by the encoder
 };
 
 class TargetWorker {
@@ -56,6 +61,7 @@ class TargetWorker {
   bool endAsked_ = false;
   QElapsedTimer sinceCheck_;
   qint64 lastDropped_ = 0;
+  qint64 lastBytes_ = 0;
 };
 
 }  // namespace korvia

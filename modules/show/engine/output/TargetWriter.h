@@ -16,6 +16,19 @@ struct TargetOutcome {
   qint64 framesDropped = 0;  ///< that are missing between the first and the last frame
 };
 
+/// The connection of a target to what takes its data.
+struct TargetLink {
+  enum class State {
+    Connecting,  ///< nothing was taken yet
+    Up,          ///< data are taken
+    Lost,        ///< refused or broken off, and tried again
+  };
+
+  State state = State::Connecting;
+  QString reason;   ///< why it is lost, without addresses
+  int retryMs = 0;  ///< until the next try
+};
+
 class TargetWriter {
  public:
   enum class Progress { Open, Ended, Failed };
@@ -41,6 +54,12 @@ class TargetWriter {
   /// for the queued packets to be written.
   virtual bool mayGoOn() { return true; }
   virtual qint64 bytesWritten() const = 0;
+  /// Takes no lock.
+  virtual TargetLink link() const {
+    return {bytesWritten() > 0 ? TargetLink::State::Up : TargetLink::State::Connecting, {}, 0};
+  }
+  /// True once when the writer waits for a key frame, which is then asked for.
+  virtual bool takeKeyRequest() { return false; }
   /// Called once, also when open() has failed: releases everything and logs the outcome.
   virtual void close(const TargetOutcome& outcome) = 0;
 };
