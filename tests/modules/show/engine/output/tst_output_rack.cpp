@@ -178,7 +178,7 @@ class OutputRackTest : public QObject {
   void aStreamHasNothingToSendTo() {
     rack_->start(OutputSlotStream, {}, {}, {});
     QCOMPARE(report(OutputSlotStream).state, KorviaShowOutputState::Failed);
-    QCOMPARE(report(OutputSlotStream).reason, QString("streams are not available in this version"));
+    QCOMPARE(report(OutputSlotStream).reason, QString("no target of the output is enabled"));
     QCOMPARE(host_.log, QStringList{"41 0"});
   }
 
