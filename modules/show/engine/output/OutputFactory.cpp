@@ -7,6 +7,7 @@
 #include "engine/EngineLog.h"
 #include "engine/ShowFormat.h"
 #include "engine/audio/Limiter.h"
+#include "engine/output/stream/HttpTarget.h"
 #include "engine/output/stream/PushTarget.h"
 #include "engine/output/stream/UdpTarget.h"
 
@@ -19,7 +20,8 @@ using TargetMaker = std::unique_ptr<Target> (*)(const OutputRequest& request);
 
 // In the order of the report.
 constexpr TargetMaker kTargetMakers[] = {PushTarget::createFirst, PushTarget::createSecond,
-                                         PushTarget::createLocal, UdpTarget::create, FileTarget::create};
+                                         PushTarget::createLocal, HttpTarget::create,
+                                         UdpTarget::create,       FileTarget::create};
 
 constexpr FrameSize kDefaultSize{1920, 1080};
 constexpr int kDefaultKbps = 4096;
