@@ -7,6 +7,7 @@
 #include "engine/EngineLog.h"
 #include "engine/ShowFormat.h"
 #include "engine/audio/Limiter.h"
+#include "engine/output/stream/HlsTarget.h"
 #include "engine/output/stream/HttpTarget.h"
 #include "engine/output/stream/PushTarget.h"
 #include "engine/output/stream/UdpTarget.h"
@@ -19,9 +20,9 @@ namespace {
 using TargetMaker = std::unique_ptr<Target> (*)(const OutputRequest& request);
 
 // In the order of the report.
-constexpr TargetMaker kTargetMakers[] = {PushTarget::createFirst, PushTarget::createSecond,
-                                         PushTarget::createLocal, HttpTarget::create,
-                                         UdpTarget::create,       FileTarget::create};
+constexpr TargetMaker kTargetMakers[] = {
+    PushTarget::createFirst, PushTarget::createSecond, PushTarget::createLocal, HttpTarget::create,
+    UdpTarget::create,       HlsTarget::create,        FileTarget::create};
 
 constexpr FrameSize kDefaultSize{1920, 1080};
 constexpr int kDefaultKbps = 4096;
