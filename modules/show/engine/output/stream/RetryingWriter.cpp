@@ -45,8 +45,10 @@ void RetryingWriter::write(const Packet& packet) {
   Packet own = packet;
   own.ptsNs -= *originNs_;
   own.dtsNs -= *originNs_;
-  if (own.ptsNs >= 0)
+  if (own.ptsNs >= 0) {
     writer_->write(own);
+    framesPassed_ += own.isPicture() ? 1 : 0;
+  }
   sinceRoom_.start();
   watch();
 }
@@ -139,7 +141,7 @@ void RetryingWriter::close(const TargetOutcome& outcome) {
     qCWarning(logOutput, "%s failed : %s", qPrintable(settings_.label), qPrintable(outcome.reason));
   else
     qCInfo(logOutput, "%s closed : %lld frames", qPrintable(settings_.label),
-           static_cast<long long>(outcome.framesWritten));
+           static_cast<long long>(framesPassed_));
 }
 
 }  // namespace korvia

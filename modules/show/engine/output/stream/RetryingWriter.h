@@ -67,6 +67,7 @@ class RetryingWriter : public TargetWriter {
   QString reason_;        // of the last loss
   QString loggedReason_;  // so that a server that stays away is logged once
   qint64 lostBytes_ = 0;  // of the writers before
+  qint64 framesPassed_ = 0;
 };
 
 }  // namespace korvia

@@ -50,12 +50,15 @@ class PushTargetTest : public QObject {
     QVERIFY(live.waitFor(KorviaShowTargetState::Up));
     QCOMPARE(look(url).stream["codec_name"].toString(), QString("h264"));
     QTRY_VERIFY(live.report().bitrate > 100);
+    QTRY_VERIFY(live.report().upSeconds >= 1);
     QCOMPARE(live.report().name, QString("RTMP Push - 0"));
 
     server.kill();
     QVERIFY(live.waitFor(KorviaShowTargetState::Lost));
     QVERIFY(!live.report().reason.isEmpty());
     QVERIFY2(!live.report().reason.contains("127.0.0.1"), qPrintable(live.report().reason));
+    QCOMPARE(live.report().upSeconds, 0);
+    QVERIFY(live.report().retrySeconds <= 1);
     QCOMPARE(live.slot().report().state, KorviaShowOutputState::Running);
     QVERIFY(server.start());
     QElapsedTimer timer;

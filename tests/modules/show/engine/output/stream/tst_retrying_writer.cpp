@@ -163,7 +163,9 @@ class RetryingWriterTest : public QObject {
     untilNextTry();
     write(true);
     QCOMPARE(writer_->link().state, TargetLink::State::Up);
-    QTest::qWait(2);  // longer than steady
+    QElapsedTimer sinceUp;
+    sinceUp.start();
+    QTRY_VERIFY(sinceUp.elapsed() > 2);  // longer than steady
     peer_.refuses = true;
     write(false);
     QCOMPARE(writer_->link().retryMs <= 20, back);
