@@ -99,6 +99,33 @@ bool openChannels(KorviaShowEngine& engine, const ShowBenchOptions& options) {
   return true;
 }
 
+void startOutput(KorviaShowEngine& engine, const ShowBenchOptions& options, int slot,
+                 const tagKorviaShowOutputParam& param) {
+  tagKorviaFormatInfo format;
+  format.video.width = format.video.secondWidth = options.size.width();
+  format.video.height = format.video.secondHeight = options.size.height();
+  engine.postEvent(ShowEventStartOutput, slot, toVariant(param), QString("bench"), toVariant(format));
+}
+
+void startStream(KorviaShowEngine& engine, const ShowBenchOptions& options) {
+  tagKorviaShowOutputParam param;
+  tagKorviaShowOutputItem& item = param.items[OutputSlotStream];
+  item.kind = OutputKindStream;
+  item.rtmp0Enable = 1;
+  item.rtmp0Url = options.streamUrl;
+  startOutput(engine, options, OutputSlotStream, param);
+}
+
+/// How the stream does at the end of the run.
+QJsonObject streamResult(const tagKorviaShowOutputReport& report) {
+  const tagKorviaShowTargetReport push = report.targets.value(0);
+  return {{"up", push.state == KorviaShowTargetState::Up},
+          {"upSeconds", push.upSeconds},
+          {"kbps", push.bitrate},
+          {"reason", push.reason},
+          {"droppedFrames", report.droppedFrames}};
+}
+
 void startRecording(KorviaShowEngine& engine, const ShowBenchOptions& options) {
   const QFileInfo file(options.recordFile);
   const QMap<QString, int> containers{{"ts", EncapsulationTs},
@@ -113,11 +140,7 @@ void startRecording(KorviaShowEngine& engine, const ShowBenchOptions& options) {
   item.recordPath = file.absolutePath() + '/';
   item.recordNameFormat = file.completeBaseName();
   item.recordEncapsulation = containers.value(file.suffix(), EncapsulationMp4);
-  tagKorviaFormatInfo format;
-  format.video.width = format.video.secondWidth = options.size.width();
-  format.video.height = format.video.secondHeight = options.size.height();
-  engine.postEvent(ShowEventStartOutput, OutputSlotRecord, toVariant(param), QString("bench"),
-                   toVariant(format));
+  startOutput(engine, options, OutputSlotRecord, param);
 }
 
 QJsonObject stage(const tagKorviaShowEngineFigures::StageTime& time) {
@@ -179,6 +202,8 @@ int runShowBench(const ShowBenchOptions& options) {
   engine.postEvent(ShowEventSelectChannel, PVMObject, MediaChannel + std::min(1, options.channels - 1));
   if (!options.recordFile.isEmpty())
     startRecording(engine, options);
+  if (!options.streamUrl.isEmpty())
+    startStream(engine, options);
   pass(kWarmUpMs);
 
   engine.getFigures(before);
@@ -202,11 +227,15 @@ int runShowBench(const ShowBenchOptions& options) {
 
   if (!options.recordFile.isEmpty())
     engine.postEvent(ShowEventStopOutput, OutputSlotRecord, OutputKindRecord);
+  if (!options.streamUrl.isEmpty())
+    engine.postEvent(ShowEventStopOutput, OutputSlotStream, OutputKindStream);
   engine.postEvent(ShowEventClose);
   engine.stop();
 
   QJsonObject result = report(options, before, after, wallSeconds, processBefore, processAfter);
   result["startToFirstFrameMs"] = firstFrameMs;
+  if (!options.streamUrl.isEmpty())
+    result["stream"] = streamResult(after.outputs[OutputSlotStream]);
   std::fputs(QJsonDocument(result).toJson().constData(), stdout);
   return options.jsonFile.isEmpty() || writeReport(result, options.jsonFile) ? 0 : 1;
 }

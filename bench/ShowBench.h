@@ -1,5 +1,5 @@
-// Measures a show without windows: films on the channels, takes, a recording, and how well the engine kept
-// its frame rate.
+// Measures a show without windows: films on the channels, takes, a recording, a stream, and how well the
+// engine kept its frame rate.
 #pragma once
 #include <QSize>
 #include <QString>
@@ -13,6 +13,7 @@ struct ShowBenchOptions {
   double takeEvery = 0;
   int effect = 22;
   QString recordFile;
+  QString streamUrl;
   QSize size{1920, 1080};
   int fps = 25;
   bool monitors = true;

@@ -39,8 +39,9 @@ int show(QCommandLineParser& parser) {
     return refuse("--channels takes 1 to 8");
   if (options.seconds <= 0 || options.fps <= 0 || options.size.isEmpty())
     return refuse("--seconds, --fps and --size take positive numbers");
-  if (parser.isSet("stream") || parser.value("items").toInt() != 0)
-    return refuse("streams and items are not in this version: run without --stream and --items");
+  options.streamUrl = parser.value("stream");
+  if (parser.value("items").toInt() != 0)
+    return refuse("items are not in this version: run without --items");
   return runShowBench(options);
 }
 
@@ -72,7 +73,7 @@ int main(int argc, char** argv) {
                      {"effect", "Effect number of the takes, or, repeatable, of the kernels.", "N", "22"},
                      {"items", "Items over the picture.", "N", "0"},
                      {"record", "Record program into FILE.", "FILE"},
-                     {"stream", "Stream program to URL.", "URL"},
+                     {"stream", "Push program to URL: rtmp, rtmps or srt.", "URL"},
                      {"size", "Render size.", "WxH", "1920x1080"},
                      {"fps", "Render rate.", "N", "25"},
                      {"no-monitors", "Scale no monitor pictures."},

@@ -4,6 +4,7 @@ find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Xml Widgets Network Test)
 
 pkg_check_modules(GST REQUIRED IMPORTED_TARGET gstreamer-1.0 gstreamer-app-1.0 gstreamer-audio-1.0
   gstreamer-base-1.0 gstreamer-video-1.0)
+pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0)
 pkg_check_modules(HWY REQUIRED IMPORTED_TARGET libhwy)
 pkg_check_modules(ZIMG REQUIRED IMPORTED_TARGET zimg)
 pkg_check_modules(EBUR128 REQUIRED IMPORTED_TARGET libebur128)

@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "DrivePath.h"
+#include "IncomePlace.h"
 #include "NginxSupervisor.h"
 
 namespace korvia {
@@ -16,7 +17,6 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcIncome, "korvia.income", QtInfoMsg)
 
-constexpr int kDefaultRtmpPort = 1935;
 constexpr char kModuleFile[] = "ngx_rtmp_module.so";
 
 QString absolute(const QString& path) {
@@ -41,12 +41,6 @@ QString findRtmpModule() {
       qEnvironmentVariable("KORVIA_NGINX_MODULES", QStringLiteral("/usr/lib/nginx/modules"));
   const QFileInfo module{QDir(folder), QLatin1String(kModuleFile)};
   return module.isFile() ? module.absoluteFilePath() : QString();
-}
-
-int wantedRtmpPort() {
-  bool isNumber = false;
-  const int port = qEnvironmentVariableIntValue("KORVIA_RTMP_PORT", &isNumber);
-  return isNumber && port >= 1 && port <= 65535 ? port : kDefaultRtmpPort;
 }
 
 }  // namespace
@@ -96,7 +90,7 @@ int IncomeServer::open(const QString& rootPath, int port, const QString& htmlPat
   settings.config.htmlFolder = absolute(htmlPath);
   settings.config.address = incomeListenAddress().toString();
   settings.config.httpPort = port;
-  settings.config.rtmpPort = wantedRtmpPort();
+  settings.config.rtmpPort = incomeRtmpPort();
   if (!NginxConfig::quoted(settings.config.htmlFolder) || !NginxConfig::quoted(settings.config.modulePath))
     return refuse(-EINVAL, "nginx cannot serve a folder of that name");
 

@@ -32,6 +32,16 @@ rtmp {
       record off;
       drop_idle_publisher 30s;
     }
+    application live {
+      live on;
+      record off;
+      wait_key on;
+      wait_video on;
+      allow publish 127.0.0.1;
+      allow publish %ADDRESS%;
+      deny publish all;
+      allow play all;
+    }
   }
 }
 http {

@@ -1,4 +1,5 @@
-// The configuration file of the income server: RTMP application "income" and a folder of static pages.
+// The configuration file of the income server: the RTMP application "income" for streams from
+// others, "live" for the program, which this machine alone may publish, and a folder of static pages.
 // A plain value, usable from any thread.
 #pragma once
 #include <QByteArray>

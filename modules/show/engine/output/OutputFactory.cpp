@@ -7,6 +7,10 @@
 #include "engine/EngineLog.h"
 #include "engine/ShowFormat.h"
 #include "engine/audio/Limiter.h"
+#include "engine/output/stream/HlsTarget.h"
+#include "engine/output/stream/HttpTarget.h"
+#include "engine/output/stream/PushTarget.h"
+#include "engine/output/stream/UdpTarget.h"
 
 namespace korvia {
 
@@ -15,7 +19,10 @@ namespace {
 /// Null when the request does not ask for this kind of target.
 using TargetMaker = std::unique_ptr<Target> (*)(const OutputRequest& request);
 
-constexpr TargetMaker kTargetMakers[] = {FileTarget::create};
+// In the order of the report.
+constexpr TargetMaker kTargetMakers[] = {
+    PushTarget::createFirst, PushTarget::createSecond, PushTarget::createLocal, HttpTarget::create,
+    UdpTarget::create,       HlsTarget::create,        FileTarget::create};
 
 constexpr FrameSize kDefaultSize{1920, 1080};
 constexpr int kDefaultKbps = 4096;

@@ -8,7 +8,7 @@
 namespace korvia {
 
 /// The reason when an output has no target.
-inline constexpr const char* kNoTarget = "streams are not available in this version";
+inline constexpr const char* kNoTarget = "no target of the output is enabled";
 
 /// An output with all targets of the request; null, with a log line, for a slot that cannot run.
 std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janitor& janitor);

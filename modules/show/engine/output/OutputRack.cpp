@@ -12,6 +12,35 @@ namespace {
 // A little longer than a target may take to end. The next job of the janitor waits for it.
 constexpr int kEndMs = 12'000;
 
+/// Where a block of the statistics has a target of the stream.
+struct TargetPlace {
+  TargetKind kind;
+  tagKorviaOutputTargetStatistics& (*of)(tagKorviaOutputStatisticsBlock& block);
+};
+
+using Block = tagKorviaOutputStatisticsBlock;
+constexpr TargetPlace kTargetPlaces[] = {{TargetKind::Rtmp0, [](Block& block) -> auto& {return block.rtmp[0];
+}  // namespace
+}  // namespace korvia
+, {TargetKind::Rtmp1, [](Block& block) -> auto& {return block.rtmp[1];
+}
+}
+, {TargetKind::RtmpLocal, [](Block& block) -> auto& {return block.rtmp[2];
+}
+}
+, {TargetKind::Http, [](Block& block) -> auto& {return block.http;
+}
+}
+, {TargetKind::Udp, [](Block& block) -> auto& {return block.udp;
+}
+}
+, {TargetKind::Hls, [](Block& block) -> auto& {return block.hls;
+}
+}
+,
+}
+;
+
 }  // namespace
 
 /// An output that ends: the janitor waits for its end, stores its report and destroys it.
@@ -139,6 +168,8 @@ void OutputRack::statistics(tagKorviaOutputStatistics& statistics) const {
     block.videoBitrate = figures.videoKbps;
     block.audioRate = figures.samplesPerSecond;
     block.audioBitrate = figures.soundKbps;
+    for (const TargetPlace& place : kTargetPlaces)
+      place.of(block).bitrate = figures.kbps[static_cast<std::size_t>(place.kind)];
     if (slot == OutputSlotRecord)
       block.record.bitrate = figures.up ? figures.videoKbps : 0;
   }

@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <QJsonDocument>
+#include <QNetworkInterface>
+#include <QProcess>
 #include <QTcpServer>
 #include <QtTest>
 
@@ -47,6 +49,20 @@ QByteArray rtmpHandshake(int port) {
   while (reply.size() < 1 + 2 * 1536 && socket.waitForReadyRead(2000))
     reply += socket.readAll();
   return reply;
+}
+
+QStringList publishing(const QString& url) {
+  return {"-v", "error", "-re", "-f", "lavfi", "-i",  "testsrc2=size=160x90:rate=25",
+          "-t", "8",     "-g",  "5",  "-f",    "flv", url};
+}
+
+/// An address of this machine that is not the loopback; empty when there is none.
+QString otherAddress() {
+  for (const QHostAddress& address : QNetworkInterface::allAddresses()) {
+    if (address.protocol() == QAbstractSocket::IPv4Protocol && !address.isLoopback())
+      return address.toString();
+  }
+  return {};
 }
 
 }  // namespace
@@ -103,6 +119,33 @@ class IncomeServerTest : public QObject {
       QTcpServer other;
       QVERIFY(other.listen(QHostAddress("127.0.0.2"), static_cast<quint16>(port)));
     }
+  }
+
+  void handsTheProgramOn() {
+    QCOMPARE(open(), 0);
+    const QString url = QString("rtmp://127.0.0.1:%1/live/output_0").arg(helper_._interface->rtmpPort());
+    QProcess publisher;
+    publisher.start("ffmpeg", publishing(url));
+    QProcess viewer;
+    viewer.start("ffprobe", {"-v", "error", "-rw_timeout", "8000000", "-show_entries", "stream=codec_name",
+                             "-of", "default=nk=1:nw=1", url});
+    QVERIFY(viewer.waitForFinished(15'000));
+    QCOMPARE(viewer.readAllStandardOutput().trimmed(), QByteArray("flv1"));
+    publisher.kill();
+    publisher.waitForFinished();
+  }
+
+  void nobodyElsePublishesTheProgram() {
+    const QString address = otherAddress();
+    if (address.isEmpty())
+      QSKIP("the loopback is the only interface");
+    qputenv("KORVIA_INCOME_LISTEN", "0.0.0.0");
+    QCOMPARE(open(), 0);
+    const int port = helper_._interface->rtmpPort();
+    QProcess publisher;
+    publisher.start("ffmpeg", publishing(QString("rtmp://%1:%2/live/output_0").arg(address).arg(port)));
+    QVERIFY(publisher.waitForFinished(10'000));
+    QVERIFY(publisher.exitCode() != 0);
   }
 
   void listensWhereItIsTold() {

@@ -34,6 +34,9 @@ class NginxConfigTest : public QObject {
     QVERIFY(text.contains("pid \"/tmp/w/nginx.pid\";"));
     QVERIFY(text.contains("location = /ready-abc123 {"));
     QVERIFY(text.contains("application income {"));
+    QVERIFY(text.contains("application live {"));
+    QVERIFY(
+        text.contains("allow publish 127.0.0.1;\n      allow publish 127.0.0.1;\n      deny publish all;"));
     QCOMPARE(text.count('{'), text.count('}'));
   }
 

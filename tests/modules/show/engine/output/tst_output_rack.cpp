@@ -1,4 +1,5 @@
 // What the console is told of its outputs, from the start to the end.
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -13,6 +14,11 @@ using namespace korvia::test;
 namespace {
 
 constexpr FrameSize kSize{320, 180};
+
+int freePort() {
+  QTcpServer server;
+  return server.listen(QHostAddress::LocalHost) ? server.serverPort() : 0;
+}
 
 class Host final : public IShowBackendHost {
  public:
@@ -178,8 +184,64 @@ class OutputRackTest : public QObject {
   void aStreamHasNothingToSendTo() {
     rack_->start(OutputSlotStream, {}, {}, {});
     QCOMPARE(report(OutputSlotStream).state, KorviaShowOutputState::Failed);
-    QCOMPARE(report(OutputSlotStream).reason, QString("streams are not available in this version"));
+    QCOMPARE(report(OutputSlotStream).reason, QString("no target of the output is enabled"));
     QCOMPARE(host_.log, QStringList{"41 0"});
+  }
+
+  void aStreamTellsOfEachTarget() {
+    tagKorviaShowOutputParam param;
+    tagKorviaShowOutputItem& item = param.items[OutputSlotStream];
+    item.rtmp0Enable = item.rtmp1Enable = item.httpEnable = item.udpEnable = 1;
+    item.rtmp0Url = QString("rtmp://127.0.0.1:%1/live/key").arg(freePort());  // nobody listens
+    item.rtmp1Url = QStringLiteral("ftp://127.0.0.1/");
+    item.httpPort = static_cast<quint16>(freePort());
+    item.udpAddress = QStringLiteral("127.0.0.1");
+    item.udpPort = static_cast<quint16>(freePort());
+    tagKorviaFormatInfo format;
+    format.video.width = kSize.width;
+    format.video.height = kSize.height;
+    rack_->start(OutputSlotStream, param, {}, format);
+    const auto targets = [&] { return report(OutputSlotStream).targets; };
+    const auto isAt = [&](int target, KorviaShowTargetState state) {
+      return targets()[target].state == state;
+    };
+    tagKorviaOutputStatistics statistics;
+    const auto hasSettled = [&] {
+      push(1);
+      rack_->statistics(statistics);
+      const tagKorviaOutputStatisticsBlock& block = statistics.blocks[OutputSlotStream];
+      return isAt(0, KorviaShowTargetState::Lost) && isAt(1, KorviaShowTargetState::Failed) &&
+             isAt(2, KorviaShowTargetState::Up) && isAt(3, KorviaShowTargetState::Up) &&
+             block.http.bitrate > 0 && block.udp.bitrate > 0;
+    };
+    QVERIFY(QTest::qWaitFor(hasSettled, 20'000));
+    QStringList names;
+    for (const tagKorviaShowTargetReport& target : targets())
+      names << target.name;
+    QCOMPARE(names, (QStringList{"RTMP Push - 0", "RTMP Push - 1", "HTTP", "UDP"}));
+    // One that has failed and one that is lost leave the others alone.
+    QCOMPARE(report(OutputSlotStream).state, KorviaShowOutputState::Running);
+    QVERIFY(rack_->isRunning(OutputSlotStream));
+    QCOMPARE(targets()[0].reason, QString("the server cannot be reached"));
+    QVERIFY(!targets()[1].reason.isEmpty());
+    QCOMPARE(targets()[2].reason, QString());
+    const tagKorviaOutputStatisticsBlock& block = statistics.blocks[OutputSlotStream];
+    QVERIFY(std::abs(block.http.bitrate - targets()[2].bitrate) < 0.5F * block.http.bitrate);
+    QCOMPARE(block.rtmp[0].bitrate, 0.0F);
+    QCOMPARE(block.hls.bitrate, 0.0F);
+    QCOMPARE(statistics.blocks[OutputSlotRecord].http.bitrate, 0.0F);
+    rack_->stop(OutputSlotStream, OutputKindStream);
+    QTRY_COMPARE_WITH_TIMEOUT(report(OutputSlotStream).state, KorviaShowOutputState::Finished, 20'000);
+    QCOMPARE(report(OutputSlotStream).reason, QString());
+  }
+
+  void aStreamWithoutAnyTargetLeftHasFailed() {
+    tagKorviaShowOutputParam param;
+    param.items[OutputSlotStream].rtmp0Enable = 1;
+    param.items[OutputSlotStream].rtmp0Url = QStringLiteral("ftp://127.0.0.1/");
+    rack_->start(OutputSlotStream, param, {}, {});
+    QTRY_COMPARE_WITH_TIMEOUT(report(OutputSlotStream).state, KorviaShowOutputState::Failed, 20'000);
+    QCOMPARE(report(OutputSlotStream).reason, QString("the address is not one of rtmp, rtmps or srt"));
   }
 
   void slotsThatDoNotExistAreAnsweredAndNothingElse() {

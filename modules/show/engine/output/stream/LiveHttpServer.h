@@ -1,0 +1,56 @@
+// Serves live streams and folders of segments to viewers. One server a port, shared by the targets that use
+// the port, which each add a path. It listens on the loopback; KORVIA_STREAM_LISTEN is a numeric IPv4 address
+// to listen on instead, 0.0.0.0 for all of this machine. Any thread; libmicrohttpd answers on a thread of its
+// own.
+#pragma once
+#include <QString>
+#include <map>
+#include <memory>
+
+#include "LiveFeed.h"
+#include "ThreadSafety.h"
+
+struct MHD_Connection;
+struct MHD_Daemon;
+
+namespace korvia {
+
+class LiveHttpServer {
+ public:
+  /// The server of a port, which begins to listen with its first user and ends with the last. Null, with the
+  /// reason, when the port cannot be had.
+  static std::shared_ptr<LiveHttpServer> at(int port, QString* reason);
+
+  /// Ends all connections.
+  ~LiveHttpServer();
+  LiveHttpServer(const LiveHttpServer&) = delete;
+  LiveHttpServer& operator=(const LiveHttpServer&) = delete;
+
+  /// What is served under a path; both ends of its life are the owner's.
+  struct Content {
+    std::shared_ptr<LiveFeed> feed;     ///< a live stream, or null
+    const char* contentType = nullptr;  ///< of the stream
+    QString folder;                     ///< else the segments and lists in this folder are below the path
+  };
+  /// False when the path is taken.
+  bool add(const QString& path, const Content& content);
+  void remove(const QString& path);
+
+  /// Answers one request. Server thread.
+  int answer(MHD_Connection* connection, const QString& path, const char* method) const;
+
+  /// A path of the settings as it is served: with one slash in front and none at its end.
+  static QString cleanPath(const QString& path);
+
+ private:
+  LiveHttpServer() = default;
+  bool listen(int port, QString* reason);
+  /// The content at the path or, for a folder, above it; `file` is the rest.
+  Content find(const QString& path, QString& file) const EXCLUDES(mutex_);
+
+  MHD_Daemon* daemon_ = nullptr;
+  mutable Mutex mutex_;
+  std::map<QString, Content> contents_ GUARDED_BY(mutex_);  // by path
+};
+
+}  // namespace korvia
