@@ -313,10 +313,9 @@ void KorviaSarnhawk::onChannelSelected(quint64 bus, int channelId) {
 }
 
 void KorviaSarnhawk::onChannelMixReported(int channelId, int audioState) {
-  int index = 0;
-  if (channelId < MediaChannel || getObjectKind(channelId, index) != MediaObjectKind)
+  if (channelId < MediaChannel || channelId > MediaChannel + kMediaChannelMax)
     return;
-  if (GWidgetDisplayObject* strip = _strips->media(index))
+  if (GWidgetDisplayObject* strip = _strips->media(channelId - MediaChannel))
     strip->setAudioState(audioState);
 }
 

@@ -31,9 +31,12 @@ void AudioMixer::setHost(IShowBackendHost* host) {
 void AudioMixer::open(FrameRate rate) {
   rate_ = rate;
   close();
+  isOpen_ = true;
+  publishLevels();
 }
 
 void AudioMixer::close() {
+  isOpen_ = false;
   samplesLeft_ = 0;
   buses_ = {};
   for (Input& input : inputs_) {
@@ -127,7 +130,7 @@ void AudioMixer::publishLevels() {
   MutexLock lock(levelsMutex_);
   for (int slot = 0; slot < kMediaChannelMax; ++slot) {
     levels_.setChannel(slot, inputs_[static_cast<std::size_t>(slot)].meter.level());
-    levels_.setActive(slot, settings_.isHeard(slot, buses_) ? 1 : 0);
+    levels_.setActive(slot, isOpen_ && settings_.isHeard(slot, buses_) ? 1 : 0);
   }
   levels_.setPvm(preview_.level());
   levels_.setPgm(program_.level());

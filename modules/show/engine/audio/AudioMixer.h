@@ -67,6 +67,7 @@ class AudioMixer {
   FrameRate rate_;
   MixerSettings settings_;
   BusChannels buses_;
+  bool isOpen_ = false;
   std::int64_t samplesLeft_ = 0;  // of this tick
   std::array<Input, kSourceSlotCount> inputs_;
   StereoBlock sound_;  // of the channel that is being mixed

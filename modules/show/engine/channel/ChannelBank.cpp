@@ -116,13 +116,13 @@ void ChannelBank::closeSources() {
       old->close();
   }
   active_ = {};
+  leaving_ = {};
+  fades_.fill(std::nullopt);
   waitForClosedSources(kSourceEndMs);
 }
 
 void ChannelBank::beginTick(int ticks) {
-  SourceArray old;
-  if (sources_.refresh(sourcesVersion_, active_, old))
-    janitor_.dispose(std::move(old));
+  fadeOutWhatLeaves(ticks);
   // Every source is pulled, also one that is not on show, so that its clock advances.
   int reduced = 0;
   for (int slot = 0; slot < kSourceSlotCount; ++slot) {
@@ -136,6 +136,22 @@ void ChannelBank::beginTick(int ticks) {
     channels_[slot].beginTick(source ? inRenderSize(source->pullFrame(ticks)) : FrameRef());
   }
   reducedSources_ = reduced;
+}
+
+void ChannelBank::fadeOutWhatLeaves(int ticks) {
+  if (std::exchange(isLeaving_, false)) {
+    janitor_.dispose(std::exchange(leaving_, {}));
+    fades_.fill(std::nullopt);
+  }
+  if (!sources_.refresh(sourcesVersion_, active_, leaving_))
+    return;
+  isLeaving_ = true;
+  for (int slot = 0; slot < kSourceSlotCount; ++slot) {
+    if (!leaving_[slot] || leaving_[slot] == active_[slot])
+      continue;
+    leaving_[slot]->pullFrame(ticks);
+    fades_[slot].emplace(GainRamp::Gain::Full).fadeTo(GainRamp::Gain::Silent);
+  }
 }
 
 // A source keeps the render size of the show that was open when it was opened.
@@ -163,7 +179,16 @@ FrameRef ChannelBank::stripPicture(int channelId) {
 }
 
 bool ChannelBank::pullSound(int slot, StereoSpan piece) {
-  return active_[slot] && active_[slot]->pullSound(piece);
+  const bool sounds = active_[slot] && active_[slot]->pullSound(piece);
+  const StereoSpan tail = fading_.span(piece.samples);
+  if (!fades_[slot] || fades_[slot]->isSilent() || !leaving_[slot]->pullSound(tail))
+    return sounds;
+  fades_[slot]->apply(tail);
+  for (int i = 0; i < piece.samples; ++i) {
+    piece.left[i] = tail.left[i] + (sounds ? piece.left[i] : 0);
+    piece.right[i] = tail.right[i] + (sounds ? piece.right[i] : 0);
+  }
+  return true;
 }
 
 void ChannelBank::keep(int channelId) {

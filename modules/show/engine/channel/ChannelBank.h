@@ -4,11 +4,14 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <optional>
 
 #include "ThreadSafety.h"
 #include "engine/Janitor.h"
 #include "engine/ShowFormat.h"
 #include "engine/audio/ChannelSounds.h"
+#include "engine/audio/GainRamp.h"
+#include "engine/audio/StereoBlock.h"
 #include "engine/channel/Channel.h"
 #include "engine/frame/FramePool.h"
 #include "engine/source/SourceSet.h"
@@ -69,6 +72,9 @@ class ChannelBank final : public ChannelPictures, public ChannelSounds {
 
  private:
   static int slotOf(int channelId);
+  /// A source that was closed or replaced is kept for one tick, so that its sound fades out and does not stop
+  /// in the middle of a wave.
+  void fadeOutWhatLeaves(int ticks);
   FrameRef inRenderSize(FrameRef picture);
 
   Janitor& janitor_;
@@ -76,8 +82,13 @@ class ChannelBank final : public ChannelPictures, public ChannelSounds {
   Mutex formatMutex_;
   ShowFormat format_ GUARDED_BY(formatMutex_);
   SourceSet sources_;
-  SourceArray active_;                              // engine thread: a copy of sources_
-  quint64 sourcesVersion_ = 0;                      // engine thread
+  SourceArray active_;          // engine thread: a copy of sources_
+  quint64 sourcesVersion_ = 0;  // engine thread
+  // Engine thread: the sources of the tick before, and the fades of those that are no more.
+  SourceArray leaving_;
+  std::array<std::optional<GainRamp>, kSourceSlotCount> fades_;
+  StereoBlock fading_;
+  bool isLeaving_ = false;
   std::unique_ptr<FramePool> pool_;                 // engine thread
   std::array<Channel, kSourceSlotCount> channels_;  // engine thread
   std::array<bool, kSourceSlotCount> needed_{};     // engine thread: in the present tick

@@ -130,7 +130,7 @@ class AudioMixerTest : public QObject {
     QTest::addColumn<QString>("what");
     QTest::addColumn<int>("framesPerSecond");
     for (const int rate : {25, 60})
-      for (const char* what : {"cut", "take", "volume", "mute", "bus volume"})
+      for (const char* what : {"cut", "take", "lever", "volume", "mute", "bus volume", "mode", "enable"})
         QTest::addRow("%s at %d", what, rate) << what << rate;
   }
   void neitherCutsNorVolumesSplatter() {
@@ -140,6 +140,10 @@ class AudioMixerTest : public QObject {
     rig.channels.sounds[0] = sine(1000, 0.7);
     rig.channels.sounds[1] = sine(3100, 0.7);
     rig.buses = {kCh1, kCh0};
+    if (what == "enable") {
+      rig.mixer.setMixMode(AudioMixModeManual);
+      rig.mixer.setChannelMix(kCh0, 1);
+    }
     rig.ticks(framesPerSecond / 5);
     rig.program.clear();
     rig.ticks(framesPerSecond / 5);
@@ -151,11 +155,20 @@ class AudioMixerTest : public QObject {
       rig.mixer.setVolume(kCh0, 0);
     else if (what == "bus volume")
       rig.mixer.setVolume(PGMObject, 0.1F);
+    else if (what == "mode")
+      rig.mixer.setMixMode(AudioMixModeManual);
+    else if (what == "enable")
+      rig.mixer.setChannelMix(kCh0, 0);
     for (int i = 0; i < framesPerSecond / 5; ++i) {
       if (what == "take")
         rig.buses = {kCh1, kCh0, kCh1, 5.0 * i / framesPerSecond};
+      // To the middle and back to where it came from.
+      if (what == "lever")
+        rig.buses = {kCh1, kCh0, kCh1, 0.5 - std::abs(0.5 - 5.0 * i / framesPerSecond)};
       rig.tick();
     }
+    if (what == "lever")
+      rig.buses = {kCh1, kCh0};
     if (what == "take")
       rig.buses = {kCh0, kCh1};
     rig.ticks(framesPerSecond / 5);

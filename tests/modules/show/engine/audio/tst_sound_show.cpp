@@ -97,6 +97,8 @@ class SoundShowTest : public QObject {
   void aClosedShowIsSilent() {
     openShow();
     QCOMPARE(flagsAfterATick(), (QVector<int>{1, 0}));
+    post(ShowEventAudioMixMode, 1);
+    QCOMPARE(flagsAfterATick(), (QVector<int>{1, 1}));
     post(ShowEventClose);
     QCOMPARE(flagsAfterATick(), (QVector<int>{0, 0}));
   }

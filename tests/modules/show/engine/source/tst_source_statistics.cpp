@@ -2,7 +2,10 @@
 #include <QImage>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <vector>
 
 #include "engine/Janitor.h"
 #include "engine/channel/ChannelBank.h"
@@ -74,6 +77,53 @@ class SourceStatisticsTest : public QObject {
     QCOMPARE(reduced(), 3);
     bank.setSaving(false);
     QCOMPARE(reduced(), 0);
+  }
+
+  void closedSourceFadesOut_data() {
+    QTest::addColumn<bool>("isReplaced");
+    QTest::newRow("closed") << false;
+    QTest::newRow("replaced") << true;
+  }
+  void closedSourceFadesOut() {
+    QFETCH(bool, isReplaced);
+    Janitor janitor;
+    ChannelBank bank(janitor);
+    ShowFormat format;
+    format.size = {64, 36};
+    bank.open(format);
+    tagKorviaShowSourceInfo bars;
+    bars.kind = SourceKindColor;
+    bars.colorBar = 1;
+    bank.openSource(MediaChannel, bars, {}, nullptr);
+    constexpr int kSamples = kSampleRate / 25 + 12;  // 40 1/4 periods of the tone
+    std::vector<float> sound;
+    const auto tick = [&] {
+      std::vector<float> left(kSamples);
+      std::vector<float> right(kSamples);
+      bank.beginTick(1);
+      const bool sounds = bank.pullSound(0, {left.data(), right.data(), kSamples});
+      sound.insert(sound.end(), left.begin(), left.end());
+      return sounds;
+    };
+    for (int i = 0; i < 3; ++i)
+      QVERIFY(tick());
+    QVERIFY(std::abs(sound.back()) > 0.12F);  // a hard end would be a large step
+    tagKorviaShowSourceInfo silence;
+    silence.kind = SourceKindColor;
+    if (isReplaced)
+      bank.openSource(MediaChannel, silence, {}, nullptr);
+    else
+      bank.closeSource(MediaChannel);
+    QVERIFY(tick());
+    QVERIFY(!tick());
+    double step = 0;
+    for (std::size_t i = 1; i < sound.size(); ++i)
+      step = std::max<double>(step, std::abs(sound[i] - sound[i - 1]));
+    const float loudest = *std::max_element(sound.begin(), sound.end());
+    QVERIFY(loudest > 0.1F);
+    // A tone of 1 kHz moves by 2 pi / 48 of its peak from sample to sample.
+    QVERIFY2(step < loudest * 0.14, qPrintable(QString::number(step / static_cast<double>(loudest))));
+    QVERIFY(sound[sound.size() - kSamples - 1] == 0);
   }
 
   void ratesAreThoseOfAMillisecond() {
