@@ -251,6 +251,9 @@ class DeskControlsTest : public QObject {
 
   void mixButtonsPostTheirMode() {
     ControlsDesk desk;
+    QCOMPARE(desk.button("_autoMixModePushButton")->toolTip(), QString("Audio Mixer - Auto"));
+    QCOMPARE(desk.button("_allMixModePushButton")->toolTip(), QString("Audio Mixer - All Media Source"));
+    QCOMPARE(desk.button("_manulMixModePushButton")->toolTip(), QString("Audio Mixer - Manual"));
     desk.console->savedChanges.clear();
     desk.button("_allMixModePushButton")->click();
     desk.button("_manulMixModePushButton")->click();
@@ -288,6 +291,9 @@ class DeskControlsTest : public QObject {
     QCOMPARE(posted[2].args[0].toInt(), 0x1001);
     QCOMPARE(posted[2].args[1], QVariant(0.5));
     QCOMPARE(desk.config()->audioMixer.pvmVolume, 0.5);
+    // The division is made in float.
+    desk.slider("_pvmVolumeVerticalSlider")->setValue(10);
+    QCOMPARE(desk.config()->audioMixer.pvmVolume, double{0.1F});
   }
 
   void frameTickFeedsTheMeters() {

@@ -296,6 +296,7 @@ class DisplayObjectTest : public QObject {
     // The range runs one past the last channel, which has no strip; other ids are no channels.
     report(0x18);
     report(5);
+    report(0x20);
     report(0x100);
     QVERIFY(desk.button(0x10, "_enableAudioPushButton")->styleSheet().isEmpty());
     QVERIFY(desk.button(0x100, "_enableAudioPushButton")->styleSheet().isEmpty());
