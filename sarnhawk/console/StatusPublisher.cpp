@@ -90,6 +90,7 @@ QJsonObject outputReport(const tagKorviaShowOutputReport& report) {
           {"writtenBytes", report.writtenBytes},
           {"roomSeconds", report.roomSeconds},
           {"verifiedMs", report.verifiedMs},
+          {"warning", report.warning},
           {"targets", targets}};
 }
 

@@ -62,6 +62,8 @@ struct tagKorviaShowOutputReport {
   qint64 roomSeconds = -1;
   /// How far the recording was read from the disk again and found whole; -1 before the first time.
   qint64 verifiedMs = -1;
+  /// Why what was written could not be read from the disk again; empty when it could.
+  QString warning;
   QList<tagKorviaShowTargetReport> targets;
 
   friend bool operator==(const tagKorviaShowOutputReport&, const tagKorviaShowOutputReport&) = default;

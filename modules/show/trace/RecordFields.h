@@ -398,6 +398,7 @@ void visitFields(R& r, V&& visit) {
   visit("writtenBytes", r.writtenBytes);
   visit("roomSeconds", r.roomSeconds);
   visit("verifiedMs", r.verifiedMs);
+  visit("warning", r.warning);
   visit("targets", r.targets);
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "RecordFileName.h"
+#include "RecordingGuard.h"
 #include "RecordingPart.h"
 #include "engine/EngineLog.h"
 
@@ -47,7 +48,9 @@ class FileWriter : public TargetWriter {
   bool mayGoOn() override;
   qint64 bytesWritten() const override;
   TargetLink link() const override;
-  DiskFigures disk() const override { return {nsOfEnded_ + (part_ ? part_->lengthNs() : 0), roomSeconds_}; }
+  DiskFigures disk() const override {
+    return {nsOfEnded_ + (part_ ? part_->lengthNs() : 0), roomSeconds_, verifiedNs_, trouble_};
+  }
   bool takeKeyRequest() override { return std::exchange(wantsKeyFrame_, false); }
   void close(const TargetOutcome& outcome) override;
 
@@ -62,6 +65,7 @@ class FileWriter : public TargetWriter {
   void resumeAt(const Packet& keyFrame);
   void forgetEndedParts();
   void measureRoom(qint64 freeBytes);
+  void askGuard();
 
   FileSettings settings_;
   Wake wake_;
@@ -73,6 +77,9 @@ class FileWriter : public TargetWriter {
   qint64 bytesOfEnded_ = 0;
   qint64 nsOfEnded_ = 0;
   qint64 roomSeconds_ = -1;
+  std::unique_ptr<RecordingGuard> guard_;  // of part_, from its first packet on
+  qint64 verifiedNs_ = -1;
+  QString trouble_;
   bool hasRoomAgain_ = false;  // the pause ends with the next key frame
   bool wantsKeyFrame_ = false;
   bool paused_ = false;
@@ -119,6 +126,8 @@ void FileWriter::cut(const Packet& first) {
 }
 
 void FileWriter::endPart() {
+  askGuard();
+  guard_.reset();
   part_->end();
   nsOfEnded_ += part_->lengthNs();
   ending_.push_back(std::move(part_));
@@ -197,6 +206,18 @@ void FileWriter::forgetEndedParts() {
   ending_.erase(std::remove_if(ending_.begin(), ending_.end(), isOver), ending_.end());
 }
 
+void FileWriter::askGuard() {
+  if (!settings_.container.demuxer || !part_ || !part_->hasBegun())
+    return;
+  if (!guard_)
+    guard_ = std::make_unique<RecordingGuard>(fileName_, settings_.container, settings_.guardInterval);
+  const RecordingGuard::Verdict verdict = guard_->verdict();
+  if (verdict.verifiedNs >= 0)
+    verifiedNs_ = nsOfEnded_ + verdict.verifiedNs;
+  if (!verdict.trouble.isEmpty())
+    trouble_ = verdict.trouble;
+}
+
 void FileWriter::measureRoom(qint64 freeBytes) {
   roomSeconds_ = -1;
   qint64 kbps = 0;
@@ -210,6 +231,7 @@ bool FileWriter::mayGoOn() {
   forgetEndedParts();
   const qint64 free = settings_.freeBytes(QFileInfo(fileName_).path());
   measureRoom(free);
+  askGuard();
   if (part_ && (part_->isOutOfSpace() || (free >= 0 && free < settings_.minimumFreeBytes))) {
     pause(part_->isOutOfSpace() ? QStringLiteral("the disk is full")
                                 : QStringLiteral("the disk is nearly full"));
@@ -223,6 +245,7 @@ bool FileWriter::mayGoOn() {
 
 void FileWriter::close(const TargetOutcome& outcome) {
   const qint64 bytes = bytesWritten();
+  guard_.reset();
   if (part_)
     nsOfEnded_ += part_->lengthNs();
   part_.reset();

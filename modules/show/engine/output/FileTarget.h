@@ -1,6 +1,7 @@
 // A recording: writes packets into files of one of the containers, one after the other. Made on any thread;
 // its own thread does the rest.
 #pragma once
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -21,6 +22,8 @@ struct FileSettings {
   /// The file is closed while at least this much space is left on its disk. The recording goes on in a new
   /// file when there is twice as much.
   qint64 minimumFreeBytes = 64LL * 1024 * 1024;
+  /// The time between two checks in which the file is read back.
+  std::chrono::milliseconds guardInterval{10'000};
   /// Bytes free at a folder, negative when unknown. Called about once a second on the target's own thread.
   std::function<qint64(const QString& folder)> freeBytes;
   TargetSettings target{QStringLiteral("a recording"), "kv-record"};

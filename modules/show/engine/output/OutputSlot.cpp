@@ -76,6 +76,10 @@ tagKorviaShowOutputReport OutputSlot::report() const {
     report.writtenMs = std::max(report.writtenMs, own.disk.writtenNs / 1'000'000);
     report.writtenBytes += own.bytesWritten;
     report.roomSeconds = std::max(report.roomSeconds, own.disk.roomSeconds);
+    if (own.disk.verifiedNs >= 0)
+      report.verifiedMs = std::max(report.verifiedMs, own.disk.verifiedNs / 1'000'000);
+    if (!own.disk.trouble.isEmpty())
+      report.warning = own.disk.trouble;
     const bool ended = own.state == TargetState::Failed || own.state == TargetState::Finished;
     if (ended && report.reason.isEmpty())
       report.reason = own.reason;

@@ -15,13 +15,15 @@ const std::vector<ElementProperty> kFragments = {{"fragment-duration", "500"},
 // clean stop corrects it; in a file that was not stopped players ignore a duration of 0 and look at the end.
 const std::vector<ElementProperty> kNoDuration = {{"duration", "0"}};
 
+const std::vector<ElementProperty> kClusters = {{"max-cluster-duration", "500000000"}};
+
 // The first one is used for unknown numbers.
 const RecordContainer kContainers[] = {
     {EncapsulationMp4, "mp4", "mp4mux", 0, true, kFragments, {}},
     {EncapsulationMov, "mov", "qtmux", 0, true, kFragments, {}},
-    {EncapsulationTs, "ts", "mpegtsmux", -1, false, {}, {}},
-    {EncapsulationFlv, "flv", "flvmux", 0, false, {}, kNoDuration},
-    {EncapsulationMkv, "mkv", "matroskamux", 0, false, {{"max-cluster-duration", "500000000"}}, {}},
+    {EncapsulationTs, "ts", "mpegtsmux", -1, false, {}, {}, "tsdemux"},
+    {EncapsulationFlv, "flv", "flvmux", 0, false, {}, kNoDuration, "flvdemux"},
+    {EncapsulationMkv, "mkv", "matroskamux", 0, false, kClusters, {}, "matroskademux"},
 };
 
 }  // namespace

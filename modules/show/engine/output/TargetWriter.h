@@ -33,6 +33,8 @@ struct TargetLink {
 struct DiskFigures {
   qint64 writtenNs = 0;     ///< of pictures, over all files
   qint64 roomSeconds = -1;  ///< until the disk is full at the bitrate of the tracks; -1 when unknown
+  qint64 verifiedNs = -1;   ///< how far it was read back and is whole; -1 before the first time
+  QString trouble;          ///< why it could not be read back; empty when it could
 };
 
 class TargetWriter {

@@ -222,7 +222,7 @@ class RecordJsonTest : public QObject {
     QCOMPARE(json["loudness"].toObject().size(), 4);
     QCOMPARE(json["outputs"].toArray().size(), 2);
     QCOMPARE(json["outputs"].toArray()[1].toObject()["state"].toInt(), 3);
-    QCOMPARE(json["outputs"].toArray()[1].toObject().size(), 9);
+    QCOMPARE(json["outputs"].toArray()[1].toObject().size(), 10);
     const QJsonObject target = json["outputs"].toArray()[1].toObject()["targets"].toArray()[0].toObject();
     QCOMPARE(target.size(), 6);
     QCOMPARE(target["name"].toString(), QString("Record"));

@@ -1,0 +1,147 @@
+// A recording that is read back from the disk while it grows: how far it is whole, and what is found when it
+// is not.
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "RecordRig.h"
+#include "engine/output/ReadBack.h"
+
+using namespace korvia;
+using namespace korvia::test;
+
+namespace {
+
+constexpr FrameSize kSize{320, 180};
+constexpr int kFinishMs = 12'000;
+constexpr int kFrames = 110;
+
+RecordingSettings settingsFor(const QString& folder, int encapsulation) {
+  RecordingSettings settings;
+  settings.file.folder = folder;
+  settings.file.name = QStringLiteral("take");
+  settings.file.container = RecordContainer::of(encapsulation);
+  settings.encoder.label = QStringLiteral("the recording");
+  settings.encoder.picture.size = kSize;
+  settings.encoder.picture.kbps = 2000;
+  settings.encoder.soundKbps = 128;
+  return settings;
+}
+
+void append(const QString& fileName, const QByteArray& bytes) {
+  QFile file(fileName);
+  QVERIFY(file.open(QIODevice::Append));
+  file.write(bytes);
+}
+
+}  // namespace
+
+class ReadBackTest : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() { gst_init(nullptr, nullptr); }
+
+  void recordingIsVerifiedWhileItGrows_data() {
+    QTest::addColumn<int>("encapsulation");
+    QTest::newRow("ts") << int(EncapsulationTs);
+    QTest::newRow("flv") << int(EncapsulationFlv);
+    QTest::newRow("mkv") << int(EncapsulationMkv);
+  }
+  void recordingIsVerifiedWhileItGrows() {
+    QFETCH(int, encapsulation);
+    QTemporaryDir folder;
+    RecordingSettings settings = settingsFor(folder.path(), encapsulation);
+    settings.file.guardInterval = std::chrono::milliseconds(100);
+    Recording recording(settings);
+    FramePool pool(kSize);
+    QCOMPARE(recording.slot().report().verifiedMs, qint64(-1));
+    int pushed = 0;
+    const auto isVerifiedTo = [&](qint64 ms) {
+      return QTest::qWaitFor(
+          [&] {
+            return feedFrames(recording.slot(), pool, pushed++, 1) &&
+                   recording.slot().report().verifiedMs >= ms;
+          },
+          kFinishMs);
+    };
+    QVERIFY(isVerifiedTo(1000));
+    QVERIFY(isVerifiedTo(3000));
+    const tagKorviaShowOutputReport report = recording.slot().report();
+    QCOMPARE(report.warning, QString());
+    QVERIFY(report.verifiedMs <= pushed * 40);
+    recording.finish();
+    QVERIFY(recording.waitFinished(kFinishMs));
+    QCOMPARE(recording.slot().report().warning, QString());
+  }
+
+  void fileThatIsGoneIsReported() {
+    QTemporaryDir folder;
+    RecordingSettings settings = settingsFor(folder.path(), EncapsulationTs);
+    settings.file.guardInterval = std::chrono::milliseconds(100);
+    Recording recording(settings);
+    FramePool pool(kSize);
+    int pushed = 0;
+    const auto feedUntil = [&](auto condition) {
+      return QTest::qWaitFor([&] { return feedFrames(recording.slot(), pool, pushed++, 1) && condition(); },
+                             kFinishMs);
+    };
+    QVERIFY(feedUntil([&] { return recording.slot().report().verifiedMs > 0; }));
+    QTest::ignoreMessage(
+        QtWarningMsg,
+        QRegularExpression("what was written to \".*take.ts\" cannot be read back : the file cannot"));
+    QVERIFY(QFile::remove(recording.fileName()));
+    QVERIFY(feedUntil([&] { return !recording.slot().report().warning.isEmpty(); }));
+    // The recording itself goes on.
+    QCOMPARE(recording.slot().report().state, KorviaShowOutputState::Running);
+  }
+
+  void damageIsFound_data() {
+    QTest::addColumn<int>("encapsulation");
+    QTest::addColumn<QString>("damage");
+    QTest::newRow("no container") << int(EncapsulationMkv) << "noise";
+    QTest::newRow("no pictures") << int(EncapsulationTs) << "stuffing";
+    QTest::newRow("shorter") << int(EncapsulationTs) << "shorter";
+    QTest::newRow("gone") << int(EncapsulationTs) << "gone";
+  }
+  void damageIsFound() {
+    QFETCH(int, encapsulation);
+    QFETCH(QString, damage);
+    QTemporaryDir folder;
+    const RecordingSettings settings = settingsFor(folder.path(), encapsulation);
+    QString original;
+    {
+      Recording recording(settings);
+      FramePool pool(kSize);
+      QVERIFY(feedFrames(recording.slot(), pool, 0, kFrames));
+      recording.finish();
+      QVERIFY(recording.waitFinished(kFinishMs));
+      original = recording.fileName();
+    }
+    QFile file(original);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QByteArray bytes = file.readAll();
+    const QString copy = folder.filePath("copy");
+    const int half = bytes.size() / 2 / 188 * 188;
+    ReadBack reader(copy, settings.file.container);
+    append(copy, bytes.left(half));
+    QVERIFY2(reader.readOn(), qPrintable(reader.failure()));
+    QVERIFY(reader.lengthNs() > 500'000'000);
+    if (damage == "noise") {
+      append(copy, QByteArray(2'000'000, '\x55'));
+    } else if (damage == "stuffing") {
+      // Null packets carry nothing.
+      const QByteArray stuffing = QByteArray("\x47\x1f\xff\x10", 4) + QByteArray(184, '\xff');
+      append(copy, stuffing.repeated(8000));
+    } else if (damage == "shorter") {
+      QVERIFY(QFile::resize(copy, half - 188));
+    } else {
+      QVERIFY(QFile::remove(copy));
+    }
+    QVERIFY(!reader.readOn());
+    QVERIFY(!reader.failure().isEmpty());
+  }
+};
+
+QTEST_GUILESS_MAIN(ReadBackTest)
+#include "tst_read_back.moc"
