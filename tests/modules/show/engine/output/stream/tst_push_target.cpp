@@ -91,6 +91,22 @@ class PushTargetTest : public QObject {
     QCOMPARE(live.slot().report().state, KorviaShowOutputState::Finished);
   }
 
+  void anEndDoesNotWaitForAFrozenServer() {
+    RtmpServer server;
+    QVERIFY(server.start());
+    const auto push =
+        std::make_shared<PushTarget>(PushSettings{TargetKind::Rtmp0, server.url("program"), {}});
+    LiveSlot live({push}, 4000);
+    QVERIFY(live.waitFor(KorviaShowTargetState::Up));
+    server.freeze();
+    // The server's end of the connection is full after some time.
+    QTRY_VERIFY(push->figures().queuedNs > 500'000'000);
+    live.stop();
+    live.slot().finish();
+    QVERIFY(live.slot().waitFinished(2500));
+    QCOMPARE(live.slot().report().state, KorviaShowOutputState::Finished);
+  }
+
   void aServerThatNeverAnswersIsLeftSoon() {
     QTcpServer silent;
     QVERIFY(silent.listen(QHostAddress::LocalHost));
