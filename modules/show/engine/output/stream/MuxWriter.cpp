@@ -78,7 +78,15 @@ TargetWriter::Progress MuxWriter::progress() const {
   return mux_->isEnded() ? Progress::Ended : Progress::Open;
 }
 
+bool MuxWriter::mayGoOn() {
+  if (plan_.check)
+    trouble_ = plan_.check();
+  return trouble_.isEmpty();
+}
+
 QString MuxWriter::failure() const {
+  if (!trouble_.isEmpty())
+    return trouble_;
   if (!mux_)
     return plan_.problem.isEmpty() ? plan_.obstacle : plan_.problem;
   for (const FailureText& entry : kFailureTexts) {
