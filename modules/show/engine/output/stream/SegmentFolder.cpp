@@ -18,8 +18,8 @@ bool renameOver(const QString& from, const QString& to) {
 
 }  // namespace
 
-SegmentFolder::SegmentFolder(QString folder, int listed, qint64 targetNs)
-    : folder_(QDir::cleanPath(std::move(folder))),
+SegmentFolder::SegmentFolder(const QString& folder, int listed, qint64 targetNs)
+    : folder_(QDir::cleanPath(folder)),
       startSeconds_(QDateTime::currentSecsSinceEpoch()),
       list_(listed, targetNs) {}
 

@@ -13,7 +13,7 @@ class SegmentFolder {
   /// The list in the folder.
   static constexpr char kListName[] = "index.m3u8";
 
-  SegmentFolder(QString folder, int listed, qint64 targetNs);
+  SegmentFolder(const QString& folder, int listed, qint64 targetNs);
 
   /// Makes the folder and removes what an earlier stream left in it. False when there is no such folder.
   bool prepare();
