@@ -70,6 +70,23 @@ class PushTargetTest : public QObject {
     QVERIFY(!verdict.pts.isEmpty() && verdict.keyFrames.value(0, -1) == 0);
   }
 
+  void stampsBeginAt0AfterAReconnect() {
+    // This server ends after some frames, and tells their stamps as they came.
+    const QString url = QString("rtmp://127.0.0.1:%1/live/program").arg(freePort());
+    LiveSlot live({std::make_shared<PushTarget>(settingsFor(url))});
+    for (int i = 0; i < 2; ++i) {
+      const QString fileName = folder_.filePath(QString("stamps%1.flv").arg(i));
+      QProcess server;
+      server.start("ffmpeg", {"-v", "error", "-listen", "1", "-i", url, "-frames:v", "30", "-c", "copy",
+                              "-copyts", "-y", fileName});
+      QVERIFY(server.waitForFinished(15'000));
+      const VideoVerdict verdict = VideoJudge::judge(fileName);
+      QVERIFY(verdict.frames >= 25);
+      QCOMPARE(verdict.keyFrames.value(0, -1), 0);
+      QVERIFY2(verdict.pts[0] < 0.1, qPrintable(QString::number(verdict.pts[0])));
+    }
+  }
+
   void aFrozenServerIsGivenUpAndNobodyElseNotices() {
     RtmpServer server;
     QVERIFY(server.start());
