@@ -93,7 +93,8 @@ QString MuxWriter::failure() const {
     if (entry.error == mux_->resourceError())
       return QString::fromLatin1(entry.text);
   }
-  return QStringLiteral("the stream cannot be sent");
+  // What is left is about the parts of the pipeline, as an element that is not installed.
+  return mux_->resourceError() == 0 ? mux_->failure() : QStringLiteral("the stream cannot be sent");
 }
 
 void MuxWriter::close(const TargetOutcome&) {
