@@ -111,7 +111,7 @@ OutputFigures OutputSlot::figures() const {
   figures.samplesPerSecond = encoder.samplesPerSecond;
   for (const std::shared_ptr<Target>& target : targets_) {
     const TargetFigures own = target->figures();
-    figures.up = figures.up || own.state == TargetState::Up;
+    figures.up = figures.up || own.state == TargetState::Up || own.state == TargetState::Lost;
     figures.framesDropped += own.framesDropped;
     figures.bytesWritten += own.bytesWritten;
     figures.kbps[static_cast<std::size_t>(target->kind())] = own.kbps;

@@ -13,7 +13,7 @@
 namespace korvia {
 
 struct OutputFigures {
-  bool up = false;  ///< a target is up
+  bool up = false;  ///< a target is up, or lost and tried again
   qint64 framesEncoded = 0;
   qint64 framesDropped = 0;                ///< by the encoder and by the targets
   qint64 bytesWritten = 0;                 ///< by all targets

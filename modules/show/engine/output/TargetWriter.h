@@ -62,6 +62,9 @@ class TargetWriter {
   /// for the queued packets to be written.
   virtual bool mayGoOn() { return true; }
   virtual qint64 bytesWritten() const = 0;
+  /// Whether an end that is not written in time is a failure. A file would be incomplete; a server that hangs
+  /// gets no end.
+  virtual bool needsEnd() const { return true; }
   /// Takes no lock.
   virtual TargetLink link() const {
     return {bytesWritten() > 0 ? TargetLink::State::Up : TargetLink::State::Connecting, {}, 0};

@@ -1,6 +1,7 @@
 #include "HlsPlaylist.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace korvia {
 
@@ -43,14 +44,24 @@ QByteArray HlsPlaylist::text() const {
   return text;
 }
 
+void HlsPlaylist::dropFirst() {
+  ++removed_;
+  removedBreaks_ += segments_.front().join == Join::Breaks ? 1 : 0;
+  segments_.pop_front();
+}
+
+void HlsPlaylist::dropMissing(const std::function<bool(const QString& name)>& exists) {
+  const auto missing = std::find_if(segments_.rbegin(), segments_.rend(),
+                                    [&exists](const Segment& segment) { return !exists(segment.name); });
+  for (auto count = std::distance(missing, segments_.rend()); count > 0; --count)
+    dropFirst();
+}
+
 QStringList HlsPlaylist::takeOutdated() {
   QStringList outdated;
   while (segments_.size() > 2 * listed_ + 1) {
-    const Segment& first = segments_.front();
-    outdated.append(first.name);
-    ++removed_;
-    removedBreaks_ += first.join == Join::Breaks ? 1 : 0;
-    segments_.pop_front();
+    outdated.append(segments_.front().name);
+    dropFirst();
   }
   return outdated;
 }

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 #include <deque>
+#include <functional>
 
 namespace korvia {
 
@@ -20,6 +21,8 @@ class HlsPlaylist {
   /// No segment follows.
   void end() { ended_ = true; }
   bool isEmpty() const { return segments_.empty(); }
+  /// Drops the segments up to the newest one that does not exist any more.
+  void dropMissing(const std::function<bool(const QString& name)>& exists);
   QByteArray text() const;
   /// The segments that no player asks for any more, once. A segment stays for the length of the longest list
   /// that it stood in and its own length (RFC 8216, 6.2.2).
@@ -33,6 +36,7 @@ class HlsPlaylist {
   };
 
   std::size_t listBegin() const;
+  void dropFirst();
 
   const std::size_t listed_;
   qint64 longestNs_;

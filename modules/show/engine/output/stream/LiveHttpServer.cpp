@@ -174,7 +174,7 @@ std::shared_ptr<LiveHttpServer> LiveHttpServer::at(int port, QString* reason) {
   MutexLock lock(all.mutex);
   if (std::shared_ptr<LiveHttpServer> server = all.byPort[port].lock())
     return server;
-  const std::shared_ptr<LiveHttpServer> server(new LiveHttpServer);
+  std::shared_ptr<LiveHttpServer> server(new LiveHttpServer);
   if (!server->listen(port, reason))
     return nullptr;
   all.byPort[port] = server;

@@ -78,14 +78,23 @@ TargetWriter::Progress MuxWriter::progress() const {
   return mux_->isEnded() ? Progress::Ended : Progress::Open;
 }
 
+bool MuxWriter::mayGoOn() {
+  if (plan_.check)
+    trouble_ = plan_.check();
+  return trouble_.isEmpty();
+}
+
 QString MuxWriter::failure() const {
+  if (!trouble_.isEmpty())
+    return trouble_;
   if (!mux_)
     return plan_.problem.isEmpty() ? plan_.obstacle : plan_.problem;
   for (const FailureText& entry : kFailureTexts) {
     if (entry.error == mux_->resourceError())
       return QString::fromLatin1(entry.text);
   }
-  return QStringLiteral("the stream cannot be sent");
+  // What is left is about the parts of the pipeline, as an element that is not installed.
+  return mux_->resourceError() == 0 ? mux_->failure() : QStringLiteral("the stream cannot be sent");
 }
 
 void MuxWriter::close(const TargetOutcome&) {

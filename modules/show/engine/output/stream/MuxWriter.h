@@ -1,6 +1,7 @@
 // Writes packets through a muxer into a sink element that sends them. Thread of the target.
 #pragma once
 #include <QByteArrayList>
+#include <functional>
 #include <memory>
 
 #include "engine/output/MuxPipeline.h"
@@ -15,6 +16,9 @@ struct MuxPlan {
   QByteArrayList texts;  ///< that properties of the sink point into
   QString problem;       ///< why it cannot start with these settings, ever; empty when it can
   QString obstacle;      ///< why it cannot start now, which may change; empty when it can
+  /// Called once a second while it runs: why it cannot go on, or nothing. For sinks that do not tell it
+  /// themselves; may be empty.
+  std::function<QString()> check = nullptr;
 
   static const RecordContainer& flv();
   /// MPEG-TS in blocks that fit into datagrams.
@@ -37,12 +41,14 @@ class MuxWriter : public TargetWriter {
   void end() override { mux_->endStream(); }
   Progress progress() const override;
   QString failure() const override;
+  bool mayGoOn() override;
   qint64 bytesWritten() const override { return mux_ ? mux_->bytesTaken() : bytesTaken_; }
   void close(const TargetOutcome& outcome) override;
 
  private:
   const MuxPlan plan_;
   Wake wake_;
+  QString trouble_;  // that the check of the plan has found
   std::unique_ptr<MuxPipeline> mux_;
   qint64 bytesTaken_ = 0;
 };

@@ -41,6 +41,7 @@ class RetryingWriter : public TargetWriter {
   QString failure() const override { return reason_; }
   bool mayGoOn() override;
   qint64 bytesWritten() const override;
+  bool needsEnd() const override { return false; }
   TargetLink link() const override;
   bool takeKeyRequest() override;
   void close(const TargetOutcome& outcome) override;

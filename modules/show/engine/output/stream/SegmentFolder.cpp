@@ -18,16 +18,19 @@ bool renameOver(const QString& from, const QString& to) {
 
 }  // namespace
 
-SegmentFolder::SegmentFolder(QString folder, int listed, qint64 targetNs)
-    : folder_(QDir::cleanPath(std::move(folder))),
+SegmentFolder::SegmentFolder(const QString& folder, int listed, qint64 targetNs)
+    : folder_(QDir::cleanPath(folder)),
       startSeconds_(QDateTime::currentSecsSinceEpoch()),
       list_(listed, targetNs) {}
 
 bool SegmentFolder::prepare() {
   if (!QDir().mkpath(folder_))
     return false;
-  if (!list_.isEmpty())
+  if (isPrepared_) {
+    list_.dropMissing([this](const QString& name) { return QFile::exists(in(name)); });
     return true;
+  }
+  isPrepared_ = true;
   QDir folder(folder_);
   const QStringList left =
       folder.entryList({QStringLiteral("segment-*-*.ts"), QStringLiteral("segment-*-*.ts.tmp"),
@@ -44,7 +47,10 @@ bool SegmentFolder::begin(qint64 ptsNs) {
   name_ = QStringLiteral("segment-%1-%2.ts").arg(startSeconds_).arg(number_++, 6, 10, QLatin1Char('0'));
   beginNs_ = ptsNs;
   file_ = std::make_unique<QFile>(in(name_) + QLatin1String(kUnfinished));
-  return file_->open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+  if (file_->open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+    return true;
+  file_.reset();
+  return false;
 }
 
 bool SegmentFolder::write(const QByteArray& data) {

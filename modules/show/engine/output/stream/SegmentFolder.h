@@ -13,9 +13,10 @@ class SegmentFolder {
   /// The list in the folder.
   static constexpr char kListName[] = "index.m3u8";
 
-  SegmentFolder(QString folder, int listed, qint64 targetNs);
+  SegmentFolder(const QString& folder, int listed, qint64 targetNs);
 
-  /// Makes the folder and removes what an earlier stream left in it. False when there is no such folder.
+  /// Makes the folder, and the first time removes what an earlier stream left in it. Later it looks which
+  /// segments are still there. False when the folder cannot be made.
   bool prepare();
 
   // All of these are false when the disk does not take what is written.
@@ -40,6 +41,7 @@ class SegmentFolder {
   qint64 beginNs_ = 0;
   qint64 number_ = 0;
   bool isAfterBreak_ = false;
+  bool isPrepared_ = false;
 };
 
 }  // namespace korvia

@@ -66,6 +66,28 @@ QByteArray reachableAddress(const QString& name, int port, const Interface& from
   return isReachable ? QByteArray(numbers) : QByteArray();
 }
 
+/// How datagrams get to an address.
+struct Way {
+  Interface from;      ///< empty for the system's choice
+  QByteArray address;  ///< in numbers
+  QString obstacle;    ///< why there is no way; empty when there is one
+};
+
+Way findWay(const QString& address, int port, const QString& bindInterface) {
+  Way way;
+  if (!bindInterface.trimmed().isEmpty()) {
+    way.from = findInterface(bindInterface);
+    if (way.from.name.isEmpty()) {
+      way.obstacle = QStringLiteral("the network interface is not there");
+      return way;
+    }
+  }
+  way.address = reachableAddress(address, port, way.from);
+  if (way.address.isEmpty())
+    way.obstacle = QStringLiteral("there is no way to the address");
+  return way;
+}
+
 TargetSettings targetSettings() {
   TargetSettings target{targetName(TargetKind::Udp), "kv-udp"};
   target.kind = TargetKind::Udp;
@@ -101,30 +123,25 @@ MuxPlan UdpTarget::planFor(const UdpSettings& settings) {
     plan.problem = QStringLiteral("the address is not complete");
     return plan;
   }
-  Interface from;
-  if (!settings.bindInterface.trimmed().isEmpty()) {
-    from = findInterface(settings.bindInterface);
-    if (from.name.isEmpty())
-      plan.obstacle = QStringLiteral("the network interface is not there");
-  }
-  const QByteArray address =
-      plan.obstacle.isEmpty() ? reachableAddress(settings.address, settings.port, from) : QByteArray();
-  if (plan.obstacle.isEmpty() && address.isEmpty())
-    plan.obstacle = QStringLiteral("there is no way to the address");
-
+  const Way way = findWay(settings.address, settings.port, settings.bindInterface);
+  plan.obstacle = way.obstacle;
+  // The name is not looked up again while it runs, which may take long.
+  plan.check = [to = QString::fromLatin1(way.address), port = settings.port, from = settings.bindInterface] {
+    return findWay(to, port, from).obstacle;
+  };
   // The packets come at the pace of the encoder.
   plan.sink = {"udpsink",
                "host",
-               address,
+               way.address,
                {{"sync", "false"}, {"async", "false"}, {"enable-last-sample", "false"}},
                {}};
   plan.setText("port", QByteArray::number(settings.port));
   const QByteArray ttl = QByteArray::number(std::clamp(settings.ttl, 1, 255));
   plan.setText("ttl", ttl);
   plan.setText("ttl-mc", ttl);
-  if (!from.name.isEmpty()) {
-    plan.setText("multicast-iface", from.name);
-    plan.setText("bind-address", from.address);
+  if (!way.from.name.isEmpty()) {
+    plan.setText("multicast-iface", way.from.name);
+    plan.setText("bind-address", way.from.address);
   }
   return plan;
 }

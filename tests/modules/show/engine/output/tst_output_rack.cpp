@@ -235,6 +235,20 @@ class OutputRackTest : public QObject {
     QCOMPARE(report(OutputSlotStream).reason, QString());
   }
 
+  void aStreamThatIsLostStillRuns() {
+    // A closed terminal may not end the program while a server is away for a moment.
+    tagKorviaShowOutputParam param;
+    param.items[OutputSlotStream].rtmp0Enable = 1;
+    param.items[OutputSlotStream].rtmp0Url = QString("rtmp://127.0.0.1:%1/live/key").arg(freePort());
+    rack_->start(OutputSlotStream, param, {}, {});
+    const auto isLost = [&] {
+      push(1);
+      return report(OutputSlotStream).targets[0].state == KorviaShowTargetState::Lost;
+    };
+    QVERIFY(QTest::qWaitFor(isLost, 20'000));
+    QVERIFY(rack_->isRunning(OutputSlotStream));
+  }
+
   void aStreamWithoutAnyTargetLeftHasFailed() {
     tagKorviaShowOutputParam param;
     param.items[OutputSlotStream].rtmp0Enable = 1;

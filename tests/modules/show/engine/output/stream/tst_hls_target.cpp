@@ -46,7 +46,11 @@ class HlsTargetTest : public QObject {
     settings.retry.longestMs = 200;
     return settings;
   }
-  static QByteArray listAt(int port) { return request(port, "GET", "/hls/0/index.m3u8").body; }
+  /// Empty as long as there is none.
+  static QByteArray listAt(int port) {
+    const HttpReply reply = request(port, "GET", "/hls/0/index.m3u8");
+    return reply.status == 200 ? reply.body : QByteArray();
+  }
   static bool waitForSegments(int port, int count) {
     return QTest::qWaitFor([&] { return segmentsIn(listAt(port)).size() >= count; }, 15'000);
   }
@@ -134,6 +138,18 @@ class HlsTargetTest : public QObject {
     for (const char* path : {"/hls/0/secret.txt", "/hls/0/link.ts", "/hls/0/../link.ts",
                              "/hls/0/%2e%2e/link.ts", "/hls/0/", "/hls/0", "/hls/0/none.ts"})
       QVERIFY2(request(settings.port, "GET", path).status == 404, path);
+  }
+
+  void aFolderThatIsRemovedIsMadeAgain() {
+    const HlsSettings settings = settingsFor(freePort());
+    LiveSlot live({std::make_shared<HlsTarget>(settings)});
+    QVERIFY(waitForSegments(settings.port, 1));
+    QVERIFY(QDir(settings.folder).removeRecursively());
+    QVERIFY(live.waitFor(KorviaShowTargetState::Lost));
+    QCOMPARE(live.report().reason, QString("the segments cannot be written"));
+    QVERIFY(waitForSegments(settings.port, 1));
+    for (const ListedSegment& segment : segmentsIn(listAt(settings.port)))
+      QCOMPARE(request(settings.port, "HEAD", "/hls/0/" + segment.name).status, 200);
   }
 
   void aFolderThatCannotBeMadeIsTriedAgain() {

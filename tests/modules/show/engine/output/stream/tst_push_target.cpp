@@ -70,6 +70,23 @@ class PushTargetTest : public QObject {
     QVERIFY(!verdict.pts.isEmpty() && verdict.keyFrames.value(0, -1) == 0);
   }
 
+  void stampsBeginAt0AfterAReconnect() {
+    // This server ends after some frames, and tells their stamps as they came.
+    const QString url = QString("rtmp://127.0.0.1:%1/live/program").arg(freePort());
+    LiveSlot live({std::make_shared<PushTarget>(settingsFor(url))});
+    for (int i = 0; i < 2; ++i) {
+      const QString fileName = folder_.filePath(QString("stamps%1.flv").arg(i));
+      QProcess server;
+      server.start("ffmpeg", {"-v", "error", "-listen", "1", "-i", url, "-frames:v", "30", "-c", "copy",
+                              "-copyts", "-y", fileName});
+      QVERIFY(server.waitForFinished(15'000));
+      const VideoVerdict verdict = VideoJudge::judge(fileName);
+      QVERIFY(verdict.frames >= 25);
+      QCOMPARE(verdict.keyFrames.value(0, -1), 0);
+      QVERIFY2(verdict.pts[0] < 0.1, qPrintable(QString::number(verdict.pts[0])));
+    }
+  }
+
   void aFrozenServerIsGivenUpAndNobodyElseNotices() {
     RtmpServer server;
     QVERIFY(server.start());
@@ -88,6 +105,22 @@ class PushTargetTest : public QObject {
     QVERIFY(live.slot().waitFinished(5000));
     QCOMPARE(other->figures().framesDropped, qint64(0));
     QCOMPARE(live.slot().figures().framesDropped, qint64(0));
+    QCOMPARE(live.slot().report().state, KorviaShowOutputState::Finished);
+  }
+
+  void anEndDoesNotWaitForAFrozenServer() {
+    RtmpServer server;
+    QVERIFY(server.start());
+    const auto push =
+        std::make_shared<PushTarget>(PushSettings{TargetKind::Rtmp0, server.url("program"), {}});
+    LiveSlot live({push}, 4000);
+    QVERIFY(live.waitFor(KorviaShowTargetState::Up));
+    server.freeze();
+    // The server's end of the connection is full after some time.
+    QTRY_VERIFY(push->figures().queuedNs > 500'000'000);
+    live.stop();
+    live.slot().finish();
+    QVERIFY(live.slot().waitFinished(2500));
     QCOMPARE(live.slot().report().state, KorviaShowOutputState::Finished);
   }
 

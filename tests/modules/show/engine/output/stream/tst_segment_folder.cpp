@@ -104,6 +104,19 @@ class SegmentFolderTest : public QObject {
     QCOMPARE(list().count("#EXT-X-DISCONTINUITY\n"), 1);
   }
 
+  void whatSomebodyRemovesIsListedNoMore() {
+    SegmentFolder folder(path(), 3, kSecondNs);
+    QVERIFY(folder.prepare());
+    for (int i = 0; i < 4; ++i)
+      QVERIFY(folder.begin(i * kSecondNs));
+    QCOMPARE(namedIn(list()).size(), 3);
+    QVERIFY(QFile::remove(path() + '/' + segments()[1]));
+    QVERIFY(folder.prepare());
+    QVERIFY(folder.interrupt(4 * kSecondNs));
+    QCOMPARE(namedIn(list()), segments().mid(1));  // the first was there, and before one that was not
+    QVERIFY(list().contains("#EXT-X-MEDIA-SEQUENCE:2\n"));
+  }
+
   void theLongestSegmentIsTold() {
     HlsPlaylist list(3, 2 * kSecondNs);
     list.add("a", 2'400'000'000, HlsPlaylist::Join::Continues);

@@ -88,6 +88,34 @@ class UdpTargetTest : public QObject {
     QCOMPARE(live.report().reason, QString("there is no way to the address"));
   }
 
+  void aWayThatGoesAwayIsALoss() {
+    const auto isGone = std::make_shared<std::atomic<bool>>(false);
+    const UdpSettings settings = settingsFor(freePort());
+    RetrySettings retry = settings.retry;
+    retry.label = QStringLiteral("UDP");
+    const auto make = [settings, isGone] {
+      MuxPlan plan = UdpTarget::planFor(settings);
+      plan.check = [isGone] { return *isGone ? QStringLiteral("gone") : QString(); };
+      return std::make_unique<MuxWriter>(plan);
+    };
+    LiveSlot live({std::make_shared<Target>(TargetSettings{QStringLiteral("UDP")},
+                                            std::make_unique<RetryingWriter>(retry, make))});
+    QVERIFY(live.waitFor(KorviaShowTargetState::Up));
+    *isGone = true;
+    QVERIFY(live.waitFor(KorviaShowTargetState::Lost));
+    QCOMPARE(live.report().reason, QString("gone"));
+    *isGone = false;
+    QVERIFY(live.waitFor(KorviaShowTargetState::Up));
+  }
+
+  void theWayIsLookedUpWhileItRuns() {
+    const MuxPlan plan = UdpTarget::planFor(settingsFor(8000));
+    QCOMPARE(plan.check(), QString());
+    UdpSettings settings = settingsFor(8000);
+    settings.bindInterface = QStringLiteral("nosuch0");
+    QCOMPARE(UdpTarget::planFor(settings).check(), QString("the network interface is not there"));
+  }
+
   void anEmptyAddressFails() {
     UdpSettings settings = settingsFor(8000);
     settings.address.clear();
