@@ -11,6 +11,16 @@
 
 namespace {
 
+tagKorviaShowOutputReport reportOf(KorviaShowOutputState state, const QString& reason,
+                                   const QString& fileName, qint64 droppedFrames) {
+  tagKorviaShowOutputReport report;
+  report.state = state;
+  report.reason = reason;
+  report.fileName = fileName;
+  report.droppedFrames = droppedFrames;
+  return report;
+}
+
 class OpenDesk : public ConsoleDesk {
  public:
   OpenDesk() {
@@ -34,8 +44,8 @@ class OpenDesk : public ConsoleDesk {
   }
   void tick() { console->onWorkTimer(); }
   void failRecording() {
-    output(OutputSlotRecord) = {KorviaShowOutputState::Failed, "no space left on device",
-                                "/records/vod/0/evening.mp4", 0};
+    output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Failed, "no space left on device", "/records/vod/0/evening.mp4", 0);
     tick();
   }
   QJsonObject outputsOnBoard() const {
@@ -114,7 +124,8 @@ class OutputWatchTest : public QObject {
     desk.failRecording();
     desk.click(desk.record());
     QVERIFY(!desk.notice()->isVisible());
-    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0};
+    desk.output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0);
     desk.tick();
     QVERIFY(!desk.notice()->isVisible());
     QVERIFY(desk.record()->isChecked());
@@ -149,7 +160,8 @@ class OutputWatchTest : public QObject {
     desk.click(desk.record());
     QVERIFY(desk.record()->isEnabled());
     QCOMPARE(details(), QString("A recording is running"));
-    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0};
+    desk.output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0);
     desk.tick();
     QCOMPARE(details(), QString("A recording is running: night.mp4"));
   }
@@ -183,7 +195,8 @@ class OutputWatchTest : public QObject {
   void lostFramesAreToldOncePerRecording() {
     OpenDesk desk;
     desk.click(desk.record());
-    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/evening.mp4", 3};
+    desk.output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Running, {}, "/records/vod/0/evening.mp4", 3);
     desk.tick();
     QCOMPARE(desk.notice()->text(), QString("Frames lost in the recording: 3 - evening.mp4"));
     QVERIFY(desk.record()->isChecked());
@@ -198,7 +211,8 @@ class OutputWatchTest : public QObject {
     desk.failRecording();
     QVERIFY(desk.notice()->isVisible());
     desk.click(desk.record());
-    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 1};
+    desk.output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 1);
     desk.tick();
     QCOMPARE(desk.notice()->text(), QString("Frames lost in the recording: 1 - night.mp4"));
   }
@@ -207,7 +221,7 @@ class OutputWatchTest : public QObject {
     OpenDesk desk;
     desk.click(desk.stream());
     desk.click(desk.record());
-    desk.output(OutputSlotStream) = {KorviaShowOutputState::Failed, "connection refused", {}, 0};
+    desk.output(OutputSlotStream) = reportOf(KorviaShowOutputState::Failed, "connection refused", {}, 0);
     desk.tick();
     QVERIFY(!desk.stream()->isChecked());
     QVERIFY(desk.record()->isChecked());
