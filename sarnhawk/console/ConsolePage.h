@@ -20,6 +20,7 @@ enum class PagePlace {
   Transport,
   StatisticsFetch,
   OutputWatch,
+  OutputSettings,
   StatisticsWindow,
   StatusPublisher,
   SoundControl,
