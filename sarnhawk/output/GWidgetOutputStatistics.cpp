@@ -97,6 +97,8 @@ void GWidgetOutputStatistics::createTable() {
   table->setColumnCount(ColumnCount);
   table->setHorizontalHeaderLabels(
       {tr("Index"), tr("Video Size"), tr("Video Fps"), tr("Audio Rate"), tr("V-A Drift"), tr("Source")});
+  for (const auto& [column, width] : kColumnWidths)
+    table->setColumnWidth(column, width);
   table->horizontalHeader()->setSectionResizeMode(Source, QHeaderView::Stretch);
   const int channels = std::min(_priv->getConfig()->engineInfo.mediaChannelCount, kMediaChannelMax);
   table->setRowCount(channels);

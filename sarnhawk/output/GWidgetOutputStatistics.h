@@ -42,6 +42,14 @@ class GWidgetOutputStatistics : public GToolWindow {
 
  private:
   enum Column { Index, VideoSize, VideoFps, AudioRate, Drift, Source, ColumnCount };
+  struct ColumnWidth {
+    Column column;
+    int pixels;
+  };
+  /// What is left belongs to the source.
+  static constexpr ColumnWidth kColumnWidths[] = {
+      {Index, 52}, {VideoSize, 96}, {VideoFps, 80}, {AudioRate, 84}, {Drift, 76}};
+
   /// A row of the table, which owns the items.
   using Row = std::array<QTableWidgetItem*, ColumnCount>;
 
