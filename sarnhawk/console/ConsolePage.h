@@ -20,6 +20,7 @@ enum class PagePlace {
   Transport,
   StatisticsFetch,
   OutputWatch,
+  OutputStatus,
   OutputSettings,
   StatisticsWindow,
   StatusPublisher,

@@ -16,10 +16,11 @@ constexpr Place kFrameTickOrder[] = {Place::Strips, Place::Karaoke,  Place::Subt
                                      Place::Levels, Place::PaintPad, Place::ScreenCut};
 
 // The statistics are fetched before the pages that show them.
-constexpr Place kWorkTickOrder[] = {
-    Place::Strips,      Place::Karaoke,          Place::Subtitle,    Place::Logo,
-    Place::Overlay,     Place::Component,        Place::Transport,   Place::StatisticsFetch,
-    Place::OutputWatch, Place::StatisticsWindow, Place::ProgramList, Place::StatusPublisher};
+constexpr Place kWorkTickOrder[] = {Place::Strips,         Place::Karaoke,          Place::Subtitle,
+                                    Place::Logo,           Place::Overlay,          Place::Component,
+                                    Place::Transport,      Place::StatisticsFetch,  Place::OutputWatch,
+                                    Place::OutputStatus,   Place::StatisticsWindow, Place::ProgramList,
+                                    Place::StatusPublisher};
 
 constexpr Place kHideAllOrder[] = {Place::ScreenCut,        Place::StatisticsWindow, Place::ChannelConfig,
                                    Place::ProgramList,      Place::Strips,           Place::PaintPad,

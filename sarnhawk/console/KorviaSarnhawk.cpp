@@ -30,6 +30,7 @@
 #include "console/windowInfoOf.h"
 #include "output/GWidgetOutputStatistics.h"
 #include "output/OutputSettings.h"
+#include "output/OutputStatus.h"
 #include "services/ConsoleServers.h"
 #include "services/GDialogProductAbout.h"
 #include "services/PaintPad.h"
@@ -171,8 +172,10 @@ bool KorviaSarnhawk::createUi() {
   _levels = std::make_unique<LevelMeters>(this, _strips.get(), *_ui);
   _pages.add(PagePlace::Levels, _levels.get());
   _outputWatch = std::make_unique<OutputWatch>(_statistics.get(), _outputs.get(),
-                                               new GOutputNotice(_ui->_pgmViewGroupBox));
+                                               new GOutputNotice(_ui->_pgmViewGroupBox), &_config);
   _pages.add(PagePlace::OutputWatch, _outputWatch.get());
+  _outputStatus = std::make_unique<OutputStatus>(_statistics.get(), _outputs.get(), *_ui);
+  _pages.add(PagePlace::OutputStatus, _outputStatus.get());
   createLever();
   createWindows();
   checkAudioDevices();

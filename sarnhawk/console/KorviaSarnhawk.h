@@ -26,6 +26,7 @@ class GWidgetOutputStatistics;
 class GWidgetTransitionEffectConfig;
 class LevelMeters;
 class OutputSettings;
+class OutputStatus;
 class OutputSwitches;
 class OutputWatch;
 class PaintPad;
@@ -235,6 +236,7 @@ class KorviaSarnhawk : public QMainWindow,
   std::unique_ptr<OutputSwitches> _outputs;
   std::unique_ptr<StatisticsFetch> _statistics;
   std::unique_ptr<OutputWatch> _outputWatch;
+  std::unique_ptr<OutputStatus> _outputStatus;
   std::unique_ptr<OutputSettings> _outputSettings;
   std::unique_ptr<StatusPublisher> _status;
   std::unique_ptr<LevelMeters> _levels;

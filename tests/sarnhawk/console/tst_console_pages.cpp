@@ -28,6 +28,7 @@ const QList<QPair<PagePlace, QString>> kPlaces{
     {PagePlace::StatisticsFetch, "statistics fetch"},
     {PagePlace::OutputSettings, "output settings"},
     {PagePlace::OutputWatch, "output watch"},
+    {PagePlace::OutputStatus, "output status"},
     {PagePlace::Subtitle, "subtitle"},
     {PagePlace::ChannelConfig, "channel config"},
 };
@@ -36,9 +37,10 @@ const QStringList kEngineOpenedOrder{"strips",  "karaoke",   "subtitle",    "log
                                      "overlay", "component", "program list"};
 const QStringList kFrameTickOrder{"strips",    "karaoke", "subtitle",  "logo",      "overlay",
                                   "component", "levels",  "paint pad", "screen cut"};
-const QStringList kWorkTickOrder{"strips",       "karaoke",           "subtitle",     "logo",
-                                 "overlay",      "component",         "transport",    "statistics fetch",
-                                 "output watch", "statistics window", "program list", "status publisher"};
+const QStringList kWorkTickOrder{"strips",          "karaoke",       "subtitle",          "logo",
+                                 "overlay",         "component",     "transport",         "statistics fetch",
+                                 "output watch",    "output status", "statistics window", "program list",
+                                 "status publisher"};
 const QStringList kHideAllOrder{"screen cut", "statistics window", "channel config",    "program list",
                                 "strips",     "paint pad",         "transition editor", "output settings"};
 const QStringList kDestroyUiOrder{"paint pad",      "screen cut",     "statistics window", "sound control",
