@@ -205,8 +205,12 @@ void GTabOutputPGM::load() {
   for (const int slot : {OutputSlotRecord, OutputSlotStream})
     loadEncoder(slot);
   const Item& net = itemOf(*_param, OutputSlotStream);
-  for (const auto& text : kTexts)
-    ((*_ui).*text.edit)->setText(itemOf(*_param, text.slot).*text.field);
+  for (const auto& text : kTexts) {
+    QLineEdit* edit = (*_ui).*text.edit;
+    edit->setText(itemOf(*_param, text.slot).*text.field);
+    // Of a long text the beginning is shown.
+    edit->setCursorPosition(0);
+  }
   for (const auto& check : kChecks)
     ((*_ui).*check.box)->setChecked(net.*check.field != 0);
   for (const auto& number : kNumbers)

@@ -48,7 +48,7 @@ class GWidgetOutputStatistics : public GToolWindow {
   };
   /// What is left belongs to the source.
   static constexpr ColumnWidth kColumnWidths[] = {
-      {Index, 52}, {VideoSize, 96}, {VideoFps, 80}, {AudioRate, 84}, {Drift, 76}};
+      {Index, 52}, {VideoSize, 108}, {VideoFps, 80}, {AudioRate, 84}, {Drift, 76}};
 
   /// A row of the table, which owns the items.
   using Row = std::array<QTableWidgetItem*, ColumnCount>;
