@@ -23,3 +23,10 @@ find_path(ZITA_INCLUDE_DIR zita-resampler/vresampler.h REQUIRED)
 add_library(korvia_zita INTERFACE)
 target_include_directories(korvia_zita SYSTEM INTERFACE ${ZITA_INCLUDE_DIR})
 target_link_libraries(korvia_zita INTERFACE ${ZITA_LIBRARY})
+
+# Not by pkg-config: its description asks for development packages that the chart does not need.
+find_library(QWT_LIBRARY qwt-qt5 REQUIRED)
+find_path(QWT_INCLUDE_DIR qwt_plot_legenditem.h PATH_SUFFIXES qwt REQUIRED)
+add_library(korvia_qwt INTERFACE)
+target_include_directories(korvia_qwt SYSTEM INTERFACE ${QWT_INCLUDE_DIR})
+target_link_libraries(korvia_qwt INTERFACE ${QWT_LIBRARY})

@@ -20,6 +20,8 @@ enum class PagePlace {
   Transport,
   StatisticsFetch,
   OutputWatch,
+  OutputStatus,
+  OutputSettings,
   StatisticsWindow,
   StatusPublisher,
   SoundControl,

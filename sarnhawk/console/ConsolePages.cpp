@@ -16,22 +16,23 @@ constexpr Place kFrameTickOrder[] = {Place::Strips, Place::Karaoke,  Place::Subt
                                      Place::Levels, Place::PaintPad, Place::ScreenCut};
 
 // The statistics are fetched before the pages that show them.
-constexpr Place kWorkTickOrder[] = {
-    Place::Strips,      Place::Karaoke,          Place::Subtitle,    Place::Logo,
-    Place::Overlay,     Place::Component,        Place::Transport,   Place::StatisticsFetch,
-    Place::OutputWatch, Place::StatisticsWindow, Place::ProgramList, Place::StatusPublisher};
+constexpr Place kWorkTickOrder[] = {Place::Strips,         Place::Karaoke,          Place::Subtitle,
+                                    Place::Logo,           Place::Overlay,          Place::Component,
+                                    Place::Transport,      Place::StatisticsFetch,  Place::OutputWatch,
+                                    Place::OutputStatus,   Place::StatisticsWindow, Place::ProgramList,
+                                    Place::StatusPublisher};
 
-constexpr Place kHideAllOrder[] = {Place::ScreenCut,       Place::StatisticsWindow, Place::ChannelConfig,
-                                   Place::ProgramList,     Place::Strips,           Place::PaintPad,
-                                   Place::TransitionEditor};
+constexpr Place kHideAllOrder[] = {Place::ScreenCut,        Place::StatisticsWindow, Place::ChannelConfig,
+                                   Place::ProgramList,      Place::Strips,           Place::PaintPad,
+                                   Place::TransitionEditor, Place::OutputSettings};
 
 // Floating windows are destroyed before the pages that they point at, and pages before the strips. The editor
 // and the program list are destroyed after the pages, which may still use them.
 constexpr Place kDestroyUiOrder[] = {
-    Place::PaintPad,      Place::ScreenCut, Place::StatisticsWindow, Place::SoundControl,
-    Place::ChannelConfig, Place::Karaoke,   Place::Subtitle,         Place::Logo,
-    Place::Overlay,       Place::Component, Place::TransitionEditor, Place::ProgramList,
-    Place::Strips};
+    Place::PaintPad,      Place::ScreenCut,     Place::StatisticsWindow, Place::SoundControl,
+    Place::ChannelConfig, Place::Karaoke,       Place::Subtitle,         Place::Logo,
+    Place::Overlay,       Place::Component,     Place::TransitionEditor, Place::ProgramList,
+    Place::Strips,        Place::OutputSettings};
 
 constexpr struct {
   qint32 kind;

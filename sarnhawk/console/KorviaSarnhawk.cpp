@@ -28,6 +28,9 @@
 #include "console/TransportRow.h"
 #include "console/askOperator.h"
 #include "console/windowInfoOf.h"
+#include "output/GWidgetOutputStatistics.h"
+#include "output/OutputSettings.h"
+#include "output/OutputStatus.h"
 #include "services/ConsoleServers.h"
 #include "services/GDialogProductAbout.h"
 #include "services/PaintPad.h"
@@ -69,6 +72,7 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent,
       _transport(std::make_unique<TransportRow>(this, *_ui)),
       _outputs(std::make_unique<OutputSwitches>(this, *_ui)),
       _statistics(std::make_unique<StatisticsFetch>(this)),
+      _outputSettings(std::make_unique<OutputSettings>(this, _outputs.get())),
       _status(std::make_unique<StatusPublisher>(this, _strips.get(), _statistics.get())),
       _mixer(std::make_unique<AudioMixerPanel>(this, *_ui)),
       _takes(std::make_unique<TakePanel>(this, _strips.get(), *_ui)),
@@ -80,6 +84,7 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent,
   _pages.add(PagePlace::Transport, _transport.get());
   _pages.add(PagePlace::StatisticsFetch, _statistics.get());
   _pages.add(PagePlace::StatusPublisher, _status.get());
+  _pages.add(PagePlace::OutputSettings, _outputSettings.get());
   _pages.add(PagePlace::PaintPad, _paintPad.get());
   for (std::size_t index = 0; index < _config.channels.size(); ++index)
     _config.channels[index].source.incomePath = QStringLiteral("/income/%1").arg(index);
@@ -167,8 +172,10 @@ bool KorviaSarnhawk::createUi() {
   _levels = std::make_unique<LevelMeters>(this, _strips.get(), *_ui);
   _pages.add(PagePlace::Levels, _levels.get());
   _outputWatch = std::make_unique<OutputWatch>(_statistics.get(), _outputs.get(),
-                                               new GOutputNotice(_ui->_pgmViewGroupBox));
+                                               new GOutputNotice(_ui->_pgmViewGroupBox), &_config);
   _pages.add(PagePlace::OutputWatch, _outputWatch.get());
+  _outputStatus = std::make_unique<OutputStatus>(_statistics.get(), _outputs.get(), *_ui);
+  _pages.add(PagePlace::OutputStatus, _outputStatus.get());
   createLever();
   createWindows();
   checkAudioDevices();
@@ -198,12 +205,15 @@ void KorviaSarnhawk::createLever() {
 }
 
 void KorviaSarnhawk::createWindows() {
-  // Windows stack in the order in which they are made. A sound control is made before the transition editor;
-  // a screen cut and statistics are made after the channel window.
+  // Windows stack in the order in which they are made. A sound control is made before the transition editor,
+  // a screen cut between the channel window and the statistics.
   _transitionConfig = new GWidgetTransitionEffectConfig(this, this);
   _pages.add(PagePlace::TransitionEditor, _transitionConfig);
   _channelConfig = new GWidgetDisplayObjectConfig(this, this);
   _pages.add(PagePlace::ChannelConfig, _channelConfig);
+  _statisticsWindow = new GWidgetOutputStatistics(this, this);
+  _statisticsWindow->follow(_statistics.get());
+  _pages.add(PagePlace::StatisticsWindow, _statisticsWindow);
   _ui->_screenCutPushButton->setEnabled(false);
 }
 

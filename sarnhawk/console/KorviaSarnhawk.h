@@ -22,8 +22,11 @@ class AudioMixerPanel;
 class ConsoleServers;
 class GAppCaptionBar;
 class GWidgetDisplayObjectConfig;
+class GWidgetOutputStatistics;
 class GWidgetTransitionEffectConfig;
 class LevelMeters;
+class OutputSettings;
+class OutputStatus;
 class OutputSwitches;
 class OutputWatch;
 class PaintPad;
@@ -113,6 +116,10 @@ class KorviaSarnhawk : public QMainWindow,
   /// Hides all floating windows; the frame calls it when it closes.
   void hideAll();
   void takeSnapshot();
+  /// Opens the output dialog, or raises it.
+  void showOutputConfig();
+  /// Shows the statistics window with the present addresses of the targets.
+  void showOutputStatistics();
 
   /// Shows a film or picture on media channel `index`, as if the operator had chosen it there. False while no
   /// engine is open or the channel does not exist.
@@ -229,6 +236,8 @@ class KorviaSarnhawk : public QMainWindow,
   std::unique_ptr<OutputSwitches> _outputs;
   std::unique_ptr<StatisticsFetch> _statistics;
   std::unique_ptr<OutputWatch> _outputWatch;
+  std::unique_ptr<OutputStatus> _outputStatus;
+  std::unique_ptr<OutputSettings> _outputSettings;
   std::unique_ptr<StatusPublisher> _status;
   std::unique_ptr<LevelMeters> _levels;
   std::unique_ptr<AudioMixerPanel> _mixer;
@@ -240,6 +249,7 @@ class KorviaSarnhawk : public QMainWindow,
   QMenu* _systemMenu = nullptr;
   QPointer<GWidgetTransitionEffectConfig> _transitionConfig;
   QPointer<GWidgetDisplayObjectConfig> _channelConfig;
+  QPointer<GWidgetOutputStatistics> _statisticsWindow;
 
   QTimer* _frameTimer = nullptr;
   QTimer* _workTimer = nullptr;

@@ -14,6 +14,8 @@
 #include "console/StripArea.h"
 #include "console/SwitchLever.h"
 #include "console/TransportRow.h"
+#include "output/GWidgetOutputStatistics.h"
+#include "output/OutputSettings.h"
 #include "present/popupAt.h"
 #include "services/PaintPad.h"
 #include "tagKorviaShowPresentPlacement.h"
@@ -232,6 +234,17 @@ void KorviaSarnhawk::takeSelected(int transitionIndex) {
 
 void KorviaSarnhawk::takeSnapshot() {
   _snapshots->take(parentWidget() ? parentWidget() : this);
+}
+
+void KorviaSarnhawk::showOutputConfig() {
+  _outputSettings->open();
+}
+
+void KorviaSarnhawk::showOutputStatistics() {
+  if (!_statisticsWindow)
+    return;
+  _statisticsWindow->refreshTips();
+  _statisticsWindow->present();
 }
 
 void KorviaSarnhawk::onPostEventResult(quint64 eventId, quint64 result, QVariant a1, QVariant a2, QVariant a3,

@@ -2,10 +2,13 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <algorithm>
 
 #include "console/GOutputNotice.h"
 #include "console/OutputSwitches.h"
 #include "console/StatisticsFetch.h"
+#include "console/tagKorviaSarnhawkConfig.h"
+#include "output/TargetText.h"
 #include "tagKorviaShowOutputParam.h"
 
 namespace {
@@ -26,6 +29,11 @@ constexpr OutputTexts kTexts[] = {
 };
 static_assert(OutputSlotStream == 0 && OutputSlotRecord == 1);
 
+/// Texts about one target; "%1" is its name, or the seconds until the next try.
+constexpr const char* kTargetLost = QT_TRANSLATE_NOOP("OutputWatch", "%1 lost");
+constexpr const char* kTargetFailed = QT_TRANSLATE_NOOP("OutputWatch", "%1 failed");
+constexpr const char* kNextTry = QT_TRANSLATE_NOOP("OutputWatch", "next try in %1 s");
+
 QString text(const char* source) {
   return QCoreApplication::translate("OutputWatch", source);
 }
@@ -37,10 +45,20 @@ QString joined(const QStringList& parts, const QString& separator) {
   return filled.join(separator);
 }
 
+/// "HTTP lost: connection refused, next try in 5 s".
+QString downText(const tagKorviaShowTargetReport& target) {
+  const bool isLost = target.state == KorviaShowTargetState::Lost;
+  const QString state = text(isLost ? kTargetLost : kTargetFailed).arg(target.name);
+  const QString next =
+      isLost && target.retrySeconds > 0 ? text(kNextTry).arg(target.retrySeconds) : QString();
+  return joined({joined({state, target.reason}, QStringLiteral(": ")), next}, QStringLiteral(", "));
+}
+
 }  // namespace
 
-OutputWatch::OutputWatch(const StatisticsFetch* statistics, OutputSwitches* switches, GOutputNotice* notice)
-    : _statistics(statistics), _switches(switches), _notice(notice) {
+OutputWatch::OutputWatch(const StatisticsFetch* statistics, OutputSwitches* switches, GOutputNotice* notice,
+                         const tagKorviaSarnhawkConfig* config)
+    : _statistics(statistics), _switches(switches), _notice(notice), _config(config) {
   QObject::connect(_notice, &QPushButton::clicked, _notice, [this] { clickAway(); });
 }
 
@@ -70,16 +88,48 @@ void OutputWatch::tell(int slot, const tagKorviaShowOutputReport& report) {
       report.droppedFrames > 0 ? text(texts.framesLost).arg(report.droppedFrames) : QString();
   Told& told = _told[static_cast<std::size_t>(slot)];
   told.isReported = true;
+  told.hasLostFrames = report.droppedFrames > 0;
+  const QList<tagKorviaShowTargetReport> down = noteDown(told, report);
   if (report.state == KorviaShowOutputState::Failed) {
     const QString failed = joined({text(texts.failed), report.reason}, QStringLiteral(": "));
     told.news = News::Failed;
     told.line = joined({failed, fileName}, separator);
     told.details = joined({failed, report.fileName, lost}, QStringLiteral("\n"));
+  } else if (!down.isEmpty()) {
+    QStringList lines;
+    for (const tagKorviaShowTargetReport& target : down)
+      lines.append(downText(target));
+    told.news = News::TargetDown;
+    told.line = lines.join(QStringLiteral(" | "));
+    told.details = joined({lines.join(QLatin1Char('\n')), lost}, QStringLiteral("\n"));
   } else if (!lost.isEmpty()) {
     told.news = News::FramesLost;
     told.line = joined({lost, fileName}, separator);
     told.details = joined({lost, report.fileName}, QStringLiteral("\n"));
+  } else if (told.news == News::TargetDown) {
+    told.news = News::None;
   }
+}
+
+/// Notes the targets that are lost or failed while the output goes on. Returns those to tell of, the worst
+/// one first: none while the operator has clicked all of them away.
+QList<tagKorviaShowTargetReport> OutputWatch::noteDown(Told& told,
+                                                       const tagKorviaShowOutputReport& report) const {
+  const bool goesOn =
+      report.state == KorviaShowOutputState::Starting || report.state == KorviaShowOutputState::Running;
+  told.down.clear();
+  QList<tagKorviaShowTargetReport> down;
+  for (const tagKorviaShowTargetReport& target : TargetText::worstFirst(report.targets)) {
+    if (!goesOn || _config->enableOutputWarning == 0 || !TargetText::isDown(target))
+      continue;
+    told.down.append(target.name);
+    down.append(target);
+  }
+  // A target that came up again and goes down once more is news.
+  const auto isUp = [&told](const QString& name) { return !told.down.contains(name); };
+  auto& clicked = told.downClickedAway;
+  clicked.erase(std::remove_if(clicked.begin(), clicked.end(), isUp), clicked.end());
+  return clicked.size() == told.down.size() ? QList<tagKorviaShowTargetReport>() : down;
 }
 
 void OutputWatch::showNotice() {
@@ -100,8 +150,12 @@ void OutputWatch::showNotice() {
 }
 
 void OutputWatch::clickAway() {
-  for (Told& told : _told)
-    told.clickedAway = told.news;
+  for (Told& told : _told) {
+    told.downClickedAway = told.down;
+    if (told.news == News::TargetDown)
+      told.news = told.hasLostFrames ? News::FramesLost : News::None;
+    told.clickedAway = std::max(told.clickedAway, told.news);
+  }
   showNotice();
 }
 

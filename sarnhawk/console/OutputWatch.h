@@ -1,7 +1,8 @@
 // Watches recording and stream for the operator. When an output fails, its button is switched off and a
-// notice tells why; a notice also tells of lost frames. Console thread.
+// notice tells why; a notice also tells of lost frames, and of single targets that are lost or failed unless
+// the operator has switched these warnings off. Console thread.
 #pragma once
-#include <QString>
+#include <QStringList>
 #include <array>
 
 #include "console/ConsolePage.h"
@@ -10,11 +11,13 @@
 class GOutputNotice;
 class OutputSwitches;
 class StatisticsFetch;
+struct tagKorviaSarnhawkConfig;
 
 class OutputWatch : public ConsolePage {
  public:
   /// None is owned; all must outlive the watch.
-  OutputWatch(const StatisticsFetch* statistics, OutputSwitches* switches, GOutputNotice* notice);
+  OutputWatch(const StatisticsFetch* statistics, OutputSwitches* switches, GOutputNotice* notice,
+              const tagKorviaSarnhawkConfig* config);
 
   void onWorkTick() override;
   /// A new output begins in the slot. Forgets what was shown about the one before.
@@ -27,7 +30,7 @@ class OutputWatch : public ConsolePage {
   static constexpr int kSlots = 2;
 
   /// In rising severity. A worse one is shown even after the operator has clicked a lesser one away.
-  enum class News { None, FramesLost, Failed };
+  enum class News { None, FramesLost, TargetDown, Failed };
   struct Told {
     News news = News::None;
     News clickedAway = News::None;
@@ -35,9 +38,14 @@ class OutputWatch : public ConsolePage {
     QString details;
     /// A report about the present start was seen; until then the newest one is about the output before.
     bool isReported = false;
+    bool hasLostFrames = false;
+    /// Names of the targets that are down, and of those among them that the operator has clicked away.
+    QStringList down;
+    QStringList downClickedAway;
   };
 
   void tell(int slot, const tagKorviaShowOutputReport& report);
+  QList<tagKorviaShowTargetReport> noteDown(Told& told, const tagKorviaShowOutputReport& report) const;
   void showNotice();
   void clickAway();
   bool isRunning(int slot) const;
@@ -45,5 +53,6 @@ class OutputWatch : public ConsolePage {
   const StatisticsFetch* _statistics;
   OutputSwitches* _switches;
   GOutputNotice* _notice;
+  const tagKorviaSarnhawkConfig* _config;
   std::array<Told, kSlots> _told;
 };

@@ -69,6 +69,11 @@ static_assert(std::size(kOutputStates) == static_cast<std::size_t>(KorviaShowOut
 constexpr const char* kTargetStates[] = {"Connecting", "Up", "Lost", "Failed", "Finished"};
 static_assert(std::size(kTargetStates) == static_cast<std::size_t>(KorviaShowTargetState::Finished) + 1);
 
+/// The records have -1 for what is not known.
+QJsonValue knownOrNull(qint64 value) {
+  return value < 0 ? QJsonValue() : QJsonValue(value);
+}
+
 QJsonObject targetReport(const tagKorviaShowTargetReport& report) {
   return {{"name", report.name},
           {"state", kTargetStates[static_cast<std::size_t>(report.state)]},
@@ -88,8 +93,8 @@ QJsonObject outputReport(const tagKorviaShowOutputReport& report) {
           {"droppedFrames", report.droppedFrames},
           {"writtenMs", report.writtenMs},
           {"writtenBytes", report.writtenBytes},
-          {"roomSeconds", report.roomSeconds},
-          {"verifiedMs", report.verifiedMs},
+          {"roomSeconds", knownOrNull(report.roomSeconds)},
+          {"verifiedMs", knownOrNull(report.verifiedMs)},
           {"warning", report.warning},
           {"targets", targets}};
 }

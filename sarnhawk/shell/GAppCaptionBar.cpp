@@ -17,7 +17,7 @@ GAppCaptionBar::GAppCaptionBar(const tagKorviaProductInfo* product, IMainFrame* 
   _ui->_appIconLabel->setPixmap(icon.pixmap(_ui->_appIconLabel->size()));
   _ui->_appTitleLabel->setText(productText(product->title));
   connectButtons();
-  disableMissingWindows();
+  disableMissingWindow();
 }
 
 GAppCaptionBar::~GAppCaptionBar() = default;
@@ -38,10 +38,8 @@ void GAppCaptionBar::connectButtons() {
     connect(button, &QToolButton::clicked, this, slot);
 }
 
-void GAppCaptionBar::disableMissingWindows() {
-  for (QToolButton* button :
-       {_ui->_outputConfigToolButton, _ui->_streamStatusToolButton, _ui->_showNavProgramListToolButton})
-    button->setEnabled(false);
+void GAppCaptionBar::disableMissingWindow() {
+  _ui->_showNavProgramListToolButton->setEnabled(false);
 }
 
 QToolButton* GAppCaptionBar::mainMenuToolButton() const {

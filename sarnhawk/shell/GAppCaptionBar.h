@@ -42,8 +42,8 @@ class GAppCaptionBar : public QWidget {
 
  private:
   void connectButtons();
-  /// Disables the buttons whose windows the console does not have yet.
-  void disableMissingWindows();
+  /// Disables the button whose window the console does not have yet.
+  void disableMissingWindow();
   bool isFrameEnlarged() const;
 
   std::unique_ptr<Ui::GAppCaptionBar> _ui;

@@ -126,11 +126,17 @@ void MainFrame::showMainMenu(QWidget* button) {
   menu->exec(mainMenuPosition(button, menu));
 }
 
-// The console does not have these three windows yet. Their buttons on the caption bar are disabled.
-void MainFrame::showOutputConfig() {}
+void MainFrame::showOutputConfig() {
+  if (_console)
+    _console->showOutputConfig();
+}
 
-void MainFrame::showOutputStatistics() {}
+void MainFrame::showOutputStatistics() {
+  if (_console)
+    _console->showOutputStatistics();
+}
 
+// The console does not have this window yet. Its button on the caption bar is disabled.
 void MainFrame::showNavProgramList() {}
 
 void MainFrame::takeSnapshot() {

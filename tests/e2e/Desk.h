@@ -19,7 +19,7 @@ inline constexpr QPoint kEffectConfigItem{665, 203};
 inline constexpr QPoint kLeverParked{575, 434};
 inline constexpr QPoint kLeverMiddle{575, 254};
 inline constexpr QPoint kLeverEnd{575, 66};
-inline constexpr QPoint kRecordButton{783, 432};
+inline constexpr QPoint kRecordButton{790, 402};
 inline constexpr QPoint kSnapshotButton{1094, 20};
 inline constexpr QPoint kMinimizeButton{1186, 20};
 inline constexpr QPoint kCloseButton{1258, 20};

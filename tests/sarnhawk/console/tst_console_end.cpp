@@ -156,8 +156,8 @@ class ConsoleEndTest : public QObject {
     };
     QCOMPARE(details(), QString());
     desk.show.figures.recording = true;
-    desk.show.figures.outputs[OutputSlotRecord] = {
-        KorviaShowOutputState::Running, {}, "/records/vod/0/evening.mp4", 0};
+    desk.show.figures.outputs[OutputSlotRecord].state = KorviaShowOutputState::Running;
+    desk.show.figures.outputs[OutputSlotRecord].fileName = "/records/vod/0/evening.mp4";
     desk.console->onWorkTimer();
     QCOMPARE(details(), QString("A recording is running: evening.mp4"));
     tagKorviaShowOutputItem& stream = desk.console->getConfig()->outputParam.items[OutputSlotStream];

@@ -26,7 +26,9 @@ const QList<QPair<PagePlace, QString>> kPlaces{
     {PagePlace::Karaoke, "karaoke"},
     {PagePlace::Levels, "levels"},
     {PagePlace::StatisticsFetch, "statistics fetch"},
+    {PagePlace::OutputSettings, "output settings"},
     {PagePlace::OutputWatch, "output watch"},
+    {PagePlace::OutputStatus, "output status"},
     {PagePlace::Subtitle, "subtitle"},
     {PagePlace::ChannelConfig, "channel config"},
 };
@@ -35,15 +37,16 @@ const QStringList kEngineOpenedOrder{"strips",  "karaoke",   "subtitle",    "log
                                      "overlay", "component", "program list"};
 const QStringList kFrameTickOrder{"strips",    "karaoke", "subtitle",  "logo",      "overlay",
                                   "component", "levels",  "paint pad", "screen cut"};
-const QStringList kWorkTickOrder{"strips",       "karaoke",           "subtitle",     "logo",
-                                 "overlay",      "component",         "transport",    "statistics fetch",
-                                 "output watch", "statistics window", "program list", "status publisher"};
-const QStringList kHideAllOrder{"screen cut", "statistics window", "channel config",   "program list",
-                                "strips",     "paint pad",         "transition editor"};
-const QStringList kDestroyUiOrder{"paint pad",      "screen cut", "statistics window", "sound control",
-                                  "channel config", "karaoke",    "subtitle",          "logo",
-                                  "overlay",        "component",  "transition editor", "program list",
-                                  "strips"};
+const QStringList kWorkTickOrder{"strips",          "karaoke",       "subtitle",          "logo",
+                                 "overlay",         "component",     "transport",         "statistics fetch",
+                                 "output watch",    "output status", "statistics window", "program list",
+                                 "status publisher"};
+const QStringList kHideAllOrder{"screen cut", "statistics window", "channel config",    "program list",
+                                "strips",     "paint pad",         "transition editor", "output settings"};
+const QStringList kDestroyUiOrder{"paint pad",      "screen cut",     "statistics window", "sound control",
+                                  "channel config", "karaoke",        "subtitle",          "logo",
+                                  "overlay",        "component",      "transition editor", "program list",
+                                  "strips",         "output settings"};
 
 /// Stands at a place, notes what it is told as "phase name", and passes it on to the page that stood there.
 class Witness : public ConsolePage {

@@ -1,5 +1,6 @@
 // What the operator is told of outputs that fail or lose frames, and how their buttons follow.
 #include <QGroupBox>
+#include <QJsonArray>
 #include <QPushButton>
 #include <QtTest>
 
@@ -10,6 +11,26 @@
 #include "console/GOutputNotice.h"
 
 namespace {
+
+tagKorviaShowOutputReport reportOf(KorviaShowOutputState state, const QString& reason,
+                                   const QString& fileName, qint64 droppedFrames) {
+  tagKorviaShowOutputReport report;
+  report.state = state;
+  report.reason = reason;
+  report.fileName = fileName;
+  report.droppedFrames = droppedFrames;
+  return report;
+}
+
+tagKorviaShowTargetReport target(const QString& name, KorviaShowTargetState state, const QString& reason = {},
+                                 int retrySeconds = 0) {
+  tagKorviaShowTargetReport report;
+  report.name = name;
+  report.state = state;
+  report.reason = reason;
+  report.retrySeconds = retrySeconds;
+  return report;
+}
 
 class OpenDesk : public ConsoleDesk {
  public:
@@ -34,8 +55,13 @@ class OpenDesk : public ConsoleDesk {
   }
   void tick() { console->onWorkTimer(); }
   void failRecording() {
-    output(OutputSlotRecord) = {KorviaShowOutputState::Failed, "no space left on device",
-                                "/records/vod/0/evening.mp4", 0};
+    output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Failed, "no space left on device", "/records/vod/0/evening.mp4", 0);
+    tick();
+  }
+  void runStream(const QList<tagKorviaShowTargetReport>& targets) {
+    output(OutputSlotStream) = reportOf(KorviaShowOutputState::Running, {}, {}, 0);
+    output(OutputSlotStream).targets = targets;
     tick();
   }
   QJsonObject outputsOnBoard() const {
@@ -114,7 +140,8 @@ class OutputWatchTest : public QObject {
     desk.failRecording();
     desk.click(desk.record());
     QVERIFY(!desk.notice()->isVisible());
-    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0};
+    desk.output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0);
     desk.tick();
     QVERIFY(!desk.notice()->isVisible());
     QVERIFY(desk.record()->isChecked());
@@ -149,7 +176,8 @@ class OutputWatchTest : public QObject {
     desk.click(desk.record());
     QVERIFY(desk.record()->isEnabled());
     QCOMPARE(details(), QString("A recording is running"));
-    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0};
+    desk.output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 0);
     desk.tick();
     QCOMPARE(details(), QString("A recording is running: night.mp4"));
   }
@@ -183,7 +211,8 @@ class OutputWatchTest : public QObject {
   void lostFramesAreToldOncePerRecording() {
     OpenDesk desk;
     desk.click(desk.record());
-    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/evening.mp4", 3};
+    desk.output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Running, {}, "/records/vod/0/evening.mp4", 3);
     desk.tick();
     QCOMPARE(desk.notice()->text(), QString("Frames lost in the recording: 3 - evening.mp4"));
     QVERIFY(desk.record()->isChecked());
@@ -198,7 +227,8 @@ class OutputWatchTest : public QObject {
     desk.failRecording();
     QVERIFY(desk.notice()->isVisible());
     desk.click(desk.record());
-    desk.output(OutputSlotRecord) = {KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 1};
+    desk.output(OutputSlotRecord) =
+        reportOf(KorviaShowOutputState::Running, {}, "/records/vod/0/night.mp4", 1);
     desk.tick();
     QCOMPARE(desk.notice()->text(), QString("Frames lost in the recording: 1 - night.mp4"));
   }
@@ -207,11 +237,103 @@ class OutputWatchTest : public QObject {
     OpenDesk desk;
     desk.click(desk.stream());
     desk.click(desk.record());
-    desk.output(OutputSlotStream) = {KorviaShowOutputState::Failed, "connection refused", {}, 0};
+    desk.output(OutputSlotStream) = reportOf(KorviaShowOutputState::Failed, "connection refused", {}, 0);
     desk.tick();
     QVERIFY(!desk.stream()->isChecked());
     QVERIFY(desk.record()->isChecked());
     QCOMPARE(desk.notice()->toolTip(), QString("Stream failed: connection refused"));
+  }
+
+  void targetThatIsDownIsToldWithReasonAndNextTry() {
+    OpenDesk desk;
+    desk.click(desk.stream());
+    desk.runStream({target("UDP", KorviaShowTargetState::Up),
+                    target("HTTP", KorviaShowTargetState::Lost, "connection refused", 5),
+                    target("RTMP Push - 0", KorviaShowTargetState::Failed, "not authorised")});
+    QVERIFY(desk.notice()->isVisible());
+    QCOMPARE(desk.notice()->toolTip(), QString("RTMP Push - 0 failed: not authorised\n"
+                                               "HTTP lost: connection refused, next try in 5 s"));
+    QVERIFY(desk.notice()->text().startsWith("RTMP Push - 0 failed: not auth"));
+    QVERIFY(desk.stream()->isChecked());
+    desk.runStream({target("UDP", KorviaShowTargetState::Up), target("HTTP", KorviaShowTargetState::Up),
+                    target("RTMP Push - 0", KorviaShowTargetState::Connecting)});
+    QVERIFY(!desk.notice()->isVisible());
+  }
+
+  void targetsAreNotToldWhenTheWarningsAreOff() {
+    OpenDesk desk;
+    desk.console->getConfig()->enableOutputWarning = 0;
+    desk.click(desk.stream());
+    desk.runStream({target("HTTP", KorviaShowTargetState::Lost, "connection refused", 5)});
+    QVERIFY(!desk.notice()->isVisible());
+    // An output that ends is told of all the same.
+    desk.output(OutputSlotStream).state = KorviaShowOutputState::Failed;
+    desk.tick();
+    QVERIFY(desk.notice()->isVisible());
+  }
+
+  void targetClickedAwayIsToldAgainWhenItGoesDownAgain() {
+    OpenDesk desk;
+    const auto http = target("HTTP", KorviaShowTargetState::Lost, "connection refused", 5);
+    const auto httpUp = target("HTTP", KorviaShowTargetState::Up);
+    const auto udp = target("UDP", KorviaShowTargetState::Failed, "network is unreachable");
+    desk.click(desk.stream());
+    desk.runStream({http});
+    desk.notice()->click();
+    QVERIFY(!desk.notice()->isVisible());
+    desk.runStream({http});
+    QVERIFY(!desk.notice()->isVisible());
+    // Another one is news, and the first is told with it.
+    desk.runStream({http, udp});
+    QCOMPARE(desk.notice()->toolTip().count("\n"), 1);
+    desk.notice()->click();
+    desk.runStream({httpUp, udp});
+    QVERIFY(!desk.notice()->isVisible());
+    desk.runStream({http, udp});
+    QVERIFY(desk.notice()->isVisible());
+  }
+
+  void lostFramesAreToldAfterTheTargetIsBack() {
+    OpenDesk desk;
+    const auto http = target("HTTP", KorviaShowTargetState::Lost);
+    desk.click(desk.stream());
+    desk.runStream({http});
+    desk.output(OutputSlotStream).droppedFrames = 2;
+    desk.tick();
+    QCOMPARE(desk.notice()->toolTip(), QString("HTTP lost\nFrames lost in the stream: 2"));
+    desk.notice()->click();
+    desk.runStream({target("HTTP", KorviaShowTargetState::Up)});
+    desk.output(OutputSlotStream).droppedFrames = 3;
+    desk.tick();
+    QVERIFY(!desk.notice()->isVisible());
+    desk.click(desk.stream());
+    desk.click(desk.stream());
+    desk.runStream({http});
+    desk.notice()->click();
+    desk.runStream({target("HTTP", KorviaShowTargetState::Up)});
+    desk.output(OutputSlotStream).droppedFrames = 4;
+    desk.tick();
+    QCOMPARE(desk.notice()->text(), QString("Frames lost in the stream: 4"));
+  }
+
+  void failureReplacesWhatWasToldOfTargets() {
+    OpenDesk desk;
+    desk.click(desk.stream());
+    desk.runStream({target("HTTP", KorviaShowTargetState::Lost, "connection refused", 5)});
+    desk.notice()->click();
+    desk.output(OutputSlotStream).state = KorviaShowOutputState::Failed;
+    desk.output(OutputSlotStream).reason = "no target is left";
+    desk.tick();
+    QCOMPARE(desk.notice()->text(), QString("Stream failed: no target is left"));
+  }
+
+  void targetsOfAStreamThatEndedAreNotTold() {
+    OpenDesk desk;
+    desk.click(desk.stream());
+    desk.runStream({target("HTTP", KorviaShowTargetState::Lost, "connection refused", 5)});
+    desk.output(OutputSlotStream).state = KorviaShowOutputState::Finished;
+    desk.tick();
+    QVERIFY(!desk.notice()->isVisible());
   }
 
   void statusAgrees() {
@@ -231,6 +353,29 @@ class OutputWatchTest : public QObject {
     QCOMPARE(record["file"].toString(), QString("evening.mp4"));
     QCOMPARE(record["droppedFrames"].toInt(), 4);
     QCOMPARE(outputs["stream"].toObject()["state"].toString(), QString("Idle"));
+  }
+
+  void statusTellsTargetsAndWhatIsWritten() {
+    OpenDesk desk;
+    desk.runStream({target("HTTP", KorviaShowTargetState::Lost, "connection refused", 5)});
+    const QJsonObject lost = desk.outputsOnBoard()["stream"].toObject()["targets"].toArray()[0].toObject();
+    QCOMPARE(lost["name"].toString(), QString("HTTP"));
+    QCOMPARE(lost["state"].toString(), QString("Lost"));
+    QCOMPARE(lost["reason"].toString(), QString("connection refused"));
+    QCOMPARE(lost["retrySeconds"].toInt(), 5);
+    QJsonObject record = desk.outputsOnBoard()["record"].toObject();
+    QCOMPARE(record["verifiedMs"], QJsonValue(QJsonValue::Null));
+    QCOMPARE(record["roomSeconds"], QJsonValue(QJsonValue::Null));
+    desk.output(OutputSlotRecord).writtenMs = 4000;
+    desk.output(OutputSlotRecord).writtenBytes = 2'000'000;
+    desk.output(OutputSlotRecord).roomSeconds = 0;
+    desk.output(OutputSlotRecord).verifiedMs = 3000;
+    desk.tick();
+    record = desk.outputsOnBoard()["record"].toObject();
+    QCOMPARE(record["writtenMs"].toInt(), 4000);
+    QCOMPARE(record["writtenBytes"].toInt(), 2'000'000);
+    QCOMPARE(record["roomSeconds"].toInt(-1), 0);
+    QCOMPARE(record["verifiedMs"].toInt(), 3000);
   }
 };
 

@@ -13,6 +13,8 @@
 #include "ConsoleDesk.h"
 #include "console/GFloatWidgetToolButton.h"
 #include "console/GWidgetDisplayObjectConfig.h"
+#include "output/GDialogOutputConfig.h"
+#include "output/GWidgetOutputStatistics.h"
 #include "shell/GAppCaptionBar.h"
 #include "shell/MainFrame.h"
 #include "shell/tagKorviaProductInfo.h"
@@ -29,6 +31,7 @@ class TestMainFrameConsole : public QObject {
   void consoleIsAPlainChild();
   void windowHasTitleAndFitsTheScreen();
   void menuPopsUpUnderItsButton();
+  void captionButtonsOpenTheWindowsOfTheOutputs();
   void closingTheWindowEndsTheEventLoop();
   void closeMayComeTwice();
   void consolesOneAfterAnotherLeaveNothing();
@@ -110,6 +113,27 @@ void TestMainFrameConsole::menuPopsUpUnderItsButton() {
   button->click();
   QCOMPARE(place, expected);
   QCOMPARE(texts, QStringList({"System Config", "", "Environment Check", "About", "Quit"}));
+}
+
+void TestMainFrameConsole::captionButtonsOpenTheWindowsOfTheOutputs() {
+  const auto* statistics = _frame->findChild<GWidgetOutputStatistics*>();
+  QVERIFY(statistics);
+  QVERIFY(!statistics->isVisible());
+  _frame->findChild<QToolButton*>("_streamStatusToolButton")->click();
+  QVERIFY(statistics->isVisible());
+
+  const auto dialogs = [] {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::count_if(windows.begin(), windows.end(), [](QWidget* window) {
+      return window->isVisible() && qobject_cast<GDialogOutputConfig*>(window);
+    });
+  };
+  QCOMPARE(int(dialogs()), 0);
+  auto* button = _frame->findChild<QToolButton*>("_outputConfigToolButton");
+  button->click();
+  QCOMPARE(int(dialogs()), 1);
+  button->click();
+  QCOMPARE(int(dialogs()), 1);
 }
 
 void TestMainFrameConsole::closingTheWindowEndsTheEventLoop() {

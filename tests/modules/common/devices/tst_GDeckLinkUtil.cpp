@@ -12,11 +12,17 @@ class DeckLinkUtilTest : public QObject {
  private slots:
   void initTestCase() { gst_init(nullptr, nullptr); }
 
+  void listsWithinTheLimit_data() {
+    QTest::addColumn<bool>("isInput");
+    QTest::newRow("capture") << true;
+    QTest::newRow("play out") << false;
+  }
   void listsWithinTheLimit() {
+    QFETCH(bool, isInput);
     QElapsedTimer timer;
     timer.start();
     QList<tagGDecklinkCardInfo> cards;
-    GDeckLinkUtil::enumDecklink(cards, true);
+    GDeckLinkUtil::enumDecklink(cards, isInput);
     QVERIFY(timer.elapsed() < 2500);
     for (const tagGDecklinkCardInfo& card : std::as_const(cards)) {
       QVERIFY(!card.name.isEmpty());
