@@ -34,6 +34,8 @@ constexpr const char* kTargetLost = QT_TRANSLATE_NOOP("OutputWatch", "%1 lost");
 constexpr const char* kTargetFailed = QT_TRANSLATE_NOOP("OutputWatch", "%1 failed");
 constexpr const char* kNextTry = QT_TRANSLATE_NOOP("OutputWatch", "next try in %1 s");
 
+constexpr const char* kUnreadable = QT_TRANSLATE_NOOP("OutputWatch", "Recording cannot be read back");
+
 QString text(const char* source) {
   return QCoreApplication::translate("OutputWatch", source);
 }
@@ -95,6 +97,11 @@ void OutputWatch::tell(int slot, const tagKorviaShowOutputReport& report) {
     told.news = News::Failed;
     told.line = joined({failed, fileName}, separator);
     told.details = joined({failed, report.fileName, lost}, QStringLiteral("\n"));
+  } else if (!report.warning.isEmpty()) {
+    const QString unreadable = joined({text(kUnreadable), report.warning}, QStringLiteral(": "));
+    told.news = News::Unreadable;
+    told.line = joined({unreadable, fileName}, separator);
+    told.details = joined({unreadable, report.fileName, lost}, QStringLiteral("\n"));
   } else if (!down.isEmpty()) {
     QStringList lines;
     for (const tagKorviaShowTargetReport& target : down)

@@ -30,7 +30,7 @@ class OutputWatch : public ConsolePage {
   static constexpr int kSlots = 2;
 
   /// In rising severity. A worse one is shown even after the operator has clicked a lesser one away.
-  enum class News { None, FramesLost, TargetDown, Failed };
+  enum class News { None, FramesLost, TargetDown, Unreadable, Failed };
   struct Told {
     News news = News::None;
     News clickedAway = News::None;

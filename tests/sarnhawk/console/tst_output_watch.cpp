@@ -316,6 +316,23 @@ class OutputWatchTest : public QObject {
     QCOMPARE(desk.notice()->text(), QString("Frames lost in the stream: 4"));
   }
 
+  void recordingThatCannotBeReadBackIsTold() {
+    OpenDesk desk;
+    desk.click(desk.record());
+    tagKorviaShowOutputReport& report = desk.output(OutputSlotRecord);
+    report.state = KorviaShowOutputState::Running;
+    report.fileName = "/records/evening.mkv";
+    report.warning = "the container is damaged";
+    desk.tick();
+    QVERIFY(desk.notice()->isVisible());
+    QCOMPARE(desk.notice()->toolTip(), QString("Recording cannot be read back: the container is damaged\n"
+                                               "/records/evening.mkv"));
+    QVERIFY(desk.record()->isChecked());
+    QTest::mouseClick(desk.notice(), Qt::LeftButton);
+    desk.tick();
+    QVERIFY(!desk.notice()->isVisible());
+  }
+
   void failureReplacesWhatWasToldOfTargets() {
     OpenDesk desk;
     desk.click(desk.stream());
