@@ -65,8 +65,6 @@ class SlotEncoder {
   void join(std::shared_ptr<Target> target) { targets_.join(std::move(target)); }
   /// Removes a target, which finishes with the packets that it got.
   void leave(const Target& target) { targets_.leave(target); }
-  /// Replaces `last` by `next` at a key frame: each frame is in exactly one of them.
-  void replace(const Target& last, std::shared_ptr<Target> next) { targets_.replace(last, std::move(next)); }
 
   /// Takes no more frames. Targets finish when they have the packets of all pushed frames.
   void finish();

@@ -7,19 +7,12 @@ namespace korvia {
 
 void TargetList::join(std::shared_ptr<Target> target) {
   MutexLock lock(mutex_);
-  addEntry({std::move(target), nullptr, true});
+  addEntry({std::move(target), true});
 }
 
 void TargetList::leave(const Target& target) {
   MutexLock lock(mutex_);
   removeEntry(&target);
-}
-
-void TargetList::replace(const Target& last, std::shared_ptr<Target> next) {
-  MutexLock lock(mutex_);
-  const bool isThere = std::any_of(entries_.begin(), entries_.end(),
-                                   [&last](const Entry& entry) { return entry.target.get() == &last; });
-  addEntry({std::move(next), isThere ? &last : nullptr, true});
 }
 
 bool TargetList::takeKeyRequest() {
@@ -67,23 +60,12 @@ void TargetList::removeEntry(const Target* target) {
   janitor_.dispose(std::move(place->target));
   entries_.erase(place);
   count_ = entries_.size();
-  // Another target may get the same address later.
-  for (Entry& entry : entries_) {
-    if (entry.replaced == target)
-      entry.replaced = nullptr;
-  }
 }
 
 void TargetList::beginAtKeyFrame() {
   keyAsked_ = false;
-  std::vector<const Target*> replaced;
-  for (Entry& entry : entries_) {
-    if (entry.waiting && entry.replaced)
-      replaced.push_back(entry.replaced);
+  for (Entry& entry : entries_)
     entry.waiting = false;
-  }
-  for (const Target* target : replaced)
-    removeEntry(target);
 }
 
 }  // namespace korvia

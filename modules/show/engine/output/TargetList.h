@@ -1,5 +1,5 @@
-// The targets of an encoder: lets targets join, leave or replace one another at a key frame, and delivers
-// each packet to all of them. Any thread; a call waits at most for the delivery of one packet, which only
+// The targets of an encoder: lets targets join at a key frame and leave, and delivers each packet to all of
+// them. Any thread; a call waits at most for the delivery of one packet, which only
 // queues it.
 #pragma once
 #include <atomic>
@@ -24,9 +24,6 @@ class TargetList {
   void join(std::shared_ptr<Target> target);
   /// The target gets no more packets and finishes; ignored when it is not in the list.
   void leave(const Target& target);
-  /// `next` joins and `last` leaves at the same key frame: together they get each packet exactly once. When
-  /// `last` left before, `next` joins alone.
-  void replace(const Target& last, std::shared_ptr<Target> next);
   /// Takes no lock.
   bool isEmpty() const { return count_ == 0; }
 
@@ -41,7 +38,6 @@ class TargetList {
  private:
   struct Entry {
     std::shared_ptr<Target> target;
-    const Target* replaced = nullptr;  ///< leaves at the key frame; compared only, never followed
     bool waiting = true;
   };
 

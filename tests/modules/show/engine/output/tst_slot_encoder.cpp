@@ -191,33 +191,6 @@ class TestSlotEncoder : public QObject {
     QCOMPARE(VideoJudge::judge(stays->fileName()).keyFrames, QVector<int>({0}));
   }
 
-  void splitFilesHaveEachFrameOnce() {
-    QTemporaryDir folder;
-    Rig rig;
-    std::vector<std::shared_ptr<FileTarget>> files{
-        std::make_shared<FileTarget>(fileSettings(folder, "part"))};
-    rig.encoder.join(files.back());
-    for (int part = 0; part < 3; ++part) {
-      QVERIFY(rig.feed(31));
-      files.push_back(std::make_shared<FileTarget>(fileSettings(folder, "part")));
-      rig.encoder.replace(*files[files.size() - 2], files.back());
-    }
-    QVERIFY(rig.feed(31));
-    QVERIFY(rig.finish());
-    for (std::size_t part = 0; part < files.size(); ++part) {
-      QVERIFY(files[part]->waitFinished(kFinishMs));
-      QByteArray complaints;
-      const int first = static_cast<int>(part) * 31;
-      QCOMPARE(numbersOf(*files[part], &complaints), countFrom(first, first + 31));
-      QCOMPARE(complaints, QByteArray());
-      const VideoVerdict verdict = VideoJudge::judge(files[part]->fileName());
-      QCOMPARE(verdict.pts.value(0), 0.0);
-      QCOMPARE(verdict.keyFrames, QVector<int>({0}));
-      QVERIFY(areSpaced(verdict.pts, 0.04, countTo(31)));
-      QVERIFY(qAbs(verdict.durationSeconds - 1.24) < 0.001);
-    }
-  }
-
   void failedTargetLeavesTheOthersAlone() {
     QTemporaryDir folder;
     const auto good = std::make_shared<FileTarget>(fileSettings(folder, "good"));

@@ -184,41 +184,6 @@ class TestTarget : public QObject {
     QCOMPARE(fourth.notes->ptsNs(), framesAt({}));
   }
 
-  void replacementTakesEveryPacketOnce() {
-    Janitor janitor;
-    TargetList list(janitor);
-    NotedTarget last;
-    NotedTarget next;
-    list.join(last.target);
-    list.deliver(packetOf(0, true));
-    list.replace(*last.target, next.target);
-    list.deliver(packetOf(1, false));
-    list.deliver(packetOf(2, true));
-    list.deliver(packetOf(3, false));
-    QVERIFY(last.target->waitFinished(kFinishMs));
-    QCOMPARE(last.notes->ptsNs(), framesAt({0, 1}));
-    list.finishAll();
-    QVERIFY(next.target->waitFinished(kFinishMs));
-    QCOMPARE(next.notes->ptsNs(), framesAt({0, 1}));
-  }
-
-  void replacementOfOneThatFailedJoinsAlone() {
-    Janitor janitor;
-    TargetList list(janitor);
-    NotedTarget last;
-    NotedTarget next;
-    last.notes->failAt(0);
-    list.join(last.target);
-    list.deliver(packetOf(0, true));
-    QVERIFY(last.target->waitFinished(kFinishMs));
-    list.replace(*last.target, next.target);
-    list.deliver(packetOf(1, false));  // the list drops the failed one
-    list.deliver(packetOf(2, true));
-    list.finishAll();
-    QVERIFY(next.target->waitFinished(kFinishMs));
-    QCOMPARE(next.notes->ptsNs(), framesAt({0}));
-  }
-
   void nobodyJoinsAfterTheEnd() {
     Janitor janitor;
     TargetList list(janitor);
