@@ -97,9 +97,10 @@ void OutputWatch::tell(int slot, const tagKorviaShowOutputReport& report) {
     told.news = News::Failed;
     told.line = joined({failed, fileName}, separator);
     told.details = joined({failed, report.fileName, lost}, QStringLiteral("\n"));
-  } else if (!report.warning.isEmpty()) {
+  } else if (!report.warning.isEmpty() && report.warning != told.warningClickedAway) {
     const QString unreadable = joined({text(kUnreadable), report.warning}, QStringLiteral(": "));
     told.news = News::Unreadable;
+    told.warning = report.warning;
     told.line = joined({unreadable, fileName}, separator);
     told.details = joined({unreadable, report.fileName, lost}, QStringLiteral("\n"));
   } else if (!down.isEmpty()) {
@@ -113,7 +114,7 @@ void OutputWatch::tell(int slot, const tagKorviaShowOutputReport& report) {
     told.news = News::FramesLost;
     told.line = joined({lost, fileName}, separator);
     told.details = joined({lost, report.fileName}, QStringLiteral("\n"));
-  } else if (told.news == News::TargetDown) {
+  } else if (told.news == News::TargetDown || told.news == News::Unreadable) {
     told.news = News::None;
   }
 }
@@ -159,7 +160,9 @@ void OutputWatch::showNotice() {
 void OutputWatch::clickAway() {
   for (Told& told : _told) {
     told.downClickedAway = told.down;
-    if (told.news == News::TargetDown)
+    if (told.news == News::Unreadable)
+      told.warningClickedAway = told.warning;
+    if (told.news == News::TargetDown || told.news == News::Unreadable)
       told.news = told.hasLostFrames ? News::FramesLost : News::None;
     told.clickedAway = std::max(told.clickedAway, told.news);
   }

@@ -42,6 +42,9 @@ class OutputWatch : public ConsolePage {
     /// Names of the targets that are down, and of those among them that the operator has clicked away.
     QStringList down;
     QStringList downClickedAway;
+    /// Why the recording is not whole, and what of that the operator has clicked away.
+    QString warning;
+    QString warningClickedAway;
   };
 
   void tell(int slot, const tagKorviaShowOutputReport& report);

@@ -187,7 +187,6 @@ void GWidgetOutputStatistics::refreshTips() {
   _ui->_rtmpOutputTipLineEdit_02->setText(QStringLiteral("rtmp://%1:1935/live%2").arg(ip, net.rtmpLocalPath));
   _ui->_httpOutputTipLineEdit_0->setText(
       QStringLiteral("http://%1:%2%3").arg(ip, QString::number(net.httpPort), net.httpPath));
-  // Playlists and segments are served by the web server.
   _ui->_hlsOutputTipLineEdit_0->setText(
       QStringLiteral("http://%1:%2%3/index.m3u8").arg(ip, QString::number(config->httpPort), net.hlsPath));
   _ui->_udpOutputTipLineEdit_0->setText(

@@ -147,18 +147,18 @@ void TestOperator::recordingHoldsEveryFrame() {
 
   const double seconds =
       (korvia_->blackBox().lines()[stopped].timeMs - korvia_->blackBox().lines()[started].timeMs) / 1000.0;
-  const QString file = korvia_->waitForFile(korvia_->in("d/records"), "programName_*.mp4");
-  QVERIFY(!file.isEmpty());
+  const QString file = korvia_->waitForFile(korvia_->in("d/records"), "*.mp4");
+  QVERIFY2(file.contains("/programName_"), qPrintable(file));
   VideoVerdict verdict = VideoJudge::judge(file);
   QCOMPARE(verdict.stream["codec_name"].toString(), QStringLiteral("h264"));
   QCOMPARE(verdict.stream["width"].toInt(), 1920);
   QCOMPARE(verdict.stream["height"].toInt(), 1080);
   QCOMPARE(verdict.stream["r_frame_rate"].toString(), QStringLiteral("25/1"));
   const QRegularExpressionMatch closed =
-      QRegularExpression(" closed : (\\d+) frames, (\\d+) dropped").match(korvia_->log());
+      QRegularExpression(" closed : (\\d+) frames, ").match(korvia_->log());
   QCOMPARE(closed.captured(1).toInt(), verdict.frames);
   // None on a machine that has its time for this; what a busy one drops is counted, and its place stays free.
-  const int dropped = closed.captured(2).toInt();
+  const int dropped = QRegularExpression(" lacks (\\d+) frames").match(korvia_->log()).captured(1).toInt();
   QVERIFY2(
       qAbs(verdict.frames + dropped - seconds * 25) <= 6,
       qPrintable(QString("%1 frames, %2 dropped in %3 s").arg(verdict.frames).arg(dropped).arg(seconds)));

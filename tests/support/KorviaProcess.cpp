@@ -96,8 +96,8 @@ QString KorviaProcess::troubleUnless(int exitCode) const {
   const bool leaksAreUnknown = text.contains(QLatin1String("LeakSanitizer has encountered a fatal error"));
   const QRegularExpressionMatch found = report.match(text);
   if (isRunning())
-    what = QStringLiteral("still running");
-  else if (process_.exitStatus() != QProcess::NormalExit)
+    return QStringLiteral("still running");
+  if (process_.exitStatus() != QProcess::NormalExit)
     what = QStringLiteral("killed by signal %1").arg(process_.exitCode());
   else if (found.hasMatch())
     what = QStringLiteral("sanitizer report");

@@ -331,6 +331,11 @@ class OutputWatchTest : public QObject {
     QTest::mouseClick(desk.notice(), Qt::LeftButton);
     desk.tick();
     QVERIFY(!desk.notice()->isVisible());
+    // What happens after it is told all the same.
+    report.targets = {target("Record", KorviaShowTargetState::Lost, "the disk is full", 1)};
+    desk.tick();
+    QVERIFY(desk.notice()->isVisible());
+    QCOMPARE(desk.notice()->toolTip(), QString("Record lost: the disk is full, next try in 1 s"));
   }
 
   void failureReplacesWhatWasToldOfTargets() {

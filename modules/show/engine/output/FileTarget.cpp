@@ -58,6 +58,8 @@ class FileWriter : public TargetWriter {
   /// Makes the next file; null with the reason in reason_.
   std::unique_ptr<RecordingPart> reserve(const QString& name);
   QString nextName() const { return settings_.nextName ? settings_.nextName() : settings_.name; }
+  /// A part whose end could not be written; null when there is none.
+  const RecordingPart* failedEnd() const;
   bool isCutDue(const Packet& packet) const;
   void cut(const Packet& first);
   void endPart();
@@ -172,12 +174,25 @@ void FileWriter::end() {
 TargetWriter::Progress FileWriter::progress() const {
   if (part_)
     return part_->hasFailed() && !part_->isOutOfSpace() ? Progress::Failed : Progress::Open;
-  const auto isOver = [](const auto& part) { return part->isEnded() || part->hasFailed(); };
-  return !paused_ && std::all_of(ending_.begin(), ending_.end(), isOver) ? Progress::Ended : Progress::Open;
+  if (paused_)
+    return Progress::Open;
+  if (failedEnd())
+    return Progress::Failed;
+  const auto isEnded = [](const auto& part) { return part->isEnded(); };
+  return std::all_of(ending_.begin(), ending_.end(), isEnded) ? Progress::Ended : Progress::Open;
 }
 
 QString FileWriter::failure() const {
-  return part_ && part_->hasFailed() ? part_->failure() : reason_;
+  if (part_ && part_->hasFailed())
+    return part_->failure();
+  const RecordingPart* failed = part_ ? nullptr : failedEnd();
+  return failed ? failed->failure() : reason_;
+}
+
+const RecordingPart* FileWriter::failedEnd() const {
+  const auto hasFailed = [](const auto& part) { return part->hasFailed(); };
+  const auto found = std::find_if(ending_.begin(), ending_.end(), hasFailed);
+  return found == ending_.end() ? nullptr : found->get();
 }
 
 TargetLink FileWriter::link() const {
@@ -195,11 +210,13 @@ qint64 FileWriter::bytesWritten() const {
 
 void FileWriter::forgetEndedParts() {
   const auto isOver = [this](const std::unique_ptr<RecordingPart>& part) {
-    if (part->hasFailed())
+    if (part->hasFailed()) {
+      trouble_ = part->failure();
       qCWarning(logOutput, "the end of \"%s\" is not written : %s", qPrintable(part->fileName()),
-                qPrintable(part->failure()));
-    else if (!part->isEnded())
+                qPrintable(trouble_));
+    } else if (!part->isEnded()) {
       return false;
+    }
     bytesOfEnded_ += part->bytesWritten();
     return true;
   };
@@ -212,7 +229,7 @@ void FileWriter::askGuard() {
   if (!guard_)
     guard_ = std::make_unique<RecordingGuard>(fileName_, settings_.container, settings_.guardInterval);
   const RecordingGuard::Verdict verdict = guard_->verdict();
-  if (verdict.verifiedNs >= 0)
+  if (verdict.verifiedNs >= 0 && trouble_.isEmpty())
     verifiedNs_ = nsOfEnded_ + verdict.verifiedNs;
   if (!verdict.trouble.isEmpty())
     trouble_ = verdict.trouble;
@@ -228,7 +245,9 @@ void FileWriter::measureRoom(qint64 freeBytes) {
 }
 
 bool FileWriter::mayGoOn() {
-  forgetEndedParts();
+  // At the end of the recording progress() tells of them.
+  if (part_ || paused_)
+    forgetEndedParts();
   const qint64 free = settings_.freeBytes(QFileInfo(fileName_).path());
   measureRoom(free);
   askGuard();

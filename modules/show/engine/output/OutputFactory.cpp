@@ -25,9 +25,9 @@ constexpr TargetMaker kTargetMakers[] = {
     UdpTarget::create,       HlsTarget::create,        FileTarget::create};
 
 constexpr FrameSize kDefaultSize{1920, 1080};
-constexpr int kDefaultKbps = 4096;
-constexpr int kMinKbps = 64;
-constexpr int kMaxKbps = 200000;
+// The range of the slider in the output settings, whose text field takes any number.
+constexpr int kMinKbps = 256;
+constexpr int kMaxKbps = 25600;
 constexpr int kDefaultSoundKbps = 128;
 constexpr qint64 kMinSoundKbps = 32;
 constexpr qint64 kMaxSoundKbps = 320;
@@ -44,9 +44,11 @@ FrameSize encodedSize(const tagKorviaVideoFormat& video) {
   return wanted.isEmpty() ? kDefaultSize : FrameSize{usableSide(wanted.width), usableSide(wanted.height)};
 }
 
-// The text field of the record gives 0 for a text that is no number.
 int encodedKbps(int kbps) {
-  return kbps <= 0 ? kDefaultKbps : std::clamp(kbps, kMinKbps, kMaxKbps);
+  const int clamped = std::clamp(kbps, kMinKbps, kMaxKbps);
+  if (clamped != kbps)
+    qCWarning(logOutput, "a bitrate of %d kbit/s is out of range, taking %d", kbps, clamped);
+  return clamped;
 }
 
 int encodedSoundKbps(qint64 kbps) {

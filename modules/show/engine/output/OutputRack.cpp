@@ -12,34 +12,26 @@ namespace {
 // A little longer than a target may take to end. The next job of the janitor waits for it.
 constexpr int kEndMs = 12'000;
 
-/// Where a block of the statistics has a target of the stream.
-struct TargetPlace {
-  TargetKind kind;
-  tagKorviaOutputTargetStatistics& (*of)(tagKorviaOutputStatisticsBlock& block);
-};
-
-using Block = tagKorviaOutputStatisticsBlock;
-constexpr TargetPlace kTargetPlaces[] = {{TargetKind::Rtmp0, [](Block& block) -> auto& {return block.rtmp[0];
-}  // namespace
-}  // namespace korvia
-, {TargetKind::Rtmp1, [](Block& block) -> auto& {return block.rtmp[1];
+/// Where the block of an output has the statistics of a target.
+tagKorviaOutputTargetStatistics& placeOf(TargetKind kind, tagKorviaOutputStatisticsBlock& block) {
+  switch (kind) {
+    case TargetKind::Rtmp0:
+      return block.rtmp[0];
+    case TargetKind::Rtmp1:
+      return block.rtmp[1];
+    case TargetKind::RtmpLocal:
+      return block.rtmp[2];
+    case TargetKind::Http:
+      return block.http;
+    case TargetKind::Udp:
+      return block.udp;
+    case TargetKind::Hls:
+      return block.hls;
+    case TargetKind::Record:
+      break;
+  }
+  return block.record;
 }
-}
-, {TargetKind::RtmpLocal, [](Block& block) -> auto& {return block.rtmp[2];
-}
-}
-, {TargetKind::Http, [](Block& block) -> auto& {return block.http;
-}
-}
-, {TargetKind::Udp, [](Block& block) -> auto& {return block.udp;
-}
-}
-, {TargetKind::Hls, [](Block& block) -> auto& {return block.hls;
-}
-}
-,
-}
-;
 
 }  // namespace
 
@@ -168,10 +160,8 @@ void OutputRack::statistics(tagKorviaOutputStatistics& statistics) const {
     block.videoBitrate = figures.videoKbps;
     block.audioRate = figures.samplesPerSecond;
     block.audioBitrate = figures.soundKbps;
-    for (const TargetPlace& place : kTargetPlaces)
-      place.of(block).bitrate = figures.kbps[static_cast<std::size_t>(place.kind)];
-    if (slot == OutputSlotRecord)
-      block.record.bitrate = figures.up ? figures.videoKbps : 0;
+    for (std::size_t kind = 0; kind < kTargetKinds; ++kind)
+      placeOf(static_cast<TargetKind>(kind), block).bitrate = figures.kbps[kind];
   }
 }
 

@@ -1,5 +1,5 @@
-// The destination of the packets of an encoder: a file, later streams. Each target has a bounded queue and
-// its own thread. A slow or hanging target drops its own packets and continues at a key frame. Only
+// The destination of the packets of an encoder: a file, a server, viewers. Each target has a bounded queue
+// and its own thread. A slow or hanging target drops its own packets and continues at a key frame. Only
 // waitFinished() and the destructor wait for a disk or a network. Any thread; push() on the thread of the
 // encoder.
 #pragma once

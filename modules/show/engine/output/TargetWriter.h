@@ -33,8 +33,10 @@ struct TargetLink {
 struct DiskFigures {
   qint64 writtenNs = 0;     ///< of pictures, over all files
   qint64 roomSeconds = -1;  ///< until the disk is full at the bitrate of the tracks; -1 when unknown
-  qint64 verifiedNs = -1;   ///< how far it was read back and is whole; -1 before the first time
-  QString trouble;          ///< why it could not be read back; empty when it could
+  /// How far it was read back and is whole, but for the last seconds of files that were closed; -1 before
+  /// the first time.
+  qint64 verifiedNs = -1;
+  QString trouble;  ///< why something is not whole; empty when all is
 };
 
 class TargetWriter {

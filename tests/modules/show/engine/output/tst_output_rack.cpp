@@ -130,8 +130,7 @@ class OutputRackTest : public QObject {
       return statistics.blocks[OutputSlotRecord].record.bitrate > 0;
     };
     QTRY_VERIFY_WITH_TIMEOUT(hasRate(), 20'000);
-    QCOMPARE(statistics.blocks[OutputSlotRecord].videoBitrate,
-             statistics.blocks[OutputSlotRecord].record.bitrate);
+    QVERIFY(statistics.blocks[OutputSlotRecord].videoBitrate > 0);
     QVERIFY(statistics.blocks[OutputSlotRecord].videoFps > 0);
     QVERIFY(statistics.blocks[OutputSlotRecord].audioRate > 0);
     QVERIFY(statistics.blocks[OutputSlotRecord].audioBitrate > 0);
