@@ -1,6 +1,8 @@
 // Small PDF documents with pages whose drawing operators are given. Pure function.
 #pragma once
 #include <QByteArray>
+#include <QDir>
+#include <QFile>
 #include <QSize>
 #include <QVector>
 
@@ -48,6 +50,18 @@ inline QByteArray pdfGrey(double grey) {
 /// Operators that take minutes.
 inline QByteArray pdfSlow() {
   return QByteArray("0 0 2000 2000 re 1 1 1999 1999 re f*\n").repeated(100'000);
+}
+
+/// Whether no drawing runs any more that was left behind. Poppler's own data go when the process ends, and a
+/// drawing must not use them then.
+inline bool noDrawingIsLeft() {
+  const QDir tasks(QStringLiteral("/proc/self/task"));
+  for (const QString& task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+    QFile name(tasks.filePath(task + QStringLiteral("/comm")));
+    if (name.open(QIODevice::ReadOnly) && name.readAll().startsWith("kv-source"))
+      return false;
+  }
+  return true;
 }
 
 }  // namespace korvia::test

@@ -103,6 +103,8 @@ class PdfRendererTest : public QObject {
     QString reason;
     QCOMPARE(renderer.open(reason), 2000);
   }
+
+  void cleanupTestCase() { QTRY_VERIFY_WITH_TIMEOUT(noDrawingIsLeft(), 60'000); }
 };
 
 QTEST_GUILESS_MAIN(PdfRendererTest)

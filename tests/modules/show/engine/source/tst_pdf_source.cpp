@@ -132,6 +132,8 @@ class PdfSourceTest : public QObject {
     QTRY_COMPARE_WITH_TIMEOUT(lumaOf(rig), 16, 30'000);
     QCOMPARE(rig->getItemIndex(), 2);
   }
+
+  void cleanupTestCase() { QTRY_VERIFY_WITH_TIMEOUT(noDrawingIsLeft(), 60'000); }
 };
 
 QTEST_GUILESS_MAIN(PdfSourceTest)
