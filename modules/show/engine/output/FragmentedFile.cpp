@@ -1,7 +1,10 @@
 #include "FragmentedFile.h"
 
 #include <QFile>
+#include <QtAlgorithms>
 #include <QtEndian>
+#include <algorithm>
+#include <cstring>
 
 namespace korvia {
 
@@ -24,6 +27,75 @@ qint64 boxBytes(const QByteArray& head) {
   return longBytes >= kLongHeadBytes ? longBytes : -1;
 }
 
+// Flags of the boxes of a fragment, by ISO/IEC 14496-12. A box with flags has them behind its head.
+constexpr quint32 kTrackBase = 0x1;
+constexpr quint32 kTrackDescription = 0x2;
+constexpr quint32 kTrackDuration = 0x8;
+constexpr quint32 kTrackSize = 0x10;
+constexpr quint32 kTrackFlags = 0x20;
+constexpr quint32 kRunOffset = 0x1;
+constexpr quint32 kRunFirstFlags = 0x4;
+constexpr quint32 kRunDuration = 0x100;
+constexpr quint32 kRunSize = 0x200;
+constexpr int kFieldBytes = 4;
+constexpr int kFlagsBytes = 12;  // head, version and flags
+
+bool isBox(const std::uint8_t* box, const char* kind) {
+  return std::memcmp(box + kFieldBytes, kind, kFieldBytes) == 0;
+}
+
+template <typename Action>
+void forEachBox(std::uint8_t* data, qint64 size, Action action) {
+  while (size >= kHeadBytes) {
+    const qint64 bytes = qFromBigEndian<quint32>(data);
+    if (bytes < kFlagsBytes || bytes > size)
+      return;
+    action(data, bytes);
+    data += bytes;
+    size -= bytes;
+  }
+}
+
+quint32 flagsOf(const std::uint8_t* box) {
+  return qFromBigEndian<quint32>(box + kHeadBytes) & 0xffffff;
+}
+
+/// The bytes of those fields of the box that its flags say are there.
+int fieldBytes(quint32 flags, quint32 fields) {
+  return kFieldBytes * qPopulationCount(flags & fields);
+}
+
+/// The inside of a "traf".
+bool completeTrack(std::uint8_t* data, qint64 size) {
+  std::uint8_t* head = nullptr;
+  quint32 firstSize = 0;
+  bool lacksSize = false;
+  forEachBox(data, size, [&](std::uint8_t* box, qint64 bytes) {
+    if (isBox(box, "tfhd"))
+      head = box;
+    if (!isBox(box, "trun"))
+      return;
+    const quint32 flags = flagsOf(box);
+    // Behind the number of samples.
+    const int at = kFlagsBytes + kFieldBytes + fieldBytes(flags, kRunOffset | kRunFirstFlags | kRunDuration);
+    if (!(flags & kRunSize))
+      lacksSize = true;
+    else if (firstSize == 0 && at + kFieldBytes <= bytes)
+      firstSize = qFromBigEndian<quint32>(box + at);
+  });
+  if (!head || !lacksSize || firstSize == 0)
+    return false;
+  const quint32 flags = flagsOf(head);
+  if ((flags & kTrackSize) || !(flags & kTrackFlags))
+    return false;
+  // Behind the number of the track; the base takes two fields.
+  const int at = kFlagsBytes + kFieldBytes + 2 * fieldBytes(flags, kTrackBase) +
+                 fieldBytes(flags, kTrackDescription | kTrackDuration);
+  qToBigEndian<quint32>((flags & ~kTrackFlags) | kTrackSize, head + kHeadBytes);
+  qToBigEndian<quint32>(firstSize, head + at);
+  return true;
+}
+
 }  // namespace
 
 qint64 dropPartialBox(const QString& fileName) {
@@ -41,6 +113,18 @@ qint64 dropPartialBox(const QString& fileName) {
     at += bytes;
   }
   return 0;
+}
+
+int addDefaultSizes(std::uint8_t* data, qint64 size) {
+  if (size < kLongHeadBytes || !isBox(data, "moof") || !isBox(data + kHeadBytes, "mfhd"))
+    return 0;
+  int completed = 0;
+  forEachBox(data + kHeadBytes, std::min<qint64>(size, qFromBigEndian<quint32>(data)) - kHeadBytes,
+             [&](std::uint8_t* box, qint64 bytes) {
+               if (isBox(box, "traf") && completeTrack(box + kHeadBytes, bytes - kHeadBytes))
+                 ++completed;
+             });
+  return completed;
 }
 
 }  // namespace korvia

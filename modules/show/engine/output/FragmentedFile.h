@@ -1,6 +1,7 @@
-// Repairs the end of an mp4 or mov file after a write error. Any thread.
+// Repairs of mp4 and mov files that are written in fragments. Any thread.
 #pragma once
 #include <QString>
+#include <cstdint>
 
 namespace korvia {
 
@@ -8,5 +9,12 @@ namespace korvia {
 /// but an incomplete index makes them refuse the whole file. A box whose size says "to the end of the file"
 /// stays. A complete file, and a file that is no mp4 or mov, is not changed. Returns the bytes removed.
 qint64 dropPartialBox(const QString& fileName);
+
+/// Completes the index of a fragment, in place; `data` that does not begin with a "moof" box is not changed.
+/// qtmux leaves the size out of a run of samples that are as large as the track's first one in the fragment,
+/// also when it has dropped that size as the track's default because others are larger or smaller. Players
+/// then refuse the whole file. The default size is put in the place of the default flags, which say little.
+/// Returns the number of tracks that were completed.
+int addDefaultSizes(std::uint8_t* data, qint64 size);
 
 }  // namespace korvia

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "FragmentedFile.h"
 #include "engine/HappensBefore.h"
 
 namespace korvia {
@@ -52,6 +53,8 @@ bool MuxPipeline::link(const TrackList& tracks, const RecordContainer& container
   if (sink.prepare)
     sink.prepare(end);
   OutputPipeline::addProbe(end, "sink", onWritten, this);
+  if (container.boxes)
+    OutputPipeline::addProbe(muxer, "src", onMuxed, nullptr);
   for (const Track& track : tracks) {
     if (!addTrack(track, container, muxer))
       return false;
@@ -101,6 +104,21 @@ void MuxPipeline::feed(const Packet& packet) {
 void MuxPipeline::endStream() {
   for (const auto& inlet : inlets_)
     inlet->end();
+}
+
+GstPadProbeReturn MuxPipeline::onMuxed(GstPad*, GstPadProbeInfo* info, gpointer) {
+  // Only an index is changed; the data of the packets are shared with other targets.
+  if ((info->type & GST_PAD_PROBE_TYPE_BUFFER_LIST) ||
+      gst_buffer_memcmp(GST_PAD_PROBE_INFO_BUFFER(info), 4, "moof", 4) != 0)
+    return GST_PAD_PROBE_OK;
+  GstBuffer* buffer = gst_buffer_make_writable(GST_PAD_PROBE_INFO_BUFFER(info));
+  GST_PAD_PROBE_INFO_DATA(info) = buffer;
+  GstMapInfo map;
+  if (gst_buffer_map(buffer, &map, GST_MAP_READWRITE)) {
+    addDefaultSizes(map.data, static_cast<qint64>(map.size));
+    gst_buffer_unmap(buffer, &map);
+  }
+  return GST_PAD_PROBE_OK;
 }
 
 GstPadProbeReturn MuxPipeline::onWritten(GstPad*, GstPadProbeInfo* info, gpointer self) {

@@ -57,6 +57,7 @@ class MuxPipeline {
  private:
   bool link(const TrackList& tracks, const RecordContainer& container, const MuxSink& sink);
   bool addTrack(const Track& track, const RecordContainer& container, GstElement* muxer);
+  static GstPadProbeReturn onMuxed(GstPad* pad, GstPadProbeInfo* info, gpointer self);
   static GstPadProbeReturn onWritten(GstPad* pad, GstPadProbeInfo* info, gpointer self);
 
   std::atomic<qint64> bytesWritten_{0};
