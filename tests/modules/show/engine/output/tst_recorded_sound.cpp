@@ -222,10 +222,12 @@ class RecordedSoundTest : public QObject {
       QVERIFY(waitForRoom(recording, i + 1, 15));
     }
     const QString copy = folder.filePath("copy");
-    QVERIFY(QFile::copy(recording.fileName(), copy));
-    // The newest frames are still on their way.
-    const VideoVerdict verdict = VideoJudge::judge(copy);
-    QVERIFY2(verdict.frames >= kFrames, qPrintable(QString::number(verdict.frames)));
+    const auto framesInCopy = [&] {
+      QFile::remove(copy);
+      return QFile::copy(recording.fileName(), copy) ? VideoJudge::judge(copy).frames : 0;
+    };
+    // The newest frames may still be on their way.
+    QVERIFY(QTest::qWaitFor([&] { return framesInCopy() >= 2 * kFrames - 45; }, kFinishMs));
   }
 
   void aGapIsSilenceAndKeepsTheTime() {
