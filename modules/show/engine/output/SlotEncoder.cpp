@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kMeasureMs = 1000;
 constexpr int kQueuedSamples = kSampleRate;
-// A longer gap in the sound is no gap but another time.
+// A longer gap comes from a wrong time stamp and is not filled.
 constexpr qint64 kMostSilence = 60LL * kSampleRate;
 
 }  // namespace

@@ -87,7 +87,7 @@ MuxSink chunkSink(ChunkFormat format, std::function<void(const StreamChunk&)> on
   sink.element = "appsink";
   sink.properties = {
       {"sync", "false"}, {"async", "false"}, {"enable-last-sample", "false"}, {"buffer-list", "true"}};
-  // The pipeline ends before the plan that holds this function.
+  // The pipeline is destroyed before the plan, which owns this function and with it the taker.
   sink.prepare = [taker = std::make_shared<Taker>(Taker{format, std::move(onChunk)})](GstElement* element) {
     GstAppSinkCallbacks callbacks = {};
     callbacks.new_sample = onSample;

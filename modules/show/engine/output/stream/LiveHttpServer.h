@@ -26,7 +26,7 @@ class LiveHttpServer {
   LiveHttpServer(const LiveHttpServer&) = delete;
   LiveHttpServer& operator=(const LiveHttpServer&) = delete;
 
-  /// What is served under a path; both ends of its life are the owner's.
+  /// What is served under a path, until whoever added it removes it.
   struct Content {
     std::shared_ptr<LiveFeed> feed;     ///< a live stream, or null
     const char* contentType = nullptr;  ///< of the stream
