@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kMeasureMs = 1000;
 constexpr int kQueuedSamples = kSampleRate;
-// A longer gap comes from a wrong time stamp and is not filled.
+// A longer gap comes from a wrong time stamp; only so much of it is filled.
 constexpr qint64 kMostSilence = 60LL * kSampleRate;
 
 }  // namespace
