@@ -159,12 +159,17 @@ class SourceRig {
   Source* operator->() { return source_.get(); }
   NotifySink& sink() { return sink_; }
 
-  /// One tick, once the decoder is ahead or has nothing more to give.
+  /// One tick, once the decoder is ahead or has nothing more to give. A film waits for its first sound too;
+  /// ticks before that do not move its clock and are not counted.
   FrameRef tick() {
-    const auto give = std::chrono::steady_clock::now() + std::chrono::milliseconds(200);
-    while (source_->figures().framesQueued < 2 && std::chrono::steady_clock::now() < give)
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return source_->pullFrame(1);
+    waitUpTo(std::chrono::milliseconds(200), [&] { return source_->figures().framesQueued >= 2; });
+    FrameRef frame = source_->pullFrame(1);
+    waitUpTo(std::chrono::seconds(10), [&] {
+      if (!frame && source_->figures().framesQueued > 0)
+        frame = source_->pullFrame(1);
+      return frame || source_->figures().framesQueued == 0;
+    });
+    return frame;
   }
 
   /// Ticks until the state is there; false after `seconds`.
@@ -215,6 +220,13 @@ class SourceRig {
   }
 
  private:
+  template <typename Condition>
+  static void waitUpTo(std::chrono::milliseconds limit, Condition condition) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!condition() && std::chrono::steady_clock::now() < end)
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+
   SourceContext context_;
   NotifySink sink_;
   std::shared_ptr<Source> source_;
