@@ -17,6 +17,7 @@
 #include "output/GWidgetOutputStatistics.h"
 #include "output/OutputSettings.h"
 #include "present/popupAt.h"
+#include "services/ConsoleServers.h"
 #include "services/PaintPad.h"
 #include "tagKorviaShowPresentPlacement.h"
 #include "transitions/GWidgetTransitionEffectConfig.h"
@@ -109,6 +110,7 @@ void KorviaSarnhawk::onClicked_startRecordPushButton() {
 void KorviaSarnhawk::onClicked_startStreamPushButton() {
   if (_ui->_startStreamPushButton->isChecked()) {
     _outputWatch->onStart(OutputSlotStream);
+    _servers->serveSegments(_config.outputParam.items[OutputSlotStream]);
     _outputs->start(OutputKindStream);
   } else {
     _outputs->stop(OutputKindStream);

@@ -1,9 +1,11 @@
 #include "services/ConsoleServers.h"
 
+#include "DrivePath.h"
 #include "GDialogHWCheckSwitch.h"
 #include "KorviaCommonUtil.h"
 #include "StatusBoard.h"
 #include "tagCheckNetPortItem.h"
+#include "tagKorviaShowOutputParam.h"
 
 namespace {
 
@@ -24,6 +26,14 @@ bool ConsoleServers::startWeb(IKorviaWebServerSink* sink, int* httpPort) {
     return false;
   }
   return true;
+}
+
+void ConsoleServers::serveSegments(const tagKorviaShowOutputItem& stream) {
+  if (!_web._interface)
+    return;
+  const bool isOn = stream.hlsEnable != 0;
+  _web._interface->serveSegments(stream.hlsPath,
+                                 isOn ? korvia::DrivePath::resolve(stream.hlsTemporaryFolder) : QString());
 }
 
 bool ConsoleServers::prepareIncome() {

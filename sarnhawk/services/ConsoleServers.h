@@ -8,6 +8,7 @@
 #include "CKorviaWebServerHelper.h"
 
 class IKorviaWebServerSink;
+struct tagKorviaShowOutputItem;
 class QWidget;
 
 class ConsoleServers {
@@ -18,6 +19,8 @@ class ConsoleServers {
   /// server took. Neither pointer is owned, and both must outlive the server. False when the module is
   /// missing or no port is free.
   bool startWeb(IKorviaWebServerSink* sink, int* httpPort);
+  /// Serves the playlist and the segments of the stream as these settings tell; nothing when HLS is off.
+  void serveSegments(const tagKorviaShowOutputItem& stream);
   /// Loads the income server, which startIncome opens later. False when the module is missing.
   bool prepareIncome();
   /// Opens the income server with the folder "html" below `rootPath`, which ends in a separator. A failure is

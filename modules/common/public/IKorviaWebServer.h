@@ -1,6 +1,8 @@
-// Serves the console's status as JSON and as a page, on loopback. Called on the console thread;
-// requests are served on a thread of the server.
+// Serves the console's status as JSON and as a page, and the segments of a stream, on loopback. Called on the
+// console thread; requests are served on a thread of the server.
 #pragma once
+#include <QString>
+
 #include "IUnknownEx.h"
 
 class IKorviaWebServerSink;
@@ -14,6 +16,11 @@ class IKorviaWebServer : public IUnknownEx {
   virtual int open(IKorviaWebServerSink* sink, int* httpPort) = 0;
   /// Ends all connections and frees the port. Does nothing when the server is not open.
   virtual void close() = 0;
+  /// Serves the playlists (*.m3u8) and segments (*.ts) of a folder of this machine below a path of the
+  /// server,
+  /// "/hls/0" for "/hls/0/index.m3u8". It replaces the folder served before; an empty one ends that. May be
+  /// called before open().
+  virtual void serveSegments(const QString& path, const QString& folder) = 0;
 
  protected:
   ~IKorviaWebServer() = default;

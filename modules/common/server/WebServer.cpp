@@ -1,12 +1,17 @@
 #include "WebServer.h"
 
+#include <fcntl.h>
 #include <microhttpd.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <QCryptographicHash>
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QLoggingCategory>
+#include <QRegularExpression>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -59,6 +64,31 @@ bool isLocalHostHeader(const char* header) {
   return host == "127.0.0.1" || qstricmp(host.constData(), "localhost") == 0;
 }
 
+void addSafetyHeaders(MHD_Response* response) {
+  MHD_add_response_header(response, "X-Content-Type-Options", "nosniff");
+  MHD_add_response_header(response, "Referrer-Policy", "no-referrer");
+}
+
+/// Takes over the file, which is a playlist or a segment by the end of its path.
+int sendSegment(MHD_Connection* connection, int file, const QString& path) {
+  struct stat state = {};
+  ::fstat(file, &state);
+  const bool isList = path.endsWith(QLatin1String(".m3u8"));
+  MHD_Response* response = MHD_create_response_from_fd64(static_cast<std::uint64_t>(state.st_size), file);
+  if (!response) {
+    ::close(file);
+    return MHD_NO;
+  }
+  MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE,
+                          isList ? "application/vnd.apple.mpegurl" : "video/mp2t");
+  MHD_add_response_header(response, MHD_HTTP_HEADER_CACHE_CONTROL, isList ? "no-cache" : "max-age=60");
+  MHD_add_response_header(response, "Content-Security-Policy", kPlainPolicy);
+  addSafetyHeaders(response);
+  const int result = MHD_queue_response(connection, MHD_HTTP_OK, response);
+  MHD_destroy_response(response);
+  return result;
+}
+
 int send(MHD_Connection* connection, const Answer& answer) {
   // MHD copies the body, and omits it for HEAD on its own.
   MHD_Response* response =
@@ -68,8 +98,7 @@ int send(MHD_Connection* connection, const Answer& answer) {
     return MHD_NO;
   MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, answer.contentType);
   MHD_add_response_header(response, MHD_HTTP_HEADER_CACHE_CONTROL, "no-store");
-  MHD_add_response_header(response, "X-Content-Type-Options", "nosniff");
-  MHD_add_response_header(response, "Referrer-Policy", "no-referrer");
+  addSafetyHeaders(response);
   MHD_add_response_header(response, "Content-Security-Policy", answer.policy.constData());
   if (answer.allow)
     MHD_add_response_header(response, MHD_HTTP_HEADER_ALLOW, answer.allow);
@@ -171,6 +200,37 @@ void WebServer::close() {
   daemon_ = nullptr;
 }
 
+void WebServer::serveSegments(const QString& path, const QString& folder) {
+  MutexLock lock(mutex_);
+  segments_ = {QDir::cleanPath(QLatin1Char('/') + path.trimmed()), folder};
+}
+
+int WebServer::openSegment(const QString& path) const {
+  QString fileName;
+  {
+    MutexLock lock(mutex_);
+    const QString prefix =
+        segments_.path.endsWith(QLatin1Char('/')) ? segments_.path : segments_.path + QLatin1Char('/');
+    if (segments_.folder.isEmpty() || !path.startsWith(prefix))
+      return -1;
+    // Nothing but the names that the stream gives its files, so that no path leads out of the folder.
+    static const QRegularExpression served(QStringLiteral("^[A-Za-z0-9_-]+\\.(m3u8|ts)$"));
+    const QString name = path.mid(prefix.size());
+    if (!served.match(name).hasMatch())
+      return -1;
+    fileName = QDir(segments_.folder).filePath(name);
+  }
+  // The path may be a link or a pipe that somebody put there.
+  const int file =
+      ::open(QFile::encodeName(fileName).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  struct stat state = {};
+  if (file >= 0 && (::fstat(file, &state) != 0 || !S_ISREG(state.st_mode))) {
+    ::close(file);
+    return -1;
+  }
+  return file;
+}
+
 QByteArray WebServer::statusJson() const {
   const QJsonObject status{{QStringLiteral("uptimeSeconds"), uptime_.elapsed() / 1000},
                            {QStringLiteral("sections"), StatusBoard::instance().snapshot()}};
@@ -201,6 +261,10 @@ int WebServer::answer(MHD_Connection* connection, const char* url, const char* m
     answer.status = MHD_HTTP_FORBIDDEN;
     answer.body = "forbidden\n";
   } else if (!isPage && !isStatus) {
+    const QString path = QString::fromUtf8(url);
+    const int segment = isRead ? openSegment(path) : -1;
+    if (segment >= 0)
+      return sendSegment(connection, segment, path);
     answer.status = MHD_HTTP_NOT_FOUND;
     answer.body = "not found\n";
   } else if (!isRead) {

@@ -1,11 +1,13 @@
-// Shows the status board in the browser of the operator: "/status.json" and a page at "/", on loopback only.
-// open and close are called on the console thread; a thread of libmicrohttpd answers the requests.
+// Shows the status board in the browser of the operator: "/status.json" and a page at "/", and serves the
+// segments of the stream to its players, on loopback only. The interface is called on the console thread; a
+// thread of libmicrohttpd answers the requests.
 #pragma once
 #include <QByteArray>
 #include <QElapsedTimer>
 #include <list>
 
 #include "IKorviaWebServer.h"
+#include "ThreadSafety.h"
 
 struct MHD_Daemon;
 struct MHD_Connection;
@@ -24,6 +26,7 @@ class WebServer : public IKorviaWebServer {
   void* queryInterface(const Identifier* id, unsigned version) override;
   int open(IKorviaWebServerSink* sink, int* httpPort) override;
   void close() override;
+  void serveSegments(const QString& path, const QString& folder) override;
 
   /// Answers one request. Server thread.
   int answer(MHD_Connection* connection, const char* url, const char* method);
@@ -34,13 +37,22 @@ class WebServer : public IKorviaWebServer {
   void onConnectionClosed(MHD_Connection* connection);
 
  private:
+  struct Segments {
+    QString path;    // with one slash in front and none at its end
+    QString folder;  // of this machine; empty when there is none
+  };
+
   QByteArray statusJson() const;
+  /// The file of the segments under a path; -1 for anything else. The caller closes it.
+  int openSegment(const QString& path) const EXCLUDES(mutex_);
 
   // Set before the thread of the server starts and constant while it runs.
   QByteArray page_;
   QByteArray pagePolicy_;  // content security policy that allows the page's own script and style
   QElapsedTimer uptime_;
   MHD_Daemon* daemon_ = nullptr;
+  mutable Mutex mutex_;
+  Segments segments_ GUARDED_BY(mutex_);
   // Open connections, the oldest first. Server thread only.
   std::list<MHD_Connection*> connections_;
 };

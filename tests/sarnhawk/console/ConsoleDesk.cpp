@@ -33,6 +33,9 @@ class DeskWebServer final : public IKorviaWebServer {
     return console_.webOpenResult;
   }
   void close() override { console_.serverLog.append(QStringLiteral("web close")); }
+  void serveSegments(const QString& path, const QString& folder) override {
+    console_.serverLog.append(QStringLiteral("web segments %1 %2").arg(path, folder));
+  }
 
  private:
   DeskConsole& console_;

@@ -114,6 +114,7 @@ struct WebServerTable {
   RootTable root;
   int (*open)(void*, IKorviaWebServerSink*, int*);
   void (*close)(void*);
+  void (*serveSegments)(void*, const QString&, const QString&);
 };
 
 struct IncomeServerTable {

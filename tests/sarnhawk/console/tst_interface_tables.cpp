@@ -356,13 +356,17 @@ void InterfaceTablesTest::handMadeServers() {
         return -5;
       },
       [](void* self) { note(self, "close"); },
+      [](void* self, const QString& path, const QString& folder) {
+        note(self, "serveSegments", path, folder);
+      },
   });
   QVERIFY(rootAnswers(web));
   int port = 8800;
   QCOMPARE(web.get()->open(someAddress<IKorviaWebServerSink>(), &port), -5);
   web.get()->close();
-  QCOMPARE(calls().names, QStringList({"open", "close"}));
-  QCOMPARE(calls().args, QVariantList({true, 8800}));
+  web.get()->serveSegments("/hls/0", "/folder");
+  QCOMPARE(calls().names, QStringList({"open", "close", "serveSegments"}));
+  QCOMPARE(calls().args, QVariantList({true, 8800, "/hls/0", "/folder"}));
 
   HandMadeObject<IKorviaRTMPIncomeServer, IncomeServerTable> income({
       kRoot,
@@ -579,6 +583,7 @@ void InterfaceTablesTest::serversByTheirTables() {
   int port = 0;
   QCOMPARE(webTable.open(web._interface, nullptr, &port), 0);
   QVERIFY(port > 0);
+  webTable.serveSegments(web._interface, QString(), QString());
   webTable.close(web._interface);
   QVERIFY(webTable.root.release(web._interface));
   web._interface = nullptr;

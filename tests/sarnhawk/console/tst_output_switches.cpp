@@ -58,6 +58,29 @@ class OutputSwitchesTest : public QObject {
     QVERIFY(format.video == videoFormat(slot + 2));
     QVERIFY(format.audio == info.audioFormat);
   }
+
+  void segmentsAreServedFromTheStartOfTheStream_data() {
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<int>("hlsEnable");
+    QTest::addColumn<QStringList>("log");
+    QTest::newRow("off") << QByteArray("_startStreamPushButton") << 0 << QStringList("web segments /hls/0 ");
+    QTest::newRow("on") << QByteArray("_startStreamPushButton") << 1
+                        << QStringList("web segments /hls/0 /drive/records/hls/0/");
+    QTest::newRow("record") << QByteArray("_startRecordPushButton") << 1 << QStringList();
+  }
+  void segmentsAreServedFromTheStartOfTheStream() {
+    QFETCH(QByteArray, button);
+    QFETCH(int, hlsEnable);
+    QFETCH(QStringList, log);
+    ConsoleDesk desk;
+    QVERIFY(desk.start());
+    qputenv("KORVIA_DRIVE_D", "/drive");
+    desk.console->getConfig()->outputParam.items[0].hlsEnable = static_cast<quint8>(hlsEnable);
+    desk.console->serverLog.clear();
+    desk.child<QPushButton>(button)->click();
+    qunsetenv("KORVIA_DRIVE_D");
+    QCOMPARE(desk.console->serverLog, log);
+  }
 };
 
 QTEST_MAIN(OutputSwitchesTest)

@@ -1,9 +1,12 @@
 // The web server over real sockets, as the console loads it.
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTcpServer>
+#include <QTemporaryDir>
 #include <QtTest>
 
 #include "CKorviaWebServerHelper.h"
@@ -24,6 +27,13 @@ int pickPort() {
   const int port = LoopbackPort::portOf(socket);
   ::close(socket);
   return port;
+}
+
+void store(const QString& fileName, const QByteArray& contents) {
+  QDir().mkpath(QFileInfo(fileName).path());
+  QFile file(fileName);
+  QVERIFY(file.open(QIODevice::WriteOnly));
+  QCOMPARE(file.write(contents), contents.size());
 }
 
 }  // namespace
@@ -127,6 +137,51 @@ class WebServerTest : public QObject {
     QCOMPARE(request(port_, "GET", "/status.json", "127.0.0.1:" + port).status, 200);
     QCOMPARE(request(port_, "GET", "/status.json", "evil.example:" + port).status, 403);
     QCOMPARE(request(port_, "GET", "/status.json", "127.0.0.1.evil.example").status, 403);
+  }
+
+  void segmentsOfTheFolderAreServed() {
+    const QTemporaryDir root;
+    const QString folder = root.filePath("hls");
+    store(folder + "/index.m3u8", "#EXTM3U\n");
+    store(folder + "/segment-1-000000.ts", QByteArray(100000, 'x'));
+    QCOMPARE(request(port_, "GET", "/hls/0/index.m3u8").status, 404);
+    helper_._interface->serveSegments(" hls/0/", folder);
+    const HttpReply list = request(port_, "GET", "/hls/0/index.m3u8");
+    QCOMPARE(list.status, 200);
+    QCOMPARE(list.body, QByteArray("#EXTM3U\n"));
+    QVERIFY(list.head.contains("Content-Type: application/vnd.apple.mpegurl"));
+    QVERIFY(list.head.contains("Cache-Control: no-cache"));
+    QVERIFY(list.head.contains("X-Content-Type-Options: nosniff"));
+    const HttpReply segment = request(port_, "GET", "/hls/0/segment-1-000000.ts");
+    QCOMPARE(segment.body.size(), 100000);
+    QVERIFY(segment.head.contains("Content-Type: video/mp2t"));
+    QCOMPARE(request(port_, "HEAD", "/hls/0/segment-1-000000.ts").status, 200);
+    QCOMPARE(request(port_, "POST", "/hls/0/index.m3u8").status, 404);
+    QCOMPARE(request(port_, "GET", "/hls/0/index.m3u8", "evil.example").status, 403);
+    helper_._interface->serveSegments("/", folder);
+    QCOMPARE(request(port_, "GET", "/index.m3u8").status, 200);
+    QCOMPARE(request(port_, "GET", "/hls/0/index.m3u8").status, 404);
+    helper_._interface->serveSegments("/", QString());
+    QCOMPARE(request(port_, "GET", "/index.m3u8").status, 404);
+  }
+
+  void nothingElseOfTheFolderIsServed() {
+    const QTemporaryDir root;
+    const QString folder = root.filePath("hls");
+    store(folder + "/index.m3u8", "#EXTM3U\n");
+    store(folder + "/secret.txt", "secret");
+    store(folder + "/below/other.ts", "other");
+    store(root.filePath("link.ts"), "outside");
+    QVERIFY(QFile::link(root.filePath("link.ts"), folder + "/link.ts"));
+    QVERIFY(QDir().mkpath(folder + "/folder.ts"));
+    QCOMPARE(::mkfifo(qPrintable(folder + "/pipe.ts"), 0600), 0);
+    helper_._interface->serveSegments("/hls/0", folder);
+    QCOMPARE(request(port_, "GET", "/hls/0/index.m3u8").status, 200);
+    for (const char* path :
+         {"/hls/0/secret.txt", "/hls/0/link.ts", "/hls/0/../link.ts", "/hls/0/%2e%2e/link.ts",
+          "/hls/0/%2e%2e%2flink.ts", "/hls/0/below/other.ts", "/hls/0/folder.ts", "/hls/0/pipe.ts", "/hls/0/",
+          "/hls/0", "/hls/0/none.ts", "/hls/00/index.m3u8"})
+      QVERIFY2(request(port_, "GET", path).status == 404, path);
   }
 
   void rubbishHarmsNobody() {

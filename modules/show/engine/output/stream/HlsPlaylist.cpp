@@ -66,4 +66,13 @@ QStringList HlsPlaylist::takeOutdated() {
   return outdated;
 }
 
+QStringList HlsPlaylist::takeUnlisted() {
+  QStringList unlisted;
+  for (std::size_t count = listBegin(); count > 0; --count) {
+    unlisted.append(segments_.front().name);
+    dropFirst();
+  }
+  return unlisted;
+}
+
 }  // namespace korvia

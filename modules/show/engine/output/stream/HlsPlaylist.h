@@ -27,6 +27,8 @@ class HlsPlaylist {
   /// The segments that no player asks for any more, once. A segment stays for the length of the longest list
   /// that it stood in and its own length (RFC 8216, 6.2.2).
   QStringList takeOutdated();
+  /// All segments that have left the list, once: when the room they take is needed.
+  QStringList takeUnlisted();
 
  private:
   struct Segment {

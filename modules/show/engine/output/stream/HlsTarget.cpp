@@ -9,7 +9,6 @@
 #include "DrivePath.h"
 #include "MuxWriter.h"
 #include "SegmentFolder.h"
-#include "ServedPath.h"
 #include "ThreadSafety.h"
 #include "engine/EngineLog.h"
 
@@ -113,12 +112,7 @@ MuxPlan HlsWriter::plan() {
     plan.obstacle = QStringLiteral("the folder cannot be made");
     return plan;
   }
-  LiveHttpServer::Content content;
-  content.folder = DrivePath::resolve(settings_.folder);
-  const std::shared_ptr<ServedPath> served =
-      ServedPath::make(settings_.port, settings_.path, content, &plan.obstacle);
-  // The path is served for as long as the sink may be used.
-  plan.sink = chunkSink(ChunkFormat::Ts, [this, served](const StreamChunk& chunk) { cutter_.take(chunk); });
+  plan.sink = chunkSink(ChunkFormat::Ts, [this](const StreamChunk& chunk) { cutter_.take(chunk); });
   return plan;
 }
 
@@ -163,8 +157,7 @@ std::unique_ptr<TargetWriter> retryingHls(const HlsSettings& settings) {
   const auto folder =
       std::make_shared<SegmentFolder>(DrivePath::resolve(settings.folder), settings.listedSegments,
                                       settings.segmentSeconds * kSecondNs + splitNs);
-  qCInfo(logOutput, "%s is on port %d at \"%s/%s\"", qPrintable(retry.label), settings.port,
-         qPrintable(LiveHttpServer::cleanPath(settings.path)), SegmentFolder::kListName);
+  qCInfo(logOutput, "%s goes to the folder \"%s\"", qPrintable(retry.label), qPrintable(settings.folder));
   return std::make_unique<RetryingWriter>(
       std::move(retry), [settings, folder] { return std::make_unique<HlsWriter>(settings, folder); });
 }
@@ -178,8 +171,6 @@ std::unique_ptr<Target> HlsTarget::create(const OutputRequest& request) {
   if (request.slot != OutputSlotStream || item.hlsEnable == 0)
     return nullptr;
   HlsSettings settings;
-  settings.port = item.httpPort;
-  settings.path = item.hlsPath;
   settings.folder = item.hlsTemporaryFolder;
   settings.segmentSeconds = std::clamp<int>(item.hlsSegmentLength, 1, 600);
   settings.listedSegments = std::clamp<int>(item.hlsSegmentNumber, 1, 64);

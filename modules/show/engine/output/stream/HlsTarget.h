@@ -1,4 +1,5 @@
-// Cuts the stream into segments of MPEG-TS with a list, and serves both. Made on the engine thread.
+// Cuts the stream into segments of MPEG-TS with a list, in a folder that the web server serves. Made on the
+// engine thread.
 #pragma once
 #include <memory>
 
@@ -14,8 +15,6 @@ struct HlsSettings {
     AtKeyFrame,  ///< at the next regular key frame
   };
 
-  int port = 8080;
-  QString path;    ///< under which the list and the segments are served
   QString folder;  ///< drive path or path of this machine
   int segmentSeconds = 10;
   int listedSegments = 6;

@@ -1,22 +1,16 @@
 #include "LiveHttpServer.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <microhttpd.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QDir>
-#include <QFile>
-#include <QRegularExpression>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 
 #include "engine/EngineLog.h"
-#include "engine/ThreadName.h"
-#include "engine/ThreadPriority.h"
 
 namespace korvia {
 
@@ -102,29 +96,6 @@ int sendLive(MHD_Connection* connection, const LiveHttpServer::Content& content,
   return result;
 }
 
-int sendFile(MHD_Connection* connection, const QString& folder, const QString& name) {
-  // Nothing but the names that are written there, so that no path leads out of the folder.
-  static const QRegularExpression served(QStringLiteral("^[A-Za-z0-9_-]+\\.(m3u8|ts)$"));
-  const QRegularExpressionMatch match = served.match(name);
-  const int file = match.hasMatch() ? ::open(QFile::encodeName(QDir(folder).filePath(name)).constData(),
-                                             O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK)
-                                    : -1;
-  struct stat state = {};
-  if (file < 0 || ::fstat(file, &state) != 0 || !S_ISREG(state.st_mode)) {
-    if (file >= 0)
-      ::close(file);
-    return sendText(connection, MHD_HTTP_NOT_FOUND, "not found\n");
-  }
-  const bool isList = match.captured(1) == QLatin1String("m3u8");
-  MHD_Response* response = MHD_create_response_from_fd64(static_cast<std::uint64_t>(state.st_size), file);
-  MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE,
-                          isList ? "application/vnd.apple.mpegurl" : "video/mp2t");
-  MHD_add_response_header(response, MHD_HTTP_HEADER_CACHE_CONTROL, isList ? "no-cache" : "max-age=60");
-  const int result = MHD_queue_response(connection, MHD_HTTP_OK, response);
-  MHD_destroy_response(response);
-  return result;
-}
-
 in_addr listenAddress() {
   in_addr address{};
   const QByteArray wanted = qgetenv("KORVIA_STREAM_LISTEN");
@@ -185,10 +156,8 @@ LiveHttpServer::~LiveHttpServer() {
   {
     // A sleeping connection would keep the daemon from its end.
     MutexLock lock(mutex_);
-    for (const auto& [path, content] : contents_) {
-      if (content.feed)
-        content.feed->close();
-    }
+    for (const auto& [path, content] : contents_)
+      content.feed->close();
   }
   if (daemon_)
     MHD_stop_daemon(daemon_);
@@ -222,8 +191,7 @@ void LiveHttpServer::remove(const QString& path) {
   const auto place = contents_.find(cleanPath(path));
   if (place == contents_.end())
     return;
-  if (place->second.feed)
-    place->second.feed->close();
+  place->second.feed->close();
   contents_.erase(place);
 }
 
@@ -231,27 +199,19 @@ QString LiveHttpServer::cleanPath(const QString& path) {
   return QDir::cleanPath(QLatin1Char('/') + path.trimmed());
 }
 
-LiveHttpServer::Content LiveHttpServer::find(const QString& path, QString& file) const {
+LiveHttpServer::Content LiveHttpServer::find(const QString& path) const {
   MutexLock lock(mutex_);
-  const auto exact = contents_.find(path);
-  if (exact != contents_.end())
-    return exact->second;
-  const int slash = path.lastIndexOf(QLatin1Char('/'));
-  file = path.mid(slash + 1);
-  const auto above = contents_.find(slash > 0 ? path.left(slash) : QStringLiteral("/"));
-  return above != contents_.end() && !above->second.feed ? above->second : Content();
+  const auto place = contents_.find(path);
+  return place == contents_.end() ? Content() : place->second;
 }
 
 int LiveHttpServer::answer(MHD_Connection* connection, const QString& path, const char* method) const {
   const bool isHead = std::strcmp(method, MHD_HTTP_METHOD_HEAD) == 0;
   if (!isHead && std::strcmp(method, MHD_HTTP_METHOD_GET) != 0)
     return sendText(connection, MHD_HTTP_METHOD_NOT_ALLOWED, "method not allowed\n");
-  QString file;
-  const Content content = find(path, file);
+  const Content content = find(path);
   if (content.feed)
     return sendLive(connection, content, isHead);
-  if (!content.folder.isEmpty())
-    return sendFile(connection, content.folder, file);
   return sendText(connection, MHD_HTTP_NOT_FOUND, "not found\n");
 }
 

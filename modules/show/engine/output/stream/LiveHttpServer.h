@@ -1,4 +1,4 @@
-// Serves live streams and folders of segments to viewers. One server a port, shared by the targets that use
+// Serves live streams to viewers. One server a port, shared by the targets that use
 // the port, which each add a path. It listens on the loopback; KORVIA_STREAM_LISTEN is a numeric IPv4 address
 // to listen on instead, 0.0.0.0 for all of this machine. Any thread; libmicrohttpd answers on a thread of its
 // own.
@@ -28,9 +28,8 @@ class LiveHttpServer {
 
   /// What is served under a path, until whoever added it removes it.
   struct Content {
-    std::shared_ptr<LiveFeed> feed;     ///< a live stream, or null
-    const char* contentType = nullptr;  ///< of the stream
-    QString folder;                     ///< else the segments and lists in this folder are below the path
+    std::shared_ptr<LiveFeed> feed;
+    const char* contentType = nullptr;
   };
   /// False when the path is taken.
   bool add(const QString& path, const Content& content);
@@ -45,8 +44,8 @@ class LiveHttpServer {
  private:
   LiveHttpServer() = default;
   bool listen(int port, QString* reason);
-  /// The content at the path or, for a folder, above it; `file` is the rest.
-  Content find(const QString& path, QString& file) const EXCLUDES(mutex_);
+  /// Without a feed when nothing is served there.
+  Content find(const QString& path) const EXCLUDES(mutex_);
 
   MHD_Daemon* daemon_ = nullptr;
   mutable Mutex mutex_;

@@ -1,4 +1,7 @@
 // The list of segments and the files of a folder, segment by segment.
+#include <signal.h>
+#include <sys/resource.h>
+
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -24,6 +27,25 @@ QStringList namedIn(const QByteArray& list) {
   }
   return names;
 }
+
+/// No file grows beyond the limit, as on a full disk.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    handler_ = ::signal(SIGXFSZ, SIG_IGN);
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit{bytes, before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &before_);
+    ::signal(SIGXFSZ, handler_);
+  }
+
+ private:
+  rlimit before_{};
+  sighandler_t handler_ = nullptr;
+};
 
 }  // namespace
 
@@ -123,6 +145,70 @@ class SegmentFolderTest : public QObject {
     QVERIFY(list.text().contains("#EXT-X-TARGETDURATION:2\n"));
     list.add("b", 2'600'000'000, HlsPlaylist::Join::Continues);
     QVERIFY(list.text().contains("#EXT-X-TARGETDURATION:3\n"));
+  }
+
+  void aSegmentThatIsNotWholeIsNotListed() {
+    SegmentFolder folder(path(), 3, kSecondNs);
+    QVERIFY(folder.prepare());
+    QVERIFY(folder.begin(0));
+    QVERIFY(folder.write("one"));
+    QVERIFY(folder.begin(kSecondNs));
+    {
+      const FileSizeLimit limit(100);
+      QVERIFY(folder.write(QByteArray(90, 'x')));
+      QVERIFY(!folder.write(QByteArray(90, 'x')));
+    }
+    QVERIFY(!folder.write("what follows the missing part"));
+    QVERIFY(folder.interrupt(2 * kSecondNs));
+    QCOMPARE(segments().size(), 1);
+    QCOMPARE(namedIn(list()), segments());
+    QCOMPARE(QDir(path()).entryList({"*.tmp"}, QDir::Files), QStringList());
+    QVERIFY(folder.prepare());
+    QVERIFY(folder.begin(0));
+    QVERIFY(folder.interrupt(kSecondNs));
+    QCOMPARE(namedIn(list()).size(), 2);
+    QCOMPARE(list().count("#EXT-X-DISCONTINUITY\n"), 1);
+  }
+
+  void aRetryMakesRoom() {
+    SegmentFolder folder(path(), 2, kSecondNs);
+    QVERIFY(folder.prepare());
+    for (int i = 0; i < 6; ++i)
+      QVERIFY(folder.begin(i * kSecondNs));
+    QVERIFY(folder.interrupt(6 * kSecondNs));
+    QCOMPARE(segments().size(), 5);
+    QVERIFY(folder.prepare());
+    QCOMPARE(segments(), namedIn(list()));
+  }
+
+  void anEndIsMarkedInAnyCase() {
+    {
+      SegmentFolder folder(path(), 3, kSecondNs);
+      QVERIFY(folder.prepare());
+      QVERIFY(folder.begin(0));
+      QVERIFY(folder.interrupt(kSecondNs));
+      QVERIFY(!list().contains("#EXT-X-ENDLIST"));
+    }
+    QVERIFY(list().endsWith("#EXT-X-ENDLIST\n"));
+  }
+
+  void aLaterStreamTakesTheFolderOver() {
+    auto earlier = std::make_unique<SegmentFolder>(path(), 3, kSecondNs);
+    QVERIFY(earlier->prepare());
+    QVERIFY(earlier->begin(0));
+    QVERIFY(earlier->begin(kSecondNs));
+    SegmentFolder later(path(), 3, kSecondNs);
+    QVERIFY(later.prepare());
+    QVERIFY(later.begin(0));
+    QVERIFY(later.interrupt(kSecondNs));
+    const QByteArray own = list();
+    earlier->interrupt(2 * kSecondNs);
+    earlier.reset();
+    QCOMPARE(list(), own);
+    QCOMPARE(segments(), namedIn(own));
+    QVERIFY(later.begin(kSecondNs));
+    QVERIFY(later.interrupt(2 * kSecondNs));
+    QCOMPARE(namedIn(list()).size(), 2);
   }
 
   void whatAnEarlierStreamLeftIsRemovedAndNothingElse() {
