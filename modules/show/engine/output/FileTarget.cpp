@@ -224,11 +224,11 @@ void FileWriter::forgetEndedParts() {
 }
 
 void FileWriter::askGuard() {
-  if (!settings_.container.demuxer || !part_ || !part_->hasBegun())
+  if (!part_ || !part_->hasBegun())
     return;
   if (!guard_)
     guard_ = std::make_unique<RecordingGuard>(fileName_, settings_.container, settings_.guardInterval);
-  const RecordingGuard::Verdict verdict = guard_->verdict();
+  const RecordingGuard::Verdict verdict = guard_->ask(part_->lengthNs());
   if (verdict.verifiedNs >= 0 && trouble_.isEmpty())
     verifiedNs_ = nsOfEnded_ + verdict.verifiedNs;
   if (!verdict.trouble.isEmpty())

@@ -1,10 +1,10 @@
 #include "FragmentedFile.h"
 
-#include <QFile>
 #include <QtAlgorithms>
 #include <QtEndian>
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace korvia {
 
@@ -12,6 +12,8 @@ namespace {
 
 constexpr int kHeadBytes = 8;
 constexpr int kLongHeadBytes = 16;
+// A fragment of half a second has at most a few megabytes.
+constexpr qint64 kLargestBoxBytes = 64LL * 1024 * 1024;
 
 /// Size of the box that begins with these bytes; 0 when it reaches to the end of the file; negative when the
 /// header is incomplete or invalid.
@@ -96,6 +98,42 @@ bool completeTrack(std::uint8_t* data, qint64 size) {
   return true;
 }
 
+template <typename Number>
+void moveBy(std::uint8_t* field, qint64 bytes) {
+  qToBigEndian<Number>(static_cast<Number>(qFromBigEndian<Number>(field) + static_cast<Number>(bytes)),
+                       field);
+}
+
+template <typename Number>
+void moveChunks(std::uint8_t* box, qint64 boxBytes, qint64 bytes) {
+  std::uint8_t* field = box + kFlagsBytes + kFieldBytes;
+  for (auto count = qFromBigEndian<quint32>(box + kFlagsBytes); count > 0; --count) {
+    if (field + sizeof(Number) > box + boxBytes)
+      return;
+    moveBy<Number>(field, bytes);
+    field += sizeof(Number);
+  }
+}
+
+/// Moves all offsets into the file in the inside of a "moov" or "moof".
+void moveOffsets(std::uint8_t* data, qint64 size, qint64 by) {
+  forEachBox(data, size, [by](std::uint8_t* box, qint64 bytes) {
+    constexpr const char* kParents[] = {"trak", "mdia", "minf", "stbl", "traf"};
+    const bool isParent = std::any_of(std::begin(kParents), std::end(kParents),
+                                      [box](const char* kind) { return isBox(box, kind); });
+    if (isParent)
+      moveOffsets(box + kHeadBytes, bytes - kHeadBytes, by);
+    else if (bytes < kFlagsBytes + kFieldBytes)
+      return;
+    else if (isBox(box, "stco"))
+      moveChunks<quint32>(box, bytes, by);
+    else if (isBox(box, "co64"))
+      moveChunks<quint64>(box, bytes, by);
+    else if (isBox(box, "tfhd") && (flagsOf(box) & kTrackBase) && bytes >= kFlagsBytes + 3 * kFieldBytes)
+      moveBy<quint64>(box + kFlagsBytes + kFieldBytes, by);
+  });
+}
+
 }  // namespace
 
 qint64 dropPartialBox(const QString& fileName) {
@@ -125,6 +163,40 @@ int addDefaultSizes(std::uint8_t* data, qint64 size) {
                  ++completed;
              });
   return completed;
+}
+
+std::optional<QByteArray> readFragment(QFile& file, qint64& at) {
+  QByteArray begin;
+  QByteArray data;
+  for (qint64 next = at;;) {
+    file.seek(next);
+    QByteArray box = file.read(kLongHeadBytes);
+    if (box.size() < kHeadBytes)
+      return QByteArray();
+    const qint64 bytes = boxBytes(box);
+    // The data that are being written say "to the end of the file".
+    if (bytes == 0)
+      return QByteArray();
+    if (bytes < 0 || bytes > kLargestBoxBytes)
+      return std::nullopt;
+    file.seek(next);
+    box = file.read(bytes);
+    if (box.size() < bytes)
+      return QByteArray();
+    next += bytes;
+    const QByteArray kind = box.mid(kFieldBytes, kFieldBytes);
+    if (kind == "moov" || kind == "moof") {
+      moveOffsets(reinterpret_cast<std::uint8_t*>(box.data()) + kHeadBytes, bytes - kHeadBytes, bytes);
+      at = next;
+      return begin + box + data;
+    }
+    if (kind == "ftyp")
+      begin += box;
+    else if (kind == "free" || kind == "mdat")
+      data += box;
+    else
+      return std::nullopt;
+  }
 }
 
 }  // namespace korvia

@@ -1,7 +1,11 @@
-// Repairs of mp4 and mov files that are written in fragments. Any thread.
+// Repairs of mp4 and mov files that are written in fragments, and reading one while it is written. Any
+// thread.
 #pragma once
+#include <QByteArray>
+#include <QFile>
 #include <QString>
 #include <cstdint>
+#include <optional>
 
 namespace korvia {
 
@@ -16,5 +20,10 @@ qint64 dropPartialBox(const QString& fileName);
 /// then refuse the whole file. The default size is put in the place of the default flags, which say little.
 /// Returns the number of tracks that were completed.
 int addDefaultSizes(std::uint8_t* data, qint64 size);
+
+/// The fragment that begins at `at`, which moves behind it; empty while it is not written completely. In the
+/// file the data of a fragment stand before their index, but a demuxer that reads along needs the index
+/// first, so it comes first here, with its offsets moved. Nothing for what is no file in fragments.
+std::optional<QByteArray> readFragment(QFile& file, qint64& at);
 
 }  // namespace korvia

@@ -2,9 +2,12 @@
 
 #include <fcntl.h>
 
-#include <QFile>
 #include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <utility>
+
+#include "FragmentedFile.h"
 
 namespace korvia {
 
@@ -13,6 +16,8 @@ namespace {
 constexpr qint64 kChunkBytes = 256 * 1024;
 // Muxers write headers and sound without a picture, but never as much as this.
 constexpr qint64 kBytesWithoutPicture = 1024 * 1024;
+// The encoders make a key frame every 2 s.
+constexpr qint64 kLongestGopNs = 6'000'000'000;
 
 /// Makes a pad from which the caller pushes into the element; the caller's thread runs what is behind it.
 GstPad* makeOutlet(GstElement* element, GstCaps* caps, GstFormat format) {
@@ -33,6 +38,29 @@ GstPad* makeOutlet(GstElement* element, GstCaps* caps, GstFormat format) {
 void dropOutlet(GstPad* outlet) {
   gst_pad_set_active(outlet, FALSE);
   gst_object_unref(outlet);
+}
+
+/// Whether an access unit of H.264 in byte-stream format has an IDR slice. Fragments of mp4 mark other
+/// pictures as key frames too.
+bool isKeyFrame(GstBuffer* buffer) {
+  constexpr std::uint8_t kStartCode[] = {0, 0, 1};
+  constexpr int kTypeMask = 0x1f;
+  constexpr int kIdrSlice = 5;
+  GstMapInfo map;
+  if (GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT) ||
+      !gst_buffer_map(buffer, &map, GST_MAP_READ))
+    return false;
+  const std::uint8_t* const end = map.data + map.size;
+  bool found = false;
+  for (const std::uint8_t* at = map.data; !found;) {
+    at = std::search(at, end, std::begin(kStartCode), std::end(kStartCode));
+    if (end - at <= std::ssize(kStartCode))
+      break;
+    at += std::ssize(kStartCode);
+    found = (*at & kTypeMask) == kIdrSlice;
+  }
+  gst_buffer_unmap(buffer, &map);
+  return found;
 }
 
 bool decodes(GstSample* keyFrame) {
@@ -64,7 +92,10 @@ bool decodes(GstSample* keyFrame) {
 }  // namespace
 
 ReadBack::ReadBack(QString fileName, const RecordContainer& container)
-    : fileName_(std::move(fileName)), demuxer_(container.demuxer), pipeline_([] {}) {}
+    : fileName_(std::move(fileName)),
+      demuxer_(container.demuxer),
+      order_(container.boxes ? Order::Fragments : Order::AsWritten),
+      pipeline_([] {}) {}
 
 ReadBack::~ReadBack() {
   pipeline_.stop();
@@ -121,17 +152,21 @@ GstFlowReturn ReadBack::onSample(GstAppSink* sink, gpointer self) {
 }
 
 void ReadBack::note(SampleRef sample) {
-  const GstBuffer* buffer = gst_sample_get_buffer(sample.get());
+  GstBuffer* buffer = gst_sample_get_buffer(sample.get());
   if (!GST_BUFFER_PTS_IS_VALID(buffer))
     return;
   const auto beginNs = static_cast<qint64>(GST_BUFFER_PTS(buffer));
   const auto durationNs =
       GST_BUFFER_DURATION_IS_VALID(buffer) ? static_cast<qint64>(GST_BUFFER_DURATION(buffer)) : 0;
-  if (firstNs_ < 0)
+  if (firstNs_ < 0) {
     firstNs_ = beginNs;
+    keyNs_ = beginNs;
+  }
   endNs_ = std::max(endNs_, beginNs + durationNs);
-  if (!GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT))
-    keyFrame_ = std::move(sample);
+  if (!isKeyFrame(buffer))
+    return;
+  keyFrame_ = std::move(sample);
+  keyNs_ = beginNs;
 }
 
 bool ReadBack::read() {
@@ -142,22 +177,46 @@ bool ReadBack::read() {
     return fail(QStringLiteral("the file has become shorter"));
   // What is already on the disk is read from there and not from memory.
   posix_fadvise(file.handle(), bytesRead_, 0, POSIX_FADV_DONTNEED);
+  if (!(order_ == Order::Fragments ? readFragments(file) : readChunks(file)))
+    return false;
+  return file.error() == QFile::NoError || fail(QStringLiteral("the file cannot be read"));
+}
+
+bool ReadBack::readChunks(QFile& file) {
   file.seek(bytesRead_);
   for (QByteArray chunk = file.read(kChunkBytes); !chunk.isEmpty(); chunk = file.read(kChunkBytes)) {
     bytesRead_ += chunk.size();
-    const qint64 lengthBefore = lengthNs();
-    const auto size = static_cast<gsize>(chunk.size());
-    const GstFlowReturn taken = gst_pad_push(outlet_, gst_buffer_new_memdup(chunk.constData(), size));
-    if (pipeline_.hasFailed())
-      return fail(pipeline_.failure());
-    if (taken < GST_FLOW_OK && taken != GST_FLOW_NOT_LINKED)
-      return fail(QStringLiteral("the container is damaged"));
-    if (lengthNs() > lengthBefore)
-      bytesAtPicture_ = bytesRead_;
-    else if (bytesRead_ - bytesAtPicture_ > kBytesWithoutPicture)
-      return fail(QStringLiteral("no pictures are found in it"));
+    if (!push(chunk))
+      return false;
   }
-  return file.error() == QFile::NoError || fail(QStringLiteral("the file cannot be read"));
+  return true;
+}
+
+bool ReadBack::readFragments(QFile& file) {
+  while (true) {
+    const std::optional<QByteArray> fragment = readFragment(file, bytesRead_);
+    if (!fragment)
+      return fail(QStringLiteral("the container is damaged"));
+    if (fragment->isEmpty())
+      return true;
+    if (!push(*fragment))
+      return false;
+  }
+}
+
+bool ReadBack::push(const QByteArray& bytes) {
+  const qint64 lengthBefore = lengthNs();
+  const auto size = static_cast<gsize>(bytes.size());
+  const GstFlowReturn taken = gst_pad_push(outlet_, gst_buffer_new_memdup(bytes.constData(), size));
+  if (pipeline_.hasFailed())
+    return fail(pipeline_.failure());
+  if (taken < GST_FLOW_OK && taken != GST_FLOW_NOT_LINKED)
+    return fail(QStringLiteral("the container is damaged"));
+  if (lengthNs() > lengthBefore)
+    bytesAtPicture_ = bytesRead_;
+  else if (bytesRead_ - bytesAtPicture_ > kBytesWithoutPicture)
+    return fail(QStringLiteral("no pictures are found in it"));
+  return endNs_ - keyNs_ <= kLongestGopNs || fail(QStringLiteral("no key frames are found in it"));
 }
 
 bool ReadBack::readOn() {

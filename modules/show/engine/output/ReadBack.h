@@ -4,6 +4,7 @@
 #pragma once
 #include <gst/app/gstappsink.h>
 
+#include <QFile>
 #include <QString>
 #include <memory>
 
@@ -30,8 +31,16 @@ class ReadBack {
  private:
   using SampleRef = std::shared_ptr<GstSample>;
 
+  enum class Order {
+    AsWritten,
+    Fragments,  ///< the data of a fragment stand before their index
+  };
+
   bool open();
   bool read();
+  bool readChunks(QFile& file);
+  bool readFragments(QFile& file);
+  bool push(const QByteArray& bytes);
   bool fail(const QString& reason);
   void note(SampleRef sample);
   static void onPadAdded(GstElement* demuxer, GstPad* pad, gpointer self);
@@ -39,12 +48,14 @@ class ReadBack {
 
   const QString fileName_;
   const char* const demuxer_;
+  const Order order_;
   QString failure_;
   qint64 bytesRead_ = 0;
   qint64 bytesAtPicture_ = 0;  // read when the newest picture came
   SampleRef keyFrame_;         // the newest since the last call
   qint64 firstNs_ = -1;
   qint64 endNs_ = 0;
+  qint64 keyNs_ = 0;  // of the newest key frame
 
   OutputPipeline pipeline_;
   GstPad* outlet_ = nullptr;      // into the demuxer; all behind it runs in the push

@@ -19,8 +19,8 @@ const std::vector<ElementProperty> kClusters = {{"max-cluster-duration", "500000
 
 // The first one is used for unknown numbers.
 const RecordContainer kContainers[] = {
-    {EncapsulationMp4, "mp4", "mp4mux", 0, true, kFragments, {}},
-    {EncapsulationMov, "mov", "qtmux", 0, true, kFragments, {}},
+    {EncapsulationMp4, "mp4", "mp4mux", 0, true, kFragments, {}, "qtdemux"},
+    {EncapsulationMov, "mov", "qtmux", 0, true, kFragments, {}, "qtdemux"},
     {EncapsulationTs, "ts", "mpegtsmux", -1, false, {}, {}, "tsdemux"},
     {EncapsulationFlv, "flv", "flvmux", 0, false, {}, kNoDuration, "flvdemux"},
     {EncapsulationMkv, "mkv", "matroskamux", 0, false, kClusters, {}, "matroskademux"},

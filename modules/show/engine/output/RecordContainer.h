@@ -16,7 +16,7 @@ struct RecordContainer {
   bool boxes;                               ///< the file consists of boxes, and its last one must be complete
   std::vector<ElementProperty> properties;  ///< of the muxer
   std::vector<ElementProperty> inletProperties;  ///< of the appsrc in front of each track
-  const char* demuxer = nullptr;  ///< by which a file is read back; null where none reads a growing file
+  const char* demuxer = nullptr;                 ///< by which a file is read back while it grows
 
   /// The format of a KorviaShowEncapsulation; mp4, the default of new records, for other numbers.
   static const RecordContainer& of(int encapsulation);

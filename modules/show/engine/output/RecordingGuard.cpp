@@ -13,6 +13,8 @@ namespace korvia {
 namespace {
 
 constexpr std::chrono::seconds kEndTime{2};
+// What a muxer and its queue hold back.
+constexpr qint64 kHeldBackNs = 3'000'000'000;
 
 }  // namespace
 
@@ -27,6 +29,7 @@ struct RecordingGuard::Share {
   ConditionVariable changed;
   bool isStopping GUARDED_BY(mutex) = false;
   bool hasEnded GUARDED_BY(mutex) = false;
+  qint64 writtenNs GUARDED_BY(mutex) = 0;
   Verdict verdict GUARDED_BY(mutex);
 };
 
@@ -56,32 +59,37 @@ RecordingGuard::~RecordingGuard() {
     thread_.detach();
 }
 
-RecordingGuard::Verdict RecordingGuard::verdict() const {
+RecordingGuard::Verdict RecordingGuard::ask(qint64 writtenNs) {
   MutexLock lock(share_->mutex);
+  share_->writtenNs = writtenNs;
   return share_->verdict;
 }
 
 void RecordingGuard::run(const std::shared_ptr<Share>& share) {
   ReadBack file(share->fileName, share->container);
+  qint64 dueNs = 0;  // must be in the file at the next check
   while (true) {
+    qint64 writtenNs = 0;
     {
       MutexLock lock(share->mutex);
       if (share->changed.wait_for(lock, share->interval,
                                   [&]() REQUIRES(share->mutex) { return share->isStopping; }))
         return;
+      writtenNs = share->writtenNs;
     }
     const bool isWhole = file.readOn();
+    const bool grows = file.lengthNs() + kHeldBackNs >= std::exchange(dueNs, writtenNs);
     MutexLock lock(share->mutex);
-    if (isWhole) {
+    if (isWhole && grows) {
       share->verdict.verifiedNs = file.lengthNs();
       continue;
     }
     // A file that is being closed may be rewritten under the reader.
     if (share->isStopping)
       return;
-    share->verdict.trouble = file.failure();
+    share->verdict.trouble = isWhole ? QStringLiteral("the file does not grow") : file.failure();
     qCWarning(logOutput, "what was written to \"%s\" cannot be read back : %s", qPrintable(share->fileName),
-              qPrintable(file.failure()));
+              qPrintable(share->verdict.trouble));
     return;
   }
 }

@@ -24,7 +24,9 @@ class RecordingGuard {
   RecordingGuard(const RecordingGuard&) = delete;
   RecordingGuard& operator=(const RecordingGuard&) = delete;
 
-  Verdict verdict() const;
+  /// `writtenNs` is the length of what was handed to the muxer so far: it must be found in the file when the
+  /// next check but one is made.
+  Verdict ask(qint64 writtenNs);
 
  private:
   struct Share;

@@ -47,6 +47,8 @@ class ReadBackTest : public QObject {
     QTest::newRow("ts") << int(EncapsulationTs);
     QTest::newRow("flv") << int(EncapsulationFlv);
     QTest::newRow("mkv") << int(EncapsulationMkv);
+    QTest::newRow("mp4") << int(EncapsulationMp4);
+    QTest::newRow("mov") << int(EncapsulationMov);
   }
   void recordingIsVerifiedWhileItGrows() {
     QFETCH(int, encapsulation);
@@ -94,6 +96,78 @@ class ReadBackTest : public QObject {
     QVERIFY(feedUntil([&] { return !recording.slot().report().warning.isEmpty(); }));
     // The recording itself goes on.
     QCOMPARE(recording.slot().report().state, KorviaShowOutputState::Running);
+  }
+
+  void fileThatStandsStillIsReported() {
+    QTemporaryDir folder;
+    RecordingSettings settings = settingsFor(folder.path(), EncapsulationMkv);
+    settings.file.guardInterval = std::chrono::milliseconds(100);
+    Recording recording(settings);
+    FramePool pool(kSize);
+    int pushed = 0;
+    const auto feedUntil = [&](auto condition) {
+      return QTest::qWaitFor([&] { return feedFrames(recording.slot(), pool, pushed++, 1) && condition(); },
+                             2 * kFinishMs);
+    };
+    QVERIFY(feedUntil([&] { return recording.slot().report().verifiedMs > 0; }));
+    // The recording goes on in the file of the other name.
+    const QString other = folder.filePath("other");
+    QVERIFY(QFile::rename(recording.fileName(), other));
+    QTest::ignoreMessage(
+        QtWarningMsg, QRegularExpression(
+                          "what was written to \".*take.mkv\" cannot be read back : the file does not grow"));
+    QVERIFY(QFile::copy(other, recording.fileName()));
+    QVERIFY(feedUntil([&] { return !recording.slot().report().warning.isEmpty(); }));
+    QCOMPARE(recording.slot().report().warning, QString("the file does not grow"));
+  }
+
+  void damagedFragmentsAreFound_data() {
+    QTest::addColumn<QString>("damage");
+    QTest::newRow("noise") << "noise";
+    QTest::newRow("pictures") << "pictures";
+    QTest::newRow("index") << "index";
+  }
+  void damagedFragmentsAreFound() {
+    QFETCH(QString, damage);
+    QTemporaryDir folder;
+    const RecordingSettings settings = settingsFor(folder.path(), EncapsulationMp4);
+    QByteArray bytes;
+    {
+      Recording recording(settings);
+      FramePool pool(kSize);
+      QVERIFY(feedFrames(recording.slot(), pool, 0, 250));
+      const auto readFile = [&] {
+        QFile file(recording.fileName());
+        bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return bytes.count("moof") >= 17;
+      };
+      QVERIFY(QTest::qWaitFor(readFile, kFinishMs));
+    }
+    const QString copy = folder.filePath("copy");
+    ReadBack reader(copy, settings.file.container);
+    const int second = bytes.indexOf("moof", bytes.indexOf("moof") + 4) - 4;
+    append(copy, bytes.left(second));
+    QVERIFY2(reader.readOn(), qPrintable(reader.failure()));
+    const qint64 wholeNs = reader.lengthNs();
+    QVERIFY(wholeNs >= 500'000'000);
+    // Half of a fragment is no damage.
+    append(copy, bytes.mid(second, 20));
+    QVERIFY2(reader.readOn(), qPrintable(reader.failure()));
+    QCOMPARE(reader.lengthNs(), wholeNs);
+    QByteArray rest = bytes.mid(second + 20);
+    if (damage == "noise") {
+      rest.fill('\x55');
+    } else if (damage == "pictures") {
+      // The heads of the IDR slices; a decoder conceals what is missing further down.
+      for (int at = rest.indexOf("\x65\x88"); at >= 0; at = rest.indexOf("\x65\x88", at + 1))
+        rest.replace(at + 1, 40, QByteArray(40, '\0'));
+    } else {
+      rest.replace("trun", "xxxx");
+      rest += rest;
+    }
+    append(copy, rest);
+    QVERIFY(!reader.readOn());
+    QVERIFY(!reader.failure().isEmpty());
   }
 
   void damageIsFound_data() {
