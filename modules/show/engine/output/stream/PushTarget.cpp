@@ -4,6 +4,7 @@
 
 #include "IncomePlace.h"
 #include "SendBacklog.h"
+#include "ServerProbe.h"
 #include "engine/EngineLog.h"
 #include "trace/SecretMask.h"
 
@@ -52,11 +53,29 @@ TargetSettings targetSettings(const PushSettings& settings) {
   return target;
 }
 
+/// The first two messages of a client of RTMP (Adobe's RTMP specification 1.0, 5.2): the version, then 1536
+/// bytes of which the first eight are a time and zeros.
+QByteArray rtmpGreeting() {
+  return QByteArray(1, '\x03') + QByteArray(1536, '\0');
+}
+
+std::shared_ptr<ServerProbe> probeFor(const QUrl& url) {
+  constexpr int kRtmpPort = 1935;
+  constexpr int kRtmpsPort = 443;
+  if (url.scheme() == QLatin1String("rtmp"))
+    return std::make_shared<ServerProbe>(url.host(), url.port(kRtmpPort), rtmpGreeting());
+  if (url.scheme() == QLatin1String("rtmps"))
+    return std::make_shared<ServerProbe>(url.host(), url.port(kRtmpsPort), QByteArray());
+  return nullptr;
+}
+
 std::unique_ptr<TargetWriter> retryingPush(const PushSettings& settings) {
   boundSendBacklog();
   RetrySettings retry = settings.retry;
   retry.label = targetName(settings.kind);
   const MuxPlan plan = PushTarget::planFor(settings.url);
+  if (!retry.probe)
+    retry.probe = probeFor(QUrl(settings.url.trimmed()));
   qCInfo(logOutput, "%s goes to \"%s\"", qPrintable(retry.label), qPrintable(maskSecrets(settings.url)));
   return std::make_unique<RetryingWriter>(std::move(retry),
                                           [plan] { return std::make_unique<MuxWriter>(plan); });

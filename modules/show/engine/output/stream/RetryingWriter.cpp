@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include "ServerProbe.h"
 #include "engine/EngineLog.h"
 
 namespace korvia {
@@ -29,7 +30,7 @@ bool RetryingWriter::makeWriter() {
 
 void RetryingWriter::write(const Packet& packet) {
   if (!writer_) {
-    if (!retry_.hasExpired())
+    if (!retry_.hasExpired() && !(settings_.probe && settings_.probe->hasReturned()))
       return;
     if (!makeWriter()) {
       lose(reason_);
@@ -86,6 +87,8 @@ void RetryingWriter::lose(const QString& reason) {
   retry_.setRemainingTime(std::llround(longest * part));
   if (longest < settings_.longestMs)
     ++tries_;
+  if (settings_.probe)
+    settings_.probe->restart();
   if (std::exchange(loggedReason_, reason) == reason)
     qCDebug(logOutput, "%s is still lost, next try in %lld ms", qPrintable(settings_.label),
             static_cast<long long>(retry_.remainingTime()));

@@ -12,6 +12,8 @@
 
 namespace korvia {
 
+class ServerProbe;
+
 struct RetrySettings {
   QString label;  ///< in the log, as the subject of a sentence
   /// The longest first wait. Each wait is drawn between 3/4 and all of its longest time, so that many
@@ -23,6 +25,8 @@ struct RetrySettings {
   int stallMs = 5000;
   /// A connection that was up for so long begins again with the first wait when it is lost.
   int steadyMs = 3000;
+  /// Notices that the server is back before the wait is over; may be null.
+  std::shared_ptr<ServerProbe> probe;
 };
 
 class RetryingWriter : public TargetWriter {

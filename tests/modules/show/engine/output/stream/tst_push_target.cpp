@@ -70,6 +70,57 @@ class PushTargetTest : public QObject {
     QVERIFY(!verdict.pts.isEmpty() && verdict.keyFrames.value(0, -1) == 0);
   }
 
+  void aServerThatReturnsIsNotKeptWaiting_data() {
+    QTest::addColumn<bool>("frozen");
+    QTest::newRow("killed") << false;
+    QTest::newRow("frozen") << true;
+  }
+  void aServerThatReturnsIsNotKeptWaiting() {
+    QFETCH(bool, frozen);
+    RtmpServer server;
+    QVERIFY(server.start());
+    PushSettings settings = settingsFor(server.url("program"));
+    settings.retry.firstMs = 60'000;
+    settings.retry.longestMs = 60'000;
+    LiveSlot live({std::make_shared<PushTarget>(settings)}, 4000);
+    QVERIFY(live.waitFor(KorviaShowTargetState::Up));
+    if (frozen)
+      server.freeze();
+    else
+      server.kill();
+    QVERIFY(live.waitFor(KorviaShowTargetState::Lost));
+    QVERIFY(live.report().retrySeconds > 30);
+    // The server is away for longer than the probe takes to notice it.
+    QVERIFY(!live.waitFor(KorviaShowTargetState::Up, 2000));
+    if (frozen)
+      server.thaw();
+    else
+      QVERIFY(server.start());
+    QVERIFY(live.waitFor(KorviaShowTargetState::Up, 3000));
+  }
+
+  void aServerThatRefusesTheStreamIsLeftToTheWaits() {
+    // It takes the connection and the greeting, and hangs up.
+    QTcpServer server;
+    int connections = 0;
+    connect(&server, &QTcpServer::newConnection, &server, [&] {
+      ++connections;
+      QTcpSocket* socket = server.nextPendingConnection();
+      connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+        socket->write("\x03");
+        socket->disconnectFromHost();
+      });
+    });
+    QVERIFY(server.listen(QHostAddress::LocalHost));
+    PushSettings settings = settingsFor(QString("rtmp://127.0.0.1:%1/live/program").arg(server.serverPort()));
+    settings.retry.firstMs = 60'000;
+    settings.retry.longestMs = 60'000;
+    LiveSlot live({std::make_shared<PushTarget>(settings)});
+    QVERIFY(live.waitFor(KorviaShowTargetState::Lost));
+    QTRY_COMPARE(connections, 2);  // the push and the probe
+    QVERIFY(!QTest::qWaitFor([&] { return connections > 2; }, 2500));
+  }
+
   void stampsBeginAt0AfterAReconnect() {
     // This server ends after some frames, and tells their stamps as they came.
     const QString url = QString("rtmp://127.0.0.1:%1/live/program").arg(freePort());
