@@ -8,7 +8,7 @@ namespace {
 
 // Each fragment has its own index, so a file that is not finalised plays up to its last fragment. A clean
 // stop writes one index and makes it an ordinary file.
-const std::vector<ElementProperty> kFragments = {{"fragment-duration", "500"},
+const std::vector<ElementProperty> kFragments = {{"fragment-duration", "250"},
                                                  {"fragment-mode", "first-moov-then-finalise"}};
 
 // flvmux asks its input for the duration when it writes the header, and writes a day when nobody knows. A
