@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <algorithm>
 #include <filesystem>
+#include <limits>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -20,6 +21,7 @@ namespace {
 // A recording goes on when there is room for this many times the space at which it paused, so that it does
 // not pause again at once.
 constexpr int kRoomToGoOn = 2;
+constexpr qint64 kPartOfSmallDisk = 10;
 // TargetWorker asks about once a second whether a writer may go on.
 constexpr int kCheckRoomMs = 1000;
 
@@ -27,6 +29,12 @@ qint64 freeBytesAt(const QString& folder) {
   std::error_code error;
   const std::filesystem::space_info space = std::filesystem::space(folder.toStdString(), error);
   return error ? -1 : static_cast<qint64>(space.available);
+}
+
+qint64 capacityOf(const QString& folder) {
+  std::error_code error;
+  const std::filesystem::space_info space = std::filesystem::space(folder.toStdString(), error);
+  return error ? std::numeric_limits<qint64>::max() : static_cast<qint64>(space.capacity);
 }
 
 /// Writes one file after the other: a new one when the cut duration is over, and after a pause in which the
@@ -70,6 +78,7 @@ class FileWriter : public TargetWriter {
   void askGuard();
 
   FileSettings settings_;
+  qint64 minimumFreeBytes_ = 0;  // on the disk of the first file
   Wake wake_;
   QString fileName_;  // of the newest part
   QString reason_;    // of a failure or of a pause
@@ -101,8 +110,10 @@ bool FileWriter::open(Wake wake) {
   part_ = reserve(settings_.name);
   if (!part_)
     return false;
-  const qint64 free = settings_.freeBytes(QFileInfo(fileName_).path());
-  if (free < 0 || free >= settings_.minimumFreeBytes)
+  const QString folder = QFileInfo(fileName_).path();
+  minimumFreeBytes_ = std::min(settings_.minimumFreeBytes, capacityOf(folder) / kPartOfSmallDisk);
+  const qint64 free = settings_.freeBytes(folder);
+  if (free < 0 || free >= minimumFreeBytes_)
     return true;
   reason_ = QStringLiteral("the disk is full");
   return false;
@@ -241,7 +252,7 @@ void FileWriter::measureRoom(qint64 freeBytes) {
   for (std::size_t i = 0; tracks_ && i < tracks_->size(); ++i)
     kbps += (*tracks_)[i].kbps;
   if (freeBytes >= 0 && kbps > 0)
-    roomSeconds_ = std::max<qint64>(0, freeBytes - settings_.minimumFreeBytes) * 8 / (kbps * 1000);
+    roomSeconds_ = std::max<qint64>(0, freeBytes - minimumFreeBytes_) * 8 / (kbps * 1000);
 }
 
 bool FileWriter::mayGoOn() {
@@ -251,12 +262,11 @@ bool FileWriter::mayGoOn() {
   const qint64 free = settings_.freeBytes(QFileInfo(fileName_).path());
   measureRoom(free);
   askGuard();
-  if (part_ && (part_->isOutOfSpace() || (free >= 0 && free < settings_.minimumFreeBytes))) {
+  if (part_ && (part_->isOutOfSpace() || (free >= 0 && free < minimumFreeBytes_))) {
     pause(part_->isOutOfSpace() ? QStringLiteral("the disk is full")
                                 : QStringLiteral("the disk is nearly full"));
   } else if (paused_) {
-    const bool roomBefore =
-        std::exchange(hasRoomAgain_, free < 0 || free >= kRoomToGoOn * settings_.minimumFreeBytes);
+    const bool roomBefore = std::exchange(hasRoomAgain_, free < 0 || free >= kRoomToGoOn * minimumFreeBytes_);
     wantsKeyFrame_ = hasRoomAgain_ && !roomBefore;
   }
   return true;

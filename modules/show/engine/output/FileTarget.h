@@ -19,8 +19,8 @@ struct FileSettings {
   /// Length of a file, which ends at the next key frame; 0 for one file without end.
   qint64 cutNs = 0;
   RecordContainer container = RecordContainer::of(EncapsulationMp4);
-  /// The file is closed while at least this much space is left on its disk. The recording goes on in a new
-  /// file when there is twice as much.
+  /// The file is closed while at least this much space is left on its disk, or a tenth of a small disk. The
+  /// recording goes on in a new file when there is twice as much.
   qint64 minimumFreeBytes = 64LL * 1024 * 1024;
   /// The time between two checks in which the file is read back.
   std::chrono::milliseconds guardInterval{10'000};
