@@ -23,9 +23,9 @@ constexpr struct {
   quint8 tagKorviaShowOutputItem::*enable;
   const char* name;
 } kStreamTargets[] = {
-    {&tagKorviaShowOutputItem::rtmp0Enable, "RTMP - 0"},
-    {&tagKorviaShowOutputItem::rtmp1Enable, "RTMP - 1"},
-    {&tagKorviaShowOutputItem::rtmpLocalEnable, "RTMP - Local"},
+    {&tagKorviaShowOutputItem::rtmp0Enable, "RTMP Push - 0"},
+    {&tagKorviaShowOutputItem::rtmp1Enable, "RTMP Push - 1"},
+    {&tagKorviaShowOutputItem::rtmpLocalEnable, "RTMP Local"},
     {&tagKorviaShowOutputItem::httpEnable, "HTTP"},
     {&tagKorviaShowOutputItem::hlsEnable, "HLS"},
     {&tagKorviaShowOutputItem::udpEnable, "UDP"},

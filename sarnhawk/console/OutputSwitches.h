@@ -33,7 +33,8 @@ class OutputSwitches {
   bool isWaiting(int slot) const;
   /// Shows the button as off and enables it, because the output has ended by itself.
   void springBack(int slot);
-  /// Names of the targets of the stream. Addresses are left out, because they contain stream keys.
+  /// Names of the targets of the stream, as on the pages of the output settings. Addresses are left out,
+  /// because they contain stream keys.
   QStringList streamTargets() const;
 
  private:

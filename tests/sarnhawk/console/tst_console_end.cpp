@@ -166,10 +166,11 @@ class ConsoleEndTest : public QObject {
     stream.hlsEnable = 1;
     // Not answered yet, so no report tells of it.
     desk.child<QPushButton>("_startStreamPushButton")->click();
-    QCOMPARE(details(), QString("A recording is running: evening.mp4\nA stream is running: RTMP - 0, HLS"));
+    QCOMPARE(details(),
+             QString("A recording is running: evening.mp4\nA stream is running: RTMP Push - 0, HLS"));
     desk.show.figures.outputs[OutputSlotRecord].state = KorviaShowOutputState::Failed;
     desk.console->onWorkTimer();
-    QCOMPARE(details(), QString("A stream is running: RTMP - 0, HLS"));
+    QCOMPARE(details(), QString("A stream is running: RTMP Push - 0, HLS"));
   }
 };
 

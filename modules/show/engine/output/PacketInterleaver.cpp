@@ -88,7 +88,7 @@ void PacketInterleaver::release() {
 
 const std::shared_ptr<const TrackList>& PacketInterleaver::tracks() {
   if (!tracks_) {
-    // A stream begins with a picture, or it would have no track of pictures.
+    // The first packet of a stream is a picture. Sound that has not come by then never comes.
     silent_ = silent_ || !lines_[kSound].track.caps;
     TrackList list{lines_[kPicture].track};
     if (!silent_)

@@ -35,7 +35,7 @@ class RetryingWriter : public TargetWriter {
 
   RetryingWriter(RetrySettings settings, MakeWriter make);
 
-  /// Opens the first writer. Only its open() may end the target for good: it checks the settings.
+  /// Opens the first writer. When that is refused, the settings can never work, and the target ends.
   bool open(Wake wake) override;
   QString location() const override { return {}; }
   bool hasRoom() const override { return !writer_ || writer_->hasRoom(); }
