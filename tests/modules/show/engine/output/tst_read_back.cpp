@@ -77,6 +77,29 @@ class ReadBackTest : public QObject {
     QCOMPARE(recording.slot().report().warning, QString());
   }
 
+  void allFilesOfARecordingAreVerified() {
+    QTemporaryDir folder;
+    RecordingSettings settings = settingsFor(folder.path(), EncapsulationMp4);
+    settings.file.guardInterval = std::chrono::milliseconds(100);
+    settings.file.cutNs = 2'000'000'000;
+    Recording recording(settings);
+    FramePool pool(kSize);
+    int pushed = 0;
+    qint64 verifiedMs = -1;
+    const auto reaches = [&](qint64 ms) {
+      feedFrames(recording.slot(), pool, pushed++, 1);
+      const qint64 now = recording.slot().report().verifiedMs;
+      if (now < verifiedMs)
+        return false;
+      verifiedMs = now;
+      return verifiedMs >= ms;
+    };
+    QVERIFY(QTest::qWaitFor([&] { return reaches(5000); }, 2 * kFinishMs));
+    QVERIFY(verifiedMs <= pushed * 40);
+    QVERIFY(QDir(folder.path()).entryList(QDir::Files).size() >= 3);
+    QCOMPARE(recording.slot().report().warning, QString());
+  }
+
   void fileThatIsGoneIsReported() {
     QTemporaryDir folder;
     RecordingSettings settings = settingsFor(folder.path(), EncapsulationTs);

@@ -104,6 +104,29 @@ class HlsTargetTest : public QObject {
       QVERIFY(std::abs(verdict.pts[i] - verdict.pts[i - 1] - 0.04) < 0.001);
   }
 
+  void settingsComeFromTheRecord() {
+    OutputRequest request;
+    request.slot = OutputSlotStream;
+    tagKorviaShowOutputItem& item = request.param.items[OutputSlotStream];
+    item.hlsTemporaryFolder = settings().folder;
+    item.hlsSegmentLength = 2;
+    item.hlsSegmentNumber = 1;
+    QVERIFY(!HlsTarget::create(request));
+    item.hlsEnable = 1;
+    // The record's own fields of the recording's item mean nothing.
+    request.slot = OutputSlotRecord;
+    request.param.items[OutputSlotRecord].hlsEnable = 1;
+    QVERIFY(!HlsTarget::create(request));
+    request.slot = OutputSlotStream;
+    LiveSlot live({std::shared_ptr<Target>(HlsTarget::create(request))});
+    const QDir folder(settings().folder);
+    const auto written = [&] { return folder.entryList({"segment-*.ts"}, QDir::Files).size(); };
+    QVERIFY(QTest::qWaitFor([&] { return written() >= 2; }, 15'000));
+    const QVector<ListedSegment> listed = segmentsIn(list());
+    QCOMPARE(listed.size(), 1);
+    QVERIFY2(std::abs(listed[0].seconds - 2) < 0.5, qPrintable(QString::number(listed[0].seconds)));
+  }
+
   void aFolderThatIsRemovedIsMadeAgain() {
     const HlsSettings settings = this->settings();
     LiveSlot live({std::make_shared<HlsTarget>(settings)});
