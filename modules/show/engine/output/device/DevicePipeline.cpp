@@ -132,7 +132,7 @@ bool DevicePipeline::linkSdi() {
   GstElement* soundSink = pipeline_.add("decklinkaudiosink", "sound-device");
   if (!convert || !packed || !scan || !sound || !pictureSink || !soundSink)
     return false;
-  packTo(packed, isStandardDefinition(picture_) ? GST_VIDEO_COLORIMETRY_BT601 : GST_VIDEO_COLORIMETRY_BT709);
+  packTo(packed, sdiColorimetry(picture_));
   // Both fields are of the same frame. They are declared behind the converter, which would treat the chroma
   // of each field by itself.
   GstCaps* caps =
@@ -159,7 +159,11 @@ GstElement* DevicePipeline::addPictures() {
   GstElement* source = pictures_.create("pictures", caps);
   gst_caps_unref(caps);
   GstElement* convert = pipeline_.add("videoconvert", "convert");
-  return source && convert && gst_element_link(source, convert) ? convert : nullptr;
+  if (!source || !convert || !gst_element_link(source, convert))
+    return nullptr;
+  // Costs time only where the colours of the device are not those of program.
+  gst_util_set_object_arg(G_OBJECT(convert), "primaries-mode", "fast");
+  return convert;
 }
 
 GstElement* DevicePipeline::addSound() {

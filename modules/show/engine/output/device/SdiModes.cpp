@@ -1,5 +1,7 @@
 #include "SdiModes.h"
 
+#include <gst/video/video.h>
+
 namespace korvia {
 
 namespace {
@@ -93,8 +95,10 @@ std::optional<SdiMode> findSdiMode(const QString& format) {
   return {};
 }
 
-bool isStandardDefinition(const DevicePicture& picture) {
-  return picture.size.height <= 576;
+const char* sdiColorimetry(const DevicePicture& picture) {
+  if (picture.size.height >= 2160)
+    return GST_VIDEO_COLORIMETRY_BT2020;
+  return picture.size.height > 576 ? GST_VIDEO_COLORIMETRY_BT709 : GST_VIDEO_COLORIMETRY_BT601;
 }
 
 }  // namespace korvia

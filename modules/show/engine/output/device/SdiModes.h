@@ -16,7 +16,8 @@ struct SdiMode {
 /// ("1080i59.94", "1080 P 25"). Nothing for an unknown one.
 std::optional<SdiMode> findSdiMode(const QString& format);
 
-/// Whether the picture has the colours of standard definition (BT.601) and not those of BT.709.
-bool isStandardDefinition(const DevicePicture& picture);
+/// The colours that such a picture has on the cable, in the words of GStreamer: those of standard definition,
+/// of high definition, or of ultra high definition.
+const char* sdiColorimetry(const DevicePicture& picture);
 
 }  // namespace korvia
