@@ -130,7 +130,7 @@ QString DeviceOutput::Share::runDevice() {
   if (settings.kind == DeviceKind::VirtualCamera) {
     path = findCamera();
     if (path.isEmpty())
-      return QStringLiteral("no virtual camera device, the kernel module v4l2loopback is not loaded");
+      return QStringLiteral("no device, the kernel module v4l2loopback is not loaded");
   }
   DevicePipeline pipeline(settings, picture, [this] { wake(); });
   if (!pipeline.open(path))

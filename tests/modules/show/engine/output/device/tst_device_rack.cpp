@@ -346,7 +346,7 @@ class DeviceRackTest : public QObject {
     show.open();
     show.startCamera();
     QTRY_COMPARE(show.state(), KorviaShowTargetState::Lost);
-    const QString reason("no virtual camera device, the kernel module v4l2loopback is not loaded");
+    const QString reason("no device, the kernel module v4l2loopback is not loaded");
     QCOMPARE(show.report().reason, reason);
     QTRY_VERIFY(*show.tries > 5);
     QCOMPARE(OutputLog::count("the virtual camera is lost : " + reason), 1);
