@@ -61,6 +61,8 @@ DevicePipeline::~DevicePipeline() {
 }
 
 QString DevicePipeline::failure() const {
+  if (!closedReason_.isEmpty())
+    return closedReason_;
   return pipeline_.hasFailed() ? pipeline_.failure() : QStringLiteral("the device has ended");
 }
 
@@ -184,11 +186,12 @@ bool DevicePipeline::isInstalled(const char* element, const QString& missing) {
   return true;
 }
 
-/// Not all elements tell why they do not open.
 bool DevicePipeline::openSink(GstElement* sink, const QString& failure) {
   if (gst_element_set_state(sink, GST_STATE_READY) != GST_STATE_CHANGE_FAILURE)
     return true;
-  pipeline_.setFailure(failure);
+  // An element that does not tell why gets an error that says just this.
+  if (pipeline_.resourceError() == 0)
+    closedReason_ = failure;
   return false;
 }
 

@@ -49,6 +49,7 @@ class DevicePipeline {
   const DeviceSettings settings_;
   const DevicePicture picture_;
   FramePool scaled_;
+  QString closedReason_;  // why an element does not open that does not tell it
   OutputPipeline pipeline_;
   PipelineInlet pictures_{pipeline_};
   PipelineInlet sound_{pipeline_};

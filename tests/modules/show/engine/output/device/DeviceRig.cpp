@@ -15,7 +15,6 @@ DeviceNotes& notes() {
 struct StandInSink {
   GstBaseSink parent;
   GstVideoInfo info;
-  bool open;
   gchar* text;
   gint number;
   gchar* mode;
@@ -50,22 +49,18 @@ void finalizeSink(GObject* object) {
   parent->finalize(object);
 }
 
-GstStateChangeReturn changeSink(GstElement* element, GstStateChange change) {
-  StandInSink* sink = self(element);
-  if (change == GST_STATE_CHANGE_NULL_TO_READY) {
-    const QString properties = QStringLiteral("%1 %2 %3")
-                                   .arg(QString::fromUtf8(sink->text))
-                                   .arg(sink->number)
-                                   .arg(QString::fromUtf8(sink->mode));
-    if (!notes().open(properties.trimmed()))
-      return GST_STATE_CHANGE_FAILURE;
-    sink->open = true;
-  }
-  auto* parent = static_cast<GstElementClass*>(g_type_class_peek(GST_TYPE_BASE_SINK));
-  const GstStateChangeReturn result = parent->change_state(element, change);
-  if (change == GST_STATE_CHANGE_READY_TO_NULL && std::exchange(sink->open, false))
-    notes().close();
-  return result;
+gboolean startSink(GstBaseSink* base) {
+  const StandInSink* sink = self(base);
+  const QString properties = QStringLiteral("%1 %2 %3")
+                                 .arg(QString::fromUtf8(sink->text))
+                                 .arg(sink->number)
+                                 .arg(QString::fromUtf8(sink->mode));
+  return notes().open(properties.trimmed()) ? TRUE : FALSE;
+}
+
+gboolean stopSink(GstBaseSink*) {
+  notes().close();
+  return TRUE;
 }
 
 gboolean setPictureCaps(GstBaseSink* base, GstCaps* caps) {
@@ -118,8 +113,10 @@ void initSinkClass(gpointer klass, const char* caps) {
   g_object_class_install_property(object, kDeviceNumber,
                                   g_param_spec_int("device-number", "device-number", "device-number", 0,
                                                    G_MAXINT, 0, static_cast<GParamFlags>(G_PARAM_READWRITE)));
+  auto* base = static_cast<GstBaseSinkClass*>(klass);
+  base->start = startSink;
+  base->stop = stopSink;
   auto* element = static_cast<GstElementClass*>(klass);
-  element->change_state = changeSink;
   gst_element_class_set_static_metadata(element, "stand-in", "Sink", "stands in for a device", "tests");
   GstCaps* all = gst_caps_from_string(caps);
   gst_element_class_add_pad_template(element,
@@ -142,7 +139,6 @@ void initSoundClass(gpointer klass, gpointer) {
 void initSink(GTypeInstance* instance, gpointer) {
   StandInSink* sink = self(instance);
   gst_video_info_init(&sink->info);
-  sink->open = false;
   sink->text = nullptr;
   sink->mode = nullptr;
   sink->number = 0;

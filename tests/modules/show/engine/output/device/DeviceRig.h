@@ -12,6 +12,7 @@
 #include <condition_variable>
 #include <mutex>
 
+#include "engine/HappensBefore.h"
 #include "engine/audio/StereoBlock.h"
 #include "engine/frame/Frame.h"
 #include "engine/source/GstInit.h"
@@ -19,6 +20,11 @@
 namespace korvia::test {
 
 inline constexpr int kNumberBits = 12;
+
+inline int& numberOrder() {
+  static int order = 0;
+  return order;
+}
 
 /// The number stands in the luma as columns, so that it can be read at any size.
 inline FrameRef numberedFrame(FrameSize size, int number) {
@@ -30,10 +36,13 @@ inline FrameRef numberedFrame(FrameSize size, int number) {
     for (int x = 0; x < size.width; ++x)
       row[x] = (number >> (x * kNumberBits / size.width)) & 1 ? 235 : 16;
   }
+  // The sinks read the frame on a thread of GStreamer.
+  annotateHappensBefore(&numberOrder());
   return FrameRef::adopt(frame);
 }
 
 inline int numberOf(const GstVideoFrame& frame) {
+  annotateHappensAfter(&numberOrder());
   const int width = GST_VIDEO_FRAME_WIDTH(&frame);
   const auto* luma = static_cast<const std::uint8_t*>(GST_VIDEO_FRAME_COMP_DATA(&frame, 0)) +
                      GST_VIDEO_FRAME_HEIGHT(&frame) / 2 * GST_VIDEO_FRAME_COMP_STRIDE(&frame, 0);
