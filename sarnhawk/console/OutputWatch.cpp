@@ -74,6 +74,7 @@ void OutputWatch::onWorkTick() {
       _switches->springBack(slot);
     tell(slot, report);
   }
+  tellDevices();
   showNotice();
 }
 
@@ -91,7 +92,10 @@ void OutputWatch::tell(int slot, const tagKorviaShowOutputReport& report) {
   Told& told = _told[static_cast<std::size_t>(slot)];
   told.isReported = true;
   told.hasLostFrames = report.droppedFrames > 0;
-  const QList<tagKorviaShowTargetReport> down = noteDown(told, report);
+  const bool goesOn =
+      report.state == KorviaShowOutputState::Starting || report.state == KorviaShowOutputState::Running;
+  const QList<tagKorviaShowTargetReport> down =
+      noteDown(told, goesOn ? report.targets : QList<tagKorviaShowTargetReport>());
   if (report.state == KorviaShowOutputState::Failed) {
     const QString failed = joined({text(texts.failed), report.reason}, QStringLiteral(": "));
     told.news = News::Failed;
@@ -104,12 +108,7 @@ void OutputWatch::tell(int slot, const tagKorviaShowOutputReport& report) {
     told.line = joined({unreadable, fileName}, separator);
     told.details = joined({unreadable, report.fileName, lost}, QStringLiteral("\n"));
   } else if (!down.isEmpty()) {
-    QStringList lines;
-    for (const tagKorviaShowTargetReport& target : down)
-      lines.append(downText(target));
-    told.news = News::TargetDown;
-    told.line = lines.join(QStringLiteral(" | "));
-    told.details = joined({lines.join(QLatin1Char('\n')), lost}, QStringLiteral("\n"));
+    tellDown(told, down, lost);
   } else if (!lost.isEmpty()) {
     told.news = News::FramesLost;
     told.line = joined({lost, fileName}, separator);
@@ -119,16 +118,32 @@ void OutputWatch::tell(int slot, const tagKorviaShowOutputReport& report) {
   }
 }
 
-/// Notes the targets that are lost or failed while the output goes on. Returns those to tell of, the worst
-/// one first: none while the operator has clicked all of them away.
-QList<tagKorviaShowTargetReport> OutputWatch::noteDown(Told& told,
-                                                       const tagKorviaShowOutputReport& report) const {
-  const bool goesOn =
-      report.state == KorviaShowOutputState::Starting || report.state == KorviaShowOutputState::Running;
+/// The virtual camera, NDI and SDI, which have no button and stay as long as they are enabled.
+void OutputWatch::tellDevices() {
+  const QList<tagKorviaShowTargetReport> down = noteDown(_devices, _statistics->figures().deviceOutputs);
+  if (down.isEmpty())
+    _devices.news = News::None;
+  else
+    tellDown(_devices, down, QString());
+}
+
+void OutputWatch::tellDown(Told& told, const QList<tagKorviaShowTargetReport>& down, const QString& lost) {
+  QStringList lines;
+  for (const tagKorviaShowTargetReport& target : down)
+    lines.append(downText(target));
+  told.news = News::TargetDown;
+  told.line = lines.join(QStringLiteral(" | "));
+  told.details = joined({lines.join(QLatin1Char('\n')), lost}, QStringLiteral("\n"));
+}
+
+/// Notes the targets that are lost or failed. Returns those to tell of, the worst one first: none while the
+/// operator has clicked all of them away.
+QList<tagKorviaShowTargetReport> OutputWatch::noteDown(
+    Told& told, const QList<tagKorviaShowTargetReport>& targets) const {
   told.down.clear();
   QList<tagKorviaShowTargetReport> down;
-  for (const tagKorviaShowTargetReport& target : TargetText::worstFirst(report.targets)) {
-    if (!goesOn || _config->enableOutputWarning == 0 || !TargetText::isDown(target))
+  for (const tagKorviaShowTargetReport& target : TargetText::worstFirst(targets)) {
+    if (_config->enableOutputWarning == 0 || !TargetText::isDown(target))
       continue;
     told.down.append(target.name);
     down.append(target);
@@ -144,12 +159,11 @@ void OutputWatch::showNotice() {
   QStringList lines;
   QStringList details;
   // The recording comes first, because a lost recording cannot be repeated.
-  for (const int slot : {OutputSlotRecord, OutputSlotStream}) {
-    const Told& told = _told[static_cast<std::size_t>(slot)];
-    if (told.news <= told.clickedAway)
+  for (const Told* told : {&_told[OutputSlotRecord], &_told[OutputSlotStream], &_devices}) {
+    if (told->news <= told->clickedAway)
       continue;
-    lines.append(told.line);
-    details.append(told.details);
+    lines.append(told->line);
+    details.append(told->details);
   }
   if (lines.isEmpty())
     _notice->hide();
@@ -158,13 +172,13 @@ void OutputWatch::showNotice() {
 }
 
 void OutputWatch::clickAway() {
-  for (Told& told : _told) {
-    told.downClickedAway = told.down;
-    if (told.news == News::Unreadable)
-      told.warningClickedAway = told.warning;
-    if (told.news == News::TargetDown || told.news == News::Unreadable)
-      told.news = told.hasLostFrames ? News::FramesLost : News::None;
-    told.clickedAway = std::max(told.clickedAway, told.news);
+  for (Told* told : {&_told[OutputSlotRecord], &_told[OutputSlotStream], &_devices}) {
+    told->downClickedAway = told->down;
+    if (told->news == News::Unreadable)
+      told->warningClickedAway = told->warning;
+    if (told->news == News::TargetDown || told->news == News::Unreadable)
+      told->news = told->hasLostFrames ? News::FramesLost : News::None;
+    told->clickedAway = std::max(told->clickedAway, told->news);
   }
   showNotice();
 }

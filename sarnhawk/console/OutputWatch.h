@@ -1,6 +1,6 @@
 // Watches recording and stream for the operator. When an output fails, its button is switched off and a
-// notice tells why; a notice also tells of lost frames, and of single targets that are lost or failed unless
-// the operator has switched these warnings off. Console thread.
+// notice tells why; a notice also tells of lost frames, and of single targets and devices that are lost or
+// failed unless the operator has switched these warnings off. Console thread.
 #pragma once
 #include <QStringList>
 #include <array>
@@ -48,7 +48,10 @@ class OutputWatch : public ConsolePage {
   };
 
   void tell(int slot, const tagKorviaShowOutputReport& report);
-  QList<tagKorviaShowTargetReport> noteDown(Told& told, const tagKorviaShowOutputReport& report) const;
+  void tellDevices();
+  static void tellDown(Told& told, const QList<tagKorviaShowTargetReport>& down, const QString& lost);
+  QList<tagKorviaShowTargetReport> noteDown(Told& told,
+                                            const QList<tagKorviaShowTargetReport>& targets) const;
   void showNotice();
   void clickAway();
   bool isRunning(int slot) const;
@@ -58,4 +61,5 @@ class OutputWatch : public ConsolePage {
   GOutputNotice* _notice;
   const tagKorviaSarnhawkConfig* _config;
   std::array<Told, kSlots> _told;
+  Told _devices;
 };

@@ -83,10 +83,14 @@ QJsonObject targetReport(const tagKorviaShowTargetReport& report) {
           {"kbps", report.bitrate}};
 }
 
-QJsonObject outputReport(const tagKorviaShowOutputReport& report) {
+QJsonArray targetReports(const QList<tagKorviaShowTargetReport>& reports) {
   QJsonArray targets;
-  for (const tagKorviaShowTargetReport& target : report.targets)
-    targets.append(targetReport(target));
+  for (const tagKorviaShowTargetReport& report : reports)
+    targets.append(targetReport(report));
+  return targets;
+}
+
+QJsonObject outputReport(const tagKorviaShowOutputReport& report) {
   return {{"state", kOutputStates[static_cast<std::size_t>(report.state)]},
           {"reason", report.reason},
           {"file", QFileInfo(report.fileName).fileName()},
@@ -96,7 +100,7 @@ QJsonObject outputReport(const tagKorviaShowOutputReport& report) {
           {"roomSeconds", knownOrNull(report.roomSeconds)},
           {"verifiedMs", knownOrNull(report.verifiedMs)},
           {"warning", report.warning},
-          {"targets", targets}};
+          {"targets", targetReports(report.targets)}};
 }
 
 QJsonObject outputsSection(const tagKorviaShowEngineFigures& figures) {
@@ -104,7 +108,8 @@ QJsonObject outputsSection(const tagKorviaShowEngineFigures& figures) {
   return {{"recording", figures.recording && record.state != KorviaShowOutputState::Failed},
           {"streaming", figures.streaming && stream.state != KorviaShowOutputState::Failed},
           {"record", outputReport(record)},
-          {"stream", outputReport(stream)}};
+          {"stream", outputReport(stream)},
+          {"devices", targetReports(figures.deviceOutputs)}};
 }
 
 }  // namespace

@@ -19,7 +19,8 @@ SoftwareBackend::SoftwareBackend()
       items_(switcher_.pgm()),
       mixer_(channels_),
       monitors_(stages_),
-      outputs_(janitor_) {
+      outputs_(janitor_),
+      deviceOutputs_(janitor_) {
   fillEventTable();
 }
 
@@ -33,6 +34,12 @@ void SoftwareBackend::fillEventTable() {
   events_.on(ShowEventSelectChannel, switcher_, &Switcher::selectChannel);
   events_.on(ShowEventStartOutput, outputs_, &OutputRack::start);
   events_.on(ShowEventStopOutput, outputs_, &OutputRack::stop);
+  events_.on(ShowEventStartVirtualCamera, deviceOutputs_, &DeviceRack::startVirtualCamera);
+  events_.on(ShowEventStopVirtualCamera, deviceOutputs_, &DeviceRack::stopVirtualCamera);
+  events_.on(ShowEventStartNDI, deviceOutputs_, &DeviceRack::startNdi);
+  events_.on(ShowEventStopNDI, deviceOutputs_, &DeviceRack::stopNdi);
+  events_.on(ShowEventStartSDI, deviceOutputs_, &DeviceRack::startSdi);
+  events_.on(ShowEventStopSDI, deviceOutputs_, &DeviceRack::stopSdi);
   events_.on(ShowEventAudioMixMode, mixer_, &AudioMixer::setMixMode);
   events_.on(ShowEventVolume, mixer_, &AudioMixer::setVolume);
   events_.on(ShowEventChannelMix, mixer_, &AudioMixer::setChannelMix);
@@ -69,6 +76,7 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
   loudness_.restart();
   openDevices(info);
   outputs_.open(format_);
+  deviceOutputs_.open(format_);
   monitors_.open(windows);
   program_.reset();
   mixed_.reset();
@@ -114,6 +122,7 @@ void SoftwareBackend::closeShow() {
   mixer_.close();
   closeDevices();
   outputs_.close();
+  deviceOutputs_.close();
   monitors_.close();
   snapshots_.flush();
   program_.reset();
@@ -159,9 +168,12 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
   showMonitors(preview);
   {
     StageClock::Scope stage(stages_, StageClock::HandOver);
-    if (tick.missed > 0)
+    if (tick.missed > 0) {
       outputs_.push(last ? last : program_, tick.missed);
+      deviceOutputs_.push(last ? last : program_, tick.missed);
+    }
     outputs_.push(program_, 1);
+    deviceOutputs_.push(program_, 1);
   }
   keepFigures(tick);
   watchLoad();
@@ -173,6 +185,7 @@ void SoftwareBackend::mixSound(const FrameTick& tick) {
   mixer_.beginTick(tick, switcher_.channels());
   while (mixer_.mixBlock()) {
     outputs_.pushSound(mixer_.program());
+    deviceOutputs_.pushSound(mixer_.program());
     loudness_.push(mixer_.program());
     if (programDevice_)
       programDevice_->push(mixer_.program());
@@ -268,6 +281,7 @@ void SoftwareBackend::getFigures(tagKorviaShowEngineFigures& figures) {
   figures.recording = outputs_.isRunning(OutputSlotRecord);
   figures.streaming = outputs_.isRunning(OutputSlotStream);
   figures.outputs = outputs_.reports();
+  figures.deviceOutputs = deviceOutputs_.reports();
 }
 
 }  // namespace korvia

@@ -20,6 +20,7 @@
 #include "engine/monitor/MonitorHub.h"
 #include "engine/output/OutputRack.h"
 #include "engine/output/SnapshotWriter.h"
+#include "engine/output/device/DeviceRack.h"
 #include "tagKorviaShowEngineInfo.h"
 
 namespace korvia {
@@ -90,6 +91,7 @@ class SoftwareBackend final : public IShowBackend {
   std::unique_ptr<SoundDevice> previewDevice_;
   MonitorHub monitors_;
   OutputRack outputs_;
+  DeviceRack deviceOutputs_;
   SnapshotWriter snapshots_;
   EventTable events_;
 

@@ -81,6 +81,8 @@ struct tagKorviaShowEngineFigures {
   bool streaming = false;
   /// By KorviaShowOutputSlot: the stream, the recording.
   std::array<tagKorviaShowOutputReport, 2> outputs;
+  /// Virtual camera, NDI and SDI, as far as they are on, in this order.
+  QList<tagKorviaShowTargetReport> deviceOutputs;
 
   friend bool operator==(const tagKorviaShowEngineFigures&, const tagKorviaShowEngineFigures&) = default;
 };

@@ -432,6 +432,7 @@ void visitFields(R& r, V&& visit) {
   visit("recording", r.recording);
   visit("streaming", r.streaming);
   visit("outputs", r.outputs);
+  visit("deviceOutputs", r.deviceOutputs);
 }
 
 template <RecordOf<tagKorviaShowEncodeParam> R, class V>

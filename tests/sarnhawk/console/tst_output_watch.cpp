@@ -64,6 +64,10 @@ class OpenDesk : public ConsoleDesk {
     output(OutputSlotStream).targets = targets;
     tick();
   }
+  void setDevices(const QList<tagKorviaShowTargetReport>& devices) {
+    show.figures.deviceOutputs = devices;
+    tick();
+  }
   QJsonObject outputsOnBoard() const {
     return korvia::StatusBoard::instance().snapshot()["outputs"].toObject();
   }
@@ -356,6 +360,67 @@ class OutputWatchTest : public QObject {
     desk.output(OutputSlotStream).state = KorviaShowOutputState::Finished;
     desk.tick();
     QVERIFY(!desk.notice()->isVisible());
+  }
+
+  void deviceThatIsDownIsToldUntilItIsUp() {
+    OpenDesk desk;
+    desk.setDevices({target("Virtual Camera", KorviaShowTargetState::Connecting),
+                     target("NDI", KorviaShowTargetState::Lost, "the plugin is not installed", 4),
+                     target("SDI", KorviaShowTargetState::Failed, "the format is unknown")});
+    QVERIFY(desk.notice()->isVisible());
+    QCOMPARE(desk.notice()->toolTip(), QString("SDI failed: the format is unknown\n"
+                                               "NDI lost: the plugin is not installed, next try in 4 s"));
+    desk.setDevices({target("NDI", KorviaShowTargetState::Up)});
+    QVERIFY(!desk.notice()->isVisible());
+    // An output that the operator has switched off is not told of any more.
+    desk.setDevices({target("NDI", KorviaShowTargetState::Lost)});
+    QCOMPARE(desk.notice()->text(), QString("NDI lost"));
+    desk.setDevices({});
+    QVERIFY(!desk.notice()->isVisible());
+  }
+
+  void deviceIsToldBesideTheStream() {
+    OpenDesk desk;
+    desk.click(desk.stream());
+    desk.show.figures.deviceOutputs = {target("NDI", KorviaShowTargetState::Lost)};
+    desk.runStream({target("HTTP", KorviaShowTargetState::Lost)});
+    QCOMPARE(desk.notice()->toolTip(), QString("HTTP lost\nNDI lost"));
+    // A new start of the stream leaves the device alone.
+    desk.click(desk.stream());
+    desk.click(desk.stream());
+    desk.runStream({target("HTTP", KorviaShowTargetState::Up)});
+    QCOMPARE(desk.notice()->text(), QString("NDI lost"));
+  }
+
+  void deviceClickedAwayIsToldAgainWhenItGoesDownAgain() {
+    OpenDesk desk;
+    const auto down = target("Virtual Camera", KorviaShowTargetState::Lost, "no device", 5);
+    desk.setDevices({down});
+    QTest::mouseClick(desk.notice(), Qt::LeftButton);
+    desk.setDevices({down});
+    QVERIFY(!desk.notice()->isVisible());
+    desk.setDevices({target("Virtual Camera", KorviaShowTargetState::Up)});
+    desk.setDevices({down});
+    QVERIFY(desk.notice()->isVisible());
+  }
+
+  void devicesAreNotToldWhenTheWarningsAreOff() {
+    OpenDesk desk;
+    desk.console->getConfig()->enableOutputWarning = 0;
+    desk.setDevices({target("NDI", KorviaShowTargetState::Lost)});
+    QVERIFY(!desk.notice()->isVisible());
+  }
+
+  void statusTellsDevices() {
+    OpenDesk desk;
+    desk.setDevices({});
+    QVERIFY(desk.outputsOnBoard()["devices"].toArray().isEmpty());
+    desk.setDevices({target("SDI", KorviaShowTargetState::Lost, "the card does not open", 3)});
+    const QJsonObject device = desk.outputsOnBoard()["devices"].toArray()[0].toObject();
+    QCOMPARE(device["name"].toString(), QString("SDI"));
+    QCOMPARE(device["state"].toString(), QString("Lost"));
+    QCOMPARE(device["reason"].toString(), QString("the card does not open"));
+    QCOMPARE(device["retrySeconds"].toInt(), 3);
   }
 
   void statusAgrees() {

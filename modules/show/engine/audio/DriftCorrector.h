@@ -39,7 +39,11 @@ class DriftCorrector {
   /// time for each. False, with nothing written, for silence: until the delay is filled, and after an
   /// underrun until it is filled again.
   bool pull(StereoSpan out, std::int64_t nowNs);
+  /// Where the next pull goes on, counted in pushed samples from 0, between two of them. Pulling thread.
+  double position() const { return buffer_.position(); }
 
+  /// Samples that were pushed and not refused. Any thread.
+  std::int64_t pushed() const { return buffer_.written(); }
   /// Any thread.
   double ppm() const { return figures().ppm; }
   Figures figures() const;

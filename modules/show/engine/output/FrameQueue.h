@@ -28,6 +28,8 @@ class FrameQueue {
     ++count_;
     return true;
   }
+  /// The oldest frame. Not on an empty queue.
+  const QueuedFrame& front() const { return ring_[first_]; }
   /// Not on an empty queue.
   QueuedFrame pop() {
     QueuedFrame frame = std::exchange(ring_[first_], {});

@@ -26,6 +26,8 @@ class PipelineInlet {
   /// Takes ownership of the buffer, whose time stamps begin at 0. Never blocks.
   void push(GstBuffer* buffer);
   void end();
+  /// Buffers that what comes behind has begun to take. Any thread.
+  qint64 taken() const { return taken_; }
 
  private:
   static GstPadProbeReturn onTaken(GstPad* pad, GstPadProbeInfo* info, gpointer self);

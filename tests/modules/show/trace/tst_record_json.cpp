@@ -211,6 +211,7 @@ class RecordJsonTest : public QObject {
     figures.loudness.integratedLufs = -23.5;
     figures.outputs[1].state = KorviaShowOutputState::Failed;
     figures.outputs[1].targets = {{"Record", KorviaShowTargetState::Lost, "the disk is full", 0, 3, 0}};
+    figures.deviceOutputs = {{"NDI", KorviaShowTargetState::Up, {}, 7, 0, 0}};
     figures.programDevice.driftPpm = -41.5;
     figures.sourceDriftPpm[7] = 12.25;
     const QJsonObject json = objectOf(figures);
@@ -227,6 +228,7 @@ class RecordJsonTest : public QObject {
     QCOMPARE(target.size(), 6);
     QCOMPARE(target["name"].toString(), QString("Record"));
     QCOMPARE(target["retrySeconds"].toInt(), 3);
+    QCOMPARE(json["deviceOutputs"].toArray()[0].toObject()["upSeconds"].toInt(), 7);
     QCOMPARE(json["programDevice"].toObject()["driftPpm"].toDouble(), -41.5);
     QCOMPARE(json["sourceDriftPpm"].toArray()[7].toDouble(), 12.25);
 

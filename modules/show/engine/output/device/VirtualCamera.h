@@ -1,0 +1,16 @@
+// Finds the device of the kernel module v4l2loopback, which other programs see as a camera.
+#pragma once
+#include <linux/videodev2.h>
+
+#include <QString>
+
+namespace korvia {
+
+/// Whether the device belongs to v4l2loopback and takes pictures.
+bool isVirtualCamera(const v4l2_capability& capability);
+
+/// The path of the first one under /dev; empty without one. Any thread; opens the devices in question, but
+/// none of real cameras, some of which switch a light on.
+QString findVirtualCamera();
+
+}  // namespace korvia
