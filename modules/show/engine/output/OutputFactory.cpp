@@ -51,6 +51,12 @@ int encodedKbps(int kbps) {
   return clamped;
 }
 
+KorviaShowEncodeAccelerator encodedAccelerator(qint64 accelerator) {
+  const bool exists =
+      accelerator == EncodeAcceleratorIntegratedGpu || accelerator == EncodeAcceleratorIndependentGpu;
+  return exists ? static_cast<KorviaShowEncodeAccelerator>(accelerator) : EncodeAcceleratorSoftware;
+}
+
 int encodedSoundKbps(qint64 kbps) {
   return kbps <= 0 ? kDefaultSoundKbps : static_cast<int>(std::clamp(kbps, kMinSoundKbps, kMaxSoundKbps));
 }
@@ -78,6 +84,8 @@ std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janit
                      encodedKbps(request.param.encode[request.slot].videoBitrate)};
   if (request.format.audio.enable != 0)
     encoder.soundKbps = encodedSoundKbps(request.param.encode[request.slot].audioBitrate);
+  encoder.accelerator = encodedAccelerator(request.param.encode[request.slot].accelerator);
+  encoder.trials = request.trials;
   encoder.soundDelaySamples = Limiter::kLatencySamples;
   encoder.queueCapacity =
       static_cast<int>(std::clamp<std::int64_t>(request.rate.framesIn(1'000'000'000), 1, 60));

@@ -83,7 +83,7 @@ void OutputRack::start(int slot, const tagKorviaShowOutputParam& param, const QS
       ledger_->reports[static_cast<std::size_t>(slot)] = {};
     }
     std::shared_ptr<OutputSlot> output =
-        createOutputSlot({slot, param, programName, format, *rate_}, janitor_);
+        createOutputSlot({slot, param, programName, format, *rate_, trials_}, janitor_);
     if (!output) {
       MutexLock lock(ledger_->mutex);
       tagKorviaShowOutputReport& report = ledger_->reports[static_cast<std::size_t>(slot)];

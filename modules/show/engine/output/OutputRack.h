@@ -60,6 +60,7 @@ class OutputRack {
   void end(int slot);
 
   Janitor& janitor_;
+  const std::shared_ptr<EncoderTrials> trials_ = std::make_shared<EncoderTrials>();
   const std::shared_ptr<Ledger> ledger_ = std::make_shared<Ledger>();
   IShowBackendHost* host_ = nullptr;
   std::optional<FrameRate> rate_;  // of the open show

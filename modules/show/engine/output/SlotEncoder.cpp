@@ -15,16 +15,27 @@ namespace {
 
 constexpr int kMeasureMs = 1000;
 constexpr int kQueuedSamples = kSampleRate;
+// While encoders of GPUs are tried, so many times the frames and samples wait.
+constexpr int kTrialQueues = 1 + (EncoderTrials::kLimitMs + 999) / 1000;
 // A longer gap comes from a wrong time stamp; only so much of it is filled.
 constexpr qint64 kMostSilence = 60LL * kSampleRate;
+
+int queuesOf(const EncoderSettings& settings) {
+  return settings.accelerator == EncodeAcceleratorSoftware ? 1 : kTrialQueues;
+}
+
+const char* noneWorks(KorviaShowEncodeAccelerator accelerator) {
+  return accelerator == EncodeAcceleratorIntegratedGpu ? ": no encoder of an integrated GPU works"
+                                                       : ": no encoder of an independent GPU works";
+}
 
 }  // namespace
 
 SlotEncoder::SlotEncoder(EncoderSettings settings, Janitor& janitor)
     : settings_(std::move(settings)),
       targets_(janitor),
-      queue_(settings_.queueCapacity),
-      sound_(settings_.soundKbps > 0 ? kQueuedSamples : 1) {
+      queue_(settings_.queueCapacity * queuesOf(settings_)),
+      sound_(settings_.soundKbps > 0 ? kQueuedSamples * queuesOf(settings_) : 1) {
   thread_ = std::thread([this] { run(); });
 }
 
@@ -40,7 +51,8 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
     MutexLock lock(mutex_);
     if (!accepting_)
       return;
-    if (!queue_.push(frame, frameIndex)) {
+    const bool isFull = started_ && queue_.size() >= settings_.queueCapacity;
+    if (isFull || !queue_.push(frame, frameIndex)) {
       ++figures_.framesDropped;
       return;
     }
@@ -119,15 +131,14 @@ SlotEncoder::Step SlotEncoder::step() {
     finishing = !accepting_;
     drained = queue_.isEmpty();
     inBurst_ = inBurst_ && !drained;
+    started_ = started_ || (pipeline_ && drained);
   }
 
   // Without a target the packets are not used, and x264 holds many megabytes.
   if (pipeline_ && !streamEnded_ && targets_.isEmpty())
     closePipelines();
-  if (pipeline_ && pipeline_->hasFailed()) {
-    reason_ = pipeline_->failure();
+  if (pipeline_ && pipeline_->hasFailed() && !replaceEncoder())
     return Step::Failed;
-  }
   if (soundPipeline_ && soundPipeline_->hasFailed())
     giveUpSound();
   if (pipeline_ && hasEnded())
@@ -213,13 +224,39 @@ bool SlotEncoder::open() {
   interleaver_ =
       std::make_unique<PacketInterleaver>(settings_.soundKbps > 0 && !soundFailed_ ? Sound::Yes : Sound::No,
                                           [this](const Packet& packet) { onPacket(packet); });
+  const EncoderElement& encoder = settings_.trials->choose(settings_.accelerator, settings_.picture);
+  const bool isWish = settings_.accelerator == EncodeAcceleratorSoftware || &encoder != &softwareEncoder();
+  qCInfo(logOutput, "%s is encoded by %s%s", qPrintable(settings_.label), encoder.name,
+         isWish ? "" : noneWorks(settings_.accelerator));
+  return openPicture(encoder) || replaceEncoder();
+}
+
+bool SlotEncoder::openPicture(const EncoderElement& encoder) {
   pipeline_ = std::make_unique<EncodePipeline>(
+      encoder,
       [this](const Track& track, Packet packet) { interleaver_->pushPicture(track, std::move(packet)); },
       [this] { wake(); });
-  if (pipeline_->open(settings_.picture))
-    return true;
+  return pipeline_->open(settings_.picture, generation_++);
+}
+
+bool SlotEncoder::replaceEncoder() {
   reason_ = pipeline_->failure();
-  return false;
+  const EncoderElement& failed = pipeline_->encoder();
+  if (&failed == &softwareEncoder())
+    return false;
+  settings_.trials->noteFailure(failed, settings_.picture);
+  qCWarning(logOutput, "%s has failed, %s is encoded by %s from here on : %s", failed.name,
+            qPrintable(settings_.label), softwareEncoder().name, qPrintable(reason_));
+  const std::deque<QueuedFrame> unfinished = pipeline_->stop();
+  if (!openPicture(softwareEncoder())) {
+    reason_ = pipeline_->failure();
+    return false;
+  }
+  for (const QueuedFrame& queued : unfinished)
+    pipeline_->feed(queued.frame, queued.index);
+  if (streamEnded_)
+    pipeline_->endStream();
+  return true;
 }
 
 void SlotEncoder::closePipelines() {

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "EncodePipeline.h"
+#include "EncoderTrials.h"
 #include "FrameQueue.h"
 #include "PacketInterleaver.h"
 #include "SoundEncodePipeline.h"
@@ -33,6 +34,9 @@ struct EncoderSettings {
   int burstFrames = 1;
   /// Time-out for encoding the queued frames after finish().
   int finishTimeoutMs = 10000;
+  KorviaShowEncodeAccelerator accelerator = EncodeAcceleratorSoftware;
+  /// What is known of the encoders of GPUs; shared by all outputs.
+  std::shared_ptr<EncoderTrials> trials = std::make_shared<EncoderTrials>();
 };
 
 struct EncoderFigures {
@@ -81,6 +85,9 @@ class SlotEncoder {
   bool feed(const QueuedFrame& queued);
   void feedSound(qint64 firstSample);
   bool open();
+  bool openPicture(const EncoderElement& encoder);
+  /// Goes on with x264 after the failure of another encoder. False when there is nothing to go on with.
+  bool replaceEncoder();
   void closePipelines();
   bool hasEnded() const;
   void giveUpSound();
@@ -99,6 +106,7 @@ class SlotEncoder {
   std::vector<float> samples_;  // interleaved, from the queue
   bool soundFailed_ = false;
   bool streamEnded_ = false;
+  int generation_ = 0;  // of the encoders, see Track
   QElapsedTimer sinceFinish_;
   QElapsedTimer sinceMeasure_;
   qint64 lastFrames_ = 0;
@@ -117,6 +125,7 @@ class SlotEncoder {
   FrameQueue queue_ GUARDED_BY(mutex_);
   SoundQueue sound_ GUARDED_BY(mutex_);
   bool inBurst_ GUARDED_BY(mutex_) = false;    // the queue is being emptied
+  bool started_ GUARDED_BY(mutex_) = false;    // no frame waits any more for the start of the encoder
   bool accepting_ GUARDED_BY(mutex_) = true;   // false from finish() or a failure on
   bool finished_ GUARDED_BY(mutex_) = false;   // the thread is about to end
   EncoderFigures figures_ GUARDED_BY(mutex_);  // framesEncoded stands in the atomic
