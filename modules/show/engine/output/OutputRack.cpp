@@ -160,6 +160,9 @@ void OutputRack::statistics(tagKorviaOutputStatistics& statistics) const {
     block.videoBitrate = figures.videoKbps;
     block.audioRate = figures.samplesPerSecond;
     block.audioBitrate = figures.soundKbps;
+    block.encodeDelay = figures.encodeDelayMs;
+    block.videoAudioDrift = figures.pictureLessSoundMs;
+    qstrncpy(block.frameType.data(), figures.frameTypes.toLatin1().constData(), block.frameType.size());
     for (std::size_t kind = 0; kind < kTargetKinds; ++kind)
       placeOf(static_cast<TargetKind>(kind), block).bitrate = figures.kbps[kind];
   }

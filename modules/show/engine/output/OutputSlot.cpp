@@ -109,6 +109,9 @@ OutputFigures OutputSlot::figures() const {
   figures.framesPerSecond = encoder.framesPerSecond;
   figures.soundKbps = encoder.soundKbps;
   figures.samplesPerSecond = encoder.samplesPerSecond;
+  figures.encodeDelayMs = encoder.encodeDelayMs;
+  figures.pictureLessSoundMs = encoder.pictureLessSoundMs;
+  figures.frameTypes = encoder.frameTypes;
   for (const std::shared_ptr<Target>& target : targets_) {
     const TargetFigures own = target->figures();
     figures.up = figures.up || own.state == TargetState::Up || own.state == TargetState::Lost;

@@ -22,6 +22,9 @@ struct OutputFigures {
   float framesPerSecond = 0;
   float soundKbps = 0;
   float samplesPerSecond = 0;
+  qint64 encodeDelayMs = 0;  ///< see EncoderFigures, as the next two
+  qint64 pictureLessSoundMs = 0;
+  QString frameTypes;
 };
 
 class OutputSlot {

@@ -29,6 +29,10 @@ const char* noneWorks(KorviaShowEncodeAccelerator accelerator) {
                                                        : ": no encoder of an independent GPU works";
 }
 
+qint64 nowNs() {
+  return std::chrono::steady_clock::now().time_since_epoch() / std::chrono::nanoseconds(1);
+}
+
 }  // namespace
 
 SlotEncoder::SlotEncoder(EncoderSettings settings, Janitor& janitor)
@@ -47,6 +51,7 @@ SlotEncoder::~SlotEncoder() {
 void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
   if (!frame || targets_.isEmpty())
     return;
+  pushedNs_[static_cast<std::size_t>(frameIndex) % pushedNs_.size()] = nowNs();
   {
     MutexLock lock(mutex_);
     if (!accepting_)
@@ -273,10 +278,19 @@ bool SlotEncoder::hasEnded() const {
 
 void SlotEncoder::onPacket(const Packet& packet) {
   targets_.deliver(packet);
-  if (!packet.isPicture())
+  if (packet.endsTrack)
     return;
-  ++framesEncoded_;
+  if (!packet.isPicture()) {
+    newestSoundNs_ = packet.ptsNs;
+    return;
+  }
+  // From the middle of the frame, since time stamps are rounded down.
+  const qint64 index = settings_.picture.rate.framesIn(packet.ptsNs + packet.durationNs / 2);
+  delayNs_ += nowNs() - pushedNs_[static_cast<std::size_t>(index) % pushedNs_.size()];
+  newestPictureNs_ = packet.ptsNs;
+  keyFramesEncoded_ += packet.keyFrame ? 1 : 0;
   bytesEncoded_ += packet.bytes;
+  ++framesEncoded_;
 }
 
 void SlotEncoder::wake() {
@@ -284,6 +298,22 @@ void SlotEncoder::wake() {
   // would miss the notification.
   { MutexLock lock(mutex_); }
   changed_.notify_all();
+}
+
+void SlotEncoder::measureTimes(EncoderFigures& figures, qint64 frames) {
+  const qint64 delayNs = delayNs_;
+  const qint64 keyFrames = keyFramesEncoded_;
+  const qint64 soundNs = newestSoundNs_;
+  const qint64 newFrames = frames - lastFrames_;
+  // The streaming thread may have counted one more since.
+  const qint64 newKeyFrames = std::min(newFrames, keyFrames - lastKeyFrames_);
+  figures.encodeDelayMs = newFrames > 0 ? (delayNs - lastDelayNs_) / newFrames / 1'000'000 : 0;
+  figures.pictureLessSoundMs = soundNs == kNoSound ? 0 : (newestPictureNs_ - soundNs) / 1'000'000;
+  figures.frameTypes = newFrames > 0
+                           ? QStringLiteral("I %1, P %2").arg(newKeyFrames).arg(newFrames - newKeyFrames)
+                           : QString();
+  lastDelayNs_ = delayNs;
+  lastKeyFrames_ = keyFrames;
 }
 
 void SlotEncoder::measure() {
@@ -302,6 +332,7 @@ void SlotEncoder::measure() {
         static_cast<float>(samples - lastSamples_) * 1000.0F / static_cast<float>(elapsedMs);
     figures_.soundKbps =
         static_cast<float>(soundBytes - lastSoundBytes_) * 8.0F / static_cast<float>(elapsedMs);
+    measureTimes(figures_, frames);
     dropped = figures_.framesDropped;
   }
   if (dropped > lastDropped_)
@@ -329,11 +360,10 @@ void SlotEncoder::close(bool failed) {
   accepting_ = false;
   while (!queue_.isEmpty())
     queue_.pop();
-  figures_.failure = failed ? reason_ : QString();
-  figures_.framesPerSecond = 0;
-  figures_.videoKbps = 0;
-  figures_.soundKbps = 0;
-  figures_.samplesPerSecond = 0;
+  EncoderFigures last;
+  last.failure = failed ? reason_ : QString();
+  last.framesDropped = figures_.framesDropped;
+  figures_ = last;
   finished_ = true;
   changed_.notify_all();
 }

@@ -4,6 +4,7 @@
 #pragma once
 #include <QElapsedTimer>
 #include <QString>
+#include <array>
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -47,6 +48,11 @@ struct EncoderFigures {
   float framesPerSecond = 0;
   float soundKbps = 0;
   float samplesPerSecond = 0;
+  qint64 encodeDelayMs =
+      0;  ///< mean time from a frame's push to the delivery of its packet, of the last second
+  /// Time stamp of the newest picture that was delivered, less that of the newest sound; 0 without sound.
+  qint64 pictureLessSoundMs = 0;
+  QString frameTypes;  ///< of the last second, as "I 1, P 24"
 };
 
 class SlotEncoder {
@@ -77,6 +83,8 @@ class SlotEncoder {
   EncoderFigures figures() const;
 
  private:
+  static constexpr qint64 kNoSound = -1;
+
   enum class Step { Continue, Ended, Failed };
 
   void run();
@@ -95,6 +103,7 @@ class SlotEncoder {
   void wake() EXCLUDES(mutex_);
   /// Called once a second: logs dropped frames and computes the rates.
   void measure() EXCLUDES(mutex_);
+  void measureTimes(EncoderFigures& figures, qint64 frames);
   void close(bool failed) EXCLUDES(mutex_);
 
   const EncoderSettings settings_;
@@ -114,11 +123,19 @@ class SlotEncoder {
   qint64 lastSamples_ = 0;
   qint64 lastSoundBytes_ = 0;
   qint64 lastDropped_ = 0;
+  qint64 lastDelayNs_ = 0;
+  qint64 lastKeyFrames_ = 0;
 
   std::atomic<qint64> framesEncoded_{0};
   std::atomic<qint64> bytesEncoded_{0};
   std::atomic<qint64> samplesEncoded_{0};
   std::atomic<qint64> soundBytesEncoded_{0};
+  std::atomic<qint64> keyFramesEncoded_{0};
+  std::atomic<qint64> delayNs_{0};  // sum over all frames
+  std::atomic<qint64> newestPictureNs_{0};
+  std::atomic<qint64> newestSoundNs_{kNoSound};
+  /// When the newest frames were pushed, by their index; more than the queue and the encoder hold.
+  std::array<std::atomic<qint64>, 512> pushedNs_{};
 
   mutable Mutex mutex_;
   ConditionVariable changed_;  ///< anything below, or the pipeline

@@ -134,6 +134,18 @@ class OutputRackTest : public QObject {
     QVERIFY(statistics.blocks[OutputSlotRecord].videoFps > 0);
     QVERIFY(statistics.blocks[OutputSlotRecord].audioRate > 0);
     QVERIFY(statistics.blocks[OutputSlotRecord].audioBitrate > 0);
+    QVERIFY(statistics.blocks[OutputSlotRecord].encodeDelay > 0);
+    const auto hasTypes = [&] {
+      push(1);
+      statistics = {};
+      rack_->statistics(statistics);
+      return QRegularExpression("^I [1-9]\\d*, P [1-9]\\d*$")
+          .match(QString::fromLatin1(statistics.blocks[OutputSlotRecord].frameType.data()))
+          .hasMatch();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hasTypes(), 20'000);
+    // Sound comes in pieces of 21 ms.
+    QVERIFY(qAbs(statistics.blocks[OutputSlotRecord].videoAudioDrift) < 100);
     QCOMPARE(statistics.blocks[OutputSlotStream].videoBitrate, 0.0F);
     rack_->stop(OutputSlotRecord, OutputKindRecord);
     QTRY_COMPARE_WITH_TIMEOUT(report().state, KorviaShowOutputState::Finished, 20'000);

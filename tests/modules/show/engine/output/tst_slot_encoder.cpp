@@ -279,6 +279,51 @@ class TestSlotEncoder : public QObject {
     QCOMPARE(numbersOf(*file), QVector<int>({0, 1, 2, 3, 4, 5, 6}));
   }
 
+  void theDelayAndTheTypesOfFramesAreMeasured() {
+    constexpr int kHeldMs = 300;
+    EncoderSettings settings = encoderSettings();
+    settings.burstFrames = 5;
+    const auto notes = std::make_shared<WriterNotes>();
+    Rig rig(settings);
+    rig.encoder.join(std::make_shared<Target>(TargetSettings{}, std::make_unique<MemoryWriter>(notes)));
+    // Four frames wait for the fifth.
+    QElapsedTimer held;
+    for (; rig.next < 4; ++rig.next)
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+    held.start();
+    QTRY_VERIFY(held.elapsed() >= kHeldMs);
+    rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+    QTRY_VERIFY(!rig.encoder.figures().frameTypes.isEmpty());
+    const EncoderFigures figures = rig.encoder.figures();
+    QVERIFY2(figures.encodeDelayMs >= kHeldMs / 2 && figures.encodeDelayMs < 5000,
+             qPrintable(QString::number(figures.encodeDelayMs)));
+    QVERIFY2(figures.frameTypes.startsWith("I 1, P "), qPrintable(figures.frameTypes));
+    QCOMPARE(figures.pictureLessSoundMs, qint64(0));
+    QVERIFY(rig.finish());
+    QCOMPARE(rig.encoder.figures().frameTypes, QString());
+  }
+
+  void theTimesOfPictureAndSoundAreCompared() {
+    EncoderSettings settings = encoderSettings();
+    settings.soundKbps = 96;
+    Rig rig(settings);
+    const auto notes = std::make_shared<WriterNotes>();
+    rig.encoder.join(std::make_shared<Target>(TargetSettings{}, std::make_unique<MemoryWriter>(notes)));
+    std::vector<float> silence(kSampleRate / 25);
+    const auto hasTimes = [&] {
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+      rig.encoder.pushSound({silence.data(), silence.data(), kSampleRate / 25},
+                            rig.next * qint64(kSampleRate / 25));
+      ++rig.next;
+      return rig.encoder.figures().pictureLessSoundMs != 0;
+    };
+    QTRY_VERIFY(hasTimes());
+    // Sound is delivered up to the picture that follows it, in packets of 21 ms.
+    const qint64 ms = rig.encoder.figures().pictureLessSoundMs;
+    QVERIFY2(ms > 0 && ms <= 43, qPrintable(QString::number(ms)));
+    QVERIFY(rig.finish());
+  }
+
   void keyFramesComeEveryTwoSecondsOverCuts_data() {
     QTest::addColumn<int>("numerator");
     QTest::addColumn<int>("denominator");
