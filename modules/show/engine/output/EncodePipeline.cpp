@@ -14,6 +14,8 @@ namespace korvia {
 namespace {
 
 constexpr int kKeySeconds = 2;
+// On a buffer whose frame has to become a key frame.
+constexpr GstBufferFlags kKeyFrameFlag = GST_BUFFER_FLAG_MARKER;
 // The bitrate may vary over so long a time.
 constexpr int kBufferMs = 1000;
 
@@ -94,6 +96,7 @@ bool EncodePipeline::link() {
   gst_app_sink_set_callbacks(GST_APP_SINK(sink), &callbacks, this, nullptr);
   if (end != encoder_)
     g_object_set(end, "config-interval", -1, nullptr);
+  OutputPipeline::addProbe(encoder_, "sink", onFrame, encoder_);
   const bool encodes = end == encoder_ || gst_element_link(encoder_, end);
   if (encodes && gst_element_link(source, encoder_) && gst_element_link(end, sink))
     return true;
@@ -101,19 +104,21 @@ bool EncodePipeline::link() {
   return false;
 }
 
-void EncodePipeline::feed(const FrameRef& frame, qint64 index) {
-  GstBuffer* buffer = bufferOf(frame);
+void EncodePipeline::feed(const FedFrame& fed) {
+  GstBuffer* buffer = bufferOf(fed.frame);
   if (!buffer) {
     pipeline_.setFailure(QStringLiteral("there is no memory for a picture"));
     return;
   }
-  const qint64 beginNs = encoding_.rate.nsOf(index);
+  const qint64 beginNs = encoding_.rate.nsOf(fed.index);
   GST_BUFFER_PTS(buffer) = static_cast<GstClockTime>(beginNs);
   // The difference of two time stamps, so that rounding errors do not add up.
-  GST_BUFFER_DURATION(buffer) = static_cast<GstClockTime>(encoding_.rate.nsOf(index + 1) - beginNs);
+  GST_BUFFER_DURATION(buffer) = static_cast<GstClockTime>(encoding_.rate.nsOf(fed.index + 1) - beginNs);
+  if (fed.key == FedFrame::Key::Now)
+    GST_BUFFER_FLAG_SET(buffer, kKeyFrameFlag);
   ++fed_;
   if (&element_ != &softwareEncoder()) {
-    unfinished_.push_back({frame, index});
+    unfinished_.push_back(fed);
     forgetFinished();
   }
   inlet_.push(buffer);
@@ -128,14 +133,21 @@ void EncodePipeline::forgetFinished() {
     unfinished_.pop_front();
 }
 
-std::deque<QueuedFrame> EncodePipeline::stop() {
+std::deque<FedFrame> EncodePipeline::stop() {
   pipeline_.stop();
   forgetFinished();
   return std::move(unfinished_);
 }
 
-void EncodePipeline::requestKeyFrame() {
-  gst_element_send_event(encoder_, gst_video_event_new_upstream_force_key_unit(GST_CLOCK_TIME_NONE, TRUE, 0));
+GstPadProbeReturn EncodePipeline::onFrame(GstPad*, GstPadProbeInfo* info, gpointer encoder) {
+  if (!GST_BUFFER_FLAG_IS_SET(GST_PAD_PROBE_INFO_BUFFER(info), kKeyFrameFlag))
+    return GST_PAD_PROBE_OK;
+  // The encoder applies it to the next frame that it takes, which is this one. Earlier, it would take a frame
+  // that still waits. Time stamps of such an event are of no use, since x264enc shifts its stamps.
+  GstPad* source = gst_element_get_static_pad(GST_ELEMENT(encoder), "src");
+  gst_pad_send_event(source, gst_video_event_new_upstream_force_key_unit(GST_CLOCK_TIME_NONE, TRUE, 0));
+  gst_object_unref(source);
+  return GST_PAD_PROBE_OK;
 }
 
 const Track& EncodePipeline::trackFor(GstCaps* caps) {

@@ -9,7 +9,6 @@
 #include <memory>
 
 #include "EncoderTable.h"
-#include "FrameQueue.h"
 #include "Nv12Export.h"
 #include "OutputPipeline.h"
 #include "Packet.h"
@@ -22,6 +21,17 @@ struct PictureEncoding {
   FrameSize size{1920, 1080};  ///< both sides even
   FrameRate rate;              ///< of the engine and of the stream
   int kbps = 4096;
+
+  friend bool operator==(const PictureEncoding&, const PictureEncoding&) = default;
+};
+
+/// A frame on its way to an encoder.
+struct FedFrame {
+  enum class Key { IfItsTurn, Now };
+
+  FrameRef frame;
+  qint64 index = 0;  ///< render frames since the start of the encoder
+  Key key = Key::IfItsTurn;
 };
 
 class EncodePipeline {
@@ -41,14 +51,12 @@ class EncodePipeline {
   /// Whether a frame can be fed without waiting long in a queue. Takes no lock.
   bool hasRoom() const { return inlet_.hasRoom(); }
   /// A frame of the encoding's size; the index makes its time stamp. Never blocks.
-  void feed(const FrameRef& frame, qint64 index);
-  /// The next frame that the encoder takes becomes a key frame.
-  void requestKeyFrame();
+  void feed(const FedFrame& fed);
   /// No more frames follow: isEnded() becomes true after the last packet.
   void endStream() { inlet_.end(); }
   /// Stops without the packets of the last frames. Returns these frames, the oldest first; none of x264,
   /// which is not replaced.
-  std::deque<QueuedFrame> stop();
+  std::deque<FedFrame> stop();
 
   const EncoderElement& encoder() const { return element_; }
   bool isEnded() const { return pipeline_.isEnded(); }
@@ -58,6 +66,7 @@ class EncodePipeline {
  private:
   bool link();
   const Track& trackFor(GstCaps* caps);
+  static GstPadProbeReturn onFrame(GstPad* pad, GstPadProbeInfo* info, gpointer encoder);
   static GstFlowReturn onSample(GstAppSink* sink, gpointer self);
 
   GstBuffer* bufferOf(const FrameRef& frame);
@@ -67,9 +76,9 @@ class EncodePipeline {
   const std::function<void(const Track&, Packet)> onPacket_;
   PictureEncoding encoding_;
   int generation_ = 0;
-  GstElement* encoder_ = nullptr;       // owned by pipeline_
-  std::unique_ptr<Nv12Export> nv12_;    // null when the encoder takes the frames as they are
-  std::deque<QueuedFrame> unfinished_;  // without a packet so far, and some more
+  GstElement* encoder_ = nullptr;     // owned by pipeline_
+  std::unique_ptr<Nv12Export> nv12_;  // null when the encoder takes the frames as they are
+  std::deque<FedFrame> unfinished_;   // without a packet so far, and some more
   qint64 fed_ = 0;
   std::atomic<qint64> packets_{0};
   Track track_;  // streaming thread only

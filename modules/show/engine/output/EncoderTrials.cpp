@@ -52,7 +52,7 @@ void encodeBlack(const std::shared_ptr<Trial>& trial, const EncoderElement& enco
         });
     if (pipeline.open(encoding)) {
       for (int i = 0; i < kTrialFrames; ++i)
-        pipeline.feed(pool.black(), i);
+        pipeline.feed({pool.black(), i});
       MutexLock lock(trial->mutex);
       works = trial->changed.wait_for(
                   lock, std::chrono::milliseconds(kTrialMs),

@@ -63,7 +63,8 @@ int encodedSoundKbps(qint64 kbps) {
 
 }  // namespace
 
-std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janitor& janitor) {
+std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janitor& janitor,
+                                             std::shared_ptr<SlotEncoder> running) {
   if (request.slot != OutputSlotStream && request.slot != OutputSlotRecord) {
     qCWarning(logOutput, "there is no output %d", request.slot);
     return nullptr;
@@ -92,7 +93,7 @@ std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janit
   if (request.slot == OutputSlotRecord)
     encoder.burstFrames = static_cast<int>(
         std::clamp<std::int64_t>(request.rate.framesIn(kBurstNs), 1, std::max(1, encoder.queueCapacity / 2)));
-  return std::make_unique<OutputSlot>(std::move(encoder), std::move(targets), janitor);
+  return std::make_unique<OutputSlot>(encoder, std::move(targets), janitor, std::move(running));
 }
 
 }  // namespace korvia

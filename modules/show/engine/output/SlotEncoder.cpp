@@ -37,7 +37,7 @@ qint64 nowNs() {
 
 SlotEncoder::SlotEncoder(EncoderSettings settings, Janitor& janitor)
     : settings_(std::move(settings)),
-      targets_(janitor),
+      janitor_(janitor),
       queue_(settings_.queueCapacity * queuesOf(settings_)),
       sound_(settings_.soundKbps > 0 ? kQueuedSamples * queuesOf(settings_) : 1) {
   thread_ = std::thread([this] { run(); });
@@ -48,8 +48,66 @@ SlotEncoder::~SlotEncoder() {
   thread_.join();
 }
 
-void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
-  if (!frame || targets_.isEmpty())
+std::shared_ptr<EncoderShare> SlotEncoder::addShare(const EncoderSettings& settings) {
+  const auto isClosed = [](const std::shared_ptr<EncoderShare>& share) { return share->isClosed(); };
+  ownShares_.erase(std::remove_if(ownShares_.begin(), ownShares_.end(), isClosed), ownShares_.end());
+  for (const std::shared_ptr<EncoderShare>& other : ownShares_)
+    qCInfo(logOutput, "%s shares the encoder of %s", qPrintable(settings.label), qPrintable(other->label()));
+  auto share = std::make_shared<EncoderShare>(settings.label, settings.burstFrames,
+                                              settings_.picture.rate.nsOf(pushedFrames_), janitor_);
+  ownShares_.push_back(share);
+  takeBurst();
+  MutexLock lock(sharesMutex_);
+  shares_ = ownShares_;
+  if (closed_)
+    share->close(closeReason_);
+  return share;
+}
+
+void SlotEncoder::endShare(EncoderShare& share) {
+  share.end(settings_.picture.rate.nsOf(pushedFrames_));
+  takeBurst();
+  if (std::all_of(ownShares_.begin(), ownShares_.end(),
+                  [](const std::shared_ptr<EncoderShare>& other) { return other->isEnding(); }))
+    finish();
+}
+
+bool SlotEncoder::suits(const EncoderSettings& settings) const {
+  if (settings.picture != settings_.picture || settings.soundKbps != settings_.soundKbps ||
+      settings.soundDelaySamples != settings_.soundDelaySamples ||
+      settings.accelerator != settings_.accelerator)
+    return false;
+  MutexLock lock(mutex_);
+  return accepting_;
+}
+
+bool SlotEncoder::isWanted() const {
+  return std::any_of(ownShares_.begin(), ownShares_.end(),
+                     [](const std::shared_ptr<EncoderShare>& share) { return share->hasTargets(); });
+}
+
+void SlotEncoder::takeBurst() {
+  int burst = settings_.queueCapacity;
+  for (const std::shared_ptr<EncoderShare>& share : ownShares_)
+    burst = share->isEnding() ? burst : std::min(burst, share->burstFrames());
+  MutexLock lock(mutex_);
+  burstFrames_ = burst;
+}
+
+SlotEncoder::Shares SlotEncoder::openShares() const {
+  MutexLock lock(sharesMutex_);
+  return shares_;
+}
+
+bool SlotEncoder::hasTargets() const {
+  const Shares shares = openShares();
+  return std::any_of(shares.begin(), shares.end(),
+                     [](const std::shared_ptr<EncoderShare>& share) { return share->hasTargets(); });
+}
+
+void SlotEncoder::pushFrame(const FrameRef& frame) {
+  const qint64 frameIndex = pushedFrames_++;
+  if (!frame || !isWanted())
     return;
   pushedNs_[static_cast<std::size_t>(frameIndex) % pushedNs_.size()] = nowNs();
   {
@@ -61,7 +119,7 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
       ++figures_.framesDropped;
       return;
     }
-    if (!inBurst_ && queue_.size() < settings_.burstFrames)
+    if (!inBurst_ && queue_.size() < burstFrames_)
       return;
     inBurst_ = true;
   }
@@ -69,10 +127,11 @@ void SlotEncoder::pushFrame(const FrameRef& frame, qint64 frameIndex) {
   changed_.notify_all();
 }
 
-void SlotEncoder::pushSound(StereoSpan sound, qint64 firstSample) {
-  if (settings_.soundKbps <= 0 || targets_.isEmpty())
+void SlotEncoder::pushSound(StereoSpan sound) {
+  const qint64 firstSample =
+      std::exchange(pushedSamples_, pushedSamples_ + sound.samples) - settings_.soundDelaySamples;
+  if (settings_.soundKbps <= 0 || !isWanted())
     return;
-  firstSample -= settings_.soundDelaySamples;
   // What comes before the first frame belongs to a picture that was not pushed.
   const int early = static_cast<int>(std::clamp<qint64>(-firstSample, 0, sound.samples));
   MutexLock lock(mutex_);
@@ -140,7 +199,7 @@ SlotEncoder::Step SlotEncoder::step() {
   }
 
   // Without a target the packets are not used, and x264 holds many megabytes.
-  if (pipeline_ && !streamEnded_ && targets_.isEmpty())
+  if (pipeline_ && !streamEnded_ && !hasTargets())
     closePipelines();
   if (pipeline_ && pipeline_->hasFailed() && !replaceEncoder())
     return Step::Failed;
@@ -174,7 +233,7 @@ SlotEncoder::Step SlotEncoder::stepToEnd(bool drained) {
 }
 
 bool SlotEncoder::feed(const QueuedFrame& queued) {
-  if (targets_.isEmpty())
+  if (!hasTargets())
     return true;
   if (!pipeline_ && !open())
     return false;
@@ -187,10 +246,16 @@ bool SlotEncoder::feed(const QueuedFrame& queued) {
     fitFrame(*frame, fitRect(frame->size(), 1, 1, size), *target);
     frame = std::move(target).publish();
   }
-  if (targets_.takeKeyRequest())
-    pipeline_->requestKeyFrame();
-  pipeline_->feed(frame, queued.index);
+  const bool key = takeKeyRequest(settings_.picture.rate.nsOf(queued.index));
+  pipeline_->feed({frame, queued.index, key ? FedFrame::Key::Now : FedFrame::Key::IfItsTurn});
   return true;
+}
+
+bool SlotEncoder::takeKeyRequest(qint64 frameNs) {
+  bool wanted = false;
+  for (const std::shared_ptr<EncoderShare>& share : openShares())
+    wanted = share->takeKeyRequest(frameNs) || wanted;
+  return wanted;
 }
 
 void SlotEncoder::feedSound(qint64 firstSample) {
@@ -218,8 +283,9 @@ void SlotEncoder::feedSound(qint64 firstSample) {
 
 void SlotEncoder::giveUpSound() {
   soundFailed_ = true;
-  qCWarning(logOutput, "%s has no sound : %s", qPrintable(settings_.label),
-            qPrintable(soundPipeline_->failure()));
+  for (const std::shared_ptr<EncoderShare>& share : openShares())
+    qCWarning(logOutput, "%s has no sound : %s", qPrintable(share->label()),
+              qPrintable(soundPipeline_->failure()));
   soundPipeline_.reset();
   interleaver_->endSound();
 }
@@ -231,8 +297,9 @@ bool SlotEncoder::open() {
                                           [this](const Packet& packet) { onPacket(packet); });
   const EncoderElement& encoder = settings_.trials->choose(settings_.accelerator, settings_.picture);
   const bool isWish = settings_.accelerator == EncodeAcceleratorSoftware || &encoder != &softwareEncoder();
-  qCInfo(logOutput, "%s is encoded by %s%s", qPrintable(settings_.label), encoder.name,
-         isWish ? "" : noneWorks(settings_.accelerator));
+  for (const std::shared_ptr<EncoderShare>& share : openShares())
+    qCInfo(logOutput, "%s is encoded by %s%s", qPrintable(share->label()), encoder.name,
+           isWish ? "" : noneWorks(settings_.accelerator));
   return openPicture(encoder) || replaceEncoder();
 }
 
@@ -250,15 +317,16 @@ bool SlotEncoder::replaceEncoder() {
   if (&failed == &softwareEncoder())
     return false;
   settings_.trials->noteFailure(failed, settings_.picture);
-  qCWarning(logOutput, "%s has failed, %s is encoded by %s from here on : %s", failed.name,
-            qPrintable(settings_.label), softwareEncoder().name, qPrintable(reason_));
-  const std::deque<QueuedFrame> unfinished = pipeline_->stop();
+  for (const std::shared_ptr<EncoderShare>& share : openShares())
+    qCWarning(logOutput, "%s has failed, %s is encoded by %s from here on : %s", failed.name,
+              qPrintable(share->label()), softwareEncoder().name, qPrintable(reason_));
+  const std::deque<FedFrame> unfinished = pipeline_->stop();
   if (!openPicture(softwareEncoder())) {
     reason_ = pipeline_->failure();
     return false;
   }
-  for (const QueuedFrame& queued : unfinished)
-    pipeline_->feed(queued.frame, queued.index);
+  for (const FedFrame& fed : unfinished)
+    pipeline_->feed(fed);
   if (streamEnded_)
     pipeline_->endStream();
   return true;
@@ -277,7 +345,8 @@ bool SlotEncoder::hasEnded() const {
 }
 
 void SlotEncoder::onPacket(const Packet& packet) {
-  targets_.deliver(packet);
+  for (const std::shared_ptr<EncoderShare>& share : openShares())
+    share->deliver(packet);
   if (packet.endsTrack)
     return;
   if (!packet.isPicture()) {
@@ -335,9 +404,11 @@ void SlotEncoder::measure() {
     measureTimes(figures_, frames);
     dropped = figures_.framesDropped;
   }
-  if (dropped > lastDropped_)
-    qCWarning(logOutput, "%s cannot keep up, %lld frames dropped", qPrintable(settings_.label),
-              static_cast<long long>(dropped - lastDropped_));
+  if (dropped > lastDropped_) {
+    for (const std::shared_ptr<EncoderShare>& share : openShares())
+      qCWarning(logOutput, "%s cannot keep up, %lld frames dropped", qPrintable(share->label()),
+                static_cast<long long>(dropped - lastDropped_));
+  }
   lastFrames_ = frames;
   lastBytes_ = bytes;
   lastSamples_ = samples;
@@ -352,16 +423,22 @@ void SlotEncoder::close(bool failed) {
     interleaver_->endSound();
   }
   closePipelines();
-  if (failed)
-    qCWarning(logOutput, "%s cannot be encoded : %s", qPrintable(settings_.label), qPrintable(reason_));
+  {
+    MutexLock lock(sharesMutex_);
+    closed_ = true;
+    closeReason_ = failed ? reason_ : QString();
+  }
   // All packets are delivered to the targets at this point.
-  targets_.finishAll();
+  for (const std::shared_ptr<EncoderShare>& share : openShares()) {
+    if (failed && !share->isClosed())
+      qCWarning(logOutput, "%s cannot be encoded : %s", qPrintable(share->label()), qPrintable(reason_));
+    share->close(failed ? reason_ : QString());
+  }
   MutexLock lock(mutex_);
   accepting_ = false;
   while (!queue_.isEmpty())
     queue_.pop();
   EncoderFigures last;
-  last.failure = failed ? reason_ : QString();
   last.framesDropped = figures_.framesDropped;
   figures_ = last;
   finished_ = true;

@@ -1,6 +1,6 @@
-// The encoders of a slot: take program frames and sound and deliver packets to any number of targets. They
-// have a thread of their own. When it cannot keep up it drops frames and never blocks the engine. Engine
-// thread, except figures() and waitFinished().
+// The encoders of an output, or of several outputs with the same settings: take program frames and sound and
+// deliver packets to the targets of each output. They have a thread of their own. When it cannot keep up it
+// drops frames and never blocks the engine. Engine thread, except figures() and waitFinished().
 #pragma once
 #include <QElapsedTimer>
 #include <QString>
@@ -8,21 +8,22 @@
 #include <atomic>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include "EncodePipeline.h"
+#include "EncoderShare.h"
 #include "EncoderTrials.h"
 #include "FrameQueue.h"
 #include "PacketInterleaver.h"
 #include "SoundEncodePipeline.h"
 #include "SoundQueue.h"
-#include "TargetList.h"
 #include "ThreadSafety.h"
 #include "engine/frame/FramePool.h"
 
 namespace korvia {
 
 struct EncoderSettings {
-  QString label;  ///< in the log, as the subject of a sentence
+  QString label;  ///< of the output in the log, as the subject of a sentence
   PictureEncoding picture;
   /// Of the sound; 0 for none.
   int soundKbps = 0;
@@ -32,6 +33,7 @@ struct EncoderSettings {
   int queueCapacity = 25;
   /// Frames are encoded in groups of this size, because an encoder that gets several frames in one go works
   /// with warm caches. A crash loses up to one group more. 1 encodes each frame at once, for live viewers.
+  /// Outputs that share an encoder get the smallest of their groups.
   int burstFrames = 1;
   /// Time-out for encoding the queued frames after finish().
   int finishTimeoutMs = 10000;
@@ -41,7 +43,6 @@ struct EncoderSettings {
 };
 
 struct EncoderFigures {
-  QString failure;  ///< why it failed; empty as long as it did not
   qint64 framesEncoded = 0;
   qint64 framesDropped = 0;
   float videoKbps = 0;
@@ -64,17 +65,20 @@ class SlotEncoder {
   SlotEncoder(const SlotEncoder&) = delete;
   SlotEncoder& operator=(const SlotEncoder&) = delete;
 
-  /// Pushes one program frame. `frameIndex` counts render frames from the start of the slot and gives the
-  /// time stamp. Never blocks. Without a target nothing is encoded.
-  void pushFrame(const FrameRef& frame, qint64 frameIndex);
-  /// Pushes the sound of the frames that were pushed last. `firstSample` counts from the start of the slot
-  /// and gives the time stamp; what is left out between two calls becomes silence. Never blocks.
-  void pushSound(StereoSpan sound, qint64 firstSample);
+  /// The share of an output, which begins with the next frame that is pushed. Label and group are taken from
+  /// its settings.
+  std::shared_ptr<EncoderShare> addShare(const EncoderSettings& settings);
+  /// The share ends with the last frame that was pushed. After the last share the encoder finishes.
+  void endShare(EncoderShare& share);
+  /// Whether an output with these settings can have a share: the encoder makes the same of its frames, and
+  /// still takes some.
+  bool suits(const EncoderSettings& settings) const;
 
-  /// Adds a target, which begins at a key frame; the encoder makes one of the next frame.
-  void join(std::shared_ptr<Target> target) { targets_.join(std::move(target)); }
-  /// Removes a target, which finishes with the packets that it got.
-  void leave(const Target& target) { targets_.leave(target); }
+  /// Pushes one program frame: the n-th call makes the n-th time stamp. Never blocks. Without a target
+  /// nothing is encoded.
+  void pushFrame(const FrameRef& frame);
+  /// Pushes the sound of the frames that were pushed since the last call. Never blocks.
+  void pushSound(StereoSpan sound);
 
   /// Takes no more frames. Targets finish when they have the packets of all pushed frames.
   void finish();
@@ -85,12 +89,21 @@ class SlotEncoder {
  private:
   static constexpr qint64 kNoSound = -1;
 
+  using Shares = std::vector<std::shared_ptr<EncoderShare>>;
+
   enum class Step { Continue, Ended, Failed };
 
   void run();
   Step step();
   Step stepToEnd(bool drained);
+  /// Engine thread.
+  bool isWanted() const;
+  void takeBurst() EXCLUDES(mutex_);
+  /// Other threads.
+  Shares openShares() const EXCLUDES(sharesMutex_);
+  bool hasTargets() const;
   bool feed(const QueuedFrame& queued);
+  bool takeKeyRequest(qint64 frameNs);
   void feedSound(qint64 firstSample);
   bool open();
   bool openPicture(const EncoderElement& encoder);
@@ -107,7 +120,17 @@ class SlotEncoder {
   void close(bool failed) EXCLUDES(mutex_);
 
   const EncoderSettings settings_;
-  TargetList targets_;
+  Janitor& janitor_;
+
+  // Engine thread only.
+  Shares ownShares_;
+  qint64 pushedFrames_ = 0;
+  qint64 pushedSamples_ = 0;
+
+  mutable Mutex sharesMutex_;
+  Shares shares_ GUARDED_BY(sharesMutex_);        // the same, for the other threads
+  bool closed_ GUARDED_BY(sharesMutex_) = false;  // the encoder has ended, a new share closes at once
+  QString closeReason_ GUARDED_BY(sharesMutex_);  // of a failure
 
   // Used on the thread of the encoder only.
   std::unique_ptr<FramePool> scaled_;
@@ -141,6 +164,7 @@ class SlotEncoder {
   ConditionVariable changed_;  ///< anything below, or the pipeline
   FrameQueue queue_ GUARDED_BY(mutex_);
   SoundQueue sound_ GUARDED_BY(mutex_);
+  int burstFrames_ GUARDED_BY(mutex_) = 1;     // the smallest group of all shares
   bool inBurst_ GUARDED_BY(mutex_) = false;    // the queue is being emptied
   bool started_ GUARDED_BY(mutex_) = false;    // no frame waits any more for the start of the encoder
   bool accepting_ GUARDED_BY(mutex_) = true;   // false from finish() or a failure on
