@@ -21,11 +21,11 @@ struct tagKorviaOutputStatisticsBlock {
   float audioRate = 0;
   /// kbit/s.
   float audioBitrate = 0;
-  /// Milliseconds.
+  /// Mean time from the making of a frame to the delivery of its packet, of the last second, milliseconds.
   qint64 encodeDelay = 0;
-  /// Time stamp of the picture less that of the sound, milliseconds.
+  /// Time stamp of the newest picture less that of the newest sound, milliseconds; 0 without sound.
   qint64 videoAudioDrift = 0;
-  /// 90 characters and a terminator.
+  /// How many pictures of which type the last second had, as "I 1, P 24"; 90 characters and a terminator.
   std::array<char, 91> frameType{};
   std::array<char, 49> reserved1{};
   tagKorviaOutputTargetStatistics record;

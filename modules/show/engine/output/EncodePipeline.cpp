@@ -2,6 +2,8 @@
 
 #include <gst/video/video.h>
 
+#include <algorithm>
+#include <string>
 #include <utility>
 
 #include "FrameExport.h"
@@ -12,35 +14,32 @@ namespace korvia {
 namespace {
 
 constexpr int kKeySeconds = 2;
+// On a buffer whose frame has to become a key frame.
+constexpr GstBufferFlags kKeyFrameFlag = GST_BUFFER_FLAG_MARKER;
+// The bitrate may vary over so long a time.
+constexpr int kBufferMs = 1000;
 
-// The cheapest settings of x264 that keep CABAC, 8x8 transforms, deblocking and adaptive quantisation: about
-// a quarter of a core for 1080p25. Sub-pixel refinement at level 0 costs 0.05 dB and saves a sixth of the
-// time. Without B-frames no picture is reordered, so each fragment can be decoded on its own. Scene cuts do
-// not make key frames, so that all GOPs have the same length, which segments of a stream need.
-constexpr ElementProperty kEncoder[] = {
-    {"pass", "cbr"},
-    {"speed-preset", "superfast"},
-    {"option-string", "subme=0:open-gop=0:scenecut=0"},
-    {"bframes", "0"},
-    {"threads", "2"},
-    {"sliced-threads", "false"},
-    {"sync-lookahead", "0"},
-    {"vbv-buf-capacity", "1000"},
-};
-
-GstCaps* rawCaps(const PictureEncoding& encoding) {
-  return gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "I420", "width", G_TYPE_INT,
-                             encoding.size.width, "height", G_TYPE_INT, encoding.size.height, "framerate",
-                             GST_TYPE_FRACTION, static_cast<int>(encoding.rate.numerator),
-                             static_cast<int>(encoding.rate.denominator), "pixel-aspect-ratio",
-                             GST_TYPE_FRACTION, 1, 1, "interlace-mode", G_TYPE_STRING, "progressive",
-                             "colorimetry", G_TYPE_STRING, GST_VIDEO_COLORIMETRY_BT709, "chroma-site",
-                             G_TYPE_STRING, "mpeg2", nullptr);
+GstCaps* rawCaps(const PictureEncoding& encoding, EncoderElement::Input input) {
+  return gst_caps_new_simple(
+      "video/x-raw", "format", G_TYPE_STRING, input == EncoderElement::Input::Nv12 ? "NV12" : "I420", "width",
+      G_TYPE_INT, encoding.size.width, "height", G_TYPE_INT, encoding.size.height, "framerate",
+      GST_TYPE_FRACTION, static_cast<int>(encoding.rate.numerator),
+      static_cast<int>(encoding.rate.denominator), "pixel-aspect-ratio", GST_TYPE_FRACTION, 1, 1,
+      "interlace-mode", G_TYPE_STRING, "progressive", "colorimetry", G_TYPE_STRING,
+      GST_VIDEO_COLORIMETRY_BT709, "chroma-site", G_TYPE_STRING, "mpeg2", nullptr);
 }
 
-guint keyInterval(const FrameRate& rate) {
-  return static_cast<guint>(gst_util_uint64_scale_round(kKeySeconds, static_cast<guint64>(rate.numerator),
-                                                        static_cast<guint64>(rate.denominator)));
+guint64 valueOf(EncoderQuantity quantity, const PictureEncoding& encoding) {
+  switch (quantity) {
+    case EncoderQuantity::KeyInterval:
+      return gst_util_uint64_scale_round(kKeySeconds, static_cast<guint64>(encoding.rate.numerator),
+                                         static_cast<guint64>(encoding.rate.denominator));
+    case EncoderQuantity::BufferKbit:
+      return static_cast<guint64>(encoding.kbps) * kBufferMs / 1000;
+    case EncoderQuantity::Kbps:
+      break;
+  }
+  return static_cast<guint64>(encoding.kbps);
 }
 
 /// The running time of a time stamp. The encoder shifts its stamps and its segment by 1000 hours.
@@ -52,16 +51,18 @@ qint64 runningTime(const GstSegment* segment, GstClockTime stamp) {
 
 }  // namespace
 
-EncodePipeline::EncodePipeline(std::function<void(const Track&, Packet)> onPacket, std::function<void()> wake)
-    : onPacket_(std::move(onPacket)), pipeline_(std::move(wake)) {}
+EncodePipeline::EncodePipeline(const EncoderElement& encoder,
+                               std::function<void(const Track&, Packet)> onPacket, std::function<void()> wake)
+    : element_(encoder), onPacket_(std::move(onPacket)), pipeline_(std::move(wake)) {}
 
 EncodePipeline::~EncodePipeline() {
   pipeline_.stop();
   annotateHappensAfter(this);
 }
 
-bool EncodePipeline::open(const PictureEncoding& encoding) {
+bool EncodePipeline::open(const PictureEncoding& encoding, int generation) {
   encoding_ = encoding;
+  generation_ = generation;
   if (!pipeline_.create("encode") || !link())
     return false;
   annotateHappensBefore(this);
@@ -69,50 +70,91 @@ bool EncodePipeline::open(const PictureEncoding& encoding) {
 }
 
 bool EncodePipeline::link() {
-  GstCaps* caps = rawCaps(encoding_);
+  GstCaps* caps = rawCaps(encoding_, element_.input);
   GstElement* source = inlet_.create("frames", caps);
   gst_caps_unref(caps);
-  encoder_ = pipeline_.add("x264enc", "encoder");
+  if (element_.input == EncoderElement::Input::Nv12)
+    nv12_ = std::make_unique<Nv12Export>(encoding_.size);
+  encoder_ = pipeline_.add(element_.factory, "encoder");
+  GstElement* end = encoder_;
+  if (element_.headers == EncoderElement::Headers::Missing)
+    end = pipeline_.add("h264parse", "headers");
   GstElement* sink = pipeline_.add("appsink", "packets");
-  if (!source || !encoder_ || !sink)
+  if (!source || !encoder_ || !end || !sink)
     return false;
 
-  OutputPipeline::setProperties(encoder_, kEncoder);
-  g_object_set(encoder_, "bitrate", static_cast<guint>(encoding_.kbps), "key-int-max",
-               keyInterval(encoding_.rate), nullptr);
-  // Byte-stream format has the codec headers in each key frame, so that a target can join there.
-  caps = gst_caps_new_simple("video/x-h264", "profile", G_TYPE_STRING, "high", "stream-format", G_TYPE_STRING,
-                             "byte-stream", "alignment", G_TYPE_STRING, "au", nullptr);
+  OutputPipeline::setProperties(encoder_, element_.properties);
+  for (const EncoderQuantityProperty& property : element_.quantities)
+    gst_util_set_object_arg(G_OBJECT(encoder_), property.name,
+                            std::to_string(valueOf(property.quantity, encoding_)).c_str());
+  caps = gst_caps_from_string(element_.caps);
   g_object_set(sink, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1U, "enable-last-sample",
                FALSE, "qos", FALSE, nullptr);
   gst_caps_unref(caps);
   GstAppSinkCallbacks callbacks = {};
   callbacks.new_sample = onSample;
   gst_app_sink_set_callbacks(GST_APP_SINK(sink), &callbacks, this, nullptr);
-
-  if (gst_element_link_many(source, encoder_, sink, nullptr))
+  if (end != encoder_)
+    g_object_set(end, "config-interval", -1, nullptr);
+  OutputPipeline::addProbe(encoder_, "sink", onFrame, encoder_);
+  const bool encodes = end == encoder_ || gst_element_link(encoder_, end);
+  if (encodes && gst_element_link(source, encoder_) && gst_element_link(end, sink))
     return true;
   pipeline_.setFailure(QStringLiteral("the parts of the encoder do not fit together"));
   return false;
 }
 
-void EncodePipeline::feed(const FrameRef& frame, qint64 index) {
-  GstBuffer* buffer = wrapFrame(frame);
-  const qint64 beginNs = encoding_.rate.nsOf(index);
+void EncodePipeline::feed(const FedFrame& fed) {
+  GstBuffer* buffer = bufferOf(fed.frame);
+  if (!buffer) {
+    pipeline_.setFailure(QStringLiteral("there is no memory for a picture"));
+    return;
+  }
+  const qint64 beginNs = encoding_.rate.nsOf(fed.index);
   GST_BUFFER_PTS(buffer) = static_cast<GstClockTime>(beginNs);
   // The difference of two time stamps, so that rounding errors do not add up.
-  GST_BUFFER_DURATION(buffer) = static_cast<GstClockTime>(encoding_.rate.nsOf(index + 1) - beginNs);
+  GST_BUFFER_DURATION(buffer) = static_cast<GstClockTime>(encoding_.rate.nsOf(fed.index + 1) - beginNs);
+  if (fed.key == FedFrame::Key::Now)
+    GST_BUFFER_FLAG_SET(buffer, kKeyFrameFlag);
+  ++fed_;
+  if (&element_ != &softwareEncoder()) {
+    unfinished_.push_back(fed);
+    forgetFinished();
+  }
   inlet_.push(buffer);
 }
 
-void EncodePipeline::requestKeyFrame() {
-  gst_element_send_event(encoder_, gst_video_event_new_upstream_force_key_unit(GST_CLOCK_TIME_NONE, TRUE, 0));
+GstBuffer* EncodePipeline::bufferOf(const FrameRef& frame) {
+  return nv12_ ? nv12_->copy(*frame) : wrapFrame(frame);
+}
+
+void EncodePipeline::forgetFinished() {
+  while (static_cast<qint64>(unfinished_.size()) > std::max<qint64>(0, fed_ - packets_))
+    unfinished_.pop_front();
+}
+
+std::deque<FedFrame> EncodePipeline::stop() {
+  pipeline_.stop();
+  forgetFinished();
+  return std::move(unfinished_);
+}
+
+GstPadProbeReturn EncodePipeline::onFrame(GstPad*, GstPadProbeInfo* info, gpointer encoder) {
+  if (!GST_BUFFER_FLAG_IS_SET(GST_PAD_PROBE_INFO_BUFFER(info), kKeyFrameFlag))
+    return GST_PAD_PROBE_OK;
+  // The encoder applies it to the next frame that it takes, which is this one. Earlier, it would take a frame
+  // that still waits. Time stamps of such an event are of no use, since x264enc shifts its stamps.
+  GstPad* source = gst_element_get_static_pad(GST_ELEMENT(encoder), "src");
+  gst_pad_send_event(source, gst_video_event_new_upstream_force_key_unit(GST_CLOCK_TIME_NONE, TRUE, 0));
+  gst_object_unref(source);
+  return GST_PAD_PROBE_OK;
 }
 
 const Track& EncodePipeline::trackFor(GstCaps* caps) {
   if (track_.caps.get() != caps)
-    track_ = {Track::Kind::Picture, holdCaps(gst_caps_ref(caps)), encoding_.size, encoding_.rate,
-              encoding_.kbps};
+    track_ = {Track::Kind::Picture, holdCaps(gst_caps_ref(caps)),
+              encoding_.size,       encoding_.rate,
+              encoding_.kbps,       generation_};
   return track_;
 }
 
@@ -134,6 +176,7 @@ GstFlowReturn EncodePipeline::onSample(GstAppSink* sink, gpointer self) {
   packet.durationNs = static_cast<qint64>(GST_BUFFER_DURATION(buffer));
   packet.keyFrame = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
   gst_sample_unref(sample);
+  ++pipeline->packets_;
   pipeline->onPacket_(track, std::move(packet));
   return GST_FLOW_OK;
 }

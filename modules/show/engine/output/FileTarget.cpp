@@ -120,8 +120,11 @@ bool FileWriter::open(Wake wake) {
 }
 
 bool FileWriter::isCutDue(const Packet& packet) const {
-  return settings_.cutNs > 0 && packet.keyFrame && part_->hasBegun() &&
-         part_->lengthNs() + packet.durationNs / 2 >= settings_.cutNs;
+  if (!packet.keyFrame || !part_->hasBegun())
+    return false;
+  const bool hasOtherHeaders = packet.tracks->front().generation != part_->generation();
+  return hasOtherHeaders ||
+         (settings_.cutNs > 0 && part_->lengthNs() + packet.durationNs / 2 >= settings_.cutNs);
 }
 
 void FileWriter::cut(const Packet& first) {

@@ -51,13 +51,20 @@ int encodedKbps(int kbps) {
   return clamped;
 }
 
+KorviaShowEncodeAccelerator encodedAccelerator(qint64 accelerator) {
+  const bool exists =
+      accelerator == EncodeAcceleratorIntegratedGpu || accelerator == EncodeAcceleratorIndependentGpu;
+  return exists ? static_cast<KorviaShowEncodeAccelerator>(accelerator) : EncodeAcceleratorSoftware;
+}
+
 int encodedSoundKbps(qint64 kbps) {
   return kbps <= 0 ? kDefaultSoundKbps : static_cast<int>(std::clamp(kbps, kMinSoundKbps, kMaxSoundKbps));
 }
 
 }  // namespace
 
-std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janitor& janitor) {
+std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janitor& janitor,
+                                             std::shared_ptr<SlotEncoder> running) {
   if (request.slot != OutputSlotStream && request.slot != OutputSlotRecord) {
     qCWarning(logOutput, "there is no output %d", request.slot);
     return nullptr;
@@ -78,13 +85,15 @@ std::unique_ptr<OutputSlot> createOutputSlot(const OutputRequest& request, Janit
                      encodedKbps(request.param.encode[request.slot].videoBitrate)};
   if (request.format.audio.enable != 0)
     encoder.soundKbps = encodedSoundKbps(request.param.encode[request.slot].audioBitrate);
+  encoder.accelerator = encodedAccelerator(request.param.encode[request.slot].accelerator);
+  encoder.trials = request.trials;
   encoder.soundDelaySamples = Limiter::kLatencySamples;
   encoder.queueCapacity =
       static_cast<int>(std::clamp<std::int64_t>(request.rate.framesIn(1'000'000'000), 1, 60));
   if (request.slot == OutputSlotRecord)
     encoder.burstFrames = static_cast<int>(
         std::clamp<std::int64_t>(request.rate.framesIn(kBurstNs), 1, std::max(1, encoder.queueCapacity / 2)));
-  return std::make_unique<OutputSlot>(std::move(encoder), std::move(targets), janitor);
+  return std::make_unique<OutputSlot>(encoder, std::move(targets), janitor, std::move(running));
 }
 
 }  // namespace korvia

@@ -1,5 +1,7 @@
 #include "OutputRack.h"
 
+#include <algorithm>
+
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
 #include "OutputFactory.h"
@@ -83,7 +85,7 @@ void OutputRack::start(int slot, const tagKorviaShowOutputParam& param, const QS
       ledger_->reports[static_cast<std::size_t>(slot)] = {};
     }
     std::shared_ptr<OutputSlot> output =
-        createOutputSlot({slot, param, programName, format, *rate_}, janitor_);
+        createOutputSlot({slot, param, programName, format, *rate_, trials_}, janitor_, encoderBeside(slot));
     if (!output) {
       MutexLock lock(ledger_->mutex);
       tagKorviaShowOutputReport& report = ledger_->reports[static_cast<std::size_t>(slot)];
@@ -130,18 +132,34 @@ OutputRack::Reports OutputRack::reports() const {
   return reports;
 }
 
-void OutputRack::push(const FrameRef& frame, int count) {
-  for (const std::shared_ptr<OutputSlot>& slot : slots_) {
-    for (int i = 0; slot && i < count; ++i)
-      slot->pushFrame(frame);
+std::shared_ptr<SlotEncoder> OutputRack::encoderBeside(int slot) const {
+  for (int other = 0; other < kSlots; ++other) {
+    if (other != slot && slots_[other])
+      return slots_[other]->encoder();
+  }
+  return nullptr;
+}
+
+template <typename Function>
+void OutputRack::forEachEncoder(const Function& function) const {
+  for (auto slot = slots_.begin(); slot != slots_.end(); ++slot) {
+    const auto isSame = [&slot](const std::shared_ptr<OutputSlot>& other) {
+      return other && other->encoder() == (*slot)->encoder();
+    };
+    if (*slot && std::none_of(slots_.begin(), slot, isSame))
+      function(*(*slot)->encoder());
   }
 }
 
+void OutputRack::push(const FrameRef& frame, int count) {
+  forEachEncoder([&](SlotEncoder& encoder) {
+    for (int i = 0; i < count; ++i)
+      encoder.pushFrame(frame);
+  });
+}
+
 void OutputRack::pushSound(StereoSpan sound) {
-  for (const std::shared_ptr<OutputSlot>& slot : slots_) {
-    if (slot)
-      slot->pushSound(sound);
-  }
+  forEachEncoder([&](SlotEncoder& encoder) { encoder.pushSound(sound); });
 }
 
 bool OutputRack::isRunning(int slot) const {
@@ -160,6 +178,9 @@ void OutputRack::statistics(tagKorviaOutputStatistics& statistics) const {
     block.videoBitrate = figures.videoKbps;
     block.audioRate = figures.samplesPerSecond;
     block.audioBitrate = figures.soundKbps;
+    block.encodeDelay = figures.encodeDelayMs;
+    block.videoAudioDrift = figures.pictureLessSoundMs;
+    qstrncpy(block.frameType.data(), figures.frameTypes.toLatin1().constData(), block.frameType.size());
     for (std::size_t kind = 0; kind < kTargetKinds; ++kind)
       placeOf(static_cast<TargetKind>(kind), block).bitrate = figures.kbps[kind];
   }

@@ -58,8 +58,14 @@ class OutputRack {
   struct Ending;
 
   void end(int slot);
+  /// The encoder of another output; null when none runs.
+  std::shared_ptr<SlotEncoder> encoderBeside(int slot) const;
+  /// Calls it once for each encoder.
+  template <typename Function>
+  void forEachEncoder(const Function& function) const;
 
   Janitor& janitor_;
+  const std::shared_ptr<EncoderTrials> trials_ = std::make_shared<EncoderTrials>();
   const std::shared_ptr<Ledger> ledger_ = std::make_shared<Ledger>();
   IShowBackendHost* host_ = nullptr;
   std::optional<FrameRate> rate_;  // of the open show

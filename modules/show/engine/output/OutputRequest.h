@@ -1,7 +1,9 @@
 // What is needed to start one output, the stream or the recording. A plain value.
 #pragma once
 #include <QString>
+#include <memory>
 
+#include "EncoderTrials.h"
 #include "FrameRate.h"
 #include "tagKorviaFormatInfo.h"
 #include "tagKorviaShowOutputParam.h"
@@ -15,6 +17,7 @@ struct OutputRequest {
   /// The size of the encoded picture, and whether there is sound, are taken from it.
   tagKorviaFormatInfo format;
   FrameRate rate;  ///< the show's, which the encoder uses
+  std::shared_ptr<EncoderTrials> trials = std::make_shared<EncoderTrials>();  ///< shared by all outputs
 };
 
 }  // namespace korvia

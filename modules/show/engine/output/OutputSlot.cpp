@@ -39,10 +39,15 @@ tagKorviaShowTargetReport targetReport(TargetKind kind, const TargetFigures& fig
 
 }  // namespace
 
-OutputSlot::OutputSlot(EncoderSettings encoder, Targets targets, Janitor& janitor)
-    : targets_(std::move(targets)), encoder_(std::move(encoder), janitor) {
+OutputSlot::OutputSlot(const EncoderSettings& settings, Targets targets, Janitor& janitor,
+                       std::shared_ptr<SlotEncoder> running)
+    : targets_(std::move(targets)),
+      encoder_(running && running->suits(settings) ? std::move(running)
+                                                   : std::make_shared<SlotEncoder>(settings, janitor)),
+      share_(encoder_->addShare(settings)),
+      droppedBefore_(encoder_->figures().framesDropped) {
   for (const std::shared_ptr<Target>& target : targets_)
-    encoder_.join(target);
+    share_->join(target);
 }
 
 bool OutputSlot::waitFinished(int timeoutMs) {
@@ -55,15 +60,23 @@ bool OutputSlot::waitFinished(int timeoutMs) {
 }
 
 void OutputSlot::finish() {
-  stopped_ = true;
-  encoder_.finish();
+  if (share_->isEnding())
+    return;
+  droppedUntilStop_ = encoder_->figures().framesDropped;
+  encoder_->endShare(*share_);
+}
+
+qint64 OutputSlot::framesDropped() const {
+  const qint64 untilStop = droppedUntilStop_;
+  return (untilStop >= 0 ? untilStop : encoder_->figures().framesDropped) - droppedBefore_;
 }
 
 tagKorviaShowOutputReport OutputSlot::report() const {
-  const EncoderFigures encoder = encoder_.figures();
+  const QString failure = share_->failure();
+  const bool stopped = share_->isEnding();
   tagKorviaShowOutputReport report;
-  report.droppedFrames = encoder.framesDropped;
-  report.reason = encoder.failure;
+  report.droppedFrames = framesDropped();
+  report.reason = failure;
   bool up = false;
   bool allEnded = true;
   bool allTroubled = true;
@@ -89,26 +102,29 @@ tagKorviaShowOutputReport OutputSlot::report() const {
     allTroubled = allTroubled && !own.reason.isEmpty();
   }
   // An output that ends without a stop has failed, even if its file is complete.
-  if (!encoder.failure.isEmpty() || (allEnded && (!stopped_ || allTroubled)))
+  if (!failure.isEmpty() || (allEnded && (!stopped || allTroubled)))
     report.state = KorviaShowOutputState::Failed;
   else if (allEnded)
     report.state = KorviaShowOutputState::Finished;
   else
-    report.state = up || stopped_ ? KorviaShowOutputState::Running : KorviaShowOutputState::Starting;
+    report.state = up || stopped ? KorviaShowOutputState::Running : KorviaShowOutputState::Starting;
   if (report.state != KorviaShowOutputState::Failed)
     report.reason.clear();
   return report;
 }
 
 OutputFigures OutputSlot::figures() const {
-  const EncoderFigures encoder = encoder_.figures();
+  const EncoderFigures encoder = encoder_->figures();
   OutputFigures figures;
-  figures.framesEncoded = encoder.framesEncoded;
-  figures.framesDropped = encoder.framesDropped;
+  figures.framesEncoded = share_->framesEncoded();
+  figures.framesDropped = framesDropped();
   figures.videoKbps = encoder.videoKbps;
   figures.framesPerSecond = encoder.framesPerSecond;
   figures.soundKbps = encoder.soundKbps;
   figures.samplesPerSecond = encoder.samplesPerSecond;
+  figures.encodeDelayMs = encoder.encodeDelayMs;
+  figures.pictureLessSoundMs = encoder.pictureLessSoundMs;
+  figures.frameTypes = encoder.frameTypes;
   for (const std::shared_ptr<Target>& target : targets_) {
     const TargetFigures own = target->figures();
     figures.up = figures.up || own.state == TargetState::Up || own.state == TargetState::Lost;

@@ -1,10 +1,10 @@
-// One output of the show: an encoder and the targets that get its packets. Engine thread, except figures()
-// and waitFinished(). Destroyed on the thread of the janitor, since the end of a target may wait for a disk.
+// One output of the show: its share in an encoder and the targets that get the packets. Engine thread, except
+// figures() and waitFinished(). Destroyed on the thread of the janitor, since the end of a target may wait
+// for a disk.
 #pragma once
 #include <array>
 #include <atomic>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "SlotEncoder.h"
@@ -22,25 +22,26 @@ struct OutputFigures {
   float framesPerSecond = 0;
   float soundKbps = 0;
   float samplesPerSecond = 0;
+  qint64 encodeDelayMs = 0;  ///< see EncoderFigures, as the next two
+  qint64 pictureLessSoundMs = 0;
+  QString frameTypes;
 };
 
 class OutputSlot {
  public:
   using Targets = std::vector<std::shared_ptr<Target>>;
 
-  /// All targets begin with the first frame.
-  OutputSlot(EncoderSettings encoder, Targets targets, Janitor& janitor);
+  /// All targets begin with the next frame. The encoder is `running` when it suits the settings, which may be
+  /// null, else a new one.
+  OutputSlot(const EncoderSettings& settings, Targets targets, Janitor& janitor,
+             std::shared_ptr<SlotEncoder> running = nullptr);
   /// Finishes and waits for the encoder and for all targets, for these with a time-out.
   ~OutputSlot() = default;
   OutputSlot(const OutputSlot&) = delete;
   OutputSlot& operator=(const OutputSlot&) = delete;
 
-  /// The next program frame: the n-th call makes the n-th time stamp. Never blocks.
-  void pushFrame(const FrameRef& frame) { encoder_.pushFrame(frame, frames_++); }
-  /// The sound of the frames that were pushed since the last call. Never blocks.
-  void pushSound(StereoSpan sound) {
-    encoder_.pushSound(sound, std::exchange(samples_, samples_ + sound.samples));
-  }
+  /// Program frames and sound are pushed to it, once for all outputs that share it.
+  const std::shared_ptr<SlotEncoder>& encoder() const { return encoder_; }
   /// Ends the output: pushed frames are encoded and written, and the targets end, in the background.
   void finish();
   /// Waits until all targets have ended, by finish() or on their own. False after the time-out.
@@ -50,11 +51,13 @@ class OutputSlot {
   tagKorviaShowOutputReport report() const;
 
  private:
+  qint64 framesDropped() const;
+
   const Targets targets_;
-  SlotEncoder encoder_;  // destroyed first: its end finishes the targets
-  qint64 frames_ = 0;
-  qint64 samples_ = 0;
-  std::atomic<bool> stopped_{false};  // by finish()
+  const std::shared_ptr<SlotEncoder> encoder_;  // destroyed first: its end finishes the targets
+  const std::shared_ptr<EncoderShare> share_;
+  const qint64 droppedBefore_;                // by the encoder, for others
+  std::atomic<qint64> droppedUntilStop_{-1};  // by the encoder; negative while the output runs
 };
 
 }  // namespace korvia

@@ -32,6 +32,8 @@ struct Track {
   FrameSize size;  ///< of a picture
   FrameRate rate;  ///< of the pictures
   int kbps = 0;    ///< that the encoder aims at
+  /// Counts the encoders that replaced each other. A file has the headers of one encoder only.
+  int generation = 0;
 };
 
 using TrackList = std::vector<Track>;

@@ -42,6 +42,7 @@ bool RecordingPart::begin(const Packet& first) {
   if (!mux_->open(*first.tracks, container_, sink))
     return false;
   const Track& picture = first.tracks->front();
+  generation_ = picture.generation;
   const int soundKbps = first.tracks->size() > 1 ? first.tracks->back().kbps : 0;
   qCInfo(logOutput, "recording to \"%s\" : %dx%d, %d/%d fps, %d kbit/s, sound %d kbit/s",
          qPrintable(fileName_), picture.size.width, picture.size.height,

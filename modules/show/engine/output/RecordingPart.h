@@ -38,6 +38,8 @@ class RecordingPart {
     return hasFailed() && mux_->resourceError() == GST_RESOURCE_ERROR_NO_SPACE_LEFT;
   }
 
+  /// Of the encoder whose headers the file has.
+  int generation() const { return generation_; }
   const QString& fileName() const { return fileName_; }
   qint64 bytesWritten() const { return mux_ ? mux_->bytesWritten() : 0; }
   /// Time from the first picture to the end of the last one that was handed over.
@@ -51,6 +53,7 @@ class RecordingPart {
   qint64 startNs_ = 0;
   qint64 endNs_ = 0;
   qint64 frames_ = 0;
+  int generation_ = 0;
   bool ending_ = false;
 };
 

@@ -30,7 +30,7 @@ class Recording {
         slot_(settings.encoder, OutputSlot::Targets{file_}, janitor_) {}
 
   OutputSlot& slot() { return slot_; }
-  void pushFrame(const FrameRef& frame) { slot_.pushFrame(frame); }
+  void pushFrame(const FrameRef& frame) { slot_.encoder()->pushFrame(frame); }
   void finish() { slot_.finish(); }
   bool waitFinished(int timeoutMs) { return slot_.waitFinished(timeoutMs); }
   OutputFigures figures() const { return slot_.figures(); }
@@ -60,9 +60,12 @@ template <typename Output>
 bool feedFrames(Output& output, FramePool& pool, int first, int count) {
   std::vector<float> silence(kSampleRate / 25);
   for (int i = 0; i < count; ++i) {
-    output.pushFrame(patternFrame(pool, first + i));
-    if constexpr (requires { output.pushSound(StereoSpan{}); })
-      output.pushSound({silence.data(), silence.data(), static_cast<int>(silence.size())});
+    if constexpr (requires { output.encoder(); }) {
+      output.encoder()->pushFrame(patternFrame(pool, first + i));
+      output.encoder()->pushSound({silence.data(), silence.data(), static_cast<int>(silence.size())});
+    } else {
+      output.pushFrame(patternFrame(pool, first + i));
+    }
     if (!waitForRoom(output, first + i + 1, 15))
       return false;
   }

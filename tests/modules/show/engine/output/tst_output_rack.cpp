@@ -118,6 +118,38 @@ class OutputRackTest : public QObject {
     QVERIFY(areSpaced(verdict.pts, 0.04, countTo(expected.size())));
   }
 
+  void aStreamBesideARecordingSharesItsEncoder() {
+    record(folder_.path() + '/');
+    frames_ = 0;
+    for (int i = 0; i < 5; ++i)
+      push(1);
+    tagKorviaShowOutputParam param;
+    param.items[OutputSlotStream].udpEnable = 1;
+    param.items[OutputSlotStream].udpAddress = QStringLiteral("127.0.0.1");
+    param.items[OutputSlotStream].udpPort = static_cast<quint16>(freePort());
+    tagKorviaFormatInfo format;
+    format.video.width = kSize.width;
+    format.video.height = kSize.height;
+    QTest::ignoreMessage(QtInfoMsg, "the stream shares the encoder of the recording");
+    rack_->start(OutputSlotStream, param, {}, format);
+    const auto isUp = [&] {
+      push(1);
+      return report(OutputSlotStream).targets[0].state == KorviaShowTargetState::Up;
+    };
+    QVERIFY(QTest::qWaitFor(isUp, 20'000));
+    rack_->stop(OutputSlotStream, OutputKindStream);
+    const auto isFinished = [&] {
+      push(1);
+      return report(OutputSlotStream).state == KorviaShowOutputState::Finished;
+    };
+    QVERIFY(QTest::qWaitFor(isFinished, 20'000));
+    rack_->stop(OutputSlotRecord, OutputKindRecord);
+    QTRY_COMPARE_WITH_TIMEOUT(report().state, KorviaShowOutputState::Finished, 20'000);
+    // Each frame was pushed once.
+    QCOMPARE(report().droppedFrames, qint64(0));
+    QCOMPARE(numbersIn(VideoJudge::decodeLuma(report().fileName), kSize), countTo(frames_));
+  }
+
   void statisticsAreThoseOfTheRunningOutput() {
     tagKorviaOutputStatistics statistics;
     rack_->statistics(statistics);
@@ -134,6 +166,18 @@ class OutputRackTest : public QObject {
     QVERIFY(statistics.blocks[OutputSlotRecord].videoFps > 0);
     QVERIFY(statistics.blocks[OutputSlotRecord].audioRate > 0);
     QVERIFY(statistics.blocks[OutputSlotRecord].audioBitrate > 0);
+    QVERIFY(statistics.blocks[OutputSlotRecord].encodeDelay > 0);
+    const auto hasTypes = [&] {
+      push(1);
+      statistics = {};
+      rack_->statistics(statistics);
+      return QRegularExpression("^I [1-9]\\d*, P [1-9]\\d*$")
+          .match(QString::fromLatin1(statistics.blocks[OutputSlotRecord].frameType.data()))
+          .hasMatch();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hasTypes(), 20'000);
+    // Sound comes in pieces of 21 ms.
+    QVERIFY(qAbs(statistics.blocks[OutputSlotRecord].videoAudioDrift) < 100);
     QCOMPARE(statistics.blocks[OutputSlotStream].videoBitrate, 0.0F);
     rack_->stop(OutputSlotRecord, OutputKindRecord);
     QTRY_COMPARE_WITH_TIMEOUT(report().state, KorviaShowOutputState::Finished, 20'000);

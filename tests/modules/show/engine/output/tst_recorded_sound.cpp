@@ -140,7 +140,7 @@ class RecordedSoundTest : public QObject {
     for (int i = 0; i < kFrames; ++i) {
       recording.pushFrame(patternFrame(pool, i));
       FrameSound sound(i);
-      recording.slot().pushSound(sound.span());
+      recording.slot().encoder()->pushSound(sound.span());
       QVERIFY(waitForRoom(recording, i + 1, 15));
     }
     recording.finish();
@@ -157,6 +157,50 @@ class RecordedSoundTest : public QObject {
     QVERIFY2(std::abs(seconds - kFrames / 25.0) <= 0.04, qPrintable(QString::number(seconds)));
     QVERIFY(std::abs(loudest(decoded, 0) - 0.4) < 0.05);
     QVERIFY(std::abs(loudest(decoded, 1) - 0.2) < 0.03);
+  }
+
+  void soundOfOneThatSharesAnEncoderIsInStep_data() { soundIsInStepInEveryContainer_data(); }
+  void soundOfOneThatSharesAnEncoderIsInStep() {
+    QFETCH(int, encapsulation);
+    // The second one begins after the first and ends before it.
+    constexpr int kFirst = 10;
+    constexpr int kEnd = 60;
+    QTemporaryDir folder;
+    const RecordingSettings settings = settingsFor(folder, encapsulation);
+    Recording first(settings);
+    Janitor janitor;
+    const auto file = std::make_shared<FileTarget>(settings.file);
+    std::unique_ptr<OutputSlot> second;
+    FramePool pool(kSize);
+    for (int i = 0; i < kFrames; ++i) {
+      if (i == kFirst)
+        second = std::make_unique<OutputSlot>(settings.encoder, OutputSlot::Targets{file}, janitor,
+                                              first.slot().encoder());
+      if (i == kEnd)
+        second->finish();
+      first.pushFrame(patternFrame(pool, i));
+      FrameSound sound(i);
+      first.slot().encoder()->pushSound(sound.span());
+      QVERIFY(waitForRoom(first, i + 1, 15));
+    }
+    QVERIFY(second->waitFinished(kFinishMs));
+    first.finish();
+    QVERIFY(first.waitFinished(kFinishMs));
+
+    QCOMPARE(VideoJudge::judge(file->fileName()).frames, kEnd - kFirst);
+    const double lead = startOf(file->fileName(), "a") - startOf(file->fileName(), "v");
+    QVERIFY2(lead > -0.001 && lead < 0.022, qPrintable(QString::number(lead)));
+    const std::vector<float> decoded = decodeSound(file->fileName(), "anull");
+    const qint64 begin = kFirst * kFrameSamples + std::llround(lead * kSampleRate);
+    for (qint64 place : {9'600, 48'000, 81'600})
+      QVERIFY2(std::abs(delayAt(decoded, place, begin)) <= 48,
+               qPrintable(QString::number(delayAt(decoded, place, begin))));
+    const double seconds = lead + static_cast<double>(decoded.size() / 2) / kSampleRate;
+    QVERIFY2(std::abs(seconds - (kEnd - kFirst) / 25.0) <= 0.04, qPrintable(QString::number(seconds)));
+    QCOMPARE(VideoJudge::judge(first.fileName()).frames, kFrames);
+    const std::vector<float> whole = decodeSound(first.fileName());
+    for (qint64 place : {4'800, 72'000, 130'000})
+      QVERIFY(std::abs(delayAt(whole, place)) <= 1);
   }
 
   void filesFollowOneAnotherWithoutAGap_data() { soundIsInStepInEveryContainer_data(); }
@@ -176,7 +220,7 @@ class RecordedSoundTest : public QObject {
       for (int i = 0; i < kAllFrames; ++i) {
         recording.pushFrame(patternFrame(pool, i));
         FrameSound sound(i);
-        recording.slot().pushSound(sound.span());
+        recording.slot().encoder()->pushSound(sound.span());
         QVERIFY(waitForRoom(recording, i + 1, 15));
       }
       recording.finish();
@@ -217,8 +261,8 @@ class RecordedSoundTest : public QObject {
       // Now and then it moves, so that not all packets have the same size.
       recording.pushFrame(patternFrame(pool, i / 40));
       FrameSound sound(i);
-      recording.slot().pushSound(i % 40 < 3 ? sound.span()
-                                            : StereoSpan{silence.data(), silence.data(), kFrameSamples});
+      recording.slot().encoder()->pushSound(
+          i % 40 < 3 ? sound.span() : StereoSpan{silence.data(), silence.data(), kFrameSamples});
       QVERIFY(waitForRoom(recording, i + 1, 15));
     }
     const QString copy = folder.filePath("copy");
@@ -240,9 +284,9 @@ class RecordedSoundTest : public QObject {
       std::vector<float> silence(2 * kSampleRate);
       FrameSound sound(i);
       if (i == 20)
-        recording.slot().pushSound({silence.data(), silence.data(), kFrameSamples * 30});
+        recording.slot().encoder()->pushSound({silence.data(), silence.data(), kFrameSamples * 30});
       else if (i < 20 || i >= 50)
-        recording.slot().pushSound(sound.span());
+        recording.slot().encoder()->pushSound(sound.span());
       QVERIFY(waitForRoom(recording, i + 1, 45));
     }
     recording.finish();
@@ -263,7 +307,7 @@ class RecordedSoundTest : public QObject {
       recording.pushFrame(patternFrame(pool, i));
       FrameSound sound(i);
       late.insert(late.end(), sound.left.begin(), sound.left.end());
-      recording.slot().pushSound({late.data(), late.data(), kFrameSamples});
+      recording.slot().encoder()->pushSound({late.data(), late.data(), kFrameSamples});
       late.erase(late.begin(), late.begin() + kFrameSamples);
       QVERIFY(waitForRoom(recording, i + 1, 15));
     }

@@ -35,7 +35,8 @@ FileSettings fileSettings(const QTemporaryDir& folder, const char* name) {
 
 /// An encoder whose frames are counted.
 struct Rig {
-  explicit Rig(EncoderSettings settings = encoderSettings()) : encoder(std::move(settings), janitor) {}
+  explicit Rig(const EncoderSettings& settings = encoderSettings())
+      : encoder(settings, janitor), share(encoder.addShare(settings)) {}
 
   /// Feeds frames and waits until all but the last, which x264 keeps until the next, are with the targets.
   bool feed(int count) {
@@ -43,7 +44,7 @@ struct Rig {
     for (; next < end; ++next) {
       QElapsedTimer timer;
       timer.start();
-      encoder.pushFrame(patternFrame(pool, next), next);
+      encoder.pushFrame(patternFrame(pool, next));
       longestPushMs = std::max(longestPushMs, timer.elapsed());
       if (!waitEncoded(next - 8))
         return false;
@@ -60,6 +61,7 @@ struct Rig {
 
   Janitor janitor;
   SlotEncoder encoder;
+  std::shared_ptr<EncoderShare> share;
   FramePool pool{kSize};
   int next = 0;
   qint64 longestPushMs = 0;
@@ -101,8 +103,8 @@ class TestSlotEncoder : public QObject {
     const auto hanging = std::make_shared<FileTarget>(hangs);
     Rig rig;
     const auto opener = qScopeGuard([&gate] { gate.open(); });
-    rig.encoder.join(good);
-    rig.encoder.join(hanging);
+    rig.share->join(good);
+    rig.share->join(hanging);
     for (int i = 0; i < 20; ++i) {
       QVERIFY(rig.feed(1));
       QTRY_COMPARE(hanging->figures().queuedBytes, qint64(0));
@@ -148,10 +150,10 @@ class TestSlotEncoder : public QObject {
     const auto second = std::make_shared<FileTarget>(fileSettings(folder, "second"));
     const auto third = std::make_shared<FileTarget>(fileSettings(folder, "third"));
     Rig rig;
-    rig.encoder.join(first);
+    rig.share->join(first);
     QVERIFY(rig.feed(20));
-    rig.encoder.join(second);
-    rig.encoder.join(third);
+    rig.share->join(second);
+    rig.share->join(third);
     QVERIFY(rig.feed(40));
     QVERIFY(rig.finish());
     QVERIFY(first->waitFinished(kFinishMs) && second->waitFinished(kFinishMs) &&
@@ -177,10 +179,10 @@ class TestSlotEncoder : public QObject {
     const auto stays = std::make_shared<FileTarget>(fileSettings(folder, "stays"));
     const auto leaves = std::make_shared<FileTarget>(fileSettings(folder, "leaves"));
     Rig rig;
-    rig.encoder.join(stays);
-    rig.encoder.join(leaves);
+    rig.share->join(stays);
+    rig.share->join(leaves);
     QVERIFY(rig.feed(25));
-    rig.encoder.leave(*leaves);
+    rig.share->leave(*leaves);
     QVERIFY(leaves->waitFinished(kFinishMs));
     QCOMPARE(leaves->figures().state, TargetState::Finished);
     QCOMPARE(numbersOf(*leaves), countTo(24));
@@ -198,8 +200,8 @@ class TestSlotEncoder : public QObject {
     notes->failAt(10);
     const auto fails = std::make_shared<Target>(TargetSettings{}, std::make_unique<MemoryWriter>(notes));
     Rig rig;
-    rig.encoder.join(good);
-    rig.encoder.join(fails);
+    rig.share->join(good);
+    rig.share->join(fails);
     QVERIFY(rig.feed(40));
     QVERIFY(fails->waitFinished(kFinishMs));
     QCOMPARE(fails->figures().state, TargetState::Failed);
@@ -215,13 +217,13 @@ class TestSlotEncoder : public QObject {
     QTemporaryDir folder;
     Rig rig;
     for (; rig.next < 30; ++rig.next)
-      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next));
     const auto notes = std::make_shared<WriterNotes>();
     notes->failAt(5);
     const auto fails = std::make_shared<Target>(TargetSettings{}, std::make_unique<MemoryWriter>(notes));
-    rig.encoder.join(fails);
+    rig.share->join(fails);
     for (; !fails->waitFinished(0); ++rig.next) {
-      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next));
       QTest::qWait(5);
     }
     QCOMPARE(notes->keyFrames(), QVector<bool>({true, false, false, false, false}));
@@ -230,9 +232,9 @@ class TestSlotEncoder : public QObject {
     // One that comes later has a whole file all the same.
     const auto file = std::make_shared<FileTarget>(fileSettings(folder, "late"));
     const int first = rig.next;
-    rig.encoder.join(file);
+    rig.share->join(file);
     for (; rig.next < first + 12; ++rig.next)
-      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next));
     QVERIFY(rig.finish());
     QVERIFY(file->waitFinished(kFinishMs));
     QByteArray complaints;
@@ -247,11 +249,11 @@ class TestSlotEncoder : public QObject {
     settings.picture.size = {20000, 16};  // more than H.264 has levels for
     const auto file = std::make_shared<FileTarget>(fileSettings(folder, "none"));
     Rig rig(settings);
-    rig.encoder.join(file);
+    rig.share->join(file);
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^the slot cannot be encoded : .+"));
-    rig.encoder.pushFrame(patternFrame(rig.pool, 0), 0);
+    rig.encoder.pushFrame(patternFrame(rig.pool, 0));
     QVERIFY(rig.encoder.waitFinished(kFinishMs));
-    rig.encoder.pushFrame(patternFrame(rig.pool, 1), 1);
+    rig.encoder.pushFrame(patternFrame(rig.pool, 1));
     QVERIFY(file->waitFinished(kFinishMs));
     QVERIFY(QDir(folder.path()).isEmpty());
   }
@@ -262,10 +264,10 @@ class TestSlotEncoder : public QObject {
     settings.burstFrames = 5;
     const auto file = std::make_shared<FileTarget>(fileSettings(folder, "groups"));
     Rig rig(settings);
-    rig.encoder.join(file);
+    rig.share->join(file);
     const auto push = [&rig](int end) {
       for (; rig.next < end; ++rig.next)
-        rig.encoder.pushFrame(patternFrame(rig.pool, rig.next), rig.next);
+        rig.encoder.pushFrame(patternFrame(rig.pool, rig.next));
     };
     push(4);
     QTest::qWait(200);
@@ -277,6 +279,50 @@ class TestSlotEncoder : public QObject {
     QVERIFY(rig.finish());
     QVERIFY(file->waitFinished(kFinishMs));
     QCOMPARE(numbersOf(*file), QVector<int>({0, 1, 2, 3, 4, 5, 6}));
+  }
+
+  void theDelayAndTheTypesOfFramesAreMeasured() {
+    constexpr int kHeldMs = 300;
+    EncoderSettings settings = encoderSettings();
+    settings.burstFrames = 5;
+    const auto notes = std::make_shared<WriterNotes>();
+    Rig rig(settings);
+    rig.share->join(std::make_shared<Target>(TargetSettings{}, std::make_unique<MemoryWriter>(notes)));
+    // Four frames wait for the fifth.
+    QElapsedTimer held;
+    for (; rig.next < 4; ++rig.next)
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next));
+    held.start();
+    QTRY_VERIFY(held.elapsed() >= kHeldMs);
+    rig.encoder.pushFrame(patternFrame(rig.pool, rig.next));
+    QTRY_VERIFY(!rig.encoder.figures().frameTypes.isEmpty());
+    const EncoderFigures figures = rig.encoder.figures();
+    QVERIFY2(figures.encodeDelayMs >= kHeldMs / 2 && figures.encodeDelayMs < 5000,
+             qPrintable(QString::number(figures.encodeDelayMs)));
+    QVERIFY2(figures.frameTypes.startsWith("I 1, P "), qPrintable(figures.frameTypes));
+    QCOMPARE(figures.pictureLessSoundMs, qint64(0));
+    QVERIFY(rig.finish());
+    QCOMPARE(rig.encoder.figures().frameTypes, QString());
+  }
+
+  void theTimesOfPictureAndSoundAreCompared() {
+    EncoderSettings settings = encoderSettings();
+    settings.soundKbps = 96;
+    Rig rig(settings);
+    const auto notes = std::make_shared<WriterNotes>();
+    rig.share->join(std::make_shared<Target>(TargetSettings{}, std::make_unique<MemoryWriter>(notes)));
+    std::vector<float> silence(kSampleRate / 25);
+    const auto hasTimes = [&] {
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next));
+      rig.encoder.pushSound({silence.data(), silence.data(), kSampleRate / 25});
+      ++rig.next;
+      return rig.encoder.figures().pictureLessSoundMs != 0;
+    };
+    QTRY_VERIFY(hasTimes());
+    // Sound is delivered up to the picture that follows it, in packets of 21 ms.
+    const qint64 ms = rig.encoder.figures().pictureLessSoundMs;
+    QVERIFY2(ms > 0 && ms <= 43, qPrintable(QString::number(ms)));
+    QVERIFY(rig.finish());
   }
 
   void keyFramesComeEveryTwoSecondsOverCuts_data() {
@@ -295,12 +341,12 @@ class TestSlotEncoder : public QObject {
     settings.picture.rate = {numerator, denominator};
     const auto file = std::make_shared<FileTarget>(fileSettings(folder, "cuts"));
     Rig rig(settings);
-    rig.encoder.join(file);
+    rig.share->join(file);
     FramePool dark(kSize);
     // A cut every seven frames, which falls on a second of no stream.
     for (; rig.next < 130; ++rig.next) {
       const bool black = rig.next / 7 % 2 == 1;
-      rig.encoder.pushFrame(black ? dark.black() : patternFrame(rig.pool, rig.next * 31), rig.next);
+      rig.encoder.pushFrame(black ? dark.black() : patternFrame(rig.pool, rig.next * 31));
       QVERIFY(rig.waitEncoded(rig.next - 8));
     }
     QVERIFY(rig.finish());

@@ -46,7 +46,7 @@ class LiveSlot {
     encoder.label = QStringLiteral("the stream");
     encoder.picture = {kStreamSize, {25, 1}, kbps};
     encoder.soundKbps = 64;
-    slot_ = std::make_unique<OutputSlot>(std::move(encoder), targets, janitor_);
+    slot_ = std::make_unique<OutputSlot>(encoder, targets, janitor_);
     thread_ = std::thread([this] { feed(); });
   }
   ~LiveSlot() { stop(); }
@@ -69,8 +69,8 @@ class LiveSlot {
     std::vector<float> silence(kSampleRate / 25);
     auto next = std::chrono::steady_clock::now();
     while (!ending_) {
-      slot_->pushFrame(noiseFrame(pool, random));
-      slot_->pushSound({silence.data(), silence.data(), static_cast<int>(silence.size())});
+      slot_->encoder()->pushFrame(noiseFrame(pool, random));
+      slot_->encoder()->pushSound({silence.data(), silence.data(), static_cast<int>(silence.size())});
       next += std::chrono::milliseconds(40);
       std::this_thread::sleep_until(next);
     }
