@@ -111,6 +111,8 @@ void KorviaSarnhawk::onClicked_startStreamPushButton() {
   if (_ui->_startStreamPushButton->isChecked()) {
     _outputWatch->onStart(OutputSlotStream);
     _servers->serveSegments(_config.outputParam.items[OutputSlotStream]);
+    if (_engine)
+      _engine->setIncomePort(_servers->rtmpPort());
     _outputs->start(OutputKindStream);
   } else {
     _outputs->stop(OutputKindStream);

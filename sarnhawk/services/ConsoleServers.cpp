@@ -51,6 +51,10 @@ void ConsoleServers::startIncome(const QString& rootPath, int port) {
     qDebug("failed to open rtmp server");
 }
 
+int ConsoleServers::rtmpPort() const {
+  return _income._interface ? _income._interface->rtmpPort() : 0;
+}
+
 void* ConsoleServers::queryIncome(const Identifier* id, unsigned version) const {
   return _income._interface ? _income._interface->queryInterface(id, version) : nullptr;
 }

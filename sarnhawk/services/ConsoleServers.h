@@ -26,6 +26,8 @@ class ConsoleServers {
   /// Opens the income server with the folder "html" below `rootPath`, which ends in a separator. A failure is
   /// logged and changes nothing else. Without a prepared server nothing happens.
   void startIncome(const QString& rootPath, int port);
+  /// The RTMP port of the income server; 0 while it does not run.
+  int rtmpPort() const;
   /// Asks the income server for an interface; null while it is not loaded.
   void* queryIncome(const Identifier* id, unsigned version) const;
   /// Ends and releases both servers. Harmless when they are not there.

@@ -127,3 +127,8 @@ void KorviaShowEngine::pausePGMImage(bool pause) {
   BlackBox::instance().call("pausePGMImage", PGMObject, {pause});
   backend_->pausePGMImage(pause);
 }
+
+void KorviaShowEngine::setIncomePort(int port) {
+  BlackBox::instance().call("setIncomePort", 0, {port});
+  backend_->setIncomePort(port);
+}

@@ -80,6 +80,7 @@ class OutputSwitchesTest : public QObject {
     desk.child<QPushButton>(button)->click();
     qunsetenv("KORVIA_DRIVE_D");
     QCOMPARE(desk.console->serverLog, log);
+    QCOMPARE(desk.show.calls.contains("setIncomePort 1935"), button == "_startStreamPushButton");
   }
 };
 

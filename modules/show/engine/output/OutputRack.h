@@ -1,7 +1,8 @@
-// The output slots: starts, feeds and ends the outputs. Engine thread, except isRunning(), statistics() and
-// reports().
+// The output slots: starts, feeds and ends the outputs. Engine thread, except setIncomePort(),
+// isRunning(), statistics() and reports().
 #pragma once
 #include <array>
+#include <atomic>
 #include <memory>
 #include <optional>
 
@@ -42,6 +43,9 @@ class OutputRack {
   /// Pushes the sound of the program frames since the last call.
   void pushSound(StereoSpan sound);
 
+  /// For the next outputs. Any thread.
+  void setIncomePort(int port) { incomePort_ = port; }
+
   bool isRunning(int slot) const;
   void statistics(tagKorviaOutputStatistics& statistics) const;
   /// The report of the newest output of each slot, also after its stop. Any thread.
@@ -68,6 +72,7 @@ class OutputRack {
   const std::shared_ptr<EncoderTrials> trials_ = std::make_shared<EncoderTrials>();
   const std::shared_ptr<Ledger> ledger_ = std::make_shared<Ledger>();
   IShowBackendHost* host_ = nullptr;
+  std::atomic<int> incomePort_{0};
   std::optional<FrameRate> rate_;  // of the open show
   mutable Mutex mutex_;
   std::array<std::shared_ptr<OutputSlot>, kSlots>

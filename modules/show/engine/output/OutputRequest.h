@@ -16,7 +16,8 @@ struct OutputRequest {
   QString programName;             ///< for the name of a recording
   /// The size of the encoded picture, and whether there is sound, are taken from it.
   tagKorviaFormatInfo format;
-  FrameRate rate;  ///< the show's, which the encoder uses
+  FrameRate rate;      ///< the show's, which the encoder uses
+  int incomePort = 0;  ///< of the income server; 0 when it is not known
   std::shared_ptr<EncoderTrials> trials = std::make_shared<EncoderTrials>();  ///< shared by all outputs
 };
 

@@ -98,13 +98,14 @@ std::unique_ptr<Target> PushTarget::createSecond(const OutputRequest& request) {
 
 std::unique_ptr<Target> PushTarget::createLocal(const OutputRequest& request) {
   const tagKorviaShowOutputItem& item = request.param.items[OutputSlotStream];
-  return createPush(request, TargetKind::RtmpLocal, item.rtmpLocalEnable != 0, localUrl(item.rtmpLocalPath));
+  return createPush(request, TargetKind::RtmpLocal, item.rtmpLocalEnable != 0,
+                    localUrl(item.rtmpLocalPath, request.incomePort));
 }
 
-QString PushTarget::localUrl(const QString& path) {
+QString PushTarget::localUrl(const QString& path, int port) {
   const QString slash = path.startsWith(QLatin1Char('/')) ? QString() : QStringLiteral("/");
   return QStringLiteral("rtmp://%1:%2/live%3")
-      .arg(incomeLocalAddress(), QString::number(incomeRtmpPort()), slash + path);
+      .arg(incomeLocalAddress(), QString::number(port > 0 ? port : incomeRtmpPort()), slash + path);
 }
 
 MuxPlan PushTarget::planFor(const QString& url) {

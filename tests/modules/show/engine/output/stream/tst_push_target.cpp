@@ -244,16 +244,33 @@ class PushTargetTest : public QObject {
     QVERIFY2(all.contains("RTMP Push - 0 is lost : the server cannot be reached"), qPrintable(all));
   }
 
+  void theOwnServerIsFoundOnThePortThatItTook() {
+    RtmpServer server;
+    QVERIFY(server.start());
+    OutputRequest request;
+    request.slot = OutputSlotStream;
+    request.incomePort = QUrl(server.url("program")).port();
+    tagKorviaShowOutputItem& item = request.param.items[OutputSlotStream];
+    QVERIFY(!PushTarget::createLocal(request));
+    item.rtmpLocalEnable = 1;
+    LiveSlot live({std::shared_ptr<Target>(PushTarget::createLocal(request))});
+    QVERIFY(live.waitFor(KorviaShowTargetState::Up));
+    QCOMPARE(live.report().name, QString("RTMP Local"));
+    QVERIFY(look(server.url("output_0")).frames >= 20);
+  }
+
   void theOwnServerTakesThePathOfTheSettings() {
     qputenv("KORVIA_RTMP_PORT", "4711");
-    QCOMPARE(PushTarget::localUrl("/output_0"), QString("rtmp://127.0.0.1:4711/live/output_0"));
+    QCOMPARE(PushTarget::localUrl("/output_0", 0), QString("rtmp://127.0.0.1:4711/live/output_0"));
+    // The wanted port was taken by somebody else.
+    QCOMPARE(PushTarget::localUrl("/output_0", 4712), QString("rtmp://127.0.0.1:4712/live/output_0"));
     qputenv("KORVIA_INCOME_LISTEN", "0.0.0.0");
-    QCOMPARE(PushTarget::localUrl("/output_0"), QString("rtmp://127.0.0.1:4711/live/output_0"));
+    QCOMPARE(PushTarget::localUrl("/output_0", 0), QString("rtmp://127.0.0.1:4711/live/output_0"));
     qputenv("KORVIA_INCOME_LISTEN", "127.0.0.2");
-    QCOMPARE(PushTarget::localUrl("/output_0"), QString("rtmp://127.0.0.2:4711/live/output_0"));
+    QCOMPARE(PushTarget::localUrl("/output_0", 0), QString("rtmp://127.0.0.2:4711/live/output_0"));
     qunsetenv("KORVIA_INCOME_LISTEN");
     qunsetenv("KORVIA_RTMP_PORT");
-    QCOMPARE(PushTarget::localUrl("output_0"), QString("rtmp://127.0.0.1:1935/live/output_0"));
+    QCOMPARE(PushTarget::localUrl("output_0", 0), QString("rtmp://127.0.0.1:1935/live/output_0"));
   }
 };
 
