@@ -53,7 +53,8 @@ struct tagKorviaShowOutputReport {
   QString reason;
   /// Path of the file that is or was written, of the newest when there are several; empty for a stream.
   QString fileName;
-  /// Program frames that this output dropped because it could not keep up.
+  /// Program frames that this output dropped because it could not keep up, or left out while its disk was
+  /// full.
   qint64 droppedFrames = 0;
   /// Of what was written since the start, over all files.
   qint64 writtenMs = 0;

@@ -57,7 +57,8 @@ class FileWriter : public TargetWriter {
   qint64 bytesWritten() const override;
   TargetLink link() const override;
   DiskFigures disk() const override {
-    return {nsOfEnded_ + (part_ ? part_->lengthNs() : 0), roomSeconds_, verifiedNs_, trouble_};
+    return {nsOfEnded_ + (part_ ? part_->lengthNs() : 0), roomSeconds_, verifiedNs_, trouble_,
+            framesLeftOut_};
   }
   bool takeKeyRequest() override { return std::exchange(wantsKeyFrame_, false); }
   void close(const TargetOutcome& outcome) override;
@@ -91,6 +92,7 @@ class FileWriter : public TargetWriter {
   std::unique_ptr<RecordingGuard> guard_;  // of part_, from its first packet on
   qint64 verifiedNs_ = -1;
   QString trouble_;
+  qint64 framesLeftOut_ = 0;
   bool hasRoomAgain_ = false;  // the pause ends with the next key frame
   bool wantsKeyFrame_ = false;
   bool paused_ = false;
@@ -177,6 +179,8 @@ void FileWriter::write(const Packet& packet) {
     cut(packet);
   if (part_)
     part_->write(packet);
+  else if (packet.isPicture())
+    ++framesLeftOut_;
 }
 
 void FileWriter::end() {
@@ -286,9 +290,9 @@ void FileWriter::close(const TargetOutcome& outcome) {
   if (outcome.failed)
     qCWarning(logOutput, "recording \"%s\" failed : %s", qPrintable(settings_.name),
               qPrintable(outcome.reason));
-  else if (outcome.framesDropped > 0)
+  else if (const qint64 lacking = outcome.framesDropped + framesLeftOut_; lacking > 0)
     qCWarning(logOutput, "recording \"%s\" lacks %lld frames", qPrintable(settings_.name),
-              static_cast<long long>(outcome.framesDropped));
+              static_cast<long long>(lacking));
 }
 
 }  // namespace

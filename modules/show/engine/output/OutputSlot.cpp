@@ -83,7 +83,7 @@ tagKorviaShowOutputReport OutputSlot::report() const {
   for (const std::shared_ptr<Target>& target : targets_) {
     const TargetFigures own = target->figures();
     report.targets.append(targetReport(target->kind(), own));
-    report.droppedFrames += own.framesDropped;
+    report.droppedFrames += own.framesDropped + own.disk.framesLeftOut;
     if (report.fileName.isEmpty())
       report.fileName = own.location;
     report.writtenMs = std::max(report.writtenMs, own.disk.writtenNs / 1'000'000);

@@ -36,7 +36,8 @@ struct DiskFigures {
   /// How far it was read back and is whole, but for the last seconds of files that were closed; -1 before
   /// the first time.
   qint64 verifiedNs = -1;
-  QString trouble;  ///< why something is not whole; empty when all is
+  QString trouble;           ///< why something is not whole; empty when all is
+  qint64 framesLeftOut = 0;  ///< that are in no file, because the disk had no room
 };
 
 class TargetWriter {

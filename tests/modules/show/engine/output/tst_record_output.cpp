@@ -360,6 +360,7 @@ class TestRecordOutput : public QObject {
     const QVector<int> numbers = numbersIn(VideoJudge::decodeLuma(output.fileName()), kSize);
     QVERIFY(numbers.size() >= 20);
     QCOMPARE(numbers, countFrom(pushed + 20 - numbers.size(), pushed + 20));
+    QCOMPARE(output.slot().report().droppedFrames, qint64(pushed + 20 - framesBefore - numbers.size()));
   }
 
   // A file that may not grow past a size fails where a full disk does: in write().
