@@ -16,8 +16,8 @@ namespace {
 constexpr qint64 kChunkBytes = 256 * 1024;
 // Muxers write headers and sound without a picture, but never as much as this.
 constexpr qint64 kBytesWithoutPicture = 1024 * 1024;
-// The encoders make a key frame every 2 s.
-constexpr qint64 kLongestGopNs = 6'000'000'000;
+// Pictures. The encoders make a key frame every 2 s; times would be longer where frames were dropped.
+constexpr int kLongestGop = 300;
 
 /// Makes a pad from which the caller pushes into the element; the caller's thread runs what is behind it.
 GstPad* makeOutlet(GstElement* element, GstCaps* caps, GstFormat format) {
@@ -158,15 +158,14 @@ void ReadBack::note(SampleRef sample) {
   const auto beginNs = static_cast<qint64>(GST_BUFFER_PTS(buffer));
   const auto durationNs =
       GST_BUFFER_DURATION_IS_VALID(buffer) ? static_cast<qint64>(GST_BUFFER_DURATION(buffer)) : 0;
-  if (firstNs_ < 0) {
+  if (firstNs_ < 0)
     firstNs_ = beginNs;
-    keyNs_ = beginNs;
-  }
   endNs_ = std::max(endNs_, beginNs + durationNs);
+  ++sinceKey_;
   if (!isKeyFrame(buffer))
     return;
   keyFrame_ = std::move(sample);
-  keyNs_ = beginNs;
+  sinceKey_ = 0;
 }
 
 bool ReadBack::read() {
@@ -216,7 +215,7 @@ bool ReadBack::push(const QByteArray& bytes) {
     bytesAtPicture_ = bytesRead_;
   else if (bytesRead_ - bytesAtPicture_ > kBytesWithoutPicture)
     return fail(QStringLiteral("no pictures are found in it"));
-  return endNs_ - keyNs_ <= kLongestGopNs || fail(QStringLiteral("no key frames are found in it"));
+  return sinceKey_ <= kLongestGop || fail(QStringLiteral("no key frames are found in it"));
 }
 
 bool ReadBack::readOn() {

@@ -55,7 +55,7 @@ class ReadBack {
   SampleRef keyFrame_;         // the newest since the last call
   qint64 firstNs_ = -1;
   qint64 endNs_ = 0;
-  qint64 keyNs_ = 0;  // of the newest key frame
+  int sinceKey_ = 0;  // pictures since the newest key frame
 
   OutputPipeline pipeline_;
   GstPad* outlet_ = nullptr;      // into the demuxer; all behind it runs in the push
