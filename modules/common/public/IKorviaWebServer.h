@@ -16,10 +16,9 @@ class IKorviaWebServer : public IUnknownEx {
   virtual int open(IKorviaWebServerSink* sink, int* httpPort) = 0;
   /// Ends all connections and frees the port. Does nothing when the server is not open.
   virtual void close() = 0;
-  /// Serves the playlists (*.m3u8) and segments (*.ts) of a folder of this machine below a path of the
-  /// server,
-  /// "/hls/0" for "/hls/0/index.m3u8". It replaces the folder served before; an empty one ends that. May be
-  /// called before open().
+  /// Serves the playlists (*.m3u8) and segments (*.ts) of a folder of this machine below a path, "/hls/0" for
+  /// "/hls/0/index.m3u8". It replaces the folder served before; an empty one ends that. May be called before
+  /// open().
   virtual void serveSegments(const QString& path, const QString& folder) = 0;
 
  protected:

@@ -31,8 +31,8 @@ class WebServer : public IKorviaWebServer {
   /// Answers one request. Server thread.
   int answer(MHD_Connection* connection, const char* url, const char* method);
 
-  /// Maintain the list of connections. When there are too many, the oldest is shut down, so that clients
-  /// which never finish a request cannot block others; a connection serves one request. Server thread.
+  /// Both keep the list of connections. When there are too many, the oldest is shut down, so that clients
+  /// which never finish a request cannot block others. Server thread.
   void onConnectionStarted(MHD_Connection* connection);
   void onConnectionClosed(MHD_Connection* connection);
 

@@ -63,6 +63,7 @@ EncodePipeline::~EncodePipeline() {
 bool EncodePipeline::open(const PictureEncoding& encoding, int generation) {
   encoding_ = encoding;
   generation_ = generation;
+  keyInterval_ = static_cast<qint64>(valueOf(EncoderQuantity::KeyInterval, encoding));
   if (!pipeline_.create("encode") || !link())
     return false;
   annotateHappensBefore(this);
@@ -114,8 +115,11 @@ void EncodePipeline::feed(const FedFrame& fed) {
   GST_BUFFER_PTS(buffer) = static_cast<GstClockTime>(beginNs);
   // The difference of two time stamps, so that rounding errors do not add up.
   GST_BUFFER_DURATION(buffer) = static_cast<GstClockTime>(encoding_.rate.nsOf(fed.index + 1) - beginNs);
-  if (fed.key == FedFrame::Key::Now)
+  // Encoders count the frames that they get, so a GOP would last longer where frames were dropped.
+  if (fed_ == 0 || fed.key == FedFrame::Key::Now || fed.index - keyIndex_ >= keyInterval_) {
     GST_BUFFER_FLAG_SET(buffer, kKeyFrameFlag);
+    keyIndex_ = fed.index;
+  }
   ++fed_;
   if (&element_ != &softwareEncoder()) {
     unfinished_.push_back(fed);

@@ -80,6 +80,8 @@ class EncodePipeline {
   std::unique_ptr<Nv12Export> nv12_;  // null when the encoder takes the frames as they are
   std::deque<FedFrame> unfinished_;   // without a packet so far, and some more
   qint64 fed_ = 0;
+  qint64 keyInterval_ = 0;
+  qint64 keyIndex_ = 0;  // of the newest key frame that was fed
   std::atomic<qint64> packets_{0};
   Track track_;  // streaming thread only
   OutputPipeline pipeline_;

@@ -10,9 +10,11 @@ void EncoderShare::deliver(const Packet& packet) {
       targets_.deliver(packet);
     return;
   }
-  if (packet.ptsNs < beginNs_)
+  // Half a frame of tolerance, because an encoder may round its stamps.
+  const qint64 middleNs = packet.ptsNs + packet.durationNs / 2;
+  if (middleNs < beginNs_)
     return;
-  if (packet.ptsNs >= endNs) {
+  if (middleNs >= endNs) {
     close({});
     return;
   }

@@ -15,6 +15,8 @@ namespace korvia {
 namespace {
 
 constexpr int kTrialMs = 1000;
+// A trial that is cut shorter says nothing of an encoder.
+constexpr int kShortestTrialMs = 500;
 // An encoder may keep some frames before its first packet.
 constexpr int kTrialFrames = 8;
 
@@ -90,15 +92,15 @@ const EncoderElement& EncoderTrials::choose(KorviaShowEncodeAccelerator accelera
                                             const PictureEncoding& encoding) {
   if (!startGStreamer())
     return softwareEncoder();
-  const QDeadlineTimer deadline(kLimitMs);
   MutexLock lock(mutex_);
+  const QDeadlineTimer deadline(kLimitMs);
   for (const EncoderElement& encoder : encodersOf(accelerator)) {
     if (!isInstalled(encoder))
       continue;
     const Case key{&encoder, {encoding.size.width, encoding.size.height}};
     auto known = works_.find(key);
     if (known == works_.end()) {
-      if (deadline.hasExpired())
+      if (deadline.remainingTime() < kShortestTrialMs)
         break;
       known = works_.emplace(key, encodesInTime(encoder, encoding, deadline.remainingTime())).first;
     }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kHeadBytes = 8;
 constexpr int kLongHeadBytes = 16;
-// A fragment of half a second has at most a few megabytes.
+// A fragment has at most a few megabytes.
 constexpr qint64 kLargestBoxBytes = 64LL * 1024 * 1024;
 
 /// Size of the box that begins with these bytes; 0 when it reaches to the end of the file; negative when the

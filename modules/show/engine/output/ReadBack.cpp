@@ -14,8 +14,9 @@ namespace korvia {
 namespace {
 
 constexpr qint64 kChunkBytes = 256 * 1024;
-// Muxers write headers and sound without a picture, but never as much as this.
-constexpr qint64 kBytesWithoutPicture = 1024 * 1024;
+// Muxers write headers and sound without a picture, and a key frame may have several megabytes, but nothing
+// is as large as this.
+constexpr qint64 kBytesWithoutPicture = 8 * 1024 * 1024;
 // Pictures. The encoders make a key frame every 2 s; times would be longer where frames were dropped.
 constexpr int kLongestGop = 300;
 

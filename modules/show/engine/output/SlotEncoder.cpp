@@ -51,8 +51,11 @@ SlotEncoder::~SlotEncoder() {
 std::shared_ptr<EncoderShare> SlotEncoder::addShare(const EncoderSettings& settings) {
   const auto isClosed = [](const std::shared_ptr<EncoderShare>& share) { return share->isClosed(); };
   ownShares_.erase(std::remove_if(ownShares_.begin(), ownShares_.end(), isClosed), ownShares_.end());
-  for (const std::shared_ptr<EncoderShare>& other : ownShares_)
-    qCInfo(logOutput, "%s shares the encoder of %s", qPrintable(settings.label), qPrintable(other->label()));
+  for (const std::shared_ptr<EncoderShare>& other : ownShares_) {
+    if (!other->isEnding())
+      qCInfo(logOutput, "%s shares the encoder of %s", qPrintable(settings.label),
+             qPrintable(other->label()));
+  }
   auto share = std::make_shared<EncoderShare>(settings.label, settings.burstFrames,
                                               settings_.picture.rate.nsOf(pushedFrames_), janitor_);
   ownShares_.push_back(share);
@@ -422,7 +425,6 @@ void SlotEncoder::close(bool failed) {
     interleaver_->endPicture();
     interleaver_->endSound();
   }
-  closePipelines();
   {
     MutexLock lock(sharesMutex_);
     closed_ = true;
@@ -434,6 +436,8 @@ void SlotEncoder::close(bool failed) {
       qCWarning(logOutput, "%s cannot be encoded : %s", qPrintable(share->label()), qPrintable(reason_));
     share->close(failed ? reason_ : QString());
   }
+  // After the targets, whose files must not wait for a driver that hangs.
+  closePipelines();
   MutexLock lock(mutex_);
   accepting_ = false;
   while (!queue_.isEmpty())

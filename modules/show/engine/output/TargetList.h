@@ -1,6 +1,5 @@
 // The targets of an encoder: lets targets join at a key frame and leave, and delivers each packet to all of
-// them. Any thread; a call waits at most for the delivery of one packet, which only
-// queues it.
+// them. Any thread; a call waits at most for the delivery of one packet, which only queues it.
 #pragma once
 #include <atomic>
 #include <memory>

@@ -1,7 +1,6 @@
-// Serves live streams to viewers. One server a port, shared by the targets that use
-// the port, which each add a path. It listens on the loopback; KORVIA_STREAM_LISTEN is a numeric IPv4 address
-// to listen on instead, 0.0.0.0 for all of this machine. Any thread; libmicrohttpd answers on a thread of its
-// own.
+// Serves live streams to viewers. One server a port, shared by the targets that use the port, which each add
+// a path. It listens on the loopback; KORVIA_STREAM_LISTEN is a numeric IPv4 address to listen on instead,
+// 0.0.0.0 for all of this machine. Any thread; libmicrohttpd answers on a thread of its own.
 #pragma once
 #include <QString>
 #include <map>

@@ -32,6 +32,8 @@ void RetryingWriter::write(const Packet& packet) {
   if (!writer_) {
     if (!retry_.hasExpired() && !(settings_.probe && settings_.probe->hasReturned()))
       return;
+    if (settings_.probe)
+      settings_.probe->restart();
     if (!makeWriter()) {
       lose(reason_);
       return;
@@ -87,8 +89,6 @@ void RetryingWriter::lose(const QString& reason) {
   retry_.setRemainingTime(std::llround(longest * part));
   if (longest < settings_.longestMs)
     ++tries_;
-  if (settings_.probe)
-    settings_.probe->restart();
   if (std::exchange(loggedReason_, reason) == reason)
     qCDebug(logOutput, "%s is still lost, next try in %lld ms", qPrintable(settings_.label),
             static_cast<long long>(retry_.remainingTime()));

@@ -21,7 +21,7 @@ class ServerProbe {
   ServerProbe(const ServerProbe&) = delete;
   ServerProbe& operator=(const ServerProbe&) = delete;
 
-  /// A wait begins: what was found before is forgotten.
+  /// The wait is over: hangs up, and forgets what was found.
   void restart();
   /// True when the server answers and did not before in this wait. A server that answered from the beginning
   /// refuses the stream for another reason and is left to the usual waits.

@@ -225,11 +225,11 @@ class ReadBackTest : public QObject {
     QVERIFY2(reader.readOn(), qPrintable(reader.failure()));
     QVERIFY(reader.lengthNs() > 500'000'000);
     if (damage == "noise") {
-      append(copy, QByteArray(2'000'000, '\x55'));
+      append(copy, QByteArray(9'000'000, '\x55'));
     } else if (damage == "stuffing") {
       // Null packets carry nothing.
       const QByteArray stuffing = QByteArray("\x47\x1f\xff\x10", 4) + QByteArray(184, '\xff');
-      append(copy, stuffing.repeated(8000));
+      append(copy, stuffing.repeated(50'000));
     } else if (damage == "shorter") {
       QVERIFY(QFile::resize(copy, half - 188));
     } else {

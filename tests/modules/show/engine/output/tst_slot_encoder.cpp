@@ -325,6 +325,26 @@ class TestSlotEncoder : public QObject {
     QVERIFY(rig.finish());
   }
 
+  void aGapInTheFramesDoesNotPutTheKeyFrameOff() {
+    QTemporaryDir folder;
+    const auto file = std::make_shared<FileTarget>(fileSettings(folder, "gap"));
+    Rig rig;
+    rig.share->join(file);
+    QVERIFY(rig.feed(20));
+    for (int i = 0; i < 100; ++i)
+      rig.encoder.pushFrame(FrameRef());
+    for (; rig.next < 100; ++rig.next) {
+      rig.encoder.pushFrame(patternFrame(rig.pool, rig.next));
+      QVERIFY(rig.waitEncoded(rig.next - 8));
+    }
+    QVERIFY(rig.finish());
+    QVERIFY(file->waitFinished(kFinishMs));
+    const VideoVerdict verdict = VideoJudge::judge(file->fileName());
+    QCOMPARE(verdict.frames, 100);
+    // Two seconds are over when the frames come again, and again 50 frames later.
+    QCOMPARE(verdict.keyFrames, QVector<int>({0, 20, 70}));
+  }
+
   void keyFramesComeEveryTwoSecondsOverCuts_data() {
     QTest::addColumn<int>("numerator");
     QTest::addColumn<int>("denominator");
