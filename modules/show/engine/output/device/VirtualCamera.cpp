@@ -41,7 +41,7 @@ QString findVirtualCamera() {
   std::stable_sort(names.begin(), names.end(),
                    [](const QString& left, const QString& right) { return left.size() < right.size(); });
   for (const QString& name : std::as_const(names)) {
-    const QString path = QStringLiteral("/dev/") + name;
+    QString path = QStringLiteral("/dev/") + name;
     v4l2_capability capability{};
     if (queryCapability(path, capability) && isVirtualCamera(capability))
       return path;
