@@ -136,8 +136,9 @@ QString DeviceOutput::Share::runDevice() {
   if (!pipeline.open(path))
     return pipeline.failure();
   feed->begin();
-  const QString why = feedUntilItFails(pipeline);
+  QString why = feedUntilItFails(pipeline);
   feed->end();
+  tellOfDrops();
   // Before the pipeline is closed, which takes as long as the device hangs.
   lose(why);
   return why;
@@ -232,10 +233,6 @@ tagKorviaShowTargetReport DeviceOutput::report() const {
   if (report.state == KorviaShowTargetState::Lost)
     report.retrySeconds = wholeSeconds(share_->times.retry - time);
   return report;
-}
-
-qint64 DeviceOutput::droppedFrames() const {
-  return share_->feed->droppedFrames();
 }
 
 void DeviceOutput::run(const std::shared_ptr<Share>& share) {

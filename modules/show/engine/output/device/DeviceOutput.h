@@ -40,9 +40,8 @@ class DeviceOutput {
   void pushSound(StereoSpan sound, qint64 nowNs);
   void pushFrame(const FrameRef& frame);
 
-  // Any thread.
+  /// Any thread.
   tagKorviaShowTargetReport report() const;
-  qint64 droppedFrames() const;
 
  private:
   struct Share;

@@ -17,8 +17,8 @@ namespace {
 constexpr ElementProperty kLiveSink[] = {
     {"sync", "false"}, {"qos", "false"}, {"enable-last-sample", "false"}};
 
-// The card plays by the time stamps and its own clock. What comes late is not to make the converters drop
-// more.
+// The card plays by the time stamps and its own clock. With QoS a late picture would make the converters drop
+// the next ones too.
 constexpr ElementProperty kCardSink[] = {{"sync", "true"}, {"qos", "false"}, {"enable-last-sample", "false"}};
 
 GstCaps* pictureCaps(const DevicePicture& picture) {

@@ -94,7 +94,7 @@ void ShowPacedFeed::feedSound(DevicePipeline& pipeline) {
   count -= early;
   if (count == 0)
     return;
-  // What was left out becomes silence. A longer gap goes by unheard in the frames that were left out with it.
+  // What was left out becomes silence. Of a longer gap the time stamps tell.
   const qint64 silence = std::clamp<qint64>(first - soundEnd_, 0, kMostSilence);
   pairs_.insert(pairs_.begin(), 2 * static_cast<std::size_t>(silence), 0.0F);
   first -= silence;

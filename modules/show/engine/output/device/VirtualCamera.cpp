@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFile>
 #include <algorithm>
+#include <cerrno>
+#include <utility>
 
 namespace korvia {
 
@@ -15,13 +17,16 @@ namespace {
 // All video devices without hardware behind them; each folder is named like its device.
 constexpr const char* kVirtualDevices = "/sys/devices/virtual/video4linux";
 
-bool queryCapability(const QString& path, v4l2_capability& capability) {
+enum class Answer { Yes, No, NotAllowed };
+
+Answer askDevice(const QString& path) {
   const int file = open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
   if (file < 0)
-    return false;
-  const bool answered = ioctl(file, VIDIOC_QUERYCAP, &capability) == 0;
+    return errno == EACCES ? Answer::NotAllowed : Answer::No;
+  v4l2_capability capability{};
+  const bool isOne = ioctl(file, VIDIOC_QUERYCAP, &capability) == 0 && isVirtualCamera(capability);
   close(file);
-  return answered;
+  return isOne ? Answer::Yes : Answer::No;
 }
 
 }  // namespace
@@ -40,13 +45,17 @@ QString findVirtualCamera() {
   // By number: video2 before video10.
   std::stable_sort(names.begin(), names.end(),
                    [](const QString& left, const QString& right) { return left.size() < right.size(); });
+  QString notAllowed;
   for (const QString& name : std::as_const(names)) {
-    const QString path = QStringLiteral("/dev/") + name;
-    v4l2_capability capability{};
-    if (queryCapability(path, capability) && isVirtualCamera(capability))
+    QString path = QStringLiteral("/dev/") + name;
+    const Answer answer = askDevice(path);
+    if (answer == Answer::Yes)
       return path;
+    if (answer == Answer::NotAllowed && notAllowed.isEmpty())
+      notAllowed = std::move(path);
   }
-  return {};
+  // The sink tells of the missing permission.
+  return notAllowed;
 }
 
 }  // namespace korvia

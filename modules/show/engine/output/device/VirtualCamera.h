@@ -9,8 +9,8 @@ namespace korvia {
 /// Whether the device belongs to v4l2loopback and takes pictures.
 bool isVirtualCamera(const v4l2_capability& capability);
 
-/// The path of the first one under /dev; empty without one. Any thread; opens the devices in question, but
-/// none of real cameras, some of which switch a light on.
+/// The path of the first one under /dev, or else of a device that may be one and that the user may not open;
+/// empty without both. Any thread. Opens no real cameras, some of which switch a light on.
 QString findVirtualCamera();
 
 }  // namespace korvia

@@ -381,6 +381,7 @@ class DeviceRackTest : public QObject {
   }
 
   void aSlowDeviceLosesItsOwnFrames() {
+    const OutputLog log;
     Show show;
     show.open();
     show.startCamera();
@@ -398,6 +399,10 @@ class DeviceRackTest : public QObject {
     const QVector<int> numbers = notes().numbers();
     QVERIFY(std::is_sorted(numbers.begin(), numbers.end()));
     QVERIFY(numbers.last() - numbers.first() > numbers.size() + 50);
+    show.rack.close();
+    const auto dropped = numbers.last() - numbers.first() + 1 - numbers.size();
+    QTRY_COMPARE(
+        OutputLog::count(QString("the virtual camera does not keep up, %1 frames dropped").arg(dropped)), 1);
   }
 
   void aDeviceThatTakesNothingIsClosedAndTriedAgain() {

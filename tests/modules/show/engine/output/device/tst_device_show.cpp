@@ -138,17 +138,20 @@ class DeviceShowTest : public QObject {
     startNdi();
     QVERIFY(stepUntilPictures(5));
     QTRY_COMPARE(reports().first().state, KorviaShowTargetState::Up);
-    const SeenPicture before = notes().pictures().last();
-    const auto frames = static_cast<int>(frame_);
+    // How much further the sound of what has come goes than its pictures. The limiter keeps a little of it.
+    const auto lagMs = [] {
+      const QVector<qint64> sound = notes().soundPtsNs();
+      const qint64 pictureEndNs = notes().pictures().last().ptsNs + 40'000'000;
+      return sound.isEmpty() ? -1000 : (sound.last() - pictureEndNs) / 1'000'000;
+    };
+    QTRY_VERIFY(qAbs(lagMs()) <= 3);
+    const int count = notes().pictureCount();
     step(3);
-    QVERIFY(stepUntilPictures(notes().pictureCount() + 3));
+    QTRY_VERIFY(notes().pictureCount() >= count + 4 && qAbs(lagMs()) <= 3);
     // By their time stamps none is missing.
     const QVector<SeenPicture> pictures = notes().pictures();
     for (int i = 1; i < pictures.size(); ++i)
       QCOMPARE(pictures[i].ptsNs - pictures[i - 1].ptsNs, qint64(40'000'000));
-    QVERIFY(pictures.last().ptsNs > before.ptsNs);
-    QVERIFY(frame_ > frames);
-    QVERIFY(!notes().sound().isEmpty());
   }
 
   void theEndOfTheShowEndsTheDevices() {

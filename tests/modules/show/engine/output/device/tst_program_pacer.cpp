@@ -119,21 +119,18 @@ class ProgramPacerTest : public QObject {
   Q_OBJECT
 
  private:
-  /// The picture belongs to the sound that is played with it, within one frame of the show.
-  static void verifyTogether(const Seen& seen, FrameRate show) {
+  /// The picture belongs to the sound that is played with it, within so many frames of the show.
+  static void verifyTogether(const Seen& seen, FrameRate show, double mostFrames) {
     const double frame = kSampleRate / show.framesPerSecond();
-    double mean = 0;
     int count = 0;
     for (int i = 25; i < seen.numbers.size(); ++i) {
       if (seen.samples[i] < 0 || seen.numbers[i] < 0)
         continue;
       const double picture = (seen.samples[i] - Limiter::kLatencySamples) / frame - seen.numbers[i];
-      QVERIFY2(std::abs(picture) < 1.5, qPrintable(QString("%1 at picture %2").arg(picture).arg(i)));
-      mean += picture;
+      QVERIFY2(std::abs(picture) < mostFrames, qPrintable(QString("%1 at picture %2").arg(picture).arg(i)));
       ++count;
     }
     QVERIFY(count > 100);
-    QVERIFY2(std::abs(mean / count) <= 1, qPrintable(QString::number(mean / count)));
   }
 
  private slots:
@@ -172,7 +169,7 @@ class ProgramPacerTest : public QObject {
     QCOMPARE(simulation.pacer().droppedFrames(), qint64(0));
     const double rough = roughness(seen.tone, kToneHz);
     QVERIFY2(rough < 0.005, qPrintable(QString::number(rough)));
-    verifyTogether(seen, kRate);
+    verifyTogether(seen, kRate, 0.8);
   }
 
   void anotherRateRepeatsOrLeavesOutByTime_data() {
@@ -203,7 +200,8 @@ class ProgramPacerTest : public QObject {
         static_cast<double>(seen.numbers.last() - seen.numbers[25]) / (seen.numbers.size() - 26);
     QVERIFY(std::abs(mean - ratio) < 0.01);
     QCOMPARE(seen.silentPictures, 0);
-    verifyTogether(seen, showRate);
+    // The frames of the show do not begin with the pictures of the device.
+    verifyTogether(seen, showRate, 1.3);
   }
 
   void aStallOfTheShowHoldsThePictureAndGoesOn() {
