@@ -152,9 +152,11 @@ QString DeviceOutput::Share::feedUntilItFails(DevicePipeline& pipeline) {
   do {
     if (pipeline.hasFailed())
       return pipeline.failure();
+    // Asked before the feed, which may fill all the room that there is.
+    const bool hadRoom = pipeline.hasRoom();
     feed->feed(pipeline);
     const Clock::time_point now = Clock::now();
-    if (pipeline.hasRoom())
+    if (hadRoom)
       roomAt = now;
     else if (now - roomAt > times.stall)
       return QStringLiteral("the device takes no pictures");
@@ -202,11 +204,16 @@ DeviceOutput::DeviceOutput(const DeviceSettings& settings, const DevicePicture& 
   std::thread([share = share_] { run(share); }).detach();
 }
 
+void DeviceOutput::stop() {
+  MutexLock lock(share_->mutex);
+  share_->stop = true;
+  share_->changed.notify_all();
+}
+
 DeviceOutput::~DeviceOutput() {
+  stop();
   Share& share = *share_;
   MutexLock lock(share.mutex);
-  share.stop = true;
-  share.changed.notify_all();
   if (!share.changed.wait_for(lock, share.times.end,
                               [&share]() REQUIRES(share.mutex) { return share.ended; }))
     qCWarning(logOutput, "%s does not close, it is left behind", qPrintable(share.label));

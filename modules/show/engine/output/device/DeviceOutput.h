@@ -36,6 +36,9 @@ class DeviceOutput {
   DeviceOutput(const DeviceOutput&) = delete;
   DeviceOutput& operator=(const DeviceOutput&) = delete;
 
+  /// Begins to close the device, without waiting for that.
+  void stop();
+
   /// As in DeviceFeed.
   void pushSound(StereoSpan sound, qint64 nowNs);
   void pushFrame(const FrameRef& frame);

@@ -99,8 +99,11 @@ void DeviceRack::end(Place& place) {
     place.failure.clear();
     output = std::exchange(place.output, nullptr);
   }
-  if (output)
-    janitor_.dispose(std::move(output));
+  if (!output)
+    return;
+  // At once, because the janitor may wait for a recording before it comes to this.
+  output->stop();
+  janitor_.dispose(std::move(output));
 }
 
 void DeviceRack::push(const FrameRef& frame, int count) {

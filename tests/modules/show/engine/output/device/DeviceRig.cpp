@@ -58,6 +58,12 @@ gboolean startSink(GstBaseSink* base) {
   return notes().open(properties.trimmed()) ? TRUE : FALSE;
 }
 
+gboolean startSoundSink(GstBaseSink* base) {
+  if (notes().takesSoundAtOnce())
+    gst_base_sink_set_sync(base, FALSE);
+  return startSink(base);
+}
+
 gboolean stopSink(GstBaseSink*) {
   notes().close();
   return TRUE;
@@ -133,6 +139,7 @@ void initPictureClass(gpointer klass, gpointer) {
 
 void initSoundClass(gpointer klass, gpointer) {
   initSinkClass(klass, "audio/x-raw,format=S32LE,rate=48000,channels=2,layout=interleaved");
+  static_cast<GstBaseSinkClass*>(klass)->start = startSoundSink;
   static_cast<GstBaseSinkClass*>(klass)->render = renderSound;
 }
 

@@ -84,6 +84,7 @@ class DeviceNotes {
     properties_.clear();
     opens_ = closes_ = failures_ = 0;
     renderFails_ = false;
+    soundAtOnce_ = false;
     blocked_ = false;
     changed_.notify_all();
   }
@@ -116,6 +117,9 @@ class DeviceNotes {
   /// From now on devices hang with a picture.
   void block() { set(blocked_, true); }
   void release() { set(blocked_, false); }
+  /// Sound does not wait for its time, as with a card that has a large buffer for it.
+  void takeSoundAtOnce() { set(soundAtOnce_, true); }
+  bool takesSoundAtOnce() const { return locked(soundAtOnce_); }
   bool isHanging() const { return locked(hanging_) > 0; }
 
   // The stand-ins.
@@ -177,6 +181,7 @@ class DeviceNotes {
   int closes_ = 0;
   int failures_ = 0;
   bool renderFails_ = false;
+  bool soundAtOnce_ = false;
   bool blocked_ = false;
   int hanging_ = 0;
 };

@@ -1,6 +1,8 @@
 // Program on devices: what a virtual camera, NDI and a card get, and devices that are missing, fail, are slow
 // or hang. Elements of the test stand in for the devices.
 #include <QtTest>
+#include <future>
+#include <memory>
 #include <thread>
 
 #include "DeviceRig.h"
@@ -419,6 +421,34 @@ class DeviceRackTest : public QObject {
     QVERIFY(show.stepUntilPictures(notes().pictureCount() + 5));
     QTRY_COMPARE(show.state(), KorviaShowTargetState::Up);
     QCOMPARE(OutputLog::count("the device takes no pictures"), 1);
+  }
+
+  void aCardThatBuffersSoundIsNotTakenForStalled() {
+    Show show({20ms, 400ms, 2000ms});
+    notes().takeSoundAtOnce();
+    show.open();
+    show.startSdi();
+    QVERIFY(show.playUntil([&] { return show.state() == KorviaShowTargetState::Up; }));
+    const int opens = notes().opens();
+    const int pictures = notes().pictureCount();
+    QVERIFY(show.playUntil([&] { return notes().pictureCount() > pictures + 40; }));
+    QCOMPARE(notes().opens(), opens);
+    QCOMPARE(show.state(), KorviaShowTargetState::Up);
+  }
+
+  void aStopClosesTheDeviceWhileTheJanitorIsBusy() {
+    Show show;
+    show.open();
+    show.startNdi();
+    QVERIFY(show.stepUntilPictures(5));
+    // A recording that writes its end.
+    std::promise<void> written;
+    show.janitor.dispose(
+        std::shared_ptr<void>(nullptr, [end = written.get_future().share()](void*) { end.wait(); }));
+    const int closes = notes().closes();
+    show.rack.stopNdi(0);
+    QTRY_VERIFY(notes().closes() > closes);
+    written.set_value();
   }
 
   void aHangingDeviceHoldsNobodyUp() {
