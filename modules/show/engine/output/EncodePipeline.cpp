@@ -16,8 +16,9 @@ namespace {
 constexpr int kKeySeconds = 2;
 // On a buffer whose frame has to become a key frame.
 constexpr GstBufferFlags kKeyFrameFlag = GST_BUFFER_FLAG_MARKER;
-// The bitrate may vary over so long a time.
-constexpr int kBufferMs = 1000;
+// Of the rate control. A second never has more than its bits and about half a buffer, which stays within a
+// tenth of the bitrate.
+constexpr int kBufferMs = 150;
 
 GstCaps* rawCaps(const PictureEncoding& encoding, EncoderElement::Input input) {
   return gst_caps_new_simple(
@@ -36,6 +37,8 @@ guint64 valueOf(EncoderQuantity quantity, const PictureEncoding& encoding) {
                                          static_cast<guint64>(encoding.rate.denominator));
     case EncoderQuantity::BufferKbit:
       return static_cast<guint64>(encoding.kbps) * kBufferMs / 1000;
+    case EncoderQuantity::BufferMs:
+      return kBufferMs;
     case EncoderQuantity::Kbps:
       break;
   }

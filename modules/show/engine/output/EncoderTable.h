@@ -12,6 +12,7 @@ enum class EncoderQuantity {
   Kbps,
   KeyInterval,  ///< frames from key frame to key frame
   BufferKbit,   ///< of the rate control
+  BufferMs,
 };
 
 struct EncoderQuantityProperty {

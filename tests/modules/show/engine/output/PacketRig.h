@@ -30,6 +30,7 @@ class WriterNotes {
  public:
   QVector<qint64> ptsNs() const { return locked(ptsNs_); }
   QVector<bool> keyFrames() const { return locked(keyFrames_); }
+  QVector<qint64> bytes() const { return locked(bytes_); }
   TargetOutcome outcome() const { return locked(outcome_); }
   /// How often the target has asked whether it may go on.
   int checks() const { return locked(checks_); }
@@ -62,6 +63,7 @@ class WriterNotes {
   std::condition_variable changed_;  // all below guarded by mutex_
   QVector<qint64> ptsNs_;
   QVector<bool> keyFrames_;
+  QVector<qint64> bytes_;
   TargetOutcome outcome_;
   bool blocked_ = false;
   bool hanging_ = false;
@@ -88,6 +90,7 @@ class MemoryWriter : public TargetWriter {
     }
     notes_->ptsNs_.append(packet.ptsNs);
     notes_->keyFrames_.append(packet.keyFrame);
+    notes_->bytes_.append(packet.bytes);
     bytes_ += packet.bytes;
   }
   void end() override { progress_ = Progress::Ended; }
