@@ -25,6 +25,10 @@ inline void runBehind() {
   runAsBatch(kNice);
 }
 
+/// Of an output, which must not fall behind when the CPU is short: asks for a higher share than decoders and
+/// other programs have. Without the permission the share is an equal one.
+constexpr int kOutputNice = -5;
+
 /// Asks for a higher share of the CPU for the calling thread. Without the permission nothing changes.
 inline void runAhead() {
   constexpr int kNice = -15;
@@ -33,13 +37,13 @@ inline void runAhead() {
 
 /// For the synchronous handler of a bus, which runs on the thread that posts the message: gives the
 /// streaming threads of a pipeline the policy SCHED_BATCH when they begin.
-inline void batchStreamingThread(GstMessage* message) {
+inline void batchStreamingThread(GstMessage* message, int nice = 0) {
   if (GST_MESSAGE_TYPE(message) != GST_MESSAGE_STREAM_STATUS)
     return;
   GstStreamStatusType type{};
   gst_message_parse_stream_status(message, &type, nullptr);
   if (type == GST_STREAM_STATUS_TYPE_ENTER)
-    runAsBatch();
+    runAsBatch(nice);
 }
 
 }  // namespace korvia

@@ -82,7 +82,7 @@ void OutputPipeline::addProbe(GstElement* element, const char* padName, GstPadPr
 
 GstBusSyncReply OutputPipeline::onMessage(GstBus*, GstMessage* message, gpointer self) {
   const HappensBeforeScope scope(self);
-  batchStreamingThread(message);
+  batchStreamingThread(message, kOutputNice);
   auto* pipeline = static_cast<OutputPipeline*>(self);
   if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS) {
     pipeline->ended_ = true;

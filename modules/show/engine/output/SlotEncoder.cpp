@@ -164,7 +164,7 @@ EncoderFigures SlotEncoder::figures() const {
 
 void SlotEncoder::run() {
   nameThread("kv-encoder");
-  runAsBatch();
+  runAsBatch(kOutputNice);
   sinceMeasure_.start();
   Step result = Step::Continue;
   while (result == Step::Continue)

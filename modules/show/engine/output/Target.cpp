@@ -36,7 +36,7 @@ Target::Target(TargetSettings settings, std::unique_ptr<TargetWriter> writer)
     : share_(std::make_shared<TargetShare>(std::move(settings))),
       thread_([share = share_, writer = std::move(writer)]() mutable {
         nameThread(share->settings.threadName);
-        runAsBatch();
+        runAsBatch(kOutputNice);
         TargetWorker(std::move(share), std::move(writer)).run();
       }) {}
 
