@@ -19,8 +19,6 @@ constexpr GstBufferFlags kKeyFrameFlag = GST_BUFFER_FLAG_MARKER;
 // Of the rate control. A second never has more than its bits and about half a buffer, which stays within a
 // tenth of the bitrate.
 constexpr int kBufferMs = 150;
-// In a second: 1080p60, for which a thread of x264 needs most of a core.
-constexpr double kPixelsOfOneThread = 1920.0 * 1080 * 60;
 
 GstCaps* rawCaps(const PictureEncoding& encoding, EncoderElement::Input input) {
   return gst_caps_new_simple(
@@ -41,10 +39,6 @@ guint64 valueOf(EncoderQuantity quantity, const PictureEncoding& encoding) {
       return static_cast<guint64>(encoding.kbps) * kBufferMs / 1000;
     case EncoderQuantity::BufferMs:
       return kBufferMs;
-    case EncoderQuantity::Threads:
-      return encoding.rate.framesPerSecond() * encoding.size.width * encoding.size.height > kPixelsOfOneThread
-                 ? 2
-                 : 1;
     case EncoderQuantity::Kbps:
       break;
   }

@@ -13,7 +13,6 @@ enum class EncoderQuantity {
   KeyInterval,  ///< frames from key frame to key frame
   BufferKbit,   ///< of the rate control
   BufferMs,
-  Threads,  ///< as few as keep up
 };
 
 struct EncoderQuantityProperty {
