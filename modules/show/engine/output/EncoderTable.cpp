@@ -17,8 +17,9 @@ constexpr char kAnyProfile[] =
 // cuts do not make key frames, so that all GOPs have the same length, which segments of a stream need. Both
 // threads work on slices of one picture: with a picture for each thread the rate control does not yet know
 // the size of the picture before, and with a small buffer it stays a tenth below the bitrate. A single thread
-// would save a tenth of the time and stay below too. The wide tolerance leaves the limit to that buffer alone.
-// Sub-pixel refinement costs a seventh of the time and wins back the quality that the small buffer costs.
+// would save a tenth of the time and stay below too. The wide tolerance leaves the limit to that buffer
+// alone. Sub-pixel refinement costs a seventh of the time and wins back the quality that the small buffer
+// costs.
 constexpr ElementProperty kX264[] = {
     {"pass", "cbr"},
     {"speed-preset", "superfast"},

@@ -21,6 +21,8 @@ bool PipelineInlet::hasRoom() const {
 
 void PipelineInlet::push(GstBuffer* buffer) {
   ++pushed_;
+  // The streaming thread reads the buffer, which the lock of the queue hands over.
+  annotateHappensBefore(this);
   gst_app_src_push_buffer(source_, buffer);
 }
 

@@ -81,8 +81,7 @@ class ThreadsTest : public QObject {
     QTRY_VERIFY_WITH_TIMEOUT(isPlaying(), 10000);
 
     const QStringList outputs{"kv-encoder", "kv-record"};
-    const QStringList batch =
-        outputs + QStringList{"kv-source", "kv-raster", "kv-janitor", "kv-snapshot"};
+    const QStringList batch = outputs + QStringList{"kv-source", "kv-raster", "kv-janitor", "kv-snapshot"};
     const auto allThere = [&] {
       const QList<Thread> threads = otherThreads();
       return std::all_of(batch.begin(), batch.end(),

@@ -11,7 +11,7 @@
 namespace korvia {
 
 RetryingWriter::RetryingWriter(RetrySettings settings, MakeWriter make)
-    : settings_(std::move(settings)), make_(std::move(make)) {}
+    : settings_(std::move(settings)), make_(std::move(make)), probe_(settings_.probe) {}
 
 bool RetryingWriter::open(Wake wake) {
   wake_ = std::move(wake);
@@ -30,10 +30,11 @@ bool RetryingWriter::makeWriter() {
 
 void RetryingWriter::write(const Packet& packet) {
   if (!writer_) {
-    if (!retry_.hasExpired() && !(settings_.probe && settings_.probe->hasReturned()))
+    isTryOfProbe_ = !retry_.hasExpired();
+    if (isTryOfProbe_ && !(probe_ && probe_->hasReturned()))
       return;
-    if (settings_.probe)
-      settings_.probe->restart();
+    if (probe_)
+      probe_->hangUp();
     if (!makeWriter()) {
       lose(reason_);
       return;
@@ -61,6 +62,7 @@ void RetryingWriter::watch() {
     return;
   if (isUp() && !sinceUp_.isValid()) {
     sinceUp_.start();
+    probe_ = settings_.probe;
     lost_ = false;
     loggedReason_.clear();
     qCInfo(logOutput, "%s is up", qPrintable(settings_.label));
@@ -76,6 +78,10 @@ void RetryingWriter::watch() {
 void RetryingWriter::lose(const QString& reason) {
   if (sinceUp_.isValid() && sinceUp_.hasExpired(settings_.steadyMs))
     tries_ = 0;
+  if (isTryOfProbe_ && !isUp())
+    probe_.reset();
+  if (probe_)
+    probe_->restart();
   lostBytes_ += writer_->bytesWritten();
   writer_->close({true, reason, 0, 0});
   writer_.reset();

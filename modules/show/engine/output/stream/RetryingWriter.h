@@ -66,6 +66,10 @@ class RetryingWriter : public TargetWriter {
   QElapsedTimer sinceUp_;                 // valid while the writer is up
   QDeadlineTimer retry_;
   int tries_ = 0;  // in a row without a steady connection
+  // Null without one, and after it has misled until the next connection that is up: a server may refuse the
+  // stream, or take one connection only, which was that of the probe.
+  std::shared_ptr<ServerProbe> probe_;
+  bool isTryOfProbe_ = false;
   bool lost_ = false;
   bool ending_ = false;
   bool keyWanted_ = false;

@@ -28,9 +28,7 @@ ServerProbe::ServerProbe(const QString& host, int port, QByteArray greeting)
 
 void ServerProbe::restart() {
   hangUp();
-  sinceCall_.invalidate();
-  wasAway_ = false;
-  isThere_ = false;
+  sinceCall_.start();
 }
 
 void ServerProbe::hangUp() {
@@ -54,12 +52,10 @@ ServerProbe::Answer ServerProbe::ask() {
   pollfd state{socket_, static_cast<short>(isGreeted_ ? POLLIN : POLLOUT), 0};
   if (::poll(&state, 1, 0) == 0)
     return Answer::None;
+  if (isGreeted_)
+    return Answer::Yes;
   if (state.revents & (POLLERR | POLLHUP))
     return Answer::Refused;
-  if (isGreeted_) {
-    char first = 0;
-    return ::recv(socket_, &first, 1, 0) == 1 ? Answer::Yes : Answer::Refused;
-  }
   isGreeted_ = true;
   if (greeting_.isEmpty())
     return Answer::Yes;
@@ -69,23 +65,18 @@ ServerProbe::Answer ServerProbe::ask() {
 }
 
 bool ServerProbe::hasReturned() {
-  if (!address_ || isThere_)
+  if (!address_)
     return false;
-  if (socket_ < 0 && (!sinceCall_.isValid() || sinceCall_.hasExpired(kCallMs)))
+  if (socket_ < 0) {
+    if (!sinceCall_.hasExpired(kCallMs))
+      return false;
     call();
-  else if (socket_ < 0)
-    return false;
-  const Answer answer = ask();
-  if (answer == Answer::Yes) {
-    hangUp();
-    isThere_ = true;
-    return wasAway_;
   }
   // One that is frozen keeps the call, and answers to it when it runs again.
-  wasAway_ = wasAway_ || answer == Answer::Refused || sinceCall_.hasExpired(kCallMs);
-  if (answer == Answer::Refused)
+  const Answer answer = ask();
+  if (answer != Answer::None)
     hangUp();
-  return false;
+  return answer == Answer::Yes;
 }
 
 }  // namespace korvia

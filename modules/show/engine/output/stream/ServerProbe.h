@@ -1,6 +1,6 @@
 // Notices that a server is back that refused connections, or accepted them without an answer because it was
-// frozen. It asks the server once a second with a connection of its own, so that a push need not wait for its
-// next try, which is up to 10 s away. Thread of the target; never waits.
+// frozen. It calls the server once a second, so that a push need not wait for its next try, which is up to 10
+// s away. Thread of the target; never waits.
 #pragma once
 #include <netinet/in.h>
 
@@ -21,25 +21,23 @@ class ServerProbe {
   ServerProbe(const ServerProbe&) = delete;
   ServerProbe& operator=(const ServerProbe&) = delete;
 
-  /// The wait is over: hangs up, and forgets what was found.
+  /// A wait begins. The first call comes a second later.
   void restart();
-  /// True when the server answers and did not before in this wait. A server that answered from the beginning
-  /// refuses the stream for another reason and is left to the usual waits.
+  /// The server answers, also when it hangs up at once.
   bool hasReturned();
+  /// The wait is over.
+  void hangUp();
 
  private:
   enum class Answer { None, Yes, Refused };
 
   void call();
   Answer ask();
-  void hangUp();
 
   std::optional<sockaddr_in> address_;
   const QByteArray greeting_;
   int socket_ = -1;
   bool isGreeted_ = false;
-  bool wasAway_ = false;
-  bool isThere_ = false;  // and was from the beginning
   QElapsedTimer sinceCall_;
 };
 

@@ -132,14 +132,19 @@ class OutputRackTest : public QObject {
     format.video.height = kSize.height;
     QTest::ignoreMessage(QtInfoMsg, "the stream shares the encoder of the recording");
     rack_->start(OutputSlotStream, param, {}, format);
-    const auto isUp = [&] {
+    // At the pace of a show, since no frame may be dropped.
+    const auto pushAtPace = [&] {
+      QTest::qWait(40);
       push(1);
+    };
+    const auto isUp = [&] {
+      pushAtPace();
       return report(OutputSlotStream).targets[0].state == KorviaShowTargetState::Up;
     };
     QVERIFY(QTest::qWaitFor(isUp, 20'000));
     rack_->stop(OutputSlotStream, OutputKindStream);
     const auto isFinished = [&] {
-      push(1);
+      pushAtPace();
       return report(OutputSlotStream).state == KorviaShowOutputState::Finished;
     };
     QVERIFY(QTest::qWaitFor(isFinished, 20'000));

@@ -117,8 +117,29 @@ class PushTargetTest : public QObject {
     settings.retry.longestMs = 60'000;
     LiveSlot live({std::make_shared<PushTarget>(settings)});
     QVERIFY(live.waitFor(KorviaShowTargetState::Lost));
-    QTRY_COMPARE(connections, 2);  // the push and the probe
-    QVERIFY(!QTest::qWaitFor([&] { return connections > 2; }, 2500));
+    QTRY_COMPARE(connections, 3);  // the push, the probe, and the try that it causes
+    QVERIFY(!QTest::qWaitFor([&] { return connections > 3; }, 2500));
+  }
+
+  void aServerThatTakesOneConnectionIsProbedOnce() {
+    // As ffmpeg does that waits for a stream: it ends with its first connection.
+    const int port = freePort();
+    PushSettings settings = settingsFor(QString("rtmp://127.0.0.1:%1/live/program").arg(port));
+    settings.retry.firstMs = 60'000;
+    settings.retry.longestMs = 60'000;
+    LiveSlot live({std::make_shared<PushTarget>(settings)});
+    QVERIFY(live.waitFor(KorviaShowTargetState::Lost));
+    const auto listenOnce = [port](int timeoutMs) {
+      QTcpServer server;
+      return server.listen(QHostAddress::LocalHost, static_cast<quint16>(port)) &&
+             server.waitForNewConnection(timeoutMs);
+    };
+    // It was away for more than a call of the probe.
+    QTest::qWait(2500);
+    QVERIFY(listenOnce(3000));
+    QTRY_VERIFY(live.report().retrySeconds > 50);
+    QTest::qWait(2500);
+    QVERIFY(!listenOnce(3000));
   }
 
   void stampsBeginAt0AfterAReconnect() {
