@@ -116,6 +116,12 @@ RecordingSettings settingsFor(const QTemporaryDir& folder, int encapsulation) {
   return settings;
 }
 
+/// Of interleaved stereo.
+double secondsOf(const std::vector<float>& sound) {
+  const std::size_t samples = sound.size() / 2;
+  return static_cast<double>(samples) / kSampleRate;
+}
+
 }  // namespace
 
 class RecordedSoundTest : public QObject {
@@ -153,7 +159,7 @@ class RecordedSoundTest : public QObject {
     for (qint64 place : {4'800, 72'000, 130'000})
       QVERIFY2(std::abs(delayAt(decoded, place)) <= 1, qPrintable(QString::number(delayAt(decoded, place))));
     // The end of the sound is within a frame of the end of the picture.
-    const double seconds = static_cast<double>(decoded.size() / 2) / kSampleRate;
+    const double seconds = secondsOf(decoded);
     QVERIFY2(std::abs(seconds - kFrames / 25.0) <= 0.04, qPrintable(QString::number(seconds)));
     QVERIFY(std::abs(loudest(decoded, 0) - 0.4) < 0.05);
     QVERIFY(std::abs(loudest(decoded, 1) - 0.2) < 0.03);
@@ -195,7 +201,7 @@ class RecordedSoundTest : public QObject {
     for (qint64 place : {9'600, 48'000, 81'600})
       QVERIFY2(std::abs(delayAt(decoded, place, begin)) <= 48,
                qPrintable(QString::number(delayAt(decoded, place, begin))));
-    const double seconds = lead + static_cast<double>(decoded.size() / 2) / kSampleRate;
+    const double seconds = lead + secondsOf(decoded);
     QVERIFY2(std::abs(seconds - (kEnd - kFirst) / 25.0) <= 0.04, qPrintable(QString::number(seconds)));
     QCOMPARE(VideoJudge::judge(first.fileName()).frames, kFrames);
     const std::vector<float> whole = decodeSound(first.fileName());
