@@ -15,6 +15,7 @@
 #include "engine/source/GstInit.h"
 #include "support/AllocationCounter.h"
 #include "support/Holdings.h"
+#include "support/LogLines.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -59,34 +60,6 @@ GstElement* makeSink(const char* properties, Heard* heard) {
   gst_object_unref(sink);
   return GST_ELEMENT(gst_object_ref_sink(bin));
 }
-
-/// The lines of the log about devices.
-class DeviceLog {
- public:
-  DeviceLog() {
-    lines().clear();
-    old_ = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
-      const MutexLock lock(mutex());
-      lines() << text;
-    });
-  }
-  ~DeviceLog() { qInstallMessageHandler(old_); }
-  static int count(const QString& part) {
-    const MutexLock lock(mutex());
-    return lines().filter(part).size();
-  }
-
- private:
-  static Mutex& mutex() {
-    static Mutex one;
-    return one;
-  }
-  static QStringList& lines() {
-    static QStringList all;
-    return all;
-  }
-  QtMessageHandler old_ = nullptr;
-};
 
 }  // namespace
 
@@ -185,31 +158,31 @@ class SoundDeviceTest : public QObject {
   }
 
   void aMissingDeviceIsTriedAgainAndToldOfOnce() {
-    const DeviceLog log;
+    const LogLines log;
     Heard heard;
     std::atomic<int> tries{0};
     const auto make = [&]() -> GstElement* { return ++tries <= 5 ? nullptr : makeSink("", &heard); };
     SoundDevice device("preview on \"Room\"", kRate, make, kSoon);
     QVERIFY(playUntil(device, [&] { return heard.left > 0.49F; }));
-    QCOMPARE(DeviceLog::count("preview on \"Room\" is silent : no such sound device"), 1);
+    QCOMPARE(LogLines::count("preview on \"Room\" is silent : no such sound device"), 1);
     QCOMPARE(tries, 6);
-    QTRY_COMPARE(DeviceLog::count("preview on \"Room\" is heard again"), 1);
+    QTRY_COMPARE(LogLines::count("preview on \"Room\" is heard again"), 1);
   }
 
   void aDeviceThatFailsIsTriedAgain() {
-    const DeviceLog log;
+    const LogLines log;
     Heard heard;
     std::atomic<int> tries{0};
     const auto make = [&] { return makeSink(++tries <= 3 ? "error-after=8" : "", &heard); };
     SoundDevice device("program", kRate, make, kSoon);
     QVERIFY(playUntil(device, [&] { return tries == 4 && heard.left > 0.49F; }));
     // A device that comes and goes is told of each time that it has played.
-    QVERIFY(DeviceLog::count("program is silent : ") >= 1);
-    QVERIFY(DeviceLog::count("program is silent : ") <= 3);
+    QVERIFY(LogLines::count("program is silent : ") >= 1);
+    QVERIFY(LogLines::count("program is silent : ") <= 3);
   }
 
   void aHangingDeviceHoldsNobodyUp() {
-    const DeviceLog log;
+    const LogLines log;
     // Released when the device is gone, and alive for the thread that is left behind.
     static std::binary_semaphore gate{0};
     static std::atomic<bool> left{false};
@@ -226,7 +199,7 @@ class SoundDeviceTest : public QObject {
     QVERIFY(clock.elapsed() < 500);
     device.reset();
     QVERIFY(clock.elapsed() < 1500);
-    QCOMPARE(DeviceLog::count("program does not close, it is left behind"), 1);
+    QCOMPARE(LogLines::count("program does not close, it is left behind"), 1);
     gate.release();
     QTRY_VERIFY(left);
   }

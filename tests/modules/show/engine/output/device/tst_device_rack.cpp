@@ -11,6 +11,7 @@
 #include "engine/output/device/DevicePacedFeed.h"
 #include "engine/output/device/DeviceRack.h"
 #include "support/AllocationCounter.h"
+#include "support/LogLines.h"
 
 using namespace korvia;
 using namespace korvia::test;
@@ -26,34 +27,6 @@ constexpr DeviceOutput::Times kSoon{20ms, 10'000ms, 2000ms};
 DeviceNotes& notes() {
   return DeviceNotes::instance();
 }
-
-/// The lines of the log about outputs.
-class OutputLog {
- public:
-  OutputLog() {
-    lines().clear();
-    old_ = qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
-      const MutexLock lock(mutex());
-      lines() << text;
-    });
-  }
-  ~OutputLog() { qInstallMessageHandler(old_); }
-  static int count(const QString& part) {
-    const MutexLock lock(mutex());
-    return lines().filter(part).size();
-  }
-
- private:
-  static Mutex& mutex() {
-    static Mutex one;
-    return one;
-  }
-  static QStringList& lines() {
-    static QStringList all;
-    return all;
-  }
-  QtMessageHandler old_ = nullptr;
-};
 
 /// A rack with an open show, and the engine that feeds it.
 class Show {
@@ -149,7 +122,7 @@ class DeviceRackTest : public QObject {
   void init() { installStandIns(); }
 
   void aVirtualCameraGetsEveryFrameInOrder() {
-    const OutputLog log;
+    const LogLines log;
     Show show;
     show.open();
     show.startCamera();
@@ -161,7 +134,7 @@ class DeviceRackTest : public QObject {
     QVERIFY(notes().caps().contains("framerate=(fraction)25/1"));
     QTRY_COMPARE(show.state(), KorviaShowTargetState::Up);
     QVERIFY(show.report().reason.isEmpty());
-    QCOMPARE(OutputLog::count("the virtual camera is up"), 1);
+    QCOMPARE(LogLines::count("the virtual camera is up"), 1);
   }
 
   void ndiGetsEveryFrameWithItsSound() {
@@ -235,14 +208,14 @@ class DeviceRackTest : public QObject {
   }
 
   void anUnknownFormatIsToldAndOpensNothing() {
-    const OutputLog log;
+    const LogLines log;
     Show show;
     show.param.items[0].sdiFormat = "1080p26";
     show.open();
     show.startSdi();
     QCOMPARE(show.state(), KorviaShowTargetState::Failed);
     QCOMPARE(show.report().reason, QString("the output format \"1080p26\" is unknown"));
-    QCOMPARE(OutputLog::count("SDI card 0 does not run : the output format \"1080p26\" is unknown"), 1);
+    QCOMPARE(LogLines::count("SDI card 0 does not run : the output format \"1080p26\" is unknown"), 1);
     show.step();
     QCOMPARE(notes().opens(), 0);
     // The right one replaces it.
@@ -253,14 +226,14 @@ class DeviceRackTest : public QObject {
   }
 
   void aSignalThatCannotBeSetIsToldOf() {
-    const OutputLog log;
+    const LogLines log;
     Show show;
     show.open();
     show.startSdi();
-    QCOMPARE(OutputLog::count("output signal"), 0);
+    QCOMPARE(LogLines::count("output signal"), 0);
     show.param.items[0].sdiSignal = "HDMI";
     show.startSdi();
-    QCOMPARE(OutputLog::count("the output signal \"HDMI\" cannot be set"), 1);
+    QCOMPARE(LogLines::count("the output signal \"HDMI\" cannot be set"), 1);
   }
 
   void aStartWithTheSameSettingsInterruptsNothing() {
@@ -322,7 +295,7 @@ class DeviceRackTest : public QObject {
   }
 
   void aMissingPluginIsToldOfOnceAndFoundLater() {
-    const OutputLog log;
+    const LogLines log;
     Show show(kSoon, {});
     removeStandIn("ndisink");
     show.open();
@@ -333,17 +306,17 @@ class DeviceRackTest : public QObject {
     QCOMPARE(ndi().reason, QString("the GStreamer plugin ndi is not installed"));
     // The two are tried equally often.
     QTRY_VERIFY(*show.tries > 5);
-    QCOMPARE(OutputLog::count("the GStreamer plugin ndi is not installed"), 1);
-    QCOMPARE(OutputLog::count("NDI \"Studio\" is lost"), 1);
+    QCOMPARE(LogLines::count("the GStreamer plugin ndi is not installed"), 1);
+    QCOMPARE(LogLines::count("NDI \"Studio\" is lost"), 1);
     installStandIn("ndisink");
     QVERIFY(show.stepUntilPictures(10));
     QTRY_COMPARE(ndi().state, KorviaShowTargetState::Up);
     QVERIFY(ndi().reason.isEmpty());
-    QVERIFY(show.playUntil([] { return OutputLog::count("NDI \"Studio\" is up") == 1; }));
+    QVERIFY(show.playUntil([] { return LogLines::count("NDI \"Studio\" is up") == 1; }));
   }
 
   void withoutTheKernelModuleThereIsNoVirtualCamera() {
-    const OutputLog log;
+    const LogLines log;
     Show show(kSoon, {});
     show.open();
     show.startCamera();
@@ -351,12 +324,12 @@ class DeviceRackTest : public QObject {
     const QString reason("no device, the kernel module v4l2loopback is not loaded");
     QCOMPARE(show.report().reason, reason);
     QTRY_VERIFY(*show.tries > 5);
-    QCOMPARE(OutputLog::count("the virtual camera is lost : " + reason), 1);
+    QCOMPARE(LogLines::count("the virtual camera is lost : " + reason), 1);
     QCOMPARE(notes().opens(), 0);
   }
 
   void aDeviceThatDoesNotOpenIsTriedAgain() {
-    const OutputLog log;
+    const LogLines log;
     Show show;
     notes().failOpens(5);
     show.open();
@@ -365,11 +338,11 @@ class DeviceRackTest : public QObject {
     QCOMPARE(show.report().reason, QString("the card 0 does not open, it has no driver or is in use"));
     QVERIFY(show.playUntil([] { return notes().pictureCount() > 2; }));
     QTRY_COMPARE(show.state(), KorviaShowTargetState::Up);
-    QCOMPARE(OutputLog::count("SDI card 0 is lost"), 1);
+    QCOMPARE(LogLines::count("SDI card 0 is lost"), 1);
   }
 
   void aDeviceThatFailsIsTriedAgain() {
-    const OutputLog log;
+    const LogLines log;
     Show show({5000ms, 10'000ms, 2000ms});
     show.open();
     show.startCamera();
@@ -379,11 +352,11 @@ class DeviceRackTest : public QObject {
     QTRY_COMPARE(show.state(), KorviaShowTargetState::Lost);
     QCOMPARE(show.report().reason, QString("the cable is out"));
     QVERIFY(show.report().retrySeconds > 0 && show.report().retrySeconds <= 5);
-    QCOMPARE(OutputLog::count("the virtual camera is lost : the cable is out"), 1);
+    QCOMPARE(LogLines::count("the virtual camera is lost : the cable is out"), 1);
   }
 
   void aSlowDeviceLosesItsOwnFrames() {
-    const OutputLog log;
+    const LogLines log;
     Show show;
     show.open();
     show.startCamera();
@@ -404,11 +377,11 @@ class DeviceRackTest : public QObject {
     show.rack.close();
     const auto dropped = numbers.last() - numbers.first() + 1 - numbers.size();
     QTRY_COMPARE(
-        OutputLog::count(QString("the virtual camera does not keep up, %1 frames dropped").arg(dropped)), 1);
+        LogLines::count(QString("the virtual camera does not keep up, %1 frames dropped").arg(dropped)), 1);
   }
 
   void aDeviceThatTakesNothingIsClosedAndTriedAgain() {
-    const OutputLog log;
+    const LogLines log;
     Show show({20ms, 200ms, 2000ms});
     show.open();
     show.startCamera();
@@ -420,7 +393,7 @@ class DeviceRackTest : public QObject {
     QTRY_COMPARE(notes().opens(), 2);
     QVERIFY(show.stepUntilPictures(notes().pictureCount() + 5));
     QTRY_COMPARE(show.state(), KorviaShowTargetState::Up);
-    QCOMPARE(OutputLog::count("the device takes no pictures"), 1);
+    QCOMPARE(LogLines::count("the device takes no pictures"), 1);
   }
 
   void aCardThatBuffersSoundIsNotTakenForStalled() {
@@ -452,7 +425,7 @@ class DeviceRackTest : public QObject {
   }
 
   void aHangingDeviceHoldsNobodyUp() {
-    const OutputLog log;
+    const LogLines log;
     QElapsedTimer clock;
     {
       Show show({20ms, 10'000ms, 200ms});
@@ -469,7 +442,7 @@ class DeviceRackTest : public QObject {
       QVERIFY(clock.elapsed() < 1000);
     }
     QVERIFY(clock.elapsed() < 3000);
-    QCOMPARE(OutputLog::count("the virtual camera does not close, it is left behind"), 1);
+    QCOMPARE(LogLines::count("the virtual camera does not close, it is left behind"), 1);
     notes().release();
     QTRY_COMPARE(notes().closes(), 1);
   }
