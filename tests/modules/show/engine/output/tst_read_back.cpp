@@ -28,6 +28,32 @@ RecordingSettings settingsFor(const QString& folder, int encapsulation) {
   return settings;
 }
 
+/// A recording that is checked ten times a second, and frames for it.
+class GuardedRecording {
+ public:
+  explicit GuardedRecording(RecordingSettings settings) : recording_(guarded(std::move(settings))) {}
+
+  Recording& operator*() { return recording_; }
+  tagKorviaShowOutputReport report() { return recording_.slot().report(); }
+  int pushed() const { return pushed_; }
+  /// Feeds one frame after the other until the condition holds.
+  template <typename Condition>
+  bool feedUntil(Condition condition, int timeoutMs = kFinishMs) {
+    return QTest::qWaitFor([&] { return feedFrames(recording_.slot(), pool_, pushed_++, 1) && condition(); },
+                           timeoutMs);
+  }
+
+ private:
+  static RecordingSettings guarded(RecordingSettings settings) {
+    settings.file.guardInterval = std::chrono::milliseconds(100);
+    return settings;
+  }
+
+  Recording recording_;
+  FramePool pool_{kSize};
+  int pushed_ = 0;
+};
+
 void append(const QString& fileName, const QByteArray& bytes) {
   QFile file(fileName);
   QVERIFY(file.open(QIODevice::Append));
@@ -53,95 +79,64 @@ class ReadBackTest : public QObject {
   void recordingIsVerifiedWhileItGrows() {
     QFETCH(int, encapsulation);
     QTemporaryDir folder;
-    RecordingSettings settings = settingsFor(folder.path(), encapsulation);
-    settings.file.guardInterval = std::chrono::milliseconds(100);
-    Recording recording(settings);
-    FramePool pool(kSize);
-    QCOMPARE(recording.slot().report().verifiedMs, qint64(-1));
-    int pushed = 0;
-    const auto isVerifiedTo = [&](qint64 ms) {
-      return QTest::qWaitFor(
-          [&] {
-            return feedFrames(recording.slot(), pool, pushed++, 1) &&
-                   recording.slot().report().verifiedMs >= ms;
-          },
-          kFinishMs);
-    };
-    QVERIFY(isVerifiedTo(1000));
-    QVERIFY(isVerifiedTo(3000));
-    const tagKorviaShowOutputReport report = recording.slot().report();
+    GuardedRecording recording(settingsFor(folder.path(), encapsulation));
+    QCOMPARE(recording.report().verifiedMs, qint64(-1));
+    for (const qint64 ms : {1000, 3000})
+      QVERIFY(recording.feedUntil([&] { return recording.report().verifiedMs >= ms; }));
+    const tagKorviaShowOutputReport report = recording.report();
     QCOMPARE(report.warning, QString());
-    QVERIFY(report.verifiedMs <= pushed * 40);
-    recording.finish();
-    QVERIFY(recording.waitFinished(kFinishMs));
-    QCOMPARE(recording.slot().report().warning, QString());
+    QVERIFY(report.verifiedMs <= recording.pushed() * 40);
+    (*recording).finish();
+    QVERIFY((*recording).waitFinished(kFinishMs));
+    QCOMPARE(recording.report().warning, QString());
   }
 
   void allFilesOfARecordingAreVerified() {
     QTemporaryDir folder;
     RecordingSettings settings = settingsFor(folder.path(), EncapsulationMp4);
-    settings.file.guardInterval = std::chrono::milliseconds(100);
     settings.file.cutNs = 2'000'000'000;
-    Recording recording(settings);
-    FramePool pool(kSize);
-    int pushed = 0;
+    GuardedRecording recording(settings);
     qint64 verifiedMs = -1;
-    const auto reaches = [&](qint64 ms) {
-      feedFrames(recording.slot(), pool, pushed++, 1);
-      const qint64 now = recording.slot().report().verifiedMs;
-      if (now < verifiedMs)
-        return false;
+    bool grows = true;
+    const auto isFarEnough = [&] {
+      const qint64 now = recording.report().verifiedMs;
+      grows = grows && now >= verifiedMs;
       verifiedMs = now;
-      return verifiedMs >= ms;
+      return verifiedMs >= 5000;
     };
-    QVERIFY(QTest::qWaitFor([&] { return reaches(5000); }, 2 * kFinishMs));
-    QVERIFY(verifiedMs <= pushed * 40);
+    QVERIFY(recording.feedUntil(isFarEnough, 2 * kFinishMs));
+    QVERIFY(grows);
+    QVERIFY(verifiedMs <= recording.pushed() * 40);
     QVERIFY(QDir(folder.path()).entryList(QDir::Files).size() >= 3);
-    QCOMPARE(recording.slot().report().warning, QString());
+    QCOMPARE(recording.report().warning, QString());
   }
 
   void fileThatIsGoneIsReported() {
     QTemporaryDir folder;
-    RecordingSettings settings = settingsFor(folder.path(), EncapsulationTs);
-    settings.file.guardInterval = std::chrono::milliseconds(100);
-    Recording recording(settings);
-    FramePool pool(kSize);
-    int pushed = 0;
-    const auto feedUntil = [&](auto condition) {
-      return QTest::qWaitFor([&] { return feedFrames(recording.slot(), pool, pushed++, 1) && condition(); },
-                             kFinishMs);
-    };
-    QVERIFY(feedUntil([&] { return recording.slot().report().verifiedMs > 0; }));
+    GuardedRecording recording(settingsFor(folder.path(), EncapsulationTs));
+    QVERIFY(recording.feedUntil([&] { return recording.report().verifiedMs > 0; }));
     QTest::ignoreMessage(
         QtWarningMsg,
         QRegularExpression("what was written to \".*take.ts\" cannot be read back : the file cannot"));
-    QVERIFY(QFile::remove(recording.fileName()));
-    QVERIFY(feedUntil([&] { return !recording.slot().report().warning.isEmpty(); }));
+    QVERIFY(QFile::remove((*recording).fileName()));
+    QVERIFY(recording.feedUntil([&] { return !recording.report().warning.isEmpty(); }));
     // The recording itself goes on.
-    QCOMPARE(recording.slot().report().state, KorviaShowOutputState::Running);
+    QCOMPARE(recording.report().state, KorviaShowOutputState::Running);
   }
 
   void fileThatStandsStillIsReported() {
     QTemporaryDir folder;
-    RecordingSettings settings = settingsFor(folder.path(), EncapsulationMkv);
-    settings.file.guardInterval = std::chrono::milliseconds(100);
-    Recording recording(settings);
-    FramePool pool(kSize);
-    int pushed = 0;
-    const auto feedUntil = [&](auto condition) {
-      return QTest::qWaitFor([&] { return feedFrames(recording.slot(), pool, pushed++, 1) && condition(); },
-                             2 * kFinishMs);
-    };
-    QVERIFY(feedUntil([&] { return recording.slot().report().verifiedMs > 0; }));
+    GuardedRecording recording(settingsFor(folder.path(), EncapsulationMkv));
+    QVERIFY(recording.feedUntil([&] { return recording.report().verifiedMs > 0; }));
     // The recording goes on in the file of the other name.
     const QString other = folder.filePath("other");
-    QVERIFY(QFile::rename(recording.fileName(), other));
+    QVERIFY(QFile::rename((*recording).fileName(), other));
     QTest::ignoreMessage(
         QtWarningMsg, QRegularExpression(
                           "what was written to \".*take.mkv\" cannot be read back : the file does not grow"));
-    QVERIFY(QFile::copy(other, recording.fileName()));
-    QVERIFY(feedUntil([&] { return !recording.slot().report().warning.isEmpty(); }));
-    QCOMPARE(recording.slot().report().warning, QString("the file does not grow"));
+    QVERIFY(QFile::copy(other, (*recording).fileName()));
+    QVERIFY(recording.feedUntil([&] { return !recording.report().warning.isEmpty(); }, 2 * kFinishMs));
+    QCOMPARE(recording.report().warning, QString("the file does not grow"));
   }
 
   void damagedFragmentsAreFound_data() {
