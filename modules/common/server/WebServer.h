@@ -1,22 +1,21 @@
-// Shows the status board in the browser of the operator: "/status.json" and a page at "/", and serves the
-// segments of the stream to its players, on loopback only. The interface is called on the console thread; a
-// thread of libmicrohttpd answers the requests.
+// The web server of the console: the operator's page, the state of the show, pictures, events and commands,
+// and the segments of the stream. The interface is called on the console thread; libmicrohttpd answers the
+// requests on a thread of its own for each address.
 #pragma once
-#include <QByteArray>
-#include <QElapsedTimer>
-#include <list>
+#include <memory>
+#include <vector>
 
+#include "ConnectionTable.h"
 #include "IKorviaWebServer.h"
-#include "ThreadSafety.h"
+#include "RequestRouter.h"
 
 struct MHD_Daemon;
-struct MHD_Connection;
 
 namespace korvia {
 
 class WebServer : public IKorviaWebServer {
  public:
-  WebServer();
+  WebServer() = default;
   virtual ~WebServer();
   WebServer(const WebServer&) = delete;
   WebServer& operator=(const WebServer&) = delete;
@@ -28,33 +27,20 @@ class WebServer : public IKorviaWebServer {
   void close() override;
   void serveSegments(const QString& path, const QString& folder) override;
 
-  /// Answers one request. Server thread.
-  int answer(MHD_Connection* connection, const char* url, const char* method);
-
-  /// Both keep the list of connections. When there are too many, the oldest is shut down, so that clients
-  /// which never finish a request cannot block others. Server thread.
-  void onConnectionStarted(MHD_Connection* connection);
-  void onConnectionClosed(MHD_Connection* connection);
+  // Server thread.
+  ConnectionTable& connections() { return *connections_; }
+  RequestRouter& router() { return *router_; }
 
  private:
-  struct Segments {
-    QString path;    // with one slash in front and none at its end
-    QString folder;  // of this machine; empty when there is none
-  };
+  void onTick();
+  bool startDaemons(const std::vector<int>& sockets);
 
-  QByteArray statusJson() const;
-  /// The file of the segments under a path; -1 for anything else. The caller closes it.
-  int openSegment(const QString& path) const EXCLUDES(mutex_);
-
-  // Set before the thread of the server starts and constant while it runs.
-  QByteArray page_;
-  QByteArray pagePolicy_;  // content security policy that allows the page's own script and style
-  QElapsedTimer uptime_;
-  MHD_Daemon* daemon_ = nullptr;
-  mutable Mutex mutex_;
-  Segments segments_ GUARDED_BY(mutex_);
-  // Open connections, the oldest first. Server thread only.
-  std::list<MHD_Connection*> connections_;
+  std::unique_ptr<ConnectionTable> connections_;  // while the server is open
+  std::unique_ptr<RequestRouter> router_;         // while the server is open
+  std::vector<MHD_Daemon*> daemons_;
+  QString segmentPath_;
+  QString segmentFolder_;
+  int ticks_ = 0;  // thread of the connection table
 };
 
 }  // namespace korvia
