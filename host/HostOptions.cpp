@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "HomeFolder.h"
+#include "ListenPlace.h"
 
 namespace {
 
@@ -25,6 +26,10 @@ const QCommandLineOption kOpen("open",
 const QCommandLineOption kExitAfter("exit-after", "Closes in the orderly way after this time.", "SECONDS");
 const QCommandLineOption kScreenshot("screenshot",
                                      "Writes a picture of the window (png, jpg, bmp) at the exit.", "FILE");
+const QCommandLineOption kListen("listen",
+                                 "Lets other machines reach the servers at this IPv4 address of the machine, "
+                                 "0.0.0.0 for all of them. Default: this machine alone",
+                                 "ADDRESS");
 const QCommandLineOption kSize("size", "Size of the window in pixels.", "WxH");
 
 /// Reads one option's value into `options`. Returns why the value is refused, or an empty text.
@@ -104,6 +109,13 @@ QString readSize(const QString& value, HostOptions& options) {
   return QString();
 }
 
+QString readListen(const QString& value, HostOptions& options) {
+  if (!korvia::isListenAddress(value))
+    return QStringLiteral("\"%1\" is no IPv4 address such as 192.0.2.1").arg(value);
+  options.listenAddress = value;
+  return QString();
+}
+
 struct OptionReader {
   const QCommandLineOption& option;
   Reader read;
@@ -111,7 +123,7 @@ struct OptionReader {
 
 const OptionReader kReaders[] = {
     {kRoot, readRoot},           {kEngine, readEngine},         {kTrace, readTrace}, {kOpen, readOpen},
-    {kExitAfter, readExitAfter}, {kScreenshot, readScreenshot}, {kSize, readSize},
+    {kExitAfter, readExitAfter}, {kScreenshot, readScreenshot}, {kSize, readSize},   {kListen, readListen},
 };
 
 HostCommandLine answer(HostCommandLine::Outcome outcome, const QString& text) {

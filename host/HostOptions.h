@@ -14,7 +14,8 @@ struct HostOptions {
   QVariantMap openFiles;  ///< decimal number of a media channel to the absolute path of a film or picture
   std::optional<double> exitAfterS;
   QString screenshotFile;
-  QSize size;  ///< invalid for the console's own choice
+  QString listenAddress;  ///< numeric IPv4 address for other machines; empty for this machine alone
+  QSize size;             ///< invalid for the console's own choice
 
   /// Why `openFiles` does not fit a show of so many media channels; empty when it fits.
   QString channelRefusal(int mediaChannels) const;

@@ -15,6 +15,7 @@
 #include "HostOptions.h"
 #include "HostSession.h"
 #include "IProgressSink.h"
+#include "ListenPlace.h"
 #include "ProductRecord.h"
 #include "ShowDataPath.h"
 #include "ShowDataSetup.h"
@@ -53,6 +54,14 @@ void publish(const HostOptions& options) {
     qputenv("KORVIA_ENGINE", options.engine.toLocal8Bit());
   if (!options.traceFile.isEmpty())
     qputenv("KORVIA_TRACE", QFile::encodeName(options.traceFile));
+  // Nothing but the switch opens the machine to others.
+  if (options.listenAddress.isEmpty())
+    qunsetenv(korvia::kListenVariable);
+  else
+    qputenv(korvia::kListenVariable, options.listenAddress.toLatin1());
+  if (korvia::listensToOthers())
+    qCWarning(lcSession, "listening on %s, other machines reach the servers",
+              qUtf8Printable(options.listenAddress));
   qApp->setProperty("korviaOpen", options.openFiles);
 }
 

@@ -40,6 +40,8 @@ class FakeConsole : public QWidget, public IMainFrame, public IKorviaSarnhawk {
     say("title " + productText(product->title));
     say("engine " + qEnvironmentVariable("KORVIA_ENGINE"));
     say("trace " + qEnvironmentVariable("KORVIA_TRACE"));
+    if (qEnvironmentVariableIsSet("KORVIA_LISTEN"))
+      say("listen " + qEnvironmentVariable("KORVIA_LISTEN"));
     const QVariantMap open = qApp->property("korviaOpen").toMap();
     for (auto it = open.begin(); it != open.end(); ++it)
       say("open " + it.key() + " " + it.value().toString());

@@ -43,6 +43,7 @@ void TestHostOptions::hasDefaults() {
   QVERIFY(!line.options.exitAfterS);
   QCOMPARE(line.options.screenshotFile, QString());
   QVERIFY(!line.options.size.isValid());
+  QCOMPARE(line.options.listenAddress, QString());
 }
 
 void TestHostOptions::readsEverything() {
@@ -50,7 +51,7 @@ void TestHostOptions::readsEverything() {
   const HostCommandLine line =
       parse({"--root", folder.path() + "/new", "--engine", "silent", "--trace", folder.filePath("t.jsonl"),
              "--open", "0=/films/a.mp4", "--open", "7=b.png", "--exit-after", "2.5", "--screenshot",
-             folder.filePath("shot.PNG"), "--size", "1920x1080"});
+             folder.filePath("shot.PNG"), "--size", "1920x1080", "--listen", "192.0.2.7"});
   QCOMPARE(line.text, QString());
   QCOMPARE(line.outcome, Outcome::Run);
   QCOMPARE(line.options.rootPath, folder.path() + "/new/");
@@ -63,6 +64,7 @@ void TestHostOptions::readsEverything() {
   QCOMPARE(*line.options.exitAfterS, 2.5);
   QCOMPARE(line.options.screenshotFile, folder.filePath("shot.PNG"));
   QCOMPARE(line.options.size, QSize(1920, 1080));
+  QCOMPARE(line.options.listenAddress, QStringLiteral("192.0.2.7"));
 }
 
 void TestHostOptions::rootIsTheUsersWithoutAHomeInTheEnvironment() {
@@ -163,6 +165,11 @@ void TestHostOptions::refusesBadValues_data() {
   row("size of one number", {"--size", "1280"}, "--size: \"1280\" is no size");
   row("size of nothing", {"--size", "0x720"}, "--size");
   row("size too large", {"--size", "99999x99999"}, "--size");
+  row("listen on a name", {"--listen", "localhost"}, "--listen: \"localhost\" is no IPv4 address");
+  row("listen on nothing", {"--listen", ""}, "--listen");
+  row("listen on a part", {"--listen", "192.168.1"}, "--listen");
+  row("listen on IPv6", {"--listen", "::"}, "--listen");
+  row("listen on a port", {"--listen", "0.0.0.0:80"}, "--listen");
   row("size with more", {"--size", "1280x720x2"}, "--size");
 }
 

@@ -68,6 +68,7 @@ class TestKorvia : public QObject {
   void failingFactory();
   void rootThatCannotBeMade();
   void tellsTheConsoleWhatWasAsked();
+  void nothingButTheSwitchOpensTheMachine();
   void closesInOrderAfterTheTimeLimit();
   void takesAPictureAtTheExit();
   void refusedCloseLeavesThePictureToTheNext();
@@ -233,6 +234,19 @@ void TestKorvia::tellsTheConsoleWhatWasAsked() {
   QCOMPARE(lines.value(4), QStringLiteral("open 0 /a.mp4"));
   QCOMPARE(lines.value(5), QStringLiteral("open 2 /b.png"));
   QVERIFY(QFileInfo(in("root")).isDir());
+}
+
+void TestKorvia::nothingButTheSwitchOpensTheMachine() {
+  useFakeConsole();
+  setEnvironment("KORVIA_LISTEN", "0.0.0.0");
+  QCOMPARE(run({"--exit-after", "0"}), 0);
+  QCOMPARE(said().filter("listen"), QStringList());
+  QVERIFY(!log().join('\n').contains("listening on"));
+
+  QCOMPARE(run({"--exit-after", "0", "--listen", "0.0.0.0"}), 0);
+  QCOMPARE(said().filter("listen"), QStringList("listen 0.0.0.0"));
+  QCOMPARE(log().filter("warning").filter("listening on 0.0.0.0, other machines reach the servers").size(),
+           1);
 }
 
 void TestKorvia::closesInOrderAfterTheTimeLimit() {

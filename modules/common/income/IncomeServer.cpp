@@ -2,13 +2,13 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QHostAddress>
 #include <QLoggingCategory>
 #include <QStandardPaths>
 #include <cerrno>
 
 #include "DrivePath.h"
 #include "IncomePlace.h"
+#include "ListenPlace.h"
 #include "NginxSupervisor.h"
 
 namespace korvia {
@@ -45,18 +45,6 @@ QString findRtmpModule() {
 
 }  // namespace
 
-QHostAddress incomeListenAddress() {
-  const QHostAddress loopback(QHostAddress::LocalHost);
-  const QString text = qEnvironmentVariable("KORVIA_INCOME_LISTEN");
-  if (text.isEmpty())
-    return loopback;
-  const QHostAddress address(text);
-  if (address.protocol() == QAbstractSocket::IPv4Protocol)
-    return address;
-  qCWarning(lcIncome, "not an address to listen on : %s", qUtf8Printable(text));
-  return loopback;
-}
-
 IncomeServer::IncomeServer() = default;
 
 IncomeServer::~IncomeServer() {
@@ -88,7 +76,7 @@ int IncomeServer::open(const QString& rootPath, int port, const QString& htmlPat
     return refuse(-ENOENT, "the rtmp module of nginx is missing");
   settings.cacheFolder = absolute(rootPath) + QStringLiteral("/cache");
   settings.config.htmlFolder = absolute(htmlPath);
-  settings.config.address = incomeListenAddress().toString();
+  settings.config.addresses = listenAddresses();
   settings.config.httpPort = port;
   settings.config.rtmpPort = incomeRtmpPort();
   if (!NginxConfig::quoted(settings.config.htmlFolder) || !NginxConfig::quoted(settings.config.modulePath))

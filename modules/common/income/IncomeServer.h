@@ -1,10 +1,9 @@
 // Receives pushed RTMP streams and serves the page folder with an nginx that it starts and ends. Console
 // thread only; the child process belongs to a supervisor on its own thread. KORVIA_NGINX and
 // KORVIA_NGINX_MODULES are the program and the folder of its modules where they differ from Debian's;
-// KORVIA_RTMP_PORT is the wanted RTMP port (1935); KORVIA_INCOME_LISTEN is a numeric IPv4 address to listen
-// on instead of 127.0.0.1, for streams from other machines.
+// KORVIA_RTMP_PORT is the wanted RTMP port (1935). Other machines reach the servers when the program is told
+// to listen for them (ListenPlace.h).
 #pragma once
-#include <QHostAddress>
 #include <QThread>
 #include <memory>
 
@@ -13,9 +12,6 @@
 namespace korvia {
 
 class NginxSupervisor;
-
-/// The address to listen on, by the environment; the loopback for anything that is no address. Any thread.
-QHostAddress incomeListenAddress();
 
 class IncomeServer : public IKorviaRTMPIncomeServer {
  public:

@@ -22,8 +22,7 @@ events {
 rtmp {
   access_log off;
   server {
-    listen %ADDRESS%:%RTMP_PORT%;
-    chunk_size 4096;
+%RTMP_LISTEN%    chunk_size 4096;
     ping 30s;
     ping_timeout 10s;
     max_connections 64;
@@ -38,7 +37,6 @@ rtmp {
       wait_key on;
       wait_video on;
       allow publish 127.0.0.1;
-      allow publish %ADDRESS%;
       deny publish all;
       allow play all;
     }
@@ -70,8 +68,7 @@ http {
   }
   default_type application/octet-stream;
   server {
-    listen %ADDRESS%:%HTTP_PORT%;
-    client_max_body_size 64k;
+%HTTP_LISTEN%    client_max_body_size 64k;
     add_header X-Content-Type-Options nosniff;
     root %HTML%;
     index index.html;
@@ -87,6 +84,14 @@ http {
   }
 }
 )";
+
+/// A line for each address.
+QByteArray listenLines(const QStringList& addresses, int port) {
+  QByteArray lines;
+  for (const QString& address : addresses)
+    lines += "    listen " + address.toLatin1() + ':' + QByteArray::number(port) + ";\n";
+  return lines;
+}
 
 }  // namespace
 
@@ -118,9 +123,8 @@ std::optional<QByteArray> NginxConfig::text() const {
       {"%MODULE%", *module},
       {"%USER%", user},
       {"%WORK%", *work},
-      {"%ADDRESS%", address.toLatin1()},
-      {"%HTTP_PORT%", QByteArray::number(httpPort)},
-      {"%RTMP_PORT%", QByteArray::number(rtmpPort)},
+      {"%HTTP_LISTEN%", listenLines(addresses, httpPort)},
+      {"%RTMP_LISTEN%", listenLines(addresses, rtmpPort)},
       {"%TOKEN%", readyToken},
       {"%HTML%", *html},
   };

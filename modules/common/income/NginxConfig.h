@@ -4,15 +4,16 @@
 #pragma once
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 namespace korvia {
 
 struct NginxConfig {
-  QString modulePath;  // ngx_rtmp_module.so
-  QString workFolder;  // for the pid file and the temporary folders, without a trailing slash
-  QString htmlFolder;  // what the page server shows
-  QString address;     // numeric address that both servers listen on
+  QString modulePath;     // ngx_rtmp_module.so
+  QString workFolder;     // for the pid file and the temporary folders, without a trailing slash
+  QString htmlFolder;     // what the page server shows
+  QStringList addresses;  // numeric addresses that both servers listen on
   int httpPort = 0;
   int rtmpPort = 0;
   QByteArray readyToken;  // letters and digits; "/ready-<token>" answers with it

@@ -207,10 +207,8 @@ bool NginxSupervisor::waitUntilReady(qint64 deadlineMs) {
 /// before it answers on any, so an answer on the page port covers the RTMP port.
 bool NginxSupervisor::answersWithToken() const {
   const NginxConfig& config = settings_.config;
-  const bool anyAddress = config.address == QLatin1String("0.0.0.0");
-  const QString address = anyAddress ? QStringLiteral("127.0.0.1") : config.address;
   QTcpSocket socket;
-  socket.connectToHost(address, static_cast<quint16>(config.httpPort));
+  socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(config.httpPort));
   if (!socket.waitForConnected(kAnswerLimitMs))
     return false;
   socket.write("GET /ready-" + config.readyToken + " HTTP/1.0\r\n\r\n");
@@ -292,7 +290,7 @@ void NginxSupervisor::takeOffBoard() {
 
 void NginxSupervisor::publish() const {
   QJsonObject values{{QStringLiteral("running"), running_.load()},
-                     {QStringLiteral("address"), settings_.config.address},
+                     {QStringLiteral("address"), settings_.config.addresses.constLast()},
                      {QStringLiteral("rtmpPort"), settings_.config.rtmpPort},
                      {QStringLiteral("httpPort"), settings_.config.httpPort},
                      {QStringLiteral("restarts"), restarts_}};

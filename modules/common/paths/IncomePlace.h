@@ -1,9 +1,7 @@
-// Where the income server is found, for the server itself and for what this machine sends to it. The
-// environment tells: KORVIA_RTMP_PORT and KORVIA_INCOME_LISTEN. Stateless, usable from any thread.
+// Which port the income server wants, for the server itself and for what this machine sends to it. The
+// environment tells: KORVIA_RTMP_PORT. Stateless, usable from any thread.
 #pragma once
-#include <arpa/inet.h>
-
-#include <QString>
+#include <QtGlobal>
 
 namespace korvia {
 
@@ -13,14 +11,6 @@ inline int incomeRtmpPort() {
   bool isNumber = false;
   const int port = qEnvironmentVariableIntValue("KORVIA_RTMP_PORT", &isNumber);
   return isNumber && port >= 1 && port <= 65535 ? port : kDefaultPort;
-}
-
-/// The numeric IPv4 address under which this machine reaches the server.
-inline QString incomeLocalAddress() {
-  const QString listening = qEnvironmentVariable("KORVIA_INCOME_LISTEN");
-  in_addr address{};
-  const bool isOne = inet_pton(AF_INET, listening.toLatin1().constData(), &address) == 1;
-  return isOne && address.s_addr != htonl(INADDR_ANY) ? listening : QStringLiteral("127.0.0.1");
 }
 
 }  // namespace korvia

@@ -1,4 +1,5 @@
-// TCP ports of 127.0.0.1: tests whether one is free, and listens on one. Usable from any thread.
+// TCP ports of the servers: tests whether one is free, and listens on one of 127.0.0.1. Usable from any
+// thread.
 #pragma once
 
 namespace korvia {
@@ -9,7 +10,7 @@ class LoopbackPort {
   /// Negative errno on failure, -EADDRINUSE for a busy port.
   static int listenOn(int port);
 
-  /// True when the port is 1 to 65535 and can be listened on now.
+  /// True when the port is 1 to 65535 and can be listened on now, on each of listenAddresses().
   static bool isFree(int port);
 
   /// The first free port in [first, first + tries), never above 65535; 0 when there is none.

@@ -21,11 +21,14 @@ int LoopbackPort::listenOn(int port) {
 bool LoopbackPort::isFree(int port) {
   if (port < 1)
     return false;
-  const int socket = listenOn(port);
-  if (socket < 0)
-    return false;
-  ::close(socket);
-  return true;
+  const QStringList addresses = listenAddresses();
+  return std::all_of(addresses.begin(), addresses.end(), [port](const QString& address) {
+    const int socket = openListener(address, port);
+    if (socket < 0)
+      return false;
+    ::close(socket);
+    return true;
+  });
 }
 
 int LoopbackPort::nextFree(int first, int tries) {

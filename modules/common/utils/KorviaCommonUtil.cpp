@@ -1,5 +1,10 @@
 #include "KorviaCommonUtil.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -9,7 +14,7 @@
 #include "DrivePath.h"
 #include "devices/CameraControls.h"
 #include "devices/DeviceListing.h"
-#include "income/IncomeServer.h"
+#include "paths/ListenPlace.h"
 
 namespace {
 
@@ -21,6 +26,38 @@ double numberOf(const QString& text) {
   const double value = text.trimmed().toDouble(&isNumber);
   // "nan" is a number to Qt, but it is not >= 0.
   return isNumber && value >= 0 ? std::min(value, kMaxPairValue) : 0;
+}
+
+/// The address of this machine on the road to other networks; null without such a road.
+QHostAddress addressOfDefaultRoute() {
+  const int socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  if (socket < 0)
+    return {};
+  // Any public address will do: connecting a UDP socket looks the route up and sends nothing.
+  sockaddr_in place{};
+  place.sin_family = AF_INET;
+  place.sin_port = htons(9);
+  inet_pton(AF_INET, "192.0.2.1", &place.sin_addr);
+  sockaddr_in own{};
+  socklen_t length = sizeof own;
+  const bool isKnown = ::connect(socket, reinterpret_cast<const sockaddr*>(&place), sizeof place) == 0 &&
+                       ::getsockname(socket, reinterpret_cast<sockaddr*>(&own), &length) == 0;
+  ::close(socket);
+  return isKnown ? QHostAddress(ntohl(own.sin_addr.s_addr)) : QHostAddress();
+}
+
+QHostAddress addressOfAnyInterface() {
+  const QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
+  for (const QNetworkInterface& interface : interfaces) {
+    if (!interface.flags().testFlag(QNetworkInterface::IsUp))
+      continue;
+    const QList<QNetworkAddressEntry> entries = interface.addressEntries();
+    for (const QNetworkAddressEntry& entry : entries) {
+      if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol && !entry.ip().isLoopback())
+        return entry.ip();
+    }
+  }
+  return {};
 }
 
 }  // namespace
@@ -53,12 +90,11 @@ bool KorviaCommonUtil::readFileContent(const QString& path, QByteArray& content)
 }
 
 QString KorviaCommonUtil::getIp() {
-  const QHostAddress listening = korvia::incomeListenAddress();
-  if (listening != QHostAddress(QHostAddress::AnyIPv4))
-    return listening.toString();
-  const auto addresses = QNetworkInterface::allAddresses();
-  for (const QHostAddress& address : addresses) {
-    if (address.protocol() == QAbstractSocket::IPv4Protocol && !address.isLoopback())
+  const QString listening = korvia::listenAddresses().constLast();
+  if (listening != QLatin1String("0.0.0.0"))
+    return listening;
+  for (const QHostAddress& address : {addressOfDefaultRoute(), addressOfAnyInterface()}) {
+    if (!address.isNull() && !address.isLoopback())
       return address.toString();
   }
   return QStringLiteral("127.0.0.1");

@@ -72,7 +72,7 @@ class IncomeServerTest : public QObject {
 
  private slots:
   void init() {
-    for (const char* name : {"KORVIA_NGINX", "KORVIA_NGINX_MODULES", "KORVIA_INCOME_LISTEN"})
+    for (const char* name : {"KORVIA_NGINX", "KORVIA_NGINX_MODULES", "KORVIA_LISTEN"})
       qunsetenv(name);
     root_ = std::make_unique<QTemporaryDir>();
     QVERIFY(root_->isValid());
@@ -139,7 +139,7 @@ class IncomeServerTest : public QObject {
     const QString address = otherAddress();
     if (address.isEmpty())
       QSKIP("the loopback is the only interface");
-    qputenv("KORVIA_INCOME_LISTEN", "0.0.0.0");
+    qputenv("KORVIA_LISTEN", "0.0.0.0");
     QCOMPARE(open(), 0);
     const int port = helper_._interface->rtmpPort();
     QProcess publisher;
@@ -149,10 +149,21 @@ class IncomeServerTest : public QObject {
   }
 
   void listensWhereItIsTold() {
-    qputenv("KORVIA_INCOME_LISTEN", "127.0.0.2");
+    qputenv("KORVIA_LISTEN", "127.0.0.2");
     QCOMPARE(open(), 0);
-    QVERIFY(accepts("127.0.0.2", helper_._interface->rtmpPort()));
-    QVERIFY(!accepts("127.0.0.1", helper_._interface->rtmpPort()));
+    for (const int port : {figures()["httpPort"].toInt(), helper_._interface->rtmpPort()}) {
+      QVERIFY(accepts("127.0.0.2", port));
+      QVERIFY(accepts("127.0.0.1", port));
+      QVERIFY(!accepts("127.0.0.3", port));
+    }
+  }
+
+  void portThatIsBusyOnOneAddressGivesWay() {
+    qputenv("KORVIA_LISTEN", "127.0.0.2");
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress("127.0.0.2"), static_cast<quint16>(httpPort_)));
+    QCOMPARE(open(), 0);
+    QVERIFY(figures()["httpPort"].toInt() > httpPort_);
   }
 
   void closeEndsTheProcess() {

@@ -28,15 +28,15 @@ class NginxConfigTest : public QObject {
   void valuesStandInTheirPlaces() {
     const QByteArray text = sample().text().value();
     QVERIFY(text.startsWith("load_module \"/mods/ngx_rtmp_module.so\";\n"));
-    QVERIFY(text.contains("listen 127.0.0.1:1936;"));
-    QVERIFY(text.contains("listen 127.0.0.1:19001;"));
+    for (const char* line : {"listen 127.0.0.1:1936;", "listen 192.0.2.7:1936;", "listen 127.0.0.1:19001;",
+                             "listen 192.0.2.7:19001;"})
+      QVERIFY2(text.contains(line), line);
     QVERIFY(text.contains("root \"/srv/html\";"));
     QVERIFY(text.contains("pid \"/tmp/w/nginx.pid\";"));
     QVERIFY(text.contains("location = /ready-abc123 {"));
     QVERIFY(text.contains("application income {"));
     QVERIFY(text.contains("application live {"));
-    QVERIFY(
-        text.contains("allow publish 127.0.0.1;\n      allow publish 127.0.0.1;\n      deny publish all;"));
+    QVERIFY(text.contains("allow publish 127.0.0.1;\n      deny publish all;"));
     QCOMPARE(text.count('{'), text.count('}'));
   }
 
@@ -54,7 +54,7 @@ class NginxConfigTest : public QObject {
     config.modulePath = "/mods/ngx_rtmp_module.so";
     config.workFolder = "/tmp/w";
     config.htmlFolder = "/srv/html";
-    config.address = "127.0.0.1";
+    config.addresses = QStringList{"127.0.0.1", "192.0.2.7"};
     config.httpPort = 19001;
     config.rtmpPort = 1936;
     config.readyToken = "abc123";

@@ -4,6 +4,7 @@
 #include <QtTest>
 #include <cerrno>
 
+#include "ListenPlace.h"
 #include "LoopbackPort.h"
 
 using korvia::LoopbackPort;
@@ -12,6 +13,18 @@ class LoopbackPortTest : public QObject {
   Q_OBJECT
 
  private slots:
+  void freeMeansOnEachAddressOfTheServers() {
+    const int socket = korvia::openListener("127.0.0.2", 0);
+    QVERIFY(socket >= 0);
+    const int port = LoopbackPort::portOf(socket);
+    QVERIFY(LoopbackPort::isFree(port));
+    qputenv(korvia::kListenVariable, "127.0.0.2");
+    QVERIFY(!LoopbackPort::isFree(port));
+    QVERIFY(LoopbackPort::nextFree(port, 20) > port);
+    qunsetenv(korvia::kListenVariable);
+    ::close(socket);
+  }
+
   void busyWhileSomebodyListens() {
     const int socket = LoopbackPort::listenOn(0);
     QVERIFY(socket >= 0);

@@ -70,12 +70,12 @@ class KorviaCommonUtilTest : public QObject {
   }
 
   void addressIsThatOfTheServers() {
-    const auto reset = qScopeGuard([] { qunsetenv("KORVIA_INCOME_LISTEN"); });
+    const auto reset = qScopeGuard([] { qunsetenv("KORVIA_LISTEN"); });
     QCOMPARE(KorviaCommonUtil::getIp(), QString("127.0.0.1"));
-    qputenv("KORVIA_INCOME_LISTEN", "127.0.0.2");
+    qputenv("KORVIA_LISTEN", "127.0.0.2");
     QCOMPARE(KorviaCommonUtil::getIp(), QString("127.0.0.2"));
     // Listening everywhere: an address that another machine can use, when this one has any.
-    qputenv("KORVIA_INCOME_LISTEN", "0.0.0.0");
+    qputenv("KORVIA_LISTEN", "0.0.0.0");
     const QHostAddress address(KorviaCommonUtil::getIp());
     QCOMPARE(address.protocol(), QAbstractSocket::IPv4Protocol);
     QVERIFY(QNetworkInterface::allAddresses().contains(address));

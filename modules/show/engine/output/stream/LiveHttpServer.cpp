@@ -1,8 +1,6 @@
 #include "LiveHttpServer.h"
 
-#include <arpa/inet.h>
 #include <microhttpd.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <QDir>
@@ -10,7 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "engine/EngineLog.h"
+#include "ListenPlace.h"
 
 namespace korvia {
 
@@ -21,7 +19,6 @@ constexpr unsigned kConnectionLimit = 256;
 constexpr unsigned kConnectionTimeoutS = 10;
 constexpr std::size_t kConnectionMemoryBytes = 64 * 1024;
 constexpr std::size_t kBlockBytes = 32 * 1024;
-constexpr int kBacklog = 128;
 
 /// One viewer of a live stream. Server thread, except sleep() and wake().
 class Viewer final : public LiveReader {
@@ -96,37 +93,6 @@ int sendLive(MHD_Connection* connection, const LiveHttpServer::Content& content,
   return result;
 }
 
-in_addr listenAddress() {
-  in_addr address{};
-  const QByteArray wanted = qgetenv("KORVIA_STREAM_LISTEN");
-  if (inet_pton(AF_INET, wanted.constData(), &address) == 1)
-    return address;
-  if (!wanted.isEmpty())
-    qCWarning(logOutput, "not an address to listen on : %s", wanted.constData());
-  address.s_addr = htonl(INADDR_LOOPBACK);
-  return address;
-}
-
-/// A listening socket, or a negative errno.
-int listenOn(int port) {
-  const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-  if (socket < 0)
-    return -errno;
-  // Old connections of an output that was just stopped do not make the port look busy.
-  const int on = 1;
-  ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr = listenAddress();
-  address.sin_port = htons(static_cast<std::uint16_t>(port));
-  if (::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
-      ::listen(socket, kBacklog) == 0)
-    return socket;
-  const int error = errno;
-  ::close(socket);
-  return -error;
-}
-
 /// The servers that listen.
 struct Servers {
   Mutex mutex;
@@ -146,8 +112,10 @@ std::shared_ptr<LiveHttpServer> LiveHttpServer::at(int port, QString* reason) {
   if (std::shared_ptr<LiveHttpServer> server = all.byPort[port].lock())
     return server;
   std::shared_ptr<LiveHttpServer> server(new LiveHttpServer);
-  if (!server->listen(port, reason))
-    return nullptr;
+  for (const QString& address : listenAddresses()) {
+    if (!server->listen(address, port, reason))
+      return nullptr;
+  }
   all.byPort[port] = server;
   return server;
 }
@@ -159,23 +127,26 @@ LiveHttpServer::~LiveHttpServer() {
     for (const auto& [path, content] : contents_)
       content.feed->close();
   }
-  if (daemon_)
-    MHD_stop_daemon(daemon_);
+  for (MHD_Daemon* daemon : daemons_)
+    MHD_stop_daemon(daemon);
 }
 
-bool LiveHttpServer::listen(int port, QString* reason) {
-  const int socket = listenOn(port);
+bool LiveHttpServer::listen(const QString& address, int port, QString* reason) {
+  const int socket = openListener(address, port);
   if (socket < 0) {
     *reason = socket == -EADDRINUSE ? QStringLiteral("the port is in use")
                                     : QStringLiteral("the port cannot be listened on");
     return false;
   }
-  daemon_ = MHD_start_daemon(MHD_USE_POLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr, nullptr,
-                             onRequest, this, MHD_OPTION_LISTEN_SOCKET, socket, MHD_OPTION_CONNECTION_LIMIT,
-                             kConnectionLimit, MHD_OPTION_CONNECTION_TIMEOUT, kConnectionTimeoutS,
-                             MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemoryBytes, MHD_OPTION_END);
-  if (daemon_)
+  MHD_Daemon* daemon =
+      MHD_start_daemon(MHD_USE_POLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr, nullptr,
+                       onRequest, this, MHD_OPTION_LISTEN_SOCKET, socket, MHD_OPTION_CONNECTION_LIMIT,
+                       kConnectionLimit, MHD_OPTION_CONNECTION_TIMEOUT, kConnectionTimeoutS,
+                       MHD_OPTION_CONNECTION_MEMORY_LIMIT, kConnectionMemoryBytes, MHD_OPTION_END);
+  if (daemon) {
+    daemons_.push_back(daemon);
     return true;
+  }
   ::close(socket);
   *reason = QStringLiteral("the server does not start");
   return false;

@@ -1,10 +1,11 @@
 // Serves live streams to viewers. One server a port, shared by the targets that use the port, which each add
-// a path. It listens on the loopback; KORVIA_STREAM_LISTEN is a numeric IPv4 address to listen on instead,
-// 0.0.0.0 for all of this machine. Any thread; libmicrohttpd answers on a thread of its own.
+// a path. It listens where all servers of the program do (ListenPlace.h). Any thread; libmicrohttpd answers
+// on a thread of its own for each address.
 #pragma once
 #include <QString>
 #include <map>
 #include <memory>
+#include <vector>
 
 #include "LiveFeed.h"
 #include "ThreadSafety.h"
@@ -42,11 +43,11 @@ class LiveHttpServer {
 
  private:
   LiveHttpServer() = default;
-  bool listen(int port, QString* reason);
+  bool listen(const QString& address, int port, QString* reason);
   /// Without a feed when nothing is served there.
   Content find(const QString& path) const EXCLUDES(mutex_);
 
-  MHD_Daemon* daemon_ = nullptr;
+  std::vector<MHD_Daemon*> daemons_;  // one for each address
   mutable Mutex mutex_;
   std::map<QString, Content> contents_ GUARDED_BY(mutex_);  // by path
 };

@@ -104,8 +104,8 @@ std::unique_ptr<Target> PushTarget::createLocal(const OutputRequest& request) {
 
 QString PushTarget::localUrl(const QString& path, int port) {
   const QString slash = path.startsWith(QLatin1Char('/')) ? QString() : QStringLiteral("/");
-  return QStringLiteral("rtmp://%1:%2/live%3")
-      .arg(incomeLocalAddress(), QString::number(port > 0 ? port : incomeRtmpPort()), slash + path);
+  return QStringLiteral("rtmp://127.0.0.1:%1/live%2")
+      .arg(QString::number(port > 0 ? port : incomeRtmpPort()), slash + path);
 }
 
 MuxPlan PushTarget::planFor(const QString& url) {

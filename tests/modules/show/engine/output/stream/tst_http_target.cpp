@@ -104,13 +104,28 @@ class HttpTargetTest : public QObject {
       QTcpServer other;
       QVERIFY(other.listen(QHostAddress("127.0.0.2"), static_cast<quint16>(settings.port)));
     }
-    qputenv("KORVIA_STREAM_LISTEN", "0.0.0.0");
+    qputenv("KORVIA_LISTEN", "0.0.0.0");
     LiveSlot live({std::make_shared<HttpTarget>(settings)});
     QVERIFY(live.waitFor(KorviaShowTargetState::Up));
-    qunsetenv("KORVIA_STREAM_LISTEN");
+    qunsetenv("KORVIA_LISTEN");
     QTcpSocket socket;
     socket.connectToHost("127.0.0.2", static_cast<quint16>(settings.port));
     QVERIFY(socket.waitForConnected(5000));
+  }
+
+  void listensOnTheLoopbackBesideTheAddressForOthers() {
+    qputenv("KORVIA_LISTEN", "127.0.0.2");
+    const HttpSettings settings = settingsFor(freePort());
+    LiveSlot live({std::make_shared<HttpTarget>(settings)});
+    QVERIFY(live.waitFor(KorviaShowTargetState::Up));
+    qunsetenv("KORVIA_LISTEN");
+    for (const char* address : {"127.0.0.1", "127.0.0.2"}) {
+      QTcpSocket socket;
+      socket.connectToHost(address, static_cast<quint16>(settings.port));
+      QVERIFY(socket.waitForConnected(5000));
+    }
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress("127.0.0.3"), static_cast<quint16>(settings.port)));
   }
 
   void aPortThatIsTakenIsTriedAgain() {
