@@ -24,6 +24,7 @@ class GAppCaptionBar;
 class GWidgetDisplayObjectConfig;
 class GWidgetOutputStatistics;
 class GWidgetTransitionEffectConfig;
+class IncomeNames;
 class LevelMeters;
 class OutputSettings;
 class OutputStatus;
@@ -244,6 +245,7 @@ class KorviaSarnhawk : public QMainWindow,
   std::unique_ptr<TakePanel> _takes;
   std::unique_ptr<Snapshots> _snapshots;
   std::unique_ptr<PaintPad> _paintPad;
+  std::unique_ptr<IncomeNames> _incomeNames;
   std::unique_ptr<ConsoleServers> _servers;
   SwitchLever* _lever = nullptr;
   QMenu* _systemMenu = nullptr;
