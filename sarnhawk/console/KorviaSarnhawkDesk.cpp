@@ -19,6 +19,7 @@
 #include "present/popupAt.h"
 #include "services/ConsoleServers.h"
 #include "services/PaintPad.h"
+#include "services/RemoteDesk.h"
 #include "tagKorviaShowPresentPlacement.h"
 #include "transitions/GWidgetTransitionEffectConfig.h"
 #include "transitions/TakePanel.h"
@@ -285,6 +286,7 @@ void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1,
       break;
     case ShowEventSwitchPosition:
       _lever->showPosition(a1.toFloat());
+      _remote->setSwitchPosition(a1.toFloat());
       break;
     case ShowEventSelectChannel:
       onChannelSelected(a1.toULongLong(), a2.toInt());

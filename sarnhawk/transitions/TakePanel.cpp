@@ -41,6 +41,11 @@ void TakePanel::update(int index) {
   shown->setIcon(item && QFileInfo::exists(item->thumbPath) ? QIcon(item->thumbPath) : QIcon());
 }
 
+QString TakePanel::transitionName(int index) const {
+  const QToolButton* shown = button(index);
+  return shown ? shown->text().section(QLatin1Char('\n'), -1) : QString();
+}
+
 void TakePanel::take(int channelId, int index) {
   if (!button(index))
     return;

@@ -18,6 +18,7 @@
 #include "engine/channel/ChannelBank.h"
 #include "engine/items/ItemStage.h"
 #include "engine/monitor/MonitorHub.h"
+#include "engine/monitor/PictureTap.h"
 #include "engine/output/OutputRack.h"
 #include "engine/output/SnapshotWriter.h"
 #include "engine/output/device/DeviceRack.h"
@@ -50,6 +51,7 @@ class SoftwareBackend final : public IShowBackend {
   void setPaintPadValid(bool valid) override { items_.setPaintPadValid(valid); }
   void pausePGMImage(bool pause) override { programPaused_ = pause; }
   void setIncomePort(int port) override { outputs_.setIncomePort(port); }
+  void setPictureSink(IKorviaShowPictureSink* sink) override { pictures_.setSink(sink); }
 
  private:
   void fillEventTable();
@@ -64,6 +66,7 @@ class SoftwareBackend final : public IShowBackend {
   // The frame. Engine thread.
   void mixSound(const FrameTick& tick);
   void showMonitors(const FrameRef& preview);
+  void showPictures();
   void keepFigures(const FrameTick& tick);
   static tagKorviaShowEngineFigures::SoundDevice figuresOf(const SoundDevice* device);
   void watchLoad();
@@ -91,6 +94,7 @@ class SoftwareBackend final : public IShowBackend {
   std::unique_ptr<SoundDevice> programDevice_;
   std::unique_ptr<SoundDevice> previewDevice_;
   MonitorHub monitors_;
+  PictureTap pictures_;
   OutputRack outputs_;
   DeviceRack deviceOutputs_;
   SnapshotWriter snapshots_;

@@ -132,3 +132,7 @@ void KorviaShowEngine::setIncomePort(int port) {
   BlackBox::instance().call("setIncomePort", 0, {port});
   backend_->setIncomePort(port);
 }
+
+void KorviaShowEngine::setPictureSink(IKorviaShowPictureSink* sink) {
+  backend_->setPictureSink(sink);
+}

@@ -4,6 +4,7 @@
 #include <QImage>
 #include <memory>
 
+#include "IKorviaShowPictureSink.h"
 #include "IKorviaShowSource.h"
 #include "KorviaShowEvents.h"
 #include "KorviaShowObjectID.h"
@@ -53,6 +54,9 @@ class KorviaShowEngine : public KorviaShowThread {
   /// The RTMP port that the income server took, for the stream's push to it; 0 while that does not run.
   /// Counts from the next start of the stream on.
   void setIncomePort(int port);
+  /// Who gets small pictures of the running show, with what it wants of them; null for nobody. The sink is
+  /// not owned. When this returns, the sink before is not called any more.
+  void setPictureSink(IKorviaShowPictureSink* sink);
 
  protected:
   void onThreadBegin() override;
