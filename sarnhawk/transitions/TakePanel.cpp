@@ -43,7 +43,7 @@ void TakePanel::update(int index) {
 
 QString TakePanel::transitionName(int index) const {
   const QToolButton* shown = button(index);
-  return shown ? shown->text().section(QLatin1Char('\n'), -1) : QString();
+  return shown ? shown->text().replace(QLatin1Char('\n'), QLatin1Char(' ')) : QString();
 }
 
 void TakePanel::take(int channelId, int index) {
