@@ -71,6 +71,7 @@ class ScriptedBackend final : public korvia::IShowBackend {
   }
   void setPaintPadValid(bool valid) override { note("setPaintPadValid", valid); }
   void pausePGMImage(bool pause) override { note("pausePGMImage", pause); }
+  void setPictureSink(IKorviaShowPictureSink*) override {}
   void setIncomePort(int port) override { show_.calls.append(QStringLiteral("setIncomePort %1").arg(port)); }
 
  private:
