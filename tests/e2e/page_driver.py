@@ -154,6 +154,8 @@ class Page:
     def click(self, selector):
         """Scrolls to the element and clicks its middle, as a hand does: an element that is covered is an error."""
         self.wait(lambda: self.script("return !!document.querySelector(arguments[0])", selector), selector)
+        # The browser would leave it under the bar at the bottom, where it counts as visible.
+        self.script("document.querySelector(arguments[0]).scrollIntoView({ block: 'center' })", selector)
         self._command("POST", f"/element/{self._element(selector)}/click")
 
     def type(self, selector, text):

@@ -88,7 +88,7 @@
 
   function showToken() {
     document.body.classList.toggle("locked", !token);
-    setText(byId("token-button"), token ? "Token" : "Locked");
+    setText(byId("token-button"), token ? "Unlocked" : "Locked");
     byId("token-button").title = token ? "Commands are unlocked" : "Commands need the token";
   }
 
@@ -222,7 +222,8 @@
     document.body.classList.toggle("tiles-stale", link !== "up" || now() - tilesShownMs > oldTilesMs);
     const note = byId("picture-note");
     note.hidden = !stale;
-    if (link === "retry" || link === "down") setText(note, "Connection lost. This is not live.");
+    if (!stale) setText(note, "");
+    else if (link === "retry" || link === "down") setText(note, "Connection lost. This is not live.");
     else if (programMissing) setText(note, programMissing);
     else if (ageMs < Infinity) setText(note, "No new picture for " + Math.floor(ageMs / 1000) + " s. This is not live.");
     else setText(note, "Waiting for the program picture");
@@ -432,33 +433,32 @@
   const lockedUntilMs = new Map();
 
   // Commands go out one after the other, so that "select, cut" reaches the console in this order. A group takes no
-  // second command for the time of a double tap.
+  // second command for the time of a double tap. Tells whether the command goes out.
   function command(path, button, group) {
-    if (!token) return askForToken("Commands need the token.");
-    if (now() < (lockedUntilMs.get(group) || 0)) return;
+    if (!token) askForToken("Commands need the token.");
+    if (!token || now() < (lockedUntilMs.get(group) || 0)) return false;
     lockedUntilMs.set(group, Infinity);
     button.classList.add("pending");
     const tappedMs = now();
     commandChain = commandChain.then(async () => {
-      const done = await send(path, tappedMs);
-      lockedUntilMs.set(group, Math.max(now(), tappedMs + doubleTapMs));
+      await send(path, tappedMs);
+      lockedUntilMs.set(group, tappedMs + doubleTapMs);
       button.classList.remove("pending");
-      if (!done) showOutputButtons();
     });
+    return true;
   }
 
   async function send(path, tappedMs) {
-    if (now() - tappedMs > lateCommandMs) return say("The console is slow. The command was not sent."), false;
+    if (now() - tappedMs > lateCommandMs) return say("The console is slow. The command was not sent.");
     const stop = new AbortController();
     const timer = setTimeout(() => stop.abort(), commandTimeoutMs);
     const sentToken = token;
     try {
       const reply = await fetch(path, { method: "POST", headers: { Authorization: "Bearer " + sentToken }, signal: stop.signal });
-      if (reply.ok) return true;
       if (reply.status === 401) {
         if (token === sentToken) setToken("");
         askForToken("The console refused the token. It changes with each start of korvia.");
-      } else {
+      } else if (!reply.ok) {
         say(refusals[reply.status] || "The console refused the command (" + reply.status + ").");
       }
     } catch {
@@ -466,15 +466,12 @@
     } finally {
       clearTimeout(timer);
     }
-    return false;
   }
 
   function takeWith(index, button) {
-    if (token) {
-      lastTake = index;
-      showTakes();
-    }
-    command("/take/" + index, button, "take");
+    if (!command("/take/" + index, button, "take")) return;
+    lastTake = index;
+    showTakes();
   }
 
   function startActions() {
@@ -487,16 +484,18 @@
   // ---- record and stream ----
 
   const outputs = {};
-  for (const name of ["record", "stream"]) outputs[name] = { on: false, waiting: false, state: "", reason: "", armed: 0, report: {} };
+  for (const name of ["record", "stream"]) outputs[name] = { on: false, waiting: false, state: "", reason: "", armed: 0, armedMs: 0, report: {} };
 
-  // To end a recording or a stream by accident would be worse than a tap more.
+  // To end a recording or a stream by accident would be worse than a tap more, and a double tap is such an accident.
   function tapOutput(name) {
     const output = outputs[name];
-    if (!token || !output.on) return command("/" + name + "/start", byId(name), name);
+    if (!token || !output.on) return void command("/" + name + "/start", byId(name), name);
     if (!output.armed) {
       output.armed = setTimeout(() => disarm(output), stopAgainMs);
+      output.armedMs = now();
       return showOutputButtons();
     }
+    if (now() - output.armedMs < doubleTapMs) return;
     disarm(output);
     command("/" + name + "/stop", byId(name), name);
   }
@@ -676,45 +675,22 @@
     return typeof value === "object" ? JSON.stringify(value) : String(value);
   }
 
-  function keyTable(values) {
+  // A table for whatever the console tells; what has parts becomes a table in a cell.
+  function tableOf(value) {
     const table = element("table");
-    for (const [key, value] of Object.entries(values)) {
-      const row = table.insertRow();
-      row.append(element("th", "", title(key)), element("td", "number", valueText(value)));
-      row.cells[0].scope = "row";
+    for (const [key, part] of Object.entries(value)) {
+      const row = table.insertRow(), head = element("th", "", title(key)), data = row.insertCell();
+      head.scope = "row";
+      row.prepend(head);
+      const hasParts = isObject(part) ? Object.keys(part).length > 0 : objects(part).length > 0;
+      data.append(hasParts ? tableOf(part) : valueText(part));
     }
     return table;
   }
 
-  // One row an item; the names head the rows.
-  function rowTable(names, items) {
-    const columns = [...new Set(items.flatMap(Object.keys))];
-    const box = element("div", "scroll"), table = element("table", "rows"), head = table.createTHead().insertRow();
-    head.append(element("td"), ...columns.map(column => element("th", "", title(column))));
-    const body = table.createTBody();
-    items.forEach((item, index) => {
-      const row = body.insertRow();
-      row.append(element("th", "", title(names[index])), ...columns.map(column => element("td", "", valueText(item[column]))));
-    });
-    box.append(table);
-    return box;
-  }
-
   function sectionOf(name, value) {
     const made = element("div");
-    made.append(element("h2", "", title(name)));
-    const entries = Object.entries(isObject(value) ? value : { value });
-    const isTable = part => (isObject(part) && Object.keys(part).length > 0) || (objects(part).length > 0);
-    // Objects of objects and lists of objects become tables of their own; objects of values are single rows.
-    const tables = entries.filter(([, part]) => isTable(part));
-    const single = Object.fromEntries(entries.filter(([, part]) => !isTable(part)));
-    if (Object.keys(single).length) made.append(keyTable(single));
-    const flat = tables.filter(([, part]) => isObject(part) && !Object.values(part).every(isObject));
-    if (flat.length) made.append(rowTable(flat.map(([key]) => key), flat.map(([, part]) => part)));
-    for (const [key, part] of tables.filter(entry => !flat.includes(entry))) {
-      const rows = isObject(part) ? Object.entries(part) : objects(part).map((item, index) => [index + 1, item]);
-      made.append(element("h3", "muted", title(key)), rowTable(rows.map(row => row[0]), rows.map(row => row[1])));
-    }
+    made.append(element("h2", "", title(name)), tableOf(isObject(value) ? value : { value }));
     return made;
   }
 
