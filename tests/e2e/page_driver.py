@@ -256,6 +256,7 @@ def arguments():
     parser.add_argument("--screenshot", metavar="FILE", help="taken after the last step, also when one failed")
     parser.add_argument("--allow", metavar="TEXT", action="append", default=[], help="errors of the console with it pass")
     parser.add_argument("--click", metavar="SELECTOR", action=Step)
+    parser.add_argument("--pause", metavar="SECONDS", type=float, action=Step, help="for what the page takes for a double tap")
     parser.add_argument("--type", metavar="SELECTOR=TEXT", type=pair, action=Step)
     parser.add_argument("--wait-text", metavar="SELECTOR=TEXT", type=pair, action=Step)
     parser.add_argument("--wait-attribute", metavar="SELECTOR@NAME=VALUE", type=triple, action=Step)
@@ -266,6 +267,8 @@ def arguments():
 def run_step(page, name, values):
     if name == "click":
         page.click(values)
+    elif name == "pause":
+        time.sleep(values)
     elif name == "type":
         page.type(*values)
     elif name == "wait_text":
