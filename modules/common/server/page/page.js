@@ -9,7 +9,7 @@
   const doubleTapMs = 400;
   const stopAgainMs = 3000;
   const meterFloorDb = -60;
-  const tokenKey = "korvia-token";
+  const tokenKey = "korvia-token", tokenForm = /^[A-Za-z0-9_-]{22}$/;
   const cell = { width: 240, height: 135, columns: 4, media: 8, stages: 4, firstMedia: 16, firstStage: 256 };
 
   const byId = id => document.getElementById(id);
@@ -45,10 +45,11 @@
 
   const untilHidden = new Set();
   document.addEventListener("visibilitychange", () => {
-    if (!document.hidden) return;
-    for (const stop of untilHidden) stop.abort();
-    // The pictures are old when the page is seen again.
-    programShownMs = tilesShownMs = -Infinity;
+    if (document.hidden) {
+      for (const stop of untilHidden) stop.abort();
+      // The pictures are old when the page is seen again.
+      programMs = tilesMs = -Infinity;
+    }
     showAge();
   });
 
@@ -63,7 +64,8 @@
     untilHidden.add(stop);
     try {
       const reply = await fetch(path, { cache: "no-store", signal: stop.signal });
-      return { status: reply.status, number: reply.headers.get("X-Korvia-Picture"), body: reply.ok ? await reply[as]() : null };
+      const answer = { status: reply.status, number: reply.headers.get("X-Korvia-Picture"), beganMs: now() };
+      return { ...answer, body: reply.ok ? await reply[as]() : null };
     } finally {
       clearTimeout(timer);
       untilHidden.delete(stop);
@@ -97,7 +99,7 @@
     const text = location.hash.slice(1);
     if (!text) return;
     history.replaceState(null, "", location.pathname + location.search);
-    setToken(text);
+    if (tokenForm.test(text)) setToken(text);
   }
 
   function askForToken(reason) {
@@ -120,7 +122,7 @@
       event.preventDefault();
       // Whoever pastes the whole address means the token in it.
       const text = tokenField.value.trim().replace(/^.*#/, "");
-      if (!/^[A-Za-z0-9_-]{22}$/.test(text)) return setText(byId("token-reason"), "A token has 22 letters, digits, - or _.");
+      if (!tokenForm.test(text)) return setText(byId("token-reason"), "A token has 22 letters, digits, - or _.");
       setToken(text);
       dialog.close();
     });
@@ -181,7 +183,7 @@
     tally: showTally,
     take: announceTake,
     outputs: showOutputEvent,
-    levels: showLevels,
+    levels: levels => { if (!document.hidden) showLevels(levels); },
     bye: () => { consoleEnded = true; setLink("retry"); },
   };
 
@@ -212,14 +214,14 @@
 
   // ---- pictures ----
 
-  let programShownMs = -Infinity, tilesShownMs = -Infinity;
+  let programMs = -Infinity, tilesMs = -Infinity;
   let programMissing = "Waiting for the program picture";
 
   function showAge() {
-    const ageMs = now() - programShownMs;
+    const ageMs = now() - programMs;
     const stale = link !== "up" || ageMs > oldProgramMs;
     document.body.classList.toggle("stale", stale);
-    document.body.classList.toggle("tiles-stale", link !== "up" || now() - tilesShownMs > oldTilesMs);
+    document.body.classList.toggle("tiles-stale", link !== "up" || now() - tilesMs > oldTilesMs);
     const note = byId("picture-note");
     note.hidden = !stale;
     if (!stale) setText(note, "");
@@ -236,7 +238,7 @@
       await untilVisible();
       let pauseMs = 0;
       try {
-        const { status, number, body } = await load(path + (after === null ? "" : "?after=" + encodeURIComponent(after)), "blob");
+        const { status, number, beganMs, body } = await load(path + (after === null ? "" : "?after=" + encodeURIComponent(after)), "blob");
         if (body === null) {
           // No newer picture came: the next answer tells whether the numbers began anew with another console.
           after = null;
@@ -247,7 +249,7 @@
         } else if (number !== null && number === shown) {
           pauseMs = 500;
         } else {
-          await show(body);
+          await show(body, beganMs);
           shown = after = number;
           if (number === null) pauseMs = 200;
         }
@@ -260,22 +262,22 @@
   }
 
   let programUrl = "";
-  async function showProgramPicture(blob) {
+  async function showProgramPicture(blob, beganMs) {
     const picture = byId("program-picture"), oldUrl = programUrl;
     programUrl = URL.createObjectURL(blob);
     picture.src = programUrl;
-    await picture.decode();
-    URL.revokeObjectURL(oldUrl);
+    await picture.decode().finally(() => URL.revokeObjectURL(oldUrl));
     picture.hidden = false;
     programMissing = "";
-    programShownMs = now();
+    // A picture that took long to arrive is as old as its first byte.
+    programMs = beganMs;
     showAge();
   }
 
   function missProgramPicture(status) {
     programMissing = status === 503 ? "There is no program picture yet" : "The console gives no program picture (" + status + ")";
     byId("program-picture").hidden = true;
-    programShownMs = -Infinity;
+    programMs = -Infinity;
     showAge();
   }
 
@@ -285,7 +287,7 @@
     return -1;
   }
 
-  async function showChannelPictures(blob) {
+  async function showChannelPictures(blob, beganMs) {
     const grid = await createImageBitmap(blob);
     for (const tile of tiles.values()) {
       if (tile.cell < 0 || !tile.inUse) continue;
@@ -293,7 +295,7 @@
       tile.canvas.drawImage(grid, x, y, cell.width, cell.height, 0, 0, cell.width, cell.height);
     }
     grid.close();
-    tilesShownMs = now();
+    tilesMs = beganMs;
     showAge();
   }
 
@@ -309,17 +311,18 @@
     button.type = "button";
     button.dataset.channel = id;
     const shot = element("span", "shot"), canvas = element("canvas"), mark = element("span", "mark"), levels = element("span", "levels");
+    const hint = element("span", "hint");
     canvas.width = cell.width;
     canvas.height = cell.height;
     mark.append(element("span", "pgm", "PGM"), element("span", "pvm", "PVM"));
     levels.append(element("i"), element("i"));
-    shot.append(canvas, element("span", "hint", "Empty"), mark, levels);
+    shot.append(canvas, hint, mark, levels);
     const texts = element("span", "texts"), name = element("span", "name"), label = element("span", "label");
     name.dir = label.dir = "auto";
     texts.append(name, label);
     button.append(shot, texts);
     button.addEventListener("click", () => command("/select/" + id, button, "select " + id));
-    return { button, name, label, canvas: canvas.getContext("2d"), bars: [...levels.children], cell: cellOf(id), inUse: false };
+    return { button, name, label, hint, canvas: canvas.getContext("2d"), bars: [...levels.children], cell: cellOf(id), inUse: false };
   }
 
   function fillTile(tile, channel, tally) {
@@ -331,7 +334,8 @@
     const classes = tile.button.classList;
     classes.toggle("on-program", onProgram);
     classes.toggle("on-preview", onPreview);
-    classes.toggle("empty-channel", !tile.inUse);
+    classes.toggle("no-picture", !tile.inUse || tile.cell < 0);
+    setText(tile.hint, !tile.inUse ? "Empty" : tile.cell < 0 ? "No picture" : "");
     tile.button.setAttribute("aria-pressed", String(onPreview));
     const place = (onProgram ? ", on program" : "") + (onPreview ? ", on preview" : "") + (tile.inUse ? "" : ", empty");
     tile.button.setAttribute("aria-label", name + (tile.inUse && label ? ", " + label : "") + place);
@@ -341,7 +345,7 @@
 
   function showTally(tally) {
     const channels = objects(tally.channels).filter(channel => isNumber(channel.id));
-    const ids = channels.map(channel => channel.id);
+    const ids = [...new Set(channels.map(channel => channel.id))];
     // Tiles are kept while the channels stay, so that a finger and the keyboard's focus stay on theirs.
     if (ids.join() !== [...tiles.keys()].join()) {
       tiles.clear();
@@ -358,7 +362,7 @@
     byId("program-picture").alt = "Program: " + program;
     document.title = "Korvia \u2013 " + program;
     showPosition(tally.switchPosition);
-    takeNames = objects(tally.takes).sort((a, b) => a.index - b.index).map(take => words(take.name));
+    takeNames = [0, 1, 2, 3].map(index => words(object(objects(tally.takes).find(take => take.index === index)).name));
     showTakes();
   }
 
@@ -399,7 +403,6 @@
   }
 
   function showLevels(levels) {
-    if (document.hidden) return;
     for (const meter of busMeters) setBars([...meter.querySelectorAll(".bar")], levels[meter.dataset.bus]);
     const channels = object(levels.channels);
     for (const [id, tile] of tiles) setBars(tile.bars, channels[id]);
@@ -430,10 +433,11 @@
     503: "The console is not ready. Try again.",
   };
   let commandChain = Promise.resolve();
+  let failedMs = -Infinity;
   const lockedUntilMs = new Map();
 
-  // Commands go out one after the other, so that "select, cut" reaches the console in this order. A group takes no
-  // second command for the time of a double tap. Tells whether the command goes out.
+  // Commands go out one after the other, so that "select, cut" reaches the console in this order, and when the selection
+  // fails nothing is cut. A group takes no second command for the time of a double tap. Tells whether it takes this one.
   function command(path, button, group) {
     if (!token) askForToken("Commands need the token.");
     if (!token || now() < (lockedUntilMs.get(group) || 0)) return false;
@@ -441,13 +445,14 @@
     button.classList.add("pending");
     const tappedMs = now();
     commandChain = commandChain.then(async () => {
-      await send(path, tappedMs);
+      if (tappedMs > failedMs && !await send(path, tappedMs)) failedMs = now();
       lockedUntilMs.set(group, tappedMs + doubleTapMs);
       button.classList.remove("pending");
     });
     return true;
   }
 
+  // True when the console has taken the command; what went wrong is told.
   async function send(path, tappedMs) {
     if (now() - tappedMs > lateCommandMs) return say("The console is slow. The command was not sent.");
     const stop = new AbortController();
@@ -455,17 +460,16 @@
     const sentToken = token;
     try {
       const reply = await fetch(path, { method: "POST", headers: { Authorization: "Bearer " + sentToken }, signal: stop.signal });
-      if (reply.status === 401) {
-        if (token === sentToken) setToken("");
-        askForToken("The console refused the token. It changes with each start of korvia.");
-      } else if (!reply.ok) {
-        say(refusals[reply.status] || "The console refused the command (" + reply.status + ").");
-      }
+      if (reply.ok) return true;
+      if (reply.status !== 401) return say(refusals[reply.status] || "The console refused the command (" + reply.status + ").");
+      if (token === sentToken) setToken("");
+      askForToken("The console refused the token. It changes with each start of korvia.");
     } catch {
       say("No answer from the console. Look whether the command has run before you repeat it.");
     } finally {
       clearTimeout(timer);
     }
+    return false;
   }
 
   function takeWith(index, button) {
@@ -513,6 +517,8 @@
       output.waiting = told.waiting === true;
       output.state = words(told.state);
       output.reason = words(told.reason);
+      // Until the engine has answered, the report may still describe the output before.
+      if (output.waiting) output.report = {};
       if (!output.on && output.armed) disarm(output);
     }
     showOutputButtons();
@@ -607,7 +613,7 @@
       ["Repeated frames", fixed(engine.repeatedFrames, 0)],
       ["CPU load", fixed(engine.cpuLoad * 100, 0, " %")],
       ["Tick p50 / p99 / max", [tick.p50Ms, tick.p99Ms, tick.maxMs].map(ms => fixed(ms, 1)).join(" / ") + " ms"],
-      ["Up", clock(uptimeSeconds)],
+      ["Console up", clock(uptimeSeconds)],
     ]);
   }
 
@@ -615,7 +621,7 @@
     const head = income.running === true ? "running" : words(income.failure) || "not running";
     const where = income.running === true && words(income.rtmpPort) ? ["RTMP", words(income.address) + ":" + words(income.rtmpPort)] : null;
     const publishers = objects(income.publishers).map(publisher => {
-      const details = [words(publisher.addr), fixed(publisher.kbps, 0, " kbit/s"), words(publisher.players) + " players"];
+      const details = [words(publisher.addr), fixed(publisher.kbps, 0, " kbit/s"), words(publisher.players, "0") + (publisher.players === 1 ? " player" : " players")];
       return outputRow(words(publisher.app) + "/" + words(publisher.name), { state: "Up", upSeconds: publisher.seconds }, details);
     });
     return [...figureList([["State", head], ...(where ? [where] : []), ["Publishers", String(publishers.length)]]), ...publishers];
@@ -633,7 +639,7 @@
 
   function showStatus(status) {
     const sections = object(status.sections);
-    for (const [name, output] of Object.entries(outputs)) output.report = object(object(sections.outputs)[name]);
+    for (const [name, output] of Object.entries(outputs)) output.report = output.waiting ? {} : object(object(sections.outputs)[name]);
     showOutputButtons();
     fill("outputs", sections.outputs, () => outputRows(object(sections.outputs)));
     fill("engine", [sections.engine, Math.floor(status.uptimeSeconds)], () => engineRows(object(sections.engine), status.uptimeSeconds));
