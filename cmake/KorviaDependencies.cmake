@@ -10,6 +10,7 @@ pkg_check_modules(ZIMG REQUIRED IMPORTED_TARGET zimg)
 pkg_check_modules(EBUR128 REQUIRED IMPORTED_TARGET libebur128)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-shm)
 pkg_check_modules(MICROHTTPD REQUIRED IMPORTED_TARGET libmicrohttpd)
+pkg_check_modules(QRENCODE REQUIRED IMPORTED_TARGET libqrencode)
 pkg_check_modules(POPPLER REQUIRED IMPORTED_TARGET poppler-qt5)
 
 find_library(YUV_LIBRARY yuv REQUIRED)

@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "LogLine.h"
+#include "LogTail.h"
 #include "RotatingLogFile.h"
 #include "writeAll.h"
 
@@ -54,6 +55,7 @@ void HostLog::leaveTerminal() {
 
 void HostLog::onMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
   const QByteArray line = logLine(type, context.category, text);
+  LogTail::instance().add(line);
   theLog->file_.add(line);
   theLog->standardError_.add(line);
   if (type == QtFatalMsg)

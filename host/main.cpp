@@ -15,11 +15,13 @@
 #include "HostOptions.h"
 #include "HostSession.h"
 #include "IProgressSink.h"
+#include "KorviaCommonUtil.h"
 #include "ListenPlace.h"
 #include "ProductRecord.h"
 #include "ShowDataPath.h"
 #include "ShowDataSetup.h"
 #include "SignalWatcher.h"
+#include "WebDesk.h"
 #include "shell/IKorviaSarnhawk.h"
 #include "shell/IMainFrame.h"
 #include "shell/StartChannels.h"
@@ -65,6 +67,16 @@ void publish(const HostOptions& options) {
   qApp->setProperty("korviaOpen", options.openFiles);
 }
 
+/// Tells on the terminal how the operator's page is opened. The log does not get the address, because it
+/// contains the token that commands need.
+void announcePage() {
+  const QString address = korvia::WebDesk::instance().pageAddress(KorviaCommonUtil::getIp());
+  if (address.isEmpty())
+    return;
+  std::printf("operator's page : %s\n", qUtf8Printable(address));
+  std::fflush(stdout);
+}
+
 int runConsole(const HostOptions& options, korvia::HostLog& log) {
   korvia::ConsoleLibrary library(QCoreApplication::applicationDirPath());
   IKorviaSarnhawk* console = library.createConsole();
@@ -85,7 +97,9 @@ int runConsole(const HostOptions& options, korvia::HostLog& log) {
   ProgressLog progress;
   const tagKorviaProductInfo product = makeProductRecord();
   int exitCode = kFailure;
-  if (console->create(nullptr, &progress, nullptr, &product, options.rootPath))
+  const bool created = console->create(nullptr, &progress, nullptr, &product, options.rootPath);
+  announcePage();
+  if (created)
     exitCode = session.run();
   console->close();
   console->release();

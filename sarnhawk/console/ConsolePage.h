@@ -25,6 +25,7 @@ enum class PagePlace {
   StatisticsWindow,
   StatusPublisher,
   IncomeNames,
+  RemoteDesk,
   SoundControl,
   ChannelConfig,
   TransitionEditor,

@@ -12,9 +12,9 @@ constexpr Place kEngineOpenedOrder[] = {Place::Strips,      Place::Karaoke,    P
                                         Place::ProgramList, Place::IncomeNames};
 
 // The screen cut captures last, so that it sees everything that the tick has changed on the screen.
-constexpr Place kFrameTickOrder[] = {Place::Strips, Place::Karaoke,  Place::Subtitle,
-                                     Place::Logo,   Place::Overlay,  Place::Component,
-                                     Place::Levels, Place::PaintPad, Place::ScreenCut};
+constexpr Place kFrameTickOrder[] = {Place::Strips,   Place::Karaoke,   Place::Subtitle, Place::Logo,
+                                     Place::Overlay,  Place::Component, Place::Levels,   Place::RemoteDesk,
+                                     Place::PaintPad, Place::ScreenCut};
 
 // The statistics are fetched before the pages that show them.
 constexpr Place kWorkTickOrder[] = {

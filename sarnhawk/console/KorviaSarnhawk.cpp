@@ -35,6 +35,7 @@
 #include "services/GDialogProductAbout.h"
 #include "services/IncomeNames.h"
 #include "services/PaintPad.h"
+#include "services/RemoteDesk.h"
 #include "shell/GAppCaptionBar.h"
 #include "shell/StartChannels.h"
 #include "sources/MediaFiles.h"
@@ -80,6 +81,8 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent,
       _snapshots(std::make_unique<Snapshots>(this)),
       _paintPad(std::make_unique<PaintPad>(this, _strips.get(), *_ui)),
       _incomeNames(std::make_unique<IncomeNames>(&_config)),
+      _remote(std::make_unique<RemoteDesk>(
+          RemoteDesk::Parts{this, _strips.get(), _takes.get(), _outputs.get(), _statistics.get()})),
       _servers(std::move(servers)) {
   setObjectName(QStringLiteral("KorviaSarnhawk"));
   _pages.add(PagePlace::Strips, _strips.get());
@@ -89,6 +92,7 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent,
   _pages.add(PagePlace::OutputSettings, _outputSettings.get());
   _pages.add(PagePlace::PaintPad, _paintPad.get());
   _pages.add(PagePlace::IncomeNames, _incomeNames.get());
+  _pages.add(PagePlace::RemoteDesk, _remote.get());
   for (std::size_t index = 0; index < _config.channels.size(); ++index)
     _config.channels[index].source.incomePath = QStringLiteral("/income/%1").arg(index);
   _config.outputParam.items[OutputSlotRecord].recordPath = QStringLiteral("d:\\records\\vod\\%1\\").arg(0);
@@ -368,6 +372,7 @@ void KorviaSarnhawk::onEngineOpened() {
     postInitialState();
   _outputs->applyDirectOutputs();
   _servers->startIncome(_rootPath, _config.webPort);
+  _remote->open();
   if (_progress)
     _progress->onProgressText(tr("Please Wait"));
   qDebug("startup spend time : %u", MultimediaClock::since(_startTick));
@@ -431,6 +436,7 @@ void KorviaSarnhawk::stopEngine() {
   }
   delete _workTimer;
   _workTimer = nullptr;
+  _remote->close();
   if (!_engine)
     return;
   _ui->_pvmPreviewWidget->removeEventFilter(this);

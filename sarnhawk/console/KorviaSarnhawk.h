@@ -33,6 +33,7 @@ class OutputWatch;
 class PaintPad;
 class QMenu;
 class QTimer;
+class RemoteDesk;
 class Snapshots;
 class StatisticsFetch;
 class StatusPublisher;
@@ -246,6 +247,7 @@ class KorviaSarnhawk : public QMainWindow,
   std::unique_ptr<Snapshots> _snapshots;
   std::unique_ptr<PaintPad> _paintPad;
   std::unique_ptr<IncomeNames> _incomeNames;
+  std::unique_ptr<RemoteDesk> _remote;
   std::unique_ptr<ConsoleServers> _servers;
   SwitchLever* _lever = nullptr;
   QMenu* _systemMenu = nullptr;

@@ -20,6 +20,7 @@
 #include "services/ConsoleServers.h"
 #include "services/IncomeNames.h"
 #include "services/PaintPad.h"
+#include "services/RemoteDesk.h"
 #include "tagKorviaShowPresentPlacement.h"
 #include "transitions/GWidgetTransitionEffectConfig.h"
 #include "transitions/TakePanel.h"
@@ -288,6 +289,7 @@ void KorviaSarnhawk::slot_PostEventResult(quint64 eventId, quint64, QVariant a1,
       break;
     case ShowEventSwitchPosition:
       _lever->showPosition(a1.toFloat());
+      _remote->setSwitchPosition(a1.toFloat());
       break;
     case ShowEventSelectChannel:
       onChannelSelected(a1.toULongLong(), a2.toInt());

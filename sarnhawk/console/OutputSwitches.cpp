@@ -99,6 +99,11 @@ QPushButton* OutputSwitches::button(int slot) const {
   return slot == OutputSlotRecord ? _ui._startRecordPushButton : _ui._startStreamPushButton;
 }
 
+void OutputSwitches::press(int slot, Press press) {
+  if (isOn(slot) != (press == Press::On))
+    button(slot)->click();
+}
+
 bool OutputSwitches::isOn(int slot) const {
   return button(slot)->isChecked();
 }

@@ -27,6 +27,10 @@ class OutputSwitches {
   void onStopped(unsigned kind);
 
   // By KorviaShowOutputSlot.
+  /// Clicks the button, as the operator would, when it does not stand there already. Nothing happens while
+  /// the button is disabled.
+  enum class Press { On, Off };
+  void press(int slot, Press press);
   /// The operator has switched the output on.
   bool isOn(int slot) const;
   /// The engine has not answered to the last start or stop yet.

@@ -12,15 +12,10 @@
 #include "console/StatisticsFetch.h"
 #include "console/StripArea.h"
 #include "console/TransportRow.h"
+#include "console/reportWords.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 
 namespace {
-
-QString channelTitle(int channelId) {
-  int index = 0;
-  const bool isStage = getObjectKind(channelId, index) == StageObjectKind;
-  return (isStage ? QStringLiteral("Stage-%1") : QStringLiteral("Media-%1")).arg(index);
-}
 
 QJsonObject stageTime(const tagKorviaShowEngineFigures::StageTime& time) {
   return {
@@ -63,9 +58,6 @@ QJsonObject soundSection(const tagKorviaShowEngineFigures& figures) {
 }
 
 // These words are not translated, because programs read them from the status page.
-constexpr const char* kOutputStates[] = {"Idle", "Starting", "Running", "Failed", "Finished"};
-static_assert(std::size(kOutputStates) == static_cast<std::size_t>(KorviaShowOutputState::Finished) + 1);
-
 constexpr const char* kTargetStates[] = {"Connecting", "Up", "Lost", "Failed", "Finished"};
 static_assert(std::size(kTargetStates) == static_cast<std::size_t>(KorviaShowTargetState::Finished) + 1);
 
@@ -91,7 +83,7 @@ QJsonArray targetReports(const QList<tagKorviaShowTargetReport>& reports) {
 }
 
 QJsonObject outputReport(const tagKorviaShowOutputReport& report) {
-  return {{"state", kOutputStates[static_cast<std::size_t>(report.state)]},
+  return {{"state", outputStateName(report.state)},
           {"reason", report.reason},
           {"file", QFileInfo(report.fileName).fileName()},
           {"droppedFrames", report.droppedFrames},

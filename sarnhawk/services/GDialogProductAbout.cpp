@@ -1,10 +1,21 @@
 #include "GDialogProductAbout.h"
 
 #include <QCoreApplication>
+#include <QGroupBox>
+#include <QLabel>
+#include <QVBoxLayout>
 
 #include "KorviaCommonUtil.h"
+#include "ListenPlace.h"
+#include "WebDesk.h"
+#include "services/qrCode.h"
 #include "shell/tagKorviaProductInfo.h"
 #include "ui_GDialogProductAbout.h"
+
+namespace {
+// A phone reads it from the other side of the desk.
+constexpr int kCodeModulePixels = 5;
+}  // namespace
 
 GDialogProductAbout::GDialogProductAbout(const QString& rootPath, const tagKorviaProductInfo* product,
                                          QWidget* parent)
@@ -19,12 +30,32 @@ GDialogProductAbout::GDialogProductAbout(const QString& rootPath, const tagKorvi
           .arg(productText(_product->linkTarget), productText(_product->linkText)));
   _ui->_productVersionLabel->setText(productText(_product->versionPrefix) + QStringLiteral("  ") +
                                      versionText(QCoreApplication::applicationDirPath()));
+  showPage();
   connect(_ui->_okPushButton, &QPushButton::clicked, this, &GDialogProductAbout::onClicked_okPushButton);
   connect(_ui->_checkUpdatesPushButton, &QPushButton::clicked, this,
           &GDialogProductAbout::onClicked_checkUpdatesPushButton);
 }
 
 GDialogProductAbout::~GDialogProductAbout() = default;
+
+void GDialogProductAbout::showPage() {
+  const QString address = korvia::WebDesk::instance().pageAddress(KorviaCommonUtil::getIp());
+  if (!korvia::listensToOthers() || address.isEmpty())
+    return;
+  auto* group = new QGroupBox(tr("Operator's Page"));
+  group->setObjectName(QStringLiteral("_pageGroupBox"));
+  auto* code = new QLabel;
+  code->setObjectName(QStringLiteral("_pageCodeLabel"));
+  code->setPixmap(QPixmap::fromImage(qrCode(address, kCodeModulePixels)));
+  auto* text = new QLabel(address);
+  text->setObjectName(QStringLiteral("_pageAddressLabel"));
+  text->setTextFormat(Qt::PlainText);
+  text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  auto* layout = new QVBoxLayout(group);
+  layout->addWidget(code, 0, Qt::AlignCenter);
+  layout->addWidget(text, 0, Qt::AlignCenter);
+  _ui->_mainLayout->insertWidget(1, group);
+}
 
 QString GDialogProductAbout::versionText(const QString& folder) {
   QByteArray content;

@@ -1,4 +1,5 @@
-// Shows name, description, authors and version of the product. Console thread only.
+// Shows name, description, authors and version of the product, and the address of the operator's page with a
+// QR code when other machines reach it. Console thread only.
 #pragma once
 #include <QDialog>
 #include <memory>
@@ -27,6 +28,9 @@ class GDialogProductAbout : public QDialog {
   void onClicked_checkUpdatesPushButton();
 
  private:
+  /// The operator's page for phones, when other machines reach it.
+  void showPage();
+
   std::unique_ptr<Ui::GDialogProductAbout> _ui;
   const tagKorviaProductInfo* _product;
 };

@@ -41,6 +41,11 @@ void TakePanel::update(int index) {
   shown->setIcon(item && QFileInfo::exists(item->thumbPath) ? QIcon(item->thumbPath) : QIcon());
 }
 
+QString TakePanel::transitionName(int index) const {
+  const QToolButton* shown = button(index);
+  return shown ? shown->text().replace(QLatin1Char('\n'), QLatin1Char(' ')) : QString();
+}
+
 void TakePanel::take(int channelId, int index) {
   if (!button(index))
     return;

@@ -23,6 +23,8 @@ class TakePanel {
   QToolButton* button(int index) const;
   /// Shows the transition of the button's slot in the record as text, tool tip and icon.
   void update(int index);
+  /// What the button is called, in one line: "Slide Left".
+  QString transitionName(int index) const;
   /// Takes the channel with the transition of the button's slot. The film of the channel is released before
   /// the take is posted, so that it moves in the first frame of the transition.
   void take(int channelId, int index);

@@ -127,6 +127,11 @@ int KorviaProcess::webPort() const {
   return address.match(log()).captured(1).toInt();
 }
 
+QString KorviaProcess::pageAddress() const {
+  static const QRegularExpression address(QStringLiteral("operator's page : (\\S+#\\S+)"));
+  return address.match(log()).captured(1);
+}
+
 QJsonObject KorviaProcess::status() const {
   const HttpReply reply = request(webPort(), "GET", "/status.json");
   if (reply.status != 200)

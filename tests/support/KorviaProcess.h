@@ -45,6 +45,8 @@ class KorviaProcess {
 
   /// Port of the status page, from the log; 0 before it is there.
   int webPort() const;
+  /// Address of the operator's page with its token, as the program prints it; empty before it is there.
+  QString pageAddress() const;
   /// The sections of /status.json; empty when there is no answer.
   QJsonObject status() const;
   /// Frames that the engine has made, as the status page counts them; -1 when there is no answer.

@@ -74,6 +74,7 @@ class ScriptedBackend final : public korvia::IShowBackend {
   void setIncomeServer(int port, const QString& publishSecret) override {
     show_.calls.append(QStringLiteral("setIncomeServer %1 %2").arg(port).arg(publishSecret));
   }
+  void setPictureSink(IKorviaShowPictureSink*) override {}
 
  private:
   static int indexOf(int id) {

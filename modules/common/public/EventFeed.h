@@ -44,7 +44,8 @@ class EventFeed {
   void tell(const QByteArray& name, const QJsonObject& moment);
   /// Tells the newest levels to the viewers who asked for them.
   void setLevels(const QJsonObject& levels);
-  bool hasViewers() const;
+  int viewers() const;
+  bool hasViewers() const { return viewers() > 0; }
   bool hasLevelViewers() const;
 
   // The web server's side.

@@ -31,9 +31,9 @@ void EventFeed::setLevels(const QJsonObject& levels) {
   wakeAll();
 }
 
-bool EventFeed::hasViewers() const {
+int EventFeed::viewers() const {
   MutexLock lock(mutex_);
-  return viewers_ > 0;
+  return viewers_;
 }
 
 bool EventFeed::hasLevelViewers() const {

@@ -51,6 +51,7 @@ constexpr Figure kFigures[] = {
     {"sections.incomeServer.refused", "korvia_income_refused_total", "counter",
      "Pushed streams that were refused."},
     {"sections.webServer.connections", "korvia_web_connections", "gauge", "Open connections."},
+    {"sections.webServer.eventViewers", "korvia_web_event_viewers", "gauge", "Viewers of the events."},
     {"sections.webServer.refusedConnections", "korvia_web_refused_connections_total", "counter",
      "Connections that were ended because there were too many."},
     {"sections.webServer.expiredConnections", "korvia_web_expired_connections_total", "counter",

@@ -237,6 +237,7 @@ int RequestRouter::post(WebRequest& request, const QByteArray& path, std::size_t
 
 QJsonObject RequestRouter::status() const {
   const QJsonObject web{{QStringLiteral("connections"), connections_.open()},
+                        {QStringLiteral("eventViewers"), WebDesk::instance().events().viewers()},
                         {QStringLiteral("refusedConnections"), connections_.refused()},
                         {QStringLiteral("expiredConnections"), connections_.expired()}};
   QJsonObject sections = StatusBoard::instance().snapshot();

@@ -4,6 +4,7 @@
 #include <QVariant>
 
 #include "IKorviaShowEngineSink.h"
+#include "IKorviaShowPictureSink.h"
 #include "IKorviaShowSource.h"
 #include "KorviaShowThread.h"
 #include "tagKorviaOutputStatistics.h"
@@ -53,6 +54,7 @@ class IShowBackend {
   virtual void setPaintPadValid(bool valid) = 0;
   virtual void pausePGMImage(bool pause) = 0;
   virtual void setIncomeServer(int port, const QString& publishSecret) = 0;
+  virtual void setPictureSink(IKorviaShowPictureSink* sink) = 0;
 
   virtual ~IShowBackend() = default;
 };

@@ -166,6 +166,7 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
     program_ = switcher_.pgm().withLayers(mixed_, *pool_);
   }
   showMonitors(preview);
+  showPictures();
   {
     StageClock::Scope stage(stages_, StageClock::HandOver);
     if (tick.missed > 0) {
@@ -208,6 +209,20 @@ void SoftwareBackend::showMonitors(const FrameRef& preview) {
     showChannel(MonitorHub::FirstStage + i, StageChannel + i);
   showChannel(MonitorHub::Karaoke, 0);
   monitors_.commit();
+}
+
+void SoftwareBackend::showPictures() {
+  const auto now = std::chrono::steady_clock::now();
+  if (pictures_.isDue(KorviaShowPicture::Program, now))
+    pictures_.showProgram(program_);
+  if (!pictures_.isDue(KorviaShowPicture::Channels, now))
+    return;
+  PictureTap::Channels channels;
+  for (int i = 0; i < kMediaChannelMax; ++i)
+    channels[static_cast<std::size_t>(i)] = channels_.stripPicture(MediaChannel + i);
+  for (int i = 0; i < kStageChannelMax; ++i)
+    channels[static_cast<std::size_t>(kMediaChannelMax + i)] = channels_.stripPicture(StageChannel + i);
+  pictures_.showChannels(channels);
 }
 
 tagKorviaShowEngineFigures::SoundDevice SoftwareBackend::figuresOf(const SoundDevice* device) {

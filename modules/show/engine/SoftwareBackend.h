@@ -18,6 +18,7 @@
 #include "engine/channel/ChannelBank.h"
 #include "engine/items/ItemStage.h"
 #include "engine/monitor/MonitorHub.h"
+#include "engine/monitor/PictureTap.h"
 #include "engine/output/OutputRack.h"
 #include "engine/output/SnapshotWriter.h"
 #include "engine/output/device/DeviceRack.h"
@@ -52,6 +53,7 @@ class SoftwareBackend final : public IShowBackend {
   void setIncomeServer(int port, const QString& publishSecret) override {
     outputs_.setIncomeServer({port, publishSecret});
   }
+  void setPictureSink(IKorviaShowPictureSink* sink) override { pictures_.setSink(sink); }
 
  private:
   void fillEventTable();
@@ -66,6 +68,7 @@ class SoftwareBackend final : public IShowBackend {
   // The frame. Engine thread.
   void mixSound(const FrameTick& tick);
   void showMonitors(const FrameRef& preview);
+  void showPictures();
   void keepFigures(const FrameTick& tick);
   static tagKorviaShowEngineFigures::SoundDevice figuresOf(const SoundDevice* device);
   void watchLoad();
@@ -93,6 +96,7 @@ class SoftwareBackend final : public IShowBackend {
   std::unique_ptr<SoundDevice> programDevice_;
   std::unique_ptr<SoundDevice> previewDevice_;
   MonitorHub monitors_;
+  PictureTap pictures_;
   OutputRack outputs_;
   DeviceRack deviceOutputs_;
   SnapshotWriter snapshots_;

@@ -32,6 +32,8 @@ class SilentBackend final : public IShowBackend {
   void setPaintPadValid(bool) override {}
   void pausePGMImage(bool) override {}
   void setIncomeServer(int, const QString&) override {}
+  // There are no pictures.
+  void setPictureSink(IKorviaShowPictureSink*) override {}
 
  private:
   void take(int channel);

@@ -132,3 +132,7 @@ void KorviaShowEngine::setIncomeServer(int port, const QString& publishSecret) {
   BlackBox::instance().call("setIncomeServer", 0, {port});
   backend_->setIncomeServer(port, publishSecret);
 }
+
+void KorviaShowEngine::setPictureSink(IKorviaShowPictureSink* sink) {
+  backend_->setPictureSink(sink);
+}

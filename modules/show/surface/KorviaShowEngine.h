@@ -4,6 +4,7 @@
 #include <QImage>
 #include <memory>
 
+#include "IKorviaShowPictureSink.h"
 #include "IKorviaShowSource.h"
 #include "KorviaShowEvents.h"
 #include "KorviaShowObjectID.h"
@@ -54,6 +55,9 @@ class KorviaShowEngine : public KorviaShowThread {
   /// what the server asks of the program, which is never written down. Counts from the next start of the
   /// stream on.
   void setIncomeServer(int port, const QString& publishSecret);
+  /// Who gets small pictures of the running show, with what it wants of them; null for nobody. The sink is
+  /// not owned. When this returns, the sink before is not called any more.
+  void setPictureSink(IKorviaShowPictureSink* sink);
 
  protected:
   void onThreadBegin() override;

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <string_view>
 
+#include "WebDesk.h"
 #include "services/GDialogProductAbout.h"
+#include "services/qrCode.h"
 #include "shell/tagKorviaProductInfo.h"
 
 namespace {
@@ -30,6 +32,8 @@ class TestDialogProductAbout : public QObject {
   void showsTheRecord();
   void fieldsWithoutEndAreCutAtTheirEnd();
   void looksAsItShould();
+  void pageIsShownWhenOthersReachIt();
+  void qrCodeHasItsFinderPatterns();
   void okAccepts();
   void checkForUpdatesDoesNothing();
 
@@ -101,6 +105,49 @@ void TestDialogProductAbout::looksAsItShould() {
   QCOMPARE(groups.first()->title(), QStringLiteral("Product Info"));
   QCOMPARE(dialog.findChild<QPushButton*>("_checkUpdatesPushButton")->text(),
            QStringLiteral("Check for Updates"));
+}
+
+void TestDialogProductAbout::pageIsShownWhenOthersReachIt() {
+  const auto isPageShown = [this] {
+    GDialogProductAbout dialog("/data/", &_product);
+    return dialog.findChild<QGroupBox*>("_pageGroupBox") != nullptr;
+  };
+  korvia::WebDesk& desk = korvia::WebDesk::instance();
+  desk.setPort(8800);
+  QVERIFY(!isPageShown());
+  qputenv("KORVIA_LISTEN", "192.0.2.7");
+  const auto reset = qScopeGuard([&desk] {
+    qunsetenv("KORVIA_LISTEN");
+    desk.setPort(0);
+  });
+  QVERIFY(isPageShown());
+  GDialogProductAbout dialog("/data/", &_product);
+  const QString address = dialog.findChild<QLabel*>("_pageAddressLabel")->text();
+  QCOMPARE(address, QStringLiteral("http://192.0.2.7:8800/#") + desk.token());
+  const QImage code = dialog.findChild<QLabel*>("_pageCodeLabel")->pixmap(Qt::ReturnByValue).toImage();
+  QCOMPARE(code.convertToFormat(QImage::Format_RGB32), qrCode(address, 5));
+  desk.setPort(0);
+  QVERIFY(!isPageShown());
+}
+
+// A finder pattern stands in three corners, behind a quiet zone of four modules.
+void TestDialogProductAbout::qrCodeHasItsFinderPatterns() {
+  const QImage code = qrCode("http://192.0.2.7:8800/", 1);
+  QVERIFY(code.width() == code.height() && (code.width() - 8 - 17) % 4 == 0);
+  const int last = code.width() - 1;
+  const char* const rows[] = {"1111111", "1000001", "1011101", "1011101", "1011101", "1000001", "1111111"};
+  for (int y = 0; y < 7; ++y) {
+    for (int x = 0; x < 7; ++x) {
+      const QRgb expected = rows[y][x] == '1' ? qRgb(0, 0, 0) : qRgb(255, 255, 255);
+      QCOMPARE(code.pixel(4 + x, 4 + y), expected);
+      QCOMPARE(code.pixel(last - 4 - x, 4 + y), expected);
+      QCOMPARE(code.pixel(4 + x, last - 4 - y), expected);
+    }
+  }
+  for (int at = 0; at <= last; ++at)
+    QCOMPARE(code.pixel(at, 3), qRgb(255, 255, 255));
+  QVERIFY(qrCode(QString(), 5).isNull());
+  QVERIFY(qrCode(QString(5000, 'x'), 5).isNull());
 }
 
 void TestDialogProductAbout::okAccepts() {
