@@ -213,6 +213,7 @@ bool NginxSupervisor::choosePorts() {
     qCWarning(lcIncome, "no free port for the income server from %d or %d on", wantedHttp, wantedRtmp);
     config.httpPort = wantedHttp;
     config.rtmpPort = wantedRtmp;
+    failure_ = QStringLiteral("no free port for the income server");
     return false;
   }
   if (config.httpPort != wantedHttp)

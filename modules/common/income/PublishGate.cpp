@@ -137,7 +137,7 @@ bool PublishGate::allows(const QByteArray& form) {
 
 /// Why the publisher is refused; empty when it may publish.
 QString PublishGate::refusal(const PublishRequest& request) {
-  const QString byRules = refusalByRules(request);
+  QString byRules = refusalByRules(request);
   if (!byRules.isEmpty())
     return byRules;
   const QString stream = streamOf(request);
@@ -173,7 +173,7 @@ QString PublishGate::refusalByPublisher(const PublishRequest& request) {
   const std::optional<RtmpPublisher> present = publisherOf(request);
   if (!present)
     return QString();
-  const QString isPublished = QStringLiteral("it is published already by %1").arg(printable(present->addr));
+  QString isPublished = QStringLiteral("it is published already by %1").arg(printable(present->addr));
   if (present->bytesIn == 0 && present->connectedMs < kFirstPacketMs)
     return isPublished;
   QElapsedTimer silence;

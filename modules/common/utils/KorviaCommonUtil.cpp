@@ -90,7 +90,7 @@ bool KorviaCommonUtil::readFileContent(const QString& path, QByteArray& content)
 }
 
 QString KorviaCommonUtil::getIp() {
-  const QString listening = korvia::listenAddresses().constLast();
+  QString listening = korvia::listenAddresses().constLast();
   if (listening != QLatin1String("0.0.0.0"))
     return listening;
   for (const QHostAddress& address : {addressOfDefaultRoute(), addressOfAnyInterface()}) {

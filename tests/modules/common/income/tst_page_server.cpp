@@ -11,6 +11,55 @@ using korvia::test::HttpReply;
 using korvia::test::IncomeRig;
 using korvia::test::request;
 
+namespace {
+
+/// Paths that lead out of the page folder, to what is hidden in it, or nowhere.
+QList<QByteArray> badPaths() {
+  QList<QByteArray> paths = {"/.hidden",
+                             "/%2ehidden",
+                             "/.git/config",
+                             "/%2egit/config",
+                             "/.git/",
+                             "/folder/.env",
+                             "/folder/%2eenv",
+                             "//.hidden",
+                             "/folder//.env",
+                             "/folder/..%2f.hidden",
+                             "/link.txt",
+                             "/%6cink.txt",
+                             "/out/secret.txt",
+                             "/out/",
+                             "/out/html/page.txt",
+                             "/folder/etc/passwd",
+                             "/folder/etc/",
+                             "/out%2fsecret.txt",
+                             "/page.txt%00.html",
+                             "/%00",
+                             "/link.txt%00",
+                             "http://127.0.0.1/../secret.txt",
+                             "/secret.txt",
+                             "/nginx.conf",
+                             "/control.sock",
+                             "/gate.sock",
+                             "/.",
+                             "/..",
+                             "*",
+                             "secret.txt"};
+  const QList<QByteArray> ups = {
+      "../",      "..%2f", "%2e%2e/", "%2e%2e%2f", ".%2e/",  "%252e%252e%252f", "..%5c", "..\\",
+      "..%c0%af", "..;/",  "....//",  "%2e%2e%5c", "..%00/", "%uff0e%uff0e/",   "..//"};
+  for (const QByteArray& up : ups) {
+    for (const int times : {1, 2, 3, 8}) {
+      for (const char* target : {"secret.txt", "etc/passwd"})
+        paths.append("/" + up.repeated(times) + target);
+      paths.append("/folder/deep/" + up.repeated(times) + "secret.txt");
+    }
+  }
+  return paths;
+}
+
+}  // namespace
+
 class PageServerTest : public QObject, private IncomeRig {
   Q_OBJECT
 
@@ -31,63 +80,16 @@ class PageServerTest : public QObject, private IncomeRig {
   }
   void cleanup() { tearDown(); }
 
-  void nothingLeadsOutOfTheFolder_data() {
-    QTest::addColumn<QByteArray>("path");
-    const auto rows = [](const QByteArray& prefix, const QList<QByteArray>& ups, const QByteArray& target) {
-      for (const QByteArray& up : ups) {
-        for (const int times : {1, 2, 3, 8}) {
-          const QByteArray path = prefix + up.repeated(times) + target;
-          QTest::newRow(path.toPercentEncoding().constData()) << path;
-        }
-      }
-    };
-    const QList<QByteArray> ups = {
-        "../",      "..%2f", "%2e%2e/", "%2e%2e%2f", ".%2e/",  "%252e%252e%252f", "..%5c", "..\\",
-        "..%c0%af", "..;/",  "....//",  "%2e%2e%5c", "..%00/", "%uff0e%uff0e/",   "..//"};
-    rows("/", ups, "secret.txt");
-    rows("/folder/deep/", ups, "secret.txt");
-    rows("/", ups, "etc/passwd");
-    const QList<QByteArray> single = {"/.hidden",
-                                      "/%2ehidden",
-                                      "/.git/config",
-                                      "/%2egit/config",
-                                      "/.git/",
-                                      "/folder/.env",
-                                      "/folder/%2eenv",
-                                      "//.hidden",
-                                      "/folder//.env",
-                                      "/folder/..%2f.hidden",
-                                      "/link.txt",
-                                      "/%6cink.txt",
-                                      "/out/secret.txt",
-                                      "/out/",
-                                      "/out/html/page.txt",
-                                      "/folder/etc/passwd",
-                                      "/folder/etc/",
-                                      "/out%2fsecret.txt",
-                                      "/page.txt%00.html",
-                                      "/%00",
-                                      "/link.txt%00",
-                                      "http://127.0.0.1/../secret.txt",
-                                      "/secret.txt",
-                                      "/nginx.conf",
-                                      "/control.sock",
-                                      "/gate.sock",
-                                      "/.",
-                                      "/..",
-                                      "*",
-                                      "secret.txt"};
-    for (const QByteArray& path : single)
-      QTest::newRow(path.toPercentEncoding().constData()) << path;
-  }
   void nothingLeadsOutOfTheFolder() {
-    QFETCH(QByteArray, path);
-    if (!helper_._interface->isRunning())
-      QCOMPARE(open(), 0);
-    const HttpReply reply = request(port(), "GET", path);
-    QVERIFY2(!reply.body.contains("secret") && !reply.body.contains("root:"), reply.body.constData());
-    QVERIFY2(reply.status >= 400 || reply.body == "<p>korvia</p>",
-             QByteArray::number(reply.status).constData());
+    QCOMPARE(open(), 0);
+    const QList<QByteArray> paths = badPaths();
+    QVERIFY(paths.size() >= 200);
+    for (const QByteArray& path : paths) {
+      const HttpReply reply = request(port(), "GET", path);
+      QVERIFY2(!reply.body.contains("secret") && !reply.body.contains("root:"), path.constData());
+      QVERIFY2(reply.status >= 400 || reply.body == "<p>korvia</p>",
+               (path + " -> " + QByteArray::number(reply.status)).constData());
+    }
   }
 
   void rawBytesLeadNowhere_data() {
