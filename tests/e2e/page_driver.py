@@ -106,7 +106,7 @@ class Page:
                 return json.load(reply)["value"]
         except urllib.error.HTTPError as error:
             value = json.loads(error.read() or b"{}").get("value") or {}
-            raise PageError(f"{value.get('error')}: {value.get('message', '').splitlines()[:1]}") from None
+            raise PageError(f"{value.get('error')}: {value.get('message', '').split(chr(10))[0]}") from None
         except OSError as error:
             raise PageError(f"chromedriver does not answer: {error}") from None
 
@@ -116,6 +116,9 @@ class Page:
     def open(self, url):
         """Opens the address, whose part after # is the token."""
         self._command("POST", "/url", {"url": url})
+        shown = self.script("return document.URL")
+        if not shown.startswith("http"):
+            raise PageError(f"the browser cannot open {url}: {shown}")
 
     def script(self, text, *arguments):
         """Runs the body of a function in the page and gives what it returns."""
