@@ -24,6 +24,7 @@ enum class PagePlace {
   OutputSettings,
   StatisticsWindow,
   StatusPublisher,
+  IncomeNames,
   RemoteDesk,
   SoundControl,
   ChannelConfig,

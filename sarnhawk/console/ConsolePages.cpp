@@ -7,8 +7,9 @@ namespace {
 using Place = PagePlace;
 
 // Each phase has an order of its own. A new page is added to the orders of the phases that it needs.
-constexpr Place kEngineOpenedOrder[] = {Place::Strips,  Place::Karaoke,   Place::Subtitle,   Place::Logo,
-                                        Place::Overlay, Place::Component, Place::ProgramList};
+constexpr Place kEngineOpenedOrder[] = {Place::Strips,      Place::Karaoke,    Place::Subtitle,
+                                        Place::Logo,        Place::Overlay,    Place::Component,
+                                        Place::ProgramList, Place::IncomeNames};
 
 // The screen cut captures last, so that it sees everything that the tick has changed on the screen.
 constexpr Place kFrameTickOrder[] = {Place::Strips,   Place::Karaoke,   Place::Subtitle, Place::Logo,
@@ -16,11 +17,11 @@ constexpr Place kFrameTickOrder[] = {Place::Strips,   Place::Karaoke,   Place::S
                                      Place::PaintPad, Place::ScreenCut};
 
 // The statistics are fetched before the pages that show them.
-constexpr Place kWorkTickOrder[] = {Place::Strips,         Place::Karaoke,          Place::Subtitle,
-                                    Place::Logo,           Place::Overlay,          Place::Component,
-                                    Place::Transport,      Place::StatisticsFetch,  Place::OutputWatch,
-                                    Place::OutputStatus,   Place::StatisticsWindow, Place::ProgramList,
-                                    Place::StatusPublisher};
+constexpr Place kWorkTickOrder[] = {
+    Place::Strips,          Place::Karaoke,      Place::Subtitle,         Place::Logo,
+    Place::Overlay,         Place::Component,    Place::Transport,        Place::StatisticsFetch,
+    Place::OutputWatch,     Place::OutputStatus, Place::StatisticsWindow, Place::ProgramList,
+    Place::StatusPublisher, Place::IncomeNames};
 
 constexpr Place kHideAllOrder[] = {Place::ScreenCut,        Place::StatisticsWindow, Place::ChannelConfig,
                                    Place::ProgramList,      Place::Strips,           Place::PaintPad,

@@ -33,6 +33,7 @@
 #include "output/OutputStatus.h"
 #include "services/ConsoleServers.h"
 #include "services/GDialogProductAbout.h"
+#include "services/IncomeNames.h"
 #include "services/PaintPad.h"
 #include "services/RemoteDesk.h"
 #include "shell/GAppCaptionBar.h"
@@ -79,6 +80,7 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent,
       _takes(std::make_unique<TakePanel>(this, _strips.get(), *_ui)),
       _snapshots(std::make_unique<Snapshots>(this)),
       _paintPad(std::make_unique<PaintPad>(this, _strips.get(), *_ui)),
+      _incomeNames(std::make_unique<IncomeNames>(&_config)),
       _remote(std::make_unique<RemoteDesk>(
           RemoteDesk::Parts{this, _strips.get(), _takes.get(), _outputs.get(), _statistics.get()})),
       _servers(std::move(servers)) {
@@ -89,6 +91,7 @@ KorviaSarnhawk::KorviaSarnhawk(GAppCaptionBar* captionBar, QWidget* parent,
   _pages.add(PagePlace::StatusPublisher, _status.get());
   _pages.add(PagePlace::OutputSettings, _outputSettings.get());
   _pages.add(PagePlace::PaintPad, _paintPad.get());
+  _pages.add(PagePlace::IncomeNames, _incomeNames.get());
   _pages.add(PagePlace::RemoteDesk, _remote.get());
   for (std::size_t index = 0; index < _config.channels.size(); ++index)
     _config.channels[index].source.incomePath = QStringLiteral("/income/%1").arg(index);

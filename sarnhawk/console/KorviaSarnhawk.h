@@ -24,6 +24,7 @@ class GAppCaptionBar;
 class GWidgetDisplayObjectConfig;
 class GWidgetOutputStatistics;
 class GWidgetTransitionEffectConfig;
+class IncomeNames;
 class LevelMeters;
 class OutputSettings;
 class OutputStatus;
@@ -245,6 +246,7 @@ class KorviaSarnhawk : public QMainWindow,
   std::unique_ptr<TakePanel> _takes;
   std::unique_ptr<Snapshots> _snapshots;
   std::unique_ptr<PaintPad> _paintPad;
+  std::unique_ptr<IncomeNames> _incomeNames;
   std::unique_ptr<RemoteDesk> _remote;
   std::unique_ptr<ConsoleServers> _servers;
   SwitchLever* _lever = nullptr;

@@ -18,6 +18,7 @@
 #include "output/OutputSettings.h"
 #include "present/popupAt.h"
 #include "services/ConsoleServers.h"
+#include "services/IncomeNames.h"
 #include "services/PaintPad.h"
 #include "services/RemoteDesk.h"
 #include "tagKorviaShowPresentPlacement.h"
@@ -113,7 +114,7 @@ void KorviaSarnhawk::onClicked_startStreamPushButton() {
     _outputWatch->onStart(OutputSlotStream);
     _servers->serveSegments(_config.outputParam.items[OutputSlotStream]);
     if (_engine)
-      _engine->setIncomePort(_servers->rtmpPort());
+      _engine->setIncomeServer(_servers->rtmpPort(), _servers->publishSecret());
     _outputs->start(OutputKindStream);
   } else {
     _outputs->stop(OutputKindStream);
@@ -219,7 +220,9 @@ void KorviaSarnhawk::showChannelConfig(QWidget* button, int channelId) {
 }
 
 // Nothing is stored: a show lives in memory only.
-void KorviaSarnhawk::saveChanges(unsigned, int) {}
+void KorviaSarnhawk::saveChanges(unsigned, int) {
+  _incomeNames->handOver();
+}
 
 QList<GListWidgetItemInfo>* KorviaSarnhawk::getEffectList(int catalog) {
   return _takes->effectList(catalog);

@@ -55,6 +55,10 @@ int ConsoleServers::rtmpPort() const {
   return _income._interface ? _income._interface->rtmpPort() : 0;
 }
 
+QString ConsoleServers::publishSecret() const {
+  return _income._interface ? _income._interface->publishSecret() : QString();
+}
+
 void* ConsoleServers::queryIncome(const Identifier* id, unsigned version) const {
   return _income._interface ? _income._interface->queryInterface(id, version) : nullptr;
 }

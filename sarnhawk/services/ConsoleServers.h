@@ -28,6 +28,8 @@ class ConsoleServers {
   void startIncome(const QString& rootPath, int port);
   /// The RTMP port of the income server; 0 while it does not run.
   int rtmpPort() const;
+  /// What the income server asks of the program when that publishes; empty while it does not run.
+  QString publishSecret() const;
   /// Asks the income server for an interface; null while it is not loaded.
   void* queryIncome(const Identifier* id, unsigned version) const;
   /// Ends and releases both servers. Harmless when they are not there.

@@ -71,8 +71,10 @@ class ScriptedBackend final : public korvia::IShowBackend {
   }
   void setPaintPadValid(bool valid) override { note("setPaintPadValid", valid); }
   void pausePGMImage(bool pause) override { note("pausePGMImage", pause); }
+  void setIncomeServer(int port, const QString& publishSecret) override {
+    show_.calls.append(QStringLiteral("setIncomeServer %1 %2").arg(port).arg(publishSecret));
+  }
   void setPictureSink(IKorviaShowPictureSink*) override {}
-  void setIncomePort(int port) override { show_.calls.append(QStringLiteral("setIncomePort %1").arg(port)); }
 
  private:
   static int indexOf(int id) {

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <QRandomGenerator>
 #include <QStandardPaths>
 #include <cerrno>
 
@@ -41,6 +42,14 @@ QString findRtmpModule() {
       qEnvironmentVariable("KORVIA_NGINX_MODULES", QStringLiteral("/usr/lib/nginx/modules"));
   const QFileInfo module{QDir(folder), QLatin1String(kModuleFile)};
   return module.isFile() ? module.absoluteFilePath() : QString();
+}
+
+/// 128 random bits as letters and digits.
+QString randomSecret() {
+  quint32 words[4];
+  QRandomGenerator::system()->fillRange(words);
+  return QString::fromLatin1(
+      QByteArray::fromRawData(reinterpret_cast<const char*>(words), sizeof words).toHex());
 }
 
 }  // namespace
@@ -82,6 +91,8 @@ int IncomeServer::open(const QString& rootPath, int port, const QString& htmlPat
   if (!NginxConfig::quoted(settings.config.htmlFolder) || !NginxConfig::quoted(settings.config.modulePath))
     return refuse(-EINVAL, "nginx cannot serve a folder of that name");
 
+  publishSecret_ = randomSecret();
+  settings.secrets = {publishSecret_.toLatin1(), qgetenv(kPublishKeyVariable)};
   supervisor_ = std::make_unique<NginxSupervisor>();
   supervisor_->moveToThread(&thread_);
   thread_.setObjectName(QStringLiteral("income server"));
@@ -104,6 +115,10 @@ bool IncomeServer::isRunning() {
 
 int IncomeServer::rtmpPort() {
   return supervisor_ ? supervisor_->rtmpPort() : 0;
+}
+
+QString IncomeServer::publishSecret() {
+  return publishSecret_;
 }
 
 void IncomeServer::close() {

@@ -27,11 +27,13 @@ class IncomeServer : public IKorviaRTMPIncomeServer {
   bool isRunning() override;
   int rtmpPort() override;
   void close() override;
+  QString publishSecret() override;
 
  private:
   int refuse(int result, const char* reason);
 
   QThread thread_;  // lives as long as the child, which the kernel ends together with it
+  QString publishSecret_;
   std::unique_ptr<NginxSupervisor> supervisor_;  // on thread_
   bool refused_ = false;                         // the status board says why
 };

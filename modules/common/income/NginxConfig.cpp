@@ -8,8 +8,12 @@ namespace korvia {
 
 namespace {
 
-// A single process, so that its end ends everything. The MIME types stand here because their usual file is
-// not part of every installation.
+// A single process, so that its end ends everything. The paths of the sockets are relative to the folder that
+// nginx is started in, because a path of a socket has 107 bytes at most. The MIME types stand here because
+// their usual file is not part of every installation.
+//
+// The limit of connections of an address counts only requests whose head was read. Clients that send it
+// slowly are ended after 10 s, and there are many more slots than one of them needs to be noticed.
 constexpr char kTemplate[] = R"(load_module %MODULE%;
 daemon off;
 master_process off;
@@ -17,7 +21,7 @@ worker_processes 1;
 %USER%pid %WORK%/nginx.pid";
 error_log stderr warn;
 events {
-  worker_connections 256;
+  worker_connections %CONNECTIONS%;
 }
 rtmp {
   access_log off;
@@ -26,16 +30,19 @@ rtmp {
     ping 30s;
     ping_timeout 10s;
     max_connections 64;
+    notify_method post;
     application income {
       live on;
       record off;
       drop_idle_publisher 30s;
+      on_publish "http://unix:%GATE%:/publish";
     }
     application live {
       live on;
       record off;
       wait_key on;
       wait_video on;
+      on_publish "http://unix:%GATE%:/publish";
       allow publish 127.0.0.1;
       deny publish all;
       allow play all;
@@ -44,6 +51,7 @@ rtmp {
 }
 http {
   access_log off;
+  error_log stderr crit;
   server_tokens off;
   client_body_temp_path %WORK%/body";
   proxy_temp_path %WORK%/proxy";
@@ -67,9 +75,19 @@ http {
     video/x-flv flv;
   }
   default_type application/octet-stream;
+  limit_conn_zone $binary_remote_addr zone=address:1m;
   server {
-%HTTP_LISTEN%    client_max_body_size 64k;
-    add_header X-Content-Type-Options nosniff;
+%HTTP_LISTEN%    limit_conn address 16;
+    client_header_timeout 10s;
+    client_body_timeout 10s;
+    send_timeout 10s;
+    keepalive_timeout 10s;
+    client_max_body_size 64k;
+    absolute_redirect off;
+    disable_symlinks on from=$document_root;
+    add_header X-Content-Type-Options nosniff always;
+    add_header Referrer-Policy no-referrer always;
+    add_header X-Frame-Options SAMEORIGIN always;
     root %HTML%;
     index index.html;
     location / {
@@ -77,9 +95,20 @@ http {
         deny all;
       }
     }
-    location = /ready-%TOKEN% {
-      default_type text/plain;
-      return 200 "%TOKEN%";
+    location ~ /\. {
+      deny all;
+    }
+  }
+  server {
+    listen unix:%CONTROL%;
+    location = /ready {
+      return 204;
+    }
+    location = /stat {
+      rtmp_stat all;
+    }
+    location /control {
+      rtmp_control all;
     }
   }
 }
@@ -125,7 +154,9 @@ std::optional<QByteArray> NginxConfig::text() const {
       {"%WORK%", *work},
       {"%HTTP_LISTEN%", listenLines(addresses, httpPort)},
       {"%RTMP_LISTEN%", listenLines(addresses, rtmpPort)},
-      {"%TOKEN%", readyToken},
+      {"%CONNECTIONS%", QByteArray::number(kConnections)},
+      {"%GATE%", kGateSocket},
+      {"%CONTROL%", kControlSocket},
       {"%HTML%", *html},
   };
   // One pass over the template, so that a path that looks like a placeholder is not replaced.

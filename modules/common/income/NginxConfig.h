@@ -1,6 +1,7 @@
-// The configuration file of the income server: the RTMP application "income" for streams from
-// others, "live" for the program, which this machine alone may publish, and a folder of static pages.
-// A plain value, usable from any thread.
+// The configuration file of the income server: the RTMP application "income" for streams from others, "live"
+// for the program, which the console alone publishes, a folder of static pages, and two Unix sockets in the
+// working folder: nginx asks the gate before each publisher and answers the console on the control socket. A
+// plain value, usable from any thread.
 #pragma once
 #include <QByteArray>
 #include <QString>
@@ -16,7 +17,11 @@ struct NginxConfig {
   QStringList addresses;  // numeric addresses that both servers listen on
   int httpPort = 0;
   int rtmpPort = 0;
-  QByteArray readyToken;  // letters and digits; "/ready-<token>" answers with it
+
+  /// Of all kinds. The process needs a descriptor for each.
+  static constexpr int kConnections = 4096;
+  static constexpr char kControlSocket[] = "control.sock";
+  static constexpr char kGateSocket[] = "gate.sock";
 
   /// The text of the file; empty when a path cannot be written into a configuration safely.
   std::optional<QByteArray> text() const;

@@ -3,15 +3,17 @@
 #include <linux/close_range.h>
 #include <signal.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <QDir>
 #include <QFile>
 #include <QLoggingCategory>
-#include <QTcpSocket>
-#include <QUuid>
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 
+#include "IncomePlace.h"
 #include "LoopbackPort.h"
 #include "StatusBoard.h"
 
@@ -25,10 +27,14 @@ constexpr int kPortTries = 20;
 constexpr int kLaunchTries = 3;
 constexpr qint64 kReadyLimitMs = 5000;
 constexpr int kPollMs = 20;
-constexpr int kAnswerLimitMs = 500;
+constexpr std::chrono::milliseconds kAnswerLimit{500};
 constexpr int kStopLimitMs = 2000;
-constexpr int kRestartDelaysMs[] = {250, 1000, 4000, 10000, 30000};
-constexpr qint64 kStableMs = 60000;
+constexpr int kRestartDelayMs = 50;
+// A server that dies again and again as soon as it is up would take a core for itself.
+constexpr qint64 kShortLifeMs = 2000;
+constexpr int kShortLivesMax = 5;
+constexpr int kRetryDelaysMs[] = {1000, 4000, 10000, 30000};
+constexpr int kLookIntervalMs = 1000;
 constexpr char kWorkPrefix[] = "income-";
 const QString kBoardSection = QStringLiteral("incomeServer");
 
@@ -47,11 +53,21 @@ class BoundProcess : public QProcess {
     sigprocmask(SIG_SETMASK, &none, nullptr);
     // The child must not inherit sockets and devices of the console; Qt needs its own pipe until exec.
     close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    raiseDescriptorLimit();
     // Signals of a terminal are for the console, which ends the child in order.
     setpgid(0, 0);
   }
 
  private:
+  static void raiseDescriptorLimit() {
+    constexpr rlim_t kWanted = 2 * NginxConfig::kConnections;
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= kWanted)
+      return;
+    limit.rlim_cur = std::min(limit.rlim_max, kWanted);
+    setrlimit(RLIMIT_NOFILE, &limit);
+  }
+
   const pid_t parent_;
 };
 
@@ -80,9 +96,10 @@ std::unique_ptr<QTemporaryDir> makeFolderIn(const QString& parent) {
 
 }  // namespace
 
-NginxSupervisor::NginxSupervisor() : restartTimer_(this) {
-  restartTimer_.setSingleShot(true);
-  connect(&restartTimer_, &QTimer::timeout, this, &NginxSupervisor::restart);
+NginxSupervisor::NginxSupervisor() : attemptTimer_(this), lookTimer_(this) {
+  attemptTimer_.setSingleShot(true);
+  connect(&attemptTimer_, &QTimer::timeout, this, &NginxSupervisor::attempt);
+  connect(&lookTimer_, &QTimer::timeout, this, &NginxSupervisor::look);
 }
 
 NginxSupervisor::~NginxSupervisor() {
@@ -90,24 +107,54 @@ NginxSupervisor::~NginxSupervisor() {
 }
 
 void NginxSupervisor::start(const Settings& settings) {
+  settings_ = settings;
+  attempt();
+}
+
+void NginxSupervisor::attempt() {
+  process_.reset();
   if (cancelled_)
     return;
-  settings_ = settings;
-  if (!makeWorkFolder()) {
-    fail(QStringLiteral("income server has no folder to work in : %1").arg(settings_.cacheFolder));
+  if (wasUp_)
+    qCInfo(lcIncome, "restart income server, number %d", ++restarts_);
+  if (prepare() && launch()) {
+    failuresInARow_ = 0;
     return;
   }
-  settings_.config.workFolder = work_->path();
-  settings_.config.readyToken = QUuid::createUuid().toByteArray(QUuid::Id128);
-  if (launch() || cancelled_)
+  if (cancelled_)
     return;
-  stop();
-  fail(QStringLiteral("income server does not come up"));
+  // Nothing of a server that never came up is left in the folder of the operator while it waits.
+  if (!wasUp_)
+    tearDown();
+  const int last = static_cast<int>(std::size(kRetryDelaysMs)) - 1;
+  attemptTimer_.start(kRetryDelaysMs[std::min(failuresInARow_++, last)]);
+  fail(failure_.isEmpty() ? QStringLiteral("income server does not come up") : failure_);
+}
+
+/// The folder, the gate and the control, which last for all restarts.
+bool NginxSupervisor::prepare() {
+  if (gate_)
+    return true;
+  failure_.clear();
+  if (!makeWorkFolder()) {
+    failure_ = QStringLiteral("income server has no folder to work in : %1").arg(settings_.cacheFolder);
+    return false;
+  }
+  settings_.config.workFolder = work_->path();
+  control_ = std::make_unique<NginxControl>(work_->path());
+  gate_ = std::make_unique<PublishGate>(work_->path(), settings_.secrets);
+  return gate_->start();
 }
 
 void NginxSupervisor::fail(const QString& reason) {
-  qCWarning(lcIncome, "%s", qUtf8Printable(reason));
-  publishFailure(reason);
+  // One line for all attempts in a row, the board tells the rest.
+  if (failuresInARow_ <= 1)
+    qCWarning(lcIncome, "%s", qUtf8Printable(reason));
+  failure_ = reason;
+  if (wasUp_)
+    publish(State::Down);
+  else
+    publishFailure(reason);
 }
 
 bool NginxSupervisor::makeWorkFolder() {
@@ -122,11 +169,15 @@ bool NginxSupervisor::launch() {
   for (int tries = 0; tries < kLaunchTries && !cancelled_; ++tries) {
     // Another program may take a port between its test and its use. Then the child ends, and we try again.
     bool endedEarly = false;
-    if (launchOnce(kReadyLimitMs, endedEarly)) {
+    if (launchOnce(endedEarly)) {
       sinceStart_.start();
       rtmpPort_ = settings_.config.rtmpPort;
-      running_ = true;
-      publish();
+      wasUp_ = true;
+      failure_.clear();
+      publishers_ = PublisherTable();
+      lookTimer_.start(kLookIntervalMs);
+      publish(State::Up);
+      running_ = true;  // last, so that who sees it finds the figures on the board
       return true;
     }
     if (!endedEarly)
@@ -135,7 +186,22 @@ bool NginxSupervisor::launch() {
   return false;
 }
 
-bool NginxSupervisor::launchOnce(qint64 deadlineMs, bool& endedEarly) {
+bool NginxSupervisor::launchOnce(bool& endedEarly) {
+  const QString configPath = work_->filePath(QStringLiteral("nginx.conf"));
+  // Publishers know the ports of a server that was up, so a restart never changes them.
+  if ((!wasUp_ && !choosePorts()) || !writeConfig(configPath) || !startProcess(configPath))
+    return false;
+  if (waitUntilReady()) {
+    connect(process_.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
+            &NginxSupervisor::onFinished);
+    return true;
+  }
+  endedEarly = process_->state() == QProcess::NotRunning;
+  endProcess();
+  return false;
+}
+
+bool NginxSupervisor::choosePorts() {
   NginxConfig& config = settings_.config;
   const int wantedHttp = config.httpPort;
   const int wantedRtmp = config.rtmpPort;
@@ -153,14 +219,16 @@ bool NginxSupervisor::launchOnce(qint64 deadlineMs, bool& endedEarly) {
     qCWarning(lcIncome, "port %d is in use, pages take %d", wantedHttp, config.httpPort);
   if (config.rtmpPort != wantedRtmp)
     qCWarning(lcIncome, "port %d is in use, rtmp takes %d", wantedRtmp, config.rtmpPort);
+  return true;
+}
 
-  const QString configPath = work_->filePath(QStringLiteral("nginx.conf"));
-  if (!writeConfig(configPath))
-    return false;
-
+bool NginxSupervisor::startProcess(const QString& configPath) {
+  // A killed nginx leaves its socket file, which a new one would take for a socket in use.
+  QFile::remove(work_->filePath(QLatin1String(NginxConfig::kControlSocket)));
   process_ = std::make_unique<BoundProcess>();
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   environment.remove(QStringLiteral("NGINX"));  // would name sockets to inherit
+  environment.remove(QLatin1String(kPublishKeyVariable));
   process_->setProcessEnvironment(environment);
   process_->setStandardInputFile(QProcess::nullDevice());
   process_->setStandardOutputFile(QProcess::nullDevice());
@@ -168,18 +236,10 @@ bool NginxSupervisor::launchOnce(qint64 deadlineMs, bool& endedEarly) {
   connect(process_.get(), &QProcess::readyReadStandardError, this, &NginxSupervisor::logOutput);
   process_->start(settings_.program, {QStringLiteral("-e"), QStringLiteral("stderr"), QStringLiteral("-p"),
                                       work_->path() + QLatin1Char('/'), QStringLiteral("-c"), configPath});
-  if (!process_->waitForStarted(static_cast<int>(kReadyLimitMs))) {
-    qCWarning(lcIncome, "failed to start %s : %s", qUtf8Printable(settings_.program),
-              qUtf8Printable(process_->errorString()));
-    endProcess();
-    return false;
-  }
-  if (waitUntilReady(deadlineMs)) {
-    connect(process_.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
-            &NginxSupervisor::onFinished);
+  if (process_->waitForStarted(static_cast<int>(kReadyLimitMs)))
     return true;
-  }
-  endedEarly = process_->state() == QProcess::NotRunning;
+  qCWarning(lcIncome, "failed to start %s : %s", qUtf8Printable(settings_.program),
+            qUtf8Printable(process_->errorString()));
   endProcess();
   return false;
 }
@@ -193,9 +253,10 @@ bool NginxSupervisor::writeConfig(const QString& path) {
   return false;
 }
 
-bool NginxSupervisor::waitUntilReady(qint64 deadlineMs) {
-  while (!cancelled_ && sinceStart_.elapsed() < deadlineMs) {
-    if (answersWithToken())
+/// nginx opens all its ports before it answers on its control socket.
+bool NginxSupervisor::waitUntilReady() {
+  while (!cancelled_ && sinceStart_.elapsed() < kReadyLimitMs) {
+    if (control_->isReady(kAnswerLimit))
       return true;
     if (process_->waitForFinished(kPollMs) || process_->state() == QProcess::NotRunning)
       return false;
@@ -203,26 +264,13 @@ bool NginxSupervisor::waitUntilReady(qint64 deadlineMs) {
   return false;
 }
 
-/// A port that answers may belong to another program; only our child knows the token. It opens all its ports
-/// before it answers on any, so an answer on the page port covers the RTMP port.
-bool NginxSupervisor::answersWithToken() const {
-  const NginxConfig& config = settings_.config;
-  QTcpSocket socket;
-  socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(config.httpPort));
-  if (!socket.waitForConnected(kAnswerLimitMs))
-    return false;
-  socket.write("GET /ready-" + config.readyToken + " HTTP/1.0\r\n\r\n");
-  QByteArray reply;
-  while (reply.size() < 4096 && socket.waitForReadyRead(kAnswerLimitMs)) {
-    reply += socket.readAll();
-    if (reply.endsWith("\r\n\r\n" + config.readyToken))
-      return true;
-  }
-  return false;
-}
-
 void NginxSupervisor::logOutput() {
-  const QList<QByteArray> lines = process_->readAllStandardError().split('\n');
+  QByteArray output = process_->readAllStandardError();
+  for (const QByteArray& secret : {settings_.secrets.liveSecret, settings_.secrets.publishKey}) {
+    if (!secret.isEmpty())
+      output.replace(secret, "***");
+  }
+  const QList<QByteArray> lines = output.split('\n');
   for (const QByteArray& line : lines) {
     if (!line.trimmed().isEmpty())
       qCInfo(lcIncome, "nginx says : %s", line.constData());
@@ -244,39 +292,35 @@ void NginxSupervisor::endProcess() {
 }
 
 void NginxSupervisor::stop() {
-  restartTimer_.stop();
+  attemptTimer_.stop();
   running_ = false;
   rtmpPort_ = 0;
-  endProcess();
-  work_.reset();
+  tearDown();
   takeOffBoard();
+}
+
+void NginxSupervisor::tearDown() {
+  lookTimer_.stop();
+  endProcess();
+  gate_.reset();
+  control_.reset();
+  work_.reset();
 }
 
 void NginxSupervisor::onFinished() {
   running_ = false;
-  publish();
+  lookTimer_.stop();
+  publishers_ = PublisherTable();
+  publish(State::Down);
+  shortLivesInARow_ = sinceStart_.elapsed() < kShortLifeMs ? shortLivesInARow_ + 1 : 0;
   qCWarning(lcIncome, "income server ended unexpectedly");
-  if (sinceStart_.elapsed() > kStableMs)
-    restartsInARow_ = 0;
-  scheduleRestart();
+  attemptTimer_.start(shortLivesInARow_ > kShortLivesMax ? kRetryDelaysMs[0] : kRestartDelayMs);
 }
 
-void NginxSupervisor::scheduleRestart() {
-  if (restartsInARow_ < static_cast<int>(std::size(kRestartDelaysMs)))
-    restartTimer_.start(kRestartDelaysMs[restartsInARow_]);
-  else
-    fail(QStringLiteral("income server does not stay up"));
-}
-
-void NginxSupervisor::restart() {
-  process_.reset();
-  if (cancelled_)
-    return;
-  ++restartsInARow_;
-  ++restarts_;
-  qCInfo(lcIncome, "restart income server, attempt %d", restartsInARow_);
-  if (!launch() && !cancelled_)
-    scheduleRestart();
+void NginxSupervisor::look() {
+  if (const auto publishers = control_->publishers(kAnswerLimit))
+    publishers_.update(*publishers);
+  publish(State::Up);
 }
 
 void NginxSupervisor::publishFailure(const QString& reason) {
@@ -288,13 +332,17 @@ void NginxSupervisor::takeOffBoard() {
   StatusBoard::instance().publish(kBoardSection, {});
 }
 
-void NginxSupervisor::publish() const {
-  QJsonObject values{{QStringLiteral("running"), running_.load()},
+void NginxSupervisor::publish(State state) const {
+  QJsonObject values{{QStringLiteral("running"), state == State::Up},
                      {QStringLiteral("address"), settings_.config.addresses.constLast()},
                      {QStringLiteral("rtmpPort"), settings_.config.rtmpPort},
                      {QStringLiteral("httpPort"), settings_.config.httpPort},
-                     {QStringLiteral("restarts"), restarts_}};
-  if (running_)
+                     {QStringLiteral("restarts"), restarts_},
+                     {QStringLiteral("refused"), gate_ ? gate_->refused() : 0},
+                     {QStringLiteral("publishers"), publishers_.rows()}};
+  if (!failure_.isEmpty())
+    values.insert(QStringLiteral("failure"), failure_);
+  if (state == State::Up)
     values.insert(QStringLiteral("processId"), process_->processId());
   StatusBoard::instance().publish(kBoardSection, values);
 }

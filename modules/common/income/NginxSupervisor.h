@@ -1,6 +1,7 @@
-// Runs nginx as a child process, restarts it when it dies, and ends it with this process. Lives on its own
-// thread, on which all calls are made except isRunning, rtmpPort and cancel. That thread must live as long
-// as the child, because the kernel ends the child with the thread that forked it.
+// Runs nginx as a child process, restarts it when it dies, and ends it with this process. Beside it stands
+// the gate that nginx asks before each publisher. Lives on its own thread, on which all calls are made except
+// isRunning, rtmpPort and cancel. That thread must live as long as the child, because the kernel ends the
+// child with the thread that forked it.
 #pragma once
 #include <QElapsedTimer>
 #include <QObject>
@@ -11,6 +12,9 @@
 #include <memory>
 
 #include "NginxConfig.h"
+#include "NginxControl.h"
+#include "PublishGate.h"
+#include "PublisherTable.h"
 
 namespace korvia {
 
@@ -19,13 +23,15 @@ class NginxSupervisor : public QObject {
   struct Settings {
     QString program;      // nginx
     QString cacheFolder;  // where the working folder is made
-    NginxConfig config;   // ports are the wanted ones; working folder and token are filled in at the start
+    NginxConfig config;   // ports are the wanted ones; the working folder is filled in at the start
+    PublishGate::Secrets secrets;
   };
 
   NginxSupervisor();
   ~NginxSupervisor() override;
 
-  /// Starts the child and waits until it answers. A failure is logged and published.
+  /// Starts the child and waits until it answers. A failure is logged and published, and the start is tried
+  /// again after longer and longer waits, every 30 s at last.
   void start(const Settings& settings);
   /// Ends the child and removes its working folder.
   void stop();
@@ -43,26 +49,38 @@ class NginxSupervisor : public QObject {
   static void takeOffBoard();
 
  private:
+  enum class State { Up, Down };
+
+  void attempt();
+  bool prepare();
+  void tearDown();
   bool makeWorkFolder();
   bool launch();
-  bool launchOnce(qint64 deadlineMs, bool& endedEarly);
+  bool launchOnce(bool& endedEarly);
+  bool choosePorts();
+  bool startProcess(const QString& configPath);
   bool writeConfig(const QString& path);
-  bool waitUntilReady(qint64 deadlineMs);
-  bool answersWithToken() const;
+  bool waitUntilReady();
   void endProcess();
   void logOutput();
   void onFinished();
-  void scheduleRestart();
-  void restart();
-  void publish() const;
+  void look();
+  void publish(State state) const;
   void fail(const QString& reason);
 
   Settings settings_;
   std::unique_ptr<QTemporaryDir> work_;
+  std::unique_ptr<PublishGate> gate_;
+  std::unique_ptr<NginxControl> control_;
   std::unique_ptr<QProcess> process_;
   QElapsedTimer sinceStart_;  // of the call of launch, then of the child
-  QTimer restartTimer_;
-  int restartsInARow_ = 0;
+  QTimer attemptTimer_;
+  QTimer lookTimer_;
+  PublisherTable publishers_;
+  QString failure_;         // why there is no server; empty while there is one
+  bool wasUp_ = false;      // its ports stay the same from then on
+  int failuresInARow_ = 0;  // attempts that did not come up
+  int shortLivesInARow_ = 0;
   int restarts_ = 0;
   std::atomic<bool> running_{false};
   std::atomic<int> rtmpPort_{0};

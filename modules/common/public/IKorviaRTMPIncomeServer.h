@@ -1,6 +1,6 @@
-// The income server: receives RTMP streams that are pushed to "rtmp://HOST:rtmpPort()/income/NAME", and
-// serves a folder of pages. Called on the console thread; the server is a child process that ends with this
-// one.
+// The income server: receives RTMP streams that are pushed to "rtmp://HOST:rtmpPort()/income/NAME" for a name
+// that PublishRules allows, and serves a folder of pages. Called on the console thread; the server is a child
+// process that ends with this one.
 #pragma once
 #include <QString>
 
@@ -21,6 +21,9 @@ class IKorviaRTMPIncomeServer : public IUnknownEx {
   virtual int rtmpPort() = 0;
   /// Ends the child process. Does nothing when the server is not open.
   virtual void close() = 0;
+  /// What a publisher of the application "live" must bring as the argument "secret" of its stream; a new one
+  /// for each open(), empty before.
+  virtual QString publishSecret() = 0;
 
  protected:
   ~IKorviaRTMPIncomeServer() = default;

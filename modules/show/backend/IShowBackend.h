@@ -53,7 +53,7 @@ class IShowBackend {
   virtual void commitPaintPadImage(const QImage& image) = 0;
   virtual void setPaintPadValid(bool valid) = 0;
   virtual void pausePGMImage(bool pause) = 0;
-  virtual void setIncomePort(int port) = 0;
+  virtual void setIncomeServer(int port, const QString& publishSecret) = 0;
   virtual void setPictureSink(IKorviaShowPictureSink* sink) = 0;
 
   virtual ~IShowBackend() = default;

@@ -50,7 +50,9 @@ class SoftwareBackend final : public IShowBackend {
   void commitPaintPadImage(const QImage& image) override { items_.commitPaintPad(image); }
   void setPaintPadValid(bool valid) override { items_.setPaintPadValid(valid); }
   void pausePGMImage(bool pause) override { programPaused_ = pause; }
-  void setIncomePort(int port) override { outputs_.setIncomePort(port); }
+  void setIncomeServer(int port, const QString& publishSecret) override {
+    outputs_.setIncomeServer({port, publishSecret});
+  }
   void setPictureSink(IKorviaShowPictureSink* sink) override { pictures_.setSink(sink); }
 
  private:

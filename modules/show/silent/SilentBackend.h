@@ -31,7 +31,7 @@ class SilentBackend final : public IShowBackend {
   void commitPaintPadImage(const QImage&) override {}
   void setPaintPadValid(bool) override {}
   void pausePGMImage(bool) override {}
-  void setIncomePort(int) override {}
+  void setIncomeServer(int, const QString&) override {}
   // There are no pictures.
   void setPictureSink(IKorviaShowPictureSink*) override {}
 

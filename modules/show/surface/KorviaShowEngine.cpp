@@ -128,9 +128,9 @@ void KorviaShowEngine::pausePGMImage(bool pause) {
   backend_->pausePGMImage(pause);
 }
 
-void KorviaShowEngine::setIncomePort(int port) {
-  BlackBox::instance().call("setIncomePort", 0, {port});
-  backend_->setIncomePort(port);
+void KorviaShowEngine::setIncomeServer(int port, const QString& publishSecret) {
+  BlackBox::instance().call("setIncomeServer", 0, {port});
+  backend_->setIncomeServer(port, publishSecret);
 }
 
 void KorviaShowEngine::setPictureSink(IKorviaShowPictureSink* sink) {

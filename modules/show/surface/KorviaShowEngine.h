@@ -51,9 +51,10 @@ class KorviaShowEngine : public KorviaShowThread {
   void commitPaintPadImage(const QImage& image);
   void setPaintPadValid(bool valid);
   void pausePGMImage(bool pause);
-  /// The RTMP port that the income server took, for the stream's push to it; 0 while that does not run.
-  /// Counts from the next start of the stream on.
-  void setIncomePort(int port);
+  /// The RTMP port that the income server took, for the stream's push to it, 0 while that does not run; and
+  /// what the server asks of the program, which is never written down. Counts from the next start of the
+  /// stream on.
+  void setIncomeServer(int port, const QString& publishSecret);
   /// Who gets small pictures of the running show, with what it wants of them; null for nobody. The sink is
   /// not owned. When this returns, the sink before is not called any more.
   void setPictureSink(IKorviaShowPictureSink* sink);

@@ -63,6 +63,7 @@ class DeskIncomeServer final : public IKorviaRTMPIncomeServer {
   bool isRunning() override { return true; }
   int rtmpPort() override { return 1935; }
   void close() override { console_.serverLog.append(QStringLiteral("income close")); }
+  QString publishSecret() override { return QStringLiteral("secret of the server"); }
 
  private:
   DeskConsole& console_;

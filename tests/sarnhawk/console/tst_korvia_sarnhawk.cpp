@@ -12,6 +12,7 @@
 #include "ConsoleDesk.h"
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
+#include "PublishRules.h"
 #include "StatusBoard.h"
 #include "console/GFloatWidgetToolButton.h"
 #include "console/GWidgetDisplayObject.h"
@@ -409,6 +410,25 @@ class KorviaSarnhawkTest : public QObject {
     QCOMPARE(desk.console->incomePort, 19000);
     QCOMPARE(desk.console->incomeHtmlPath, desk.rootPath + "html");
     QVERIFY(QDir(desk.rootPath + "html").exists());
+  }
+
+  void incomeServerTakesTheNamesOfTheRecords() {
+    const korvia::PublishRules& rules = korvia::PublishRules::instance();
+    {
+      ConsoleDesk desk;
+      QVERIFY(!rules.allows("0"));
+      QVERIFY(desk.start());
+      for (int index = 0; index < 8; ++index)
+        QVERIFY(rules.allows(QString::number(index)));
+      desk.console->getConfig()->channels[3].source.incomePath = "/income/camera";
+      desk.console->saveChanges(0, 3);
+      QVERIFY(rules.allows("camera"));
+      QVERIFY(!rules.allows("3"));
+      desk.console->getConfig()->channels[3].source.incomePath = "/income/phone";
+      desk.console->onWorkTimer();
+      QVERIFY(rules.allows("phone"));
+    }
+    QVERIFY(!rules.allows("0"));
   }
 
   void incomeServerThatFailsChangesNothingElse() {

@@ -80,7 +80,8 @@ class OutputSwitchesTest : public QObject {
     desk.child<QPushButton>(button)->click();
     qunsetenv("KORVIA_DRIVE_D");
     QCOMPARE(desk.console->serverLog, log);
-    QCOMPARE(desk.show.calls.contains("setIncomePort 1935"), button == "_startStreamPushButton");
+    QCOMPARE(desk.show.calls.contains("setIncomeServer 1935 secret of the server"),
+             button == "_startStreamPushButton");
   }
 };
 

@@ -84,8 +84,13 @@ void OutputRack::start(int slot, const tagKorviaShowOutputParam& param, const QS
       ++ledger_->starts[static_cast<std::size_t>(slot)];
       ledger_->reports[static_cast<std::size_t>(slot)] = {};
     }
+    IncomeTarget income;
+    {
+      MutexLock lock(mutex_);
+      income = income_;
+    }
     std::shared_ptr<OutputSlot> output = createOutputSlot(
-        {slot, param, programName, format, *rate_, incomePort_, trials_}, janitor_, encoderBeside(slot));
+        {slot, param, programName, format, *rate_, income, trials_}, janitor_, encoderBeside(slot));
     if (!output) {
       MutexLock lock(ledger_->mutex);
       tagKorviaShowOutputReport& report = ledger_->reports[static_cast<std::size_t>(slot)];

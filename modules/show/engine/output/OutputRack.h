@@ -1,4 +1,4 @@
-// The output slots: starts, feeds and ends the outputs. Engine thread, except setIncomePort(),
+// The output slots: starts, feeds and ends the outputs. Engine thread, except setIncomeServer(),
 // isRunning(), statistics() and reports().
 #pragma once
 #include <array>
@@ -44,7 +44,10 @@ class OutputRack {
   void pushSound(StereoSpan sound);
 
   /// For the next outputs. Any thread.
-  void setIncomePort(int port) { incomePort_ = port; }
+  void setIncomeServer(const IncomeTarget& income) {
+    MutexLock lock(mutex_);
+    income_ = income;
+  }
 
   bool isRunning(int slot) const;
   void statistics(tagKorviaOutputStatistics& statistics) const;
@@ -72,9 +75,9 @@ class OutputRack {
   const std::shared_ptr<EncoderTrials> trials_ = std::make_shared<EncoderTrials>();
   const std::shared_ptr<Ledger> ledger_ = std::make_shared<Ledger>();
   IShowBackendHost* host_ = nullptr;
-  std::atomic<int> incomePort_{0};
   std::optional<FrameRate> rate_;  // of the open show
   mutable Mutex mutex_;
+  IncomeTarget income_ GUARDED_BY(mutex_);
   std::array<std::shared_ptr<OutputSlot>, kSlots>
       slots_;  // the pointers are written under mutex_, which the other threads hold to read
 };

@@ -8,19 +8,14 @@
 #include <QTcpServer>
 #include <QtTest>
 
-#include "CKorviaRTMPIncomeServerHelper.h"
-#include "LoopbackPort.h"
-#include "StatusBoard.h"
-#include "support/http_exchange.h"
+#include "IncomeRig.h"
 
 using korvia::LoopbackPort;
+using korvia::test::figures;
+using korvia::test::IncomeRig;
 using korvia::test::request;
 
 namespace {
-
-QJsonObject figures() {
-  return korvia::StatusBoard::instance().snapshot()["incomeServer"].toObject();
-}
 
 bool accepts(const QString& address, int port) {
   QTcpSocket socket;
@@ -51,49 +46,14 @@ QByteArray rtmpHandshake(int port) {
   return reply;
 }
 
-QStringList publishing(const QString& url) {
-  return {"-v", "error", "-re", "-f", "lavfi", "-i",  "testsrc2=size=160x90:rate=25",
-          "-t", "8",     "-g",  "5",  "-f",    "flv", url};
-}
-
-/// An address of this machine that is not the loopback; empty when there is none.
-QString otherAddress() {
-  for (const QHostAddress& address : QNetworkInterface::allAddresses()) {
-    if (address.protocol() == QAbstractSocket::IPv4Protocol && !address.isLoopback())
-      return address.toString();
-  }
-  return {};
-}
-
 }  // namespace
 
-class IncomeServerTest : public QObject {
+class IncomeServerTest : public QObject, private IncomeRig {
   Q_OBJECT
 
  private slots:
-  void init() {
-    for (const char* name : {"KORVIA_NGINX", "KORVIA_NGINX_MODULES", "KORVIA_LISTEN"})
-      qunsetenv(name);
-    root_ = std::make_unique<QTemporaryDir>();
-    QVERIFY(root_->isValid());
-    html_ = root_->filePath("html");
-    QVERIFY(QDir().mkpath(html_));
-    write(html_ + "/index.html", "<p>korvia</p>");
-    const int first = LoopbackPort::listenOn(0);
-    const int second = LoopbackPort::listenOn(0);
-    httpPort_ = LoopbackPort::portOf(first);
-    qputenv("KORVIA_RTMP_PORT", QByteArray::number(LoopbackPort::portOf(second)));
-    ::close(first);
-    ::close(second);
-    QVERIFY(helper_.create());
-    QVERIFY(helper_._interface->isValid());
-  }
-
-  void cleanup() {
-    if (helper_._interface)
-      helper_._interface->close();
-    helper_.releaseObject();
-  }
+  void init() { QVERIFY(setUp()); }
+  void cleanup() { tearDown(); }
 
   void takesRtmpAndServesPages() {
     QVERIFY(!helper_._interface->isRunning());
@@ -119,33 +79,6 @@ class IncomeServerTest : public QObject {
       QTcpServer other;
       QVERIFY(other.listen(QHostAddress("127.0.0.2"), static_cast<quint16>(port)));
     }
-  }
-
-  void handsTheProgramOn() {
-    QCOMPARE(open(), 0);
-    const QString url = QString("rtmp://127.0.0.1:%1/live/output_0").arg(helper_._interface->rtmpPort());
-    QProcess publisher;
-    publisher.start("ffmpeg", publishing(url));
-    QProcess viewer;
-    viewer.start("ffprobe", {"-v", "error", "-rw_timeout", "8000000", "-show_entries", "stream=codec_name",
-                             "-of", "default=nk=1:nw=1", url});
-    QVERIFY(viewer.waitForFinished(15'000));
-    QCOMPARE(viewer.readAllStandardOutput().trimmed(), QByteArray("flv1"));
-    publisher.kill();
-    publisher.waitForFinished();
-  }
-
-  void nobodyElsePublishesTheProgram() {
-    const QString address = otherAddress();
-    if (address.isEmpty())
-      QSKIP("the loopback is the only interface");
-    qputenv("KORVIA_LISTEN", "0.0.0.0");
-    QCOMPARE(open(), 0);
-    const int port = helper_._interface->rtmpPort();
-    QProcess publisher;
-    publisher.start("ffmpeg", publishing(QString("rtmp://%1:%2/live/output_0").arg(address).arg(port)));
-    QVERIFY(publisher.waitForFinished(10'000));
-    QVERIFY(publisher.exitCode() != 0);
   }
 
   void listensWhereItIsTold() {
@@ -323,6 +256,42 @@ class IncomeServerTest : public QObject {
     QVERIFY(accepts("127.0.0.1", rtmpPort));
   }
 
+  void dyingChildIsBackWithinASecondEachTime() {
+    QCOMPARE(open(), 0);
+    const int rtmpPort = helper_._interface->rtmpPort();
+    const int httpPort = figures()["httpPort"].toInt();
+    for (int death = 1; death <= 3; ++death) {
+      QElapsedTimer timer;
+      timer.start();
+      QCOMPARE(::kill(static_cast<pid_t>(figures()["processId"].toInt()), SIGKILL), 0);
+      QTRY_VERIFY_WITH_TIMEOUT(figures()["restarts"].toInt() == death && helper_._interface->isRunning(),
+                               10000);
+      QVERIFY2(timer.elapsed() < 1000, qPrintable(QString::number(timer.elapsed())));
+      QCOMPARE(helper_._interface->rtmpPort(), rtmpPort);
+      QCOMPARE(figures()["httpPort"].toInt(), httpPort);
+      QVERIFY(accepts("127.0.0.1", rtmpPort));
+    }
+  }
+
+  void serverThatDidNotComeUpIsTriedAgain() {
+    write(root_->filePath("ngx_rtmp_module.so"), "no library");
+    qputenv("KORVIA_NGINX_MODULES", QFile::encodeName(root_->path()));
+    QCOMPARE(openOnly(), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(figures().contains("failure"), 15000);
+    QVERIFY(QFile::remove(root_->filePath("ngx_rtmp_module.so")));
+    QVERIFY(QFile::link("/usr/lib/nginx/modules/ngx_rtmp_module.so", root_->filePath("ngx_rtmp_module.so")));
+    QTRY_VERIFY_WITH_TIMEOUT(helper_._interface->isRunning(), 15000);
+    QVERIFY(!figures().contains("failure"));
+  }
+
+  void workFolderMayHaveALongPath() {
+    const QString deep = root_->filePath(QString(60, 'a') + "/" + QString(60, 'b'));
+    QVERIFY(QDir().mkpath(deep));
+    QCOMPARE(helper_._interface->open(deep + "/", httpPort_, html_), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(helper_._interface->isRunning(), 15000);
+    QVERIFY(QDir(deep + "/cache").entryList({"income-*"}).size() == 1);
+  }
+
   void closeWhileARestartIsDue() {
     QCOMPARE(open(), 0);
     const qint64 pid = figures()["processId"].toInt();
@@ -357,33 +326,6 @@ class IncomeServerTest : public QObject {
     QCOMPARE(now.size(), 1);
     QVERIFY(now != leftOver);
   }
-
- private:
-  int openOnly() { return helper_._interface->open(root_->path() + "/", httpPort_, html_); }
-
-  /// Opens and waits for the answer; a server that does not come up is closed again and a negative value.
-  int open() {
-    const int result = openOnly();
-    if (result < 0)
-      return result;
-    (void)QTest::qWaitFor([&] { return helper_._interface->isRunning() || figures().contains("failure"); },
-                          15000);
-    if (helper_._interface->isRunning())
-      return 0;
-    helper_._interface->close();
-    return -1;
-  }
-
-  static void write(const QString& path, const QByteArray& content) {
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    QCOMPARE(file.write(content), content.size());
-  }
-
-  CKorviaRTMPIncomeServerHelper helper_;
-  std::unique_ptr<QTemporaryDir> root_;
-  QString html_;
-  int httpPort_ = 0;
 };
 
 QTEST_GUILESS_MAIN(IncomeServerTest)

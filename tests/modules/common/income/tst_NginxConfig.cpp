@@ -33,7 +33,14 @@ class NginxConfigTest : public QObject {
       QVERIFY2(text.contains(line), line);
     QVERIFY(text.contains("root \"/srv/html\";"));
     QVERIFY(text.contains("pid \"/tmp/w/nginx.pid\";"));
-    QVERIFY(text.contains("location = /ready-abc123 {"));
+    // Both ask the gate.
+    QCOMPARE(text.count("on_publish \"http://unix:gate.sock:/publish\";"), 2);
+    // What controls the server has no address of the network.
+    const QByteArray control = text.mid(text.indexOf("listen unix:control.sock;"));
+    for (const char* word : {"/ready", "rtmp_stat", "rtmp_control"}) {
+      QVERIFY(control.contains(word));
+      QCOMPARE(text.count(word), control.count(word));
+    }
     QVERIFY(text.contains("application income {"));
     QVERIFY(text.contains("application live {"));
     QVERIFY(text.contains("allow publish 127.0.0.1;\n      deny publish all;"));
@@ -57,7 +64,6 @@ class NginxConfigTest : public QObject {
     config.addresses = QStringList{"127.0.0.1", "192.0.2.7"};
     config.httpPort = 19001;
     config.rtmpPort = 1936;
-    config.readyToken = "abc123";
     return config;
   }
 };

@@ -99,13 +99,20 @@ std::unique_ptr<Target> PushTarget::createSecond(const OutputRequest& request) {
 std::unique_ptr<Target> PushTarget::createLocal(const OutputRequest& request) {
   const tagKorviaShowOutputItem& item = request.param.items[OutputSlotStream];
   return createPush(request, TargetKind::RtmpLocal, item.rtmpLocalEnable != 0,
-                    localUrl(item.rtmpLocalPath, request.incomePort));
+                    localUrl(item.rtmpLocalPath, request.income));
 }
 
-QString PushTarget::localUrl(const QString& path, int port) {
+QString PushTarget::localUrl(const QString& path, const IncomeTarget& income) {
   const QString slash = path.startsWith(QLatin1Char('/')) ? QString() : QStringLiteral("/");
-  return QStringLiteral("rtmp://127.0.0.1:%1/live%2")
-      .arg(QString::number(port > 0 ? port : incomeRtmpPort()), slash + path);
+  const QString url =
+      QStringLiteral("rtmp://127.0.0.1:%1/live%2")
+          .arg(QString::number(income.port > 0 ? income.port : incomeRtmpPort()), slash + path);
+  if (income.secret.isEmpty())
+    return url;
+  // In front of arguments of the path, because the server takes the first one of a name.
+  const int query = url.indexOf(QLatin1Char('?'));
+  const QString rest = query < 0 ? QString() : QLatin1Char('&') + url.mid(query + 1);
+  return url.left(query) + QStringLiteral("?secret=") + income.secret + rest;
 }
 
 MuxPlan PushTarget::planFor(const QString& url) {

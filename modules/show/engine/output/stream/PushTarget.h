@@ -27,8 +27,9 @@ class PushTarget : public Target {
   static std::unique_ptr<Target> createLocal(const OutputRequest& request);
 
   static MuxPlan planFor(const QString& url);
-  /// Under which URL the own server takes a path of the settings; `port` 0 is the port that the server wants.
-  static QString localUrl(const QString& path, int port);
+  /// Under which URL the own server takes a path of the settings; port 0 is the port that the server wants.
+  /// The secret is an argument of the stream, which the server takes off its name.
+  static QString localUrl(const QString& path, const IncomeTarget& income);
 };
 
 }  // namespace korvia

@@ -2,25 +2,11 @@
 #include "../PacketRig.h"
 #include "StreamRig.h"
 #include "engine/output/stream/PushTarget.h"
+#include "support/LogLines.h"
 #include "support/VideoJudge.h"
 
 using namespace korvia;
 using namespace korvia::test;
-
-namespace {
-
-QStringList& logLines() {
-  static QStringList lines;
-  return lines;
-}
-QBasicMutex logMutex;
-
-void keepLine(QtMsgType, const QMessageLogContext&, const QString& text) {
-  const QMutexLocker lock(&logMutex);
-  logLines().append(text);
-}
-
-}  // namespace
 
 class PushTargetTest : public QObject {
   Q_OBJECT
@@ -247,8 +233,7 @@ class PushTargetTest : public QObject {
   }
 
   void keysAndPasswordsStayOutOfTheLog() {
-    logLines().clear();
-    const auto last = qInstallMessageHandler(keepLine);
+    const LogLines log;
     const int port = freePort();
     tagKorviaShowTargetReport report;
     bool lost = false;
@@ -258,11 +243,12 @@ class PushTargetTest : public QObject {
       lost = live.waitFor(KorviaShowTargetState::Lost);
       report = live.report();
     }
-    qInstallMessageHandler(last);
     QVERIFY(lost);
-    const QString all = logLines().join('\n') + report.reason;
-    QVERIFY2(!all.contains("geheim") && !all.contains("k3y-0f"), qPrintable(all));
-    QVERIFY2(all.contains("RTMP Push - 0 is lost : the server cannot be reached"), qPrintable(all));
+    for (const char* secret : {"geheim", "k3y-0f"}) {
+      QCOMPARE(LogLines::count(secret), 0);
+      QVERIFY(!report.reason.contains(secret));
+    }
+    QCOMPARE(LogLines::count("RTMP Push - 0 is lost : the server cannot be reached"), 1);
   }
 
   void theOwnServerIsFoundOnThePortThatItTook() {
@@ -270,7 +256,7 @@ class PushTargetTest : public QObject {
     QVERIFY(server.start());
     OutputRequest request;
     request.slot = OutputSlotStream;
-    request.incomePort = QUrl(server.url("program")).port();
+    request.income.port = QUrl(server.url("program")).port();
     tagKorviaShowOutputItem& item = request.param.items[OutputSlotStream];
     QVERIFY(!PushTarget::createLocal(request));
     item.rtmpLocalEnable = 1;
@@ -280,17 +266,41 @@ class PushTargetTest : public QObject {
     QVERIFY(look(server.url("output_0")).frames >= 20);
   }
 
+  void secretOfTheOwnServerIsNoPartOfTheNameAndNeverTold() {
+    RtmpServer server;
+    QVERIFY(server.start());
+    OutputRequest request;
+    request.slot = OutputSlotStream;
+    tagKorviaShowOutputItem& item = request.param.items[OutputSlotStream];
+    item.rtmpLocalPath = "/output_0";
+    item.rtmpLocalEnable = 1;
+    request.income = {QUrl(server.url("program")).port(), "s3cr3tOfTheShow"};
+    const LogLines log;
+    LiveSlot live({std::shared_ptr<Target>(PushTarget::createLocal(request))});
+    QVERIFY(live.waitFor(KorviaShowTargetState::Up));
+    QVERIFY(look(server.url("output_0")).frames >= 20);
+    server.kill();
+    QVERIFY(live.waitFor(KorviaShowTargetState::Lost, 20'000));
+    QVERIFY(!live.report().reason.contains("s3cr3t"));
+    QVERIFY(LogLines::count("RTMP Local") > 0);
+    QCOMPARE(LogLines::count("s3cr3t"), 0);
+  }
+
   void theOwnServerTakesThePathOfTheSettings() {
     qputenv("KORVIA_RTMP_PORT", "4711");
-    QCOMPARE(PushTarget::localUrl("/output_0", 0), QString("rtmp://127.0.0.1:4711/live/output_0"));
+    QCOMPARE(PushTarget::localUrl("/output_0", {0, {}}), QString("rtmp://127.0.0.1:4711/live/output_0"));
     // The wanted port was taken by somebody else.
-    QCOMPARE(PushTarget::localUrl("/output_0", 4712), QString("rtmp://127.0.0.1:4712/live/output_0"));
+    QCOMPARE(PushTarget::localUrl("/output_0", {4712, {}}), QString("rtmp://127.0.0.1:4712/live/output_0"));
     // The server listens on the loopback beside any other address.
     qputenv("KORVIA_LISTEN", "127.0.0.2");
-    QCOMPARE(PushTarget::localUrl("/output_0", 0), QString("rtmp://127.0.0.1:4711/live/output_0"));
+    QCOMPARE(PushTarget::localUrl("/output_0", {0, {}}), QString("rtmp://127.0.0.1:4711/live/output_0"));
     qunsetenv("KORVIA_LISTEN");
+    QCOMPARE(PushTarget::localUrl("/output_0", {4712, "abc"}),
+             QString("rtmp://127.0.0.1:4712/live/output_0?secret=abc"));
+    QCOMPARE(PushTarget::localUrl("/output_0?a=b&secret=x", {4712, "abc"}),
+             QString("rtmp://127.0.0.1:4712/live/output_0?secret=abc&a=b&secret=x"));
     qunsetenv("KORVIA_RTMP_PORT");
-    QCOMPARE(PushTarget::localUrl("output_0", 0), QString("rtmp://127.0.0.1:1935/live/output_0"));
+    QCOMPARE(PushTarget::localUrl("output_0", {0, {}}), QString("rtmp://127.0.0.1:1935/live/output_0"));
   }
 };
 
