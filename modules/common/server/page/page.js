@@ -405,7 +405,7 @@
 
   // ---- levels ----
 
-  const loudness = [...document.querySelectorAll("#loudness dd")];
+  const loudness = [...document.querySelectorAll("#loudness [data-value]")];
   const busMeters = [...document.querySelectorAll(".meter-pair")];
   let loudnessShownMs = -Infinity;
 
