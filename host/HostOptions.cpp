@@ -4,7 +4,9 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "HomeFolder.h"
 #include "ListenPlace.h"
@@ -30,6 +32,11 @@ const QCommandLineOption kListen("listen",
                                  "Lets other machines reach the servers at this IPv4 address of the machine, "
                                  "0.0.0.0 for all of them. Default: this machine alone",
                                  "ADDRESS");
+const QCommandLineOption kPublishKeyFile(
+    "publish-key-file",
+    "Asks those who push a stream for the key in the first line of the file: "
+    "rtmp://HOST:1935/income/NAME?key=KEY.",
+    "FILE");
 const QCommandLineOption kSize("size", "Size of the window in pixels.", "WxH");
 
 /// Reads one option's value into `options`. Returns why the value is refused, or an empty text.
@@ -116,14 +123,34 @@ QString readListen(const QString& value, HostOptions& options) {
   return QString();
 }
 
+/// The key is not in what is said of it, because the text goes to a terminal.
+QString readPublishKeyFile(const QString& value, HostOptions& options) {
+  constexpr int kMaxBytes = 128;
+  constexpr int kMaxLineBytes = 4 * kMaxBytes;
+  QFile file(value);
+  // The kind is checked first, because opening a FIFO would wait for its writer.
+  if (!QFileInfo(file).isFile() || !file.open(QIODevice::ReadOnly))
+    return QStringLiteral("\"%1\" cannot be read").arg(value);
+  const QByteArray key = file.readLine(kMaxLineBytes).trimmed();
+  const bool isUsable = std::all_of(key.begin(), key.end(),
+                                    [](char c) { return c > ' ' && c <= '~' && !std::strchr("&?#/", c); });
+  if (key.isEmpty() || key.size() > kMaxBytes || !isUsable)
+    return QStringLiteral(
+               "the first line of \"%1\" is no key of 1 to 128 characters without & ? # / and blanks")
+        .arg(value);
+  options.publishKey = key;
+  return QString();
+}
+
 struct OptionReader {
   const QCommandLineOption& option;
   Reader read;
 };
 
 const OptionReader kReaders[] = {
-    {kRoot, readRoot},           {kEngine, readEngine},         {kTrace, readTrace}, {kOpen, readOpen},
-    {kExitAfter, readExitAfter}, {kScreenshot, readScreenshot}, {kSize, readSize},   {kListen, readListen},
+    {kRoot, readRoot}, {kEngine, readEngine},       {kTrace, readTrace},
+    {kOpen, readOpen}, {kExitAfter, readExitAfter}, {kScreenshot, readScreenshot},
+    {kSize, readSize}, {kListen, readListen},       {kPublishKeyFile, readPublishKeyFile},
 };
 
 HostCommandLine answer(HostCommandLine::Outcome outcome, const QString& text) {

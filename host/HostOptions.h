@@ -1,6 +1,7 @@
 // The options of the command line. Plain values, any thread; parse() is called before the application object
 // is made.
 #pragma once
+#include <QByteArray>
 #include <QSize>
 #include <QString>
 #include <QStringList>
@@ -15,6 +16,7 @@ struct HostOptions {
   std::optional<double> exitAfterS;
   QString screenshotFile;
   QString listenAddress;  ///< numeric IPv4 address for other machines; empty for this machine alone
+  QByteArray publishKey;  ///< which publishers from outside must bring; empty for none
   QSize size;             ///< invalid for the console's own choice
 
   /// Why `openFiles` does not fit a show of so many media channels; empty when it fits.

@@ -15,6 +15,7 @@
 #include "HostOptions.h"
 #include "HostSession.h"
 #include "IProgressSink.h"
+#include "IncomePlace.h"
 #include "KorviaCommonUtil.h"
 #include "ListenPlace.h"
 #include "ProductRecord.h"
@@ -61,6 +62,10 @@ void publish(const HostOptions& options) {
     qunsetenv(korvia::kListenVariable);
   else
     qputenv(korvia::kListenVariable, options.listenAddress.toLatin1());
+  if (options.publishKey.isEmpty())
+    qunsetenv(korvia::kPublishKeyVariable);
+  else
+    qputenv(korvia::kPublishKeyVariable, options.publishKey);
   if (korvia::listensToOthers())
     qCWarning(lcSession, "listening on %s, other machines reach the servers",
               qUtf8Printable(options.listenAddress));

@@ -42,6 +42,8 @@ class FakeConsole : public QWidget, public IMainFrame, public IKorviaSarnhawk {
     say("trace " + qEnvironmentVariable("KORVIA_TRACE"));
     if (qEnvironmentVariableIsSet("KORVIA_LISTEN"))
       say("listen " + qEnvironmentVariable("KORVIA_LISTEN"));
+    if (qEnvironmentVariableIsSet("KORVIA_PUBLISH_KEY"))
+      say("key " + qEnvironmentVariable("KORVIA_PUBLISH_KEY"));
     const QVariantMap open = qApp->property("korviaOpen").toMap();
     for (auto it = open.begin(); it != open.end(); ++it)
       say("open " + it.key() + " " + it.value().toString());

@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QtTest>
 
 #include "HostOptions.h"
@@ -21,6 +22,8 @@ class TestHostOptions : public QObject {
   void rootEndsInOneSeparator();
   void openIsRepeatableAndTheLastOneWins();
   void openTakesNamesWithAnEqualsSign();
+  void publishKeyIsTheFirstLineOfItsFile_data();
+  void publishKeyIsTheFirstLineOfItsFile();
   void informs_data();
   void informs();
   void refusesBadValues_data();
@@ -44,6 +47,7 @@ void TestHostOptions::hasDefaults() {
   QCOMPARE(line.options.screenshotFile, QString());
   QVERIFY(!line.options.size.isValid());
   QCOMPARE(line.options.listenAddress, QString());
+  QCOMPARE(line.options.publishKey, QByteArray());
 }
 
 void TestHostOptions::readsEverything() {
@@ -119,6 +123,47 @@ void TestHostOptions::openTakesNamesWithAnEqualsSign() {
   QCOMPARE(parse({"--open", "3=/a=b.mp4"}).options.openFiles, QVariantMap({{"3", "/a=b.mp4"}}));
 }
 
+void TestHostOptions::publishKeyIsTheFirstLineOfItsFile_data() {
+  QTest::addColumn<QByteArray>("content");
+  QTest::addColumn<QByteArray>("key");
+  const auto row = [](const char* name, const QByteArray& content, const QByteArray& key) {
+    QTest::newRow(name) << content << key;
+  };
+  row("plain", "s3cret", "s3cret");
+  row("line end", "s3cret\n", "s3cret");
+  row("blanks around", "  s3cret \t\r\nsecond line\n", "s3cret");
+  row("marks", "a%+=!~\"'\\:;,@", "a%+=!~\"'\\:;,@");
+  row("longest", QByteArray(128, 'k') + "\n", QByteArray(128, 'k'));
+  row("too long", QByteArray(129, 'k'), "");
+  row("far too long", QByteArray(100'000, 'k'), "");
+  row("empty", "", "");
+  row("empty first line", "\ns3cret\n", "");
+  row("blank inside", "s3 cret", "");
+  row("another argument", "s3&cret", "");
+  row("question mark", "s3?cret", "");
+  row("hash", "s3#cret", "");
+  row("slash", "s3/cret", "");
+  row("other script", "cret\xc3\xbc", "");
+  row("control character",
+      "s3\x01"
+      "cret",
+      "");
+  row("NUL", QByteArray("s3\0cret", 7), "");
+}
+
+void TestHostOptions::publishKeyIsTheFirstLineOfItsFile() {
+  QFETCH(QByteArray, content);
+  QFETCH(QByteArray, key);
+  QTemporaryFile file;
+  QVERIFY(file.open());
+  file.write(content);
+  file.close();
+  const HostCommandLine line = parse({"--publish-key-file", file.fileName()});
+  QCOMPARE(line.outcome, key.isEmpty() ? Outcome::Refuse : Outcome::Run);
+  QCOMPARE(line.options.publishKey, key);
+  QVERIFY(!line.text.contains("cret"));
+}
+
 void TestHostOptions::informs_data() {
   QTest::addColumn<QString>("argument");
   QTest::addColumn<QString>("text");
@@ -170,6 +215,9 @@ void TestHostOptions::refusesBadValues_data() {
   row("listen on a part", {"--listen", "192.168.1"}, "--listen");
   row("listen on IPv6", {"--listen", "::"}, "--listen");
   row("listen on a port", {"--listen", "0.0.0.0:80"}, "--listen");
+  row("key in no file", {"--publish-key-file", "/not/there"},
+      "--publish-key-file: \"/not/there\" cannot be read");
+  row("key in a folder", {"--publish-key-file", "/tmp"}, "--publish-key-file: \"/tmp\" cannot be read");
   row("size with more", {"--size", "1280x720x2"}, "--size");
 }
 

@@ -69,6 +69,7 @@ class TestKorvia : public QObject {
   void rootThatCannotBeMade();
   void tellsTheConsoleWhatWasAsked();
   void nothingButTheSwitchOpensTheMachine();
+  void keyOfPublishersComesFromItsFileAlone();
   void closesInOrderAfterTheTimeLimit();
   void takesAPictureAtTheExit();
   void refusedCloseLeavesThePictureToTheNext();
@@ -247,6 +248,23 @@ void TestKorvia::nothingButTheSwitchOpensTheMachine() {
   QCOMPARE(said().filter("listen"), QStringList("listen 0.0.0.0"));
   QCOMPARE(log().filter("warning").filter("listening on 0.0.0.0, other machines reach the servers").size(),
            1);
+}
+
+void TestKorvia::keyOfPublishersComesFromItsFileAlone() {
+  useFakeConsole();
+  setEnvironment("KORVIA_PUBLISH_KEY", "of-the-environment");
+  QCOMPARE(run({"--exit-after", "0"}), 0);
+  QCOMPARE(said().filter("key"), QStringList());
+
+  QFile file(in("key"));
+  QVERIFY(file.open(QIODevice::WriteOnly));
+  file.write("s3cret\nnote\n");
+  file.close();
+  QCOMPARE(run({"--exit-after", "0", "--publish-key-file", in("key")}), 0);
+  QCOMPARE(said().filter("key"), QStringList("key s3cret"));
+  QVERIFY(!log().join('\n').contains("s3cret"));
+
+  QCOMPARE(run({"--publish-key-file", in("missing")}), 2);
 }
 
 void TestKorvia::closesInOrderAfterTheTimeLimit() {
