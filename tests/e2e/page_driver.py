@@ -106,7 +106,7 @@ class Page:
                 return json.load(reply)["value"]
         except urllib.error.HTTPError as error:
             value = json.loads(error.read() or b"{}").get("value") or {}
-            raise PageError(f"{value.get('error')}: {value.get('message', '').splitlines()[:1]}") from None
+            raise PageError(f"{value.get('error')}: {value.get('message', '').split(chr(10))[0]}") from None
         except OSError as error:
             raise PageError(f"chromedriver does not answer: {error}") from None
 
@@ -116,6 +116,9 @@ class Page:
     def open(self, url):
         """Opens the address, whose part after # is the token."""
         self._command("POST", "/url", {"url": url})
+        shown = self.script("return document.URL")
+        if not shown.startswith("http"):
+            raise PageError(f"the browser cannot open {url}: {shown}")
 
     def script(self, text, *arguments):
         """Runs the body of a function in the page and gives what it returns."""
@@ -129,7 +132,8 @@ class Page:
 
     def attribute(self, selector, name):
         """The attribute of the first element; None without the element or the attribute."""
-        return self.script("const e = document.querySelector(arguments[0]); return e && e.getAttribute(arguments[1]);", selector, name)
+        found = "const e = document.querySelector(arguments[0]); return e && e.getAttribute(arguments[1]);"
+        return self.script(found, selector, name)
 
     def wait(self, condition, what):
         """Asks until condition() is true; what is told when it does not become true in time."""
@@ -159,7 +163,7 @@ class Page:
         self._command("POST", f"/element/{self._element(selector)}/click")
 
     def type(self, selector, text):
-        """Types the text into a field."""
+        """Types the text into a field; "\\ue007" is the return key, "\\ue00d" the space bar, for buttons too."""
         self._command("POST", f"/element/{self._element(selector)}/value", {"text": text})
 
     def screenshot(self, path):
@@ -193,8 +197,9 @@ class Page:
               program: text("#program-name"), preview: text("#preview-name"), message: text("#message"),
               picture: picture && !picture.hidden ? [picture.naturalWidth, picture.naturalHeight] : null,
               tiles: [...document.querySelectorAll(".tile")].map(tile => ({
-                channel: Number(tile.dataset.channel), name: text(`.tile[data-channel="${tile.dataset.channel}"] .name`),
-                onProgram: tile.classList.contains("on-program"), onPreview: tile.classList.contains("on-preview") })),
+                channel: Number(tile.dataset.channel), name: tile.querySelector(".name").textContent,
+                onProgram: tile.classList.contains("on-program"), onPreview: tile.classList.contains("on-preview"),
+              })),
               takes: [0, 1, 2, 3].map(index => text("#take-" + index)),
               record: document.querySelector("#record")?.getAttribute("aria-pressed"),
               stream: document.querySelector("#stream")?.getAttribute("aria-pressed"),
@@ -254,7 +259,7 @@ def arguments():
     parser.add_argument("--height", type=int, default=800)
     parser.add_argument("--timeout", type=float, default=15, help="seconds for each thing that is waited for")
     parser.add_argument("--screenshot", metavar="FILE", help="taken after the last step, also when one failed")
-    parser.add_argument("--allow", metavar="TEXT", action="append", default=[], help="errors of the console with it pass")
+    parser.add_argument("--allow", metavar="TEXT", action="append", default=[], help="lets errors with the text pass")
     parser.add_argument("--click", metavar="SELECTOR", action=Step)
     parser.add_argument("--pause", metavar="SECONDS", type=float, action=Step, help="for what the page takes for a double tap")
     parser.add_argument("--type", metavar="SELECTOR=TEXT", type=pair, action=Step)

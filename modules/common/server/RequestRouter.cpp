@@ -151,6 +151,8 @@ int RequestRouter::answer(WebRequest& request, const char* url, const char* meth
   const QByteArray path(url);
   const bool isHead = std::strcmp(method, MHD_HTTP_METHOD_HEAD) == 0;
   const bool isRead = isHead || std::strcmp(method, MHD_HTTP_METHOD_GET) == 0;
+  if (request.hasNul)
+    return refuse(request, MHD_HTTP_BAD_REQUEST, "bad request");
   if (!request.isHeadRead) {
     request.isHeadRequest = isHead;
     const char* host = request.header(MHD_HTTP_HEADER_HOST);

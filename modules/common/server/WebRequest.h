@@ -13,7 +13,9 @@ namespace korvia {
 
 class WebRequest final : public WebSleeper {
  public:
-  explicit WebRequest(MHD_Connection* connection) : connection_(connection) {}
+  /// `target` is the request's target as it was sent.
+  WebRequest(MHD_Connection* connection, const QByteArray& target)
+      : hasNul(target.contains("%00")), connection_(connection) {}
   ~WebRequest() {
     if (board_)
       board_->forget(*this);
@@ -39,6 +41,8 @@ class WebRequest final : public WebSleeper {
   /// Counts received bytes of the body. True while they are no more than `limit`.
   bool takeBody(std::size_t bytes, std::size_t limit) { return (body_ += bytes) <= limit; }
 
+  /// The target has an encoded NUL, at which the decoded path would end.
+  const bool hasNul;
   bool isHeadRequest = false;
   bool isHeadRead = false;
   std::optional<WebCommand> command;

@@ -40,9 +40,9 @@ MHD_Result onRequest(void* server, MHD_Connection* connection, const char* url, 
   return static_cast<MHD_Result>(web->router().answer(*request, url, method, uploadSize));
 }
 
-void* onRequestLine(void* server, const char* /*uri*/, MHD_Connection* connection) {
+void* onRequestLine(void* server, const char* target, MHD_Connection* connection) {
   static_cast<WebServer*>(server)->connections().onRequest(connection);
-  return new WebRequest(connection);
+  return new WebRequest(connection, target);
 }
 
 void onRequestEnd(void* server, MHD_Connection* connection, void** state, MHD_RequestTerminationCode) {

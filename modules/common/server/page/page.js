@@ -19,7 +19,7 @@
   const isNumber = value => typeof value === "number" && Number.isFinite(value);
   const object = value => isObject(value) ? value : {};
   const objects = value => Array.isArray(value) ? value.filter(isObject) : [];
-  const words = (value, otherwise = "") => typeof value === "string" ? value : isNumber(value) ? String(value) : otherwise;
+  const words = (value, otherwise = "") => typeof value === "string" || isNumber(value) ? String(value) : otherwise;
   const fixed = (value, digits, unit = "") => isNumber(value) ? value.toFixed(digits) + unit : "\u2013";
 
   // Every text reaches the page as a text node, so that no value can become markup.
@@ -54,7 +54,8 @@
   });
 
   async function untilVisible() {
-    while (document.hidden) await new Promise(done => document.addEventListener("visibilitychange", done, { once: true }));
+    const change = () => new Promise(done => document.addEventListener("visibilitychange", done, { once: true }));
+    while (document.hidden) await change();
   }
 
   // For what is of use only while somebody looks: ends when the page is hidden.
@@ -117,12 +118,18 @@
     addEventListener("hashchange", takeTokenFromAddress);
     byId("token-button").addEventListener("click", () => askForToken(""));
     byId("token-cancel").addEventListener("click", () => dialog.close());
-    byId("token-forget").addEventListener("click", () => { setToken(""); dialog.close(); say("The token is forgotten."); });
+    byId("token-forget").addEventListener("click", () => {
+      setToken("");
+      dialog.close();
+    });
     dialog.querySelector("form").addEventListener("submit", event => {
       event.preventDefault();
       // Whoever pastes the whole address means the token in it.
       const text = tokenField.value.trim().replace(/^.*#/, "");
-      if (!tokenForm.test(text)) return setText(byId("token-reason"), "A token has 22 letters, digits, - or _.");
+      if (!tokenForm.test(text)) {
+        setText(byId("token-reason"), "A token has 22 letters, digits, - or _.");
+        return tokenField.focus();
+      }
       setToken(text);
       dialog.close();
     });
@@ -141,7 +148,9 @@
 
   // ---- connection ----
 
-  const linkWords = { connecting: "connecting", up: "connected", retry: "reconnecting", down: "no answer from the console" };
+  const linkWords = {
+    connecting: "connecting", up: "connected", retry: "reconnecting", down: "no answer from the console",
+  };
   let link = "connecting";
   let consoleEnded = false;
 
@@ -154,7 +163,8 @@
     showAge();
   }
 
-  // The stream is read by hand, because an EventSource tells neither of the comments that keep it alive nor of all errors.
+  // The stream is read by hand, because an EventSource tells neither of the comments that keep it alive nor of all
+  // errors.
   async function readEvents() {
     const stop = new AbortController();
     let heardMs = now();
@@ -227,8 +237,8 @@
     if (!stale) setText(note, "");
     else if (link === "retry" || link === "down") setText(note, "Connection lost. This is not live.");
     else if (programMissing) setText(note, programMissing);
-    else if (ageMs < Infinity) setText(note, "No new picture for " + Math.floor(ageMs / 1000) + " s. This is not live.");
-    else setText(note, "Waiting for the program picture");
+    else if (ageMs === Infinity) setText(note, "Waiting for the program picture");
+    else setText(note, "No new picture for " + Math.floor(ageMs / 1000) + " s. This is not live.");
   }
 
   // One request after the other: a slow phone gets fewer pictures, and none that is late.
@@ -238,7 +248,8 @@
       await untilVisible();
       let pauseMs = 0;
       try {
-        const { status, number, beganMs, body } = await load(path + (after === null ? "" : "?after=" + encodeURIComponent(after)), "blob");
+        const query = after === null ? "" : "?after=" + encodeURIComponent(after);
+        const { status, number, beganMs, body } = await load(path + query, "blob");
         if (body === null) {
           // No newer picture came: the next answer tells whether the numbers began anew with another console.
           after = null;
@@ -275,16 +286,17 @@
   }
 
   function missProgramPicture(status) {
-    programMissing = status === 503 ? "There is no program picture yet" : "The console gives no program picture (" + status + ")";
+    programMissing = status === 503 ? "There is no program picture yet" : "No program picture (" + status + ")";
     byId("program-picture").hidden = true;
     programMs = -Infinity;
     showAge();
   }
 
+  // The place of a channel in the grid of pictures; -1 for a channel that has none there.
   function cellOf(channel) {
-    if (channel >= cell.firstMedia && channel < cell.firstMedia + cell.media) return channel - cell.firstMedia;
-    if (channel >= cell.firstStage && channel < cell.firstStage + cell.stages) return channel - cell.firstStage + cell.media;
-    return -1;
+    const media = channel - cell.firstMedia, stage = channel - cell.firstStage;
+    if (media >= 0 && media < cell.media) return media;
+    return stage >= 0 && stage < cell.stages ? stage + cell.media : -1;
   }
 
   async function showChannelPictures(blob, beganMs) {
@@ -310,8 +322,8 @@
     const button = element("button", "tile");
     button.type = "button";
     button.dataset.channel = id;
-    const shot = element("span", "shot"), canvas = element("canvas"), mark = element("span", "mark"), levels = element("span", "levels");
-    const hint = element("span", "hint");
+    const shot = element("span", "shot"), canvas = element("canvas"), hint = element("span", "hint");
+    const mark = element("span", "mark"), levels = element("span", "levels");
     canvas.width = cell.width;
     canvas.height = cell.height;
     mark.append(element("span", "pgm", "PGM"), element("span", "pvm", "PVM"));
@@ -322,7 +334,8 @@
     texts.append(name, label);
     button.append(shot, texts);
     button.addEventListener("click", () => command("/select/" + id, button, "select " + id));
-    return { button, name, label, hint, canvas: canvas.getContext("2d"), bars: [...levels.children], cell: cellOf(id), inUse: false };
+    const bars = [...levels.children];
+    return { button, name, label, hint, canvas: canvas.getContext("2d"), bars, cell: cellOf(id), inUse: false };
   }
 
   function fillTile(tile, channel, tally) {
@@ -392,7 +405,7 @@
 
   // ---- levels ----
 
-  const loudness = [...document.querySelectorAll("#loudness dd")];
+  const loudness = [...document.querySelectorAll("#loudness [data-value]")];
   const busMeters = [...document.querySelectorAll(".meter-pair")];
   let loudnessShownMs = -Infinity;
 
@@ -436,8 +449,9 @@
   let failedMs = -Infinity;
   const lockedUntilMs = new Map();
 
-  // Commands go out one after the other, so that "select, cut" reaches the console in this order, and when the selection
-  // fails nothing is cut. A group takes no second command for the time of a double tap. Tells whether it takes this one.
+  // Commands go out one after the other, so that "select, cut" reaches the console in this order, and when the
+  // selection fails nothing is cut. A group takes no second command for the time of a double tap. Tells whether it
+  // takes this one.
   function command(path, button, group) {
     if (!token) askForToken("Commands need the token.");
     if (!token || now() < (lockedUntilMs.get(group) || 0)) return false;
@@ -454,16 +468,23 @@
 
   // True when the console has taken the command; what went wrong is told.
   async function send(path, tappedMs) {
-    if (now() - tappedMs > lateCommandMs) return say("The console is slow. The command was not sent.");
+    if (now() - tappedMs > lateCommandMs) {
+      say("The console is slow. The command was not sent.");
+      return false;
+    }
     const stop = new AbortController();
     const timer = setTimeout(() => stop.abort(), commandTimeoutMs);
     const sentToken = token;
     try {
-      const reply = await fetch(path, { method: "POST", headers: { Authorization: "Bearer " + sentToken }, signal: stop.signal });
+      const headers = { Authorization: "Bearer " + sentToken };
+      const reply = await fetch(path, { method: "POST", headers, signal: stop.signal });
       if (reply.ok) return true;
-      if (reply.status !== 401) return say(refusals[reply.status] || "The console refused the command (" + reply.status + ").");
+      if (reply.status !== 401) {
+        say(refusals[reply.status] || "The console refused the command (" + reply.status + ").");
+        return false;
+      }
       if (token === sentToken) setToken("");
-      askForToken("The console refused the token. It changes with each start of korvia.");
+      askForToken("The console refused the token. Type the one that korvia printed at its start.");
     } catch {
       say("No answer from the console. Look whether the command has run before you repeat it.");
     } finally {
@@ -479,16 +500,17 @@
   }
 
   function startActions() {
-    for (let index = 0; index < 4; ++index) byId("take-" + index).addEventListener("click", event => takeWith(index, event.currentTarget));
-    byId("take").addEventListener("click", event => takeWith(lastTake, event.currentTarget));
-    byId("cut").addEventListener("click", event => command("/cut", event.currentTarget, "take"));
-    for (const name of ["record", "stream"]) byId(name).addEventListener("click", () => tapOutput(name));
+    const onTap = (id, act) => byId(id).addEventListener("click", () => act(byId(id)));
+    for (let index = 0; index < 4; ++index) onTap("take-" + index, button => takeWith(index, button));
+    onTap("take", button => takeWith(lastTake, button));
+    onTap("cut", button => command("/cut", button, "take"));
+    for (const name of ["record", "stream"]) onTap(name, () => tapOutput(name));
   }
 
   // ---- record and stream ----
 
-  const outputs = {};
-  for (const name of ["record", "stream"]) outputs[name] = { on: false, waiting: false, state: "", reason: "", armed: 0, armedMs: 0, report: {} };
+  const idle = () => ({ on: false, waiting: false, state: "", reason: "", armed: 0, armedMs: 0, report: {} });
+  const outputs = { record: idle(), stream: idle() };
 
   // To end a recording or a stream by accident would be worse than a tap more, and a double tap is such an accident.
   function tapOutput(name) {
@@ -530,11 +552,17 @@
       objects(output.report.targets).some(target => target.state === "Lost" || target.state === "Failed");
   }
 
+  function outputText(output, time) {
+    if (output.armed) return "Tap again to stop";
+    if (output.waiting) return output.on ? "Starting\u2026" : "Stopping\u2026";
+    if (output.state === "Failed") return "Failed";
+    return output.on ? time : "Start";
+  }
+
   function showOutputButtons() {
     for (const [name, output] of Object.entries(outputs)) {
       const time = clock(output.report.writtenMs / 1000);
-      const text = output.armed ? "Tap again to stop" : output.waiting ? (output.on ? "Starting\u2026" : "Stopping\u2026")
-        : output.state === "Failed" ? "Failed" : output.on ? time : "Start";
+      const text = outputText(output, time);
       const button = byId(name), lamp = byId(name + "-lamp");
       setText(button.querySelector("small"), text);
       button.setAttribute("aria-pressed", String(output.on));
@@ -551,16 +579,16 @@
   // ---- outputs, engine, income server ----
 
   const stateWords = {
-    Idle: ["off", "muted"], Starting: ["starting", "warn"], Running: ["running", "good"], Failed: ["failed", "bad"], Finished: ["ended", "muted"],
-    Connecting: ["connecting", "warn"], Up: ["up", "good"], Lost: ["lost", "bad"],
+    Idle: ["off", "muted"], Starting: ["starting", "warn"], Running: ["running", "good"], Failed: ["failed", "bad"],
+    Finished: ["ended", "muted"], Connecting: ["connecting", "warn"], Up: ["up", "good"], Lost: ["lost", "bad"],
   };
 
   function stateOf(report) {
     const state = words(report.state);
     const [text, look] = Object.hasOwn(stateWords, state) ? stateWords[state] : [state || "not known", "muted"];
     if (state === "Up") return [text + " for " + clock(report.upSeconds), look];
-    if (state === "Lost") return [text + (report.retrySeconds > 0 ? ", retry in " + report.retrySeconds + " s" : ", retrying"), look];
-    return [text, look];
+    if (state !== "Lost") return [text, look];
+    return [text + (report.retrySeconds > 0 ? ", retry in " + report.retrySeconds + " s" : ", retrying"), look];
   }
 
   function outputRow(name, report, details, className = "") {
@@ -577,7 +605,8 @@
   }
 
   function targetRow(report, className) {
-    return outputRow(words(report.name, "Target"), report, [report.kbps > 0 ? fixed(report.kbps, 0, " kbit/s") : ""], className);
+    const details = [report.kbps > 0 ? fixed(report.kbps, 0, " kbit/s") : ""];
+    return outputRow(words(report.name, "Target"), report, details, className);
   }
 
   function slotRows(name, report) {
@@ -617,14 +646,19 @@
     ]);
   }
 
+  function publisherRow(publisher) {
+    const players = words(publisher.players, "0") + (publisher.players === 1 ? " player" : " players");
+    const details = [words(publisher.addr), fixed(publisher.kbps, 0, " kbit/s"), players];
+    const name = words(publisher.app) + "/" + words(publisher.name);
+    return outputRow(name, { state: "Up", upSeconds: publisher.seconds }, details);
+  }
+
   function incomeRows(income) {
-    const head = income.running === true ? "running" : words(income.failure) || "not running";
-    const where = income.running === true && words(income.rtmpPort) ? ["RTMP", words(income.address) + ":" + words(income.rtmpPort)] : null;
-    const publishers = objects(income.publishers).map(publisher => {
-      const details = [words(publisher.addr), fixed(publisher.kbps, 0, " kbit/s"), words(publisher.players, "0") + (publisher.players === 1 ? " player" : " players")];
-      return outputRow(words(publisher.app) + "/" + words(publisher.name), { state: "Up", upSeconds: publisher.seconds }, details);
-    });
-    return [...figureList([["State", head], ...(where ? [where] : []), ["Publishers", String(publishers.length)]]), ...publishers];
+    const isRunning = income.running === true, publishers = objects(income.publishers);
+    const rows = [["State", isRunning ? "running" : words(income.failure) || "not running"]];
+    if (isRunning) rows.push(["RTMP", words(income.address) + ":" + words(income.rtmpPort)]);
+    rows.push(["Publishers", String(publishers.length)]);
+    return [...figureList(rows), ...publishers.map(publisherRow)];
   }
 
   // Nothing is rebuilt while nothing changed.
@@ -638,13 +672,15 @@
   }
 
   function showStatus(status) {
-    const sections = object(status.sections);
-    for (const [name, output] of Object.entries(outputs)) output.report = output.waiting ? {} : object(object(sections.outputs)[name]);
+    const sections = object(status.sections), { uptimeSeconds } = status;
+    const slots = object(sections.outputs), engine = object(sections.engine), income = object(sections.incomeServer);
+    for (const [name, output] of Object.entries(outputs)) output.report = output.waiting ? {} : object(slots[name]);
     showOutputButtons();
-    fill("outputs", sections.outputs, () => outputRows(object(sections.outputs)));
-    fill("engine", [sections.engine, Math.floor(status.uptimeSeconds)], () => engineRows(object(sections.engine), status.uptimeSeconds));
-    fill("income", sections.incomeServer, () => incomeRows(object(sections.incomeServer)));
-    if (byId("figures").open) fill("sections", sections, () => Object.keys(sections).map(name => sectionOf(name, sections[name])));
+    fill("outputs", slots, () => outputRows(slots));
+    fill("engine", [engine, Math.floor(uptimeSeconds)], () => engineRows(engine, uptimeSeconds));
+    fill("income", income, () => incomeRows(income));
+    if (!byId("figures").open) return;
+    fill("sections", sections, () => Object.entries(sections).map(([name, section]) => sectionOf(name, section)));
   }
 
   async function followStatus() {
@@ -667,7 +703,7 @@
 
   // "lateTicks" reads as "Late ticks", "rtmpPort" as "RTMP port".
   const written = { mib: "MiB", ms: "ms", dbtp: "dBTP" };
-  for (const word of ["pgm", "pvm", "rtmp", "http", "fps", "url", "id", "cpu", "ip", "lufs"]) written[word] = word.toUpperCase();
+  for (const word of "pgm pvm rtmp http fps url id cpu ip lufs".split(" ")) written[word] = word.toUpperCase();
   function title(key) {
     const parts = String(key).replace(/_/g, " ").replace(/([a-z0-9])([A-Z])/g, "$1 $2").toLowerCase().split(" ");
     const text = parts.map(part => Object.hasOwn(written, part) ? written[part] : part).join(" ");

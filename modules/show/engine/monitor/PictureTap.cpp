@@ -49,7 +49,9 @@ bool PictureTap::isDue(KorviaShowPicture which, Clock::time_point now) {
   const MutexLock lock(mutex_);
   if (!sink_ || busy_ || !sink_->isWanted(which))
     return false;
-  due = now + (which == KorviaShowPicture::Program ? kProgramPause : kChannelsPause);
+  // Counted from when it was due, so that the pace does not suffer from frames that come a little later.
+  const auto pause = which == KorviaShowPicture::Program ? kProgramPause : kChannelsPause;
+  due = (now - due < pause ? due : now) + pause;
   return true;
 }
 

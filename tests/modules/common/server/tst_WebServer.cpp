@@ -130,6 +130,9 @@ class WebServerTest : public QObject {
     QCOMPARE(request(port_, "GET", "/status").status, 404);
     QCOMPARE(request(port_, "GET", "/../../etc/passwd").status, 404);
     QCOMPARE(request(port_, "POST", "/nothing").status, 404);
+    // The decoded path would end at the NUL.
+    QCOMPARE(request(port_, "GET", "/%00").status, 400);
+    QCOMPARE(request(port_, "GET", "/status.json%00.html").status, 400);
     for (const char* method : {"POST", "PUT", "DELETE", "OPTIONS", "PATCH"}) {
       const HttpReply reply = request(port_, method, "/status.json");
       QCOMPARE(reply.status, 405);
