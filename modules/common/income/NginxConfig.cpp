@@ -29,7 +29,7 @@ rtmp {
 %RTMP_LISTEN%    chunk_size 4096;
     ping 30s;
     ping_timeout 10s;
-    max_connections 64;
+    max_connections 256;
     notify_method post;
     application income {
       live on;

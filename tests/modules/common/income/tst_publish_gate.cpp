@@ -4,7 +4,7 @@
 #include <QHostAddress>
 #include <QJsonArray>
 #include <QNetworkInterface>
-#include <QScopeGuard>
+#include <QTcpSocket>
 
 #include "IncomeRig.h"
 #include "support/LogLines.h"
@@ -246,6 +246,20 @@ class PublishGateTest : public QObject, private IncomeRig {
     QVERIFY(QFile::remove(cache.filePath(cache.entryList({"income-*"}).value(0) + "/gate.sock")));
     Encoder encoder(url("income/cam1"));
     QVERIFY(encoder.isRefused());
+  }
+
+  void idleClientsKeepNoPublisherOut() {
+    allow({"/income/cam1"});
+    QCOMPARE(open(), 0);
+    constexpr int kClients = 200;
+    std::vector<std::unique_ptr<QTcpSocket>> clients;
+    for (int count = 0; count < kClients; ++count) {
+      clients.push_back(std::make_unique<QTcpSocket>());
+      clients.back()->connectToHost("127.0.0.1", static_cast<quint16>(helper_._interface->rtmpPort()));
+      QVERIFY(clients.back()->waitForConnected(2000));
+    }
+    Encoder encoder(url("income/cam1"));
+    QTRY_VERIFY_WITH_TIMEOUT(!publisherOf("income", "cam1").isEmpty(), 10'000);
   }
 
   void gateStandsAfterARestart() {
