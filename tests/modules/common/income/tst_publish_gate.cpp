@@ -18,7 +18,8 @@ using korvia::test::publishing;
 namespace {
 
 QJsonObject publisherOf(const QString& app, const QString& name) {
-  for (const QJsonValue& row : figures()["publishers"].toArray()) {
+  const QJsonArray rows = figures()["publishers"].toArray();
+  for (const auto& row : rows) {
     if (row["app"] == app && row["name"] == name)
       return row.toObject();
   }
@@ -278,6 +279,7 @@ class PublishGateTest : public QObject, private IncomeRig {
     QElapsedTimer timer;
     timer.start();
     std::vector<std::unique_ptr<Encoder>> strangers;
+    strangers.reserve(4);
     for (int count = 0; count < 4; ++count)
       strangers.push_back(std::make_unique<Encoder>(url("income/0")));
     for (const auto& stranger : strangers)

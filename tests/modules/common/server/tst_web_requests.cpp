@@ -236,7 +236,7 @@ class WebRequestsTest : public QObject {
     QVERIFY(!plainText.contains("levels"));
     meters->close();
     // Its end is noticed at the next text for it.
-    const auto levelsLeft = [this] {
+    const auto levelsLeft = [] {
       desk().events().setLevels({{"pgm", -10}});
       return desk().events().hasLevelViewers();
     };

@@ -104,9 +104,8 @@ std::unique_ptr<Target> PushTarget::createLocal(const OutputRequest& request) {
 
 QString PushTarget::localUrl(const QString& path, const IncomeTarget& income) {
   const QString slash = path.startsWith(QLatin1Char('/')) ? QString() : QStringLiteral("/");
-  const QString url =
-      QStringLiteral("rtmp://127.0.0.1:%1/live%2")
-          .arg(QString::number(income.port > 0 ? income.port : incomeRtmpPort()), slash + path);
+  QString url = QStringLiteral("rtmp://127.0.0.1:%1/live%2")
+                    .arg(QString::number(income.port > 0 ? income.port : incomeRtmpPort()), slash + path);
   if (income.secret.isEmpty())
     return url;
   // In front of arguments of the path, because the server takes the first one of a name.
