@@ -41,6 +41,10 @@ constexpr struct {
     {"/", ":/korvia/web/page.html", "text/html; charset=utf-8"},
     {"/page.css", ":/korvia/web/page.css", "text/css; charset=utf-8"},
     {"/page.js", ":/korvia/web/page.js", "text/javascript; charset=utf-8"},
+    {"/basics.js", ":/korvia/web/basics.js", "text/javascript; charset=utf-8"},
+    {"/commands.js", ":/korvia/web/commands.js", "text/javascript; charset=utf-8"},
+    {"/desk.js", ":/korvia/web/desk.js", "text/javascript; charset=utf-8"},
+    {"/figures.js", ":/korvia/web/figures.js", "text/javascript; charset=utf-8"},
     {"/icon.svg", ":/korvia/web/icon.svg", "image/svg+xml"},
 };
 

@@ -85,7 +85,8 @@ class WebServerTest : public QObject {
   }
 
   void pageIsSelfContained() {
-    for (const char* path : {"/", "/page.css", "/page.js", "/icon.svg"}) {
+    for (const char* path : {"/", "/page.css", "/page.js", "/basics.js", "/commands.js", "/desk.js",
+                             "/figures.js", "/icon.svg"}) {
       const HttpReply reply = request(port_, "GET", path);
       QCOMPARE(reply.status, 200);
       QVERIFY(!reply.body.isEmpty());
