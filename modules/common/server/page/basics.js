@@ -6,7 +6,8 @@ export const isObject = value => value !== null && typeof value === "object" && 
 export const isNumber = value => typeof value === "number" && Number.isFinite(value);
 export const object = value => isObject(value) ? value : {};
 export const objects = value => Array.isArray(value) ? value.filter(isObject) : [];
-export const words = (value, otherwise = "") => typeof value === "string" || isNumber(value) ? String(value) : otherwise;
+export const words = (value, otherwise = "") =>
+  typeof value === "string" || isNumber(value) ? String(value) : otherwise;
 export const fixed = (value, digits, unit = "") => isNumber(value) ? value.toFixed(digits) + unit : "\u2013";
 
 // Every text reaches the page as a text node, so that no value can become markup.
