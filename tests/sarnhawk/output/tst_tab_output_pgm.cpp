@@ -38,7 +38,8 @@ class Page {
   }
 
   void open() {
-    tab = std::make_unique<GTabOutputPGM>(&console, &param, nullptr, [this] { return cards; });
+    // The lister may still run when this page is gone.
+    tab = std::make_unique<GTabOutputPGM>(&console, &param, nullptr, [cards = cards] { return cards; });
   }
   bool openWithCards() {
     open();
