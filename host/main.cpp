@@ -133,6 +133,9 @@ int main(int argc, char** argv) {
   const QString channelRefusal = options.channelRefusal(korvia::kMediaChannelsAtStart);
   if (!channelRefusal.isEmpty())
     return complain(channelRefusal, kUsage);
+  if (!options.listenAddress.isEmpty() && !korvia::isOwnAddress(options.listenAddress))
+    return complain(QStringLiteral("--listen: this machine has no address %1").arg(options.listenAddress),
+                    kUsage);
   if (!QDir().mkpath(options.rootPath))
     return complain(QStringLiteral("the folder %1 cannot be made").arg(options.rootPath), kUsage);
 

@@ -14,6 +14,7 @@
 #include <chrono>
 
 #include "IncomePlace.h"
+#include "KorviaCommonUtil.h"
 #include "LoopbackPort.h"
 #include "StatusBoard.h"
 
@@ -177,6 +178,8 @@ bool NginxSupervisor::launch() {
       publishers_ = PublisherTable();
       lookTimer_.start(kLookIntervalMs);
       publish(State::Up);
+      qCInfo(lcIncome, "streams are pushed to : rtmp://%s:%d/income/NAME",
+             qUtf8Printable(KorviaCommonUtil::getIp()), settings_.config.rtmpPort);
       running_ = true;  // last, so that who sees it finds the figures on the board
       return true;
     }

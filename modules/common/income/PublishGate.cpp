@@ -36,6 +36,7 @@ constexpr qint64 kFirstPacketMs = 3000;
 constexpr milliseconds kDropLimit{500};
 constexpr milliseconds kLookPause{100};
 constexpr qint64 kLogPauseMs = 1000;
+constexpr int kLogBurst = 5;
 
 int reply(MHD_Connection* connection, unsigned status) {
   MHD_Response* response = MHD_create_response_from_buffer(0, nullptr, MHD_RESPMEM_PERSISTENT);
@@ -235,7 +236,10 @@ void PublishGate::logRefusal(const PublishRequest& request, const QString& reaso
   int unlogged = 0;
   {
     MutexLock lock(mutex_);
-    if (sinceLogged_.isValid() && sinceLogged_.elapsed() < kLogPauseMs) {
+    // A few in a row are told at once, since an operator tries things out; a flood is not.
+    if (!sinceLogged_.isValid() || sinceLogged_.elapsed() >= kLogPauseMs)
+      loggedInARow_ = 0;
+    if (++loggedInARow_ > kLogBurst) {
       ++unlogged_;
       return;
     }

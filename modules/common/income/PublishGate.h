@@ -62,6 +62,7 @@ class PublishGate {
   bool isStopping_ GUARDED_BY(mutex_) = false;
   QSet<QString> judged_ GUARDED_BY(mutex_);  // streams whose publisher is judged now
   QElapsedTimer sinceLogged_ GUARDED_BY(mutex_);
+  int loggedInARow_ GUARDED_BY(mutex_) = 0;
   int unlogged_ GUARDED_BY(mutex_) = 0;
 };
 

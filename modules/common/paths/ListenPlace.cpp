@@ -33,6 +33,13 @@ bool isListenAddress(const QString& text) {
   return addressOf(text).has_value();
 }
 
+bool isOwnAddress(const QString& address) {
+  const int socket = openListener(address, 0);
+  if (socket >= 0)
+    ::close(socket);
+  return socket >= 0;
+}
+
 QStringList listenAddresses() {
   const QString loopback = QStringLiteral("127.0.0.1");
   const QString wanted = qEnvironmentVariable(kListenVariable);

@@ -12,6 +12,9 @@ inline constexpr const char* kListenVariable = "KORVIA_LISTEN";
 /// True for a numeric IPv4 address, "0.0.0.0" for all of this machine.
 bool isListenAddress(const QString& text);
 
+/// Whether this machine has the address, so that a server can listen on it. True for "0.0.0.0".
+bool isOwnAddress(const QString& address);
+
 /// Numeric IPv4 addresses, each for a listener of its own: "127.0.0.1", and the address for other machines
 /// where there is one; "0.0.0.0" stands for both.
 QStringList listenAddresses();

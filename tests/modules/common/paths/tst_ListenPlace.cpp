@@ -17,6 +17,13 @@ class ListenPlaceTest : public QObject {
   Q_OBJECT
 
  private slots:
+  void ownAddressesAreKnown() {
+    for (const char* own : {"127.0.0.1", "127.0.0.2", "0.0.0.0"})
+      QVERIFY2(korvia::isOwnAddress(own), own);
+    for (const char* other : {"198.51.100.77", "localhost", ""})
+      QVERIFY2(!korvia::isOwnAddress(other), other);
+  }
+
   void cleanup() { qunsetenv(korvia::kListenVariable); }
 
   void addresses_data() {
