@@ -3,7 +3,7 @@
 
     page_driver.py URL#TOKEN --width 360 --height 740 --click '#take-1' --wait-text '#link=connected' --screenshot a.png
 
-The steps --wait-text, --wait-attribute, --click and --type run in the order in which they are given. What was seen is
+The steps --wait-text, --wait-attribute, --wait-picture, --pause, --click and --type run in the order in which they are given. What was seen is
 printed as one JSON object. The exit code is 1 when a step fails, or when the browser's console has an error that no
 --allow covers; violations of the content security policy are such errors.
 """
@@ -261,6 +261,7 @@ def arguments():
     parser.add_argument("--screenshot", metavar="FILE", help="taken after the last step, also when one failed")
     parser.add_argument("--allow", metavar="TEXT", action="append", default=[], help="lets errors with the text pass")
     parser.add_argument("--click", metavar="SELECTOR", action=Step)
+    parser.add_argument("--wait-picture", action=Step, nargs=0, help="until the program picture is live")
     parser.add_argument("--pause", metavar="SECONDS", type=float, action=Step, help="for what the page takes for a double tap")
     parser.add_argument("--type", metavar="SELECTOR=TEXT", type=pair, action=Step)
     parser.add_argument("--wait-text", metavar="SELECTOR=TEXT", type=pair, action=Step)
@@ -272,6 +273,8 @@ def arguments():
 def run_step(page, name, values):
     if name == "click":
         page.click(values)
+    elif name == "wait_picture":
+        page.wait(lambda: page.seen()["picture"] and not page.seen()["stale"], "the program picture")
     elif name == "pause":
         time.sleep(values)
     elif name == "type":

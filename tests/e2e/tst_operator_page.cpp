@@ -103,10 +103,10 @@ void TestOperatorPage::takeByItsButtonIsOnProgram() {
   QFETCH(int, channel);
   const QString tile = QString(".tile[data-channel=\"%1\"]").arg(channel);
   const QString title = QString("Media-%1").arg(channel - kMedia0);
-  const QJsonObject seen =
-      browse(address_, size,
-             {"--wait-attribute", "#link@data-state=up", "--click", tile, "--wait-text",
-              "#preview-name=" + title, "--click", "#take-0", "--wait-text", "#program-name=" + title});
+  const QJsonObject seen = browse(
+      address_, size,
+      {"--wait-attribute", "#link@data-state=up", "--click", tile, "--wait-text", "#preview-name=" + title,
+       "--click", "#take-0", "--wait-text", "#program-name=" + title, "--wait-picture"});
   QVERIFY(!seen.isEmpty());
   QCOMPARE(seen["picture"].toArray(), (QJsonArray{640, 360}));
   QCOMPARE(seen["address"].toString().contains('#'), false);
