@@ -34,6 +34,7 @@ class TestOperatorPage : public QObject {
   void takeByItsButtonIsOnProgram();
   void lockedPageOnlyShows();
   void recordsByItsButton();
+  void streamWithoutATargetSaysWhy();
   void pageSaysWhenTheConsoleIsGone();
 
  private:
@@ -143,6 +144,14 @@ void TestOperatorPage::recordsByItsButton() {
   QVERIFY(waitForNew(line("result", "ShowEventStopOutput")) >= 0);
   const QFileInfo recording(korvia_->waitForFile(korvia_->in("d"), "*.mp4"));
   QVERIFY(recording.size() > 10000);
+}
+
+void TestOperatorPage::streamWithoutATargetSaysWhy() {
+  const QJsonObject seen =
+      browse(address_, QSize(360, 740),
+             {"--wait-attribute", "#link@data-state=up", "--click", "#stream", "--wait-text",
+              "#message=The stream has failed: no target", "--wait-attribute", "#stream@aria-pressed=false"});
+  QVERIFY(!seen.isEmpty());
 }
 
 void TestOperatorPage::pageSaysWhenTheConsoleIsGone() {

@@ -72,7 +72,7 @@ export function startToken() {
 // ---- messages ----
 
 let messageTimer = 0;
-function say(text) {
+export function say(text) {
   const message = byId("message");
   message.textContent = text;
   message.hidden = false;

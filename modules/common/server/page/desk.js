@@ -2,7 +2,7 @@
 import {
   byId, clock, element, fixed, isNumber, load, now, object, objects, setText, sleep, untilVisible, words,
 } from "/basics.js";
-import { command, doubleTapMs, isUnlocked } from "/commands.js";
+import { command, doubleTapMs, isUnlocked, say } from "/commands.js";
 
 const oldProgramMs = 3000;         // pictures of program come 5 times a second
 const oldTilesMs = 6000;           // pictures of the channels come once a second
@@ -272,8 +272,12 @@ export function showOutputEvent(event) {
     const told = object(event[name]);
     output.on = told.on === true;
     output.waiting = told.waiting === true;
-    output.state = words(told.state);
-    output.reason = words(told.reason);
+    const state = words(told.state), reason = words(told.reason);
+    // Not a failure that the page finds when it is opened.
+    if (state === "Failed" && reason && output.state && output.state !== state)
+      say((name === "record" ? "The recording" : "The stream") + " has failed: " + reason);
+    output.state = state;
+    output.reason = reason;
     // Until the engine has answered, the report may still describe the output before.
     if (output.waiting) output.report = {};
     if (!output.on && output.armed) disarm(output);
