@@ -323,6 +323,7 @@ void KorviaSarnhawk::onChannelSelected(quint64 bus, int channelId) {
   if (bus == PVMObject) {
     _config.pvmChannel = channelId;
     _selectedPVM = channelId;
+    _remote->onPreviewSelected(channelId);
     if (_channelConfig && _channelConfig->isVisible())
       _channelConfig->showChannel(channelId);
     for (GWidgetDisplayObject* strip : _strips->strips())

@@ -27,6 +27,10 @@ namespace {
 // Ten times a second.
 constexpr quint64 kTicksPerTelling = 3;
 
+constexpr qint64 kCommandAgeMs = 2000;
+// The engine may refuse a selection without an answer.
+constexpr qint64 kAnswerLimitMs = 1000;
+
 // The engine's levels are 0 to 100 for -60 to 0 dBFS.
 constexpr double kFloorDb = -60;
 
@@ -82,11 +86,14 @@ WebVerdict RemoteDesk::accept(const WebCommand& command) {
     --_waiting;
     return WebVerdict::NotReady;
   }
+  QElapsedTimer age;
+  age.start();
   QMetaObject::invokeMethod(
       this,
-      [this, command] {
+      [this, command, age] {
         --_waiting;
-        if (_isOpen)
+        // After a pause of the console nobody expects a cut of long ago.
+        if (_isOpen && age.elapsed() < kCommandAgeMs)
           run(command);
       },
       Qt::QueuedConnection);
@@ -94,14 +101,14 @@ WebVerdict RemoteDesk::accept(const WebCommand& command) {
 }
 
 void RemoteDesk::run(const WebCommand& command) {
-  const int channelId = command.channel.value_or(_parts.priv->getConfig()->pvmChannel);
+  const int channelId = command.channel.value_or(previewChannel());
   switch (command.kind) {
     case WebCommand::Kind::Take:
       return _parts.priv->takeChannel(channelId, command.transition);
     case WebCommand::Kind::Cut:
       return cutTo(channelId);
     case WebCommand::Kind::Select:
-      return _parts.priv->postEvent(ShowEventSelectChannel, PVMObject, channelId);
+      return select(channelId);
     case WebCommand::Kind::StartRecord:
       return _parts.outputs->press(OutputSlotRecord, OutputSwitches::Press::On);
     case WebCommand::Kind::StopRecord:
@@ -111,6 +118,22 @@ void RemoteDesk::run(const WebCommand& command) {
     case WebCommand::Kind::StopStream:
       return _parts.outputs->press(OutputSlotStream, OutputSwitches::Press::Off);
   }
+}
+
+void RemoteDesk::select(int channelId) {
+  _selecting = channelId;
+  _sinceSelecting.start();
+  _parts.priv->postEvent(ShowEventSelectChannel, PVMObject, channelId);
+}
+
+void RemoteDesk::onPreviewSelected(int channelId) {
+  if (_selecting == channelId)
+    _selecting.reset();
+}
+
+int RemoteDesk::previewChannel() const {
+  const bool isAwaited = _selecting && _sinceSelecting.elapsed() < kAnswerLimitMs;
+  return isAwaited ? *_selecting : _parts.priv->getConfig()->pvmChannel;
 }
 
 // As a take does, the cut releases a held film before the channel is on air.

@@ -1,9 +1,11 @@
 // The desk as the viewers of the web server see and use it: tells them tally, takes, states of the outputs
 // and levels, and runs their commands as if the operator had given them here. Console thread.
 #pragma once
+#include <QElapsedTimer>
 #include <QJsonObject>
 #include <QObject>
 #include <atomic>
+#include <optional>
 
 #include "WebCommand.h"
 #include "console/ConsolePage.h"
@@ -37,6 +39,8 @@ class RemoteDesk : public QObject, public ConsolePage {
   /// Before the engine is closed. Commands that still wait are dropped.
   void close();
   void setSwitchPosition(float position) { _switchPosition = position; }
+  /// The engine has put a channel on preview.
+  void onPreviewSelected(int channelId);
 
   /// Tells what has changed, when there are viewers.
   void onFrameTick() override;
@@ -44,7 +48,10 @@ class RemoteDesk : public QObject, public ConsolePage {
  private:
   korvia::WebVerdict accept(const korvia::WebCommand& command);
   void run(const korvia::WebCommand& command);
+  /// The channel on preview, also when the engine has not answered to the selection yet.
+  int previewChannel() const;
   void cutTo(int channelId);
+  void select(int channelId);
 
   void tellTake();
   QJsonObject tally() const;
@@ -56,6 +63,8 @@ class RemoteDesk : public QObject, public ConsolePage {
   RemotePictures _pictures;
   bool _isOpen = false;
   std::atomic<int> _waiting{0};
+  std::optional<int> _selecting;  // posted by select(), until the engine answers
+  QElapsedTimer _sinceSelecting;
   quint64 _ticks = 0;
   float _switchPosition = 0;
   int _toldProgram = 0;  // id of the channel; 0 before the first

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QSysInfo>
 
+#include "ListenPlace.h"
 #include "secretEquals.h"
 
 namespace korvia {
@@ -35,7 +36,7 @@ bool isOwnHost(const char* host, WebReach reach) {
   if (!host)
     return true;
   const QByteArray name = hostName(host);
-  if (name == "127.0.0.1" || name == "localhost")
+  if (name == "127.0.0.1" || name == "localhost" || listenAddresses().contains(QString::fromLatin1(name)))
     return true;
   if (reach == WebReach::Loopback || name.isEmpty())
     return false;
@@ -58,7 +59,8 @@ bool isOwnSite(const char* fetchSite) {
 
 bool hasToken(const char* authorization, const QByteArray& token) {
   const QByteArray given(authorization);
-  return given.startsWith(kBearer) && secretEquals(given.mid(sizeof kBearer - 1), token);
+  return qstrnicmp(given.constData(), kBearer, sizeof kBearer - 1) == 0 &&
+         secretEquals(given.mid(sizeof kBearer - 1), token);
 }
 
 }  // namespace korvia

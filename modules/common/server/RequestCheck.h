@@ -8,7 +8,8 @@ namespace korvia {
 
 enum class WebReach { Loopback, Network };
 
-/// Whether a Host header names this server: "localhost" or 127.0.0.1, and for the network any numeric address
+/// Whether a Host header names this server: "localhost" or an address
+/// that it listens on, and for the network any numeric address
 /// and this machine's own name, with or without ".local". A numeric address cannot be made to resolve to
 /// another machine. A missing header is allowed, since browsers always send one.
 bool isOwnHost(const char* host, WebReach reach);

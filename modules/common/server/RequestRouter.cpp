@@ -164,8 +164,16 @@ int RequestRouter::answer(WebRequest& request, const char* url, const char* meth
       return refuse(request, MHD_HTTP_FORBIDDEN, "forbidden");
   }
   if (isRead) {
-    request.isHeadRead = true;
-    return read(request, path);
+    // An answer before the end of the request would close the connection.
+    if (!request.isHeadRead) {
+      request.isHeadRead = true;
+      return MHD_YES;
+    }
+    if (*uploadSize == 0)
+      return read(request, path);
+    const bool fits = request.takeBody(*uploadSize, kBodyLimit);
+    *uploadSize = 0;
+    return fits ? MHD_YES : MHD_NO;
   }
   if (WebCommand::parse(QString::fromUtf8(path)))
     return std::strcmp(method, MHD_HTTP_METHOD_POST) == 0

@@ -125,6 +125,21 @@ class RemoteDeskTest : public QObject {
     QCOMPARE(desk.show.eventsOf(ShowEventSelectChannel)[0].args[1].toInt(), MediaChannel + 2);
   }
 
+  void cutFollowsASelectionThatIsNotAnsweredYet() {
+    ControlsDesk desk;
+    QVERIFY(run(Kind::Select, 0, MediaChannel + 2) == WebVerdict::Accepted);
+    QVERIFY(run(Kind::Cut) == WebVerdict::Accepted);
+    QTRY_COMPARE((desk.settle(), desk.show.count(ShowEventSelectChannel)), 2);
+    const auto selected = desk.show.eventsOf(ShowEventSelectChannel);
+    QCOMPARE(selected[1].args[0].toInt(), static_cast<int>(PGMObject));
+    QCOMPARE(selected[1].args[1].toInt(), MediaChannel + 2);
+    // The engine has answered, so what the operator selects at the desk counts again.
+    desk.report(ShowEventSelectChannel, PVMObject, MediaChannel + 1);
+    QVERIFY(run(Kind::Cut) == WebVerdict::Accepted);
+    QTRY_COMPARE((desk.settle(), desk.show.count(ShowEventSelectChannel)), 3);
+    QCOMPARE(desk.show.eventsOf(ShowEventSelectChannel)[2].args[1].toInt(), MediaChannel + 1);
+  }
+
   void cutReleasesAHeldFilm() {
     ControlsDesk desk;
     desk.config()->channels[1].source.kind = SourceKindMovie;

@@ -161,6 +161,7 @@ function fillTile(tile, channel, tally) {
 }
 
 export function showTally(tally) {
+  if (Number.isInteger(tally.lastTake) && tally.lastTake >= 0 && tally.lastTake < 4) lastTake = tally.lastTake;
   const channels = objects(tally.channels).filter(channel => isNumber(channel.id));
   const ids = [...new Set(channels.map(channel => channel.id))];
   // Tiles are kept while the channels stay, so that a finger and the keyboard's focus stay on theirs.

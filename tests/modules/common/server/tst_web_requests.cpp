@@ -341,6 +341,18 @@ class WebRequestsTest : public QObject {
     QCOMPARE(helper_._interface->open(nullptr, &port_), 0);
   }
 
+  // A page asks six times a second, so a new connection for each would cost more than the pictures.
+  void connectionIsKept() {
+    auto client = connectTo(port_);
+    for (int n = 0; n < 3; ++n) {
+      client->write("GET /status.json HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n");
+      QByteArray text;
+      QVERIFY(readUntil(*client, text, "\"uptimeSeconds\""));
+      QVERIFY(!text.contains("Connection: close"));
+    }
+    QCOMPARE(client->state(), QAbstractSocket::ConnectedState);
+  }
+
   // Figures and log
 
   void metricsAreTheBoard() {
