@@ -234,6 +234,7 @@ void KorviaSarnhawk::updateTakeButton(int transitionIndex) {
 
 void KorviaSarnhawk::takeChannel(int channelId, int transitionIndex) {
   _takes->take(channelId, transitionIndex);
+  _remote->setTaken(channelId);
 }
 
 void KorviaSarnhawk::takeSelected(int transitionIndex) {

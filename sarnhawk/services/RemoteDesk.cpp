@@ -145,6 +145,13 @@ void RemoteDesk::cutTo(int channelId) {
   _parts.priv->postEvent(ShowEventSelectChannel, PGMObject, channelId);
 }
 
+void RemoteDesk::setSwitchPosition(float position) {
+  const bool isOver = position >= 1;
+  _switchPosition = isOver ? 0 : position;
+  if (isOver)
+    _taken.reset();
+}
+
 void RemoteDesk::onFrameTick() {
   korvia::EventFeed& events = WebDesk::instance().events();
   tellTake();
@@ -170,13 +177,15 @@ void RemoteDesk::tellTake() {
 
 QJsonObject RemoteDesk::tally() const {
   const tagKorviaSarnhawkConfig* config = _parts.priv->getConfig();
+  // During a take both channels are seen on program. The lever takes the one on preview.
+  const int incoming = _switchPosition > 0 ? _taken.value_or(config->pvmChannel) : config->pgmChannel;
   QJsonArray channels;
   for (const GWidgetDisplayObject* strip : _parts.strips->strips()) {
     const int id = strip->objectId();
     const auto index = static_cast<std::size_t>(strip->index());
     QJsonObject channel{{"id", id},
                         {"name", channelTitle(id)},
-                        {"onProgram", id == config->pgmChannel},
+                        {"onProgram", id == config->pgmChannel || id == incoming},
                         {"onPreview", id == config->pvmChannel}};
     if (strip->isMedia()) {
       const tagKorviaShowSourceInfo& source = config->channels[index].source;

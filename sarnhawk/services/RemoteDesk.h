@@ -38,7 +38,10 @@ class RemoteDesk : public QObject, public ConsolePage {
   void open();
   /// Before the engine is closed. Commands that still wait are dropped.
   void close();
-  void setSwitchPosition(float position) { _switchPosition = position; }
+  /// As the engine reports it, 0 to 1; 1 ends the take.
+  void setSwitchPosition(float position);
+  /// A take of the channel was posted.
+  void setTaken(int channelId) { _taken = channelId; }
   /// The engine has put a channel on preview.
   void onPreviewSelected(int channelId);
 
@@ -67,5 +70,6 @@ class RemoteDesk : public QObject, public ConsolePage {
   QElapsedTimer _sinceSelecting;
   quint64 _ticks = 0;
   float _switchPosition = 0;
-  int _toldProgram = 0;  // id of the channel; 0 before the first
+  std::optional<int> _taken;  // while its take may run
+  int _toldProgram = 0;       // id of the channel; 0 before the first
 };

@@ -236,6 +236,31 @@ class RemoteDeskTest : public QObject {
     QCOMPARE(channels[3].toObject()["name"].toString(), QString("Stage-0"));
   }
 
+  // A tally light must not stay dark while its picture is on air.
+  void bothChannelsOfATakeAreOnProgram() {
+    ControlsDesk desk;
+    desk.report(ShowEventSelectChannel, PGMObject, MediaChannel);
+    Viewer viewer;
+    const auto onProgram = [&viewer] {
+      QStringList names;
+      const QList<QJsonObject> tallies = viewer.waitFor("tally");
+      if (tallies.isEmpty())
+        return names;
+      const QJsonArray channels = tallies.constLast()["channels"].toArray();
+      for (const auto& channel : channels) {
+        if (channel.toObject()["onProgram"].toBool())
+          names << channel.toObject()["name"].toString();
+      }
+      return names;
+    };
+    QCOMPARE(onProgram(), QStringList("Media-0"));
+    desk.console->takeChannel(MediaChannel + 2, 0);
+    desk.report(ShowEventSwitchPosition, 0.5F);
+    QCOMPARE(onProgram(), (QStringList{"Media-0", "Media-2"}));
+    desk.report(ShowEventSwitchPosition, 1.0F);
+    QCOMPARE(onProgram(), QStringList("Media-0"));
+  }
+
   void takeIsTold() {
     ControlsDesk desk;
     Viewer viewer;
