@@ -69,6 +69,9 @@ void publish(const HostOptions& options) {
   if (korvia::listensToOthers())
     qCWarning(lcSession, "listening on %s, other machines reach the servers",
               qUtf8Printable(options.listenAddress));
+  else if (!options.listenAddress.isEmpty())
+    qCInfo(lcSession, "listening on %s, which only this machine reaches",
+           qUtf8Printable(options.listenAddress));
   qApp->setProperty("korviaOpen", options.openFiles);
 }
 

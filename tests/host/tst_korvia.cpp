@@ -249,6 +249,9 @@ void TestKorvia::nothingButTheSwitchOpensTheMachine() {
   QCOMPARE(log().filter("warning").filter("listening on 0.0.0.0, other machines reach the servers").size(),
            1);
 
+  QCOMPARE(run({"--exit-after", "0", "--listen", "127.0.0.2"}), 0);
+  QCOMPARE(log().filter("info").filter("listening on 127.0.0.2, which only this machine reaches").size(), 1);
+
   QCOMPARE(run({"--exit-after", "0", "--listen", "198.51.100.77"}), 2);
   QVERIFY(complaint().contains("--listen: this machine has no address 198.51.100.77"));
 }
