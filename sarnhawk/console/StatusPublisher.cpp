@@ -48,6 +48,14 @@ QJsonObject soundDevice(const tagKorviaShowEngineFigures::SoundDevice& device) {
   return {{"playing", device.playing}, {"driftPpm", device.driftPpm}, {"breaks", device.breaks}};
 }
 
+QJsonObject liveSection(const tagKorviaShowEngineFigures::LiveSource& live) {
+  return {{"latencyMs", live.latencyMs},
+          {"driftPpm", live.driftPpm},
+          {"connections", live.connections},
+          {"stampJumps", live.stampJumps},
+          {"missedFrames", live.missedFrames}};
+}
+
 QJsonObject soundSection(const tagKorviaShowEngineFigures& figures) {
   return {{"momentaryLufs", figures.loudness.momentaryLufs},
           {"shortTermLufs", figures.loudness.shortTermLufs},
@@ -130,7 +138,7 @@ QJsonObject StatusPublisher::channels(const tagKorviaShowEngineFigures& figures)
     const QString title = channelTitle(strip->objectId());
     if (strip->isMedia())
       section[title] =
-          mediaChannel(strip->index(), figures.sourceDriftPpm[static_cast<std::size_t>(strip->index())]);
+          mediaChannel(strip->index(), figures.liveSources[static_cast<std::size_t>(strip->index())]);
     else
       section[title] = QJsonObject{
           {"inUse", _priv->getConfig()->stages[static_cast<std::size_t>(strip->index())].inUse != 0}};
@@ -138,7 +146,8 @@ QJsonObject StatusPublisher::channels(const tagKorviaShowEngineFigures& figures)
   return section;
 }
 
-QJsonObject StatusPublisher::mediaChannel(int index, double driftPpm) const {
+QJsonObject StatusPublisher::mediaChannel(int index,
+                                          const tagKorviaShowEngineFigures::LiveSource& live) const {
   const tagKorviaShowSourceInfo& info = _priv->getConfig()->channels[static_cast<std::size_t>(index)].source;
   IKorviaShowSource* source = _priv->getSource(static_cast<KorviaShowObjectID>(MediaChannel + index));
   if (!source)
@@ -147,11 +156,13 @@ QJsonObject StatusPublisher::mediaChannel(int index, double driftPpm) const {
   qint64 duration = 0;
   source->getTime(time);
   source->getDuration(duration);
-  return {{"inUse", true},
-          {"kind", SourceText::kindName(info.kind)},
-          {"file", SourceText::fileName(info)},
-          {"state", TransportRow::stateName(source->getPlayState())},
-          {"time", TransportRow::timeText(time)},
-          {"duration", TransportRow::timeText(duration)},
-          {"driftPpm", driftPpm}};
+  QJsonObject channel{{"inUse", true},
+                      {"kind", SourceText::kindName(info.kind)},
+                      {"file", SourceText::fileName(info)},
+                      {"state", TransportRow::stateName(source->getPlayState())},
+                      {"time", TransportRow::timeText(time)},
+                      {"duration", TransportRow::timeText(duration)}};
+  if (live.isLive)
+    channel["live"] = liveSection(live);
+  return channel;
 }

@@ -21,7 +21,7 @@ class StatusPublisher : public ConsolePage {
  private:
   QJsonObject buses(const tagKorviaShowEngineFigures& figures) const;
   QJsonObject channels(const tagKorviaShowEngineFigures& figures) const;
-  QJsonObject mediaChannel(int index, double driftPpm) const;
+  QJsonObject mediaChannel(int index, const tagKorviaShowEngineFigures::LiveSource& live) const;
 
   IKorviaSarnhawkPriv* _priv;
   const StripArea* _strips;

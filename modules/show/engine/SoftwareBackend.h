@@ -52,6 +52,7 @@ class SoftwareBackend final : public IShowBackend {
   void pausePGMImage(bool pause) override { programPaused_ = pause; }
   void setIncomeServer(int port, const QString& publishSecret) override {
     outputs_.setIncomeServer({port, publishSecret});
+    channels_.setIncomePort(port);
   }
   void setPictureSink(IKorviaShowPictureSink* sink) override { pictures_.setSink(sink); }
 

@@ -40,6 +40,23 @@ struct tagKorviaShowEngineFigures {
     friend bool operator==(const SoundDevice&, const SoundDevice&) = default;
   };
 
+  /// A source that cannot wait, such as a camera or a stream from the network.
+  struct LiveSource {
+    bool isLive = false;
+    /// How much faster than the show its clock runs, in parts of 10^6.
+    double driftPpm = 0;
+    /// From the arrival of the picture on show to its first frame.
+    double latencyMs = 0;
+    /// Times that its input was opened and has delivered.
+    qint64 connections = 0;
+    /// Jumps of its time stamps that were removed.
+    qint64 stampJumps = 0;
+    /// Frames at which the picture that was due had not come.
+    qint64 missedFrames = 0;
+
+    friend bool operator==(const LiveSource&, const LiveSource&) = default;
+  };
+
   /// Program frames since the engine opened.
   qint64 frames = 0;
   /// Ticks that began more than a quarter of a frame after their deadline, missed frames or not.
@@ -65,9 +82,8 @@ struct tagKorviaShowEngineFigures {
   SoundDevice programDevice;
   SoundDevice previewDevice;
   int sourceCount = 0;
-  /// How much faster than the show the clock of each media channel's source runs, in parts of 10^6; 0 for
-  /// sources without a clock of their own.
-  std::array<double, kMediaChannelMax> sourceDriftPpm{};
+  /// Of the media channels.
+  std::array<LiveSource, kMediaChannelMax> liveSources{};
   /// Sources that nobody needs and that leave out pictures, because the machine is short of computing time.
   int reducedSources = 0;
   /// The share of all cores that the process uses, 0 to 1.

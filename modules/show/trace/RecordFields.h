@@ -371,6 +371,16 @@ void visitFields(R& r, V&& visit) {
   visit("truePeakDbtp", r.truePeakDbtp);
 }
 
+template <RecordOf<tagKorviaShowEngineFigures::LiveSource> R, class V>
+void visitFields(R& r, V&& visit) {
+  visit("isLive", r.isLive);
+  visit("driftPpm", r.driftPpm);
+  visit("latencyMs", r.latencyMs);
+  visit("connections", r.connections);
+  visit("stampJumps", r.stampJumps);
+  visit("missedFrames", r.missedFrames);
+}
+
 template <RecordOf<tagKorviaShowEngineFigures::SoundDevice> R, class V>
 void visitFields(R& r, V&& visit) {
   visit("playing", r.playing);
@@ -425,7 +435,7 @@ void visitFields(R& r, V&& visit) {
   visit("programDevice", r.programDevice);
   visit("previewDevice", r.previewDevice);
   visit("sourceCount", r.sourceCount);
-  visit("sourceDriftPpm", r.sourceDriftPpm);
+  visit("liveSources", r.liveSources);
   visit("switchPosition", r.switchPosition);
   visit("pvmChannel", r.pvmChannel);
   visit("pgmChannel", r.pgmChannel);

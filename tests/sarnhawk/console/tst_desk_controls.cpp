@@ -429,7 +429,7 @@ class DeskControlsTest : public QObject {
     desk.show.figures.recording = true;
     desk.show.figures.loudness.shortTermLufs = -23.5;
     desk.show.figures.programDevice = {true, -41.5, 3};
-    desk.show.figures.sourceDriftPpm[0] = 12.25;
+    desk.show.figures.liveSources[0] = {true, 12.25, 1040, 3, 2, 1};
     desk.source->duration = 20 * kTenthsPerSecond;
     desk.console->onWorkTimer();
     const QJsonObject board = korvia::StatusBoard::instance().snapshot();
@@ -443,7 +443,12 @@ class DeskControlsTest : public QObject {
     QCOMPARE(board["outputs"].toObject()["recording"], QJsonValue(true));
     QCOMPARE(board["sound"].toObject()["shortTermLufs"].toDouble(), -23.5);
     QCOMPARE(board["sound"].toObject()["truePeakDbtp"].toDouble(), -70.0);
-    QCOMPARE(channel["driftPpm"].toDouble(), 12.25);
+    const QJsonObject live = channel["live"].toObject();
+    QCOMPARE(live["driftPpm"].toDouble(), 12.25);
+    QCOMPARE(live["latencyMs"].toDouble(), 1040.0);
+    QCOMPARE(live["connections"].toInt(), 3);
+    QCOMPARE(live["stampJumps"].toInt(), 2);
+    QCOMPARE(live["missedFrames"].toInt(), 1);
     const QJsonObject device = board["sound"].toObject()["programDevice"].toObject();
     QCOMPARE(device["playing"], QJsonValue(true));
     QCOMPARE(device["driftPpm"].toDouble(), -41.5);

@@ -30,7 +30,7 @@ void addFigures(int slot, const SourceFigures& source, tagKorviaShowEngineFigure
   figures.heldFilmFrames += source.framesHeld;
   figures.skippedFilmFrames += source.framesSkipped;
   if (slot < kMediaChannelMax)
-    figures.sourceDriftPpm[static_cast<std::size_t>(slot)] = source.driftPpm;
+    figures.liveSources[static_cast<std::size_t>(slot)] = source.live;
 }
 
 ChannelBank::~ChannelBank() {
@@ -48,6 +48,7 @@ IKorviaShowSource* ChannelBank::openSource(KorviaShowObjectID id, const tagKorvi
   context.id = slot == kKaraokeSlot ? KaraokeObject : static_cast<KorviaShowObjectID>(MediaChannel + slot);
   context.sink = sink;
   context.refillTurns = refillTurns_;
+  context.incomePort = incomePort_;
   {
     MutexLock lock(formatMutex_);
     context.renderSize = format_.size;

@@ -39,6 +39,8 @@ class ChannelBank final : public ChannelPictures, public ChannelSounds {
   IKorviaShowSource* openSource(KorviaShowObjectID id, const tagKorviaShowSourceInfo& info,
                                 const tagKorviaFormatInfo& format, IKorviaShowEngineSink* sink);
   void closeSource(KorviaShowObjectID id);
+  /// Where the income server of this machine listens; 0 when it does not.
+  void setIncomePort(int port) { *incomePort_ = port; }
   IKorviaShowSource* getSource(KorviaShowObjectID id);
   void getSourceState(KorviaShowObjectID id, tagKorviaSourceState& state);
   /// `items`: one for each of the eight media channels; that of a channel without a source is emptied.
@@ -79,6 +81,7 @@ class ChannelBank final : public ChannelPictures, public ChannelSounds {
 
   Janitor& janitor_;
   const std::shared_ptr<RefillTurns> refillTurns_ = std::make_shared<RefillTurns>();
+  const std::shared_ptr<std::atomic<int>> incomePort_ = std::make_shared<std::atomic<int>>(0);
   Mutex formatMutex_;
   ShowFormat format_ GUARDED_BY(formatMutex_);
   SourceSet sources_;

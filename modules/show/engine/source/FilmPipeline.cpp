@@ -3,8 +3,6 @@
 #include <fcntl.h>
 #include <gst/app/gstappsink.h>
 #include <gst/audio/audio.h>
-#include <gst/video/gstvideopool.h>
-#include <gst/video/video.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,6 +12,7 @@
 #include <cstring>
 
 #include "CodedPictures.h"
+#include "ElementSetup.h"
 #include "GstInit.h"
 #include "StreamCorrections.h"
 #include "engine/EngineLog.h"
@@ -29,23 +28,11 @@ namespace {
 // of it, unless the sound lies far from its pictures in the file.
 constexpr guint kMostQueuedBytes = 16 * 1024 * 1024;
 
-// Elements that crash the process: avdemux_nut writes through a null pointer when the pictures are raw.
-constexpr const char* kUnsafeElements[] = {"avdemux_nut"};
-// Results of decodebin's signal "autoplug-select", which no header declares.
-constexpr int kAutoplugTry = 0;
-constexpr int kAutoplugSkip = 2;
-
 GstElement* makeElement(const char* factory, QString& reason) {
   GstElement* element = gst_element_factory_make(factory, nullptr);
   if (!element)
     reason = QStringLiteral("gstreamer element %1 is missing").arg(QLatin1String(factory));
   return element;
-}
-
-/// The caps of a pad that is being exposed. The caller unreferences them; may be null.
-GstCaps* capsOf(GstPad* pad) {
-  GstCaps* caps = gst_pad_get_current_caps(pad);
-  return caps ? caps : gst_pad_query_caps(pad, nullptr);
 }
 
 bool isFromDemuxer(GstPad* pad) {
@@ -56,16 +43,6 @@ bool isFromDemuxer(GstPad* pad) {
   const bool demuxer = factory && gst_element_factory_list_is_type(factory, GST_ELEMENT_FACTORY_TYPE_DEMUXER);
   gst_object_unref(element);
   return demuxer;
-}
-
-void setIfThere(GstElement* element, const char* property, int value) {
-  if (GParamSpec* spec = g_object_class_find_property(G_OBJECT_GET_CLASS(element), property)) {
-    GValue number = G_VALUE_INIT;
-    g_value_init(&number, G_TYPE_INT);
-    g_value_set_int(&number, value);
-    g_object_set_property(G_OBJECT(element), spec->name, &number);
-    g_value_unset(&number);
-  }
 }
 
 /// Whether the container marks the stream to be played when nobody chooses.
@@ -92,25 +69,6 @@ bool canDecode(GstPad* pad) {
   gst_plugin_feature_list_free(decoders);
   gst_caps_unref(caps);
   return can;
-}
-
-/// Accepts pictures with padding, so that decoders need not copy their pictures to remove it.
-GstPadProbeReturn offerPaddedPictures(GstQuery* query) {
-  if (GST_QUERY_TYPE(query) != GST_QUERY_ALLOCATION)
-    return GST_PAD_PROBE_OK;
-  GstCaps* caps = nullptr;
-  gst_query_parse_allocation(query, &caps, nullptr);
-  GstVideoInfo info;
-  if (!caps || !gst_video_info_from_caps(&info, caps))
-    return GST_PAD_PROBE_OK;
-  gst_query_add_allocation_meta(query, GST_VIDEO_META_API_TYPE, nullptr);
-  // Without a pool that can align, a decoder would still copy a picture that it crops, such as 1920 x 1088 to
-  // 1080 lines.
-  GstBufferPool* pool = gst_video_buffer_pool_new();
-  const auto size = static_cast<guint>(GST_VIDEO_INFO_SIZE(&info));
-  gst_query_add_allocation_pool(query, pool, size, 0, 0);
-  gst_object_unref(pool);
-  return GST_PAD_PROBE_HANDLED;
 }
 
 }  // namespace
@@ -207,12 +165,7 @@ bool FilmPipeline::makePictureChain(QString& reason) {
         return static_cast<FilmPipeline*>(self)->onSinkProbe(info);
       },
       this, nullptr);
-  gst_pad_add_probe(
-      pad, GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM,
-      [](GstPad*, GstPadProbeInfo* info, gpointer) {
-        return offerPaddedPictures(gst_pad_probe_info_get_query(info));
-      },
-      nullptr, nullptr);
+  offerPaddedPictures(pad);
   gst_object_unref(pad);
   return true;
 }
@@ -260,15 +213,7 @@ bool FilmPipeline::start(const QString& path, QString& reason) {
                      return static_cast<FilmPipeline*>(self)->wantsDecoding(pad, caps);
                    }),
                    this);
-  g_signal_connect(
-      decoder, "autoplug-select",
-      G_CALLBACK(+[](GstElement*, GstPad*, GstCaps*, GstElementFactory* factory, gpointer) -> int {
-        const char* name = gst_plugin_feature_get_name(GST_PLUGIN_FEATURE(factory));
-        const bool unsafe = std::any_of(std::begin(kUnsafeElements), std::end(kUnsafeElements),
-                                        [name](const char* other) { return !std::strcmp(name, other); });
-        return unsafe ? kAutoplugSkip : kAutoplugTry;
-      }),
-      nullptr);
+  avoidUnsafeElements(decoder);
   g_signal_connect(pipeline_, "deep-element-added",
                    G_CALLBACK(+[](GstBin*, GstBin*, GstElement* element, gpointer self) {
                      const HappensBeforeScope scope(self);

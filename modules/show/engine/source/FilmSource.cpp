@@ -1,6 +1,7 @@
 #include "FilmSource.h"
 
 #include <QFileInfo>
+#include <QUrl>
 #include <algorithm>
 
 #include "DrivePath.h"
@@ -13,6 +14,10 @@ namespace {
 constexpr std::int64_t kTenthMsNs = 100'000;
 
 QStringList pathsOf(const tagKorviaShowSourceInfo& info) {
+  if (info.kind == SourceKindUrl) {
+    const QUrl url(info.url);
+    return {DrivePath::resolve(url.isLocalFile() ? url.toLocalFile() : info.url)};
+  }
   QStringList paths;
   for (const QString& path : info.kind == SourceKindMovieList ? info.movieList : QStringList(info.moviePath))
     paths << DrivePath::resolve(path);

@@ -12,8 +12,9 @@ namespace korvia {
 
 class FilmSource final : public Source {
  public:
-  /// Opens `info.moviePath`, or the films of `info.movieList` one after the other, by the kind of the record.
-  /// The states go from Opening to Playing, or to Error with a line in the log.
+  /// Opens `info.moviePath`, the films of `info.movieList` one after the other, or the local file of
+  /// `info.url`, by the kind of the record. The states go from Opening to Playing, or to Error with a line in
+  /// the log.
   FilmSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
              const tagKorviaFormatInfo& format);
   ~FilmSource() override;

@@ -11,7 +11,6 @@ namespace korvia {
 
 namespace {
 
-constexpr int kMostSamples = 2 * kSampleRate;
 // Stamps are rounded and jitter, so their mean counts. A larger difference is a jump.
 constexpr std::int64_t kMostStampErrorNs = 20'000'000;
 constexpr std::int64_t kStampMean = 32;
@@ -25,17 +24,26 @@ constexpr double kMostSpeedChange = 7e-3;
 
 }  // namespace
 
-LiveAudioQueue::LiveAudioQueue(const QString& name) : name_(name), buffer_(kMostSamples) {}
+LiveAudioQueue::LiveAudioQueue(const QString& name, std::int64_t spanNs)
+    : name_(name), buffer_(static_cast<int>(samplesInNs(spanNs))) {}
 
 // Source's thread.
 
 void LiveAudioQueue::push(const float* interleaved, int samples, std::int64_t timeNs) {
   const std::int64_t first = buffer_.written();
-  if (!buffer_.push(interleaved, samples)) {
+  note(buffer_.push(interleaved, samples), first, timeNs);
+}
+
+void LiveAudioQueue::push(StereoSpan sound, std::int64_t timeNs) {
+  const std::int64_t first = buffer_.written();
+  note(buffer_.push(sound), first, timeNs);
+}
+
+void LiveAudioQueue::note(bool taken, std::int64_t first, std::int64_t timeNs) {
+  if (taken)
+    anchor(first, timeNs);
+  else
     refused_ = true;
-    return;
-  }
-  anchor(first, timeNs);
 }
 
 void LiveAudioQueue::anchor(std::int64_t first, std::int64_t timeNs) {

@@ -25,13 +25,15 @@ class LiveAudioQueue {
     std::int64_t jumps = 0;      ///< of the time stamps, or because nobody pulled for long
   };
 
-  /// `name` is that of the source, for the log.
-  explicit LiveAudioQueue(const QString& name);
+  /// `name` is that of the source, for the log. The queue holds this much sound, which has to be more than
+  /// the latency of the clock.
+  explicit LiveAudioQueue(const QString& name, std::int64_t spanNs = 2'000'000'000);
   LiveAudioQueue(const LiveAudioQueue&) = delete;
   LiveAudioQueue& operator=(const LiveAudioQueue&) = delete;
 
   /// `samples` pairs of left and right; the first of them has the time stamp.
   void push(const float* interleaved, int samples, std::int64_t timeNs);
+  void push(StereoSpan sound, std::int64_t timeNs);
   /// Begins the tick of this reading. Called at every tick, whether the sound is pulled or not.
   void advance(const ClockReading& reading);
   /// The sound of the tick, in one or several pieces. False, with nothing written, for silence.
@@ -46,6 +48,7 @@ class LiveAudioQueue {
     int number = 0;
   };
 
+  void note(bool taken, std::int64_t first, std::int64_t timeNs);
   void anchor(std::int64_t first, std::int64_t timeNs);
   void follow(const ClockReading& reading);
   void setSpeed(const ClockReading& reading, double wanted);

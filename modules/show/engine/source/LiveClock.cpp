@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 namespace korvia {
 
@@ -24,26 +25,31 @@ constexpr std::int64_t kSlewNs = 100'000'000;
 
 }  // namespace
 
-std::int64_t LiveClock::arrive(std::int64_t stampNs, std::int64_t arrivalNs) {
+std::int64_t LiveClock::arrive(std::int64_t stampNs, std::int64_t arrivalNs, Stream stream) {
   MutexLock lock(mutex_);
-  if (!shiftNs_) {
+  if (!shiftNs_)
     shiftNs_ = arrivalNs - stampNs;
-    lastStampNs_ = stampNs;
-  }
   const std::int64_t expectedNs = estimator_.transitAt(arrivalNs);
   const std::int64_t beyondNs = arrivalNs - (stampNs + *shiftNs_) - expectedNs;
-  if (isJump(stampNs, beyondNs))
+  auto& lastStampNs = lastStampNs_[static_cast<std::size_t>(stream)];
+  if (std::exchange(anew_, false) || isJump(stampNs, beyondNs, lastStampNs.value_or(stampNs)))
     reanchor(beyondNs);
   else if (isLateForLong(arrivalNs, beyondNs))
     reanchor(lateLeastNs_);
-  lastStampNs_ = stampNs;
+  lastStampNs = stampNs;
   const std::int64_t timeNs = stampNs + *shiftNs_;
   estimator_.add(arrivalNs - timeNs, arrivalNs);
   return timeNs;
 }
 
-bool LiveClock::isJump(std::int64_t stampNs, std::int64_t beyondNs) const {
-  return stampNs < lastStampNs_ - kBackNs || (estimator_.isSettled() && beyondNs < -kEarlyNs);
+void LiveClock::beginStamps() {
+  MutexLock lock(mutex_);
+  lastStampNs_ = {};
+  anew_ = shiftNs_.has_value();
+}
+
+bool LiveClock::isJump(std::int64_t stampNs, std::int64_t beyondNs, std::int64_t lastStampNs) const {
+  return stampNs < lastStampNs - kBackNs || (estimator_.isSettled() && beyondNs < -kEarlyNs);
 }
 
 bool LiveClock::isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs) {

@@ -11,6 +11,7 @@
 //
 // Source's threads: arrive. Engine thread: advance. Any thread: the rest. No call waits.
 #pragma once
+#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -34,9 +35,14 @@ class LiveClock {
   LiveClock(const LiveClock&) = delete;
   LiveClock& operator=(const LiveClock&) = delete;
 
+  /// Streams of one source with the same clock. Each has its own order of stamps.
+  enum class Stream { Picture, Sound };
+
   /// Data with this stamp of the source's clock have arrived at `arrivalNs` of our clock. Returns their time
   /// stamp for a queue. When the stamps jump, they are shifted so that the time line continues.
-  std::int64_t arrive(std::int64_t stampNs, std::int64_t arrivalNs);
+  std::int64_t arrive(std::int64_t stampNs, std::int64_t arrivalNs, Stream stream = Stream::Picture);
+  /// The stamps that follow have nothing to do with those before: the first of them is taken as undelayed.
+  void beginStamps();
   /// On hold the queues keep the picture on show, while time goes on.
   void setHold(bool hold);
 
@@ -46,7 +52,7 @@ class LiveClock {
   Figures figures() const;
 
  private:
-  bool isJump(std::int64_t stampNs, std::int64_t beyondNs) const REQUIRES(mutex_);
+  bool isJump(std::int64_t stampNs, std::int64_t beyondNs, std::int64_t lastStampNs) const REQUIRES(mutex_);
   bool isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs) REQUIRES(mutex_);
   void reanchor(std::int64_t beyondNs) REQUIRES(mutex_);
 
@@ -56,7 +62,9 @@ class LiveClock {
   DriftEstimator estimator_ GUARDED_BY(mutex_);
   // Difference from the source's time stamps to the time line; none before the first data.
   std::optional<std::int64_t> shiftNs_ GUARDED_BY(mutex_);
-  std::int64_t lastStampNs_ GUARDED_BY(mutex_) = 0;
+  // By Stream; none before the first data, and after the stamps began anew.
+  std::array<std::optional<std::int64_t>, 2> lastStampNs_ GUARDED_BY(mutex_);
+  bool anew_ GUARDED_BY(mutex_) = false;
   // Since when all data have come too late to be shown in time; none when they come in time. The delays are
   // those beyond the expected transit, of the first such data and the least.
   std::optional<std::int64_t> lateSinceNs_ GUARDED_BY(mutex_);

@@ -4,6 +4,7 @@
 // duration, whose buttons do nothing.
 #pragma once
 #include <QString>
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -13,6 +14,7 @@
 #include "RefillTurns.h"
 #include "engine/audio/StereoSpan.h"
 #include "engine/frame/Frame.h"
+#include "tagKorviaShowEngineFigures.h"
 #include "tagKorviaShowSourceInfo.h"
 
 namespace korvia {
@@ -25,6 +27,8 @@ struct SourceContext {
   KorviaShowObjectID id = SourceObject;
   FrameSize renderSize;
   FrameRate rate;  ///< of the render
+  /// Of the income server on this machine; 0 while it is not known. Never null in a show.
+  std::shared_ptr<const std::atomic<int>> incomePort;
   /// Shared by all films of the show; null for a film that decodes when it likes.
   std::shared_ptr<RefillTurns> refillTurns;
   /// May be null. Its onSourceNotify may be called from any thread of the source.
@@ -52,7 +56,7 @@ struct SourceFigures {
   float framesPerSecond = 0;     ///< pictures that arrive
   float samplesPerSecond = 0;    ///< sound that arrives, in samples of one channel
   qint64 videoAudioDriftMs = 0;  ///< time stamp of the picture less that of the sound
-  double driftPpm = 0;           ///< how much faster the source's own clock runs than the show's
+  tagKorviaShowEngineFigures::LiveSource live;
 };
 
 class Source : public IKorviaShowSource {

@@ -8,6 +8,7 @@
 #include "PdfSource.h"
 #include "TextSource.h"
 #include "engine/EngineLog.h"
+#include "live/StreamSource.h"
 
 namespace korvia {
 
@@ -46,14 +47,14 @@ constexpr KindEntry kKinds[] = {
     {SourceKindOffice, make<NoDecoderSource>},
     {SourceKindPdf, open<PdfSource>},
     {SourceKindText, open<TextSource>},
-    {SourceKindUrl, make<NoDecoderSource>},
+    {SourceKindUrl, makeUrlSource},
     {SourceKindDevice, make<NoDecoderSource>},
     {SourceKindDevice3D, make<NoDecoderSource>},
     {SourceKindDelay, make<NoDecoderSource>},
     {SourceKindWeb, make<NoDecoderSource>},
     {SourceKindWindow, make<NoDecoderSource>},
     {SourceKindScreen, make<NoDecoderSource>},
-    {SourceKindIncome, make<NoDecoderSource>},
+    {SourceKindIncome, makeIncomeSource},
 };
 // clang-format on
 

@@ -1,5 +1,7 @@
 #include "StereoSoundMaker.h"
 
+#include "runningTime.h"
+
 namespace korvia {
 
 std::optional<StereoSoundMaker::Sound> StereoSoundMaker::make(GstSample* sample) {
@@ -26,12 +28,13 @@ std::optional<StereoSoundMaker::Sound> StereoSoundMaker::make(GstSample* sample)
   const std::size_t samples = map.size / static_cast<std::size_t>(GST_AUDIO_INFO_BPF(&format));
   left_.resize(samples);
   right_.resize(samples);
-  Sound sound{{left_.data(), right_.data(), static_cast<int>(samples)}, std::nullopt};
+  Sound sound{{left_.data(), right_.data(), static_cast<int>(samples)}, std::nullopt, std::nullopt};
   mixdown_->mix(reinterpret_cast<const float*>(map.data), sound.span);
   if (inTime) {
     const GstClockTime time = gst_segment_to_stream_time(segment, GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
     if (GST_CLOCK_TIME_IS_VALID(time))
       sound.ptsNs = static_cast<std::int64_t>(time);
+    sound.runningNs = runningTimeNs(segment, GST_BUFFER_PTS(buffer));
   }
   gst_buffer_unmap(buffer, &map);
   gst_buffer_unref(buffer);

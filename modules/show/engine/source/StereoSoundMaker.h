@@ -19,6 +19,8 @@ class StereoSoundMaker {
     StereoSpan span;  ///< valid until the next call
     /// Time in the film; none when it states none.
     std::optional<std::int64_t> ptsNs;
+    /// In the running time of the pipeline; none when it has no time.
+    std::optional<std::int64_t> runningNs;
   };
 
   /// None when nothing of the sample lies in the segment, or it cannot be read.

@@ -213,7 +213,7 @@ class RecordJsonTest : public QObject {
     figures.outputs[1].targets = {{"Record", KorviaShowTargetState::Lost, "the disk is full", 0, 3, 0}};
     figures.deviceOutputs = {{"NDI", KorviaShowTargetState::Up, {}, 7, 0, 0}};
     figures.programDevice.driftPpm = -41.5;
-    figures.sourceDriftPpm[7] = 12.25;
+    figures.liveSources[7].driftPpm = 12.25;
     const QJsonObject json = objectOf(figures);
     QCOMPARE(json["frames"].toInt(), 1500);
     QCOMPARE(json["tick"].toObject()["p99Ms"].toDouble(), 12.5);
@@ -230,7 +230,7 @@ class RecordJsonTest : public QObject {
     QCOMPARE(target["retrySeconds"].toInt(), 3);
     QCOMPARE(json["deviceOutputs"].toArray()[0].toObject()["upSeconds"].toInt(), 7);
     QCOMPARE(json["programDevice"].toObject()["driftPpm"].toDouble(), -41.5);
-    QCOMPARE(json["sourceDriftPpm"].toArray()[7].toDouble(), 12.25);
+    QCOMPARE(json["liveSources"].toArray()[7].toObject()["driftPpm"].toDouble(), 12.25);
 
     QCOMPARE(objectOf(tagKorviaShowAudioLevel{})["values"].toArray().size(), 96);
     QCOMPARE(objectOf(tagKorviaSourceLinkState{}).size(), 4);

@@ -1,6 +1,6 @@
-// One connection of a live source to what it shows: a stream, a camera, a card, a helper process. LiveSource makes an
-// input, closes it when it is lost, and makes another one. Source's control thread: start and the destructor. The
-// input's own threads call the receiver, pictures and sound at the same time.
+// One connection of a live source to what it shows: a stream, a camera, a card, a helper process. LiveSource
+// makes an input, closes it when it is lost, and makes another one. Source's control thread: start and the
+// destructor. The input's own threads call the receiver, pictures and sound at the same time.
 #pragma once
 #include <QString>
 #include <cstdint>
@@ -12,8 +12,8 @@
 
 namespace korvia {
 
-/// Takes what an input receives. No call waits. Stamps are those of the input's own clock, the same for pictures and
-/// sound, in nanoseconds; they may begin anywhere.
+/// Takes what an input receives. No call waits. Stamps are those of the input's own clock, the same for
+/// pictures and sound, in nanoseconds; they may begin anywhere.
 class LiveReceiver {
  public:
   virtual ~LiveReceiver() = default;
@@ -43,13 +43,13 @@ struct LiveSettings {
   QString description;
   /// From the arrival of data to their display; takes up the jitter of the input.
   std::int64_t latencyNs = 40'000'000;
-  /// An input that has delivered and then delivers nothing for this time is lost. 0: never, for an input that delivers
-  /// only when its picture changes.
+  /// An input that has delivered and then delivers nothing for this time is lost. 0: never, for an input that
+  /// delivers only when its picture changes.
   std::int64_t silenceNs = 5'000'000'000;
   /// An input that has not delivered anything since its start is given up after this time; 0: never.
   std::int64_t openingNs = 15'000'000'000;
-  /// The longest wait before an input that was lost is opened again. The first wait is short, each failure makes the
-  /// next one longer by half.
+  /// The longest wait before an input that was lost is opened again. The first wait is short, each failure
+  /// makes the next one longer by half.
   std::int64_t mostWaitNs = 1'000'000'000;
 };
 

@@ -142,12 +142,12 @@ class SourceStatisticsTest : public QObject {
   void clocksOfTheSourcesAreTold() {
     tagKorviaShowEngineFigures figures;
     SourceFigures camera;
-    camera.driftPpm = 37.5;
+    camera.live.driftPpm = 37.5;
     camera.framesHeld = 2;
     addFigures(kMediaChannelMax - 1, camera, figures);
     addFigures(kKaraokeSlot, camera, figures);
-    QCOMPARE(figures.sourceDriftPpm.back(), 37.5);
-    QCOMPARE(figures.sourceDriftPpm.front(), 0.0);
+    QCOMPARE(figures.liveSources.back().driftPpm, 37.5);
+    QCOMPARE(figures.liveSources.front().driftPpm, 0.0);
     QCOMPARE(figures.heldFilmFrames, qint64(4));
   }
 

@@ -1,0 +1,20 @@
+// What the pipelines of films and of live inputs set up in the same way. Any thread.
+#pragma once
+#include <gst/gst.h>
+
+namespace korvia {
+
+/// Sets a number, when the element has such a property.
+void setIfThere(GstElement* element, const char* property, int value);
+
+/// The caps of a pad that is being exposed. The caller unreferences them; may be null.
+GstCaps* capsOf(GstPad* pad);
+
+/// Keeps a decodebin from elements that crash the process.
+void avoidUnsafeElements(GstElement* decodebin);
+
+/// Accepts pictures with padding on the sink's pad, so that decoders need not copy their pictures to remove
+/// it.
+void offerPaddedPictures(GstPad* pad);
+
+}  // namespace korvia

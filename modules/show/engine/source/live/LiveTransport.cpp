@@ -1,0 +1,312 @@
+#include "LiveTransport.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "engine/EngineLog.h"
+#include "engine/source/SourceThreads.h"
+
+namespace korvia {
+
+namespace {
+
+// A queue holds what waits for the latency to pass, and what came in a burst.
+constexpr std::int64_t kBurstNs = 500'000'000;
+constexpr int kMostFramesPerSecond = 60;
+// The first wait before a lost input is opened again.
+constexpr std::int64_t kFirstWaitNs = 200'000'000;
+// How often an open connection is checked for silence.
+constexpr std::int64_t kCheckNs = 250'000'000;
+// An input that does not close within this time is left behind, and another one is opened beside it.
+constexpr std::chrono::milliseconds kClosePatience{3000};
+
+VideoQueue::Live limitsFor(std::int64_t latencyNs) {
+  VideoQueue::Live limits;
+  limits.spanNs = latencyNs + kBurstNs;
+  limits.mostFrames = static_cast<int>(limits.spanNs * kMostFramesPerSecond / 1'000'000'000);
+  return limits;
+}
+
+}  // namespace
+
+LiveTransport::LiveTransport(const SourceContext& context, const LiveSettings& settings, LiveInputMaker maker)
+    : context_(context),
+      settings_(settings),
+      maker_(std::move(maker)),
+      clock_(context.rate, settings.latencyNs),
+      queue_(limitsFor(settings.latencyNs)),
+      sound_(settings.description, settings.latencyNs + 2 * kBurstNs) {}
+
+LiveTransport::~LiveTransport() = default;
+
+// Console thread.
+
+void LiveTransport::play() {
+  want(Playing);
+}
+
+void LiveTransport::pause() {
+  want(Paused);
+}
+
+void LiveTransport::stop() {
+  want(Stopped);
+}
+
+void LiveTransport::want(KorviaShowPlayState state) {
+  {
+    MutexLock lock(mutex_);
+    stopAsked_ |= state == Stopped;
+    tryNow_ |= state != Stopped;
+    wanted_ = state;
+    applyHold();
+  }
+  wake_.notify_one();
+}
+
+void LiveTransport::setHold(bool hold) {
+  MutexLock lock(mutex_);
+  held_ = hold;
+  applyHold();
+}
+
+void LiveTransport::applyHold() {
+  clock_.setHold(held_ || wanted_ != Playing);
+}
+
+void LiveTransport::close() {
+  closing_ = true;
+  state_ = NothingSpecial;
+  queue_.close();
+  {
+    // Under the lock the control thread is not between its test and its wait.
+    MutexLock lock(mutex_);
+  }
+  wake_.notify_one();
+}
+
+// Engine thread.
+
+FrameRef LiveTransport::pull(int ticks) {
+  const ClockReading reading = clock_.advance(ticks, LiveConnection::nowNs());
+  VideoQueue::Pull pulled = queue_.pull(reading);
+  sound_.advance(reading);
+  // Sound alone counts too, so that a radio station does not look like a picture that stands still.
+  if (pulled.fresh || (!hasPicture_ && soundCame_.exchange(false)))
+    ++framesShown_;
+  if (pulled.durationNs > 0)
+    pictureDurationNs_ = pulled.durationNs;
+  return std::move(pulled.frame);
+}
+
+// The input's threads.
+
+void LiveTransport::onLivePicture(FrameRef picture, std::int64_t stampNs, std::int64_t arrivalNs) {
+  if (!picture)
+    return;
+  hasPicture_ = true;
+  ++framesReceived_;
+  arrivals_.count(1);
+  TimedFrame frame;
+  frame.timeNs = clock_.arrive(stampNs, arrivalNs, LiveClock::Stream::Picture);
+  frame.frame = std::move(picture);
+  queue_.push(std::move(frame));
+}
+
+void LiveTransport::onLiveSound(StereoSpan sound, std::int64_t stampNs, std::int64_t arrivalNs) {
+  soundArrivals_.count(sound.samples);
+  soundPackets_.count(1);
+  soundCame_ = true;
+  sound_.push(sound, clock_.arrive(stampNs, arrivalNs, LiveClock::Stream::Sound));
+}
+
+void LiveTransport::onLiveStampsRestart() {
+  clock_.beginStamps();
+}
+
+void LiveTransport::onLiveChange() {
+  {
+    MutexLock lock(mutex_);
+    changed_ = true;
+  }
+  wake_.notify_one();
+}
+
+// Any thread.
+
+float LiveTransport::receivedRate() const {
+  return hasPicture_ ? arrivals_.perSecond() : soundPackets_.perSecond();
+}
+
+QString LiveTransport::failureReason() const {
+  MutexLock lock(mutex_);
+  return failureReason_;
+}
+
+void LiveTransport::fill(SourceFigures& figures) const {
+  const LiveClock::Figures clock = clock_.figures();
+  const VideoQueue::Figures queue = queue_.figures();
+  figures.framesDecoded = framesReceived_;
+  figures.framesQueued = queue_.size();
+  figures.framesSkipped = queue.dropped;
+  figures.framesPerSecond = receivedRate();
+  figures.samplesPerSecond = samplesPerSecond();
+  figures.live.isLive = true;
+  figures.live.driftPpm = clock.driftPpm;
+  figures.live.latencyMs = static_cast<double>(queue.latencyNs) * 1e-6;
+  figures.live.stampJumps = clock.reanchors;
+  figures.live.missedFrames = queue.missed;
+  figures.live.connections = connections_;
+}
+
+// Control thread.
+
+void LiveTransport::run() {
+  while (!closing_) {
+    if (connection_)
+      settle();
+    if (connection_) {
+      if (const auto reason = reasonToClose()) {
+        disconnect();
+        if (!reason->isEmpty())
+          noteFailure(*reason);
+        continue;
+      }
+    } else {
+      connect();
+    }
+    waitForWork();
+  }
+  disconnect();
+}
+
+std::optional<QString> LiveTransport::reasonToClose() const {
+  {
+    MutexLock lock(mutex_);
+    if (stopAsked_)
+      return QString();
+  }
+  if (connection_->isLost())
+    return connection_->reason();
+  const std::int64_t silentNs = connection_->silentNs(LiveConnection::nowNs());
+  if (connection_->hasDelivered() && settings_.silenceNs > 0 && silentNs > settings_.silenceNs)
+    return QStringLiteral("nothing comes any more");
+  if (!connection_->hasDelivered() && settings_.openingNs > 0 && silentNs > settings_.openingNs)
+    return QStringLiteral("nothing has come");
+  return std::nullopt;
+}
+
+void LiveTransport::connect() {
+  {
+    MutexLock lock(mutex_);
+    stopAsked_ = false;
+    if (wanted_ == Stopped) {
+      failureReason_.clear();
+      connecting_ = false;
+      state_ = Stopped;
+      return;
+    }
+    if (std::exchange(tryNow_, false))
+      nextTryNs_ = waitNs_ = 0;
+    if (LiveConnection::nowNs() < nextTryNs_)
+      return;
+    if (state_ == Stopped)
+      state_ = Opening;
+  }
+  connecting_ = true;
+  settled_ = false;
+  clock_.beginStamps();
+  connection_ = std::make_shared<LiveConnection>(shared_from_this(), maker_);
+  QString reason;
+  if (connection_->start(reason))
+    return;
+  disconnect();
+  noteFailure(reason);
+}
+
+void LiveTransport::settle() {
+  if (!connection_->hasDelivered() || connection_->isLost())
+    return;
+  KorviaShowPlayState wanted = Playing;
+  {
+    MutexLock lock(mutex_);
+    failureReason_.clear();
+    wanted = wanted_;
+  }
+  connecting_ = false;
+  if (wanted != Stopped && !closing_)
+    state_ = wanted;
+  if (std::exchange(settled_, true))
+    return;
+  waitNs_ = 0;
+  ++connections_;
+  if (!std::exchange(loggedReason_, QString()).isEmpty())
+    qCInfo(logSource, "live source is back : %s", qUtf8Printable(settings_.description));
+}
+
+void LiveTransport::disconnect() {
+  if (!connection_)
+    return;
+  const std::shared_ptr<LiveConnection> closing = std::exchange(connection_, nullptr);
+  closing->refuse();
+  connecting_ = false;
+  if (closing_) {
+    closing->close();
+    return;
+  }
+  {
+    MutexLock lock(mutex_);
+    ++closingInputs_;
+  }
+  const auto self = shared_from_this();
+  const quint64 thread = startSourceThread(settings_.description, [self, closing] {
+    closing->close();
+    {
+      MutexLock lock(self->mutex_);
+      --self->closingInputs_;
+    }
+    self->wake_.notify_all();
+  });
+  markSourceThreadClosing(thread);
+  MutexLock lock(mutex_);
+  wake_.wait_until(lock, std::chrono::steady_clock::now() + kClosePatience,
+                   [this]() REQUIRES(mutex_) { return closingInputs_ == 0 || closing_; });
+}
+
+void LiveTransport::noteFailure(const QString& reason) {
+  waitNs_ = waitNs_ == 0 ? kFirstWaitNs : std::min(waitNs_ * 3 / 2, settings_.mostWaitNs);
+  nextTryNs_ = LiveConnection::nowNs() + waitNs_;
+  {
+    MutexLock lock(mutex_);
+    failureReason_ = reason;
+  }
+  if (!closing_)
+    state_ = Error;
+  // The same failure again and again is logged once.
+  const QByteArray line =
+      QStringLiteral("live source is lost : %1 : %2").arg(settings_.description, reason).toUtf8();
+  if (std::exchange(loggedReason_, reason) == reason)
+    qCDebug(logSource, "%s", line.constData());
+  else
+    qCWarning(logSource, "%s", line.constData());
+}
+
+void LiveTransport::waitForWork() {
+  MutexLock lock(mutex_);
+  const bool idle = !connection_ && wanted_ == Stopped;
+  const auto ready = [this]() REQUIRES(mutex_) { return closing_ || changed_ || stopAsked_ || tryNow_; };
+  if (idle) {
+    wake_.wait(lock, ready);
+  } else {
+    const std::int64_t nowNs = LiveConnection::nowNs();
+    const std::int64_t waitNs =
+        connection_ ? kCheckNs : std::clamp<std::int64_t>(nextTryNs_ - nowNs, 0, kCheckNs);
+    wake_.wait_until(lock, std::chrono::steady_clock::now() + std::chrono::nanoseconds(waitNs), ready);
+  }
+  changed_ = false;
+  if (connection_)
+    tryNow_ = false;  // it is open already
+}
+
+}  // namespace korvia
