@@ -12,7 +12,7 @@ namespace korvia {
 namespace {
 
 // A queue holds what waits for the latency to pass, and what came in a burst.
-constexpr std::int64_t kBurstNs = 500'000'000;
+constexpr std::int64_t kBurstNs = 1'000'000'000;
 constexpr int kMostFramesPerSecond = 60;
 // The first wait before a lost input is opened again.
 constexpr std::int64_t kFirstWaitNs = 200'000'000;
