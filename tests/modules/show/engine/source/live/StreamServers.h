@@ -87,6 +87,7 @@ class RtmpPlace final : public StreamPlace {
     server_.kill();
     StreamPlace::kill();
   }
+  int port() const { return server_.port(); }
   LiveSender& publisher() { return sender_; }
   void publish() { StreamPlace::start(); }
 
