@@ -7,6 +7,7 @@
 #include "NoDecoderSource.h"
 #include "PdfSource.h"
 #include "TextSource.h"
+#include "capture/CaptureSource.h"
 #include "engine/EngineLog.h"
 #include "live/StreamSource.h"
 
@@ -51,9 +52,9 @@ constexpr KindEntry kKinds[] = {
     {SourceKindDevice, make<NoDecoderSource>},
     {SourceKindDevice3D, make<NoDecoderSource>},
     {SourceKindDelay, make<NoDecoderSource>},
-    {SourceKindWeb, make<NoDecoderSource>},
-    {SourceKindWindow, make<NoDecoderSource>},
-    {SourceKindScreen, make<NoDecoderSource>},
+    {SourceKindWeb, makePageSource},
+    {SourceKindWindow, makeWindowSource},
+    {SourceKindScreen, makeScreenSource},
     {SourceKindIncome, makeIncomeSource},
 };
 // clang-format on
