@@ -8,7 +8,6 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -90,7 +89,9 @@ bool confineFiles(const QStringList& readable) {
     return false;
   for (const FolderRights& folder : kSystemFolders)
     allow(ruleset.get(), folder.path, folder.rights);
-  allow(ruleset.get(), QFile::encodeName(QCoreApplication::applicationDirPath()), kRead);
+  allow(ruleset.get(),
+        QFile::encodeName(QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).absolutePath()),
+        kRead);
   for (const QString& path : readable)
     allow(ruleset.get(), QFile::encodeName(path), kRead);
   allow(ruleset.get(), ".", kAll);

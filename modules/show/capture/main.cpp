@@ -3,8 +3,6 @@
 #include <fcntl.h>
 #include <poll.h>
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QUrl>
@@ -105,7 +103,6 @@ int main(int argc, char** argv) {
     fputs("korvia-capture is started by korvia\n", stderr);
     return 2;
   }
-  const QCoreApplication application(argc, argv);
   dropRights();
   const std::optional<CaptureRequest> request = receiveRequest(channel);
   if (!request || CaptureRequest::nameOf(request->kind) != QLatin1String(argv[1]))

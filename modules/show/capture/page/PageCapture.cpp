@@ -30,6 +30,22 @@ GstElement* addSink(GstElement* pipeline, GstCaps* caps) {
   return sink;
 }
 
+/// Sets the web view up when it is made. Its signal is one of the element inside the source.
+void connectView(GstElement* page) {
+  GstIterator* elements = gst_bin_iterate_sources(GST_BIN(page));
+  GValue item = G_VALUE_INIT;
+  while (gst_iterator_next(elements, &item) == GST_ITERATOR_OK) {
+    GObject* element = G_OBJECT(g_value_get_object(&item));
+    if (g_signal_lookup("configure-web-view", G_OBJECT_TYPE(element)) != 0)
+      g_signal_connect(element, "configure-web-view",
+                       G_CALLBACK(+[](GstElement*, GObject* view, gpointer) { sendSoundToPipeline(view); }),
+                       nullptr);
+    g_value_reset(&item);
+  }
+  g_value_unset(&item);
+  gst_iterator_free(elements);
+}
+
 GstCaps* soundCaps() {
   return gst_caps_from_string("audio/x-raw,format=F32LE,layout=interleaved,rate=48000,channels=2");
 }
@@ -96,9 +112,7 @@ bool PageCapture::build() {
   if (!page_)
     return false;
   g_object_set(page_, "location", request_.address.toUtf8().constData(), "draw-background", FALSE, nullptr);
-  g_signal_connect(page_, "configure-web-view",
-                   G_CALLBACK(+[](GstElement*, GObject* view, gpointer) { sendSoundToPipeline(view); }),
-                   nullptr);
+  connectView(page_);
   g_signal_connect(page_, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer self) {
                      if (g_str_has_prefix(GST_OBJECT_NAME(pad), "audio"))
                        static_cast<PageCapture*>(self)->addSound(pad);
@@ -143,14 +157,30 @@ void PageCapture::onSound(GstSample* sample) {
 }
 
 QString PageCapture::waitForEnd() {
+  // The web engine works through the default context, so a loop runs here.
+  struct Wait {
+    GMainLoop* loop;
+    QString reason;
+  } wait{g_main_loop_new(nullptr, FALSE), {}};
   GstBus* bus = gst_element_get_bus(pipeline_);
-  GstMessage* message = gst_bus_timed_pop_filtered(
-      bus, GST_CLOCK_TIME_NONE, static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS));
-  const QString reason =
-      GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR ? reasonOf(message) : QStringLiteral("page has ended");
-  gst_message_unref(message);
+  gst_bus_add_watch(
+      bus,
+      [](GstBus*, GstMessage* message, gpointer data) -> gboolean {
+        auto* self = static_cast<Wait*>(data);
+        if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR)
+          self->reason = reasonOf(message);
+        else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS)
+          self->reason = QStringLiteral("page has ended");
+        if (!self->reason.isEmpty())
+          g_main_loop_quit(self->loop);
+        return G_SOURCE_CONTINUE;
+      },
+      &wait);
+  g_main_loop_run(wait.loop);
+  gst_bus_remove_watch(bus);
   gst_object_unref(bus);
-  return reason;
+  g_main_loop_unref(wait.loop);
+  return wait.reason;
 }
 
 QString PageCapture::run() {

@@ -11,16 +11,14 @@ namespace {
 /// The picture as a buffer around its memory, with the gaps between its rows.
 GstBuffer* wrapped(const CapturePicture& picture) {
   const gsize bytes = static_cast<gsize>(picture.stride) * static_cast<gsize>(picture.height);
-  GstBuffer* buffer =
-      gst_buffer_new_wrapped_full(GST_MEMORY_FLAG_READONLY, const_cast<std::uint8_t*>(picture.data), bytes, 0,
-                                  bytes, nullptr, nullptr);
+  GstBuffer* buffer = gst_buffer_new_wrapped_full(
+      GST_MEMORY_FLAG_READONLY, const_cast<std::uint8_t*>(picture.data), bytes, 0, bytes, nullptr, nullptr);
   const gsize offsets[GST_VIDEO_MAX_PLANES] = {};
   const gint strides[GST_VIDEO_MAX_PLANES] = {picture.stride};
   const GstVideoFormat format =
       picture.layout == CaptureLayout::Opaque ? GST_VIDEO_FORMAT_BGRx : GST_VIDEO_FORMAT_BGRA;
-  gst_buffer_add_video_meta_full(buffer, GST_VIDEO_FRAME_FLAG_NONE, format,
-                                 static_cast<guint>(picture.width), static_cast<guint>(picture.height), 1,
-                                 offsets, strides);
+  gst_buffer_add_video_meta_full(buffer, GST_VIDEO_FRAME_FLAG_NONE, format, static_cast<guint>(picture.width),
+                                 static_cast<guint>(picture.height), 1, offsets, strides);
   return buffer;
 }
 
@@ -65,7 +63,8 @@ void CaptureInput::onCapturePicture(const CapturePicture& picture) {
   GstBuffer* buffer = wrapped(picture);
   GstSample* sample = gst_sample_new(buffer, caps_, nullptr, nullptr);
   VideoFrameMaker& maker = picture.layout == CaptureLayout::Opaque ? opaqueMaker_ : alphaMaker_;
-  // No format of four bytes a pixel is passed on without a copy, so the frame does not hold the shared memory.
+  // No format of four bytes a pixel is passed on without a copy, so the frame does not hold the shared
+  // memory.
   FrameRef frame = maker.make(sample);
   gst_sample_unref(sample);
   gst_buffer_unref(buffer);

@@ -1,5 +1,5 @@
-// An input that a run of the capture program delivers: a page, a window or a screen. Source's control thread: start and
-// the destructor. The receiver is called on the thread of the CaptureProcess.
+// An input that a run of the capture program delivers: a page, a window or a screen. Source's control thread:
+// start and the destructor. The receiver is called on the thread of the CaptureProcess.
 #pragma once
 #include <gst/gst.h>
 

@@ -29,10 +29,10 @@ std::shared_ptr<Source> makeSource(const SourceContext& context, const tagKorvia
   settings.description = description;
   // A minimised window gives no pictures.
   settings.silenceNs = 0;
-  return std::make_shared<LiveSource>(
-      context, info, format, settings, [request, size = context.renderSize](LiveReceiver& receiver) {
-        return std::make_unique<CaptureInput>(request, size, receiver);
-      });
+  return std::make_shared<LiveSource>(context, info, format, settings,
+                                      [request, size = context.renderSize](LiveReceiver& receiver) {
+                                        return std::make_unique<CaptureInput>(request, size, receiver);
+                                      });
 }
 
 /// A whole, even side of a page.
