@@ -18,9 +18,8 @@ namespace korvia {
 namespace {
 
 // What a page needs of the operator's environment, and what a capture of the display does.
-constexpr const char* kCommonVariables[] = {
-    "PATH",          "LANG",      "LC_ALL",          "TZ", "ASAN_OPTIONS", "TSAN_OPTIONS",
-    "UBSAN_OPTIONS", "GST_DEBUG", "G_MESSAGES_DEBUG"};
+constexpr const char* kCommonVariables[] = {"PATH",         "LANG",         "LC_ALL",       "TZ",
+                                            "ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"};
 constexpr const char* kPageVariables[] = {"http_proxy",  "https_proxy", "no_proxy",       "HTTP_PROXY",
                                           "HTTPS_PROXY", "NO_PROXY",    "FONTCONFIG_FILE"};
 constexpr const char* kDisplayVariables[] = {"DISPLAY"};

@@ -1,6 +1,7 @@
 #include "PageCapture.h"
 
 #include <gst/app/gstappsink.h>
+#include <gst/audio/audio.h>
 #include <gst/video/navigation.h>
 #include <gst/video/video.h>
 
@@ -46,6 +47,19 @@ void connectView(GstElement* page) {
   gst_iterator_free(elements);
 }
 
+/// Some builds of the plugin count bytes where samples belong, and readers of the buffer run over its end.
+GstPadProbeReturn correctLength(GstPad*, GstPadProbeInfo* info, gpointer) {
+  const GstAudioMeta* meta = gst_buffer_get_audio_meta(GST_PAD_PROBE_INFO_BUFFER(info));
+  if (!meta || meta->info.layout != GST_AUDIO_LAYOUT_INTERLEAVED)
+    return GST_PAD_PROBE_OK;
+  GstBuffer* buffer = gst_buffer_make_writable(GST_PAD_PROBE_INFO_BUFFER(info));
+  GST_PAD_PROBE_INFO_DATA(info) = buffer;
+  // Interleaved samples need no description.
+  if (GstMeta* own = gst_buffer_get_meta(buffer, GST_AUDIO_META_API_TYPE))
+    gst_buffer_remove_meta(buffer, own);
+  return GST_PAD_PROBE_OK;
+}
+
 GstCaps* soundCaps() {
   return gst_caps_from_string("audio/x-raw,format=F32LE,layout=interleaved,rate=48000,channels=2");
 }
@@ -63,6 +77,13 @@ QString reasonOf(GstMessage* message) {
 }
 
 }  // namespace
+
+PageCapture::PageCapture(const CaptureRequest& request, PictureSender& sender)
+    : request_(request),
+      sender_(sender),
+      sound_([&sender](const float* samples, int frames, std::int64_t stampNs) {
+        sender.sendSound(samples, frames, stampNs);
+      }) {}
 
 bool PageCapture::addPictureSink() {
   GstCaps* caps = gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "BGRA", "width", G_TYPE_INT,
@@ -85,6 +106,7 @@ bool PageCapture::addPictureSink() {
 }
 
 void PageCapture::addSound(GstPad* pad) {
+  gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BUFFER, correctLength, nullptr, nullptr);
   GstElement* convert = addElement(pipeline_, "audioconvert");
   GstElement* resample = addElement(pipeline_, "audioresample");
   GstElement* sink = addSink(pipeline_, soundCaps());
@@ -93,7 +115,7 @@ void PageCapture::addSound(GstPad* pad) {
   GstAppSinkCallbacks callbacks = {};
   callbacks.new_sample = [](GstAppSink* from, gpointer self) -> GstFlowReturn {
     if (GstSample* sample = gst_app_sink_pull_sample(from)) {
-      static_cast<PageCapture*>(self)->onSound(sample);
+      static_cast<PageCapture*>(self)->onSound(from, sample);
       gst_sample_unref(sample);
     }
     return GST_FLOW_OK;
@@ -127,6 +149,7 @@ std::int64_t PageCapture::stampOf(GstBuffer* buffer) const {
 }
 
 void PageCapture::onPicture(GstSample* sample) {
+  sound_.flush(stampOf(gst_sample_get_buffer(sample)));
   GstVideoInfo info;
   GstVideoFrame frame;
   GstBuffer* buffer = gst_sample_get_buffer(sample);
@@ -145,14 +168,13 @@ void PageCapture::onPicture(GstSample* sample) {
   gst_video_frame_unmap(&frame);
 }
 
-void PageCapture::onSound(GstSample* sample) {
+void PageCapture::onSound(const void* stream, GstSample* sample) {
   GstBuffer* buffer = gst_sample_get_buffer(sample);
   GstMapInfo map;
   if (!gst_buffer_map(buffer, &map, GST_MAP_READ))
     return;
-  g_printerr("sound %zu pts %" GST_TIME_FORMAT "\n", map.size, GST_TIME_ARGS(GST_BUFFER_PTS(buffer)));
-  sender_.sendSound(reinterpret_cast<const float*>(map.data),
-                    static_cast<int>(map.size / (2 * sizeof(float))), stampOf(buffer));
+  sound_.add(stream, reinterpret_cast<const float*>(map.data),
+             static_cast<int>(map.size / (2 * sizeof(float))), stampOf(buffer));
   gst_buffer_unmap(buffer, &map);
 }
 

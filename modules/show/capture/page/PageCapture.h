@@ -7,13 +7,14 @@
 
 #include "Capture.h"
 #include "PictureSender.h"
+#include "SoundMix.h"
 #include "link/CaptureRequest.h"
 
 namespace korvia {
 
 class PageCapture final : public Capture {
  public:
-  PageCapture(const CaptureRequest& request, PictureSender& sender) : request_(request), sender_(sender) {}
+  PageCapture(const CaptureRequest& request, PictureSender& sender);
 
   QString run() override;
   void onInput(const CapturePacket& packet) override;
@@ -23,17 +24,17 @@ class PageCapture final : public Capture {
   bool addPictureSink();
   void addSound(GstPad* pad);
   void onPicture(GstSample* sample);
-  void onSound(GstSample* sample);
+  void onSound(const void* stream, GstSample* sample);
   /// Waits for the message that ends the capture.
   QString waitForEnd();
   std::int64_t stampOf(GstBuffer* buffer) const;
 
   const CaptureRequest request_;
   PictureSender& sender_;
+  SoundMix sound_;
   GstElement* pipeline_ = nullptr;
   GstElement* page_ = nullptr;
   GstElement* pictureSink_ = nullptr;
-  GstElement* soundMixer_ = nullptr;
   /// The operator's input can come before the page is there.
   std::atomic<bool> takesInput_{false};
 };
