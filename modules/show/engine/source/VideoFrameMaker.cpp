@@ -118,7 +118,7 @@ bool VideoFrameMaker::adaptTo(GstCaps* caps) {
   keepKnownColors(caps, info.colorimetry);
   // Caps have no field for it.
   if (alpha_ == ComingAlpha::Premultiplied)
-    GST_VIDEO_INFO_FLAG_SET(&info, GST_VIDEO_FLAG_PREMULTIPLIED_ALPHA);
+    info.flags = static_cast<GstVideoFlags>(info.flags | GST_VIDEO_FLAG_PREMULTIPLIED_ALPHA);
   info_ = info;
   frameDurationNs_ =
       info.fps_n > 0 && info.fps_d > 0

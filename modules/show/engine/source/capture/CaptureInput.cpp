@@ -13,8 +13,8 @@ GstBuffer* wrapped(const CapturePicture& picture) {
   const gsize bytes = static_cast<gsize>(picture.stride) * static_cast<gsize>(picture.height);
   GstBuffer* buffer = gst_buffer_new_wrapped_full(
       GST_MEMORY_FLAG_READONLY, const_cast<std::uint8_t*>(picture.data), bytes, 0, bytes, nullptr, nullptr);
-  const gsize offsets[GST_VIDEO_MAX_PLANES] = {};
-  const gint strides[GST_VIDEO_MAX_PLANES] = {picture.stride};
+  gsize offsets[GST_VIDEO_MAX_PLANES] = {};
+  gint strides[GST_VIDEO_MAX_PLANES] = {picture.stride};
   const GstVideoFormat format =
       picture.layout == CaptureLayout::Opaque ? GST_VIDEO_FORMAT_BGRx : GST_VIDEO_FORMAT_BGRA;
   gst_buffer_add_video_meta_full(buffer, GST_VIDEO_FRAME_FLAG_NONE, format, static_cast<guint>(picture.width),
@@ -41,7 +41,7 @@ bool CaptureInput::start(QString& reason) {
     reason = QStringLiteral("gstreamer does not start");
     return false;
   }
-  process_ = std::make_unique<CaptureProcess>(*this);
+  process_ = std::make_unique<CaptureProcess>(static_cast<CaptureListener&>(*this));
   return process_->start(request_, reason);
 }
 
