@@ -95,6 +95,8 @@ bool confineFiles(const QStringList& readable) {
   for (const QString& path : readable)
     allow(ruleset.get(), QFile::encodeName(path), kRead);
   allow(ruleset.get(), ".", kAll);
+  // So that the current folder can be removed at the end.
+  allow(ruleset.get(), "..", LANDLOCK_ACCESS_FS_REMOVE_DIR);
   return ::syscall(SYS_landlock_restrict_self, ruleset.get(), 0) == 0;
 }
 

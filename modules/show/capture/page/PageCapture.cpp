@@ -179,30 +179,14 @@ void PageCapture::onSound(const void* stream, GstSample* sample) {
 }
 
 QString PageCapture::waitForEnd() {
-  // The web engine works through the default context, so a loop runs here.
-  struct Wait {
-    GMainLoop* loop;
-    QString reason;
-  } wait{g_main_loop_new(nullptr, FALSE), {}};
   GstBus* bus = gst_element_get_bus(pipeline_);
-  gst_bus_add_watch(
-      bus,
-      [](GstBus*, GstMessage* message, gpointer data) -> gboolean {
-        auto* self = static_cast<Wait*>(data);
-        if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR)
-          self->reason = reasonOf(message);
-        else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_EOS)
-          self->reason = QStringLiteral("page has ended");
-        if (!self->reason.isEmpty())
-          g_main_loop_quit(self->loop);
-        return G_SOURCE_CONTINUE;
-      },
-      &wait);
-  g_main_loop_run(wait.loop);
-  gst_bus_remove_watch(bus);
+  GstMessage* message = gst_bus_timed_pop_filtered(
+      bus, GST_CLOCK_TIME_NONE, static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS));
+  const QString reason =
+      GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR ? reasonOf(message) : QStringLiteral("page has ended");
+  gst_message_unref(message);
   gst_object_unref(bus);
-  g_main_loop_unref(wait.loop);
-  return wait.reason;
+  return reason;
 }
 
 QString PageCapture::run() {

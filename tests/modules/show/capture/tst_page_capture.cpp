@@ -143,7 +143,10 @@ class tst_page_capture : public QObject {
   void pageThatDoesNotLoadEnds_data() {
     QTest::addColumn<QString>("address");
     QTest::newRow("no host") << QStringLiteral("http://host.invalid/");
-    QTest::newRow("no server") << QStringLiteral("http://127.0.0.1:9/");
+    // A port that was free a moment ago.
+    QTcpServer closed;
+    closed.listen(QHostAddress::LocalHost);
+    QTest::newRow("no server") << QStringLiteral("http://127.0.0.1:%1/").arg(closed.serverPort());
     QTest::newRow("no file") << QStringLiteral("file:///nonexistent/page.html");
   }
   void pageThatDoesNotLoadEnds() {
