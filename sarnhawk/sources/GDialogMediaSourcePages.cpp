@@ -203,10 +203,9 @@ void GDialogMediaSource::onItemPressed_flashHistoryListWidget(QListWidgetItem* i
 }
 
 void GDialogMediaSource::onClicked_openWebPushButton() {
-  // No web engine draws the page here, so the preview shows the address that would be loaded.
   const QString url = _ui->_webPathLineEdit->text();
   const bool isComplete = url.left(4) == QLatin1String("http");
-  _ui->_webView->setText(isComplete ? url : QStringLiteral("http://") + url);
+  _ui->_webView->load(isComplete ? url : QStringLiteral("http://") + url);
 }
 
 void GDialogMediaSource::onItemPressed_webHistoryListWidget(QListWidgetItem* item) {

@@ -8,6 +8,7 @@
 #include <QScreen>
 #include <QtTest>
 
+#include "KorviaShowPageView.h"
 #include "PickerRig.h"
 #include "QColEdit.h"
 #include "services/GWidgetImagePaint.h"
@@ -78,7 +79,7 @@ class MediaSourcePagesTest : public QObject {
     rig.open(12);
     rig.edit("_webPathLineEdit")->setText(typed);
     rig.button("_openWebPushButton")->click();
-    QCOMPARE(rig.child<QLabel>("_webView")->text(), stored);
+    QCOMPARE(rig.child<KorviaShowPageView>("_webView")->address(), stored);
     QVERIFY(rig.accepts());
     QCOMPARE(rig.source().webUrl, stored);
     QCOMPARE(rig.rows("_webHistoryListWidget"), QStringList{stored});

@@ -1,0 +1,120 @@
+// A page in the picker: its picture, and the operator's mouse, wheel and keys on it.
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QWheelEvent>
+#include <QtTest>
+
+#include "KorviaShowPageView.h"
+
+namespace {
+
+// The page tells by its colour what has come last.
+constexpr char kPage[] =
+    "<html><body style='margin:0;background:#c00000'><script>"
+    "const show = color => { document.body.style.background = color; };"
+    "addEventListener('mousedown', e => show(e.clientX > 100 && e.clientY < 50 ? '#00c000' : '#404040'));"
+    "addEventListener('wheel', e => show('#0000c0'));"
+    "addEventListener('keydown', e => show(e.key == 'k' ? '#c0c000' : e.key == 'Enter' ? '#00c0c0' : e.key "
+    "== 'Tab' ? "
+    "'#c000c0' : e.key == '\\u00e9' ? '#ffffff' : '#202020'));"
+    "</script></body></html>";
+
+class PageServer {
+ public:
+  PageServer() {
+    QObject::connect(&server_, &QTcpServer::newConnection, [this] {
+      QTcpSocket* socket = server_.nextPendingConnection();
+      QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] {
+        socket->readAll();
+        socket->write(
+            "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nConnection: "
+            "close\r\nContent-Length: " +
+            QByteArray::number(int(sizeof kPage) - 1) + "\r\n\r\n" + kPage);
+        socket->disconnectFromHost();
+      });
+      QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    });
+  }
+  bool listen() { return server_.listen(QHostAddress::LocalHost); }
+  QString url() const { return QStringLiteral("http://127.0.0.1:%1/").arg(server_.serverPort()); }
+
+ private:
+  QTcpServer server_;
+};
+
+}  // namespace
+
+class PageViewTest : public QObject {
+  Q_OBJECT
+
+ private:
+  static constexpr int kPatienceMs = 30'000;
+
+  static bool shows(const KorviaShowPageView& view, QRgb color) {
+    return QTest::qWaitFor(
+        [&] {
+          if (view.picture().isNull())
+            return false;
+          const QColor seen = view.picture().pixelColor(160, 90);
+          const QColor wanted(color);
+          return std::abs(seen.red() - wanted.red()) < 8 && std::abs(seen.green() - wanted.green()) < 8 &&
+                 std::abs(seen.blue() - wanted.blue()) < 8;
+        },
+        kPatienceMs);
+  }
+
+ private slots:
+  void thePageTakesMouseWheelAndKeys() {
+    PageServer server;
+    QVERIFY(server.listen());
+    KorviaShowPageView view;
+    view.setFixedSize(320, 180);
+    view.show();
+    view.load(server.url());
+    QVERIFY(!view.message().isEmpty());
+    QVERIFY(shows(view, 0xc00000));
+    QVERIFY(view.message().isEmpty());
+    QCOMPARE(view.picture().size(), QSize(320, 180));
+    QTest::mouseClick(&view, Qt::LeftButton, Qt::NoModifier, QPoint(200, 20));
+    QVERIFY(shows(view, 0x00c000));
+    QWheelEvent wheel(QPointF(50, 50), QPointF(50, 50), QPoint(), QPoint(0, -120), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&view, &wheel);
+    QVERIFY(wheel.isAccepted());
+    QVERIFY(shows(view, 0x0000c0));
+    QTest::keyClick(&view, 'k');
+    QVERIFY(shows(view, 0xc0c000));
+    QTest::keyClick(&view, Qt::Key_Return);
+    QVERIFY(shows(view, 0x00c0c0));
+    QTest::keyClick(&view, Qt::Key_Tab);
+    QVERIFY(shows(view, 0xc000c0));
+    QKeyEvent letter(QEvent::KeyPress, Qt::Key_Eacute, Qt::NoModifier, QStringLiteral("\u00e9"));
+    QCoreApplication::sendEvent(&view, &letter);
+    QVERIFY(shows(view, 0xffffff));
+    // Another load of the same page begins anew.
+    view.load(server.url());
+    QVERIFY(shows(view, 0xc00000));
+    view.setFixedSize(400, 200);
+    QTRY_COMPARE_WITH_TIMEOUT(view.picture().size(), QSize(400, 200), kPatienceMs);
+  }
+
+  void aPageThatIsNotThereIsSaid() {
+    KorviaShowPageView view;
+    view.setFixedSize(320, 180);
+    view.load("http://127.0.0.1:1/");
+    QTRY_VERIFY_WITH_TIMEOUT(view.message().startsWith("This page cannot be shown: "), kPatienceMs);
+    QVERIFY(view.picture().isNull());
+    view.grab();
+  }
+
+  void aViewThatGoesWhileItLoadsIsQuiet() {
+    for (int round = 0; round < 3; ++round) {
+      KorviaShowPageView view;
+      view.load("http://127.0.0.1:1/");
+      QTest::qWait(50 * round);
+    }
+  }
+};
+
+QTEST_MAIN(PageViewTest)
+#include "tst_page_view.moc"
