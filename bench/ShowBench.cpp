@@ -118,8 +118,7 @@ QJsonArray liveSources(const ShowBenchOptions& options, const tagKorviaShowEngin
 
 bool openChannels(KorviaShowEngine& engine, const ShowBenchOptions& options) {
   for (int i = 0; i < options.channels; ++i) {
-    tagKorviaShowSourceInfo source =
-        sourceInfo(options.inputs[i % options.inputs.size()], options.cacheMs);
+    tagKorviaShowSourceInfo source = sourceInfo(options.inputs[i % options.inputs.size()], options.cacheMs);
     tagKorviaFormatInfo format;
     format.video.width = format.video.secondWidth = options.size.width();
     format.video.height = format.video.secondHeight = options.size.height();
