@@ -22,9 +22,10 @@ const QCommandLineOption kEngine("engine", "Engine behind the console: software 
 const QCommandLineOption kTrace("trace",
                                 "Writes what console and engine tell each other, a JSON object a line.",
                                 "FILE");
-const QCommandLineOption kOpen("open",
-                               "Opens a film or picture on media channel N (0 is the first). Repeatable.",
-                               "N=FILE");
+const QCommandLineOption kOpen(
+    "open",
+    "Opens a film, a picture or the address of a stream on media channel N (0 is the first). Repeatable.",
+    "N=FILE");
 const QCommandLineOption kExitAfter("exit-after", "Closes in the orderly way after this time.", "SECONDS");
 const QCommandLineOption kScreenshot("screenshot",
                                      "Writes a picture of the window (png, jpg, bmp) at the exit.", "FILE");
@@ -81,7 +82,9 @@ QString readOpen(const QString& value, HostOptions& options) {
   const int channel = match.captured(1).toInt(&isNumber);
   const QString key = isNumber ? QString::number(channel) : match.captured(1);
   // A missing file is not refused: the channel shows the error and the show runs without it.
-  options.openFiles.insert(key, QFileInfo(match.captured(2)).absoluteFilePath());
+  static const QRegularExpression address(QStringLiteral("^[a-z]{2,}://"));
+  const QString what = match.captured(2);
+  options.openFiles.insert(key, address.match(what).hasMatch() ? what : QFileInfo(what).absoluteFilePath());
   return QString();
 }
 

@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QUrl>
 
 #include "KorviaShowUtil.h"
@@ -11,7 +12,15 @@ namespace {
 
 const QStringList kPictureSuffixes{"png", "jpg", "jpeg", "bmp", "gif", "webp", "tif", "tiff", "tga", "svg"};
 
+/// The address of a stream, such as "srt://127.0.0.1:9000"; not "d:/films".
+bool isAddress(const QString& path) {
+  static const QRegularExpression scheme(QStringLiteral("^[a-z]{2,}://"));
+  return scheme.match(path).hasMatch();
+}
+
 KorviaShowSourceKind kindOf(const QString& path) {
+  if (isAddress(path))
+    return SourceKindUrl;
   const QString suffix = QFileInfo(path).suffix().toLower();
   if (kPictureSuffixes.contains(suffix))
     return SourceKindImage;
@@ -43,6 +52,10 @@ void MediaFiles::fillSlot(const QString& path, tagKorviaShowChannelSlot& slot) {
     case SourceKindText:
       slot.source.textPath = path;
       slot.source.textParam.text = textOf(path);
+      break;
+    case SourceKindUrl:
+      slot.name = path;
+      slot.source.url = path;
       break;
     default:
       slot.source.moviePath = path;

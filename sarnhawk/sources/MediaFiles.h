@@ -8,7 +8,8 @@ struct tagKorviaShowChannelSlot;
 
 class MediaFiles {
  public:
-  /// Makes the slot show the file: a picture, document or text by its suffix, a film otherwise.
+  /// Makes the slot show the file: a picture, document or text by its suffix, a film otherwise. The address
+  /// of a stream, such as "srt://127.0.0.1:9000", is received.
   static void fillSlot(const QString& path, tagKorviaShowChannelSlot& slot);
   /// The same for several files. Films and pictures become a list; of mixed files those of the first one's
   /// kind count. Nothing changes without a file.

@@ -121,6 +121,7 @@ void TestHostOptions::openIsRepeatableAndTheLastOneWins() {
 
 void TestHostOptions::openTakesNamesWithAnEqualsSign() {
   QCOMPARE(parse({"--open", "3=/a=b.mp4"}).options.openFiles, QVariantMap({{"3", "/a=b.mp4"}}));
+  QCOMPARE(parse({"--open", "3=udp://@:7000"}).options.openFiles, QVariantMap({{"3", "udp://@:7000"}}));
 }
 
 void TestHostOptions::publishKeyIsTheFirstLineOfItsFile_data() {

@@ -25,6 +25,15 @@ class MediaFilesTest : public QObject {
     QCOMPARE(slot.name, QString("a.txt"));
   }
 
+  void addressesAreStreams() {
+    tagKorviaShowChannelSlot slot;
+    MediaFiles::fillSlot("srt://127.0.0.1:9000", slot);
+    QCOMPARE(slot.source.kind, qint32{SourceKindUrl});
+    QCOMPARE(slot.source.url, QString("srt://127.0.0.1:9000"));
+    QVERIFY(!MediaFiles::isFilm("rtmp://host/live/0"));
+    QVERIFY(MediaFiles::isFilm("d:/films/a.mp4"));
+  }
+
   void severalBecomeAListOfTheFirstKind() {
     tagKorviaShowChannelSlot slot;
     MediaFiles::fillSlot(QStringList{"/a.mp4", "/x.png", "/b.mkv"}, slot);
