@@ -15,9 +15,8 @@ constexpr Content kContents[] = {
     {SourceKindKrmp, "krmp streams"},       {SourceKindFlash, "flash films"},
     {SourceKindOffice, "office documents"}, {SourceKindUrl, "network streams"},
     {SourceKindDevice, "devices"},          {SourceKindDevice3D, "cards"},
-    {SourceKindDelay, "delayed channels"},  {SourceKindWeb, "web pages"},
-    {SourceKindWindow, "windows"},          {SourceKindScreen, "screens"},
-    {SourceKindIncome, "income streams"},
+    {SourceKindWeb, "web pages"},           {SourceKindWindow, "windows"},
+    {SourceKindScreen, "screens"},          {SourceKindIncome, "income streams"},
 };
 
 QString contentOf(int kind) {

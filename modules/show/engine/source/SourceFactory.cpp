@@ -7,6 +7,7 @@
 #include "NoDecoderSource.h"
 #include "PdfSource.h"
 #include "TextSource.h"
+#include "delay/DelaySource.h"
 #include "engine/EngineLog.h"
 #include "live/StreamSource.h"
 
@@ -50,7 +51,7 @@ constexpr KindEntry kKinds[] = {
     {SourceKindUrl, makeUrlSource},
     {SourceKindDevice, make<NoDecoderSource>},
     {SourceKindDevice3D, make<NoDecoderSource>},
-    {SourceKindDelay, make<NoDecoderSource>},
+    {SourceKindDelay, make<DelaySource>},
     {SourceKindWeb, make<NoDecoderSource>},
     {SourceKindWindow, make<NoDecoderSource>},
     {SourceKindScreen, make<NoDecoderSource>},
