@@ -14,7 +14,6 @@ struct Content {
 constexpr Content kContents[] = {
     {SourceKindKrmp, "krmp streams"},       {SourceKindFlash, "flash films"},
     {SourceKindOffice, "office documents"}, {SourceKindUrl, "network streams"},
-    {SourceKindDevice, "devices"},          {SourceKindDevice3D, "cards"},
     {SourceKindWeb, "web pages"},           {SourceKindWindow, "windows"},
     {SourceKindScreen, "screens"},          {SourceKindIncome, "income streams"},
 };

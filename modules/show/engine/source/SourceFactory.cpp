@@ -9,6 +9,7 @@
 #include "TextSource.h"
 #include "delay/DelaySource.h"
 #include "engine/EngineLog.h"
+#include "live/CaptureSource.h"
 #include "live/StreamSource.h"
 
 namespace korvia {
@@ -49,8 +50,8 @@ constexpr KindEntry kKinds[] = {
     {SourceKindPdf, open<PdfSource>},
     {SourceKindText, open<TextSource>},
     {SourceKindUrl, makeUrlSource},
-    {SourceKindDevice, make<NoDecoderSource>},
-    {SourceKindDevice3D, make<NoDecoderSource>},
+    {SourceKindDevice, makeDeviceSource},
+    {SourceKindDevice3D, makeCardSource},
     {SourceKindDelay, make<DelaySource>},
     {SourceKindWeb, make<NoDecoderSource>},
     {SourceKindWindow, make<NoDecoderSource>},
