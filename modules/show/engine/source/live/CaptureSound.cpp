@@ -62,6 +62,9 @@ bool CaptureSound::open(LivePipeline& pipeline, QString& reason) {
   // The clock of the pictures gives the stamps; no sample is left out for it.
   setIfTextFits(source, "provide-clock", "false");
   setIfTextFits(source, "slave-method", "re-timestamp");
+  // Microseconds. The sound comes in short pieces, so that it need not wait long for the last one of a tick.
+  setIfTextFits(source, "latency-time", "5000");
+  setIfTextFits(source, "buffer-time", "100000");
   GstElement* filter = pipeline.add("capsfilter", reason);
   if (!filter)
     return false;

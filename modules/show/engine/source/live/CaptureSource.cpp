@@ -20,6 +20,8 @@ constexpr char kCameraInterface[] = "v4l2:";
 // A driver that gives no picture for this time is closed and opened again.
 constexpr std::int64_t kSilenceNs = 3'000'000'000;
 constexpr std::int64_t kOpeningNs = 5'000'000'000;
+// A tick takes a frame of sound, of which the device delivers the last piece after its time.
+constexpr std::int64_t kSoundPieceNs = 15'000'000;
 
 struct Connection {
   const char* signal;  ///< of the record, in small letters
@@ -99,7 +101,7 @@ class UnknownFormat final : public LiveInput {
 LiveSettings captureLiveSettings(FrameRate rate, const QString& description) {
   LiveSettings settings;
   settings.description = description;
-  settings.latencyNs = rate.nsOf(1);
+  settings.latencyNs = rate.nsOf(1) + kSoundPieceNs;
   settings.silenceNs = kSilenceNs;
   settings.openingNs = kOpeningNs;
   return settings;

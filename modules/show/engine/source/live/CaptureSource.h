@@ -18,7 +18,8 @@ std::shared_ptr<Source> makeDeviceSource(const SourceContext& context, const tag
 std::shared_ptr<Source> makeCardSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
                                        const tagKorviaFormatInfo& format);
 
-/// What the source keeps to for a device: pictures are shown a frame after they have come.
+/// What the source keeps to for a device: the latency is as short as the sound allows, less than
+/// three frames with the wait for the tick.
 LiveSettings captureLiveSettings(FrameRate rate, const QString& description);
 
 /// What a card is asked for; none for a format that no card has. The elements' properties are those of the
