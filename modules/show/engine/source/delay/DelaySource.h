@@ -39,6 +39,8 @@ class DelaySource final : public Source, private SourceTap {
 
   /// As it was planned; the frames are 0 for a channel that cannot be delayed.
   const DelayPlan& plan() const { return plan_; }
+  /// Pictures that have come and are not stored yet. Any thread.
+  int framesWaiting() const { return pictures_ ? pictures_->framesWaiting() : 0; }
 
  private:
   int tappedSlot() const override;

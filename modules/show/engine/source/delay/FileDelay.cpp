@@ -108,7 +108,8 @@ bool FileDelay::work() {
     lock.unlock();
     fetch(number);
   } else {
-    const Item item = waiting_.pop();
+    // It leaves the queue when it is stored, so that whoever looks at the queue knows when all is.
+    const Item item = waiting_.front();
     lock.unlock();
     store(item);
   }
@@ -144,6 +145,7 @@ void FileDelay::store(const Item& item) {
   storedAt(item.number) = {item.number, contentFor(item)};
   MutexLock lock(mutex_);
   lastStored_ = item.number;
+  waiting_.pop();
 }
 
 std::int64_t FileDelay::contentFor(const Item& item) {

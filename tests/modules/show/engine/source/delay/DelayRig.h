@@ -94,7 +94,8 @@ class DelayRig {
   /// Never 0 and never the same as one of the neighbours.
   static float soundAt(std::int64_t sample) { return 0.1F + static_cast<float>(sample % 30'011) * 1e-5F; }
 
-  // What can be read ahead is read, so that the test does not depend on the speed of the machine.
+  // All that came is stored and what can be read ahead is read, so that the test does not depend on the speed
+  // of the machine.
   void waitForFile() {
     if (!isFile_)
       return;
@@ -102,8 +103,8 @@ class DelayRig {
     const std::int64_t shown = std::max<std::int64_t>(number_ - source_->plan().frames, 0);
     const std::int64_t expected = std::min(kReadAhead, number_ - shown);
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (source_->figures().framesQueued < expected && source_->getPlayState() != Error &&
-           std::chrono::steady_clock::now() < end)
+    while ((source_->framesWaiting() > 0 || source_->figures().framesQueued < expected) &&
+           source_->getPlayState() != Error && std::chrono::steady_clock::now() < end)
       std::this_thread::yield();
   }
 

@@ -116,7 +116,7 @@ class StandIn {
 inline QString cameraOf(int width = 320, int height = 180, const char* more = "") {
   return QStringLiteral(
              "videotestsrc is-live=true pattern=ball ! "
-             "video/x-raw,format=I420,width=%1,height=%2,framerate=25/1 %3")
+             "video/x-raw,format=I420,width=%1,height=%2,framerate=25/1 %3 ! identity")
       .arg(width)
       .arg(height)
       .arg(QLatin1String(more));
@@ -125,9 +125,9 @@ inline QString cameraOf(int width = 320, int height = 180, const char* more = ""
 /// A tone on the left side only.
 inline QString microphone() {
   return QStringLiteral(
-      "audiotestsrc is-live=true samplesperbuffer=480 volume=0.5 ! audio/x-raw,rate=48000,channels=1 ! "
+      "audiotestsrc is-live=true samplesperbuffer=240 volume=0.5 ! audio/x-raw,rate=48000,channels=1 ! "
       "audioconvert mix-matrix=<<(float)1.0>,<(float)0.0>> ! "
-      "audio/x-raw,channels=2,channel-mask=(bitmask)0x3");
+      "audio/x-raw,channels=2,channel-mask=(bitmask)0x3 ! identity");
 }
 
 class CaptureRig {
