@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QThread>
@@ -79,12 +80,48 @@ tagKorviaShowEngineInfo engineInfo(const ShowBenchOptions& options) {
   return info;
 }
 
+tagKorviaShowSourceInfo sourceInfo(const QString& input, int cacheMs) {
+  tagKorviaShowSourceInfo source;
+  if (input.startsWith(QLatin1String("page:"))) {
+    source.kind = SourceKindWeb;
+    source.webUrl = input.mid(5);
+  } else if (input.startsWith(QLatin1String("screen:"))) {
+    source.kind = SourceKindScreen;
+    source.screenIndex = input.midRef(7).toInt();
+  } else if (input.contains(QLatin1String("://"))) {
+    source.kind = SourceKindUrl;
+    source.url = input;
+    source.urlCache = cacheMs;
+  } else {
+    source.kind = SourceKindMovie;
+    source.moviePath = input;
+  }
+  return source;
+}
+
+/// Of the channels that cannot wait.
+QJsonArray liveSources(const ShowBenchOptions& options, const tagKorviaShowEngineFigures& before,
+                       const tagKorviaShowEngineFigures& after) {
+  QJsonArray sources;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(options.channels); ++i) {
+    const tagKorviaShowEngineFigures::LiveSource& live = after.liveSources[i];
+    if (live.isLive)
+      sources.append(QJsonObject{{"channel", static_cast<int>(i)},
+                                 {"latencyMs", live.latencyMs},
+                                 {"driftPpm", live.driftPpm},
+                                 {"connections", live.connections},
+                                 {"stampJumps", live.stampJumps - before.liveSources[i].stampJumps},
+                                 {"missedFrames", live.missedFrames - before.liveSources[i].missedFrames}});
+  }
+  return sources;
+}
+
 bool openChannels(KorviaShowEngine& engine, const ShowBenchOptions& options) {
   for (int i = 0; i < options.channels; ++i) {
-    tagKorviaShowSourceInfo source;
-    source.kind = SourceKindMovie;
-    source.moviePath = options.inputs[i % options.inputs.size()];
+    tagKorviaShowSourceInfo source = sourceInfo(options.inputs[i % options.inputs.size()], options.cacheMs);
     tagKorviaFormatInfo format;
+    format.video.width = format.video.secondWidth = options.size.width();
+    format.video.height = format.video.secondHeight = options.size.height();
     engine.openSource(static_cast<KorviaShowObjectID>(SourceObject + i), source, format, nullptr);
   }
   for (int i = 0; i < options.channels; ++i) {
@@ -166,6 +203,7 @@ QJsonObject report(const ShowBenchOptions& options, const tagKorviaShowEngineFig
           {"droppedStripPictures", after.droppedStripPictures - before.droppedStripPictures},
           {"heldFilmFrames", after.heldFilmFrames - before.heldFilmFrames},
           {"reducedSources", after.reducedSources},
+          {"liveSources", liveSources(options, before, after)},
           {"skippedFilmFrames", after.skippedFilmFrames - before.skippedFilmFrames},
           {"coreSecondsPerSecond", (processAfter.cpuSeconds - processBefore.cpuSeconds) / wallSeconds},
           {"coresByThread", threads},

@@ -6,7 +6,9 @@
 #include <QStringList>
 
 struct ShowBenchOptions {
+  /// Films; URLs of streams; "page:URL"; "screen:N".
   QStringList inputs;
+  int cacheMs = 1000;  ///< of streams
   int channels = 3;
   double seconds = 10;
   /// Seconds between takes; 0 for no takes.

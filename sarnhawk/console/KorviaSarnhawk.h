@@ -210,6 +210,8 @@ class KorviaSarnhawk : public QMainWindow,
   void openEngine();
   void onEngineOpened();
   void postInitialState();
+  /// Tells the engine where the income server listens.
+  void tellIncomeServer();
   void openTestFilm();
   void openRequestedMedia();
   void stopEngine();
@@ -261,6 +263,7 @@ class KorviaSarnhawk : public QMainWindow,
 
   quint64 _frameTicks = 0;
   quint64 _workTicks = 0;
+  int _toldIncomePort = 0;  // to the engine
   quint64 _resizeCount = 0;
   quint32 _startTick = 0;
   bool _engineRequested = false;

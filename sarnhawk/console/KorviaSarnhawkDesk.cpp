@@ -50,6 +50,16 @@ void KorviaSarnhawk::onFrameTimer() {
 void KorviaSarnhawk::onWorkTimer() {
   ++_workTicks;
   _pages.workTick();
+  // The server may get another port when it is started anew, and the channels that it feeds must follow.
+  if (_servers->rtmpPort() != _toldIncomePort)
+    tellIncomeServer();
+}
+
+void KorviaSarnhawk::tellIncomeServer() {
+  if (!_engine)
+    return;
+  _toldIncomePort = _servers->rtmpPort();
+  _engine->setIncomeServer(_toldIncomePort, _servers->publishSecret());
 }
 
 void KorviaSarnhawk::onClicked_playMediaPushButton() {
@@ -113,8 +123,7 @@ void KorviaSarnhawk::onClicked_startStreamPushButton() {
   if (_ui->_startStreamPushButton->isChecked()) {
     _outputWatch->onStart(OutputSlotStream);
     _servers->serveSegments(_config.outputParam.items[OutputSlotStream]);
-    if (_engine)
-      _engine->setIncomeServer(_servers->rtmpPort(), _servers->publishSecret());
+    tellIncomeServer();
     _outputs->start(OutputKindStream);
   } else {
     _outputs->stop(OutputKindStream);

@@ -3,11 +3,11 @@
 #include <QJsonObject>
 
 #include "console/ConsolePage.h"
+#include "tagKorviaShowEngineFigures.h"
 
 class IKorviaSarnhawkPriv;
 class StatisticsFetch;
 class StripArea;
-struct tagKorviaShowEngineFigures;
 
 class StatusPublisher : public ConsolePage {
  public:

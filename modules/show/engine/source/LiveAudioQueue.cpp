@@ -22,6 +22,9 @@ constexpr double kMostErrorSamples = kSampleRate / 10.0;
 // LiveClock runs at most 0.5 % faster or slower than the source, and drift is at most 0.1 %.
 constexpr double kMostSpeedChange = 7e-3;
 
+// A stream that breaks up again and again does not fill the log.
+constexpr std::chrono::seconds kQuiet{30};
+
 }  // namespace
 
 LiveAudioQueue::LiveAudioQueue(const QString& name, std::int64_t spanNs)
@@ -62,9 +65,13 @@ void LiveAudioQueue::anchor(std::int64_t first, std::int64_t timeNs) {
     underrun = std::exchange(underrunsLogged_, figures_.underruns) != figures_.underruns;
   }
   refused_ = false;
+  const auto now = std::chrono::steady_clock::now();
+  if ((!jumped && !underrun) || now < quietUntil_)
+    return;
+  quietUntil_ = now + kQuiet;
   if (jumped)
     qCWarning(logSource, "sound of a live source jumps : %s", qUtf8Printable(name_));
-  else if (underrun)
+  else
     qCWarning(logSource, "sound of a live source was interrupted : %s", qUtf8Printable(name_));
 }
 

@@ -7,6 +7,7 @@
 // do not allocate.
 #pragma once
 #include <QString>
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -63,6 +64,7 @@ class LiveAudioQueue {
   // Source's thread.
   bool refused_ = false;  // samples were lost because the buffer was full
   std::int64_t underrunsLogged_ = 0;
+  std::chrono::steady_clock::time_point quietUntil_;
 
   // Engine thread.
   std::optional<Anchor> played_;

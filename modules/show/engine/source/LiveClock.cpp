@@ -17,6 +17,12 @@ constexpr std::int64_t kEarlyNs = 100'000'000;
 // expected one.
 constexpr std::int64_t kLateForNs = 1'000'000'000;
 constexpr std::int64_t kCatchesUpNs = 100'000'000;
+// When data come too late in so many windows one after the other, the target latency is raised by the most of
+// it. What has stalled once is late in one window or two.
+constexpr std::int64_t kJitterWindowNs = 1'000'000'000;
+constexpr int kLateWindowsOfJitter = 4;
+constexpr std::int64_t kJitterReserveNs = 10'000'000;
+constexpr std::int64_t kMostExtraNs = 500'000'000;
 // Time approaches the measured one with the time constant kFollowNs, and runs at most kMostSlew faster or
 // slower than the source. A difference above kSlewNs is corrected at once.
 constexpr double kFollowNs = 8e9;
@@ -36,6 +42,8 @@ std::int64_t LiveClock::arrive(std::int64_t stampNs, std::int64_t arrivalNs, Str
     reanchor(beyondNs);
   else if (isLateForLong(arrivalNs, beyondNs))
     reanchor(lateLeastNs_);
+  else
+    adaptToJitter(beyondNs, arrivalNs);
   lastStampNs = stampNs;
   const std::int64_t timeNs = stampNs + *shiftNs_;
   estimator_.add(arrivalNs - timeNs, arrivalNs);
@@ -53,7 +61,7 @@ bool LiveClock::isJump(std::int64_t stampNs, std::int64_t beyondNs, std::int64_t
 }
 
 bool LiveClock::isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs) {
-  if (beyondNs <= targetNs_) {
+  if (beyondNs <= targetNs()) {
     lateSinceNs_.reset();
     return false;
   }
@@ -63,6 +71,26 @@ bool LiveClock::isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs) {
   }
   lateLeastNs_ = std::min(lateLeastNs_, beyondNs);
   return arrivalNs - *lateSinceNs_ >= kLateForNs;
+}
+
+void LiveClock::adaptToJitter(std::int64_t beyondNs, std::int64_t arrivalNs) {
+  if (arrivalNs - windowStartNs_ >= kJitterWindowNs) {
+    windowStartNs_ = arrivalNs;
+    lateWindows_ = std::exchange(lateInWindow_, false) ? lateWindows_ + 1 : 0;
+    if (lateWindows_ == 0)
+      mostLateNs_ = 0;
+    if (lateWindows_ == kLateWindowsOfJitter) {
+      extraNs_ = std::min(kMostExtraNs, extraNs_ + mostLateNs_ + kJitterReserveNs);
+      lateWindows_ = 0;
+      mostLateNs_ = 0;
+    }
+  }
+  const std::int64_t lateNs = beyondNs - targetNs();
+  // What a connection sends first may be old.
+  if (!estimator_.isSettled() || lateNs <= 0 || lateNs > kMostExtraNs)
+    return;
+  lateInWindow_ = true;
+  mostLateNs_ = std::max(mostLateNs_, lateNs);
 }
 
 void LiveClock::reanchor(std::int64_t beyondNs) {
@@ -83,7 +111,7 @@ ClockReading LiveClock::advance(int ticks, std::int64_t nowNs) {
   if (shiftNs_) {
     const auto passedNs = static_cast<double>(rate_.nsOf(ticks));
     timeNs_ += std::llround(passedNs * (1 + estimator_.driftPpm() * 1e-6));
-    const std::int64_t offNs = undelayedNs - targetNs_ - timeNs_;
+    const std::int64_t offNs = undelayedNs - targetNs() - timeNs_;
     if (!started_ || std::abs(offNs) > kSlewNs)
       timeNs_ += offNs;
     else
@@ -104,7 +132,7 @@ ClockReading LiveClock::advance(int ticks, std::int64_t nowNs) {
 
 LiveClock::Figures LiveClock::figures() const {
   MutexLock lock(mutex_);
-  return {estimator_.driftPpm(), latencyNs_, reanchors_};
+  return {estimator_.driftPpm(), latencyNs_, reanchors_, extraNs_};
 }
 
 }  // namespace korvia

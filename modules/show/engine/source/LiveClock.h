@@ -6,8 +6,9 @@
 //
 // The mapping belongs to the clock and not to a queue, because sound shares it: all streams of a source pass
 // their stamps to arrive(), push with the stamp that it returns, and pull with one reading a tick. The
-// expected transit is that of the fastest stream, so the target latency has to cover the slowest one. Time
-// runs at most 0.5 % faster or slower than the source: pictures are repeated or skipped, sound is resampled.
+// expected transit is that of the fastest stream, so the target latency has to cover the slowest one; when
+// data keep coming later than that, it is raised. Time runs at most 0.5 % faster or slower than the source:
+// pictures are repeated or skipped, sound is resampled.
 //
 // Source's threads: arrive. Engine thread: advance. Any thread: the rest. No call waits.
 #pragma once
@@ -28,6 +29,7 @@ class LiveClock {
     double driftPpm = 0;  ///< how much faster the source's clock runs than ours
     std::int64_t latencyNs = 0;
     std::int64_t reanchors = 0;  ///< jumps of the stamps that were removed
+    std::int64_t extraNs = 0;    ///< added to the target latency, because the jitter is larger
   };
 
   /// `rate` is that of the render, one tick a frame.
@@ -54,6 +56,9 @@ class LiveClock {
  private:
   bool isJump(std::int64_t stampNs, std::int64_t beyondNs, std::int64_t lastStampNs) const REQUIRES(mutex_);
   bool isLateForLong(std::int64_t arrivalNs, std::int64_t beyondNs) REQUIRES(mutex_);
+  /// Raises the target latency when part of the data come too late again and again.
+  void adaptToJitter(std::int64_t beyondNs, std::int64_t arrivalNs) REQUIRES(mutex_);
+  std::int64_t targetNs() const REQUIRES(mutex_) { return targetNs_ + extraNs_; }
   void reanchor(std::int64_t beyondNs) REQUIRES(mutex_);
 
   const FrameRate rate_;
@@ -70,6 +75,12 @@ class LiveClock {
   std::optional<std::int64_t> lateSinceNs_ GUARDED_BY(mutex_);
   std::int64_t lateFirstNs_ GUARDED_BY(mutex_) = 0;
   std::int64_t lateLeastNs_ GUARDED_BY(mutex_) = 0;
+  // Whether data were too late in the present window, in how many windows before, and the most of it.
+  std::int64_t windowStartNs_ GUARDED_BY(mutex_) = 0;
+  bool lateInWindow_ GUARDED_BY(mutex_) = false;
+  int lateWindows_ GUARDED_BY(mutex_) = 0;
+  std::int64_t mostLateNs_ GUARDED_BY(mutex_) = 0;
+  std::int64_t extraNs_ GUARDED_BY(mutex_) = 0;
   bool hold_ GUARDED_BY(mutex_) = false;
   bool started_ GUARDED_BY(mutex_) = false;
   std::int64_t timeNs_ GUARDED_BY(mutex_) = 0;

@@ -12,10 +12,9 @@ struct Content {
 };
 
 constexpr Content kContents[] = {
-    {SourceKindKrmp, "krmp streams"},       {SourceKindFlash, "flash films"},
-    {SourceKindOffice, "office documents"}, {SourceKindUrl, "network streams"},
-    {SourceKindWeb, "web pages"},           {SourceKindWindow, "windows"},
-    {SourceKindScreen, "screens"},          {SourceKindIncome, "income streams"},
+    {SourceKindKrmp, "krmp streams"},
+    {SourceKindFlash, "flash films"},
+    {SourceKindOffice, "office documents"},
 };
 
 QString contentOf(int kind) {

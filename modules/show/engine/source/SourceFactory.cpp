@@ -7,9 +7,10 @@
 #include "NoDecoderSource.h"
 #include "PdfSource.h"
 #include "TextSource.h"
+#include "capture/CaptureSource.h"
 #include "delay/DelaySource.h"
 #include "engine/EngineLog.h"
-#include "live/CaptureSource.h"
+#include "live/DeviceSource.h"
 #include "live/StreamSource.h"
 
 namespace korvia {
@@ -53,9 +54,9 @@ constexpr KindEntry kKinds[] = {
     {SourceKindDevice, makeDeviceSource},
     {SourceKindDevice3D, makeCardSource},
     {SourceKindDelay, make<DelaySource>},
-    {SourceKindWeb, make<NoDecoderSource>},
-    {SourceKindWindow, make<NoDecoderSource>},
-    {SourceKindScreen, make<NoDecoderSource>},
+    {SourceKindWeb, makePageSource},
+    {SourceKindWindow, makeWindowSource},
+    {SourceKindScreen, makeScreenSource},
     {SourceKindIncome, makeIncomeSource},
 };
 // clang-format on

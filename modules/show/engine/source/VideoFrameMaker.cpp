@@ -86,7 +86,8 @@ PictureOrientation PictureOrientation::fromTag(const char* tag) {
   return orientation;
 }
 
-VideoFrameMaker::VideoFrameMaker(FrameSize renderSize) : renderSize_(renderSize) {
+VideoFrameMaker::VideoFrameMaker(FrameSize renderSize, ComingAlpha alpha)
+    : renderSize_(renderSize), alpha_(alpha) {
   gst_video_info_init(&info_);
 }
 
@@ -115,6 +116,9 @@ bool VideoFrameMaker::adaptTo(GstCaps* caps) {
     return false;
   }
   keepKnownColors(caps, info.colorimetry);
+  // Caps have no field for it.
+  if (alpha_ == ComingAlpha::Premultiplied)
+    info.flags = static_cast<GstVideoFlags>(info.flags | GST_VIDEO_FLAG_PREMULTIPLIED_ALPHA);
   info_ = info;
   frameDurationNs_ =
       info.fps_n > 0 && info.fps_d > 0

@@ -30,9 +30,12 @@ struct PictureOrientation {
   }
 };
 
+/// What alpha has done to the colours of the pictures that come.
+enum class ComingAlpha { Straight, Premultiplied };
+
 class VideoFrameMaker {
  public:
-  explicit VideoFrameMaker(FrameSize renderSize);
+  explicit VideoFrameMaker(FrameSize renderSize, ComingAlpha alpha = ComingAlpha::Straight);
   ~VideoFrameMaker();
   VideoFrameMaker(const VideoFrameMaker&) = delete;
   VideoFrameMaker& operator=(const VideoFrameMaker&) = delete;
@@ -55,6 +58,7 @@ class VideoFrameMaker {
   FrameRef makeUpright(FrameRef picture, PictureOrientation orientation);
 
   const FrameSize renderSize_;
+  const ComingAlpha alpha_;
   // A pool for the frames of each step, in the order of the steps.
   std::unique_ptr<FramePool> convertedPool_;
   std::unique_ptr<FramePool> progressivePool_;

@@ -168,8 +168,9 @@ VideoQueue::Figures VideoQueue::figures() const {
   return figures_;
 }
 
-bool VideoQueue::isDue(const ClockReading& reading) const {
-  const std::int64_t earlyNs = clock_ ? reading.frameNs * 19 / 40 : bias_ * (reading.frameNs / 4);
+bool VideoQueue::isDue(const ClockReading& reading, Due due) const {
+  const std::int64_t liveNs = reading.frameNs * (due == Due::First ? 3 : 1) / 4;
+  const std::int64_t earlyNs = clock_ ? reading.frameNs * 19 / 40 : liveNs;
   return !queue_.empty() && queue_.front().timeNs <= reading.timeNs + earlyNs;
 }
 
@@ -180,13 +181,6 @@ void VideoQueue::take(Pull& result) {
   queue_.erase(queue_.begin());
   result.fresh = true;
   ++result.taken;
-}
-
-void VideoQueue::settleBias(const Pull& result, bool skipped) {
-  if (skipped)
-    bias_ = 1;
-  else if (!result.fresh && !result.missed)
-    bias_ = -1;
 }
 
 bool VideoQueue::reachedEnd(const ClockReading& reading) const {
@@ -215,15 +209,12 @@ VideoQueue::Pull VideoQueue::pull(const ClockReading& reading) {
         result.missed = reading.running && !ended_;
       }
     } else if (current && reading.running) {
-      const std::int64_t droppedBefore = figures_.dropped;
       // The oldest picture was dropped because the queue was full, so the next one is shown without waiting.
       if (std::exchange(overflowed_, false) && !queue_.empty())
         take(result);
-      while (isDue(reading))
+      while (isDue(reading, result.fresh ? Due::Another : Due::First))
         take(result);
       result.missed = !result.fresh && queue_.empty() && !ended_;
-      if (whenFull_ == WhenFull::DropOldest && reading.ticks == 1)
-        settleBias(result, figures_.dropped != droppedBefore);
     }
     if (current && reachedEnd(reading)) {
       drained_ = true;

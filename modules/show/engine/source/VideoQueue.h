@@ -103,15 +103,16 @@ class VideoQueue {
   /// Begins and ends bursts, by what is queued at this tick.
   void paceRefill(const ClockReading& reading) REQUIRES(mutex_);
   void giveTurnBack() REQUIRES(mutex_);
-  /// A picture of a film is shown at the tick that is nearest to its time, so that on the average it is as
-  /// early as it is late and meets its sound. The limit is a little less than half a frame: the stamps of a
-  /// film of twice the show's rate lie at half a frame, rounded up or down.
-  bool isDue(const ClockReading& reading) const REQUIRES(mutex_);
+  /// The first or another picture of the tick.
+  enum class Due { First, Another };
+  /// A picture is shown at the tick that is nearest to its time, so that on the average it is as early as it
+  /// is late and meets its sound. For a film the limit is a little less than half a frame: the stamps of a
+  /// film of twice the show's rate lie at half a frame, rounded up or down. The stamps of a live source
+  /// jitter and drift against the ticks, so that pictures could be repeated and skipped in turn. There the
+  /// limit is three quarters of a frame, and a quarter for another picture in the same tick: after a repeat,
+  /// half a frame of drift is needed before a picture is skipped, and the other way round.
+  bool isDue(const ClockReading& reading, Due due) const REQUIRES(mutex_);
   void take(Pull& result) REQUIRES(mutex_);
-  /// The stamps of a live source jitter and drift against the ticks, so that pictures could be repeated and
-  /// skipped in turn. This hysteresis prevents it: after a repeat, half a frame of drift is needed before a
-  /// picture is skipped, and the other way round.
-  void settleBias(const Pull& result, bool skipped) REQUIRES(mutex_);
   bool reachedEnd(const ClockReading& reading) const REQUIRES(mutex_);
   /// The duration of the picture on show; 0 while it is unknown.
   std::int64_t durationNs() const REQUIRES(mutex_);
@@ -131,7 +132,6 @@ class VideoQueue {
   bool begun_ GUARDED_BY(mutex_) = false;      // a picture has come since the flush
   bool firstIsDue_ GUARDED_BY(mutex_) = true;  // no picture was shown since the flush
   bool overflowed_ GUARDED_BY(mutex_) = false;
-  int bias_ GUARDED_BY(mutex_) = 1;          // live pictures are due 1/4 frame early (1) or late (-1)
   bool steady_ GUARDED_BY(mutex_) = false;   // the last tick showed a picture in play
   bool resting_ GUARDED_BY(mutex_) = false;  // between two bursts
   bool hasTurn_ GUARDED_BY(mutex_) = false;

@@ -12,7 +12,7 @@ namespace korvia {
 namespace {
 
 // A queue holds what waits for the latency to pass, and what came in a burst.
-constexpr std::int64_t kBurstNs = 500'000'000;
+constexpr std::int64_t kBurstNs = 1'000'000'000;
 constexpr int kMostFramesPerSecond = 60;
 // The first wait before a lost input is opened again.
 constexpr std::int64_t kFirstWaitNs = 200'000'000;
@@ -20,6 +20,8 @@ constexpr std::int64_t kFirstWaitNs = 200'000'000;
 constexpr std::int64_t kCheckNs = 250'000'000;
 // An input that does not close within this time is left behind, and another one is opened beside it.
 constexpr std::chrono::milliseconds kClosePatience{3000};
+// A source that delivers for a shorter time than this comes and goes, which is logged once.
+constexpr std::int64_t kSteadyNs = 10'000'000'000;
 
 VideoQueue::Live limitsFor(std::int64_t latencyNs) {
   VideoQueue::Live limits;
@@ -237,12 +239,34 @@ void LiveTransport::settle() {
   connecting_ = false;
   if (wanted != Stopped && !closing_)
     state_ = wanted;
-  if (std::exchange(settled_, true))
+  if (std::exchange(settled_, true)) {
+    if (unsteady_ && isSteady()) {
+      unsteady_ = false;
+      qCInfo(logSource, "live source is steady again : %s", qUtf8Printable(settings_.description));
+    }
     return;
+  }
   waitNs_ = 0;
   ++connections_;
-  if (!std::exchange(loggedReason_, QString()).isEmpty())
+  deliversSinceNs_ = LiveConnection::nowNs();
+  if (!std::exchange(loggedReason_, QString()).isEmpty() && !unsteady_)
     qCInfo(logSource, "live source is back : %s", qUtf8Printable(settings_.description));
+}
+
+bool LiveTransport::isSteady() const {
+  return deliversSinceNs_ == 0 || LiveConnection::nowNs() - deliversSinceNs_ > kSteadyNs;
+}
+
+void LiveTransport::logFailure(const QString& reason) {
+  const bool steady = isSteady();
+  const QByteArray name = settings_.description.toUtf8();
+  const bool repeats = std::exchange(loggedReason_, reason) == reason;
+  if (!steady && !std::exchange(unsteady_, true))
+    qCWarning(logSource, "live source comes and goes : %s : %s", name.constData(), qUtf8Printable(reason));
+  else if (!steady || repeats || unsteady_)
+    qCDebug(logSource, "live source is lost : %s : %s", name.constData(), qUtf8Printable(reason));
+  else
+    qCWarning(logSource, "live source is lost : %s : %s", name.constData(), qUtf8Printable(reason));
 }
 
 void LiveTransport::disconnect() {
@@ -283,13 +307,7 @@ void LiveTransport::noteFailure(const QString& reason) {
   }
   if (!closing_)
     state_ = Error;
-  // The same failure again and again is logged once.
-  const QByteArray line =
-      QStringLiteral("live source is lost : %1 : %2").arg(settings_.description, reason).toUtf8();
-  if (std::exchange(loggedReason_, reason) == reason)
-    qCDebug(logSource, "%s", line.constData());
-  else
-    qCWarning(logSource, "%s", line.constData());
+  logFailure(reason);
 }
 
 void LiveTransport::waitForWork() {

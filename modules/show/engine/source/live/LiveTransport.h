@@ -62,7 +62,11 @@ class LiveTransport : public LiveSink, public std::enable_shared_from_this<LiveT
   void connect() EXCLUDES(mutex_);
   void disconnect() EXCLUDES(mutex_);
   void noteFailure(const QString& reason) EXCLUDES(mutex_);
+  /// Notes that the open connection delivers.
   void settle() EXCLUDES(mutex_);
+  bool isSteady() const;
+  /// The same failure again and again is logged once.
+  void logFailure(const QString& reason);
   void waitForWork() EXCLUDES(mutex_);
 
   void want(KorviaShowPlayState state) EXCLUDES(mutex_);
@@ -105,6 +109,8 @@ class LiveTransport : public LiveSink, public std::enable_shared_from_this<LiveT
   std::int64_t nextTryNs_ = 0;
   std::int64_t waitNs_ = 0;
   QString loggedReason_;
+  std::int64_t deliversSinceNs_ = 0;  // of the newest connection that has delivered; 0 for none
+  bool unsteady_ = false;
 };
 
 }  // namespace korvia

@@ -14,8 +14,14 @@ namespace {
 
 constexpr int kMostCacheMs = 10'000;
 constexpr std::int64_t kMsNs = 1'000'000;
-// Data that the protocol has put in order already come with the jitter of the decoder alone.
-constexpr std::int64_t kDecodedJitterNs = 40'000'000;
+// Even on a perfect way pictures and sound of a stream do not come at the same time.
+constexpr std::int64_t kLeastLatencyNs = 40'000'000;
+// So much of the cache is left to the clock when the protocol itself has put the data in order.
+constexpr std::int64_t kOrderedLatencyNs = 160'000'000;
+
+constexpr int kSilenceMs = 5000;
+// A sender of datagrams that is killed and comes back does not end the old connection.
+constexpr int kSilenceOfDatagramsMs = 2000;
 
 using Property = QPair<QByteArray, QByteArray>;
 using Properties = QList<Property>;
@@ -33,20 +39,24 @@ struct Scheme {
   bool givesStreams;
   const char* timeout;  ///< property and value; null for none
   const char* timeoutValue;
+  int silenceMs;  ///< by which a connection is taken for lost
 };
 
 // Time-outs in the unit of each element: seconds, seconds, microseconds.
 constexpr Scheme kSchemes[] = {
-    {"http", "souphttpsrc", "location", Cache::OfTheClock, false, "timeout", "8"},
-    {"https", "souphttpsrc", "location", Cache::OfTheClock, false, "timeout", "8"},
-    {"rtmp", "rtmp2src", "location", Cache::OfTheClock, false, "timeout", "8"},
-    {"rtmps", "rtmp2src", "location", Cache::OfTheClock, false, "timeout", "8"},
-    {"rtsp", "rtspsrc", "location", Cache::OfTheClock, true, "tcp-timeout", "8000000"},
-    {"rtspt", "rtspsrc", "location", Cache::OfTheClock, true, "tcp-timeout", "8000000"},
-    {"rtspu", "rtspsrc", "location", Cache::OfTheClock, true, "tcp-timeout", "8000000"},
-    {"rtsps", "rtspsrc", "location", Cache::OfTheClock, true, "tcp-timeout", "8000000"},
-    {"srt", "srtsrc", "uri", Cache::OfTheElement, false, nullptr, nullptr},
-    {"udp", "udpsrc", "uri", Cache::OfTheClock, false, nullptr, nullptr},
+    {"http", "souphttpsrc", "location", Cache::OfTheClock, false, "timeout", "8", kSilenceMs},
+    {"https", "souphttpsrc", "location", Cache::OfTheClock, false, "timeout", "8", kSilenceMs},
+    {"rtmp", "rtmp2src", "location", Cache::OfTheClock, false, "timeout", "8", kSilenceMs},
+    {"rtmps", "rtmp2src", "location", Cache::OfTheClock, false, "timeout", "8", kSilenceMs},
+    {"rtsp", "rtspsrc", "location", Cache::OfTheClock, true, "tcp-timeout", "8000000", kSilenceOfDatagramsMs},
+    {"rtspt", "rtspsrc", "location", Cache::OfTheClock, true, "tcp-timeout", "8000000",
+     kSilenceOfDatagramsMs},
+    {"rtspu", "rtspsrc", "location", Cache::OfTheClock, true, "tcp-timeout", "8000000",
+     kSilenceOfDatagramsMs},
+    {"rtsps", "rtspsrc", "location", Cache::OfTheClock, true, "tcp-timeout", "8000000",
+     kSilenceOfDatagramsMs},
+    {"srt", "srtsrc", "uri", Cache::OfTheElement, false, nullptr, nullptr, kSilenceOfDatagramsMs},
+    {"udp", "udpsrc", "uri", Cache::OfTheClock, false, nullptr, nullptr, kSilenceMs},
 };
 
 /// The interfaces on which a multicast group is joined when no route leads to it; empty for the system's own
@@ -105,8 +115,13 @@ std::optional<StreamAddress> StreamAddress::fromUrl(const QString& text, int cac
   StreamAddress address;
   address.element = scheme->element;
   address.givesStreams = scheme->givesStreams;
-  address.latencyNs =
-      scheme->cache == Cache::OfTheElement ? kDecodedJitterNs : std::max(cacheNs, kDecodedJitterNs);
+  address.latencyNs = std::max(cacheNs, kLeastLatencyNs);
+  std::int64_t elementNs = cacheNs;
+  if (scheme->cache == Cache::OfTheElement) {
+    address.latencyNs = std::min(address.latencyNs, kOrderedLatencyNs);
+    elementNs -= std::min(cacheNs, kOrderedLatencyNs);
+  }
+  address.silenceNs = scheme->silenceMs * kMsNs;
   if (scheme->timeout)
     address.properties.append(Property{scheme->timeout, scheme->timeoutValue});
   if (name == "udp") {
@@ -118,7 +133,7 @@ std::optional<StreamAddress> StreamAddress::fromUrl(const QString& text, int cac
   address.properties.append(Property{scheme->location, url.toEncoded()});
   // rtspsrc waits this long for a lost packet; its default of two seconds would add to the cache.
   if (scheme->givesStreams || scheme->cache == Cache::OfTheElement)
-    address.properties.append(Property{"latency", QByteArray::number(static_cast<int>(cacheNs / kMsNs))});
+    address.properties.append(Property{"latency", QByteArray::number(static_cast<int>(elementNs / kMsNs))});
   if (name == "srt") {
     address.onlyListens = isSrtListener(url);
     // The source itself connects anew, with all that is behind the element.

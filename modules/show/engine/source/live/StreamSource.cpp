@@ -38,6 +38,7 @@ LiveSettings settingsFor(const std::optional<StreamAddress>& address, const QStr
   settings.description = description;
   if (address) {
     settings.latencyNs = address->latencyNs;
+    settings.silenceNs = address->silenceNs;
     if (address->onlyListens)
       settings.openingNs = 0;
   }

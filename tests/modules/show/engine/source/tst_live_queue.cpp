@@ -18,10 +18,10 @@ constexpr std::int64_t kSecond = 1'000 * kMs;
 constexpr std::int64_t kFrame = 40 * kMs;
 constexpr std::int64_t kTarget = 120 * kMs;
 constexpr std::int64_t kTransit = 60 * kMs;
-// A picture is shown up to a frame and a quarter after it is due, and a quarter before; the rest is error of
-// the measurement.
-constexpr std::int64_t kLeastLatency = kTarget - 16 * kMs;
-constexpr std::int64_t kMostLatency = kTarget + 56 * kMs;
+// A picture is shown up to three quarters of a frame before and after it is due, so that it meets its sound;
+// the rest is error of the measurement.
+constexpr std::int64_t kLeastLatency = kTarget - 36 * kMs;
+constexpr std::int64_t kMostLatency = kTarget + 36 * kMs;
 
 struct Picture {
   std::int64_t stampNs = 0;
@@ -188,10 +188,11 @@ class LiveQueueTest : public QObject {
           worst, cadence.skipped, cadence.repeated);
     QVERIFY2(band.isNearTarget(), band.text());
     QVERIFY2(worst < 20, QByteArray::number(worst));
-    // Drift moves the pictures by so many frames.
+    // Drift moves the pictures by so many frames; the first one may need half a frame more.
     const double frames = ppm * 1e-6 * static_cast<double>(kLasts) / kFrame;
-    QVERIFY2(std::abs(cadence.skipped - std::max(0.0, frames)) <= 1, QByteArray::number(cadence.skipped));
-    QVERIFY2(std::abs(cadence.repeated - std::max(0.0, -frames)) <= 1, QByteArray::number(cadence.repeated));
+    QVERIFY2(std::abs(cadence.skipped - std::max(0.0, frames)) <= 1.5, QByteArray::number(cadence.skipped));
+    QVERIFY2(std::abs(cadence.repeated - std::max(0.0, -frames)) <= 1.5,
+             QByteArray::number(cadence.repeated));
     QCOMPARE(cadence.missed, 0);
     QCOMPARE(simulation.clock().figures().reanchors, std::int64_t{0});
     QVERIFY(std::abs(simulation.clock().figures().latencyNs - kTarget) < 2 * kMs);
@@ -205,9 +206,11 @@ class LiveQueueTest : public QObject {
     const std::vector<Shown> shown = simulation.run();
     const std::size_t from = ticksIn(59 * kSecond);
     const Cadence stall(shown, from, ticksIn(64 * kSecond));
-    QCOMPARE(stall.repeated, 75);
+    // Pictures may be shown a little earlier after it than before.
+    QVERIFY2(std::abs(stall.repeated - 75) <= 1, QByteArray::number(stall.repeated));
     // The next picture is there one latency before it is due.
-    QCOMPARE(stall.missed, 75 - int(kTarget / kFrame));
+    const int missed = 75 - int(kTarget / kFrame);
+    QVERIFY2(std::abs(stall.missed - missed) <= 1, QByteArray::number(stall.missed));
     // The first picture after it is on target already.
     const Band after(shown, ticksIn(63 * kSecond) + 6, shown.size());
     QVERIFY2(after.isNearTarget(), after.text());
@@ -277,6 +280,51 @@ class LiveQueueTest : public QObject {
     const std::vector<Shown> shown = simulation.run();
     const Band band(shown, ticksIn(4 * kSecond), shown.size());
     QVERIFY2(band.isNearTarget(), band.text());
+  }
+
+  // The sound of a transport stream may come half a second before or after its pictures.
+  void streamsHaveTheirOwnOrder() {
+    LiveClock clock({25, 1}, kSecond);
+    for (int number = 0; number < 400; ++number) {
+      const std::int64_t nowNs = number * kFrame;
+      clock.arrive(nowNs, nowNs, LiveClock::Stream::Picture);
+      clock.arrive(nowNs - 800 * kMs, nowNs, LiveClock::Stream::Sound);
+    }
+    QCOMPARE(clock.figures().reanchors, std::int64_t{0});
+  }
+
+  void aNewConnectionContinuesTheTimeLine() {
+    LiveClock clock({25, 1}, kTarget);
+    std::int64_t nowNs = 0;
+    for (; nowNs < 10 * kSecond; nowNs += kFrame)
+      clock.arrive(nowNs, nowNs);
+    clock.beginStamps();
+    nowNs += 3 * kSecond;
+    // Older stamps than before, which is less than a jump.
+    const std::int64_t stampNs = nowNs - 3 * kSecond - 300 * kMs;
+    QVERIFY(std::abs(clock.arrive(stampNs, nowNs) - nowNs) < 2 * kMs);
+    QVERIFY(std::abs(clock.arrive(stampNs + kFrame, nowNs + kFrame) - nowNs - kFrame) < 2 * kMs);
+    QCOMPARE(clock.figures().reanchors, std::int64_t{1});
+  }
+
+  void jitterBeyondTheTargetRaisesTheLatency() {
+    LiveClock clock({25, 1}, kTarget);
+    std::int64_t nowNs = 0;
+    const auto run = [&](std::int64_t soundLateNs, std::int64_t durationNs) {
+      for (const std::int64_t endNs = nowNs + durationNs; nowNs < endNs; nowNs += kFrame) {
+        clock.arrive(nowNs, nowNs, LiveClock::Stream::Picture);
+        clock.arrive(nowNs - soundLateNs, nowNs, LiveClock::Stream::Sound);
+      }
+    };
+    run(kTarget - 20 * kMs, 30 * kSecond);
+    QCOMPARE(clock.figures().extraNs, std::int64_t{0});
+    run(kTarget + 150 * kMs, 2 * kSecond);
+    run(0, 10 * kSecond);
+    QCOMPARE(clock.figures().extraNs, std::int64_t{0});  // once only
+    run(kTarget + 150 * kMs, 30 * kSecond);
+    QVERIFY(clock.figures().extraNs >= 150 * kMs && clock.figures().extraNs < 200 * kMs);
+    run(20 * kSecond, 30 * kSecond);
+    QVERIFY(clock.figures().extraNs < 200 * kMs);  // that is no jitter
   }
 
   void newestWinsWhenTooManyCome() {

@@ -15,7 +15,6 @@ class NoDecoderSourceTest : public QObject {
     QTest::addColumn<QString>("reason");
     QTest::newRow("krmp") << int(SourceKindKrmp) << "no decoder for krmp streams";
     QTest::newRow("flash") << int(SourceKindFlash) << "no decoder for flash films";
-    QTest::newRow("screen") << int(SourceKindScreen) << "no decoder for screens";
     QTest::newRow("office") << int(SourceKindOffice) << "no decoder for office documents";
   }
 

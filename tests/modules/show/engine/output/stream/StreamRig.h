@@ -110,6 +110,7 @@ class RtmpServer {
   }
   void freeze() { ::kill(static_cast<pid_t>(process_->processId()), SIGSTOP); }
   void thaw() { ::kill(static_cast<pid_t>(process_->processId()), SIGCONT); }
+  int port() const { return port_; }
   QString url(const QString& stream) const {
     return QStringLiteral("rtmp://127.0.0.1:%1/live/%2").arg(QString::number(port_), stream);
   }

@@ -14,8 +14,8 @@
 #include "../SourceRig.h"
 #include "engine/HappensBefore.h"
 #include "engine/source/GstInit.h"
-#include "engine/source/live/CaptureSource.h"
 #include "engine/source/live/DeviceInput.h"
+#include "engine/source/live/DeviceSource.h"
 #include "engine/source/live/LiveSource.h"
 
 namespace korvia::test {

@@ -1,4 +1,4 @@
-#include "CaptureSource.h"
+#include "DeviceSource.h"
 
 #include <algorithm>
 

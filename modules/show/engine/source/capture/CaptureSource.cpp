@@ -1,0 +1,80 @@
+#include "CaptureSource.h"
+
+#include <algorithm>
+
+#include "CaptureInput.h"
+#include "engine/EngineLog.h"
+#include "engine/source/live/LiveSource.h"
+#include "trace/SecretMask.h"
+
+namespace korvia {
+
+namespace {
+
+constexpr qint64 kMegabyte = 1024 * 1024;
+constexpr qint64 kPageMemoryBytes = 1536 * kMegabyte;
+
+CaptureRequest requestOf(const SourceContext& context, CaptureKind kind) {
+  CaptureRequest request;
+  request.kind = kind;
+  request.rateNumerator = context.rate.numerator;
+  request.rateDenominator = context.rate.denominator;
+  return request;
+}
+
+std::shared_ptr<Source> makeSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                                   const tagKorviaFormatInfo& format, const CaptureRequest& request,
+                                   const QString& description) {
+  LiveSettings settings;
+  settings.description = description;
+  // A minimised window gives no pictures.
+  settings.silenceNs = 0;
+  return std::make_shared<LiveSource>(context, info, format, settings,
+                                      [request, size = context.renderSize](LiveReceiver& receiver) {
+                                        return std::make_unique<CaptureInput>(request, size, receiver);
+                                      });
+}
+
+/// A whole, even side of a page.
+int pageSide(int asked, int side) {
+  return std::clamp(asked > 0 ? asked : side, 2, kPageSideMax) / 2 * 2;
+}
+
+void warnOfWayland() {
+  if (qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland") &&
+      qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+    qCWarning(logSource, "the desktop is a wayland session, in which only windows of x11 can be captured");
+}
+
+}  // namespace
+
+std::shared_ptr<Source> makePageSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                                       const tagKorviaFormatInfo& format) {
+  CaptureRequest request = requestOf(context, CaptureKind::Page);
+  request.address = info.webUrl;
+  request.width = pageSide(format.video.secondWidth, context.renderSize.width);
+  request.height = pageSide(format.video.secondHeight, context.renderSize.height);
+  request.mostMemoryBytes = kPageMemoryBytes;
+  return makeSource(context, info, format, request, maskSecrets(info.webUrl));
+}
+
+std::shared_ptr<Source> makeWindowSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                                         const tagKorviaFormatInfo& format) {
+  warnOfWayland();
+  CaptureRequest request = requestOf(context, CaptureKind::Window);
+  request.windowId = info.windowInfo.windowId;
+  request.windowTitle = info.windowInfo.title;
+  request.windowProgram = info.windowInfo.program;
+  return makeSource(context, info, format, request,
+                    QStringLiteral("window of %1").arg(info.windowInfo.program));
+}
+
+std::shared_ptr<Source> makeScreenSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
+                                         const tagKorviaFormatInfo& format) {
+  warnOfWayland();
+  CaptureRequest request = requestOf(context, CaptureKind::Screen);
+  request.screenIndex = info.screenIndex;
+  return makeSource(context, info, format, request, QStringLiteral("screen %1").arg(info.screenIndex));
+}
+
+}  // namespace korvia

@@ -1,0 +1,189 @@
+// The program ends with the console and is ended by it, has nothing of the console's, and stays within its
+// memory.
+#include <fcntl.h>
+#include <sys/wait.h>
+
+#include <QTemporaryDir>
+#include <cstdio>
+
+#include "CaptureRig.h"
+#include "support/VirtualDisplay.h"
+
+using namespace korvia;
+using namespace korvia::test;
+
+namespace {
+
+constexpr const char* kHold = "--hold";
+
+CaptureRequest screenRequest() {
+  CaptureRequest request;
+  request.kind = CaptureKind::Screen;
+  return request;
+}
+
+CaptureRequest pageRequest() {
+  CaptureRequest request;
+  request.kind = CaptureKind::Page;
+  request.address = QStringLiteral("about:blank");
+  request.width = 64;
+  request.height = 48;
+  request.mostMemoryBytes = 4'000'000'000;
+  return request;
+}
+
+/// The other end of a test: shows a page until it is killed.
+int holdPage() {
+  const CaptureRig rig(pageRequest());
+  if (!rig.waitForPictures(1))
+    return 1;
+  std::printf("%lld\n", static_cast<long long>(rig.processId()));
+  std::fflush(stdout);
+  for (;;)
+    ::pause();
+}
+
+QByteArray contentOf(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool isGone(pid_t process) {
+  return QTest::qWaitFor([process] { return sessionOf(process).isEmpty(); }, kWaitMs);
+}
+
+QStringList captureFolders() {
+  return QDir(QDir::tempPath()).entryList({QStringLiteral("korvia-capture-*")}, QDir::Dirs);
+}
+
+}  // namespace
+
+class tst_capture_process : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void initTestCase() {
+    // The folders of other runs do not lie in this one.
+    qputenv("TMPDIR", folder_.path().toLocal8Bit());
+    QVERIFY(display_.start({320, 240}));
+    qputenv("DISPLAY", display_.name().toLatin1());
+  }
+
+  void killedProgramIsToldAtOnce() {
+    const CaptureRig rig(screenRequest());
+    QVERIFY(rig.waitForPictures(1));
+    ::kill(rig.processId(), SIGKILL);
+    QCOMPARE(rig.waitForEnd(), QStringLiteral("capture program was killed by signal 9"));
+  }
+
+  void stoppedProgramIsEnded() {
+    pid_t process = 0;
+    {
+      const CaptureRig rig(screenRequest());
+      QVERIFY(rig.waitForPictures(1));
+      process = rig.processId();
+      ::kill(process, SIGSTOP);
+    }
+    QVERIFY(isGone(process));
+  }
+
+  void processesOfAPageEndWithIt() {
+    pid_t process = 0;
+    {
+      const CaptureRig rig(pageRequest());
+      QVERIFY(rig.waitForPictures(1));
+      process = rig.processId();
+      QVERIFY(sessionOf(process).size() > 1);
+    }
+    QVERIFY(isGone(process));
+    QCOMPARE(captureFolders(), QStringList());
+  }
+
+  void processesOfAPageEndWhenTheProgramIsKilled() {
+    const CaptureRig rig(pageRequest());
+    QVERIFY(rig.waitForPictures(1));
+    QVERIFY(sessionOf(rig.processId()).size() > 1);
+    ::kill(rig.processId(), SIGKILL);
+    QVERIFY(rig.waitForEnd() != QStringLiteral("still running"));
+    QVERIFY(isGone(rig.processId()));
+  }
+
+  void everythingEndsWhenTheConsoleIsKilled() {
+    QProcess console;
+    console.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    console.start(QCoreApplication::applicationFilePath(), {QLatin1String(kHold)});
+    QVERIFY(console.waitForReadyRead(kWaitMs));
+    const pid_t process = console.readLine().trimmed().toInt();
+    QVERIFY(process > 0);
+    QVERIFY(sessionOf(process).size() > 1);
+    console.kill();
+    QVERIFY(console.waitForFinished(kWaitMs));
+    QVERIFY(isGone(process));
+    QTRY_COMPARE_WITH_TIMEOUT(captureFolders(), QStringList(), kWaitMs);
+  }
+
+  void memoryIsLimited() {
+    CaptureRequest request = screenRequest();
+    request.mostMemoryBytes = 1024 * 1024;
+    const CaptureRig rig(request);
+    QCOMPARE(rig.waitForEnd(), QStringLiteral("too much memory was used"));
+    QVERIFY(isGone(rig.processId()));
+  }
+
+  void environmentIsClean_data() {
+    QTest::addColumn<bool>("page");
+    QTest::newRow("screen") << false;
+    QTest::newRow("page") << true;
+  }
+  void environmentIsClean() {
+    QFETCH(bool, page);
+    qputenv("KORVIA_PUBLISH_KEY", "secret");
+    qputenv("LD_PRELOAD_OF_THE_CONSOLE", "secret");
+    const CaptureRig rig(page ? pageRequest() : screenRequest());
+    QVERIFY(rig.waitForPictures(1));
+    for (const QString& process : sessionOf(rig.processId())) {
+      const QByteArray environment = contentOf(QStringLiteral("/proc/%1/environ").arg(process));
+      QVERIFY(environment.contains("HOME=" + folder_.path().toLocal8Bit()));
+      QVERIFY(!environment.contains("secret"));
+      QCOMPARE(environment.contains("DISPLAY="), !page);
+    }
+    qunsetenv("KORVIA_PUBLISH_KEY");
+  }
+
+  void descriptorsAreNotInherited() {
+    QTemporaryDir folder;
+    const QByteArray name = QFile::encodeName(folder.filePath(QStringLiteral("secret")));
+    // Without O_CLOEXEC.
+    const FileDescriptor open(::open(name.constData(), O_RDWR | O_CREAT, 0600));
+    QVERIFY(open.isOpen());
+    const CaptureRig rig(pageRequest());
+    QVERIFY(rig.waitForPictures(1));
+    for (const QString& process : sessionOf(rig.processId())) {
+      QDir descriptors(QStringLiteral("/proc/%1/fd").arg(process));
+      QVERIFY(!descriptors.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).isEmpty());
+      for (const QFileInfo& entry : descriptors.entryInfoList(QDir::AllEntries | QDir::System))
+        QVERIFY2(!entry.symLinkTarget().contains(folder.path()), qPrintable(entry.symLinkTarget()));
+    }
+  }
+
+  void rightsCannotGrow() {
+    const CaptureRig rig(pageRequest());
+    QVERIFY(rig.waitForPictures(1));
+    for (const QString& process : sessionOf(rig.processId()))
+      QVERIFY(contentOf(QStringLiteral("/proc/%1/status").arg(process)).contains("NoNewPrivs:\t1"));
+  }
+
+ private:
+  QTemporaryDir folder_;
+  VirtualDisplay display_;
+};
+
+int main(int argc, char** argv) {
+  QCoreApplication application(argc, argv);
+  if (application.arguments().contains(QLatin1String(kHold)))
+    return holdPage();
+  tst_capture_process test;
+  return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_capture_process.moc"
