@@ -21,7 +21,7 @@ constexpr char kCameraInterface[] = "v4l2:";
 constexpr std::int64_t kSilenceNs = 3'000'000'000;
 constexpr std::int64_t kOpeningNs = 5'000'000'000;
 // A tick takes a frame of sound, of which the device delivers the last piece after its time.
-constexpr std::int64_t kSoundPieceNs = 10'000'000;
+constexpr std::int64_t kSoundPieceNs = 20'000'000;
 
 struct Connection {
   const char* signal;  ///< of the record, in small letters
