@@ -1,7 +1,8 @@
 // Another channel's picture and sound, later. A short delay is kept in memory; a long one in a file in the
 // folder of the record. When the other channel is closed the delay plays out what it has. Pause, stop and
-// hold keep the picture on show; meanwhile what comes is stored, and play goes on with the full delay.
-// Console thread, except the picture, the sound and the tap: engine thread.
+// hold keep the picture on show; meanwhile what comes is stored, and play goes on with the full delay. The
+// sound is in memory and goes on also when the pictures cannot be stored. Console thread, except the picture,
+// the sound and the tap: engine thread.
 #pragma once
 #include <atomic>
 #include <memory>

@@ -1,5 +1,10 @@
 // A camera and a sound device: how late they are shown, what happens when they vanish, hang, give nothing or
 // offer another format.
+#include <fcntl.h>
+#include <linux/videodev2.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include <QtTest>
 
 #include "CaptureRig.h"
@@ -52,6 +57,24 @@ double rowDifference(const FrameRef& frame, int first) {
       sum += std::abs(row(y)[x] - (row(y - 1)[x] + row(y + 1)[x]) / 2);
   }
   return sum / count;
+}
+
+/// Device file of the first camera of vivid; empty when there is none.
+QString virtualCamera() {
+  for (int number = 0; number < 64; ++number) {
+    const QString path = QStringLiteral("/dev/video%1").arg(number);
+    const int device = ::open(path.toLatin1().constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    if (device < 0)
+      continue;
+    v4l2_capability capability{};
+    const bool isOne = ::ioctl(device, VIDIOC_QUERYCAP, &capability) == 0 &&
+                       qstrcmp(reinterpret_cast<const char*>(capability.driver), "vivid") == 0 &&
+                       (capability.device_caps & V4L2_CAP_VIDEO_CAPTURE) != 0;
+    ::close(device);
+    if (isOne)
+      return path;
+  }
+  return QString();
 }
 
 /// An input whose pictures pass through a StampKeeper.
@@ -274,6 +297,21 @@ class DeviceInputTest : public QObject {
     rig.open(info);
     QTRY_COMPARE(rig->getPlayState(), int(Error));
     QCOMPARE(rig.failureReason(), QString("no device is chosen"));
+  }
+
+  void cameraOfTheKernel() {
+    const QString device = virtualCamera();
+    if (device.isEmpty())
+      QSKIP("no camera of the kernel module vivid that may be opened; load it with: modprobe vivid");
+    SourceRig rig(kCaptureSize);
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindDevice;
+    info.videoDevName = QStringLiteral("vivid");
+    info.videoDevId = QStringLiteral("v4l2:") + device;
+    info.videoDevConnType = QStringLiteral("HDMI");
+    rig.open(info);
+    QVERIFY2(rig.tickUntil([&] { return bool(rig.last()); }), qPrintable(rig.failureReason()));
+    QVERIFY(rig.last()->size() == kCaptureSize);
   }
 
   void formatOfTheRecord() {
