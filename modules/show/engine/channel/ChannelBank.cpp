@@ -109,6 +109,7 @@ void ChannelBank::open(const ShowFormat& format) {
 void ChannelBank::close() {
   for (Channel& channel : channels_)
     channel.clear();
+  pictures_ = {};
 }
 
 void ChannelBank::closeSources() {
@@ -134,9 +135,34 @@ void ChannelBank::beginTick(int ticks) {
       source->setDecodeRate(rate);
       reduced += rate == DecodeRate::Reduced ? 1 : 0;
     }
-    channels_[slot].beginTick(source ? inRenderSize(source->pullFrame(ticks)) : FrameRef());
+    pictures_[slot] = source ? inRenderSize(source->pullFrame(ticks)) : FrameRef();
+    channels_[slot].beginTick(pictures_[slot]);
   }
   reducedSources_ = reduced;
+  feedTapsOfPictures(ticks);
+}
+
+void ChannelBank::feedTapsOfPictures(int ticks) {
+  for (const std::shared_ptr<Source>& source : active_) {
+    SourceTap* tap = source ? source->tap() : nullptr;
+    if (!tap)
+      continue;
+    tap->onTappedPicture(pictures_[tap->tappedSlot()], ticks);
+    // What is shown later is shown in full.
+    needed_[tap->tappedSlot()] = true;
+  }
+}
+
+void ChannelBank::feedTapsOfSound(int slot, StereoSpan piece, bool sounds) {
+  for (const std::shared_ptr<Source>& source : active_) {
+    SourceTap* tap = source ? source->tap() : nullptr;
+    if (!tap || tap->tappedSlot() != slot)
+      continue;
+    if (sounds)
+      tap->onTappedSound(piece);
+    else
+      tap->onTappedSilence(piece.samples);
+  }
 }
 
 void ChannelBank::fadeOutWhatLeaves(int ticks) {
@@ -180,7 +206,13 @@ FrameRef ChannelBank::stripPicture(int channelId) {
 }
 
 bool ChannelBank::pullSound(int slot, StereoSpan piece) {
-  const bool sounds = active_[slot] && active_[slot]->pullSound(piece);
+  bool sounds = active_[slot] && active_[slot]->pullSound(piece);
+  sounds = mixTail(slot, piece, sounds);
+  feedTapsOfSound(slot, piece, sounds);
+  return sounds;
+}
+
+bool ChannelBank::mixTail(int slot, StereoSpan piece, bool sounds) {
   const StereoSpan tail = fading_.span(piece.samples);
   if (!fades_[slot] || fades_[slot]->isSilent() || !leaving_[slot]->pullSound(tail))
     return sounds;

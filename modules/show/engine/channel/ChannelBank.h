@@ -78,6 +78,9 @@ class ChannelBank final : public ChannelPictures, public ChannelSounds {
   /// in the middle of a wave.
   void fadeOutWhatLeaves(int ticks);
   FrameRef inRenderSize(FrameRef picture);
+  bool mixTail(int slot, StereoSpan piece, bool sounds);
+  void feedTapsOfPictures(int ticks);
+  void feedTapsOfSound(int slot, StereoSpan piece, bool sounds);
 
   Janitor& janitor_;
   const std::shared_ptr<RefillTurns> refillTurns_ = std::make_shared<RefillTurns>();
@@ -92,10 +95,11 @@ class ChannelBank final : public ChannelPictures, public ChannelSounds {
   std::array<std::optional<GainRamp>, kSourceSlotCount> fades_;
   StereoBlock fading_;
   bool isLeaving_ = false;
-  std::unique_ptr<FramePool> pool_;                 // engine thread
-  std::array<Channel, kSourceSlotCount> channels_;  // engine thread
-  std::array<bool, kSourceSlotCount> needed_{};     // engine thread: in the present tick
-  bool saving_ = false;                             // engine thread
+  std::unique_ptr<FramePool> pool_;                  // engine thread
+  std::array<Channel, kSourceSlotCount> channels_;   // engine thread
+  std::array<bool, kSourceSlotCount> needed_{};      // engine thread: in the present tick
+  std::array<FrameRef, kSourceSlotCount> pictures_;  // engine thread: of the sources in the present tick
+  bool saving_ = false;                              // engine thread
   std::atomic<int> reducedSources_{0};
 };
 

@@ -12,6 +12,7 @@
 #include "IKorviaShowEngineSink.h"
 #include "IKorviaShowSource.h"
 #include "RefillTurns.h"
+#include "SourceTap.h"
 #include "engine/audio/StereoSpan.h"
 #include "engine/frame/Frame.h"
 #include "tagKorviaShowEngineFigures.h"
@@ -71,6 +72,9 @@ class Source : public IKorviaShowSource {
   virtual bool pullSound(StereoSpan) { return false; }
   /// As in figures(). Any thread; without allocation.
   virtual std::int64_t framesHeld() const { return 0; }
+  /// What takes the picture and the sound of another source for this one; null for a source that needs none.
+  /// Always the same. Engine thread.
+  virtual SourceTap* tap() { return nullptr; }
   /// How many of its pictures are needed from now on. Engine thread.
   virtual void setDecodeRate(DecodeRate) {}
   /// Begins to close and returns at once. No notify comes after it. Console thread.

@@ -8,7 +8,9 @@
 #include "PdfSource.h"
 #include "TextSource.h"
 #include "capture/CaptureSource.h"
+#include "delay/DelaySource.h"
 #include "engine/EngineLog.h"
+#include "live/DeviceSource.h"
 #include "live/StreamSource.h"
 
 namespace korvia {
@@ -49,9 +51,9 @@ constexpr KindEntry kKinds[] = {
     {SourceKindPdf, open<PdfSource>},
     {SourceKindText, open<TextSource>},
     {SourceKindUrl, makeUrlSource},
-    {SourceKindDevice, make<NoDecoderSource>},
-    {SourceKindDevice3D, make<NoDecoderSource>},
-    {SourceKindDelay, make<NoDecoderSource>},
+    {SourceKindDevice, makeDeviceSource},
+    {SourceKindDevice3D, makeCardSource},
+    {SourceKindDelay, make<DelaySource>},
     {SourceKindWeb, makePageSource},
     {SourceKindWindow, makeWindowSource},
     {SourceKindScreen, makeScreenSource},
