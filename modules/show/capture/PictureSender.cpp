@@ -1,6 +1,7 @@
 #include "PictureSender.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace korvia {
 
@@ -15,6 +16,7 @@ constexpr std::size_t kPageBytes = 4096;
 bool PictureSender::makeRing(std::size_t slotBytes) {
   memory_ = SharedMemory::create(slotBytes * kSlots);
   used_.fill(false);
+  last_.reset();
   slotBytes_ = 0;
   if (!memory_.isOpen())
     return false;
@@ -34,12 +36,12 @@ std::optional<PictureSender::Slot> PictureSender::acquire(int width, int height)
   const MutexLock lock(mutex_);
   if (slotBytes == 0 || slotBytes > kMostSlotBytes || (slotBytes != slotBytes_ && !makeRing(slotBytes)))
     return std::nullopt;
-  const auto free = std::find(used_.begin(), used_.end(), false);
-  if (free == used_.end())
-    return std::nullopt;
-  *free = true;
   Slot slot;
-  slot.number = static_cast<std::uint32_t>(free - used_.begin());
+  while (slot.number < kSlots && (used_[slot.number] || (last_ && last_->number == slot.number)))
+    ++slot.number;
+  if (slot.number == kSlots)
+    return std::nullopt;
+  used_[slot.number] = true;
   slot.offset = slot.number * slotBytes_;
   slot.data = memory_.data() + slot.offset;
   slot.descriptor = memory_.descriptor();
@@ -47,7 +49,33 @@ std::optional<PictureSender::Slot> PictureSender::acquire(int width, int height)
   return slot;
 }
 
+bool PictureSender::isRepeat(const Slot& slot, const Format& format) {
+  // Only the thread that sends changes these, so the comparison needs no lock.
+  std::optional<Slot> last;
+  {
+    const MutexLock lock(mutex_);
+    if (format == lastFormat_)
+      last = last_;
+    last_ = slot;
+    lastFormat_ = format;
+  }
+  const std::size_t bytes =
+      static_cast<std::size_t>(format.width) * static_cast<std::size_t>(format.height) * kPixelBytes;
+  return last && last->serial == slot.serial && std::memcmp(last->data, slot.data, bytes) == 0;
+}
+
+void PictureSender::sendRepeat(std::int64_t stampNs) {
+  RepeatMessage message;
+  message.stampNs = stampNs;
+  channel_.sendHead(CaptureMessage::Repeat, message);
+}
+
 void PictureSender::send(const Slot& slot, const Format& format, std::int64_t stampNs) {
+  if (isRepeat(slot, format)) {
+    giveBack(slot);
+    sendRepeat(stampNs);
+    return;
+  }
   PictureMessage message;
   message.serial = slot.serial;
   message.stampNs = stampNs;

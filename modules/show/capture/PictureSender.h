@@ -26,6 +26,7 @@ class PictureSender {
     int width = 0;
     int height = 0;
     CaptureLayout layout = CaptureLayout::Opaque;
+    friend bool operator==(const Format&, const Format&) = default;
   };
 
   /// The channel outlives the sender.
@@ -35,7 +36,11 @@ class PictureSender {
   /// has all of them, or the picture is too large. A picture of another size than those before begins a new
   /// ring; the caller has no slot then.
   std::optional<Slot> acquire(int width, int height);
+  /// A picture that is the same as the one before is not handed over again, which spares the console its
+  /// conversion.
   void send(const Slot& slot, const Format& format, std::int64_t stampNs);
+  /// There is no new picture at this time.
+  void sendRepeat(std::int64_t stampNs);
   void giveBack(const Slot& slot);
   /// The console needs the slot no more.
   void onReleased(const ReleaseMessage& release);
@@ -48,6 +53,8 @@ class PictureSender {
   static constexpr std::uint32_t kSlots = 3;
 
   bool makeRing(std::size_t slotBytes) REQUIRES(mutex_);
+  /// Whether the picture before is the same.
+  bool isRepeat(const Slot& slot, const Format& format) EXCLUDES(mutex_);
 
   CaptureChannel& channel_;
   Mutex mutex_;
@@ -55,6 +62,9 @@ class PictureSender {
   std::uint64_t serial_ GUARDED_BY(mutex_) = 0;
   std::size_t slotBytes_ GUARDED_BY(mutex_) = 0;
   std::array<bool, kSlots> used_ GUARDED_BY(mutex_) = {};
+  /// What was sent last; it stays in its slot until another picture is sent.
+  std::optional<Slot> last_ GUARDED_BY(mutex_);
+  Format lastFormat_ GUARDED_BY(mutex_);
 };
 
 }  // namespace korvia

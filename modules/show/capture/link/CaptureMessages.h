@@ -17,6 +17,7 @@ enum class CaptureMessage : std::uint32_t {
   // From the program.
   Ring,     ///< RingMessage, with the descriptor of the memory
   Picture,  ///< PictureMessage
+  Repeat,   ///< RepeatMessage
   Sound,    ///< SoundMessage and the samples: floats of 48 kHz, left and right in turn
   Failed,   ///< the reason, UTF-8; the program ends
 };
@@ -41,6 +42,11 @@ struct PictureMessage {
   std::int32_t height = 0;
   std::int32_t stride = 0;  ///< bytes from one row to the next
   CaptureLayout layout = CaptureLayout::Opaque;
+};
+
+/// The picture before is still the right one.
+struct RepeatMessage {
+  std::int64_t stampNs = 0;
 };
 
 struct ReleaseMessage {

@@ -156,6 +156,12 @@ bool CaptureProcess::handle(CapturePacket& packet) {
       const std::optional<PictureMessage> message = packet.head<PictureMessage>();
       return message && takePicture(*message);
     }
+    case CaptureMessage::Repeat: {
+      const std::optional<RepeatMessage> message = packet.head<RepeatMessage>();
+      if (message)
+        listener_.onCaptureRepeat(message->stampNs);
+      return message.has_value();
+    }
     case CaptureMessage::Sound:
       return takeSound(packet);
     case CaptureMessage::Failed:

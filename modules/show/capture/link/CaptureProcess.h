@@ -20,6 +20,8 @@ class CaptureListener {
   virtual ~CaptureListener() = default;
   /// The picture's memory is valid during the call and may be written by the program after it.
   virtual void onCapturePicture(const CapturePicture& picture) = 0;
+  /// The picture before has not changed. It may be the first call.
+  virtual void onCaptureRepeat(std::int64_t /*stampNs*/) {}
   /// `frames` pairs of samples, left and right, at 48 kHz, whose first one has the stamp. Valid during the
   /// call.
   virtual void onCaptureSound(const float* samples, int frames, std::int64_t stampNs) = 0;

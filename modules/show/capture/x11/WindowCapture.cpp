@@ -63,7 +63,9 @@ QString WindowCapture::run() {
     const std::int64_t stampNs = pace.wait();
     handleEvents(desktop, pixmap);
     const std::optional<XGrabber::Place> place = pixmap.isClosed() ? std::nullopt : pixmap.place();
-    if (place && grabber.grab(*place, stampNs) == XGrabber::Result::Refused)
+    if (!place)
+      sender_.sendRepeat(stampNs);
+    else if (grabber.grab(*place, stampNs) == XGrabber::Result::Refused)
       pixmap.onRefused();
     if (!desktop.isOpen())
       return QStringLiteral("x display is gone");

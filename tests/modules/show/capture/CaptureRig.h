@@ -28,6 +28,8 @@ class CaptureRig final : public CaptureListener {
   CaptureProcess& process() { return *process_; }
   pid_t processId() const { return static_cast<pid_t>(process_->processId()); }
   int pictures() const { return pictures_; }
+  /// Times at which the picture had not changed.
+  int repeats() const { return repeats_; }
   /// Samples of each side.
   int samples() const { return samples_; }
   float peak() const { return peak_; }
@@ -51,8 +53,10 @@ class CaptureRig final : public CaptureListener {
     return end_;
   }
 
+  /// New or repeated ones.
   bool waitForPictures(int count) const {
-    return QTest::qWaitFor([this, wanted = pictures() + count] { return pictures() >= wanted; }, kWaitMs);
+    const int wanted = pictures() + repeats() + count;
+    return QTest::qWaitFor([this, wanted] { return pictures() + repeats() >= wanted; }, kWaitMs);
   }
   /// Blue, green, red, alpha are at this place as given, with a tolerance of 2; waited for.
   bool waitForPixel(const QPoint& place, QRgb color) const {
@@ -97,6 +101,11 @@ class CaptureRig final : public CaptureListener {
     }
     return -1;
   }
+  void onCaptureRepeat(std::int64_t stampNs) override {
+    const MutexLock lock(mutex_);
+    stamps_.push_back(stampNs);
+    ++repeats_;
+  }
   void onCaptureSound(const float* samples, int frames, std::int64_t) override {
     for (int i = 0; i < frames * 2; ++i)
       peak_ = std::max(peak_.load(), samples[i]);
@@ -114,6 +123,7 @@ class CaptureRig final : public CaptureListener {
   QString end_ GUARDED_BY(mutex_);
   std::atomic<int> boxRow_{-1};
   std::atomic<int> pictures_{0};
+  std::atomic<int> repeats_{0};
   std::atomic<int> samples_{0};
   std::atomic<float> peak_{0};
   std::unique_ptr<CaptureProcess> process_;

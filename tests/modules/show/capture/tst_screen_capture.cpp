@@ -48,6 +48,17 @@ class tst_screen_capture : public QObject {
     QTRY_VERIFY_WITH_TIMEOUT(!hasOtherColorNear(rig.picture(), {320, 180}), kWaitMs);
   }
 
+  void stillScreenIsNotHandedOverAgain() {
+    PaintedWindow window({100, 50, 200, 100}, 0x2040C0, "title", "Program");
+    const CaptureRig rig(screenRequest());
+    QVERIFY(rig.waitForPixel({150, 100}, 0x2040C0));
+    const int before = rig.pictures();
+    QVERIFY(rig.waitForPictures(20));
+    QCOMPARE(rig.pictures(), before);
+    window.setColor(0x00FF00);
+    QVERIFY(rig.waitForPixel({150, 100}, 0x00FF00));
+  }
+
   void stampsFollowTheRate() {
     CaptureRequest request = screenRequest();
     request.rateNumerator = 50;

@@ -68,8 +68,15 @@ void CaptureInput::onCapturePicture(const CapturePicture& picture) {
   FrameRef frame = maker.make(sample);
   gst_sample_unref(sample);
   gst_buffer_unref(buffer);
-  if (frame)
-    receiver_.onPicture(std::move(frame), picture.stampNs);
+  if (!frame)
+    return;
+  last_ = frame;
+  receiver_.onPicture(std::move(frame), picture.stampNs);
+}
+
+void CaptureInput::onCaptureRepeat(std::int64_t stampNs) {
+  if (last_)
+    receiver_.onPicture(last_, stampNs);
 }
 
 void CaptureInput::onCaptureSound(const float* samples, int frames, std::int64_t stampNs) {

@@ -31,6 +31,7 @@ class CaptureInput final : public LiveInput, private CaptureListener {
   };
 
   void onCapturePicture(const CapturePicture& picture) override;
+  void onCaptureRepeat(std::int64_t stampNs) override;
   void onCaptureSound(const float* samples, int frames, std::int64_t stampNs) override;
   void onCaptureEnded(const QString& reason) override;
   void adaptTo(const Format& format);
@@ -42,6 +43,7 @@ class CaptureInput final : public LiveInput, private CaptureListener {
   VideoFrameMaker alphaMaker_;
   std::optional<Format> format_;
   GstCaps* caps_ = nullptr;
+  FrameRef last_;
   std::vector<float> left_;
   std::vector<float> right_;
   // Ends its thread before the members above go.

@@ -27,8 +27,6 @@ std::shared_ptr<Source> makeSource(const SourceContext& context, const tagKorvia
                                    const QString& description) {
   LiveSettings settings;
   settings.description = description;
-  // A minimised window gives no pictures.
-  settings.silenceNs = 0;
   return std::make_shared<LiveSource>(context, info, format, settings,
                                       [request, size = context.renderSize](LiveReceiver& receiver) {
                                         return std::make_unique<CaptureInput>(request, size, receiver);
