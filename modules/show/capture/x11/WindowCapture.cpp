@@ -22,7 +22,8 @@ xcb_window_t find(const DesktopWindows& desktop, const CaptureRequest& request) 
       return window;
     if (sameTitle == XCB_NONE && desktop.title(window) == request.windowTitle)
       sameTitle = window;
-    if (sameProgram == XCB_NONE)
+    // Windows without a class have nothing in common.
+    if (sameProgram == XCB_NONE && !request.windowProgram.isEmpty())
       sameProgram = window;
   }
   return sameTitle != XCB_NONE ? sameTitle : sameProgram;

@@ -126,6 +126,15 @@ class tst_window_capture : public QObject {
     QCOMPARE(rig.waitForEnd(), QStringLiteral("window is not open"));
   }
 
+  void windowWithoutClassIsFoundByItsTitleOnly() {
+    const PaintedWindow other(kPlace, kRed, "another", "");
+    CaptureRig missing(requestFor(QStringLiteral("0x99"), QStringLiteral("title"), QString()));
+    QCOMPARE(missing.waitForEnd(), QStringLiteral("window is not open"));
+    const PaintedWindow same(kPlace, kBlue, "title", "");
+    CaptureRig rig(requestFor(QStringLiteral("0x99"), QStringLiteral("title"), QString()));
+    QVERIFY(rig.waitForPixel(kInside, kBlue));
+  }
+
   void deadServerEndsIt() {
     PaintedWindow window(kPlace, kBlue, "title", "Program");
     CaptureRig rig(requestFor(window));
