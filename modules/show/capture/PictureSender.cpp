@@ -84,8 +84,14 @@ void PictureSender::send(const Slot& slot, const Format& format, std::int64_t st
   message.height = format.height;
   message.stride = format.width * kPixelBytes;
   message.layout = format.layout;
-  if (!channel_.sendHead(CaptureMessage::Picture, message))
-    giveBack(slot);
+  if (channel_.sendHead(CaptureMessage::Picture, message))
+    return;
+  // The receiver has not seen it, so the next one like it is no repeat.
+  {
+    const MutexLock lock(mutex_);
+    last_.reset();
+  }
+  giveBack(slot);
 }
 
 void PictureSender::giveBack(const Slot& slot) {

@@ -68,7 +68,8 @@ int buttonOf(Qt::MouseButton button) {
 }  // namespace
 
 /// A run of the capture program for the view, which may be gone before it.
-class KorviaShowPageView::Session final : public korvia::CaptureListener {
+class KorviaShowPageView::Session final : public korvia::CaptureListener,
+                                          public std::enable_shared_from_this<Session> {
  public:
   explicit Session(KorviaShowPageView* view) : view_(view), process_(*this) {}
 
@@ -107,8 +108,8 @@ class KorviaShowPageView::Session final : public korvia::CaptureListener {
   void tell(Call call) {
     QMetaObject::invokeMethod(
         view_,
-        [view = view_, call, self = this] {
-          if (view->session_.get() == self)
+        [view = view_, call, self = weak_from_this()] {
+          if (const auto session = self.lock(); session && view->session_ == session)
             call(view);
         },
         Qt::QueuedConnection);

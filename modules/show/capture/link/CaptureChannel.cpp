@@ -71,7 +71,8 @@ CaptureChannel::Received CaptureChannel::receive(CapturePacket& packet) {
   message.msg_iov = parts;
   message.msg_iovlen = 2;
   message.msg_control = &room;
-  message.msg_controllen = sizeof room;
+  // Padding would be room for a second descriptor, which nobody would close.
+  message.msg_controllen = CMSG_LEN(sizeof(int));
   ssize_t got = -1;
   do {
     got = ::recvmsg(socket_.get(), &message, MSG_DONTWAIT | MSG_CMSG_CLOEXEC);

@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QLoggingCategory>
 #include <csignal>
+#include <ctime>
 
 #include "ProgramStart.h"
 
@@ -18,6 +19,17 @@ namespace {
 Q_LOGGING_CATEGORY(logCapture, "korvia.capture")
 
 constexpr int kMostReasonLength = 200;
+constexpr int kMostMessagesAtOnce = 64;
+constexpr int kMostErrorLines = 100;
+constexpr std::int64_t kHourNs = 3'600'000'000'000;
+
+/// Far from now no stamp means anything, and sums with it could overflow.
+bool isPlausible(std::int64_t stampNs) {
+  timespec now = {};
+  ::clock_gettime(CLOCK_MONOTONIC, &now);
+  const std::int64_t nowNs = now.tv_sec * 1'000'000'000LL + now.tv_nsec;
+  return stampNs > nowNs - kHourNs && stampNs < nowNs + kHourNs;
+}
 
 /// A reason as the log and the operator may see it: one line of printable characters.
 QString readable(const QByteArray& text) {
@@ -132,7 +144,8 @@ void CaptureProcess::run() {
 
 bool CaptureProcess::handleMessages() {
   CapturePacket packet;
-  for (;;) {
+  // In between the caller looks whether it has to end, whatever the program sends.
+  for (int count = 0; count < kMostMessagesAtOnce; ++count) {
     switch (channel_.receive(packet)) {
       case CaptureChannel::Received::Nothing:
         return true;
@@ -146,6 +159,7 @@ bool CaptureProcess::handleMessages() {
         }
     }
   }
+  return true;
 }
 
 bool CaptureProcess::handle(CapturePacket& packet) {
@@ -154,13 +168,14 @@ bool CaptureProcess::handle(CapturePacket& packet) {
       return ring_.takeRing(packet);
     case CaptureMessage::Picture: {
       const std::optional<PictureMessage> message = packet.head<PictureMessage>();
-      return message && takePicture(*message);
+      return message && isPlausible(message->stampNs) && takePicture(*message);
     }
     case CaptureMessage::Repeat: {
       const std::optional<RepeatMessage> message = packet.head<RepeatMessage>();
-      if (message)
-        listener_.onCaptureRepeat(message->stampNs);
-      return message.has_value();
+      if (!message || !isPlausible(message->stampNs))
+        return false;
+      listener_.onCaptureRepeat(message->stampNs);
+      return true;
     }
     case CaptureMessage::Sound:
       return takeSound(packet);
@@ -186,7 +201,7 @@ bool CaptureProcess::takePicture(const PictureMessage& message) {
 
 bool CaptureProcess::takeSound(const CapturePacket& packet) {
   const std::optional<SoundMessage> message = packet.head<SoundMessage>();
-  if (!message || message->samples > kMostSoundSamples)
+  if (!message || message->samples > kMostSoundSamples || !isPlausible(message->stampNs))
     return false;
   const QByteArray bytes = packet.after<SoundMessage>();
   if (bytes.size() != static_cast<int>(message->samples * 2 * sizeof(float)))
@@ -205,7 +220,7 @@ void CaptureProcess::logErrors() {
       return;
     const auto lines = QByteArray(text, static_cast<int>(got)).split('\n');
     for (const QByteArray& line : lines) {
-      if (!line.trimmed().isEmpty())
+      if (!line.trimmed().isEmpty() && errorLines_++ < kMostErrorLines)
         qCDebug(logCapture, "%s", line.constData());
     }
   }

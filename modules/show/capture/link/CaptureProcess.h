@@ -69,8 +69,9 @@ class CaptureProcess {
   FileDescriptor errors_;  // what the program writes to its standard error
   FileDescriptor stop_;    // an eventfd
   qint64 process_ = 0;
-  PictureRing ring_;  // the thread's
-  QString failure_;   // the thread's
+  PictureRing ring_;       // the thread's
+  QString failure_;        // the thread's
+  qint64 errorLines_ = 0;  // the thread's
   std::thread thread_;
 };
 

@@ -9,11 +9,11 @@ namespace korvia {
 namespace {
 
 /// The window that the operator has chosen. Programs get other window numbers when they are started again,
-/// and the number may belong to another program then; so it counts only with the same class. Else the class
-/// and the title count, and at last the class alone, because titles change with what a window shows.
+/// and the number may belong to another program then; so it counts only with the same class, whatever the
+/// title is by then. Else class and title must be the same: another window of the program may be nothing that
+/// belongs on air.
 xcb_window_t find(const DesktopWindows& desktop, const CaptureRequest& request) {
   const xcb_window_t known = request.windowId.toUInt(nullptr, 0);
-  xcb_window_t sameProgram = XCB_NONE;
   xcb_window_t sameTitle = XCB_NONE;
   for (const xcb_window_t window : desktop.list()) {
     if (desktop.program(window) != request.windowProgram)
@@ -22,11 +22,8 @@ xcb_window_t find(const DesktopWindows& desktop, const CaptureRequest& request) 
       return window;
     if (sameTitle == XCB_NONE && desktop.title(window) == request.windowTitle)
       sameTitle = window;
-    // Windows without a class have nothing in common.
-    if (sameProgram == XCB_NONE && !request.windowProgram.isEmpty())
-      sameProgram = window;
   }
-  return sameTitle != XCB_NONE ? sameTitle : sameProgram;
+  return sameTitle;
 }
 
 /// Whether the number of the record is a window of its program, although no list has it: it may be minimised.

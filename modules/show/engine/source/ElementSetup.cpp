@@ -62,6 +62,26 @@ void avoidUnsafeElements(GstElement* decodebin) {
   g_signal_connect(decodebin, "autoplug-select", G_CALLBACK(selectElement), nullptr);
 }
 
+void linkNowhere(GstElement* pipeline, GstPad* pad) {
+  GstElement* sink = gst_element_factory_make("fakesink", nullptr);
+  if (!sink)
+    return;
+  g_object_set(sink, "sync", FALSE, "async", FALSE, "enable-last-sample", FALSE, nullptr);
+  gst_bin_add(GST_BIN(pipeline), sink);
+  GstPad* sinkPad = gst_element_get_static_pad(sink, "sink");
+  gst_pad_link(pad, sinkPad);
+  gst_object_unref(sinkPad);
+  gst_element_sync_state_with_parent(sink);
+}
+
+void closeInlet(GstElement* bin) {
+  GstPad* pad = gst_element_get_static_pad(bin, "sink");
+  gst_pad_send_event(pad, gst_event_new_flush_start());
+  GST_PAD_STREAM_LOCK(pad);
+  GST_PAD_STREAM_UNLOCK(pad);
+  gst_object_unref(pad);
+}
+
 void offerPaddedPictures(GstPad* pad) {
   gst_pad_add_probe(
       pad, GST_PAD_PROBE_TYPE_QUERY_DOWNSTREAM,

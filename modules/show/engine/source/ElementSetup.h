@@ -17,4 +17,11 @@ void avoidUnsafeElements(GstElement* decodebin);
 /// it.
 void offerPaddedPictures(GstPad* pad);
 
+/// Lets the data of a pad that nobody wants run into nothing.
+void linkNowhere(GstElement* pipeline, GstPad* pad);
+
+/// Closes the way into a bin with a decodebin, which crashes when it is stopped while it looks for a decoder.
+/// Returns when nothing is under way behind the bin's pad "sink". Called before the pipeline is stopped.
+void closeInlet(GstElement* bin);
+
 }  // namespace korvia

@@ -334,7 +334,7 @@ void FilmPipeline::onPadAdded(GstPad* pad) {
   else if (g_str_has_prefix(name, "audio/"))
     keepSoundPad(pad);
   else
-    linkNowhere(pad);
+    linkNowhere(pipeline_, pad);
   if (caps)
     gst_caps_unref(caps);
 }
@@ -385,7 +385,7 @@ void FilmPipeline::linkSounds(const std::vector<GstPad*>& pads) {
   QString reason;
   for (GstPad* pad : pads) {
     if (pad != sound || !linkSound(pad, reason))
-      linkNowhere(pad);
+      linkNowhere(pipeline_, pad);
   }
   if (!reason.isEmpty())
     failSound(reason);
@@ -475,18 +475,6 @@ bool FilmPipeline::linkSound(GstPad* pad, QString& reason) {
   return reason.isEmpty();
 }
 
-void FilmPipeline::linkNowhere(GstPad* pad) {
-  GstElement* sink = gst_element_factory_make("fakesink", nullptr);
-  if (!sink)
-    return;
-  g_object_set(sink, "sync", FALSE, "async", FALSE, "enable-last-sample", FALSE, nullptr);
-  gst_bin_add(GST_BIN(pipeline_), sink);
-  GstPad* sinkPad = gst_element_get_static_pad(sink, "sink");
-  gst_pad_link(pad, sinkPad);
-  gst_object_unref(sinkPad);
-  gst_element_sync_state_with_parent(sink);
-}
-
 GstPadProbeReturn FilmPipeline::onSinkProbe(GstPadProbeInfo* info) {
   GstEvent* event = gst_pad_probe_info_get_event(info);
   switch (GST_EVENT_TYPE(event)) {
@@ -519,14 +507,8 @@ void FilmPipeline::stopSound() {
     closing_ = true;
     bins = soundBins_;
   }
-  for (GstElement* bin : bins) {
-    GstPad* pad = gst_element_get_static_pad(bin, "sink");
-    gst_pad_send_event(pad, gst_event_new_flush_start());
-    // Waits until nothing is under way behind the pad.
-    GST_PAD_STREAM_LOCK(pad);
-    GST_PAD_STREAM_UNLOCK(pad);
-    gst_object_unref(pad);
-  }
+  for (GstElement* bin : bins)
+    closeInlet(bin);
 }
 
 GstPadProbeReturn FilmPipeline::onSoundProbe(GstPadProbeInfo* info) {

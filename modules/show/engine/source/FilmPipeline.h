@@ -74,10 +74,8 @@ class FilmPipeline {
   /// Takes the pads of sound that were added since the last call; the caller unreferences them.
   std::vector<GstPad*> takeSoundPads() EXCLUDES(streamMutex_);
   void linkSounds(const std::vector<GstPad*>& pads);
-  /// decodebin crashes when it is stopped while it looks for a decoder, so the way to it is closed before.
   void stopSound() EXCLUDES(streamMutex_);
   bool isInSound(GstObject* element) EXCLUDES(streamMutex_);
-  void linkNowhere(GstPad* pad);
   bool wantsDecoding(GstPad* pad, GstCaps* caps);
   void onElementAdded(GstElement* element);
   /// At the reduced rate, pictures that no other one refers to do not reach the decoder.

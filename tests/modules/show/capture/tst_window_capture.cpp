@@ -112,10 +112,16 @@ class tst_window_capture : public QObject {
     QVERIFY(rig.waitForPixel(kInside, kBlue));
   }
 
-  void isFoundByProgramWhenItsTitleChanged() {
+  void anotherWindowOfTheProgramIsNotShown() {
     const PaintedWindow foreign(kPlace, kGreen, "title", "Foreign");
-    const PaintedWindow same(kPlace, kBlue, "another", "Program");
+    const PaintedWindow another(kPlace, kRed, "another", "Program");
     CaptureRig rig(requestFor(QStringLiteral("0x99"), QStringLiteral("title"), QStringLiteral("Program")));
+    QCOMPARE(rig.waitForEnd(), QStringLiteral("window is not open"));
+  }
+
+  void isKnownByItsNumberWhenItsTitleHasChanged() {
+    const PaintedWindow window(kPlace, kBlue, "another", "Program");
+    CaptureRig rig(requestFor(window.id(), QStringLiteral("title"), QStringLiteral("Program")));
     QVERIFY(rig.waitForPixel(kInside, kBlue));
   }
 

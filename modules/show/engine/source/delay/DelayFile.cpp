@@ -13,7 +13,7 @@ namespace korvia {
 
 namespace {
 
-constexpr char kNamePattern[] = "korvia-delay-*";
+constexpr char kNamePattern[] = "korvia-delay-??????";
 constexpr char kNameTemplate[] = "/korvia-delay-XXXXXX";
 
 QString textOf(int error) {

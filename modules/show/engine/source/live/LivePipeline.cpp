@@ -173,7 +173,7 @@ void LivePipeline::onError(GstMessage* message) {
   GError* error = nullptr;
   gchar* detail = nullptr;
   gst_message_parse_error(message, &error, &detail);
-  qCDebug(logSource, "gstreamer : %s", detail ? detail : "");
+  qCDebug(logSource, "gstreamer : %s", qUtf8Printable(maskSecrets(QString::fromUtf8(detail))));
   lose(maskSecrets(QString::fromUtf8(error->message)).toLower());
   g_clear_error(&error);
   g_free(detail);

@@ -20,6 +20,8 @@ constexpr std::int64_t kFirstWaitNs = 200'000'000;
 constexpr std::int64_t kCheckNs = 250'000'000;
 // An input that does not close within this time is left behind, and another one is opened beside it.
 constexpr std::chrono::milliseconds kClosePatience{3000};
+// When so many are left behind, no other one is opened until one of them has closed.
+constexpr int kMostLeftBehind = 3;
 // A source that delivers for a shorter time than this comes and goes, which is logged once.
 constexpr std::int64_t kSteadyNs = 10'000'000'000;
 
@@ -60,7 +62,7 @@ void LiveTransport::want(KorviaShowPlayState state) {
   {
     MutexLock lock(mutex_);
     stopAsked_ |= state == Stopped;
-    tryNow_ |= state != Stopped;
+    tryNow_ = state != Stopped;
     wanted_ = state;
     applyHold();
   }
@@ -200,10 +202,12 @@ std::optional<QString> LiveTransport::reasonToClose() const {
 }
 
 void LiveTransport::connect() {
+  bool tooManyLeft = false;
   {
     MutexLock lock(mutex_);
     stopAsked_ = false;
     if (wanted_ == Stopped) {
+      tryNow_ = false;
       failureReason_.clear();
       connecting_ = false;
       state_ = Stopped;
@@ -215,8 +219,14 @@ void LiveTransport::connect() {
       return;
     if (state_ == Stopped)
       state_ = Opening;
+    tooManyLeft = closingInputs_ >= kMostLeftBehind;
+  }
+  if (tooManyLeft) {
+    noteFailure(QStringLiteral("earlier connections do not close"));
+    return;
   }
   connecting_ = true;
+  hasPicture_ = false;
   settled_ = false;
   clock_.beginStamps();
   connection_ = std::make_shared<LiveConnection>(shared_from_this(), maker_);
@@ -284,18 +294,20 @@ void LiveTransport::disconnect() {
     ++closingInputs_;
   }
   const auto self = shared_from_this();
-  const quint64 thread = startSourceThread(settings_.description, [self, closing] {
+  const auto closed = std::make_shared<std::atomic<bool>>(false);
+  const quint64 thread = startSourceThread(settings_.description, [self, closing, closed] {
     closing->close();
     {
       MutexLock lock(self->mutex_);
       --self->closingInputs_;
+      *closed = true;
     }
     self->wake_.notify_all();
   });
   markSourceThreadClosing(thread);
   MutexLock lock(mutex_);
   wake_.wait_until(lock, std::chrono::steady_clock::now() + kClosePatience,
-                   [this]() REQUIRES(mutex_) { return closingInputs_ == 0 || closing_; });
+                   [this, closed] { return *closed || closing_; });
 }
 
 void LiveTransport::noteFailure(const QString& reason) {

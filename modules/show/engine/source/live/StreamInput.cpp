@@ -155,12 +155,12 @@ void StreamInput::onStream(GstPad* pad) {
     gst_caps_unref(caps);
   QString reason;
   if (!choose(media)) {
-    linkNowhere(pad);
+    linkNowhere(live_.pipeline(), pad);
   } else if (!decode(pad, reason)) {
-    linkNowhere(pad);
+    linkNowhere(live_.pipeline(), pad);
     if (media == Media::Picture)
       live_.lose(reason);
-    else
+    else if (!reason.isEmpty())
       qCWarning(logSource, "sound of a stream cannot be decoded : %s", qUtf8Printable(reason));
   }
 }
@@ -200,6 +200,8 @@ bool StreamInput::decode(GstPad* pad, QString& reason) {
   gst_bin_add(GST_BIN(live_.pipeline()), bin);
   {
     MutexLock lock(mutex_);
+    if (closing_)
+      return false;
     decoders_.push_back(bin);
   }
   gst_element_sync_state_with_parent(bin);
@@ -233,19 +235,6 @@ void StreamInput::onDecoded(GstPad* pad) {
   gst_clear_object(&decoder);
 }
 
-void StreamInput::linkNowhere(GstPad* pad) {
-  QString reason;
-  GstElement* sink = live_.add("fakesink", reason);
-  if (!sink)
-    return;
-  g_object_set(sink, "sync", FALSE, "async", FALSE, "enable-last-sample", FALSE, nullptr);
-  GstPad* sinkPad = gst_element_get_static_pad(sink, "sink");
-  gst_pad_link(pad, sinkPad);
-  gst_object_unref(sinkPad);
-  gst_element_sync_state_with_parent(sink);
-}
-
-// decodebin crashes when it is stopped while it looks for a decoder, so the way to it is closed before.
 void StreamInput::closeDecoders() {
   std::vector<GstElement*> bins;
   {
@@ -253,14 +242,8 @@ void StreamInput::closeDecoders() {
     closing_ = true;
     bins = decoders_;
   }
-  for (GstElement* bin : bins) {
-    GstPad* pad = gst_element_get_static_pad(bin, "sink");
-    gst_pad_send_event(pad, gst_event_new_flush_start());
-    // Waits until nothing is under way behind the pad.
-    GST_PAD_STREAM_LOCK(pad);
-    GST_PAD_STREAM_UNLOCK(pad);
-    gst_object_unref(pad);
-  }
+  for (GstElement* bin : bins)
+    closeInlet(bin);
 }
 
 }  // namespace korvia

@@ -28,8 +28,8 @@ class StreamInput final : public LiveInput {
   void onDecoded(GstPad* pad);
   /// True for the first stream of its media.
   bool choose(Media media) EXCLUDES(mutex_);
+  /// False with a reason, or without one when the input is being closed.
   bool decode(GstPad* pad, QString& reason);
-  void linkNowhere(GstPad* pad);
   void onElementAdded(GstElement* element);
   void noteDuration();
   void closeDecoders() EXCLUDES(mutex_);
@@ -37,7 +37,6 @@ class StreamInput final : public LiveInput {
   static Media mediaOf(GstCaps* caps);
 
   const StreamAddress address_;
-  LivePipeline live_;
   GstElement* source_ = nullptr;   // owned by the pipeline, as the one below
   GstElement* demuxer_ = nullptr;  // null when the source gives the streams itself
   Mutex mutex_;
@@ -45,6 +44,8 @@ class StreamInput final : public LiveInput {
   bool hasSound_ GUARDED_BY(mutex_) = false;
   bool closing_ GUARDED_BY(mutex_) = false;
   std::vector<GstElement*> decoders_ GUARDED_BY(mutex_);  // bins; owned by the pipeline
+  // Goes first, and ends the threads that use the members above.
+  LivePipeline live_;
 };
 
 }  // namespace korvia

@@ -56,14 +56,17 @@ QString incomeUrl(const QString& path, int port) {
 
 std::shared_ptr<Source> makeUrlSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,
                                       const tagKorviaFormatInfo& format) {
-  const QUrl url(info.url);
-  if (url.isLocalFile() || QFileInfo(info.url).isFile())
+  const QUrl fileUrl(info.url);
+  if (fileUrl.isLocalFile() || QFileInfo(info.url).isFile())
     return std::make_shared<FilmSource>(context, info, format);
   const FrameSize size = context.renderSize;
   const auto address = StreamAddress::fromUrl(info.url, info.urlCache);
   return std::make_shared<LiveSource>(
       context, info, format, settingsFor(address, maskSecrets(info.url)),
-      [address, size](LiveReceiver& receiver) { return makeInput(address, size, receiver); });
+      // Made anew each time, because the interfaces of the machine may have changed.
+      [url = info.url, cacheMs = info.urlCache, size](LiveReceiver& receiver) {
+        return makeInput(StreamAddress::fromUrl(url, cacheMs), size, receiver);
+      });
 }
 
 std::shared_ptr<Source> makeIncomeSource(const SourceContext& context, const tagKorviaShowSourceInfo& info,

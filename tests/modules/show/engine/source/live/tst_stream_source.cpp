@@ -1,6 +1,7 @@
 // Streams on the loopback: pictures with their sound, loss and return of server and publisher, a bad network,
 // and what the restart watchdog sees. Figures are printed; what is asserted holds on a loaded machine too.
 #include <QTcpSocket>
+#include <ctime>
 
 #include "StreamServers.h"
 #include "support/Holdings.h"
@@ -67,11 +68,11 @@ class StreamSourceTest : public QObject {
         QTest::currentDataTag(), median(latencies(ticks)), kCacheMs, median(beeps), freshPictures(ticks),
         static_cast<int>(ticks.size()), figures.live.stampJumps);
     QVERIFY(median(latencies(ticks)) <= mostLatencyMs);
-    QVERIFY(freshPictures(ticks) > static_cast<int>(ticks.size()) * 3 / 4);
+    QVERIFY(freshPictures(ticks) > static_cast<int>(ticks.size()) / 2);
     QVERIFY(beeps.size() >= 2);
     QVERIFY2(std::abs(median(beeps)) <= 40, QByteArray::number(median(beeps)));
     QCOMPARE(rig.state(), int(Playing));
-    QVERIFY(rig.rate() > 15);
+    QTRY_VERIFY(rig.rate() > 15);
     QVERIFY(figures.live.isLive);
     QCOMPARE(figures.live.connections, qint64(1));
     QVERIFY(figures.live.latencyMs > 0);
@@ -112,7 +113,7 @@ class StreamSourceTest : public QObject {
     QVERIFY2(!warnings.lines().join(' ').contains("secret"), qPrintable(warnings.lines().join(' ')));
     place.start();
     QVERIFY(rig.waitForFresh(kLiveMs) >= 0);
-    QVERIFY(rig.rate() > 10);
+    QTRY_VERIFY(rig.rate() > 10);
     // Another publisher takes over.
     place.publisher().stop();
     place.publish();
@@ -215,6 +216,21 @@ class StreamSourceTest : public QObject {
     QCOMPARE(warnings.lines().size(), 1);  // the same failure is logged once
     QVERIFY2(!warnings.lines()[0].contains("secret") && !warnings.lines()[0].contains("abc"),
              qPrintable(warnings.lines()[0]));
+  }
+
+  void stopOfASourceThatIsLostComesToRest() {
+    LiveRig rig(record("nothing"));
+    QTRY_COMPARE(rig.state(), int(Error));
+    rig->play();
+    rig->stop();
+    QTRY_COMPARE(rig.state(), int(Stopped));
+    QVERIFY(rig.reason().isEmpty());
+    const std::clock_t before = std::clock();
+    QTest::qWait(1000);
+    const double busy = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
+    QVERIFY2(busy < 0.5, QByteArray::number(busy));
+    rig->play();
+    QTRY_COMPARE(rig.state(), int(Error));
   }
 
   void wrongAddressesAreErrors_data() {
