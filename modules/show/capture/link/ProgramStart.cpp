@@ -41,7 +41,7 @@ QByteArray displayKeyFile() {
 
 /// The list of GStreamer's plugins, which takes seconds to make. The processes of a page only read it.
 QByteArray pluginRegistry() {
-  const QByteArray named = qgetenv(kCaptureRegistryVariable);
+  QByteArray named = qgetenv(kCaptureRegistryVariable);
   if (!named.isEmpty())
     return named;
   return QFile::encodeName(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) +

@@ -182,7 +182,7 @@ QString PageCapture::waitForEnd() {
   GstBus* bus = gst_element_get_bus(pipeline_);
   GstMessage* message = gst_bus_timed_pop_filtered(
       bus, GST_CLOCK_TIME_NONE, static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS));
-  const QString reason =
+  QString reason =
       GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR ? reasonOf(message) : QStringLiteral("page has ended");
   gst_message_unref(message);
   gst_object_unref(bus);

@@ -16,8 +16,6 @@ constexpr int kMostCacheMs = 10'000;
 constexpr std::int64_t kMsNs = 1'000'000;
 // Even on a perfect way pictures and sound of a stream do not come at the same time.
 constexpr std::int64_t kLeastLatencyNs = 40'000'000;
-// So much of the cache is left to the clock when the protocol itself has put the data in order.
-constexpr std::int64_t kOrderedLatencyNs = 160'000'000;
 
 constexpr int kSilenceMs = 5000;
 // A sender of datagrams that is killed and comes back does not end the old connection.
@@ -118,8 +116,9 @@ std::optional<StreamAddress> StreamAddress::fromUrl(const QString& text, int cac
   address.latencyNs = std::max(cacheNs, kLeastLatencyNs);
   std::int64_t elementNs = cacheNs;
   if (scheme->cache == Cache::OfTheElement) {
-    address.latencyNs = std::min(address.latencyNs, kOrderedLatencyNs);
-    elementNs -= std::min(cacheNs, kOrderedLatencyNs);
+    // Half for what the protocol sends again, and half for the jitter of what it then delivers.
+    elementNs /= 2;
+    address.latencyNs = std::max(cacheNs - elementNs, kLeastLatencyNs);
   }
   address.silenceNs = scheme->silenceMs * kMsNs;
   if (scheme->timeout)

@@ -35,9 +35,9 @@ class StreamAddressTest : public QObject {
                           << QByteArray("rtmp://127.0.0.1:1935/live/0") << 1000;
     QTest::newRow("rtsp") << "rtsp://127.0.0.1:554/live/0"
                           << "rtspsrc" << QByteArray("latency") << QByteArray("1000") << 1000;
-    // The protocol keeps most of the cache itself, so the sum is the cache.
+    // The protocol keeps half of the cache itself, so the sum is the cache.
     QTest::newRow("srt") << "srt://127.0.0.1:9000"
-                         << "srtsrc" << QByteArray("latency") << QByteArray("840") << 160;
+                         << "srtsrc" << QByteArray("latency") << QByteArray("500") << 500;
     QTest::newRow("udp with @") << "udp://@127.0.0.1:7000"
                                 << "udpsrc" << QByteArray("uri") << QByteArray("udp://127.0.0.1:7000")
                                 << 1000;

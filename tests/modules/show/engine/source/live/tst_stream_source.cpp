@@ -13,7 +13,7 @@ class StreamSourceTest : public QObject {
   Q_OBJECT
 
  private:
-  static constexpr int kCacheMs = 400;
+  static constexpr int kCacheMs = 800;
   // More than this says that the picture is not live.
   static constexpr int kLiveMs = kCacheMs + 1500;
 
