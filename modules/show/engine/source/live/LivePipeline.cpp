@@ -23,6 +23,16 @@ void setUpSink(GstElement* sink, GstCaps* caps) {
   gst_caps_unref(caps);
 }
 
+/// Details of a source that is tried again and again would fill the log: once in half a minute, for all
+/// sources.
+bool mayLogDetail() {
+  constexpr std::int64_t kQuietNs = 30'000'000'000;
+  static std::atomic<std::int64_t> nextNs{0};
+  const std::int64_t nowNs = LiveConnection::nowNs();
+  std::int64_t dueNs = nextNs;
+  return nowNs >= dueNs && nextNs.compare_exchange_strong(dueNs, nowNs + kQuietNs);
+}
+
 }  // namespace
 
 LivePipeline::LivePipeline(FrameSize renderSize, LiveReceiver& receiver)
@@ -173,7 +183,8 @@ void LivePipeline::onError(GstMessage* message) {
   GError* error = nullptr;
   gchar* detail = nullptr;
   gst_message_parse_error(message, &error, &detail);
-  qCDebug(logSource, "gstreamer : %s", qUtf8Printable(maskSecrets(QString::fromUtf8(detail))));
+  if (mayLogDetail())
+    qCDebug(logSource, "gstreamer : %s", qUtf8Printable(maskSecrets(QString::fromUtf8(detail))));
   lose(maskSecrets(QString::fromUtf8(error->message)).toLower());
   g_clear_error(&error);
   g_free(detail);

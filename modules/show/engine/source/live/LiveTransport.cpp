@@ -1,5 +1,7 @@
 #include "LiveTransport.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <chrono>
 #include <utility>
@@ -30,6 +32,18 @@ VideoQueue::Live limitsFor(std::int64_t latencyNs) {
   limits.spanNs = latencyNs + kBurstNs;
   limits.mostFrames = static_cast<int>(limits.spanNs * kMostFramesPerSecond / 1'000'000'000);
   return limits;
+}
+
+/// Each connection has threads of its own, and the C library keeps the pictures that they freed in heaps of
+/// theirs. A source that comes and goes would make the process grow by a gigabyte in ten minutes, so the
+/// memory is given back to the system, at most every ten seconds because that takes some milliseconds.
+void giveFreedMemoryBack() {
+  constexpr std::int64_t kQuietNs = 10'000'000'000;
+  static std::atomic<std::int64_t> nextNs{0};
+  const std::int64_t nowNs = LiveConnection::nowNs();
+  std::int64_t dueNs = nextNs;
+  if (nowNs >= dueNs && nextNs.compare_exchange_strong(dueNs, nowNs + kQuietNs))
+    malloc_trim(0);
 }
 
 }  // namespace
@@ -273,9 +287,7 @@ void LiveTransport::logFailure(const QString& reason) {
   const bool repeats = std::exchange(loggedReason_, reason) == reason;
   if (!steady && !std::exchange(unsteady_, true))
     qCWarning(logSource, "live source comes and goes : %s : %s", name.constData(), qUtf8Printable(reason));
-  else if (!steady || repeats || unsteady_)
-    qCDebug(logSource, "live source is lost : %s : %s", name.constData(), qUtf8Printable(reason));
-  else
+  else if (steady && !repeats && !unsteady_)
     qCWarning(logSource, "live source is lost : %s : %s", name.constData(), qUtf8Printable(reason));
 }
 
@@ -297,6 +309,7 @@ void LiveTransport::disconnect() {
   const auto closed = std::make_shared<std::atomic<bool>>(false);
   const quint64 thread = startSourceThread(settings_.description, [self, closing, closed] {
     closing->close();
+    giveFreedMemoryBack();
     {
       MutexLock lock(self->mutex_);
       --self->closingInputs_;
