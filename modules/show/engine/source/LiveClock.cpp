@@ -118,6 +118,7 @@ ClockReading LiveClock::advance(int ticks, std::int64_t nowNs) {
       timeNs_ +=
           std::llround(passedNs * std::clamp(static_cast<double>(offNs) / kFollowNs, -kMostSlew, kMostSlew));
     started_ = true;
+    tickNs_ = nowNs;
     latencyNs_ = undelayedNs - timeNs_;
   }
   ClockReading reading;
@@ -128,6 +129,13 @@ ClockReading LiveClock::advance(int ticks, std::int64_t nowNs) {
   reading.started = started_;
   reading.running = !hold_;
   return reading;
+}
+
+std::optional<std::int64_t> LiveClock::shownNs(std::int64_t stampNs) const {
+  MutexLock lock(mutex_);
+  if (!started_ || !shiftNs_ || anew_)
+    return std::nullopt;
+  return tickNs_ + stampNs + *shiftNs_ - timeNs_;
 }
 
 LiveClock::Figures LiveClock::figures() const {

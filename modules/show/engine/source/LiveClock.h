@@ -51,6 +51,8 @@ class LiveClock {
   /// `ticks` render frames have passed since the last call; `nowNs` is the present time of the clock that
   /// gives `arrivalNs`.
   ClockReading advance(int ticks, std::int64_t nowNs);
+  /// When data with this stamp of the source's clock are due, by our clock; none before the first data.
+  std::optional<std::int64_t> shownNs(std::int64_t stampNs) const;
   Figures figures() const;
 
  private:
@@ -84,6 +86,7 @@ class LiveClock {
   bool hold_ GUARDED_BY(mutex_) = false;
   bool started_ GUARDED_BY(mutex_) = false;
   std::int64_t timeNs_ GUARDED_BY(mutex_) = 0;
+  std::int64_t tickNs_ GUARDED_BY(mutex_) = 0;  // of our clock, when timeNs_ was shown
   std::int64_t latencyNs_ GUARDED_BY(mutex_) = 0;
   std::int64_t reanchors_ GUARDED_BY(mutex_) = 0;
 };

@@ -71,12 +71,12 @@ void CaptureInput::onCapturePicture(const CapturePicture& picture) {
   if (!frame)
     return;
   last_ = frame;
-  receiver_.onPicture(std::move(frame), picture.stampNs);
+  receiver_.onPicture(std::move(frame), picture.stampNs, 0);
 }
 
 void CaptureInput::onCaptureRepeat(std::int64_t stampNs) {
   if (last_)
-    receiver_.onPicture(last_, stampNs);
+    receiver_.onPicture(last_, stampNs, 0);
 }
 
 void CaptureInput::onCaptureSound(const float* samples, int frames, std::int64_t stampNs) {
@@ -87,7 +87,7 @@ void CaptureInput::onCaptureSound(const float* samples, int frames, std::int64_t
     left_[i] = samples[2 * i];
     right_[i] = samples[2 * i + 1];
   }
-  receiver_.onSound({left_.data(), right_.data(), frames}, stampNs);
+  receiver_.onSound({left_.data(), right_.data(), frames}, stampNs, 0);
 }
 
 void CaptureInput::onCaptureEnded(const QString& reason) {

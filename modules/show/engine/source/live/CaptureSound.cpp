@@ -91,9 +91,9 @@ void CaptureSound::noteFailure(const QString& reason) {
     qCWarning(logSource, "sound of %s is lost : %s", qUtf8Printable(settings_.name), qUtf8Printable(reason));
 }
 
-void CaptureSound::onSound(StereoSpan sound, std::int64_t stampNs) {
+void CaptureSound::onSound(StereoSpan sound, std::int64_t stampNs, std::int64_t heldNs) {
   applySides(settings_.sides, sound);
-  receiver_.onSound(sound, stampNs);
+  receiver_.onSound(sound, stampNs, heldNs);
 }
 
 void CaptureSound::onLost(const QString& reason) {

@@ -28,8 +28,9 @@ class CaptureSound final : private LiveReceiver {
   bool waitFor(std::int64_t ns) EXCLUDES(mutex_);
   void noteFailure(const QString& reason);
 
-  void onPicture(FrameRef, std::int64_t) override {}
-  void onSound(StereoSpan sound, std::int64_t stampNs) override;
+  void onPicture(FrameRef, std::int64_t, std::int64_t) override {}
+  void onSound(StereoSpan sound, std::int64_t stampNs, std::int64_t heldNs) override;
+  void onHeldBack() override {}
   void onStampsRestart() override {}
   void onLost(const QString& reason) override EXCLUDES(mutex_);
 

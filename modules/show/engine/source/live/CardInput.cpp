@@ -65,9 +65,9 @@ bool CardInput::hasSignal(GstBuffer* buffer) {
   return signal;
 }
 
-void CardInput::onSound(StereoSpan sound, std::int64_t stampNs) {
+void CardInput::onSound(StereoSpan sound, std::int64_t stampNs, std::int64_t heldNs) {
   applySides(settings_.sides, sound);
-  receiver_.onSound(sound, stampNs);
+  receiver_.onSound(sound, stampNs, heldNs);
 }
 
 }  // namespace korvia

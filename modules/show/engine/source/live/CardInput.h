@@ -23,10 +23,11 @@ class CardInput final : public LiveInput, private LiveReceiver {
   /// False for a picture that the card made up because it has no signal.
   bool hasSignal(GstBuffer* buffer);
 
-  void onPicture(FrameRef picture, std::int64_t stampNs) override {
-    receiver_.onPicture(std::move(picture), stampNs);
+  void onPicture(FrameRef picture, std::int64_t stampNs, std::int64_t heldNs) override {
+    receiver_.onPicture(std::move(picture), stampNs, heldNs);
   }
-  void onSound(StereoSpan sound, std::int64_t stampNs) override;
+  void onSound(StereoSpan sound, std::int64_t stampNs, std::int64_t heldNs) override;
+  void onHeldBack() override { receiver_.onHeldBack(); }
   void onStampsRestart() override { receiver_.onStampsRestart(); }
   void onLost(const QString& reason) override { receiver_.onLost(reason); }
 

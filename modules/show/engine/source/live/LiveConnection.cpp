@@ -1,11 +1,12 @@
 #include "LiveConnection.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace korvia {
 
 LiveConnection::LiveConnection(std::shared_ptr<LiveSink> sink, const LiveInputMaker& maker)
-    : sink_(std::move(sink)), input_(maker(*this)), lastArrivalNs_(nowNs()) {}
+    : sink_(std::move(sink)), input_(maker(*this)), lastDeliveryNs_(nowNs()) {}
 
 LiveConnection::~LiveConnection() {
   refuse();
@@ -24,32 +25,37 @@ QString LiveConnection::reason() const {
 }
 
 std::int64_t LiveConnection::silentNs(std::int64_t nowNs) const {
-  return nowNs - lastArrivalNs_;
+  // What is held back shows sooner that the input is silent, and deliveries that it can be decoded.
+  const std::int64_t silentNs = nowNs - lastDeliveryNs_ - lastHeldNs_;
+  return delivered_ && lastHeldBackNs_ > 0 ? std::max(silentNs, nowNs - lastHeldBackNs_) : silentNs;
 }
 
-void LiveConnection::noteArrival(std::int64_t arrivalNs) {
-  lastArrivalNs_ = arrivalNs;
+void LiveConnection::noteDelivery(std::int64_t heldNs) {
+  lastHeldNs_ = heldNs;
+  lastDeliveryNs_ = nowNs();
   if (!delivered_.exchange(true))
     sink_->onLiveChange();
 }
 
-void LiveConnection::onPicture(FrameRef picture, std::int64_t stampNs) {
+void LiveConnection::onPicture(FrameRef picture, std::int64_t stampNs, std::int64_t heldNs) {
   if (!open_)
     return;
-  const std::int64_t arrivalNs = nowNs();
   hasPicture_ = true;
-  sink_->onLivePicture(std::move(picture), stampNs, arrivalNs);
-  noteArrival(arrivalNs);
+  sink_->onLivePicture(std::move(picture), stampNs, nowNs() - heldNs);
+  noteDelivery(heldNs);
 }
 
-void LiveConnection::onSound(StereoSpan sound, std::int64_t stampNs) {
+void LiveConnection::onSound(StereoSpan sound, std::int64_t stampNs, std::int64_t heldNs) {
   if (!open_)
     return;
-  const std::int64_t arrivalNs = nowNs();
-  sink_->onLiveSound(sound, stampNs, arrivalNs);
+  sink_->onLiveSound(sound, stampNs, nowNs() - heldNs);
   // Sound that goes on does not make up for pictures that have stopped.
   if (!hasPicture_)
-    noteArrival(arrivalNs);
+    noteDelivery(heldNs);
+}
+
+std::optional<std::int64_t> LiveConnection::shownNs(std::int64_t stampNs) const {
+  return open_ ? sink_->liveShownNs(stampNs) : std::nullopt;
 }
 
 void LiveConnection::onStampsRestart() {

@@ -18,6 +18,8 @@ class LiveSink {
   virtual ~LiveSink() = default;
   virtual void onLivePicture(FrameRef picture, std::int64_t stampNs, std::int64_t arrivalNs) = 0;
   virtual void onLiveSound(StereoSpan sound, std::int64_t stampNs, std::int64_t arrivalNs) = 0;
+  /// When a picture with this stamp is shown; none while that is unknown.
+  virtual std::optional<std::int64_t> liveShownNs(std::int64_t stampNs) const = 0;
   virtual void onLiveStampsRestart() = 0;
   /// The state of the connection has changed: it has delivered for the first time, or is lost.
   virtual void onLiveChange() = 0;
@@ -44,8 +46,10 @@ class LiveConnection final : public LiveReceiver {
   /// Time without pictures, or without sound when it has none; since the start when nothing has come.
   std::int64_t silentNs(std::int64_t nowNs) const;
 
-  void onPicture(FrameRef picture, std::int64_t stampNs) override;
-  void onSound(StereoSpan sound, std::int64_t stampNs) override;
+  void onPicture(FrameRef picture, std::int64_t stampNs, std::int64_t heldNs) override;
+  void onSound(StereoSpan sound, std::int64_t stampNs, std::int64_t heldNs) override;
+  void onHeldBack() override { lastHeldBackNs_ = nowNs(); }
+  std::optional<std::int64_t> shownNs(std::int64_t stampNs) const override;
   void onStampsRestart() override;
   void onLost(const QString& reason) override;
 
@@ -53,7 +57,7 @@ class LiveConnection final : public LiveReceiver {
   static std::int64_t nowNs();
 
  private:
-  void noteArrival(std::int64_t arrivalNs);
+  void noteDelivery(std::int64_t heldNs);
 
   const std::shared_ptr<LiveSink> sink_;
   std::unique_ptr<LiveInput> input_;
@@ -61,7 +65,9 @@ class LiveConnection final : public LiveReceiver {
   std::atomic<bool> delivered_{false};
   std::atomic<bool> hasPicture_{false};
   std::atomic<bool> lost_{false};
-  std::atomic<std::int64_t> lastArrivalNs_;
+  std::atomic<std::int64_t> lastDeliveryNs_;
+  std::atomic<std::int64_t> lastHeldNs_{0};      // of what was delivered last
+  std::atomic<std::int64_t> lastHeldBackNs_{0};  // time; 0 when the input holds nothing back
   mutable Mutex mutex_;
   QString reason_ GUARDED_BY(mutex_);
 };

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "engine/audio/StereoSpan.h"
 #include "engine/frame/Frame.h"
@@ -17,10 +18,14 @@ namespace korvia {
 class LiveReceiver {
  public:
   virtual ~LiveReceiver() = default;
-  /// A picture in the render size that has just come.
-  virtual void onPicture(FrameRef picture, std::int64_t stampNs) = 0;
-  /// Sound that has just come; the span is valid during the call.
-  virtual void onSound(StereoSpan sound, std::int64_t stampNs) = 0;
+  /// A picture in the render size. It came `heldNs` ago, and the input has held it back since on purpose.
+  virtual void onPicture(FrameRef picture, std::int64_t stampNs, std::int64_t heldNs) = 0;
+  /// Sound, in the same way; the span is valid during the call.
+  virtual void onSound(StereoSpan sound, std::int64_t stampNs, std::int64_t heldNs) = 0;
+  /// Something has come that is held back at first.
+  virtual void onHeldBack() = 0;
+  /// When a picture with this stamp is shown, by the clock of LiveConnection; none while that is unknown.
+  virtual std::optional<std::int64_t> shownNs(std::int64_t /*stampNs*/) const { return std::nullopt; }
   /// The stamps that follow have nothing to do with those before.
   virtual void onStampsRestart() = 0;
   /// Nothing comes any more. `reason` is for the log and the operator, without addresses and keys.

@@ -3,6 +3,8 @@
 #include <gst/app/gstappsink.h>
 #include <gst/audio/audio.h>
 
+#include <vector>
+
 #include "LiveConnection.h"
 #include "engine/EngineLog.h"
 #include "engine/HappensBefore.h"
@@ -33,10 +35,36 @@ bool mayLogDetail() {
   return nowNs >= dueNs && nextNs.compare_exchange_strong(dueNs, nowNs + kQuietNs);
 }
 
+void addStamps(const GstSegment* segment, GstBuffer* buffer, std::vector<CodedHold::Stamps>& stamps) {
+  const auto decodingNs = runningTimeNs(segment, GST_BUFFER_DTS(buffer));
+  const auto presentationNs = runningTimeNs(segment, GST_BUFFER_PTS(buffer));
+  if (decodingNs || presentationNs)
+    stamps.push_back(
+        {presentationNs ? *presentationNs : *decodingNs, decodingNs ? *decodingNs : *presentationNs});
+}
+
+/// The stamps of the data that pass; those without stamps are left out.
+std::vector<CodedHold::Stamps> stampsOf(GstPad* pad, GstPadProbeInfo* info) {
+  std::vector<CodedHold::Stamps> stamps;
+  GstEvent* event = gst_pad_get_sticky_event(pad, GST_EVENT_SEGMENT, 0);
+  if (!event)
+    return stamps;
+  const GstSegment* segment = nullptr;
+  gst_event_parse_segment(event, &segment);
+  GstBufferList* list =
+      (info->type & GST_PAD_PROBE_TYPE_BUFFER_LIST) != 0 ? gst_pad_probe_info_get_buffer_list(info) : nullptr;
+  for (guint i = 0; list && i < gst_buffer_list_length(list); ++i)
+    addStamps(segment, gst_buffer_list_get(list, i), stamps);
+  if (!list)
+    addStamps(segment, gst_pad_probe_info_get_buffer(info), stamps);
+  gst_event_unref(event);
+  return stamps;
+}
+
 }  // namespace
 
-LivePipeline::LivePipeline(FrameSize renderSize, LiveReceiver& receiver)
-    : receiver_(receiver), frames_(renderSize) {}
+LivePipeline::LivePipeline(FrameSize renderSize, LiveReceiver& receiver, std::int64_t latencyNs)
+    : receiver_(receiver), hold_(latencyNs), pacer_(CodedHold::holdFor(latencyNs)), frames_(renderSize) {}
 
 LivePipeline::~LivePipeline() {
   if (!pipeline_)
@@ -48,6 +76,7 @@ LivePipeline::~LivePipeline() {
   gst_object_unref(bus);
   gst_object_unref(pipeline_);
   annotateHappensAfter(this);
+  annotateHappensAfter(&codedOrder_);
   annotateHappensAfter(&pictureOrder_);
   annotateHappensAfter(&soundOrder_);
 }
@@ -132,6 +161,7 @@ bool LivePipeline::makeSoundSink(QString& reason) {
 
 bool LivePipeline::play(QString& reason) {
   annotateHappensBefore(this);
+  annotateHappensBefore(&codedOrder_);
   annotateHappensBefore(&pictureOrder_);
   annotateHappensBefore(&soundOrder_);
   if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE)
@@ -143,16 +173,58 @@ bool LivePipeline::play(QString& reason) {
 
 void LivePipeline::close() {
   closing_ = true;
+  hold_.close();
   pacer_.close();
 }
 
-bool LivePipeline::pace(std::int64_t stampNs) {
-  if (pacing_ == Pacing::ByStamps) {
-    const StampPacer::Result result = pacer_.wait(stampNs);
-    if (result == StampPacer::Result::Anew)
-      receiver_.onStampsRestart();
+void LivePipeline::holdBack(GstElement* queue) {
+  annotateHappensBefore(&codedOrder_);
+  constexpr auto kData =
+      static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST);
+  GstPad* in = gst_element_get_static_pad(queue, "sink");
+  gst_pad_add_probe(
+      in, kData,
+      [](GstPad* pad, GstPadProbeInfo* info, gpointer self) {
+        static_cast<LivePipeline*>(self)->onCodedArrival(pad, info);
+        return GST_PAD_PROBE_OK;
+      },
+      this, nullptr);
+  gst_object_unref(in);
+  GstPad* out = gst_element_get_static_pad(queue, "src");
+  gst_pad_add_probe(
+      out, kData,
+      [](GstPad* pad, GstPadProbeInfo* info, gpointer self) {
+        static_cast<LivePipeline*>(self)->onCodedDeparture(pad, info);
+        return GST_PAD_PROBE_OK;
+      },
+      this, nullptr);
+  gst_object_unref(out);
+}
+
+void LivePipeline::onCodedArrival(GstPad* pad, GstPadProbeInfo* info) {
+  const HappensBeforeScope scope(&codedOrder_);
+  // What comes as fast as it is taken is held back by its pace.
+  if (closing_ || pacing_ == Pacing::ByStamps)
+    return;
+  const std::int64_t nowNs = LiveConnection::nowNs();
+  for (const CodedHold::Stamps& stamps : stampsOf(pad, info))
+    hold_.arrive(stamps, nowNs);
+  receiver_.onHeldBack();
+}
+
+void LivePipeline::onCodedDeparture(GstPad* pad, GstPadProbeInfo* info) {
+  const HappensBeforeScope scope(&codedOrder_);
+  for (const CodedHold::Stamps& stamps : stampsOf(pad, info)) {
+    if (!hold_.waitUntilDue(stamps, receiver_.shownNs(stamps.decodingNs)))
+      return;
   }
-  return !closing_;
+}
+
+std::optional<std::int64_t> LivePipeline::pace(std::int64_t stampNs) {
+  const StampPacer::Paced paced = pacer_.wait(stampNs);
+  if (paced.result == StampPacer::Result::Anew)
+    receiver_.onStampsRestart();
+  return closing_ ? std::nullopt : std::optional(paced.heldNs);
 }
 
 void LivePipeline::onPicture(GstSample* sample) {
@@ -164,8 +236,11 @@ void LivePipeline::onPicture(GstSample* sample) {
   const std::int64_t stampNs =
       runningTimeNs(gst_sample_get_segment(sample), buffer ? GST_BUFFER_PTS(buffer) : GST_CLOCK_TIME_NONE)
           .value_or(LiveConnection::nowNs());
-  if (frame && pace(stampNs))
-    receiver_.onPicture(std::move(frame), stampNs);
+  if (!frame)
+    return;
+  const auto heldNs = pacing_ == Pacing::ByStamps ? pace(stampNs) : hold_.heldNs(stampNs);
+  if (heldNs)
+    receiver_.onPicture(std::move(frame), stampNs, *heldNs);
 }
 
 void LivePipeline::onSound(GstSample* sample) {
@@ -175,8 +250,9 @@ void LivePipeline::onSound(GstSample* sample) {
   if (!sound)
     return;
   const std::int64_t stampNs = sound->runningNs.value_or(LiveConnection::nowNs());
-  if (pace(stampNs))
-    receiver_.onSound(sound->span, stampNs);
+  const auto heldNs = pacing_ == Pacing::ByStamps ? pace(stampNs) : 0;
+  if (heldNs)
+    receiver_.onSound(sound->span, stampNs, *heldNs);
 }
 
 void LivePipeline::onError(GstMessage* message) {

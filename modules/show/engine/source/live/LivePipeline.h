@@ -7,7 +7,9 @@
 
 #include <QString>
 #include <atomic>
+#include <optional>
 
+#include "CodedHold.h"
 #include "LiveInput.h"
 #include "StampPacer.h"
 #include "engine/source/StereoSoundMaker.h"
@@ -23,7 +25,9 @@ class LivePipeline {
     ByStamps
   };
 
-  LivePipeline(FrameSize renderSize, LiveReceiver& receiver);
+  /// `latencyNs` is that of the source's clock, for an input that holds coded pictures back until they are
+  /// nearly due; 0 for one that does not.
+  LivePipeline(FrameSize renderSize, LiveReceiver& receiver, std::int64_t latencyNs = 0);
   /// Stops; returns when no call of the receiver runs any more.
   ~LivePipeline();
   LivePipeline(const LivePipeline&) = delete;
@@ -38,6 +42,8 @@ class LivePipeline {
   GstPad* pictureInlet() const { return gst_element_get_static_pad(pictureSink_, "sink"); }
   GstPad* soundInlet() const { return gst_element_get_static_pad(soundConverter_, "sink"); }
   void setPacing(Pacing pacing) { pacing_ = pacing; }
+  /// Holds the coded pictures back that pass through this queue. Any thread, before data reach it.
+  void holdBack(GstElement* queue);
   bool play(QString& reason);
   /// Ends waits for pacing and lets nothing through any more. To be called before elements are stopped.
   void close();
@@ -50,8 +56,11 @@ class LivePipeline {
   bool makeSoundSink(QString& reason);
   void onPicture(GstSample* sample);
   void onSound(GstSample* sample);
-  /// False when the pipeline is being closed.
-  bool pace(std::int64_t stampNs);
+  /// Waits until data with this stamp may pass. How long they were held back; none when the pipeline is being
+  /// closed.
+  std::optional<std::int64_t> pace(std::int64_t stampNs);
+  void onCodedArrival(GstPad* pad, GstPadProbeInfo* info);
+  void onCodedDeparture(GstPad* pad, GstPadProbeInfo* info);
   void onError(GstMessage* message);
 
   static GstBusSyncReply onMessage(GstBus* bus, GstMessage* message, gpointer self);
@@ -63,10 +72,12 @@ class LivePipeline {
   std::atomic<Pacing> pacing_{Pacing::AsItComes};
   std::atomic<bool> closing_{false};
   std::atomic<bool> hasPicture_{false};
+  CodedHold hold_;
   StampPacer pacer_;
   VideoFrameMaker frames_;   // thread of the pictures
   StereoSoundMaker sounds_;  // thread of the sound
-  char pictureOrder_ = 0;    // stand for the order of the callbacks of pictures, and of sound
+  char codedOrder_ = 0;      // stand for the order of the callbacks of coded pictures, of pictures and sound
+  char pictureOrder_ = 0;
   char soundOrder_ = 0;
 };
 

@@ -52,6 +52,9 @@ class LiveTransport : public LiveSink, public std::enable_shared_from_this<LiveT
 
   void onLivePicture(FrameRef picture, std::int64_t stampNs, std::int64_t arrivalNs) override;
   void onLiveSound(StereoSpan sound, std::int64_t stampNs, std::int64_t arrivalNs) override;
+  std::optional<std::int64_t> liveShownNs(std::int64_t stampNs) const override {
+    return clock_.shownNs(stampNs);
+  }
   void onLiveStampsRestart() override;
   void onLiveChange() override;
 

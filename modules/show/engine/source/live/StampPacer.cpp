@@ -3,6 +3,7 @@
 #include <chrono>
 
 #include "LiveConnection.h"
+#include "heldBack.h"
 
 namespace korvia {
 
@@ -15,21 +16,28 @@ constexpr std::int64_t kAheadNs = 10'000'000'000;
 
 }  // namespace
 
-StampPacer::Result StampPacer::wait(std::int64_t stampNs) {
+StampPacer::Paced StampPacer::wait(std::int64_t stampNs) {
   MutexLock lock(mutex_);
   const std::int64_t nowNs = LiveConnection::nowNs();
+  const auto begin = [&]() REQUIRES(mutex_) {
+    baseNs_ = nowNs - stampNs;
+    beginStampNs_ = stampNs;
+  };
   if (!baseNs_)
-    baseNs_ = nowNs - stampNs;
-  const std::int64_t earlyNs = *baseNs_ + stampNs - nowNs;
-  Result result = Result::Due;
-  if (earlyNs < -kLateNs || earlyNs > kAheadNs) {
-    baseNs_ = nowNs - stampNs;
-    result = Result::Anew;
+    begin();
+  Paced paced;
+  paced.heldNs = heldBackNs(stampNs - beginStampNs_, holdNs_);
+  const std::int64_t earlyNs = *baseNs_ + stampNs + paced.heldNs - nowNs;
+  if (earlyNs < -kLateNs || earlyNs > kAheadNs + holdNs_) {
+    begin();
+    paced = {Result::Anew, 0};
   } else if (earlyNs > 0) {
     wake_.wait_until(lock, std::chrono::steady_clock::now() + std::chrono::nanoseconds(earlyNs),
                      [this]() REQUIRES(mutex_) { return closed_; });
   }
-  return closed_ ? Result::Closed : result;
+  if (closed_)
+    paced.result = Result::Closed;
+  return paced;
 }
 
 void StampPacer::close() {

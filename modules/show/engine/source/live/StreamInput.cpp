@@ -17,6 +17,11 @@ namespace {
 constexpr unsigned kMostDecoderThreads = 4;
 constexpr int kSliceThreads = 2;  // of the flags "thread-type"
 
+// What waits coded: the latency of the source, and a reserve that a burst needs. Ten seconds of 100 Mbit/s
+// fit.
+constexpr guint kMostCodedBytes = 128 * 1024 * 1024;
+constexpr std::int64_t kMoreCodedNs = 2'000'000'000;
+
 void setText(GstElement* element, const QByteArray& property, const QByteArray& value) {
   if (g_object_class_find_property(G_OBJECT_GET_CLASS(element), property.constData()))
     gst_util_set_object_arg(G_OBJECT(element), property.constData(), value.constData());
@@ -43,7 +48,7 @@ bool isContainer(GstCaps* caps) {
 }  // namespace
 
 StreamInput::StreamInput(const StreamAddress& address, FrameSize renderSize, LiveReceiver& receiver)
-    : address_(address), live_(renderSize, receiver) {}
+    : address_(address), live_(renderSize, receiver, address.latencyNs) {}
 
 StreamInput::~StreamInput() {
   live_.close();
@@ -156,7 +161,7 @@ void StreamInput::onStream(GstPad* pad) {
   QString reason;
   if (!choose(media)) {
     linkNowhere(live_.pipeline(), pad);
-  } else if (!decode(pad, reason)) {
+  } else if (!decode(pad, media, reason)) {
     linkNowhere(live_.pipeline(), pad);
     if (media == Media::Picture)
       live_.lose(reason);
@@ -172,13 +177,15 @@ void StreamInput::noteDuration() {
     live_.setPacing(LivePipeline::Pacing::ByStamps);
 }
 
-bool StreamInput::decode(GstPad* pad, QString& reason) {
+bool StreamInput::decode(GstPad* pad, Media media, QString& reason) {
   GstElement* bin = gst_bin_new(nullptr);
   GstElement* gate = gst_element_factory_make("errorignore", nullptr);
+  GstElement* queue = gst_element_factory_make("queue", nullptr);
   GstElement* decoder = gst_element_factory_make("decodebin", nullptr);
-  if (!gate || !decoder) {
+  if (!gate || !queue || !decoder) {
     reason = QStringLiteral("gstreamer element is missing");
     gst_clear_object(&gate);
+    gst_clear_object(&queue);
     gst_clear_object(&decoder);
     gst_object_unref(bin);
     return false;
@@ -186,8 +193,12 @@ bool StreamInput::decode(GstPad* pad, QString& reason) {
   g_object_set(bin, "async-handling", TRUE, nullptr);
   // A decoder that fails would make the demuxer stop, and the other stream with it.
   g_object_set(gate, "ignore-notlinked", TRUE, "convert-to", GST_FLOW_OK, nullptr);
-  gst_bin_add_many(GST_BIN(bin), gate, decoder, nullptr);
-  gst_element_link(gate, decoder);
+  g_object_set(queue, "max-size-buffers", 0u, "max-size-bytes", kMostCodedBytes, "max-size-time",
+               static_cast<guint64>(address_.latencyNs + kMoreCodedNs), nullptr);
+  gst_bin_add_many(GST_BIN(bin), gate, queue, decoder, nullptr);
+  gst_element_link_many(gate, queue, decoder, nullptr);
+  if (media == Media::Picture)
+    live_.holdBack(queue);
   avoidUnsafeElements(decoder);
   g_signal_connect(decoder, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* decoded, gpointer self) {
                      const HappensBeforeScope scope(self);

@@ -29,7 +29,7 @@ class StreamInput final : public LiveInput {
   /// True for the first stream of its media.
   bool choose(Media media) EXCLUDES(mutex_);
   /// False with a reason, or without one when the input is being closed.
-  bool decode(GstPad* pad, QString& reason);
+  bool decode(GstPad* pad, Media media, QString& reason);
   void onElementAdded(GstElement* element);
   void noteDuration();
   void closeDecoders() EXCLUDES(mutex_);

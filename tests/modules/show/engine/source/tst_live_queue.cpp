@@ -160,6 +160,22 @@ class LiveQueueTest : public QObject {
   Q_OBJECT
 
  private slots:
+  void theClockTellsWhenDataWillBeShown() {
+    korvia::FrameRate rate;
+    rate.numerator = 25;
+    LiveClock clock(rate, kTarget);
+    QVERIFY(!clock.shownNs(0));
+    clock.arrive(7 * kSecond, 100 * kSecond);
+    QVERIFY(!clock.shownNs(7 * kSecond));  // no tick has passed
+    clock.advance(1, 100 * kSecond);
+    QCOMPARE(clock.shownNs(7 * kSecond).value(), 100 * kSecond + kTarget);
+    QCOMPARE(clock.shownNs(9 * kSecond).value(), 102 * kSecond + kTarget);
+    clock.advance(1, 100 * kSecond + kFrame);
+    QCOMPARE(clock.shownNs(9 * kSecond).value(), 102 * kSecond + kTarget);
+    clock.beginStamps();
+    QVERIFY(!clock.shownNs(9 * kSecond));  // nothing of the new connection has come
+  }
+
   void driftIsMeasuredAndFollowed_data() {
     QTest::addColumn<double>("ppm");
     QTest::addColumn<int>("jitterMs");

@@ -20,14 +20,17 @@ namespace {
 class StampKeeper final : public LiveReceiver {
  public:
   explicit StampKeeper(LiveReceiver& receiver) : receiver_(receiver) {}
-  void onPicture(FrameRef picture, std::int64_t stampNs) override {
+  void onPicture(FrameRef picture, std::int64_t stampNs, std::int64_t heldNs) override {
     {
       std::lock_guard lock(mutex_);
       stamps_.push_back({picture, stampNs});
     }
-    receiver_.onPicture(std::move(picture), stampNs);
+    receiver_.onPicture(std::move(picture), stampNs, heldNs);
   }
-  void onSound(StereoSpan sound, std::int64_t stampNs) override { receiver_.onSound(sound, stampNs); }
+  void onSound(StereoSpan sound, std::int64_t stampNs, std::int64_t heldNs) override {
+    receiver_.onSound(sound, stampNs, heldNs);
+  }
+  void onHeldBack() override { receiver_.onHeldBack(); }
   void onStampsRestart() override { receiver_.onStampsRestart(); }
   void onLost(const QString& reason) override { receiver_.onLost(reason); }
   std::int64_t stampOf(const FrameRef& picture) {

@@ -78,6 +78,45 @@ class StreamSourceTest : public QObject {
     QVERIFY(figures.live.latencyMs > 0);
   }
 
+  void picturesWaitCoded_data() {
+    QTest::addColumn<QString>("encoding");
+    QTest::newRow("udp with b-frames") << "h264-bframes";
+    QTest::newRow("rtsp") << "h264";
+  }
+  void picturesWaitCoded() {
+    constexpr int kLongCacheMs = 1200;
+    constexpr int kDecodedMs = 600;  // 300 is what is aimed at
+    QFETCH(QString, encoding);
+    std::unique_ptr<StreamPlace> place;
+    LiveSender sender;
+    QString url;
+    if (QByteArray(QTest::currentDataTag()) == "rtsp") {
+      place = makePlace("rtsp");
+      place->start();
+      url = place->url();
+    } else {
+      const int port = freeUdpPort();
+      sender.send(toUdp(port), QStringLiteral("320x180"), 25, encoding);
+      url = QStringLiteral("udp://127.0.0.1:%1").arg(port);
+    }
+    LiveRig rig(record(url, kLongCacheMs));
+    QVERIFY(rig.waitForFresh(kLongCacheMs + 1500, 20'000) >= 0);
+    // The hold grows at first.
+    QTest::qWait(6000);
+    const auto ticks = rig.next(100);
+    const auto beeps = beepsAfterFlashes(ticks);
+    const SourceFigures figures = rig->figures();
+    qInfo("%s: %lld pictures wait decoded, latency %.0f ms, beep %.0f ms after the flash, %d of %d fresh",
+          QTest::currentDataTag(), figures.framesQueued, median(latencies(ticks)), median(beeps),
+          freshPictures(ticks), static_cast<int>(ticks.size()));
+    QVERIFY(figures.framesQueued * 40 <= kDecodedMs);
+    QVERIFY(median(latencies(ticks)) > kLongCacheMs - 500);
+    QVERIFY(freshPictures(ticks) > static_cast<int>(ticks.size()) * 3 / 4);
+    QVERIFY2(std::abs(median(beeps)) <= 40, QByteArray::number(median(beeps)));
+    QCOMPARE(rig.state(), int(Playing));
+    QCOMPARE(figures.live.connections, qint64(1));
+  }
+
   void aPublisherThatWasKilledIsShownAgain_data() {
     QTest::addColumn<bool>("unused");
     for (const char* kind : {"udp", "srt", "http", "rtmp", "rtsp"})
