@@ -1,6 +1,7 @@
 #include "ShowBench.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileInfo>
@@ -88,6 +89,11 @@ tagKorviaShowSourceInfo sourceInfo(const QString& input, int cacheMs) {
   } else if (input.startsWith(QLatin1String("screen:"))) {
     source.kind = SourceKindScreen;
     source.screenIndex = input.midRef(7).toInt();
+  } else if (input.startsWith(QLatin1String("delay:"))) {
+    source.kind = SourceKindDelay;
+    source.delayChannel = static_cast<int>(MediaChannel);
+    source.delayTime = input.midRef(6).toInt();
+    source.delayCachePath = QDir::tempPath();
   } else if (input.contains(QLatin1String("://"))) {
     source.kind = SourceKindUrl;
     source.url = input;

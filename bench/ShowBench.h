@@ -6,7 +6,7 @@
 #include <QStringList>
 
 struct ShowBenchOptions {
-  /// Films; URLs of streams; "page:URL"; "screen:N".
+  /// Films; URLs of streams; "page:URL"; "screen:N"; "delay:MS" of the first channel.
   QStringList inputs;
   int cacheMs = 1000;  ///< of streams
   int channels = 3;

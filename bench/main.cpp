@@ -67,21 +67,23 @@ int main(int argc, char** argv) {
       "  kernels  times each kernel on a 1080p frame against copying it");
   parser.addHelpOption();
   parser.addPositionalArgument("what", "show or kernels");
-  parser.addOptions(
-      {{"input", "Film, URL of a stream, page:URL or screen:N; repeatable. Without it the demo clips.",
-        "INPUT"},
-       {"cache", "Jitter buffer of streams in milliseconds.", "MS", "1000"},
-       {"channels", "Channels that play, inputs repeating.", "N"},
-       {"seconds", "Time measured.", "N", "10"},
-       {"take-every", "Seconds between takes, 0 for none.", "S", "0"},
-       {"effect", "Effect number of the takes, or, repeatable, of the kernels.", "N", "22"},
-       {"items", "Items over the picture.", "N", "0"},
-       {"record", "Record program into FILE.", "FILE"},
-       {"stream", "Push program to URL: rtmp, rtmps or srt.", "URL"},
-       {"size", "Render size.", "WxH", "1920x1080"},
-       {"fps", "Render rate.", "N", "25"},
-       {"no-monitors", "Scale no monitor pictures."},
-       {"json", "Write the figures to FILE too.", "FILE"}});
+  parser.addOptions({{"input",
+                      "Film, URL of a stream, page:URL, screen:N or delay:MS of the first channel; "
+                      "repeatable. Without it the "
+                      "demo clips.",
+                      "INPUT"},
+                     {"cache", "Jitter buffer of streams in milliseconds.", "MS", "1000"},
+                     {"channels", "Channels that play, inputs repeating.", "N"},
+                     {"seconds", "Time measured.", "N", "10"},
+                     {"take-every", "Seconds between takes, 0 for none.", "S", "0"},
+                     {"effect", "Effect number of the takes, or, repeatable, of the kernels.", "N", "22"},
+                     {"items", "Items over the picture.", "N", "0"},
+                     {"record", "Record program into FILE.", "FILE"},
+                     {"stream", "Push program to URL: rtmp, rtmps or srt.", "URL"},
+                     {"size", "Render size.", "WxH", "1920x1080"},
+                     {"fps", "Render rate.", "N", "25"},
+                     {"no-monitors", "Scale no monitor pictures."},
+                     {"json", "Write the figures to FILE too.", "FILE"}});
   parser.process(application);
   const QString what = parser.positionalArguments().value(0);
   if (what == "kernels")
