@@ -11,6 +11,41 @@ inline QStringList mpegTs(const QString& url) {
   return {"-f", "mpegts", "-muxdelay", "0", "-muxpreload", "0", "-pes_payload_size", "16", url};
 }
 
+inline constexpr int kCacheMs = 800;
+/// More than this says that the picture is not live.
+inline constexpr int kLiveMs = kCacheMs + 1500;
+
+inline tagKorviaShowSourceInfo urlRecord(const QString& url, int cacheMs = kCacheMs) {
+  tagKorviaShowSourceInfo info;
+  info.kind = SourceKindUrl;
+  info.url = url;
+  info.urlCache = cacheMs;
+  return info;
+}
+
+/// 1e9 for none.
+template <typename Values>
+double median(Values values) {
+  if (values.isEmpty())
+    return 1e9;
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+inline QVector<int> latencies(const std::vector<LiveRig::Tick>& ticks) {
+  QVector<int> found;
+  for (const LiveRig::Tick& tick : ticks)
+    found.append(tick.latencyMs);
+  return found;
+}
+
+inline int freshPictures(const std::vector<LiveRig::Tick>& ticks) {
+  int fresh = 0;
+  for (std::size_t i = 1; i < ticks.size(); ++i)
+    fresh += ticks[i].number != ticks[i - 1].number ? 1 : 0;
+  return fresh;
+}
+
 /// A stream that can be received under url(). Publisher and server can be killed and started again.
 class StreamPlace {
  public:
