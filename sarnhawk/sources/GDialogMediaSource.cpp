@@ -84,6 +84,7 @@ GDialogMediaSource::GDialogMediaSource(const tagKorviaShowEngineInfo& engineInfo
   _pdf = new PdfPreview(pdfPaint, _ui->_pdfPreviewScrollAreaWidgetContents, _ui->_pdfPageInfoLabel, this);
   connect(_pdf, &PdfPreview::sizeTaken, this, &GDialogMediaSource::takePdfSize);
 
+  _ui->_webView->setFrameRate(_engineInfo.format.fpsNumerator, _engineInfo.format.fpsDenominator);
   setUpKinds();
   // A completer would make "128" of a typed "12".
   const auto combos = findChildren<QComboBox*>();
@@ -301,6 +302,9 @@ void GDialogMediaSource::onClicked_okPushButton() {
     return;
   remember();
   setOutputSize(typedSize());
+  // What the operator did on the page, a log-in for example, goes on air with it.
+  if (_slot.source.kind == SourceKindWeb)
+    _ui->_webView->handOver();
   accept();
 }
 

@@ -64,6 +64,11 @@ bool PictureSender::isRepeat(const Slot& slot, const Format& format) {
   return last && last->serial == slot.serial && std::memcmp(last->data, slot.data, bytes) == 0;
 }
 
+void PictureSender::forgetLast() {
+  const MutexLock lock(mutex_);
+  last_.reset();
+}
+
 void PictureSender::sendRepeat(std::int64_t stampNs) {
   RepeatMessage message;
   message.stampNs = stampNs;

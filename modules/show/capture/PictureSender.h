@@ -39,6 +39,8 @@ class PictureSender {
   /// A picture that is the same as the one before is not handed over again, which spares the console its
   /// conversion.
   void send(const Slot& slot, const Format& format, std::int64_t stampNs);
+  /// Hands the next picture over, also when it has not changed. Any thread.
+  void forgetLast();
   /// There is no new picture at this time.
   void sendRepeat(std::int64_t stampNs);
   void giveBack(const Slot& slot);

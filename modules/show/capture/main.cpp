@@ -2,6 +2,7 @@
 // it takes the console's messages, ends everything with the console, and watches the memory.
 #include <fcntl.h>
 #include <poll.h>
+#include <unistd.h>
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -14,6 +15,7 @@
 #include "PictureSender.h"
 #include "Session.h"
 #include "link/ProgramStart.h"
+#include "link/SessionMemory.h"
 #include "page/PageCapture.h"
 #include "x11/ScreenCapture.h"
 #include "x11/WindowCapture.h"
@@ -88,7 +90,7 @@ void handleMessages(CaptureChannel& channel, PictureSender& sender, Capture& cap
     if (sinceCheck.elapsed() < kMemoryCheckMs)
       continue;
     sinceCheck.restart();
-    if (sessionMemoryBytes() > mostMemoryBytes) {
+    if (sessionMemoryBytes(::getsid(0)) > mostMemoryBytes) {
       sender.sendFailed(QStringLiteral("too much memory was used"));
       endSession();
     }
@@ -108,7 +110,7 @@ int main(int argc, char** argv) {
   if (!request || CaptureRequest::nameOf(request->kind) != QLatin1String(argv[1]))
     return 2;
   if (!confineFiles(readablePaths(*request)))
-    fputs("the kernel has no landlock, so files are not confined\n", stderr);
+    channel.send(CaptureMessage::Unconfined, {});
 
   PictureSender sender(channel);
   const std::unique_ptr<Capture> capture = makeCapture(*request, sender);

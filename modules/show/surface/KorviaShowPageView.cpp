@@ -10,12 +10,14 @@
 #include <utility>
 
 #include "CaptureProcess.h"
+#include "CaptureShelf.h"
 #include "ThreadSafety.h"
 
 namespace {
 
-constexpr int kRate = 12;  // pictures a second
 constexpr qint64 kMostMemoryBytes = 1536LL * 1024 * 1024;
+// While the window is dragged larger the page is not laid out anew at each step.
+constexpr int kResizeMs = 100;
 
 struct KeyName {
   int key;
@@ -71,11 +73,27 @@ int buttonOf(Qt::MouseButton button) {
 class KorviaShowPageView::Session final : public korvia::CaptureListener,
                                           public std::enable_shared_from_this<Session> {
  public:
-  explicit Session(KorviaShowPageView* view) : view_(view), process_(*this) {}
+  explicit Session(KorviaShowPageView* view)
+      : view_(view), process_(std::make_unique<korvia::CaptureProcess>(*this)) {}
+  ~Session() override {
+    if (process_)
+      process_->setListener(nullptr);
+    korvia::CaptureShelf::instance().end(std::move(process_));
+  }
 
-  korvia::CaptureProcess& process() { return process_; }
+  korvia::CaptureProcess& process() { return *process_; }
   bool start(const korvia::CaptureRequest& request, QString& reason) {
-    return process_.start(request, reason);
+    request_ = request;
+    return process_->start(request, reason);
+  }
+  void load(const QString& address) {
+    request_.address = address;
+    process_->load(address);
+  }
+  /// For the next source of this page. The session is of no use after that.
+  void handOver() {
+    process_->setListener(nullptr);
+    korvia::CaptureShelf::instance().offer(std::move(process_), request_);
   }
   QImage takePicture() EXCLUDES(mutex_) {
     korvia::MutexLock lock(mutex_);
@@ -118,12 +136,19 @@ class KorviaShowPageView::Session final : public korvia::CaptureListener,
   KorviaShowPageView* const view_;
   korvia::Mutex mutex_;
   QImage picture_ GUARDED_BY(mutex_);
-  korvia::CaptureProcess process_;  // ends its thread before the members above go
+  korvia::CaptureRequest request_;  // console thread, as the one below
+  std::unique_ptr<korvia::CaptureProcess> process_;
 };
 
 KorviaShowPageView::KorviaShowPageView(QWidget* parent) : QWidget(parent) {
   setFocusPolicy(Qt::StrongFocus);
   setMouseTracking(true);
+  resized_.setSingleShot(true);
+  resized_.setInterval(kResizeMs);
+  connect(&resized_, &QTimer::timeout, this, [this] {
+    if (session_)
+      session_->process().resize(pageSize().width(), pageSize().height());
+  });
 }
 
 KorviaShowPageView::~KorviaShowPageView() = default;
@@ -133,9 +158,28 @@ void KorviaShowPageView::load(const QString& address) {
   address_ = address;
   // The program may read files of one folder only, which is fixed when it starts.
   if (session_ && !isLocal)
-    session_->process().load(address);
+    session_->load(address);
   else
     restart();
+}
+
+void KorviaShowPageView::setFrameRate(qint32 numerator, qint32 denominator) {
+  rateNumerator_ = std::max(1, numerator);
+  rateDenominator_ = std::max(1, denominator);
+}
+
+void KorviaShowPageView::handOver() {
+  if (!session_)
+    return;
+  session_->handOver();
+  session_.reset();
+  picture_ = QImage();
+  update();
+}
+
+QSize KorviaShowPageView::pageSize() const {
+  return {std::clamp(width() / 2 * 2, 2, korvia::kPageSideMax),
+          std::clamp(height() / 2 * 2, 2, korvia::kPageSideMax)};
 }
 
 void KorviaShowPageView::restart() {
@@ -146,10 +190,10 @@ void KorviaShowPageView::restart() {
   korvia::CaptureRequest request;
   request.kind = korvia::CaptureKind::Page;
   request.address = address_;
-  request.width = std::clamp(width() / 2 * 2, 2, korvia::kPageSideMax);
-  request.height = std::clamp(height() / 2 * 2, 2, korvia::kPageSideMax);
-  request.rateNumerator = kRate;
-  request.rateDenominator = 1;
+  request.width = pageSize().width();
+  request.height = pageSize().height();
+  request.rateNumerator = rateNumerator_;
+  request.rateDenominator = rateDenominator_;
   request.mostMemoryBytes = kMostMemoryBytes;
   session_ = std::make_shared<Session>(this);
   QString reason;
@@ -182,8 +226,7 @@ void KorviaShowPageView::paintEvent(QPaintEvent*) {
 
 void KorviaShowPageView::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
-  if (session_)
-    restart();
+  resized_.start();
 }
 
 void KorviaShowPageView::mousePressEvent(QMouseEvent* event) {

@@ -14,12 +14,14 @@ enum class CaptureMessage : std::uint32_t {
   Wheel,        ///< PointerMessage
   Key,          ///< KeyMessage and the name of the key
   Load,         ///< the address, UTF-8
+  Resize,       ///< ResizeMessage
   // From the program.
-  Ring,     ///< RingMessage, with the descriptor of the memory
-  Picture,  ///< PictureMessage
-  Repeat,   ///< RepeatMessage
-  Sound,    ///< SoundMessage and the samples: floats of 48 kHz, left and right in turn
-  Failed,   ///< the reason, UTF-8; the program ends
+  Unconfined,  ///< the kernel cannot keep it from files
+  Ring,        ///< RingMessage, with the descriptor of the memory
+  Picture,     ///< PictureMessage
+  Repeat,      ///< RepeatMessage
+  Sound,       ///< SoundMessage and the samples: floats of 48 kHz, left and right in turn
+  Failed,      ///< the reason, UTF-8; the program ends
 };
 
 /// Blue, green, red and a fourth byte for each pixel: nothing, or alpha by which the colours are multiplied
@@ -66,6 +68,12 @@ struct PointerMessage {
   double deltaY = 0;
   std::int32_t button = 0;  ///< 1 left, 2 middle, 3 right
   std::int32_t pressed = 0;
+};
+
+/// The next picture is told whole.
+struct ResizeMessage {
+  std::int32_t width = 0;  ///< of the page, in pixels
+  std::int32_t height = 0;
 };
 
 struct KeyMessage {

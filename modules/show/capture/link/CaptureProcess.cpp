@@ -6,11 +6,14 @@
 #include <sys/wait.h>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QLoggingCategory>
+#include <atomic>
 #include <csignal>
 #include <ctime>
 
 #include "ProgramStart.h"
+#include "SessionMemory.h"
 
 namespace korvia {
 
@@ -21,6 +24,8 @@ Q_LOGGING_CATEGORY(logCapture, "korvia.capture")
 constexpr int kMostReasonLength = 200;
 constexpr int kMostMessagesAtOnce = 64;
 constexpr int kMostErrorLines = 100;
+constexpr int kCheckMs = 1000;
+constexpr int kChecksOfTheProgram = 4;
 constexpr std::int64_t kHourNs = 3'600'000'000'000;
 
 /// Far from now no stamp means anything, and sums with it could overflow.
@@ -41,6 +46,12 @@ QString readable(const QByteArray& text) {
   return line.trimmed();
 }
 
+void warnOfFiles() {
+  static std::atomic<bool> isSaid{false};
+  if (!isSaid.exchange(true))
+    qCWarning(logCapture, "the kernel has no landlock : web pages are not kept from the files of this user");
+}
+
 QString endOf(int status) {
   if (WIFSIGNALED(status))
     return QStringLiteral("capture program was killed by signal %1").arg(WTERMSIG(status));
@@ -49,7 +60,7 @@ QString endOf(int status) {
 
 }  // namespace
 
-CaptureProcess::CaptureProcess(CaptureListener& listener) : listener_(listener) {}
+CaptureProcess::CaptureProcess(CaptureListener& listener) : listener_(&listener) {}
 
 CaptureProcess::~CaptureProcess() {
   if (!thread_.joinable())
@@ -78,10 +89,24 @@ bool CaptureProcess::start(const CaptureRequest& request, QString& reason) {
   if (!process)
     return false;
   process_ = *process;
+  mostMemoryBytes_ = request.mostMemoryBytes;
   channel_ = std::move(own);
   channel_.send(CaptureMessage::Begin, request.toBytes());
   thread_ = std::thread([this] { run(); });
   return true;
+}
+
+bool CaptureProcess::setListener(CaptureListener* listener) {
+  const MutexLock lock(listenerMutex_);
+  listener_ = listener;
+  return !ended_;
+}
+
+template <typename Call>
+void CaptureProcess::tell(Call call) {
+  const MutexLock lock(listenerMutex_);
+  if (listener_)
+    call(*listener_);
 }
 
 void CaptureProcess::sendMouseMove(double x, double y) {
@@ -115,31 +140,55 @@ void CaptureProcess::sendKey(const QString& name, Press press) {
   channel_.sendHead(CaptureMessage::Key, message, name.toUtf8());
 }
 
+void CaptureProcess::resize(int width, int height) {
+  ResizeMessage message;
+  message.width = width;
+  message.height = height;
+  channel_.sendHead(CaptureMessage::Resize, message);
+}
+
 void CaptureProcess::load(const QString& address) {
   channel_.send(CaptureMessage::Load, address.toUtf8());
 }
 
 void CaptureProcess::run() {
+  const bool isAsked = workUntilEnd();
+  const QString end = endProgram();
+  logErrors();
+  const MutexLock lock(listenerMutex_);
+  ended_ = true;
+  if (!isAsked && listener_)
+    listener_->onCaptureEnded(failure_.isEmpty() ? end : failure_);
+}
+
+bool CaptureProcess::workUntilEnd() {
   pollfd waits[3] = {
       {channel_.descriptor(), POLLIN, 0}, {errors_.get(), POLLIN, 0}, {stop_.get(), POLLIN, 0}};
-  bool stopped = false;
+  QElapsedTimer sinceCheck;
+  sinceCheck.start();
+  int tooLarge = 0;
   for (;;) {
-    if (::poll(waits, 3, -1) < 0)
+    if (::poll(waits, 3, kCheckMs) < 0)
       continue;
-    stopped = waits[2].revents != 0;
-    if (stopped)
-      break;
+    if (waits[2].revents != 0)
+      return true;
     if (waits[1].revents != 0)
       logErrors();
     if ((waits[1].revents & (POLLHUP | POLLERR)) != 0)
       waits[1].fd = -1;
     if (waits[0].revents != 0 && !handleMessages())
-      break;
+      return false;
+    if (!sinceCheck.hasExpired(kCheckMs))
+      continue;
+    sinceCheck.start();
+    sendReleases();
+    // Its own guard, which looks more closely, comes first.
+    tooLarge = isTooLarge() ? tooLarge + 1 : 0;
+    if (tooLarge == kChecksOfTheProgram) {
+      failure_ = QStringLiteral("capture program does not keep its memory limit");
+      return false;
+    }
   }
-  const QString end = endProgram();
-  logErrors();
-  if (!stopped)
-    listener_.onCaptureEnded(failure_.isEmpty() ? end : failure_);
 }
 
 bool CaptureProcess::handleMessages() {
@@ -164,6 +213,9 @@ bool CaptureProcess::handleMessages() {
 
 bool CaptureProcess::handle(CapturePacket& packet) {
   switch (packet.kind) {
+    case CaptureMessage::Unconfined:
+      warnOfFiles();
+      return true;
     case CaptureMessage::Ring:
       return ring_.takeRing(packet);
     case CaptureMessage::Picture: {
@@ -174,7 +226,7 @@ bool CaptureProcess::handle(CapturePacket& packet) {
       const std::optional<RepeatMessage> message = packet.head<RepeatMessage>();
       if (!message || !isPlausible(message->stampNs))
         return false;
-      listener_.onCaptureRepeat(message->stampNs);
+      tell([&](CaptureListener& listener) { listener.onCaptureRepeat(message->stampNs); });
       return true;
     }
     case CaptureMessage::Sound:
@@ -191,12 +243,30 @@ bool CaptureProcess::takePicture(const PictureMessage& message) {
   const std::optional<CapturePicture> picture = ring_.pictureOf(message);
   if (!picture)
     return false;
-  listener_.onCapturePicture(*picture);
-  ReleaseMessage release;
-  release.serial = message.serial;
-  release.slot = message.slot;
-  channel_.sendHead(CaptureMessage::Release, release);
+  tell([&](CaptureListener& listener) { listener.onCapturePicture(*picture); });
+  ReleaseMessage slot;
+  slot.serial = message.serial;
+  slot.slot = message.slot;
+  release(slot);
   return true;
+}
+
+void CaptureProcess::release(const ReleaseMessage& slot) {
+  // A slot of an earlier ring is of no use any more.
+  if (!unsentReleases_.empty() && unsentReleases_.front().serial != slot.serial)
+    unsentReleases_.clear();
+  unsentReleases_.push_back(slot);
+  sendReleases();
+}
+
+void CaptureProcess::sendReleases() {
+  while (!unsentReleases_.empty() && channel_.sendHead(CaptureMessage::Release, unsentReleases_.back()))
+    unsentReleases_.pop_back();
+}
+
+bool CaptureProcess::isTooLarge() const {
+  // Memory that its processes share is counted for each of them here.
+  return mostMemoryBytes_ > 0 && sessionResidentBytes(process_) > 2 * mostMemoryBytes_;
 }
 
 bool CaptureProcess::takeSound(const CapturePacket& packet) {
@@ -208,7 +278,9 @@ bool CaptureProcess::takeSound(const CapturePacket& packet) {
     return false;
   std::vector<float> samples(message->samples * 2);
   std::memcpy(samples.data(), bytes.constData(), static_cast<std::size_t>(bytes.size()));
-  listener_.onCaptureSound(samples.data(), static_cast<int>(message->samples), message->stampNs);
+  tell([&](CaptureListener& listener) {
+    listener.onCaptureSound(samples.data(), static_cast<int>(message->samples), message->stampNs);
+  });
   return true;
 }
 

@@ -7,10 +7,12 @@
 #include <QTemporaryDir>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include "CaptureChannel.h"
 #include "CaptureRequest.h"
 #include "PictureRing.h"
+#include "ThreadSafety.h"
 
 namespace korvia {
 
@@ -32,7 +34,7 @@ class CaptureListener {
 
 class CaptureProcess {
  public:
-  /// The listener outlives the process.
+  /// The listener outlives the process, or is taken from it by setListener().
   explicit CaptureProcess(CaptureListener& listener);
   CaptureProcess(const CaptureProcess&) = delete;
   CaptureProcess& operator=(const CaptureProcess&) = delete;
@@ -41,6 +43,9 @@ class CaptureProcess {
 
   /// Once. False with a reason when the program cannot be started.
   bool start(const CaptureRequest& request, QString& reason);
+  /// Another listener, or nobody. No call of the former one runs any more when it returns. False when the
+  /// program has ended, of which the new one is not told. Not from a call of a listener.
+  bool setListener(CaptureListener* listener) EXCLUDES(listenerMutex_);
   /// 0 when it was not started.
   qint64 processId() const { return process_; }
 
@@ -51,27 +56,42 @@ class CaptureProcess {
   void sendMouseButton(double x, double y, int button, Press press);
   void sendWheel(double x, double y, double deltaX, double deltaY);
   void sendKey(const QString& name, Press press);
+  /// Draws the page in this size, in pixels. The next picture comes as a whole, also when it has not changed.
+  void resize(int width, int height);
   /// Shows another page. A local file is only shown from the folder of the file that the request names.
   void load(const QString& address);
 
  private:
+  template <typename Call>
+  void tell(Call call) EXCLUDES(listenerMutex_);
   void run();
+  /// Waits for the program and for the end, and works until one of them has come. True for the end.
+  bool workUntilEnd();
   bool handleMessages();
   bool handle(CapturePacket& packet);
   bool takePicture(const PictureMessage& message);
   bool takeSound(const CapturePacket& packet);
+  void release(const ReleaseMessage& slot);
+  void sendReleases();
+  /// Whether the program uses so much memory that its own guard must have failed.
+  bool isTooLarge() const;
   void logErrors();
   QString endProgram();
 
-  CaptureListener& listener_;
+  Mutex listenerMutex_;  // held during the calls
+  CaptureListener* listener_ GUARDED_BY(listenerMutex_);
+  bool ended_ GUARDED_BY(listenerMutex_) = false;
   std::unique_ptr<QTemporaryDir> folder_;  // the program's home and current folder
   CaptureChannel channel_;
   FileDescriptor errors_;  // what the program writes to its standard error
   FileDescriptor stop_;    // an eventfd
   qint64 process_ = 0;
+  qint64 mostMemoryBytes_ = 0;
   PictureRing ring_;       // the thread's
   QString failure_;        // the thread's
   qint64 errorLines_ = 0;  // the thread's
+  // The thread's: slots that the program has not been told of, because it did not read.
+  std::vector<ReleaseMessage> unsentReleases_;
   std::thread thread_;
 };
 

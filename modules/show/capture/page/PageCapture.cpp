@@ -81,18 +81,28 @@ QString reasonOf(GstMessage* message) {
 PageCapture::PageCapture(const CaptureRequest& request, PictureSender& sender)
     : request_(request),
       sender_(sender),
+      width_(request.width),
+      height_(request.height),
       sound_([&sender](const float* samples, int frames, std::int64_t stampNs) {
         sender.sendSound(samples, frames, stampNs);
       }) {}
 
-bool PageCapture::addPictureSink() {
+// The page is laid out anew in another size, and stays what it is.
+void PageCapture::applySize() {
   GstCaps* caps = gst_caps_new_simple("video/x-raw", "format", G_TYPE_STRING, "BGRA", "width", G_TYPE_INT,
-                                      request_.width, "height", G_TYPE_INT, request_.height, "framerate",
+                                      width_.load(), "height", G_TYPE_INT, height_.load(), "framerate",
                                       GST_TYPE_FRACTION, static_cast<int>(request_.rateNumerator),
                                       static_cast<int>(request_.rateDenominator), nullptr);
-  pictureSink_ = addSink(pipeline_, caps);
-  if (!pictureSink_)
+  g_object_set(pictureFormat_, "caps", caps, nullptr);
+  gst_caps_unref(caps);
+}
+
+bool PageCapture::addPictureSink() {
+  pictureFormat_ = addElement(pipeline_, "capsfilter");
+  pictureSink_ = addSink(pipeline_, gst_caps_new_empty_simple("video/x-raw"));
+  if (!pictureFormat_ || !pictureSink_ || !gst_element_link(pictureFormat_, pictureSink_))
     return false;
+  applySize();
   GstAppSinkCallbacks callbacks = {};
   callbacks.new_sample = [](GstAppSink* sink, gpointer self) -> GstFlowReturn {
     if (GstSample* sample = gst_app_sink_pull_sample(sink)) {
@@ -102,7 +112,7 @@ bool PageCapture::addPictureSink() {
     return GST_FLOW_OK;
   };
   gst_app_sink_set_callbacks(GST_APP_SINK(pictureSink_), &callbacks, this, nullptr);
-  return gst_element_link_pads(page_, "video", pictureSink_, "sink");
+  return gst_element_link_pads(page_, "video", pictureFormat_, "sink");
 }
 
 void PageCapture::addSound(GstPad* pad) {
@@ -197,10 +207,24 @@ QString PageCapture::run() {
   if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
     return QStringLiteral("page does not start");
   takesInput_ = true;
+  // Another size may have been asked for before.
+  applySize();
   return waitForEnd();
 }
 
+void PageCapture::onResize(const ResizeMessage& size) {
+  if (size.width < 2 || size.width > kPageSideMax || size.height < 2 || size.height > kPageSideMax)
+    return;
+  width_ = size.width;
+  height_ = size.height;
+  sender_.forgetLast();
+  if (takesInput_)
+    applySize();
+}
+
 void PageCapture::onInput(const CapturePacket& packet) {
+  if (const auto size = packet.head<ResizeMessage>(); size && packet.kind == CaptureMessage::Resize)
+    return onResize(*size);
   if (!takesInput_)
     return;
   GstEvent* event = nullptr;

@@ -22,6 +22,8 @@ class PageCapture final : public Capture {
  private:
   bool build();
   bool addPictureSink();
+  void applySize();
+  void onResize(const ResizeMessage& size);
   void addSound(GstPad* pad);
   void onPicture(GstSample* sample);
   void onSound(const void* stream, GstSample* sample);
@@ -31,9 +33,13 @@ class PageCapture final : public Capture {
 
   const CaptureRequest request_;
   PictureSender& sender_;
+  // Of the page, in pixels.
+  std::atomic<std::int32_t> width_;
+  std::atomic<std::int32_t> height_;
   SoundMix sound_;
   GstElement* pipeline_ = nullptr;
   GstElement* page_ = nullptr;
+  GstElement* pictureFormat_ = nullptr;
   GstElement* pictureSink_ = nullptr;
   /// The operator's input can come before the page is there.
   std::atomic<bool> takesInput_{false};

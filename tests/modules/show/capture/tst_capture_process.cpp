@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "CaptureRig.h"
+#include "CaptureShelf.h"
 #include "support/VirtualDisplay.h"
 
 using namespace korvia;
@@ -128,6 +129,100 @@ class tst_capture_process : public QObject {
     const CaptureRig rig(request);
     QCOMPARE(rig.waitForEnd(), QStringLiteral("too much memory was used"));
     QVERIFY(isGone(rig.processId()));
+  }
+
+  void memoryIsLimitedWhenTheProgramHangs() {
+    CaptureRequest request = screenRequest();
+    request.mostMemoryBytes = 1;
+    const CaptureRig rig(request);
+    // Before its own guard looks for the first time.
+    QVERIFY(QTest::qWaitFor([&] { return !sessionOf(rig.processId()).isEmpty(); }, kWaitMs));
+    ::kill(rig.processId(), SIGSTOP);
+    QCOMPARE(rig.waitForEnd(), QStringLiteral("capture program does not keep its memory limit"));
+    QVERIFY(isGone(rig.processId()));
+  }
+
+  void anotherListenerTakesOver() {
+    CaptureRig rig(screenRequest());
+    QVERIFY(rig.waitForPictures(3));
+    class Counter final : public CaptureListener {
+     public:
+      void onCapturePicture(const CapturePicture&) override { ++calls; }
+      void onCaptureRepeat(std::int64_t) override { ++calls; }
+      void onCaptureSound(const float*, int, std::int64_t) override {}
+      void onCaptureEnded(const QString&) override { ended = true; }
+      std::atomic<int> calls{0};
+      std::atomic<bool> ended{false};
+    } counter;
+    QVERIFY(rig.process().setListener(&counter));
+    const int before = rig.pictures() + rig.repeats();
+    QTRY_VERIFY(counter.calls > 3);
+    QCOMPARE(rig.pictures() + rig.repeats(), before);
+    ::kill(rig.processId(), SIGKILL);
+    QTRY_VERIFY(counter.ended);
+    QVERIFY(!rig.process().setListener(nullptr));
+  }
+
+  void aRunIsTakenByTheSameRequestOnly() {
+    class Nobody final : public CaptureListener {
+      void onCapturePicture(const CapturePicture&) override {}
+      void onCaptureSound(const float*, int, std::int64_t) override {}
+      void onCaptureEnded(const QString&) override {}
+    } nobody;
+    CaptureShelf shelf;
+    const CaptureRequest request = pageRequest();
+    const auto start = [&nobody](const CaptureRequest& wanted) {
+      auto process = std::make_unique<CaptureProcess>(nobody);
+      QString reason;
+      if (!process->start(wanted, reason))
+        qWarning("%s", qPrintable(reason));
+      process->setListener(nullptr);
+      return process;
+    };
+    shelf.offer(start(request), request);
+    CaptureRequest other = request;
+    other.address = QStringLiteral("about:other");
+    QVERIFY(!shelf.take(other, nobody));
+    other = request;
+    other.rateNumerator = 50;
+    QVERIFY(!shelf.take(other, nobody));
+    other = request;
+    other.width = 128;
+    const auto taken = shelf.take(other, nobody);
+    QVERIFY(taken);
+    QVERIFY(!shelf.take(request, nobody));
+    // What has died on the shelf is of no use.
+    auto dying = start(request);
+    const auto process = static_cast<pid_t>(dying->processId());
+    shelf.offer(std::move(dying), request);
+    ::kill(process, SIGKILL);
+    QVERIFY(isGone(process));
+    QTRY_VERIFY(!shelf.take(request, nobody));
+  }
+
+  void aRunThatNobodyTakesEnds() {
+    class Nobody final : public CaptureListener {
+      void onCapturePicture(const CapturePicture&) override {}
+      void onCaptureSound(const float*, int, std::int64_t) override {}
+      void onCaptureEnded(const QString&) override {}
+    } nobody;
+    CaptureShelf shelf;
+    pid_t processes[2] = {};
+    for (pid_t& process : processes) {
+      auto run = std::make_unique<CaptureProcess>(nobody);
+      QString reason;
+      QVERIFY(run->start(screenRequest(), reason));
+      run->setListener(nullptr);
+      process = static_cast<pid_t>(run->processId());
+      if (&process == &processes[0])
+        shelf.offer(std::move(run), screenRequest());
+      else
+        shelf.end(std::move(run));
+    }
+    QVERIFY(isGone(processes[1]));
+    QVERIFY(!sessionOf(processes[0]).isEmpty());
+    QTest::qWait(static_cast<int>(std::chrono::milliseconds(CaptureShelf::kPatience).count()));
+    QVERIFY(isGone(processes[0]));
   }
 
   void environmentIsClean_data() {

@@ -110,6 +110,21 @@ class tst_page_capture : public QObject {
     QVERIFY(rig.waitForPixel({10, 10}, qRgba(255, 255, 255, 255)));
   }
 
+  void anotherSizeKeepsThePage() {
+    CaptureRig rig(pageRequest(file(document("onclick = good;"))));
+    QVERIFY(rig.waitForPixel({10, 10}, qRgba(0, 0, 255, 255)));
+    rig.process().sendMouseButton(100, 50, 1, CaptureProcess::Press::Down);
+    rig.process().sendMouseButton(100, 50, 1, CaptureProcess::Press::Up);
+    QVERIFY(rig.waitForPixel({10, 10}, kGreen));
+    rig.process().resize(640, 360);
+    QVERIFY(QTest::qWaitFor([&] { return rig.picture().size() == QSize(640, 360); }, kWaitMs));
+    QVERIFY(rig.waitForPixel({600, 300}, kGreen));
+    // Without a change of the size the picture is told whole too.
+    const int pictures = rig.pictures();
+    rig.process().resize(640, 360);
+    QVERIFY(rig.waitForPictures(pictures + 1));
+  }
+
   void anotherPageIsLoaded() {
     CaptureRig rig(pageRequest(file(document(""))));
     QVERIFY(rig.waitForPixel({10, 10}, qRgba(0, 0, 255, 255)));

@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include "KorviaShowPageView.h"
+#include "modules/show/engine/source/SourceRig.h"
 
 namespace {
 
@@ -24,8 +25,8 @@ class PageServer {
   PageServer() {
     QObject::connect(&server_, &QTcpServer::newConnection, [this] {
       QTcpSocket* socket = server_.nextPendingConnection();
-      QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket] {
-        socket->readAll();
+      QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
+        visits_ += socket->readAll().startsWith("GET / ") ? 1 : 0;
         socket->write(
             "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nConnection: "
             "close\r\nContent-Length: " +
@@ -37,9 +38,12 @@ class PageServer {
   }
   bool listen() { return server_.listen(QHostAddress::LocalHost); }
   QString url() const { return QStringLiteral("http://127.0.0.1:%1/").arg(server_.serverPort()); }
+  /// How often the page was fetched.
+  int visits() const { return visits_; }
 
  private:
   QTcpServer server_;
+  int visits_ = 0;
 };
 
 }  // namespace
@@ -102,6 +106,48 @@ class PageViewTest : public QObject {
     QVERIFY(shows(view, 0xc00000));
     view.setFixedSize(400, 200);
     QTRY_COMPARE_WITH_TIMEOUT(view.picture().size(), QSize(400, 200), kPatienceMs);
+  }
+
+  // A page that the operator has worked on goes on air as it stands.
+  void aSourceTakesThePageOver() {
+    PageServer server;
+    QVERIFY(server.listen());
+    auto view = std::make_unique<KorviaShowPageView>();
+    view->setFixedSize(320, 180);
+    view->load(server.url());
+    QVERIFY(shows(*view, 0xc00000));
+    QTest::mouseClick(view.get(), Qt::LeftButton, Qt::NoModifier, QPoint(200, 20));
+    QVERIFY(shows(*view, 0x00c000));
+    view->handOver();
+    QVERIFY(view->picture().isNull());
+    view.reset();
+
+    tagKorviaShowSourceInfo info;
+    info.kind = SourceKindWeb;
+    info.webUrl = server.url();
+    tagKorviaFormatInfo format;
+    format.video.secondWidth = 640;
+    format.video.secondHeight = 360;
+    const auto isShown = [](korvia::test::SourceRig& rig, const QVector<int>& codes) {
+      return rig.tickUntil(
+          [&] {
+            QCoreApplication::processEvents();  // the server's
+            return korvia::test::isNear(korvia::test::codesAt(rig.last(), 160, 90), codes, 4);
+          },
+          kPatienceMs / 1000.0);
+    };
+    // Limited range of BT.709.
+    const QVector<int> red{51, 109, 212};
+    const QVector<int> green{134, 63, 51};
+    korvia::test::SourceRig rig;
+    rig.open(info, format);
+    QVERIFY(isShown(rig, green));
+    QCOMPARE(server.visits(), 1);
+    // Another source of this page begins anew.
+    korvia::test::SourceRig second;
+    second.open(info, format);
+    QVERIFY(isShown(second, red));
+    QCOMPARE(server.visits(), 2);
   }
 
   void aPageThatIsNotThereIsSaid() {

@@ -2,6 +2,7 @@
 
 #include <gst/video/video.h>
 
+#include "CaptureShelf.h"
 #include "engine/source/GstInit.h"
 
 namespace korvia {
@@ -41,6 +42,10 @@ bool CaptureInput::start(QString& reason) {
     reason = QStringLiteral("gstreamer does not start");
     return false;
   }
+  // A page that the operator has logged in to goes on as it stands.
+  process_ = CaptureShelf::instance().take(request_, *this);
+  if (process_)
+    return true;
   process_ = std::make_unique<CaptureProcess>(static_cast<CaptureListener&>(*this));
   return process_->start(request_, reason);
 }
