@@ -13,6 +13,9 @@ namespace {
 
 constexpr qint64 kMegabyte = 1024 * 1024;
 constexpr qint64 kPageMemoryBytes = 1536 * kMegabyte;
+// The sounds of a page wait for each other and come in blocks, up to 80 ms after their pictures, and the show
+// takes them in blocks of a frame.
+constexpr std::int64_t kPageLatencyNs = 160'000'000;
 
 CaptureRequest requestOf(const SourceContext& context, CaptureKind kind) {
   CaptureRequest request;
@@ -27,6 +30,8 @@ std::shared_ptr<Source> makeSource(const SourceContext& context, const tagKorvia
                                    const QString& description) {
   LiveSettings settings;
   settings.description = description;
+  if (request.kind == CaptureKind::Page)
+    settings.latencyNs = kPageLatencyNs;
   return std::make_shared<LiveSource>(context, info, format, settings,
                                       [request, size = context.renderSize](LiveReceiver& receiver) {
                                         return std::make_unique<CaptureInput>(request, size, receiver);
