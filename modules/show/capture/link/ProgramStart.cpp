@@ -56,7 +56,9 @@ QList<QByteArray> environmentOf(CaptureKind kind, const QByteArray& folder) {
     environment << "LIBGL_ALWAYS_SOFTWARE=1"
                 << "GSETTINGS_BACKEND=memory"
                 << "GIO_USE_VFS=local"
-                << "GST_REGISTRY_UPDATE=no";
+                << "GST_REGISTRY_UPDATE=no"
+                // Media of servers are kept in a file, which is /var/tmp otherwise.
+                << "WPE_SHELL_MEDIA_DISK_CACHE_PATH=" + folder;
     if (const QByteArray registry = pluginRegistry(); QFileInfo::exists(QFile::decodeName(registry)))
       environment << QByteArray(kCaptureRegistryVariable) + '=' + registry;
   } else {

@@ -32,18 +32,21 @@ QByteArray document(const QByteArray& script) {
          script + "</script></body>";
 }
 
-/// Answers every request with the same document.
+/// Answers every request with the same document, those of "tone.wav" with a tone.
 class OnePageServer {
  public:
-  explicit OnePageServer(const QByteArray& page) {
+  explicit OnePageServer(const QByteArray& page, const QByteArray& tone = {}) {
     server_.listen(QHostAddress::LocalHost);
-    QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this, page] {
+    QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this, page, tone] {
       QTcpSocket* socket = server_.nextPendingConnection();
-      QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket, page] {
-        if (!socket->readAll().contains("\r\n\r\n"))
+      QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket, page, tone] {
+        const QByteArray request = socket->readAll();
+        if (!request.contains("\r\n\r\n"))
           return;
-        socket->write("HTTP/1.0 200 OK\r\nContent-Type: text/html\r\nContent-Length: " +
-                      QByteArray::number(page.size()) + "\r\n\r\n" + page);
+        const bool isTone = request.startsWith("GET /tone.wav ");
+        const QByteArray& content = isTone ? tone : page;
+        socket->write(QByteArray("HTTP/1.0 200 OK\r\nContent-Type: ") + (isTone ? "audio/wav" : "text/html") +
+                      "\r\nContent-Length: " + QByteArray::number(content.size()) + "\r\n\r\n" + content);
         socket->disconnectFromHost();
       });
     });
@@ -92,6 +95,17 @@ class tst_page_capture : public QObject {
     const QString folder = folder_.path();
     writeTone(folder + QStringLiteral("/tone.wav"));
     const CaptureRig rig(pageRequest(file("<!doctype html><audio autoplay loop src='tone.wav'></audio>")));
+    QVERIFY(QTest::qWaitFor([&] { return rig.samples() > 24000; }, kWaitMs));
+    QVERIFY(std::abs(rig.peak() - 0.5F) < 0.05F);
+  }
+
+  void soundOfAServerComes() {
+    const QString name = folder_.filePath(QStringLiteral("tone.wav"));
+    writeTone(name);
+    QFile tone(name);
+    QVERIFY(tone.open(QIODevice::ReadOnly));
+    const OnePageServer server("<!doctype html><audio autoplay loop src='tone.wav'></audio>", tone.readAll());
+    const CaptureRig rig(pageRequest(server.address()));
     QVERIFY(QTest::qWaitFor([&] { return rig.samples() > 24000; }, kWaitMs));
     QVERIFY(std::abs(rig.peak() - 0.5F) < 0.05F);
   }
