@@ -36,6 +36,11 @@ struct CaptureRequest {
   static std::optional<CaptureKind> kindNamed(const QString& name);
 };
 
+/// Why a capture ends when its window is gone. The number of a window that was closed is given to another
+/// one, so it may not be asked for again.
+inline constexpr const char* kWindowWasClosed = "window was closed";
+inline constexpr const char* kWindowIsNotOpen = "window is not open";
+
 /// The longest side of a page, in pixels.
 inline constexpr int kPageSideMax = 4096;
 

@@ -52,7 +52,7 @@ QString WindowCapture::run() {
     return QStringLiteral("x display has no pixels of 32 bits");
   const xcb_window_t window = windowOf(desktop, request_);
   if (window == XCB_NONE)
-    return QStringLiteral("window is not open");
+    return QLatin1String(kWindowIsNotOpen);
   WindowPixmap pixmap(desktop, window);
   if (!pixmap.isKeptApart())
     return QStringLiteral("window cannot be captured");
@@ -68,7 +68,7 @@ QString WindowCapture::run() {
     if (!desktop.isOpen())
       return QStringLiteral("x display is gone");
     if (pixmap.isClosed())
-      return QStringLiteral("window was closed");
+      return QLatin1String(kWindowWasClosed);
   }
 }
 

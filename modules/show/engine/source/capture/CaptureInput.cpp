@@ -25,8 +25,10 @@ GstBuffer* wrapped(const CapturePicture& picture) {
 
 }  // namespace
 
-CaptureInput::CaptureInput(const CaptureRequest& request, FrameSize renderSize, LiveReceiver& receiver)
+CaptureInput::CaptureInput(const CaptureRequest& request, FrameSize renderSize,
+                           std::shared_ptr<std::atomic<bool>> windowIsGone, LiveReceiver& receiver)
     : request_(request),
+      windowIsGone_(std::move(windowIsGone)),
       receiver_(receiver),
       opaqueMaker_(renderSize),
       alphaMaker_(renderSize, ComingAlpha::Premultiplied) {}
@@ -96,6 +98,8 @@ void CaptureInput::onCaptureSound(const float* samples, int frames, std::int64_t
 }
 
 void CaptureInput::onCaptureEnded(const QString& reason) {
+  if (reason == QLatin1String(kWindowWasClosed) || reason == QLatin1String(kWindowIsNotOpen))
+    *windowIsGone_ = true;
   receiver_.onLost(reason);
 }
 

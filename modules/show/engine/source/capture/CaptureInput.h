@@ -3,6 +3,8 @@
 #pragma once
 #include <gst/gst.h>
 
+#include <atomic>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -14,7 +16,9 @@ namespace korvia {
 
 class CaptureInput final : public LiveInput, private CaptureListener {
  public:
-  CaptureInput(const CaptureRequest& request, FrameSize renderSize, LiveReceiver& receiver);
+  /// `windowIsGone` becomes true when the window of the request has been closed.
+  CaptureInput(const CaptureRequest& request, FrameSize renderSize,
+               std::shared_ptr<std::atomic<bool>> windowIsGone, LiveReceiver& receiver);
   ~CaptureInput() override;
 
   bool start(QString& reason) override;
@@ -37,6 +41,7 @@ class CaptureInput final : public LiveInput, private CaptureListener {
   void adaptTo(const Format& format);
 
   const CaptureRequest request_;
+  const std::shared_ptr<std::atomic<bool>> windowIsGone_;
   LiveReceiver& receiver_;
   // The thread of the process.
   VideoFrameMaker opaqueMaker_;

@@ -30,12 +30,18 @@ std::shared_ptr<Source> makeSource(const SourceContext& context, const tagKorvia
                                    const QString& description) {
   LiveSettings settings;
   settings.description = description;
+  const auto windowIsGone = std::make_shared<std::atomic<bool>>(false);
   if (request.kind == CaptureKind::Page)
     settings.latencyNs = kPageLatencyNs;
-  return std::make_shared<LiveSource>(context, info, format, settings,
-                                      [request, size = context.renderSize](LiveReceiver& receiver) {
-                                        return std::make_unique<CaptureInput>(request, size, receiver);
-                                      });
+  return std::make_shared<LiveSource>(
+      context, info, format, settings,
+      [request, size = context.renderSize, windowIsGone](LiveReceiver& receiver) {
+        CaptureRequest wanted = request;
+        // Another window may have its number, and may not belong on air.
+        if (*windowIsGone)
+          wanted.windowId.clear();
+        return std::make_unique<CaptureInput>(wanted, size, windowIsGone, receiver);
+      });
 }
 
 /// A whole, even side of a page.

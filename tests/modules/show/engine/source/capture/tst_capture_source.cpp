@@ -109,6 +109,21 @@ class tst_capture_source : public QObject {
     QVERIFY(showsAt(rig, 160, 90, kGreenCodes));
   }
 
+  void aWindowWithTheNumberOfAClosedOneIsNotShown() {
+    auto window = std::make_unique<PaintedWindow>(QRect{0, 0, 320, 180}, kBlue, "title", "Program");
+    const QString number = window->id();
+    SourceRig rig;
+    rig.open(windowInfo(*window));
+    QVERIFY(showsAt(rig, 160, 90, kBlueCodes));
+    window.reset();
+    QVERIFY(rig.tickUntil([&] { return rig->getPlayState() == int(Error); }, kSeconds));
+    window = std::make_unique<PaintedWindow>(QRect{0, 0, 320, 180}, kGreen, "private", "Program");
+    QCOMPARE(window->id(), number);  // the server gives it to the next client
+    QVERIFY(!rig.tickUntil([&] { return isNear(codesAt(rig.last(), 160, 90), kGreenCodes, kTolerance); }, 3));
+    const PaintedWindow again({0, 0, 320, 180}, kGreen, "title", "Program");
+    QVERIFY(showsAt(rig, 160, 90, kGreenCodes));
+  }
+
   void deadDisplayIsTold() {
     SourceRig rig;
     tagKorviaShowSourceInfo info;
