@@ -16,6 +16,8 @@ constexpr qint64 kPageMemoryBytes = 1536 * kMegabyte;
 // The sounds of a page wait for each other and come in blocks, up to 80 ms after their pictures, and the show
 // takes them in blocks of a frame.
 constexpr std::int64_t kPageLatencyNs = 160'000'000;
+// The web engine needs half a second of a core to start, which a page that cannot be loaded takes each time.
+constexpr std::int64_t kMostPageWaitNs = 10'000'000'000;
 
 CaptureRequest requestOf(const SourceContext& context, CaptureKind kind) {
   CaptureRequest request;
@@ -31,8 +33,10 @@ std::shared_ptr<Source> makeSource(const SourceContext& context, const tagKorvia
   LiveSettings settings;
   settings.description = description;
   const auto windowIsGone = std::make_shared<std::atomic<bool>>(false);
-  if (request.kind == CaptureKind::Page)
+  if (request.kind == CaptureKind::Page) {
     settings.latencyNs = kPageLatencyNs;
+    settings.mostWaitNs = kMostPageWaitNs;
+  }
   return std::make_shared<LiveSource>(
       context, info, format, settings,
       [request, size = context.renderSize, windowIsGone](LiveReceiver& receiver) {

@@ -56,6 +56,10 @@ struct LiveSettings {
   /// The longest wait before an input that was lost is opened again. The first wait is short, each failure
   /// makes the next one longer by half.
   std::int64_t mostWaitNs = 1'000'000'000;
+  /// What the input adds to the latency of the clock, for the figures.
+  std::int64_t inputLatencyNs = 0;
+  /// Why no input can ever be opened, so that none is tried; empty when one can.
+  QString neverOpens;
 };
 
 }  // namespace korvia

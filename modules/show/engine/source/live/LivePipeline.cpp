@@ -35,6 +35,14 @@ bool mayLogDetail() {
   return nowNs >= dueNs && nextNs.compare_exchange_strong(dueNs, nowNs + kQuietNs);
 }
 
+/// Readers tell nothing of use when they cannot connect.
+QString reasonOf(const GError& error) {
+  if (g_error_matches(&error, GST_STREAM_ERROR, GST_STREAM_ERROR_FAILED) ||
+      g_error_matches(&error, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_OPEN_READ_WRITE))
+    return QStringLiteral("the server cannot be reached, or sends no stream");
+  return maskSecrets(QString::fromUtf8(error.message)).toLower();
+}
+
 void addStamps(const GstSegment* segment, GstBuffer* buffer, std::vector<CodedHold::Stamps>& stamps) {
   const auto decodingNs = runningTimeNs(segment, GST_BUFFER_DTS(buffer));
   const auto presentationNs = runningTimeNs(segment, GST_BUFFER_PTS(buffer));
@@ -261,7 +269,7 @@ void LivePipeline::onError(GstMessage* message) {
   gst_message_parse_error(message, &error, &detail);
   if (mayLogDetail())
     qCDebug(logSource, "gstreamer : %s", qUtf8Printable(maskSecrets(QString::fromUtf8(detail))));
-  lose(maskSecrets(QString::fromUtf8(error->message)).toLower());
+  lose(reasonOf(*error));
   g_clear_error(&error);
   g_free(detail);
 }

@@ -39,8 +39,9 @@ SourceFigures LiveSource::figures() {
 
 void LiveSource::getState(tagKorviaSourceLinkState& state) {
   const auto playState = static_cast<KorviaShowPlayState>(getPlayState());
-  // An input that is being opened may need longer than the watchdog waits.
-  const bool opens = transport_->isConnecting();
+  // An input that is being opened may need longer than the watchdog waits, and one that never opens gains
+  // nothing by it.
+  const bool opens = transport_->isConnecting() || transport_->neverOpens();
   state.rate = linkRate(opens ? Opening : playState, transport_->receivedRate(), transport_->nominalRate());
   state.reason = playState == Error ? transport_->failureReason() : QString();
   state.pictureDuration = transport_->pictureDurationNs() / kTenthMsNs;

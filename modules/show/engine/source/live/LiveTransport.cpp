@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <utility>
 
 #include "engine/EngineLog.h"
@@ -12,6 +13,8 @@
 namespace korvia {
 
 namespace {
+
+constexpr const char* kNothingComes = "nothing comes any more";
 
 // A queue holds what waits for the latency to pass, and what came in a burst.
 constexpr std::int64_t kBurstNs = 1'000'000'000;
@@ -26,6 +29,10 @@ constexpr std::chrono::milliseconds kClosePatience{3000};
 constexpr int kMostLeftBehind = 3;
 // A source that delivers for a shorter time than this comes and goes, which is logged once.
 constexpr std::int64_t kSteadyNs = 10'000'000'000;
+// A connection that delivers for a shorter time than this does not shorten the wait before the next one.
+constexpr std::int64_t kUsefulNs = 2'000'000'000;
+// A source that the operator or the watchdog stops had been lost, when it was silent for this time.
+constexpr std::int64_t kLostNs = 2'000'000'000;
 
 VideoQueue::Live limitsFor(std::int64_t latencyNs) {
   VideoQueue::Live limits;
@@ -172,7 +179,7 @@ void LiveTransport::fill(SourceFigures& figures) const {
   figures.samplesPerSecond = samplesPerSecond();
   figures.live.isLive = true;
   figures.live.driftPpm = clock.driftPpm;
-  figures.live.latencyMs = static_cast<double>(queue.latencyNs) * 1e-6;
+  figures.live.latencyMs = static_cast<double>(queue.latencyNs + settings_.inputLatencyNs) * 1e-6;
   figures.live.stampJumps = clock.reanchors;
   figures.live.missedFrames = queue.missed;
   figures.live.connections = connections_;
@@ -186,9 +193,13 @@ void LiveTransport::run() {
       settle();
     if (connection_) {
       if (const auto reason = reasonToClose()) {
+        const bool wasSilent =
+            connection_->hasDelivered() && connection_->silentNs(LiveConnection::nowNs()) > kLostNs;
         disconnect();
         if (!reason->isEmpty())
           noteFailure(*reason);
+        else if (wasSilent)
+          logFailure(QString::fromLatin1(kNothingComes));
         continue;
       }
     } else {
@@ -209,7 +220,7 @@ std::optional<QString> LiveTransport::reasonToClose() const {
     return connection_->reason();
   const std::int64_t silentNs = connection_->silentNs(LiveConnection::nowNs());
   if (connection_->hasDelivered() && settings_.silenceNs > 0 && silentNs > settings_.silenceNs)
-    return QStringLiteral("nothing comes any more");
+    return QString::fromLatin1(kNothingComes);
   if (!connection_->hasDelivered() && settings_.openingNs > 0 && silentNs > settings_.openingNs)
     return QStringLiteral("nothing has come");
   return std::nullopt;
@@ -231,9 +242,15 @@ void LiveTransport::connect() {
       nextTryNs_ = waitNs_ = 0;
     if (LiveConnection::nowNs() < nextTryNs_)
       return;
-    if (state_ == Stopped)
+    // After a failure it stays an error until a picture comes.
+    if (state_ != Error)
       state_ = Opening;
     tooManyLeft = closingInputs_ >= kMostLeftBehind;
+  }
+  if (neverOpens()) {
+    noteFailure(settings_.neverOpens);
+    nextTryNs_ = std::numeric_limits<std::int64_t>::max();
+    return;
   }
   if (tooManyLeft) {
     noteFailure(QStringLiteral("earlier connections do not close"));
@@ -270,7 +287,6 @@ void LiveTransport::settle() {
     }
     return;
   }
-  waitNs_ = 0;
   ++connections_;
   deliversSinceNs_ = LiveConnection::nowNs();
   if (!std::exchange(loggedReason_, QString()).isEmpty() && !unsteady_)
@@ -278,7 +294,8 @@ void LiveTransport::settle() {
 }
 
 bool LiveTransport::isSteady() const {
-  return deliversSinceNs_ == 0 || LiveConnection::nowNs() - deliversSinceNs_ > kSteadyNs;
+  // The first connection may be a short one.
+  return connections_ <= 1 || LiveConnection::nowNs() - deliversSinceNs_ > kSteadyNs;
 }
 
 void LiveTransport::logFailure(const QString& reason) {
@@ -324,6 +341,8 @@ void LiveTransport::disconnect() {
 }
 
 void LiveTransport::noteFailure(const QString& reason) {
+  if (settled_ && LiveConnection::nowNs() - deliversSinceNs_ > kUsefulNs)
+    waitNs_ = 0;
   waitNs_ = waitNs_ == 0 ? kFirstWaitNs : std::min(waitNs_ * 3 / 2, settings_.mostWaitNs);
   nextTryNs_ = LiveConnection::nowNs() + waitNs_;
   {

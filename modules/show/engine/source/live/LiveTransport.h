@@ -39,6 +39,7 @@ class LiveTransport : public LiveSink, public std::enable_shared_from_this<LiveT
   KorviaShowPlayState state() const { return state_; }
   /// Whether an input is open that has not delivered yet.
   bool isConnecting() const { return connecting_; }
+  bool neverOpens() const { return !settings_.neverOpens.isEmpty(); }
   /// Why the state is Error; empty in other states.
   QString failureReason() const;
   float nominalRate() const { return 1e9F / static_cast<float>(context_.rate.nsOf(1)); }

@@ -119,6 +119,7 @@ std::optional<StreamAddress> StreamAddress::fromUrl(const QString& text, int cac
     // Half for what the protocol sends again, and half for the jitter of what it then delivers.
     elementNs /= 2;
     address.latencyNs = std::max(cacheNs - elementNs, kLeastLatencyNs);
+    address.elementLatencyNs = elementNs;
   }
   address.silenceNs = scheme->silenceMs * kMsNs;
   if (scheme->timeout)

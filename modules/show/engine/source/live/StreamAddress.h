@@ -16,6 +16,8 @@ struct StreamAddress {
   QList<QPair<QByteArray, QByteArray>> properties;
   /// The latency of the source's clock. Less than the cache where the protocol keeps the data itself.
   std::int64_t latencyNs = 0;
+  /// How long the element itself keeps the data for their jitter.
+  std::int64_t elementLatencyNs = 0;
   /// Nothing for this time means that the connection is lost.
   std::int64_t silenceNs = 0;
   /// Whether the element finds the streams itself and gives a pad for each.

@@ -17,31 +17,21 @@ namespace {
 // What the way from a publisher over the network to this machine's server jitters by.
 constexpr int kIncomeCacheMs = 300;
 
-/// An input for an address that cannot be received.
-class WrongAddress final : public LiveInput {
- public:
-  bool start(QString& reason) override {
-    reason = QStringLiteral("address cannot be received");
-    return false;
-  }
-};
-
-std::unique_ptr<LiveInput> makeInput(const std::optional<StreamAddress>& address, FrameSize size,
-                                     LiveReceiver& receiver) {
-  if (!address)
-    return std::make_unique<WrongAddress>();
-  return std::make_unique<StreamInput>(*address, size, receiver);
-}
+// A wrong address may be of any length, and stands in the log.
+constexpr int kMostNameLength = 200;
 
 LiveSettings settingsFor(const std::optional<StreamAddress>& address, const QString& description) {
   LiveSettings settings;
-  settings.description = description;
-  if (address) {
-    settings.latencyNs = address->latencyNs;
-    settings.silenceNs = address->silenceNs;
-    if (address->onlyListens)
-      settings.openingNs = 0;
+  settings.description = description.left(kMostNameLength);
+  if (!address) {
+    settings.neverOpens = QStringLiteral("address cannot be received");
+    return settings;
   }
+  settings.latencyNs = address->latencyNs;
+  settings.inputLatencyNs = address->elementLatencyNs;
+  settings.silenceNs = address->silenceNs;
+  if (address->onlyListens)
+    settings.openingNs = 0;
   return settings;
 }
 
@@ -65,7 +55,7 @@ std::shared_ptr<Source> makeUrlSource(const SourceContext& context, const tagKor
       context, info, format, settingsFor(address, maskSecrets(info.url)),
       // Made anew each time, because the interfaces of the machine may have changed.
       [url = info.url, cacheMs = info.urlCache, size](LiveReceiver& receiver) {
-        return makeInput(StreamAddress::fromUrl(url, cacheMs), size, receiver);
+        return std::make_unique<StreamInput>(*StreamAddress::fromUrl(url, cacheMs), size, receiver);
       });
 }
 
@@ -77,7 +67,9 @@ std::shared_ptr<Source> makeIncomeSource(const SourceContext& context, const tag
   const FrameSize size = context.renderSize;
   return std::make_shared<LiveSource>(
       context, info, format, settingsFor(makeAddress(), info.incomePath.section(QLatin1Char('?'), 0, 0)),
-      [makeAddress, size](LiveReceiver& receiver) { return makeInput(makeAddress(), size, receiver); });
+      [makeAddress, size](LiveReceiver& receiver) {
+        return std::make_unique<StreamInput>(*makeAddress(), size, receiver);
+      });
 }
 
 }  // namespace korvia
