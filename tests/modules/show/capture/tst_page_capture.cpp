@@ -170,6 +170,7 @@ class tst_page_capture : public QObject {
       for (int i = 0; i < 10000; ++i)
         process.sendMouseMove(1, 1);
     }
+    // The console gives the memory back to a program that does not read; more time than that takes.
     QTest::qWait(200);
     const int before = gate.pictures;
     ::kill(program, SIGCONT);
