@@ -124,8 +124,11 @@ class PageViewTest : public QObject {
     // Another load of the same page begins anew.
     view.load(server.url());
     QVERIFY(shows(view, 0xc00000));
+    // Another size is not another load.
+    const int visits = server.visits();
     view.setFixedSize(400, 200);
     QTRY_COMPARE_WITH_TIMEOUT(view.picture().size(), QSize(400, 200), kPatienceMs);
+    QCOMPARE(server.visits(), visits);
   }
 
   // A page that the operator has worked on goes on air as it stands.
