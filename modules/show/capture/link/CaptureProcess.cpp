@@ -265,8 +265,9 @@ void CaptureProcess::sendReleases() {
 }
 
 bool CaptureProcess::isTooLarge() const {
-  // Memory that its processes share is counted for each of them here.
-  return mostMemoryBytes_ > 0 && sessionResidentBytes(process_) > 2 * mostMemoryBytes_;
+  const qint64 most = mostMemoryBytes_ + mostMemoryBytes_ / 4;
+  // What lies in memory is quick to ask for, and counts what the processes share for each of them.
+  return most > 0 && sessionResidentBytes(process_) > most && sessionMemoryBytes(process_) > most;
 }
 
 bool CaptureProcess::takeSound(const CapturePacket& packet) {

@@ -33,7 +33,7 @@ CaptureShelf::~CaptureShelf() {
 
 void CaptureShelf::offer(std::unique_ptr<CaptureProcess> process, const CaptureRequest& request) {
   if (process)
-    put({std::move(process), request, Clock::now() + kPatience});
+    put({std::move(process), request, Clock::now() + patience_});
 }
 
 void CaptureShelf::end(std::unique_ptr<CaptureProcess> process) {

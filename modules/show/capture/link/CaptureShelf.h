@@ -14,12 +14,12 @@ namespace korvia {
 
 class CaptureShelf {
  public:
-  /// How long a run waits to be taken.
+  /// How long a run waits to be taken, if the constructor is not told otherwise.
   static constexpr std::chrono::seconds kPatience{10};
 
   /// The one of this process. It ends what it has when the application object goes.
   static CaptureShelf& instance();
-  CaptureShelf() = default;
+  explicit CaptureShelf(std::chrono::milliseconds patience = kPatience) : patience_(patience) {}
   ~CaptureShelf();
   CaptureShelf(const CaptureShelf&) = delete;
   CaptureShelf& operator=(const CaptureShelf&) = delete;
@@ -50,6 +50,7 @@ class CaptureShelf {
   /// Those whose time is up.
   std::vector<Offer> takeOverdue() REQUIRES(mutex_);
 
+  const std::chrono::milliseconds patience_;
   Mutex mutex_;
   ConditionVariable wake_;
   std::vector<Offer> offers_ GUARDED_BY(mutex_);  // a few, the oldest first

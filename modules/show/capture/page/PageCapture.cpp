@@ -39,7 +39,10 @@ void connectView(GstElement* page) {
     GObject* element = G_OBJECT(g_value_get_object(&item));
     if (g_signal_lookup("configure-web-view", G_OBJECT_TYPE(element)) != 0)
       g_signal_connect(element, "configure-web-view",
-                       G_CALLBACK(+[](GstElement*, GObject* view, gpointer) { sendSoundToPipeline(view); }),
+                       G_CALLBACK(+[](GstElement* source, GObject* view, gpointer) {
+                         sendSoundToPipeline(view);
+                         failWhenRefused(view, source);
+                       }),
                        nullptr);
     g_value_reset(&item);
   }
@@ -83,6 +86,7 @@ PageCapture::PageCapture(const CaptureRequest& request, PictureSender& sender)
       sender_(sender),
       width_(request.width),
       height_(request.height),
+      address_(request.address.toUtf8()),
       sound_([&sender](const float* samples, int frames, std::int64_t stampNs) {
         sender.sendSound(samples, frames, stampNs);
       }) {}
@@ -95,6 +99,14 @@ void PageCapture::applySize() {
                                       static_cast<int>(request_.rateDenominator), nullptr);
   g_object_set(pictureFormat_, "caps", caps, nullptr);
   gst_caps_unref(caps);
+}
+
+void PageCapture::applyAddress() {
+  const MutexLock lock(addressMutex_);
+  if (!isAddressNew_)
+    return;
+  isAddressNew_ = false;
+  g_object_set(page_, "location", address_.constData(), nullptr);
 }
 
 bool PageCapture::addPictureSink() {
@@ -143,7 +155,8 @@ bool PageCapture::build() {
   page_ = addElement(pipeline_, "wpesrc");
   if (!page_)
     return false;
-  g_object_set(page_, "location", request_.address.toUtf8().constData(), "draw-background", FALSE, nullptr);
+  g_object_set(page_, "draw-background", FALSE, nullptr);
+  applyAddress();
   connectView(page_);
   g_signal_connect(page_, "pad-added", G_CALLBACK(+[](GstElement*, GstPad* pad, gpointer self) {
                      if (g_str_has_prefix(GST_OBJECT_NAME(pad), "audio"))
@@ -207,8 +220,9 @@ QString PageCapture::run() {
   if (gst_element_set_state(pipeline_, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
     return QStringLiteral("page does not start");
   takesInput_ = true;
-  // Another size may have been asked for before.
+  // Another size or page may have been asked for before.
   applySize();
+  applyAddress();
   return waitForEnd();
 }
 
@@ -222,15 +236,25 @@ void PageCapture::onResize(const ResizeMessage& size) {
     applySize();
 }
 
+void PageCapture::onLoad(const QByteArray& address) {
+  {
+    const MutexLock lock(addressMutex_);
+    address_ = address;
+    isAddressNew_ = true;
+  }
+  if (takesInput_)
+    applyAddress();
+}
+
 void PageCapture::onInput(const CapturePacket& packet) {
   if (const auto size = packet.head<ResizeMessage>(); size && packet.kind == CaptureMessage::Resize)
     return onResize(*size);
+  if (packet.kind == CaptureMessage::Load)
+    return onLoad(packet.bytes);
   if (!takesInput_)
     return;
   GstEvent* event = nullptr;
-  if (packet.kind == CaptureMessage::Load) {
-    g_object_set(page_, "location", packet.bytes.constData(), nullptr);
-  } else if (packet.kind == CaptureMessage::Key) {
+  if (packet.kind == CaptureMessage::Key) {
     const auto key = packet.head<KeyMessage>();
     const QByteArray name = packet.after<KeyMessage>();
     if (key)

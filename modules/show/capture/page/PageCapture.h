@@ -8,6 +8,7 @@
 #include "Capture.h"
 #include "PictureSender.h"
 #include "SoundMix.h"
+#include "ThreadSafety.h"
 #include "link/CaptureRequest.h"
 
 namespace korvia {
@@ -24,6 +25,9 @@ class PageCapture final : public Capture {
   bool addPictureSink();
   void applySize();
   void onResize(const ResizeMessage& size);
+  /// Loads the address that was asked for last, once.
+  void applyAddress() EXCLUDES(addressMutex_);
+  void onLoad(const QByteArray& address) EXCLUDES(addressMutex_);
   void addSound(GstPad* pad);
   void onPicture(GstSample* sample);
   void onSound(const void* stream, GstSample* sample);
@@ -36,6 +40,9 @@ class PageCapture final : public Capture {
   // Of the page, in pixels.
   std::atomic<std::int32_t> width_;
   std::atomic<std::int32_t> height_;
+  Mutex addressMutex_;
+  QByteArray address_ GUARDED_BY(addressMutex_);
+  bool isAddressNew_ GUARDED_BY(addressMutex_) = true;
   SoundMix sound_;
   GstElement* pipeline_ = nullptr;
   GstElement* page_ = nullptr;

@@ -37,7 +37,29 @@ QByteArray extensionFolder() {
       QDir::cleanPath(file.absolutePath() + QStringLiteral("/../gst-plugins-bad/wpe-extension")));
 }
 
+// The web engine's numbers of the steps of a load.
+enum class LoadStep { Started, Redirected, Committed, Finished };
+
+// Whether the load that has begun is to show the empty page.
+constexpr const char* kWantsEmptyPage = "korvia-wants-empty-page";
+
+void onLoadStep(GObject* webView, int step, gpointer source) {
+  gchar* address = nullptr;
+  g_object_get(webView, "uri", &address, nullptr);
+  const bool isEmptyPage = g_str_has_prefix(address ? address : "", "about:");
+  g_free(address);
+  if (static_cast<LoadStep>(step) == LoadStep::Started)
+    g_object_set_data(webView, kWantsEmptyPage, GINT_TO_POINTER(isEmptyPage ? 1 : 0));
+  else if (static_cast<LoadStep>(step) == LoadStep::Committed && isEmptyPage &&
+           !g_object_get_data(webView, kWantsEmptyPage))
+    GST_ELEMENT_ERROR(GST_ELEMENT(source), RESOURCE, FAILED, (nullptr), ("Failed to load"));
+}
+
 }  // namespace
+
+void failWhenRefused(GObject* webView, GstElement* source) {
+  g_signal_connect(webView, "load-changed", G_CALLBACK(onLoadStep), source);
+}
 
 void sendSoundToPipeline(GObject* webView) {
   GObject* context = nullptr;

@@ -9,4 +9,9 @@ namespace korvia {
 /// engine's extension that does not exist, and the page would play on the machine's loudspeakers.
 void sendSoundToPipeline(GObject* webView);
 
+/// Makes the source of this view post an error when the web engine refuses an address, as it does for ports
+/// of other services. It tells nothing then, and shows an empty page in its place. The source outlives the
+/// view.
+void failWhenRefused(GObject* webView, GstElement* source);
+
 }  // namespace korvia

@@ -146,6 +146,51 @@ class tst_page_capture : public QObject {
     QVERIFY(rig.waitForPixel({10, 10}, kGreen));
   }
 
+  // It is the address that counts when a source takes the page over.
+  void anotherPageIsLoadedBeforeTheFirstOneRuns() {
+    const QString first = file(document(""));
+    CaptureRig rig(pageRequest(first));
+    rig.process().load(file(document("good();"), QStringLiteral("other.html")));
+    QVERIFY(rig.waitForPixel({10, 10}, kGreen));
+  }
+
+  // The console has all memory of the program's pictures, and cannot tell at once that it is free again.
+  void picturesGoOnWhenTheProgramDidNotRead() {
+    class Gate final : public CaptureListener {
+     public:
+      void onCapturePicture(const CapturePicture&) override {
+        const MutexLock lock(mutex);
+        ++pictures;
+      }
+      void onCaptureSound(const float*, int, std::int64_t) override {}
+      void onCaptureEnded(const QString&) override {}
+      Mutex mutex;
+      std::atomic<int> pictures{0};
+    } gate;
+    CaptureProcess process(gate);
+    QString reason;
+    QVERIFY2(process.start(pageRequest(file("<!doctype html><body><script>let n = 0; const step = () => {"
+                                            "document.body.style.background = ++n % 2 ? '#f00' : '#00f';"
+                                            "requestAnimationFrame(step); }; step();</script></body>")),
+                           reason),
+             qPrintable(reason));
+    QTRY_VERIFY_WITH_TIMEOUT(gate.pictures > 10, kWaitMs);
+    const auto program = static_cast<pid_t>(process.processId());
+    {
+      const MutexLock lock(gate.mutex);
+      // Long enough for the program to use up its memory; less would only test less.
+      QTest::qWait(500);
+      ::kill(program, SIGSTOP);
+      for (int i = 0; i < 10000; ++i)
+        process.sendMouseMove(1, 1);
+    }
+    // The console gives the memory back to a program that does not read; more time than that takes.
+    QTest::qWait(200);
+    const int before = gate.pictures;
+    ::kill(program, SIGCONT);
+    QTRY_VERIFY_WITH_TIMEOUT(gate.pictures > before + 10, kWaitMs);
+  }
+
   void pageOfAServerReadsNoFile() {
     OnePageServer server(
         document("let left = 2; const refused = () => --left == 0 && good();"
@@ -176,6 +221,7 @@ class tst_page_capture : public QObject {
     QTcpServer closed;
     closed.listen(QHostAddress::LocalHost);
     QTest::newRow("no server") << QStringLiteral("http://127.0.0.1:%1/").arg(closed.serverPort());
+    QTest::newRow("refused port") << QStringLiteral("http://127.0.0.1:1/");
     QTest::newRow("no file") << QStringLiteral("file:///nonexistent/page.html");
   }
   void pageThatDoesNotLoadEnds() {

@@ -1,8 +1,13 @@
 // A page in the picker: its picture, and the operator's mouse, wheel and keys on it.
+#include <unistd.h>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QWheelEvent>
+
+#include <QDir>
+#include <QFile>
 #include <QtTest>
+#include <csignal>
 
 #include "KorviaShowPageView.h"
 #include "modules/show/engine/source/SourceRig.h"
@@ -45,6 +50,21 @@ class PageServer {
   QTcpServer server_;
   int visits_ = 0;
 };
+
+/// The capture programs that this process has started and that run.
+QVector<pid_t> captures() {
+  QVector<pid_t> found;
+  for (const QString& entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+    QFile file(QStringLiteral("/proc/%1/stat").arg(entry));
+    if (!entry.at(0).isDigit() || !file.open(QIODevice::ReadOnly))
+      continue;
+    const QByteArray text = file.readAll();
+    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+    if (text.contains("(korvia-capture)") && fields.value(0) != "Z" && fields.value(1).toInt() == ::getpid())
+      found << entry.toInt();
+  }
+  return found;
+}
 
 }  // namespace
 
@@ -104,8 +124,11 @@ class PageViewTest : public QObject {
     // Another load of the same page begins anew.
     view.load(server.url());
     QVERIFY(shows(view, 0xc00000));
+    // Another size is not another load.
+    const int visits = server.visits();
     view.setFixedSize(400, 200);
     QTRY_COMPARE_WITH_TIMEOUT(view.picture().size(), QSize(400, 200), kPatienceMs);
+    QCOMPARE(server.visits(), visits);
   }
 
   // A page that the operator has worked on goes on air as it stands.
@@ -143,11 +166,17 @@ class PageViewTest : public QObject {
     rig.open(info, format);
     QVERIFY(isShown(rig, green));
     QCOMPARE(server.visits(), 1);
-    // Another source of this page begins anew.
+    // The page is the source's: when it is lost, the source begins anew, as any other does.
+    const QVector<pid_t> programs = captures();
+    QCOMPARE(programs.size(), 1);
+    ::kill(programs[0], SIGKILL);
+    QVERIFY(isShown(rig, red));
+    QCOMPARE(server.visits(), 2);
+    // So does another source of this page.
     korvia::test::SourceRig second;
     second.open(info, format);
     QVERIFY(isShown(second, red));
-    QCOMPARE(server.visits(), 2);
+    QCOMPARE(server.visits(), 3);
   }
 
   void aPageThatIsNotThereIsSaid() {
