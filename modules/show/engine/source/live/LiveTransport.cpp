@@ -301,11 +301,13 @@ bool LiveTransport::isSteady() const {
 void LiveTransport::logFailure(const QString& reason) {
   const bool steady = isSteady();
   const QByteArray name = settings_.description.toUtf8();
-  const bool repeats = std::exchange(loggedReason_, reason) == reason;
+  const bool repeats = !std::exchange(loggedReason_, reason).isEmpty();
   if (!steady && !std::exchange(unsteady_, true))
     qCWarning(logSource, "live source comes and goes : %s : %s", name.constData(), qUtf8Printable(reason));
   else if (steady && !repeats && !unsteady_)
     qCWarning(logSource, "live source is lost : %s : %s", name.constData(), qUtf8Printable(reason));
+  else
+    qCDebug(logSource, "live source is still lost : %s : %s", name.constData(), qUtf8Printable(reason));
 }
 
 void LiveTransport::disconnect() {

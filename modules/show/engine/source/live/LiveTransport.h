@@ -69,8 +69,8 @@ class LiveTransport : public LiveSink, public std::enable_shared_from_this<LiveT
   /// Notes that the open connection delivers.
   void settle() EXCLUDES(mutex_);
   bool isSteady() const;
-  /// The same failure again and again is logged once, since a day of them would push everything else out of
-  /// the log.
+  /// A loss is logged once, whatever the tries after it fail by, since a day of them would push everything
+  /// else out of the log.
   void logFailure(const QString& reason);
   void waitForWork() EXCLUDES(mutex_);
 

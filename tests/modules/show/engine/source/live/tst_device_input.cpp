@@ -151,8 +151,7 @@ class DeviceInputTest : public QObject {
     QVERIFY(rig.tickUntil([&] { return rig.fresh > before + 5; }));
     QVERIFY(rig.reason().isEmpty());
     // The tries are not logged.
-    QCOMPARE(log.lines(),
-             QStringList{"live source comes and goes : stand-in : could not read from the device."});
+    QCOMPARE(log.lines(), QStringList{"live source is lost : stand-in : could not read from the device."});
   }
 
   void missingDeviceIsNotAskedAllTheTime() {
