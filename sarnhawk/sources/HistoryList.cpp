@@ -1,5 +1,6 @@
 #include "sources/HistoryList.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 
@@ -53,6 +54,9 @@ void HistoryList::add(const QString& text) {
   }
   _known = (merged + rows).mid(0, kStoredMax);
   settings.setValue(_key, _known);
+  // Addresses may have passwords in them.
+  settings.sync();
+  QFile::setPermissions(settings.fileName(), QFile::ReadOwner | QFile::WriteOwner);
 }
 
 void HistoryList::markMissing() {

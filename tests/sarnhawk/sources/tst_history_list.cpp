@@ -22,6 +22,17 @@ class HistoryListTest : public QObject {
     QCOMPARE(stored(), (QStringList{"b", "a"}));
   }
 
+  void passwordsInAddressesAreForThisUserOnly() {
+    HistoryList history(&_list, "key", HistoryList::Entries::Addresses);
+    history.add("srt://host:9000?passphrase=secret");
+    history.add("b");
+    const QFile::Permissions others =
+        QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    const QFile::Permissions found = QFile::permissions(Settings().fileName());
+    QVERIFY(found & QFile::ReadOwner);
+    QVERIFY(!(found & others));
+  }
+
   void listedTextWritesNothing() {
     HistoryList history(&_list, "key", HistoryList::Entries::Addresses);
     history.add("a");
