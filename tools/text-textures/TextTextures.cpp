@@ -34,8 +34,8 @@ QRgb blend(const std::array<QRgb, Count>& colors, double place) {
 }
 
 QRgb gold(double u, double v) {
-  static constexpr std::array<QRgb, 5> kColors{0xFF9A6410, 0xFFD19A26, 0xFFF2C94E, 0xFFFFE69A, 0xFFFFF8DC};
-  const double sheen = wave(2 * v + u + 0.35 * layeredNoise(u, v, 2, 2, 3, 11));
+  static constexpr std::array<QRgb, 5> kColors{0xFFB5801C, 0xFFDBA52E, 0xFFF5CE56, 0xFFFFE69A, 0xFFFFF8DC};
+  const double sheen = wave(4 * v + u + 0.35 * layeredNoise(u, v, 2, 2, 3, 11));
   const double grain = layeredNoise(u, v, 4, 64, 2, 12);
   return blend(kColors, 0.12 + 0.62 * sheen + 0.3 * (grain - 0.5));
 }
