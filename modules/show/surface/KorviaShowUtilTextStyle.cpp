@@ -63,10 +63,10 @@ constexpr PresetRow kPresets[] = {
     solid(TextStyleSolidGreen, kGreen, 0x90000000, 0, 0, 8, 0xE0041A0A, 2, 3),
     solid(TextStyleSolidBlue, kBlue, 0x90FFFFFF, 0, 0, 8, 0xF0FFFFFF, 2, 2),
 
-    solid(TextStyleSolidShadowWhite, kPaper, 0xD0000000, 3, -3, 4, 0xD0101010, 1, 1),
+    solid(TextStyleSolidShadowWhite, kPaper, 0xD0000000, 3, -3, 4, 0xE0101010, 2, 1),
     solid(TextStyleSolidShadowBlack, kInk, 0xE0F4F4F4, 3, -3, 4, 0xF0FFFFFF, 2, 2),
     solid(TextStyleSolidShadowRed, kRed, 0xD0200406, 4, -4, 4, 0xF0FFFFFF, 2, 2),
-    solid(TextStyleSolidShadowGreen, kGreen, 0xD0021206, 3, -3, 4, 0xD0041A0A, 1, 1),
+    solid(TextStyleSolidShadowGreen, kGreen, 0xE0021206, 3, -3, 4, 0xF0041A0A, 2, 1),
     solid(TextStyleSolidShadowBlue, kBlue, 0xD0040818, 4, -4, 4, 0xF0FFFFFF, 2, 2),
 
     solid(TextStyleSolidOutlineWhite, kPaper, kNoShadow, 2, -2, 2, 0xFF101010, 3, 0),

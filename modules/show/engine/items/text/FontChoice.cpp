@@ -114,4 +114,10 @@ QFont chooseFont(const QString& name, int pixelSize) {
   return font;
 }
 
+QFont emojiFont(const QFont& font) {
+  QFont emoji = font;
+  emoji.setFamilies(QStringList(kEmojiFamily) + font.families());
+  return emoji;
+}
+
 }  // namespace korvia

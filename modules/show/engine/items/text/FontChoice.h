@@ -13,4 +13,7 @@ namespace korvia {
 /// @param pixelSize at least 1.
 QFont chooseFont(const QString& name, int pixelSize);
 
+/// The font with Noto Color Emoji before all others.
+QFont emojiFont(const QFont& font);
+
 }  // namespace korvia

@@ -237,12 +237,17 @@ TextBox boxOf(const tagKorviaShowTextInfo& info, double pictureWidth) {
   return box;
 }
 
-/// The largest part around the centre that may be drawn.
-QRect mostDrawn(FrameSize size, int textHeight) {
-  const int height = std::clamp(textHeight, 1, std::min(2 * size.height, kMostSide));
+/// The part of the rectangle that may be drawn: all of it, or what lies around the centre of the item.
+QRect mostDrawn(FrameSize size, const QRect& wanted) {
+  QRect most = wanted;
+  const int height = std::min(2 * size.height, kMostSide);
+  if (most.height() > height)
+    most &= QRect(most.left(), -height / 2, most.width(), height);
   const qint64 area = 2LL * size.width * size.height;
-  const int width = static_cast<int>(std::clamp<qint64>(area / height, 1, kMostSide));
-  return {-width / 2, -height / 2, width, height};
+  const int width = static_cast<int>(std::clamp<qint64>(area / std::max(1, most.height()), 1, kMostSide));
+  if (most.width() > width)
+    most &= QRect(-width / 2, most.top(), width, most.height());
+  return most;
 }
 
 /// The rectangle that the picture may fill: on sides on which lines do not fit into the box, the box and its
@@ -305,7 +310,8 @@ TextPicture TextPainter::paint(const tagKorviaShowTextInfo& info, FrameSize rend
   const QRect lines = QRectF(shape.lines().topLeft() * scale, shape.lines().size() * scale)
                           .toAlignedRect()
                           .adjusted(-overhang, -overhang, overhang, overhang);
-  const QRect most = mostDrawn(renderSize, lines.height() + 2 * effects.reach());
+  const int reach = effects.reach();
+  const QRect most = mostDrawn(renderSize, lines.adjusted(-reach, -reach, reach, reach));
   const QRect clip = clipOf(shape, scale, most, effects.outlineReach());
   const GlyphPicture glyphs = GlyphPicture::draw(shape, scale, lines & clip);
   if (glyphs.rect.isEmpty())

@@ -6,6 +6,8 @@
 #include <QTextOption>
 #include <algorithm>
 
+#include "engine/items/text/EmojiRuns.h"
+
 namespace korvia {
 
 namespace {
@@ -54,6 +56,7 @@ void TextShape::addParagraph(const QString& text, const QFont& font, const TextB
   option.setUseDesignMetrics(true);
   layout->setTextOption(option);
   layout->setCacheEnabled(true);
+  layout->setFormats(emojiFormats(cut, font));
   const auto setLines = [&] {
     layout->beginLayout();
     for (QTextLine line = layout->createLine(); line.isValid(); line = layout->createLine()) {
@@ -68,7 +71,9 @@ void TextShape::addParagraph(const QString& text, const QFont& font, const TextB
     // Whatever side the text is written from, as many characters as fit are its first ones.
     const double share = mostWidth / layout->lineAt(0).naturalTextWidth();
     const int kept = wholeLength(cut, std::max(1, static_cast<int>(cut.size() * share)));
-    layout->setText(cut.left(kept));
+    cut.truncate(kept);
+    layout->setText(cut);
+    layout->setFormats(emojiFormats(cut, font));
     setLines();
   }
   lineCount_ += layout->lineCount();

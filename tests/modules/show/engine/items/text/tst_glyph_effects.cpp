@@ -99,6 +99,7 @@ class GlyphEffectsTest : public QObject {
   void blurIsNearlyGaussian() {
     QFETCH(QSize, size);
     QFETCH(double, radius);
+    // Three windows are no exact Gaussian.
     const Coverage from = speckled(size.width(), size.height(), 11, 3);
     const Coverage out = blurred(from, radius);
     const int margin = blurMargin(radius);
@@ -107,7 +108,7 @@ class GlyphEffectsTest : public QObject {
     for (int y = 0; y < out.height; ++y)
       for (int x = 0; x < out.width; ++x) {
         const double expected = gaussian(from, radius / 2, x - margin, y - margin);
-        if (qAbs(sampleOf(out, x, y) - expected) > 5)
+        if (qAbs(sampleOf(out, x, y) - expected) > 6)
           QFAIL(qPrintable(QStringLiteral("%1 instead of %2 at %3, %4")
                                .arg(sampleOf(out, x, y))
                                .arg(expected)

@@ -281,10 +281,10 @@ class TextPainterTest : public QObject {
   void whatDoesNotFitIsClippedToBoxAndOutline() {
     tagKorviaShowTextInfo info = plainText(QString("HHHH ").repeated(40));
     info.width = 0.2;
-    info.height = 0.1;
-    const QRect box(-192, -54, 384, 108);
+    info.height = 0.12;
+    const QRect box(-192, -65, 384, 130);
     QVERIFY(box.adjusted(-1, -1, 1, 1).contains(inkOf(painted(info))));
-    QVERIFY(inkOf(painted(info)).height() > 100);
+    QVERIFY(inkOf(painted(info)).height() > 120);
     info.style.outlineColor = 0xFF00FF00;
     info.style.outlineSize = 10;
     info.style.outlineBlur = 0;
