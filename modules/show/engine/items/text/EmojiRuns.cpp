@@ -71,27 +71,42 @@ int emojiEnd(const QString& text, int at) {
 
 }  // namespace
 
-QVector<QTextLayout::FormatRange> emojiFormats(const QString& text, const QFont& font) {
-  QVector<QTextLayout::FormatRange> formats;
+void EmojiText::truncate(int length) {
+  text.truncate(length);
+  while (!formats.isEmpty() && formats.constLast().start >= length)
+    formats.removeLast();
+  if (!formats.isEmpty())
+    formats.last().length = std::min(formats.last().length, length - formats.last().start);
+}
+
+EmojiText markEmoji(const QString& text, const QFont& font) {
+  EmojiText marked;
+  QVector<QTextLayout::FormatRange>& formats = marked.formats;
   for (int at = 0; at < text.size();) {
+    const int begin = marked.text.size();
     const int end = emojiEnd(text, at);
     if (end == at) {
-      at += sizeOf(codeAt(text, at));
+      const int size = sizeOf(codeAt(text, at));
+      marked.text += text.midRef(at, size);
+      at += size;
       continue;
     }
+    for (; at < end; ++at)
+      if (text[at] != QChar(kEmojiSelector))
+        marked.text += text[at];
+    const int length = marked.text.size() - begin;
     // Flags and skin tones are sequences of emoji, so neighbours are shaped together.
-    if (!formats.isEmpty() && formats.constLast().start + formats.constLast().length == at) {
-      formats.last().length += end - at;
-    } else {
-      QTextLayout::FormatRange range;
-      range.start = at;
-      range.length = end - at;
-      range.format.setFont(emojiFont(font));
-      formats.append(range);
+    if (!formats.isEmpty() && formats.constLast().start + formats.constLast().length == begin) {
+      formats.last().length += length;
+      continue;
     }
-    at = end;
+    QTextLayout::FormatRange range;
+    range.start = begin;
+    range.length = length;
+    range.format.setFont(emojiFont(font));
+    formats.append(range);
   }
-  return formats;
+  return marked;
 }
 
 }  // namespace korvia

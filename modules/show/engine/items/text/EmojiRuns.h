@@ -8,9 +8,18 @@
 
 namespace korvia {
 
+struct EmojiText {
+  /// Without the selectors in emoji: the shaper takes them for characters, which break sequences up.
+  QString text;
+  QVector<QTextLayout::FormatRange> formats;
+
+  /// Keeps the first `length` characters.
+  void truncate(int length);
+};
+
 /// Formats with the emoji font for the characters that are shown in colour: those that Unicode shows so by
 /// itself, and those before a variation selector 16. Sequences with joiners, skin tones and flags stay
 /// together.
-QVector<QTextLayout::FormatRange> emojiFormats(const QString& text, const QFont& font);
+EmojiText markEmoji(const QString& text, const QFont& font);
 
 }  // namespace korvia

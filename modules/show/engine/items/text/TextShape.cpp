@@ -48,15 +48,15 @@ TextShape::TextShape(const QString& text, const QFont& font, const TextBox& box,
 
 void TextShape::addParagraph(const QString& text, const QFont& font, const TextBox& box, double mostWidth) {
   const bool breaks = box.width > 0;
-  QString cut = breaks ? text : text.left(wholeLength(text, kMostLineCharacters));
-  auto layout = std::make_unique<QTextLayout>(cut, font);
+  EmojiText marked = markEmoji(breaks ? text : text.left(wholeLength(text, kMostLineCharacters)), font);
+  auto layout = std::make_unique<QTextLayout>(marked.text, font);
   QTextOption option;
   option.setWrapMode(breaks ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::ManualWrap);
   // Otherwise advances are rounded to whole pixels, and texts of other sizes would have other proportions.
   option.setUseDesignMetrics(true);
   layout->setTextOption(option);
   layout->setCacheEnabled(true);
-  layout->setFormats(emojiFormats(cut, font));
+  layout->setFormats(marked.formats);
   const auto setLines = [&] {
     layout->beginLayout();
     for (QTextLine line = layout->createLine(); line.isValid(); line = layout->createLine()) {
@@ -70,10 +70,10 @@ void TextShape::addParagraph(const QString& text, const QFont& font, const TextB
   if (!breaks && layout->lineCount() > 0 && layout->lineAt(0).naturalTextWidth() > mostWidth) {
     // Whatever side the text is written from, as many characters as fit are its first ones.
     const double share = mostWidth / layout->lineAt(0).naturalTextWidth();
-    const int kept = wholeLength(cut, std::max(1, static_cast<int>(cut.size() * share)));
-    cut.truncate(kept);
-    layout->setText(cut);
-    layout->setFormats(emojiFormats(cut, font));
+    const int kept = std::max(1, static_cast<int>(marked.text.size() * share));
+    marked.truncate(wholeLength(marked.text, kept));
+    layout->setText(marked.text);
+    layout->setFormats(marked.formats);
     setLines();
   }
   lineCount_ += layout->lineCount();
