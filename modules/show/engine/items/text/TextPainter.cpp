@@ -120,20 +120,13 @@ QRect clipOf(const TextShape& shape, double scale, const QRect& most, int outlin
   return clip;
 }
 
-void addEffects(const tagKorviaShowTextStyle& style, const Effects& effects, const GlyphPicture& glyphs,
-                PlacedCoverage& outline, PlacedCoverage& shadow) {
+void addEffects(const Effects& effects, const GlyphPicture& glyphs, PlacedCoverage& outline,
+                PlacedCoverage& shadow) {
   if (effects.hasOutline)
     outline = dilatedBy(glyphs.glyphs, glyphs.rect, effects.outlineSize);
   if (effects.hasShadow) {
     // Glyphs and outline together throw it; glyphs alone would hide theirs behind the outline.
-    if (effects.hasOutline)
-      shadow = outline;
-    else
-      shadow = {glyphs.glyphs, glyphs.rect};
-    const bool isHidden =
-        effects.shadowOffset.isNull() && effects.shadowBlur == 0 && qAlpha(style.solidColor) == 255;
-    if (isHidden && style.colorMode == TextColorSolid)
-      shadow = {};
+    shadow = effects.hasOutline ? outline : PlacedCoverage{glyphs.glyphs, glyphs.rect};
     blur(shadow, effects.shadowBlur);
     shadow.rect.translate(effects.shadowOffset);
   }
@@ -170,7 +163,7 @@ TextPicture TextPainter::paint(const tagKorviaShowTextInfo& info, FrameSize rend
 
   PlacedCoverage outline;
   PlacedCoverage shadow;
-  addEffects(style, effects, glyphs, outline, shadow);
+  addEffects(effects, glyphs, outline, shadow);
   const QRect rect = (glyphs.rect | outline.rect | shadow.rect) & clip;
   result.image = QImage(rect.size(), QImage::Format_ARGB32_Premultiplied);
   if (result.image.isNull())
