@@ -251,10 +251,13 @@ Coverage blurred(const Coverage& from, double radius) {
         strip[static_cast<std::size_t>(y + margin)][lane] = row[lane];
     }
     blurStrip(strip, spare, window);
-    for (int y = 0; y < height; ++y)
-      for (int lane = 0; lane < lanes; ++lane)
-        out.row(y)[left + lane] = static_cast<std::uint8_t>(
-            std::clamp(strip[static_cast<std::size_t>(y)][lane] / 256 + 0.5F, 0.0F, 255.0F));
+    for (int y = 0; y < height; ++y) {
+      std::uint8_t* row = out.row(y) + left;
+      for (int lane = 0; lane < lanes; ++lane) {
+        const int fine = static_cast<int>(strip[static_cast<std::size_t>(y)][lane]);
+        row[lane] = static_cast<std::uint8_t>(std::clamp((fine + 128) / 256, 0, 255));
+      }
+    }
   }
   return out;
 }
