@@ -30,6 +30,7 @@ QImage background(int kind) {
 
 QImage drawPresetSheet(const QString& textureFolder) {
   QImage sheet(kCell.width() * kBackgrounds * kBlocks, kCell.height() * kRows, QImage::Format_RGB32);
+  sheet.fill(Qt::black);
   QPainter painter(&sheet);
   TextPainter texts;
   for (int preset = 0; preset < kPresets; ++preset) {
