@@ -31,15 +31,14 @@ double contrastOf(double a, double b) {
 
 QImage background(const QString& kind, QSize size) {
   QImage image(size, QImage::Format_RGB32);
-  quint32 seed = 5;
   for (int y = 0; y < size.height(); ++y)
     for (int x = 0; x < size.width(); ++x) {
       // Tiles of 4 pixels in colours of all lightnesses.
-      seed = static_cast<quint32>((x / 4) * 7919 + (y / 4) * 104729) * 2654435761U;
+      const quint32 noise = static_cast<quint32>((x / 4) * 7919 + (y / 4) * 104729) * 2654435761U;
       image.setPixel(x, y,
                      kind == "dark"     ? qRgb(16, 16, 18)
                      : kind == "bright" ? qRgb(238, 238, 234)
-                                        : seed >> 8);
+                                        : noise >> 8);
     }
   return image;
 }

@@ -13,8 +13,6 @@ double limited(double radius) {
   return radius > 0 ? std::min(radius, kMostEffectRadius) : 0;
 }
 
-// ---- dilation
-
 /// The coverage with columns of nothing on both sides, twice the margin wide, so that a loop over the columns
 /// of the result can read at every offset of the pen.
 class PaddedRows {
@@ -115,8 +113,6 @@ std::vector<std::uint8_t> rowsToCovered(const PaddedRows& in, int resultHeight, 
   sweep(resultHeight - 1, -1, -1);
   return rows;
 }
-
-// ---- blur
 
 /// Rows or columns that are blurred together, so that the compiler handles them in one register.
 constexpr int kLanes = 16;
