@@ -15,6 +15,7 @@
 #include "engine/bus/Compositor.h"
 #include "engine/frame/FrameFit.h"
 #include "engine/frame/FramePool.h"
+#include "engine/items/text/TextPainter.h"
 #include "engine/kernels/InstructionSet.h"
 #include "engine/kernels/SampleKernels.h"
 #include "engine/mix/TransitionCatalog.h"
@@ -220,6 +221,22 @@ void measureMixer(const std::function<void()>& reference, Table& table) {
   });
 }
 
+/// A line over the whole width with outline and shadow. The text changes each time, so nothing can be kept.
+void measureText(const std::function<void()>& reference, Table& table) {
+  constexpr double kMsMax = 10;
+  TextPainter painter;
+  tagKorviaShowTextInfo info;
+  int number = 0;
+  const auto kernel = [&] {
+    info.text =
+        QStringLiteral("%1 The latest news of the hour from all over the city and from the country beyond it")
+            .arg(++number);
+    painter.paint(info, kSize, QDateTime());
+  };
+  const Timing timing = timed(reference, kernel, kRounds);
+  table.add("drawing a changed line of text", timing, timing.ms > kMsMax ? " of 10 ms  over" : " of 10 ms");
+}
+
 void measureAll(const QList<int>& effects, Table& table) {
   Carousel<FrameRef> in = pictures();
   Carousel<MutableFrame> out = targets();
@@ -267,6 +284,7 @@ void measureAll(const QList<int>& effects, Table& table) {
     std::snprintf(name, sizeof name, "monitor %d x %d", size.width, size.height);
     table.measure(name, reference, [&] { scaler.toRgb(in.next(), size, pixels.data(), size.width * 4); });
   }
+  measureText(reference, table);
   measureMixer(reference, table);
   const FrameSize small{1280, 720};
   FramePool smallPool(small);

@@ -77,6 +77,7 @@ void TestShowDataSetup::theProductBringsShowDataAlone() {
   const QDir folder(QStringLiteral(SHOW_DATA_FOLDER));
   QCOMPARE(folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot), QStringList{"Common"});
   QVERIFY(folder.exists("Common/Demo/demo.mp4"));
+  QVERIFY(folder.exists("Common/TextTexture/gold.tga"));
 }
 
 QTEST_GUILESS_MAIN(TestShowDataSetup)

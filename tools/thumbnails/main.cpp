@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "ContactSheet.h"
+#include "PresetSheet.h"
 #include "ThumbnailSet.h"
 
 int main(int argc, char** argv) {
@@ -22,10 +23,19 @@ int main(int argc, char** argv) {
                                        QStringLiteral("Write a sheet of all transitions."),
                                        QStringLiteral("FILE"));
   parser.addOption(sheetOption);
+  const QCommandLineOption presetsOption(QStringLiteral("preset-sheet"),
+                                         QStringLiteral("Write a sheet of all presets of text styles."),
+                                         QStringLiteral("FILE"));
+  parser.addOption(presetsOption);
+  const QCommandLineOption texturesOption(QStringLiteral("textures"),
+                                          QStringLiteral("The folder of the textures for texts."),
+                                          QStringLiteral("FOLDER"));
+  parser.addOption(texturesOption);
   parser.process(application);
 
   const QStringList folders = parser.positionalArguments();
-  if (folders.size() > 1 || (folders.isEmpty() && !parser.isSet(sheetOption))) {
+  const bool drawsSheet = parser.isSet(sheetOption) || parser.isSet(presetsOption);
+  if (folders.size() > 1 || (folders.isEmpty() && !drawsSheet)) {
     std::fputs(qPrintable(parser.helpText()), stderr);
     return 2;
   }
@@ -34,6 +44,11 @@ int main(int argc, char** argv) {
   const QString sheet = parser.value(sheetOption);
   if (parser.isSet(sheetOption) && !korvia::drawContactSheet().save(sheet)) {
     std::fprintf(stderr, "failed to write %s\n", qPrintable(sheet));
+    return 1;
+  }
+  const QString presets = parser.value(presetsOption);
+  if (parser.isSet(presetsOption) && !korvia::drawPresetSheet(parser.value(texturesOption)).save(presets)) {
+    std::fprintf(stderr, "failed to write %s\n", qPrintable(presets));
     return 1;
   }
   return 0;

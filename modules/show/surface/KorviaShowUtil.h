@@ -5,12 +5,14 @@
 #include <QString>
 
 #include "KorviaShowObjectID.h"
+#include "KorviaShowTextStylePreset.h"
 
 class QDomElement;
 class QXmlStreamWriter;
 struct tagKorviaShowAudioMixerParam;
 struct tagKorviaShowComponentInfo;
 struct tagKorviaShowRenderTextParam;
+struct tagKorviaShowTextStyle;
 
 /// The catalogs of transitions, in the order of the editor's pages.
 enum KorviaShowEffectKindCatalog : unsigned {
@@ -38,6 +40,11 @@ class KorviaShowUtil {
   /// left to right at 0 degrees, from top to bottom at 90. Vertical text is set in columns from right to
   /// left.
   static QImage toImage(int width, int height, const tagKorviaShowRenderTextParam& param);
+
+  /// Gives the style the look of a preset. Font and size stay; `texturePath` becomes a bare file name of the
+  /// texture folder, for looks without texture that of the file the style had. False, and no change, for a
+  /// number without a preset.
+  static bool loadTextStylePreset(KorviaShowTextStylePreset preset, tagKorviaShowTextStyle& style);
 
   /// Reads the text file at a drive path or path, at most 4 MiB, in the encoding of the locale or, where its
   /// first bytes are a byte order mark, in the encoding of that mark. False with a reason for what is no file

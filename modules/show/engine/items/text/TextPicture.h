@@ -1,0 +1,19 @@
+// A drawn text. A plain value, any thread.
+#pragma once
+#include <QImage>
+#include <QPoint>
+#include <QRectF>
+
+namespace korvia {
+
+struct TextPicture {
+  /// Premultiplied ARGB; null when nothing is visible.
+  QImage image;
+  /// The upper left corner of the image, in pixels of the render picture from the centre of the item. Outline
+  /// and shadow enlarge the image and leave the text in its place.
+  QPoint corner;
+  /// The box of the text, in pixels of the render picture from the centre of the item.
+  QRectF box;
+};
+
+}  // namespace korvia
