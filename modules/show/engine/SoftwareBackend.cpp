@@ -16,7 +16,7 @@ SoftwareBackend::SoftwareBackend()
     : load_(std::max(1, static_cast<int>(std::thread::hardware_concurrency()))),
       channels_(janitor_),
       switcher_(channels_),
-      items_(switcher_.pgm()),
+      items_(switcher_.pvm(), switcher_.pgm()),
       mixer_(channels_),
       monitors_(stages_),
       outputs_(janitor_),
@@ -40,6 +40,9 @@ void SoftwareBackend::fillEventTable() {
   events_.on(ShowEventStopNDI, deviceOutputs_, &DeviceRack::stopNdi);
   events_.on(ShowEventStartSDI, deviceOutputs_, &DeviceRack::startSdi);
   events_.on(ShowEventStopSDI, deviceOutputs_, &DeviceRack::stopSdi);
+  events_.on(ShowEventAddText, items_.texts(), &TextItems::add);
+  events_.on(ShowEventRemoveText, items_.texts(), &TextItems::remove);
+  events_.on(ShowEventUpdateText, items_.texts(), &TextItems::update);
   events_.on(ShowEventAudioMixMode, mixer_, &AudioMixer::setMixMode);
   events_.on(ShowEventVolume, mixer_, &AudioMixer::setVolume);
   events_.on(ShowEventChannelMix, mixer_, &AudioMixer::setChannelMix);

@@ -37,6 +37,7 @@ void ItemStage::setPaintPadValid(bool valid) {
 }
 
 void ItemStage::open(const ShowFormat& format) {
+  texts_.open(format.size);
   MutexLock lock(sizeMutex_);
   size_ = format.size;
 }
@@ -47,7 +48,10 @@ void ItemStage::beginFrame() {
     // The old layer goes back to the worker, which destroys it.
     if (drawn.key == kPaintPadKey)
       paintPad_.swap(drawn.layer);
+    else
+      texts_.take(drawn);
   }
+  texts_.beginFrame(QDateTime::currentDateTime(), drawn_);
   if (paintPadValid_ && paintPad_)
     pgm_.layers().put(LayerKind::PaintPad, kPaintPadKey, paintPad_);
   else

@@ -8,13 +8,14 @@
 #include "engine/ShowFormat.h"
 #include "engine/bus/Bus.h"
 #include "engine/items/RasterWorker.h"
+#include "engine/items/TextItems.h"
 
 namespace korvia {
 
 class ItemStage {
  public:
-  /// The bus must outlive the stage. The drawing of the paint pad is shown on program only.
-  explicit ItemStage(Bus& pgm) : pgm_(pgm) {}
+  /// The buses outlive the stage. The drawing of the paint pad is shown on program only.
+  ItemStage(Bus& pvm, Bus& pgm) : pgm_(pgm), texts_(pvm, pgm, raster_) {}
 
   // Console thread.
   /// Shows this drawing of the operator from now on, letterboxed into the picture, with its alpha. A null
@@ -25,6 +26,7 @@ class ItemStage {
 
   // Engine thread.
   void open(const ShowFormat& format);
+  TextItems& texts() { return texts_; }
   /// Begins a frame: layers that were drawn since the last one are shown from now on.
   void beginFrame();
 
@@ -37,6 +39,7 @@ class ItemStage {
   LayerRef paintPad_;                       // engine thread
   std::vector<RasterWorker::Drawn> drawn_;  // engine thread; kept so that a frame does not allocate
   RasterWorker raster_;
+  TextItems texts_;  // engine thread
 };
 
 }  // namespace korvia

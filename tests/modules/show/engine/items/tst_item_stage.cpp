@@ -24,6 +24,7 @@ class ItemStageTest : public QObject {
   Q_OBJECT
 
  private:
+  std::unique_ptr<Bus> preview_;
   std::unique_ptr<Bus> program_;
   std::unique_ptr<ItemStage> stage_;
 
@@ -43,11 +44,13 @@ class ItemStageTest : public QObject {
  private slots:
   void init() {
     program_ = std::make_unique<Bus>();
-    stage_ = std::make_unique<ItemStage>(*program_);
+    preview_ = std::make_unique<Bus>();
+    stage_ = std::make_unique<ItemStage>(*preview_, *program_);
     stage_->open({kSize, {}});
   }
   void cleanup() {
     stage_.reset();
+    preview_.reset();
     program_.reset();
   }
 

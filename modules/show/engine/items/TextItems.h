@@ -1,0 +1,60 @@
+// The texts over the buses: keeps their records, has them drawn on the raster worker when they change, and
+// puts their layers on the stacks of the buses. Engine thread.
+#pragma once
+#include <QDateTime>
+#include <QString>
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "engine/bus/Bus.h"
+#include "engine/items/RasterWorker.h"
+#include "engine/items/text/TextPainter.h"
+#include "tagKorviaShowTextInfo.h"
+
+namespace korvia {
+
+class TextItems {
+ public:
+  /// The buses and the worker outlive the object.
+  TextItems(Bus& pvm, Bus& pgm, RasterWorker& raster);
+
+  /// The size of the render picture, which texts are drawn for from now on.
+  void open(FrameSize size);
+
+  // Events. The bus is PVMObject or PGMObject; others are left alone.
+  void add(int bus, const tagKorviaShowTextInfo& info);
+  void remove(int bus, const QString& id);
+  /// Changes the text wherever it shows. An unknown one is left alone.
+  void update(const tagKorviaShowTextInfo& info);
+
+  /// Takes a layer that the worker has drawn; false when its key is of another item. Puts the former layer
+  /// in its place, which the worker destroys.
+  bool take(RasterWorker::Drawn& drawn);
+  /// Begins a frame at this time of the day: has changed texts drawn, and puts all layers on their buses.
+  /// Layers that are not needed any more go to `discarded`.
+  void beginFrame(const QDateTime& now, std::vector<RasterWorker::Drawn>& discarded);
+
+ private:
+  static constexpr std::size_t kBuses = 2;
+
+  struct Item {
+    tagKorviaShowTextInfo info;
+    QString key;  ///< of its requests and layers
+    std::array<bool, kBuses> isShown = {};
+    bool isChanged = true;  ///< since it was drawn, except for the time
+    QString drawnText;      ///< with the time in it
+    LayerRef layer;         ///< null before it was drawn
+  };
+
+  Item* find(const QString& id);
+  void draw(Item& item, const QDateTime& now);
+
+  const std::array<Bus*, kBuses> buses_;
+  RasterWorker& raster_;
+  const std::shared_ptr<TextPainter> painter_;  // the worker's thread
+  FrameSize size_;
+  std::vector<Item> items_;  // by the order in which they were added first
+};
+
+}  // namespace korvia
