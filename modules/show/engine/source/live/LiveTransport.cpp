@@ -30,7 +30,7 @@ constexpr int kMostLeftBehind = 3;
 // A source that delivers for a shorter time than this comes and goes, which is logged once.
 constexpr std::int64_t kSteadyNs = 10'000'000'000;
 // A connection that delivers for a shorter time than this does not shorten the wait before the next one.
-constexpr std::int64_t kUsefulNs = 2'000'000'000;
+constexpr std::int64_t kUsefulNs = 500'000'000;
 // A source that the operator or the watchdog stops had been lost, when it was silent for this time.
 constexpr std::int64_t kLostNs = 2'000'000'000;
 
@@ -306,8 +306,6 @@ void LiveTransport::logFailure(const QString& reason) {
     qCWarning(logSource, "live source comes and goes : %s : %s", name.constData(), qUtf8Printable(reason));
   else if (steady && !repeats && !unsteady_)
     qCWarning(logSource, "live source is lost : %s : %s", name.constData(), qUtf8Printable(reason));
-  else
-    qCDebug(logSource, "live source is still lost : %s : %s", name.constData(), qUtf8Printable(reason));
 }
 
 void LiveTransport::disconnect() {
