@@ -26,8 +26,11 @@ class TextItemsTest : public QObject {
   /// The layers over a bus at the next frame that are drawn already.
   std::vector<LayerRef> layers(Bus& bus) {
     stage_->beginFrame();
-    std::vector<LayerRef> drawn = bus.layers().layers();
-    drawn.erase(std::remove(drawn.begin(), drawn.end(), nullptr), drawn.end());
+    std::vector<LayerRef> drawn;
+    for (const StackedLayer& stacked : bus.layers().layers()) {
+      if (stacked.layer)
+        drawn.push_back(stacked.layer);
+    }
     return drawn;
   }
   bool shows(Bus& bus, std::size_t count) {
