@@ -9,7 +9,7 @@ namespace korvia {
 
 namespace {
 
-// Rounds values from 0 on when the fraction is cut off after it, which lround() does ten times slower.
+// Rounds values from 0 on when the fraction is cut off after it.
 constexpr float kHalf = 0.5F;
 
 double limited(double radius) {
