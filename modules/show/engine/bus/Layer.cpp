@@ -76,8 +76,8 @@ int evenBelow(int edge) {
 }
 
 /// The covered part of the image, which lies at `at`, on a transparent picture with this rectangle.
-LayerRef layerOf(const QImage& source, const QRect& covered, QPoint at, const FrameRect& rect,
-                 FrameSize busSize) {
+std::shared_ptr<Layer> layerOf(const QImage& source, const QRect& covered, QPoint at, const FrameRect& rect,
+                               FrameSize busSize) {
   auto layer = std::make_shared<Layer>();
   layer->rect = rect;
   QImage canvas(rect.width, rect.height, QImage::Format_ARGB32_Premultiplied);
@@ -109,7 +109,7 @@ LayerRef Layer::make(const QImage& image, QPoint at, FrameSize busSize) {
              : layerOf(source, covered, at, onChromaGrid(covered.translated(at), busSize), busSize);
 }
 
-LayerRef Layer::makeMovable(const QImage& image, QPoint at, FrameSize busSize) {
+LayerRef Layer::makeMovable(const QImage& image, QPoint at, FrameSize busSize, const QRectF& content) {
   const QImage source = premultiplied(image);
   const QRect covered = coveredPart(source, source.rect());
   if (covered.isEmpty())
@@ -119,7 +119,10 @@ LayerRef Layer::makeMovable(const QImage& image, QPoint at, FrameSize busSize) {
   const int top = evenBelow(rect.top() - kBorder);
   const FrameRect bordered{left, top, evenBelow(rect.right() + 2 + kBorder) - left,
                            evenBelow(rect.bottom() + 2 + kBorder) - top};
-  return layerOf(source, covered, at, bordered, busSize);
+  std::shared_ptr<Layer> layer = layerOf(source, covered, at, bordered, busSize);
+  if (layer)
+    layer->content = content;
+  return layer;
 }
 
 const std::uint8_t* Layer::alphaRow(int plane, int y) const {
