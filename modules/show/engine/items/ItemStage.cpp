@@ -52,7 +52,8 @@ void ItemStage::beginFrame(int ticks) {
     else
       texts_.take(drawn);
   }
-  texts_.beginFrame(QDateTime::currentDateTime(), static_cast<double>(rate_.nsOf(ticks)) * 1e-6, drawn_);
+  if (!texts_.isEmpty())
+    texts_.beginFrame(QDateTime::currentDateTime(), static_cast<double>(rate_.nsOf(ticks)) * 1e-6, drawn_);
   if (paintPadValid_ && paintPad_)
     pgm_.layers().put(LayerKind::PaintPad, kPaintPadKey, paintPad_);
   else

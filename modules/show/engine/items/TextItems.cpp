@@ -147,15 +147,17 @@ void TextItems::beginFrame(const QDateTime& now, double passedMs,
         buses_[bus]->layers().put(LayerKind::Text, item.key, {});
     }
   }
-  const auto firstGone = std::stable_partition(items_.begin(), items_.end(), [](const Item& item) {
-    return std::any_of(item.motions.begin(), item.motions.end(),
-                       [](const ItemMotion& motion) { return motion.isPresent(); });
-  });
-  for (auto gone = firstGone; gone != items_.end(); ++gone) {
-    raster_.withdraw(gone->key);
-    discarded.push_back({gone->key, std::move(gone->layer)});
+  const auto isGone = [](const Item& item) {
+    return std::none_of(item.motions.begin(), item.motions.end(),
+                        [](const ItemMotion& motion) { return motion.isPresent(); });
+  };
+  for (Item& item : items_) {
+    if (!isGone(item))
+      continue;
+    raster_.withdraw(item.key);
+    discarded.push_back({item.key, std::move(item.layer)});
   }
-  items_.erase(firstGone, items_.end());
+  items_.erase(std::remove_if(items_.begin(), items_.end(), isGone), items_.end());
 }
 
 }  // namespace korvia

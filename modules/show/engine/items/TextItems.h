@@ -31,6 +31,7 @@ class TextItems {
   /// Changes the text wherever it shows. An unknown one is left alone.
   void update(const tagKorviaShowTextInfo& info);
 
+  bool isEmpty() const { return items_.empty(); }
   /// Takes a layer that the worker has drawn; false when its key is of another item. Puts the former layer
   /// in its place, which the worker destroys.
   bool take(RasterWorker::Drawn& drawn);
