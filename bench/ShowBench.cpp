@@ -128,7 +128,8 @@ QJsonArray liveSources(const ShowBenchOptions& options, const tagKorviaShowEngin
 tagKorviaShowTextInfo itemInfo(int number) {
   constexpr int kKinds = 3;
   tagKorviaShowTextInfo text;
-  text.y = 0.82 + 0.06 * (number % kKinds) - 0.2 * (number / kKinds);
+  const int row = number / kKinds;
+  text.y = 0.82 + 0.06 * (number % kKinds) - 0.2 * row;
   KorviaShowUtil::loadTextStylePreset(TextStyleSolidOutlineWhite, text.style);
   text.style.shadowDistanceX = 3;
   text.style.shadowDistanceY = -3;
