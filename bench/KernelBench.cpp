@@ -268,7 +268,14 @@ void measureAll(const QList<int>& effects, Table& table) {
   Compositor compositor;
   QImage layer(kSize.width, kSize.height, QImage::Format_ARGB32);
   layer.fill(qRgba(255, 0, 0, 100));
-  const std::vector<LayerRef> layers{Layer::make(layer, {}, kSize)};
+  const std::vector<StackedLayer> layers{Layer::make(layer, {}, kSize)};
+  const QRect quarter(kSize.width / 4, kSize.height / 4, kSize.width / 2, kSize.height / 2);
+  LayerPose rotated;
+  rotated.rotationDegrees = 20;
+  rotated.anchorX = kSize.width / 2.0;
+  rotated.anchorY = kSize.height / 2.0;
+  const std::vector<StackedLayer> rotatedLayers{
+      {Layer::makeMovable(layer.copy(quarter), quarter.topLeft(), kSize, quarter), rotated}};
   FramePool composed(kSize);
   std::vector<FrameRef> below;
   below.reserve(kFrames);
@@ -277,6 +284,8 @@ void measureAll(const QList<int>& effects, Table& table) {
   int place = 0;
   table.measure("blending a layer of full size", reference,
                 [&] { compositor.over(below[++place % kFrames], layers, composed); });
+  table.measure("blending a rotated layer of a quarter", reference,
+                [&] { compositor.over(below[++place % kFrames], rotatedLayers, composed); });
   for (const FrameSize size : {FrameSize{296, 167}, FrameSize{544, 306}, FrameSize{912, 513}}) {
     PictureScaler scaler;
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(size.width) * size.height * 4);

@@ -14,10 +14,12 @@
 
 #include "KorviaMetaType.h"
 #include "KorviaShowEngine.h"
+#include "KorviaShowUtil.h"
 #include "ProcessFigures.h"
 #include "Report.h"
 #include "tagKorviaShowEngineInfo.h"
 #include "tagKorviaShowOutputParam.h"
+#include "tagKorviaShowTextInfo.h"
 #include "tagKorviaWindowInfo.h"
 
 namespace {
@@ -120,6 +122,29 @@ QJsonArray liveSources(const ShowBenchOptions& options, const tagKorviaShowEngin
                                  {"missedFrames", live.missedFrames - before.liveSources[i].missedFrames}});
   }
   return sources;
+}
+
+/// Two lower thirds and a crawl, again and again, each a little higher.
+tagKorviaShowTextInfo itemInfo(int number) {
+  constexpr int kKinds = 3;
+  tagKorviaShowTextInfo text;
+  const int row = number / kKinds;
+  text.y = 0.82 + 0.06 * (number % kKinds) - 0.2 * row;
+  KorviaShowUtil::loadTextStylePreset(TextStyleSolidOutlineWhite, text.style);
+  text.style.shadowDistanceX = 3;
+  text.style.shadowDistanceY = -3;
+  if (number % kKinds == 0) {
+    text.text = QStringLiteral("Somebody of Somewhere, Engineer");
+  } else if (number % kKinds == 1) {
+    text.text = QStringLiteral("Live from the harbour of the old town");
+  } else {
+    text.text =
+        QStringLiteral("News that are long enough to need a crawl, and then some more of them. ").repeated(2);
+    text.x = 1;
+    text.scrollEndX = 0;
+    text.scrollTime = 12;
+  }
+  return text;
 }
 
 bool openChannels(KorviaShowEngine& engine, const ShowBenchOptions& options) {
@@ -244,6 +269,8 @@ int runShowBench(const ShowBenchOptions& options) {
   }
   engine.postEvent(ShowEventSelectChannel, PGMObject, MediaChannel + 0);
   engine.postEvent(ShowEventSelectChannel, PVMObject, MediaChannel + std::min(1, options.channels - 1));
+  for (int i = 0; i < options.items; ++i)
+    engine.postEvent(ShowEventAddText, PGMObject, toVariant(itemInfo(i)));
   if (!options.recordFile.isEmpty())
     startRecording(engine, options);
   if (!options.streamUrl.isEmpty())

@@ -13,6 +13,8 @@ struct ShowBenchOptions {
   double seconds = 10;
   /// Seconds between takes; 0 for no takes.
   double takeEvery = 0;
+  /// Titles over program.
+  int items = 0;
   int effect = 22;
   QString recordFile;
   QString streamUrl;

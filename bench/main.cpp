@@ -29,6 +29,7 @@ int show(QCommandLineParser& parser) {
   options.seconds = parser.value("seconds").toDouble();
   options.takeEvery = parser.value("take-every").toDouble();
   options.effect = parser.value("effect").toInt();
+  options.items = parser.value("items").toInt();
   options.recordFile = parser.value("record");
   options.fps = parser.value("fps").toInt();
   options.jsonFile = parser.value("json");
@@ -41,8 +42,6 @@ int show(QCommandLineParser& parser) {
   if (options.seconds <= 0 || options.fps <= 0 || options.size.isEmpty())
     return refuse("--seconds, --fps and --size take positive numbers");
   options.streamUrl = parser.value("stream");
-  if (parser.value("items").toInt() != 0)
-    return refuse("items are not in this version: run without --items");
   return runShowBench(options);
 }
 
@@ -77,7 +76,7 @@ int main(int argc, char** argv) {
                      {"seconds", "Time measured.", "N", "10"},
                      {"take-every", "Seconds between takes, 0 for none.", "S", "0"},
                      {"effect", "Effect number of the takes, or, repeatable, of the kernels.", "N", "22"},
-                     {"items", "Items over the picture.", "N", "0"},
+                     {"items", "Titles over program: two lower thirds and a crawl, repeating.", "N", "0"},
                      {"record", "Record program into FILE.", "FILE"},
                      {"stream", "Push program to URL: rtmp, rtmps or srt.", "URL"},
                      {"size", "Render size.", "WxH", "1920x1080"},

@@ -163,7 +163,7 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
   }
   {
     StageClock::Scope stage(stages_, StageClock::Items);
-    items_.beginFrame();
+    items_.beginFrame(ticks);
     if (preview)
       preview = switcher_.pvm().withLayers(preview, *pool_);
     program_ = switcher_.pgm().withLayers(mixed_, *pool_);

@@ -2,6 +2,8 @@
 
 #include <libyuv/planar_functions.h>
 
+#include <algorithm>
+
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/RowKernels.h"
 
@@ -9,8 +11,8 @@ namespace korvia {
 
 namespace {
 
-bool covers(const LayerRef& layer, const FrameRef& base) {
-  return layer && layer->busSize == base->size();
+bool covers(const StackedLayer& stacked, const FrameRef& base) {
+  return stacked.layer && stacked.layer->busSize == base->size() && stacked.pose.opacity > 0;
 }
 
 void copy(const Frame& from, Frame& to) {
@@ -19,6 +21,7 @@ void copy(const Frame& from, Frame& to) {
                       from.planeWidth(plane), from.planeHeight(plane));
 }
 
+/// The layer where it was drawn. It may reach beyond the picture.
 void blend(const Layer& layer, Frame& onto) {
   for (const int plane : kOpaquePlanes) {
     const PlaneView top = planeOf(*layer.picture, plane);
@@ -26,34 +29,43 @@ void blend(const Layer& layer, Frame& onto) {
     const int step = stepOf(plane);
     const int left = layer.rect.x / step;
     const int first = layer.rect.y / step;
-    for (int y = 0; y < top.height; ++y)
-      blendPremultipliedRow(top.row(y), layer.alphaRow(plane, y), blackOf(plane), under.row(first + y) + left,
-                            top.width);
+    const int skip = std::max(0, -left);
+    const int count = std::min(top.width, under.width - left) - skip;
+    if (count <= 0)
+      continue;
+    const int end = std::min(top.height, under.height - first);
+    for (int y = std::max(0, -first); y < end; ++y)
+      blendPremultipliedRow(top.row(y) + skip, layer.alphaRow(plane, y) + skip, blackOf(plane),
+                            under.row(first + y) + left + skip, count);
   }
 }
 
 }  // namespace
 
-FrameRef Compositor::over(const FrameRef& base, const std::vector<LayerRef>& layers, FramePool& pool) {
-  versions_.clear();
-  for (const LayerRef& layer : layers) {
-    if (covers(layer, base))
-      versions_.push_back(layer->version);
+FrameRef Compositor::over(const FrameRef& base, const std::vector<StackedLayer>& layers, FramePool& pool) {
+  looks_.clear();
+  for (const StackedLayer& stacked : layers) {
+    if (covers(stacked, base))
+      looks_.push_back({stacked.layer->version, stacked.pose});
   }
   if (isLastResult(base))
     return result_;
   result_.reset();
   base_.reset();
-  if (versions_.empty())
+  if (looks_.empty())
     return base;
   MutableFrame blended = pool.acquire();
   copy(*base, *blended);
-  for (const LayerRef& layer : layers) {
-    if (covers(layer, base))
-      blend(*layer, *blended);
+  for (const StackedLayer& stacked : layers) {
+    if (!covers(stacked, base))
+      continue;
+    if (stacked.pose.isPlain())
+      blend(*stacked.layer, *blended);
+    else
+      posed_.blend(*stacked.layer, stacked.pose, *blended);
   }
   base_ = base;
-  lastVersions_ = versions_;
+  lastLooks_ = looks_;
   result_ = std::move(blended).publish();
   return result_;
 }

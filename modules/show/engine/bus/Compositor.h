@@ -3,7 +3,8 @@
 #pragma once
 #include <vector>
 
-#include "engine/bus/Layer.h"
+#include "engine/bus/PosedBlend.h"
+#include "engine/bus/StackedLayer.h"
 #include "engine/frame/FramePool.h"
 
 namespace korvia {
@@ -13,18 +14,24 @@ class Compositor {
   /// `base` with the layers blended over it, the first one lowest: `base` itself when there are none, else a
   /// frame of `pool`, which provides opaque frames of the size of `base`. Null layers and layers for another
   /// size are skipped. The alpha of `base` is ignored.
-  FrameRef over(const FrameRef& base, const std::vector<LayerRef>& layers, FramePool& pool);
+  FrameRef over(const FrameRef& base, const std::vector<StackedLayer>& layers, FramePool& pool);
 
  private:
-  bool isLastResult(const FrameRef& base) const {
-    return result_ && base == base_ && versions_ == lastVersions_;
-  }
+  /// What a layer looks like on the bus.
+  struct Look {
+    std::uint64_t version = 0;
+    LayerPose pose;
+    friend bool operator==(const Look&, const Look&) = default;
+  };
+
+  bool isLastResult(const FrameRef& base) const { return result_ && base == base_ && looks_ == lastLooks_; }
 
   // The inputs of the last result.
   FrameRef base_;
-  std::vector<std::uint64_t> lastVersions_;
+  std::vector<Look> lastLooks_;
   FrameRef result_;
-  std::vector<std::uint64_t> versions_;  // of this call's layers; kept so that a frame does not allocate
+  std::vector<Look> looks_;  // of this call's layers; kept so that a frame does not allocate
+  PosedBlend posed_;
 };
 
 }  // namespace korvia

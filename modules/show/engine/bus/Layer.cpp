@@ -12,6 +12,9 @@ namespace korvia {
 
 namespace {
 
+// Transparent pixels around a layer that may be moved: a chroma sample and its neighbour.
+constexpr int kBorder = 4;
+
 /// The smallest rectangle around all pixels within `part` that are not transparent.
 QRect coveredPart(const QImage& image, const QRect& part) {
   const auto covers = [](QRgb pixel) { return qAlpha(pixel) != 0; };
@@ -64,25 +67,24 @@ std::vector<std::uint8_t> meansOfAlpha(const Frame& picture) {
   return means;
 }
 
-}  // namespace
+QImage premultiplied(const QImage& image) {
+  return image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
 
-LayerRef Layer::make(const QImage& image, QPoint at, FrameSize busSize) {
-  const QRect bus(0, 0, busSize.width, busSize.height);
-  const QRect visible = QRect(at, image.size()) & bus;
-  if (visible.isEmpty())
-    return {};
-  const QImage source = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-  const QRect covered = source.isNull() ? QRect() : coveredPart(source, visible.translated(-at));
-  if (covered.isEmpty())
-    return {};
+int evenBelow(int edge) {
+  return edge & ~1;
+}
 
+/// The covered part of the image, which lies at `at`, on a transparent picture with this rectangle.
+std::shared_ptr<Layer> layerOf(const QImage& source, const QRect& covered, QPoint at, const FrameRect& rect,
+                               FrameSize busSize) {
   auto layer = std::make_shared<Layer>();
-  layer->rect = onChromaGrid(covered.translated(at), busSize);
-  QImage canvas(layer->rect.width, layer->rect.height, QImage::Format_ARGB32_Premultiplied);
+  layer->rect = rect;
+  QImage canvas(rect.width, rect.height, QImage::Format_ARGB32_Premultiplied);
   if (canvas.isNull())
     return {};
   canvas.fill(Qt::transparent);
-  const QPoint place = covered.topLeft() + at - QPoint(layer->rect.x, layer->rect.y);
+  const QPoint place = covered.topLeft() + at - QPoint(rect.x, rect.y);
   for (int y = 0; y < covered.height(); ++y)
     std::memcpy(
         canvas.scanLine(place.y() + y) + static_cast<std::ptrdiff_t>(place.x()) * sizeof(QRgb),
@@ -93,6 +95,33 @@ LayerRef Layer::make(const QImage& image, QPoint at, FrameSize busSize) {
   layer->busSize = busSize;
   static std::atomic<std::uint64_t> lastVersion{0};
   layer->version = ++lastVersion;
+  return layer;
+}
+
+}  // namespace
+
+LayerRef Layer::make(const QImage& image, QPoint at, FrameSize busSize) {
+  const QRect bus(0, 0, busSize.width, busSize.height);
+  const QImage source = premultiplied(image);
+  const QRect covered = coveredPart(source, (QRect(at, image.size()) & bus).translated(-at));
+  return covered.isEmpty()
+             ? LayerRef()
+             : layerOf(source, covered, at, onChromaGrid(covered.translated(at), busSize), busSize);
+}
+
+LayerRef Layer::makeMovable(const QImage& image, QPoint at, FrameSize busSize, const QRectF& content) {
+  const QImage source = premultiplied(image);
+  const QRect covered = coveredPart(source, source.rect());
+  if (covered.isEmpty())
+    return {};
+  const QRect rect = covered.translated(at);
+  const int left = evenBelow(rect.left() - kBorder);
+  const int top = evenBelow(rect.top() - kBorder);
+  const FrameRect bordered{left, top, evenBelow(rect.right() + 2 + kBorder) - left,
+                           evenBelow(rect.bottom() + 2 + kBorder) - top};
+  std::shared_ptr<Layer> layer = layerOf(source, covered, at, bordered, busSize);
+  if (layer)
+    layer->content = content;
   return layer;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 #include <QImage>
 #include <QPoint>
+#include <QRectF>
 #include <memory>
 #include <vector>
 
@@ -20,8 +21,12 @@ struct Layer {
   /// The alpha at the size of the chroma planes, in rows of chromaWidth(): means of 2 x 2 samples.
   std::vector<std::uint8_t> chromaAlpha;
   /// The rectangle in the picture of the bus. Its edges are even, so that the chroma samples of both
-  /// pictures coincide, or are the edges of the bus's picture.
+  /// pictures coincide, or are the edges of the bus's picture. That of a layer that may be moved can lie
+  /// outside of the bus's picture.
   FrameRect rect;
+  /// What the operator places, without outline and shadow, in pixels of the bus's picture; empty for a layer
+  /// that cannot be moved.
+  QRectF content;
   /// Size of the bus's picture that it was made for. It is not shown over pictures of other sizes.
   FrameSize busSize;
   /// Unique in the process, so that it tells whether a layer changed.
@@ -31,6 +36,9 @@ struct Layer {
   /// to what is not transparent. Null when nothing is visible. Converts the image, so do not call it on the
   /// engine or the console thread.
   static LayerRef make(const QImage& image, QPoint at, FrameSize busSize);
+  /// The same for a layer that will be moved, scaled or rotated: not clipped, and with a transparent border,
+  /// which makes its edges smooth. `content` as in the member.
+  static LayerRef makeMovable(const QImage& image, QPoint at, FrameSize busSize, const QRectF& content);
 
   /// Row `y` of the alpha for a plane, counted within the rectangle.
   const std::uint8_t* alphaRow(int plane, int y) const;

@@ -11,13 +11,13 @@ std::size_t LayerStack::find(LayerKind kind, const QString& key) const {
   return static_cast<std::size_t>(found - places_.begin());
 }
 
-LayerRef LayerStack::put(LayerKind kind, const QString& key, LayerRef layer) {
+LayerRef LayerStack::put(LayerKind kind, const QString& key, LayerRef layer, const LayerPose& pose) {
   const std::size_t at = find(kind, key);
   if (at < places_.size())
-    return std::exchange(layers_[at], std::move(layer));
+    return std::exchange(layers_[at], StackedLayer(std::move(layer), pose)).layer;
   const auto above =
       std::find_if(places_.begin(), places_.end(), [kind](const Place& place) { return place.kind > kind; });
-  layers_.insert(layers_.begin() + (above - places_.begin()), std::move(layer));
+  layers_.insert(layers_.begin() + (above - places_.begin()), StackedLayer(std::move(layer), pose));
   places_.insert(above, {kind, key});
   return {};
 }
@@ -27,7 +27,7 @@ LayerRef LayerStack::remove(LayerKind kind, const QString& key) {
   if (at == places_.size())
     return {};
   const auto offset = static_cast<std::ptrdiff_t>(at);
-  LayerRef removed = std::move(layers_[at]);
+  LayerRef removed = std::move(layers_[at].layer);
   layers_.erase(layers_.begin() + offset);
   places_.erase(places_.begin() + offset);
   return removed;

@@ -3,7 +3,7 @@
 #include <QString>
 #include <vector>
 
-#include "engine/bus/Layer.h"
+#include "engine/bus/StackedLayer.h"
 
 namespace korvia {
 
@@ -14,11 +14,11 @@ class LayerStack {
  public:
   /// Puts a layer on top of its kind, or replaces the one of the same kind and key. A null layer keeps the
   /// place and shows nothing. Returns the layer that was replaced.
-  LayerRef put(LayerKind kind, const QString& key, LayerRef layer);
+  LayerRef put(LayerKind kind, const QString& key, LayerRef layer, const LayerPose& pose = {});
   /// Removes the layer and its place, and returns it.
   LayerRef remove(LayerKind kind, const QString& key);
-  /// From below; some may be null.
-  const std::vector<LayerRef>& layers() const { return layers_; }
+  /// From below; some have no layer.
+  const std::vector<StackedLayer>& layers() const { return layers_; }
 
  private:
   struct Place {
@@ -29,7 +29,7 @@ class LayerStack {
 
   // Two parallel arrays, so that the compositor gets the layers without their keys.
   std::vector<Place> places_;
-  std::vector<LayerRef> layers_;
+  std::vector<StackedLayer> layers_;
 };
 
 }  // namespace korvia

@@ -37,12 +37,13 @@ void ItemStage::setPaintPadValid(bool valid) {
 }
 
 void ItemStage::open(const ShowFormat& format) {
+  rate_ = format.rate;
   texts_.open(format.size);
   MutexLock lock(sizeMutex_);
   size_ = format.size;
 }
 
-void ItemStage::beginFrame() {
+void ItemStage::beginFrame(int ticks) {
   raster_.collect(drawn_);
   for (RasterWorker::Drawn& drawn : drawn_) {
     // The old layer goes back to the worker, which destroys it.
@@ -51,7 +52,8 @@ void ItemStage::beginFrame() {
     else
       texts_.take(drawn);
   }
-  texts_.beginFrame(QDateTime::currentDateTime(), drawn_);
+  if (!texts_.isEmpty())
+    texts_.beginFrame(QDateTime::currentDateTime(), static_cast<double>(rate_.nsOf(ticks)) * 1e-6, drawn_);
   if (paintPadValid_ && paintPad_)
     pgm_.layers().put(LayerKind::PaintPad, kPaintPadKey, paintPad_);
   else

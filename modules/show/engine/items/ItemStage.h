@@ -27,14 +27,16 @@ class ItemStage {
   // Engine thread.
   void open(const ShowFormat& format);
   TextItems& texts() { return texts_; }
-  /// Begins a frame: layers that were drawn since the last one are shown from now on.
-  void beginFrame();
+  /// Begins a frame, so many render frames after the last one: layers that were drawn since are shown from
+  /// now on.
+  void beginFrame(int ticks = 1);
 
  private:
   Mutex sizeMutex_;
   FrameSize size_ GUARDED_BY(sizeMutex_);
   std::atomic<bool> paintPadValid_{false};
 
+  FrameRate rate_;  // engine thread
   Bus& pgm_;
   LayerRef paintPad_;                       // engine thread
   std::vector<RasterWorker::Drawn> drawn_;  // engine thread; kept so that a frame does not allocate

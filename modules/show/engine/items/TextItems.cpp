@@ -34,7 +34,19 @@ LayerRef layerOf(TextPainter& painter, const tagKorviaShowTextInfo& info, FrameS
     return {};
   const QPoint center(static_cast<int>(std::lround(info.x * size.width)),
                       static_cast<int>(std::lround(info.y * size.height)));
-  return Layer::make(picture.image, center + picture.corner, size);
+  return Layer::makeMovable(picture.image, center + picture.corner, size, picture.box.translated(center));
+}
+
+/// How far a crawl is to the right of where it was drawn: the leading edge of the text starts at `x`, its
+/// trailing edge ends at `scrollEndX`, and then it begins again.
+double crawlMove(const tagKorviaShowTextInfo& info, const QRectF& content, double width, double shownMs) {
+  if (!(info.scrollTime > 0) || !std::isfinite(info.scrollEndX))
+    return 0;
+  const bool goesLeft = info.scrollEndX < info.x;
+  const double first = goesLeft ? info.x * width : info.x * width - content.width();
+  const double last = goesLeft ? info.scrollEndX * width - content.width() : info.scrollEndX * width;
+  const double rounds = shownMs / (static_cast<double>(info.scrollTime) * 1000);
+  return first + (last - first) * (rounds - std::floor(rounds)) - content.left();
 }
 
 }  // namespace
@@ -66,17 +78,14 @@ void TextItems::add(int bus, const tagKorviaShowTextInfo& info) {
     item.key = QStringLiteral("text ") + info.id;
     items_.push_back(std::move(item));
   }
-  Item& item = *find(info.id);
-  if (!std::exchange(item.isShown[*place], true))
-    buses_[*place]->layers().put(LayerKind::Text, item.key, item.layer);
+  find(info.id)->motions[*place].show();
 }
 
 void TextItems::remove(int bus, const QString& id) {
   const std::optional<std::size_t> place = placeOf(bus);
   Item* item = find(id);
-  if (!place || !item || !std::exchange(item->isShown[*place], false))
-    return;
-  buses_[*place]->layers().remove(LayerKind::Text, item->key);
+  if (place && item)
+    item->motions[*place].hide();
 }
 
 void TextItems::update(const tagKorviaShowTextInfo& info) {
@@ -91,6 +100,7 @@ bool TextItems::take(RasterWorker::Drawn& drawn) {
   for (Item& item : items_) {
     if (item.key == drawn.key) {
       item.layer.swap(drawn.layer);
+      item.wasDrawn = true;
       return true;
     }
   }
@@ -109,22 +119,45 @@ void TextItems::draw(Item& item, const QDateTime& now) {
   });
 }
 
-void TextItems::beginFrame(const QDateTime& now, std::vector<RasterWorker::Drawn>& discarded) {
-  const auto firstHidden = std::stable_partition(items_.begin(), items_.end(), [](const Item& item) {
-    return std::find(item.isShown.begin(), item.isShown.end(), true) != item.isShown.end();
-  });
-  for (auto hidden = firstHidden; hidden != items_.end(); ++hidden) {
-    raster_.withdraw(hidden->key);
-    discarded.push_back({hidden->key, std::move(hidden->layer)});
-  }
-  items_.erase(firstHidden, items_.end());
+LayerPose TextItems::poseOn(std::size_t bus, const Item& item) const {
+  const tagKorviaShowTextInfo& info = item.info;
+  const ItemMotion& motion = item.motions[bus];
+  const QRectF& content = item.layer->content;
+  const double move = crawlMove(info, content, size_.width, motion.shownMs());
+  LayerPose pose = motion.pose(info.enter, info.exit, content.translated(move, 0), size_);
+  pose.anchorX -= move;
+  pose.moveX += move;
+  return pose;
+}
+
+void TextItems::beginFrame(const QDateTime& now, double passedMs,
+                           std::vector<RasterWorker::Drawn>& discarded) {
   for (Item& item : items_) {
     draw(item, now);
     for (std::size_t bus = 0; bus < kBuses; ++bus) {
-      if (item.isShown[bus])
-        buses_[bus]->layers().put(LayerKind::Text, item.key, item.layer);
+      ItemMotion& motion = item.motions[bus];
+      // An entrance begins when there is something to show.
+      if (item.wasDrawn)
+        motion.advance(passedMs, item.info.enter, item.info.exit);
+      if (!motion.isPresent())
+        buses_[bus]->layers().remove(LayerKind::Text, item.key);
+      else if (item.layer)
+        buses_[bus]->layers().put(LayerKind::Text, item.key, item.layer, poseOn(bus, item));
+      else
+        buses_[bus]->layers().put(LayerKind::Text, item.key, {});
     }
   }
+  const auto isGone = [](const Item& item) {
+    return std::none_of(item.motions.begin(), item.motions.end(),
+                        [](const ItemMotion& motion) { return motion.isPresent(); });
+  };
+  for (Item& item : items_) {
+    if (!isGone(item))
+      continue;
+    raster_.withdraw(item.key);
+    discarded.push_back({item.key, std::move(item.layer)});
+  }
+  items_.erase(std::remove_if(items_.begin(), items_.end(), isGone), items_.end());
 }
 
 }  // namespace korvia

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "engine/bus/Bus.h"
+#include "engine/items/ItemMotion.h"
 #include "engine/items/RasterWorker.h"
 #include "engine/items/text/TextPainter.h"
 #include "tagKorviaShowTextInfo.h"
@@ -23,17 +24,20 @@ class TextItems {
   void open(FrameSize size);
 
   // Events. The bus is PVMObject or PGMObject; others are left alone.
+  /// The text comes in by its entrance. One that is on its way out turns back.
   void add(int bus, const tagKorviaShowTextInfo& info);
+  /// The text goes out by its exit, and is gone then.
   void remove(int bus, const QString& id);
   /// Changes the text wherever it shows. An unknown one is left alone.
   void update(const tagKorviaShowTextInfo& info);
 
+  bool isEmpty() const { return items_.empty(); }
   /// Takes a layer that the worker has drawn; false when its key is of another item. Puts the former layer
   /// in its place, which the worker destroys.
   bool take(RasterWorker::Drawn& drawn);
-  /// Begins a frame at this time of the day: has changed texts drawn, and puts all layers on their buses.
-  /// Layers that are not needed any more go to `discarded`.
-  void beginFrame(const QDateTime& now, std::vector<RasterWorker::Drawn>& discarded);
+  /// Begins a frame at this time of the day, so long after the last one: has changed texts drawn, and puts
+  /// all layers on their buses. Layers that are not needed any more go to `discarded`.
+  void beginFrame(const QDateTime& now, double passedMs, std::vector<RasterWorker::Drawn>& discarded);
 
  private:
   static constexpr std::size_t kBuses = 2;
@@ -41,14 +45,16 @@ class TextItems {
   struct Item {
     tagKorviaShowTextInfo info;
     QString key;  ///< of its requests and layers
-    std::array<bool, kBuses> isShown = {};
+    std::array<ItemMotion, kBuses> motions;
+    bool wasDrawn = false;
     bool isChanged = true;  ///< since it was drawn, except for the time
     QString drawnText;      ///< with the time in it
-    LayerRef layer;         ///< null before it was drawn
+    LayerRef layer;         ///< null before it was drawn, and when nothing of it is visible
   };
 
   Item* find(const QString& id);
   void draw(Item& item, const QDateTime& now);
+  LayerPose poseOn(std::size_t bus, const Item& item) const;
 
   const std::array<Bus*, kBuses> buses_;
   RasterWorker& raster_;

@@ -9,6 +9,9 @@ namespace korvia {
 
 namespace {
 
+// Rounds values from 0 on when the fraction is cut off after it.
+constexpr float kHalf = 0.5F;
+
 double limited(double radius) {
   return radius > 0 ? std::min(radius, kMostEffectRadius) : 0;
 }
@@ -230,8 +233,8 @@ Coverage blurred(const Coverage& from, double radius) {
     for (int lane = 0; lane < lanes; ++lane) {
       std::uint16_t* row = between.data() + static_cast<std::ptrdiff_t>(top + lane) * width;
       for (int x = 0; x < width; ++x)
-        row[x] =
-            static_cast<std::uint16_t>(std::max(strip[static_cast<std::size_t>(x)][lane], 0.0F) * 256 + 0.5F);
+        row[x] = static_cast<std::uint16_t>(std::max(strip[static_cast<std::size_t>(x)][lane], 0.0F) * 256 +
+                                            kHalf);
     }
   }
 

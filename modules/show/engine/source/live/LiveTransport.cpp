@@ -31,6 +31,9 @@ constexpr int kMostLeftBehind = 3;
 constexpr std::int64_t kSteadyNs = 10'000'000'000;
 // A connection that delivers for a shorter time than this does not shorten the wait before the next one.
 constexpr std::int64_t kUsefulNs = 500'000'000;
+// An input that may wait for ever for others to call is told as an error after this time, and goes on
+// waiting.
+constexpr std::int64_t kPatienceNs = 5'000'000'000;
 // A source that the operator or the watchdog stops had been lost, when it was silent for this time.
 constexpr std::int64_t kLostNs = 2'000'000'000;
 
@@ -192,6 +195,7 @@ void LiveTransport::run() {
     if (connection_)
       settle();
     if (connection_) {
+      tellLongWait();
       if (const auto reason = reasonToClose()) {
         const bool wasSilent =
             connection_->hasDelivered() && connection_->silentNs(LiveConnection::nowNs()) > kLostNs;
@@ -224,6 +228,17 @@ std::optional<QString> LiveTransport::reasonToClose() const {
   if (!connection_->hasDelivered() && settings_.openingNs > 0 && silentNs > settings_.openingNs)
     return QStringLiteral("nothing has come");
   return std::nullopt;
+}
+
+void LiveTransport::tellLongWait() {
+  if (connection_->hasDelivered() || settings_.openingNs > 0 ||
+      connection_->silentNs(LiveConnection::nowNs()) < kPatienceNs || state_ != Opening)
+    return;
+  {
+    MutexLock lock(mutex_);
+    failureReason_ = QStringLiteral("nothing has come yet");
+  }
+  state_ = Error;
 }
 
 void LiveTransport::connect() {

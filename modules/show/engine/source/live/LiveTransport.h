@@ -63,6 +63,8 @@ class LiveTransport : public LiveSink, public std::enable_shared_from_this<LiveT
   // Control thread.
   /// Why the open connection has to be closed; none while it may stay. Empty when the operator wants it.
   std::optional<QString> reasonToClose() const EXCLUDES(mutex_);
+  /// Tells the operator that nobody sends, while the input waits.
+  void tellLongWait() EXCLUDES(mutex_);
   void connect() EXCLUDES(mutex_);
   void disconnect() EXCLUDES(mutex_);
   void noteFailure(const QString& reason) EXCLUDES(mutex_);

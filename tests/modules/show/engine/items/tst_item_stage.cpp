@@ -31,8 +31,8 @@ class ItemStageTest : public QObject {
   /// The one layer over program at the next frame; null when there is none.
   LayerRef shown() {
     stage_->beginFrame();
-    const std::vector<LayerRef>& layers = program_->layers().layers();
-    return layers.empty() ? LayerRef() : layers.front();
+    const std::vector<StackedLayer>& layers = program_->layers().layers();
+    return layers.empty() ? LayerRef() : layers.front().layer;
   }
   LayerRef shownAfter(const QImage& image) {
     const LayerRef before = shown();

@@ -2,6 +2,7 @@
 #include <QtTest>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "KorviaShowObjectID.h"
 #include "engine/items/ItemStage.h"
@@ -26,8 +27,11 @@ class TextItemsTest : public QObject {
   /// The layers over a bus at the next frame that are drawn already.
   std::vector<LayerRef> layers(Bus& bus) {
     stage_->beginFrame();
-    std::vector<LayerRef> drawn = bus.layers().layers();
-    drawn.erase(std::remove(drawn.begin(), drawn.end(), nullptr), drawn.end());
+    std::vector<LayerRef> drawn;
+    for (const StackedLayer& stacked : bus.layers().layers()) {
+      if (stacked.layer)
+        drawn.push_back(stacked.layer);
+    }
     return drawn;
   }
   bool shows(Bus& bus, std::size_t count) {
@@ -69,6 +73,7 @@ class TextItemsTest : public QObject {
     QVERIFY(shows(*preview_, 1));
     texts().remove(PVMObject, first.id);
     texts().remove(PGMObject, second.id);
+    stage_->beginFrame();
     QVERIFY(preview_->layers().layers().empty());
     QVERIFY(program_->layers().layers().empty());
   }
@@ -139,9 +144,113 @@ class TextItemsTest : public QObject {
     QCOMPARE(layers(*program_).at(0), before);
     // What is shown anew comes on top.
     texts().remove(PGMObject, lower.id);
+    QVERIFY(shows(*program_, 1));
     texts().add(PGMObject, lower);
     QVERIFY(shows(*program_, 2));
     QVERIFY(layers(*program_).at(1)->rect == before->rect);
+  }
+
+  /// The pose of the only layer of program at the next frame; none when there is none.
+  std::optional<LayerPose> nextPose() {
+    stage_->beginFrame();
+    const std::vector<StackedLayer>& stacked = program_->layers().layers();
+    return stacked.empty() || !stacked[0].layer ? std::nullopt : std::optional(stacked[0].pose);
+  }
+  std::optional<LayerPose> firstPose() {
+    std::optional<LayerPose> pose;
+    return QTest::qWaitFor([&] { return (pose = nextPose()).has_value(); }, 10'000) ? pose : std::nullopt;
+  }
+
+  void anEntranceTakesItsTimeAndAnExitToo() {
+    tagKorviaShowTextInfo info = title();
+    info.enter.effect = 3;  // from the left
+    info.enter.duration = 400;
+    info.enter.curve = 0;
+    info.exit = {.effect = 30, .start = 0, .duration = 200, .curve = 0};  // to the right
+    texts().add(PGMObject, info);
+    LayerPose pose = firstPose().value();
+    QVERIFY(pose.moveX < -200);
+    double before = pose.moveX;
+    for (int frame = 2; frame < 10; ++frame) {
+      pose = nextPose().value();
+      QVERIFY(pose.moveX > before);
+      before = pose.moveX;
+    }
+    QVERIFY(nextPose().value().isPlain());  // the tenth frame of 40 ms
+    texts().remove(PGMObject, info.id);
+    for (int frame = 1; frame < 5; ++frame)
+      QVERIFY(nextPose().value().moveX > 0);
+    QVERIFY(!nextPose());
+  }
+
+  void showingDuringAnExitTurnsBack() {
+    tagKorviaShowTextInfo info = title();
+    info.exit = {.effect = 31, .start = 0, .duration = 400, .curve = 0};
+    texts().add(PGMObject, info);
+    QVERIFY(firstPose().value().isPlain());
+    texts().remove(PGMObject, info.id);
+    QVector<double> out;
+    for (int frame = 0; frame < 4; ++frame)
+      out << nextPose().value().moveX;
+    texts().add(PGMObject, info);
+    for (int frame = 2; frame >= 0; --frame)
+      QVERIFY(std::abs(nextPose().value().moveX - out[frame]) < 1e-6);
+    QVERIFY(nextPose().value().isPlain());
+  }
+
+  void anUpdateDuringAnEntranceKeepsTheClock() {
+    tagKorviaShowTextInfo info = title();
+    info.enter = {.effect = 1, .start = 0, .duration = 400, .curve = 0};
+    texts().add(PGMObject, info);
+    QVERIFY(firstPose());
+    for (int frame = 2; frame < 6; ++frame)
+      nextPose();
+    info.style.solidColor = 0xffff0000;
+    texts().update(info);
+    for (int frame = 6; frame < 10; ++frame)
+      QVERIFY(!nextPose().value().isPlain());
+    QVERIFY(nextPose().value().isPlain());
+  }
+
+  void aTextThatIsHiddenBeforeItIsDrawnIsGone() {
+    const tagKorviaShowTextInfo info = title();
+    texts().add(PGMObject, info);
+    texts().remove(PGMObject, info.id);
+    stage_->beginFrame();
+    QVERIFY(program_->layers().layers().empty());
+  }
+
+  void aCrawlMovesEvenly_data() {
+    QTest::addColumn<double>("x");
+    QTest::addColumn<double>("endX");
+    QTest::newRow("to the left") << 1.0 << 0.0;
+    QTest::newRow("to the right") << 0.0 << 1.0;
+  }
+  void aCrawlMovesEvenly() {
+    QFETCH(double, x);
+    QFETCH(double, endX);
+    tagKorviaShowTextInfo info = title();
+    info.x = x;
+    info.scrollEndX = endX;
+    info.scrollTime = 1;
+    texts().add(PGMObject, info);
+    QVERIFY(firstPose());
+    const QRectF content = layers(*program_).at(0)->content;
+    const double sign = endX < x ? -1 : 1;
+    // The whole way is the picture and the text itself.
+    const double step = sign * (kSize.width + content.width()) / 25;
+    double before = nextPose().value().moveX;
+    int turns = 0;
+    for (int frame = 0; frame < 60; ++frame) {
+      const double now = nextPose().value().moveX;
+      const bool isTurn = (now - before) * sign < 0;
+      turns += isTurn ? 1 : 0;
+      QVERIFY2(isTurn || std::abs(now - before - step) < 1e-6, QByteArray::number(now - before - step));
+      const double left = content.left() + now;
+      QVERIFY(left <= kSize.width + 1e-6 && left + content.width() >= -1e-6);
+      before = now;
+    }
+    QVERIFY(turns == 2 || turns == 3);
   }
 
   void strangeRecordsShowNothing_data() {

@@ -107,6 +107,19 @@ class StreamLossTest : public QObject {
     QCOMPARE(connection->state(), QAbstractSocket::ConnectedState);
   }
 
+  void aSilentPortIsToldAndListenedTo() {
+    UdpPlace place;
+    LiveRig rig(urlRecord(place.url()));
+    QTRY_COMPARE_WITH_TIMEOUT(rig.state(), int(Error), 10'000);
+    QCOMPARE(rig.reason(), QStringLiteral("nothing has come yet"));
+    QCOMPARE(rig.rate(), 25.0F);  // the watchdog need not start it again
+    place.start();
+    QVERIFY(rig.waitForFresh(kLiveMs) >= 0);
+    QTRY_COMPARE(rig.state(), int(Playing));
+    QVERIFY(rig.reason().isEmpty());
+    QCOMPARE(rig->figures().live.connections, qint64(1));
+  }
+
   void aServerThatRefusesIsTriedAgain() {
     const int port = freeTcpPort();
     WarningKeeper warnings;
