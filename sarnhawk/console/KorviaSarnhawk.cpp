@@ -31,6 +31,7 @@
 #include "output/GWidgetOutputStatistics.h"
 #include "output/OutputSettings.h"
 #include "output/OutputStatus.h"
+#include "present/GWidgetSubtitle.h"
 #include "services/ConsoleServers.h"
 #include "services/GDialogProductAbout.h"
 #include "services/IncomeNames.h"
@@ -187,8 +188,7 @@ bool KorviaSarnhawk::createUi() {
   createWindows();
   checkAudioDevices();
   ConsoleServers::checkPorts(this);
-  // The tabs hold no pages yet, so the operator must not see them.
-  _ui->_presentItemTabWidget->hide();
+  createTabs();
   connectControls();
   createTakeMenus();
   createSystemMenu();
@@ -222,6 +222,18 @@ void KorviaSarnhawk::createWindows() {
   _statisticsWindow->follow(_statistics.get());
   _pages.add(PagePlace::StatisticsWindow, _statisticsWindow);
   _ui->_screenCutPushButton->setEnabled(false);
+}
+
+void KorviaSarnhawk::createTabs() {
+  auto* subtitles = new GWidgetSubtitle(this, _ui->_subtitleTab);
+  _ui->_subtitleTabLayout->addWidget(subtitles);
+  _pages.add(PagePlace::Subtitle, subtitles);
+  // The operator does not see the tabs of pages that do not exist yet.
+  QTabWidget* tabs = _ui->_presentItemTabWidget;
+  for (int index = tabs->count() - 1; index >= 0; --index) {
+    if (tabs->widget(index)->layout()->isEmpty())
+      tabs->removeTab(index);
+  }
 }
 
 QStringList KorviaSarnhawk::audioDevices() const {

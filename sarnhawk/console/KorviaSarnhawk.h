@@ -200,6 +200,7 @@ class KorviaSarnhawk : public QMainWindow,
   bool createUi();
   void createLever();
   void createWindows();
+  void createTabs();
   void checkAudioDevices();
   void connectControls();
   void createTakeMenus();

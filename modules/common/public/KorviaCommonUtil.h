@@ -2,6 +2,7 @@
 // Stateless, usable from any thread where nothing else is said.
 #pragma once
 #include <QByteArray>
+#include <QFileInfo>
 #include <QSizeF>
 #include <QString>
 #include <utility>
@@ -15,6 +16,11 @@ class KorviaCommonUtil {
   /// Reads a whole regular file. False, with content cleared, for a missing or unreadable file, for anything
   /// that is no regular file, and for more than 64 MiB.
   static bool readFileContent(const QString& path, QByteArray& content);
+
+  /// Appends the regular files of a folder that match one of the patterns ("*.avi;*.mp4"; case does not
+  /// matter), sorted by name. Hidden files and files of folders below are listed only when asked for.
+  static void collectFileListInExt(const QString& folder, const QString& filter, QFileInfoList& files,
+                                   bool withSubFolders, bool withHidden);
 
   /// The address under which the servers of this machine are reached: "127.0.0.1" unless the ingest server
   /// listens elsewhere.

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QHostAddress>
@@ -87,6 +88,24 @@ bool KorviaCommonUtil::readFileContent(const QString& path, QByteArray& content)
   qDebug("failed to read file : %s", qUtf8Printable(file.fileName()));
   content.clear();
   return false;
+}
+
+void KorviaCommonUtil::collectFileListInExt(const QString& folder, const QString& filter,
+                                            QFileInfoList& files, bool withSubFolders, bool withHidden) {
+  QDir::Filters kinds = QDir::Files;
+  if (withHidden)
+    kinds |= QDir::Hidden;
+  QDirIterator walk(korvia::DrivePath::resolve(folder), filter.split(QLatin1Char(';'), Qt::SkipEmptyParts),
+                    kinds, withSubFolders ? QDirIterator::Subdirectories : QDirIterator::NoIteratorFlags);
+  QFileInfoList found;
+  while (walk.hasNext()) {
+    walk.next();
+    found.append(walk.fileInfo());
+  }
+  std::sort(found.begin(), found.end(), [](const QFileInfo& a, const QFileInfo& b) {
+    return a.absoluteFilePath() < b.absoluteFilePath();
+  });
+  files.append(found);
 }
 
 QString KorviaCommonUtil::getIp() {

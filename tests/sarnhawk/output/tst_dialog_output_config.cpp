@@ -11,7 +11,7 @@
 #include "ConsoleDesk.h"
 #include "KorviaMetaType.h"
 #include "KorviaShowEvents.h"
-#include "OutputConsole.h"
+#include "PlainConsole.h"
 #include "output/GDialogOutputConfig.h"
 
 namespace {
@@ -56,7 +56,7 @@ class DialogOutputConfigTest : public QObject {
 
  private slots:
   void looksLikeItself() {
-    OutputConsole console;
+    PlainConsole console;
     const GDialogOutputConfig dialog(&console);
     QCOMPARE(dialog.windowTitle(), QString("Output Config"));
     QCOMPARE(dialog.size(), QSize(702, 280));
@@ -86,7 +86,7 @@ class DialogOutputConfigTest : public QObject {
   }
 
   void editsACopy() {
-    OutputConsole console;
+    PlainConsole console;
     console.config.outputParam.items[OutputSlotStream].ndiName = "studio";
     const tagKorviaShowOutputParam before = console.config.outputParam;
     GDialogOutputConfig dialog(&console);
@@ -147,7 +147,7 @@ class DialogOutputConfigTest : public QObject {
   }
 
   void sizeIsStoredBeforeTheDialogIsAccepted() {
-    OutputConsole console;
+    PlainConsole console;
     GDialogOutputConfig dialog(&console);
     dialog.findChild<QComboBox*>("_recordVideoSizeComboBox")->setCurrentIndex(0);
     qint32 width = 0;

@@ -12,7 +12,7 @@
 #include <QtTest>
 #include <memory>
 
-#include "OutputConsole.h"
+#include "PlainConsole.h"
 #include "output/GTabOutputPGM.h"
 
 namespace {
@@ -78,7 +78,7 @@ class Page {
   const QList<tagGDecklinkCardInfo> twoCards{{0, "Mini Monitor", {"1080p25", "1080i50"}},
                                              {1, "Duo (1)", {"720p50", "2160p25"}}};
 
-  OutputConsole console;
+  PlainConsole console;
   tagKorviaShowOutputParam param;
   QList<tagGDecklinkCardInfo> cards;
   std::unique_ptr<GTabOutputPGM> tab;

@@ -12,7 +12,7 @@
 
 #include "ConsoleDesk.h"
 #include "KorviaCommonUtil.h"
-#include "OutputConsole.h"
+#include "PlainConsole.h"
 #include "output/GBitratePlotChart.h"
 #include "output/GWidgetOutputStatistics.h"
 #include "tagKorviaOutputStatistics.h"
@@ -56,7 +56,7 @@ class Window {
   tagKorviaShowOutputItem& net() { return console.config.outputParam.items[OutputSlotStream]; }
   tagKorviaShowOutputItem& record() { return console.config.outputParam.items[OutputSlotRecord]; }
 
-  OutputConsole console;
+  PlainConsole console;
   tagKorviaOutputStatistics outputs;
   std::array<tagKorviaShowSourceStatisticsItem, kMediaChannelMax> sources;
   std::unique_ptr<GWidgetOutputStatistics> window;

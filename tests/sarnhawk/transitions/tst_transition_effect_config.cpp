@@ -12,6 +12,7 @@
 
 #include "ConsoleDesk.h"
 #include "KorviaShowEvents.h"
+#include "PlainConsole.h"
 #include "console/GWidgetDisplayObjectConfig.h"
 #include "present/GListWidgetItem.h"
 #include "transitions/GWidgetTransitionEffectConfig.h"
@@ -22,24 +23,11 @@ const QStringList kKinds{"_sysKind",  "_eraseKind",      "_fadeKind",  "_glideKi
                          "_blurKind", "_distortionKind", "_colorKind", "_easingType"};
 
 /// A console that keeps what the editor asks of it, with the slot as it was at that moment.
-class LoggingConsole final : public IKorviaSarnhawkPriv {
+class LoggingConsole final : public PlainConsole {
  public:
-  bool isValid() override { return true; }
-  bool release() override { return true; }
-  void* queryInterface(const Identifier*, unsigned) override { return nullptr; }
-  KorviaSarnhawk* getMainWindow() override { return nullptr; }
-  QString getRootPath() override { return QString(); }
-  tagKorviaSarnhawkConfig* getConfig() override { return &config; }
-  KorviaShowEngine* getEngine() override { return nullptr; }
   void postEvent(quint64 eventId, QVariant, QVariant, QVariant, QVariant) override {
     log.append(QString("post %1").arg(eventId));
   }
-  tagGSystemTTFFontInfo* getSystemFontInfo() override { return nullptr; }
-  QList<tagKorviaComponentParam*>* getComponentCatalog() override { return nullptr; }
-  QList<tagKorviaComponentParam*>* getStageCatalog() override { return nullptr; }
-  void showSoundControl(int, QWidget*) override {}
-  void showTransitionConfig(int) override {}
-  void showChannelConfig(QWidget*, int) override {}
   void saveChanges(unsigned what, int channel) override {
     log.append(QString("save %1 %2 %3").arg(what).arg(channel).arg(slotText()));
   }
@@ -51,7 +39,6 @@ class LoggingConsole final : public IKorviaSarnhawkPriv {
   }
   void takeSelected(int index) override { log.append(QString("take %1 %2").arg(index).arg(slotText())); }
   QList<GListWidgetItemInfo>* getEffectList(int catalog) override { return catalogue.effectList(catalog); }
-  IKorviaShowSource* getSource(KorviaShowObjectID) override { return nullptr; }
 
   /// Slot 2 as (effect, duration, easing).
   QString slotText() const {
@@ -59,7 +46,6 @@ class LoggingConsole final : public IKorviaSarnhawkPriv {
     return QString("(%1, %2, %3)").arg(slot.effect).arg(double{slot.duration}).arg(slot.easing);
   }
 
-  tagKorviaSarnhawkConfig config;
   TransitionCatalogue catalogue;
   QStringList log;
 };

@@ -1,11 +1,12 @@
-// A console without an engine that only holds the show record, for the widgets of the outputs. Console
-// thread.
+// A console without an engine that only holds the show record. Tests of widgets override what they watch.
+// Console thread.
 #pragma once
 #include "console/IKorviaSarnhawkPriv.h"
 #include "console/tagKorviaSarnhawkConfig.h"
 
-class OutputConsole final : public IKorviaSarnhawkPriv {
+class PlainConsole : public IKorviaSarnhawkPriv {
  public:
+  virtual ~PlainConsole() = default;
   bool isValid() override { return true; }
   bool release() override { return true; }
   void* queryInterface(const Identifier*, unsigned) override { return nullptr; }
