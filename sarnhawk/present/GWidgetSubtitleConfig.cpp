@@ -33,6 +33,7 @@ constexpr qint32 kBottom = 0x40;
 GWidgetSubtitleConfig::GWidgetSubtitleConfig(IKorviaSarnhawkPriv* priv, IGWidgetSubtitleConfigSink* sink)
     : QWidget(nullptr, Qt::Popup), _ui(std::make_unique<Ui::GWidgetSubtitleConfig>()), _sink(sink) {
   _ui->setupUi(this);
+  setAttribute(Qt::WA_StyledBackground);
   _textStyle = new GWidgetTextStyle(priv, this, _ui->_textStyleWidget);
   _ui->_textStyleLayout->addWidget(_textStyle);
   using Info = tagKorviaShowTextInfo;

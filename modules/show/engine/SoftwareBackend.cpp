@@ -17,6 +17,7 @@ SoftwareBackend::SoftwareBackend()
       channels_(janitor_),
       switcher_(channels_),
       items_(switcher_.pvm(), switcher_.pgm()),
+      placing_(items_.texts()),
       mixer_(channels_),
       monitors_(stages_),
       outputs_(janitor_),
@@ -43,6 +44,7 @@ void SoftwareBackend::fillEventTable() {
   events_.on(ShowEventAddText, items_.texts(), &TextItems::add);
   events_.on(ShowEventRemoveText, items_.texts(), &TextItems::remove);
   events_.on(ShowEventUpdateText, items_.texts(), &TextItems::update);
+  events_.on(ShowEventPlacementCommit, placing_, &ItemPlacing::commit);
   events_.on(ShowEventAudioMixMode, mixer_, &AudioMixer::setMixMode);
   events_.on(ShowEventVolume, mixer_, &AudioMixer::setVolume);
   events_.on(ShowEventChannelMix, mixer_, &AudioMixer::setChannelMix);
@@ -53,6 +55,7 @@ void SoftwareBackend::begin(IShowBackendHost& host) {
   runAhead();
   host_ = &host;
   switcher_.setHost(&host);
+  placing_.setHost(&host);
   mixer_.setHost(&host);
   outputs_.setHost(&host);
   sink_ = host.engineSink();
@@ -63,6 +66,7 @@ void SoftwareBackend::end() {
   channels_.closeSources();
   sink_ = nullptr;
   switcher_.setHost(nullptr);
+  placing_.setHost(nullptr);
   mixer_.setHost(nullptr);
   outputs_.setHost(nullptr);
   host_ = nullptr;
@@ -75,6 +79,7 @@ void SoftwareBackend::open(const tagKorviaShowEngineInfo& info, const tagKorviaS
   channels_.open(format_);
   switcher_.open(format_);
   items_.open(format_);
+  placing_.open(format_.size, windows);
   mixer_.open(format_.rate);
   loudness_.restart();
   openDevices(info);
@@ -126,6 +131,7 @@ void SoftwareBackend::closeShow() {
   closeDevices();
   outputs_.close();
   deviceOutputs_.close();
+  placing_.close();
   monitors_.close();
   snapshots_.flush();
   program_.reset();
@@ -163,7 +169,9 @@ void SoftwareBackend::frameStep(const FrameTick& tick) {
   }
   {
     StageClock::Scope stage(stages_, StageClock::Items);
+    placing_.beginFrame();
     items_.beginFrame(ticks);
+    placing_.endFrame();
     if (preview)
       preview = switcher_.pvm().withLayers(preview, *pool_);
     program_ = switcher_.pgm().withLayers(mixed_, *pool_);
@@ -199,8 +207,8 @@ void SoftwareBackend::mixSound(const FrameTick& tick) {
 }
 
 void SoftwareBackend::showMonitors(const FrameRef& preview) {
-  monitors_.show(MonitorHub::Pgm, program_);
-  monitors_.show(MonitorHub::Pvm, preview);
+  monitors_.show(MonitorHub::Pgm, program_, placing_.pgmGuides());
+  monitors_.show(MonitorHub::Pvm, preview, placing_.pvmGuides());
   const auto showChannel = [this](int window, int channelId) {
     // A channel makes its picture on demand, so it is asked only for a visible window.
     if (monitors_.isShown(static_cast<MonitorHub::Window>(window)))

@@ -22,6 +22,7 @@
 #include "engine/output/OutputRack.h"
 #include "engine/output/SnapshotWriter.h"
 #include "engine/output/device/DeviceRack.h"
+#include "engine/placing/ItemPlacing.h"
 #include "tagKorviaShowEngineInfo.h"
 
 namespace korvia {
@@ -91,6 +92,7 @@ class SoftwareBackend final : public IShowBackend {
   Switcher switcher_;
   std::unique_ptr<FramePool> pool_;  // engine thread; pictures with layers over them
   ItemStage items_;
+  ItemPlacing placing_;
   AudioMixer mixer_;
   LoudnessMeter loudness_;
   // Engine thread; null for a bus that is not heard.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 #include <utility>
 
 #include "KorviaShowObjectID.h"
@@ -78,7 +77,10 @@ void TextItems::add(int bus, const tagKorviaShowTextInfo& info) {
     item.key = QStringLiteral("text ") + info.id;
     items_.push_back(std::move(item));
   }
-  find(info.id)->motions[*place].show();
+  Item& shown = *find(info.id);
+  if (!shown.motions[*place].isPresent())
+    shown.turns[*place] = ++turn_;
+  shown.motions[*place].show();
 }
 
 void TextItems::remove(int bus, const QString& id) {
@@ -94,6 +96,52 @@ void TextItems::update(const tagKorviaShowTextInfo& info) {
     return;
   item->info = info;
   item->isChanged = true;
+}
+
+std::optional<tagKorviaShowPresentPlacement> TextItems::place(const QString& id, double x, double y) {
+  Item* item = find(id);
+  if (!item || !std::isfinite(x) || !std::isfinite(y))
+    return std::nullopt;
+  if (item->info.x != x || item->info.y != y) {
+    item->info.x = x;
+    item->info.y = y;
+    item->isChanged = true;
+  }
+  tagKorviaShowPresentPlacement placement;
+  placement.kind = PresentKindSubtitle;
+  placement.key = id;
+  placement.x = x;
+  placement.y = y;
+  if (item->layer && !size_.isEmpty()) {
+    placement.width = item->layer->content.width() / size_.width;
+    placement.height = item->layer->content.height() / size_.height;
+  }
+  return placement;
+}
+
+void TextItems::describe(std::vector<PlacedItem>& items) const {
+  items.clear();
+  for (std::size_t bus = 0; bus < kBuses; ++bus) {
+    const auto begin = static_cast<std::ptrdiff_t>(items.size());
+    for (const Item& item : items_) {
+      if (!item.motions[bus].isPresent() || !item.layer || item.layer->content.isEmpty())
+        continue;
+      PlacedItem placed;
+      placed.key = item.info.id;
+      placed.bus = bus == 0 ? PVMObject : PGMObject;
+      placed.content = item.layer->content;
+      placed.x = item.info.x;
+      placed.y = item.info.y;
+      placed.isCrawl = item.info.scrollTime > 0;
+      placed.turn = item.turns[bus];
+      // A crawl passes the whole line.
+      if (placed.isCrawl)
+        placed.content = {0, placed.content.y(), static_cast<double>(size_.width), placed.content.height()};
+      items.push_back(std::move(placed));
+    }
+    std::sort(items.begin() + begin, items.end(),
+              [](const PlacedItem& a, const PlacedItem& b) { return a.turn < b.turn; });
+  }
 }
 
 bool TextItems::take(RasterWorker::Drawn& drawn) {

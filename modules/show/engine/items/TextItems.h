@@ -5,12 +5,15 @@
 #include <QString>
 #include <array>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "engine/bus/Bus.h"
 #include "engine/items/ItemMotion.h"
+#include "engine/items/PlacedItem.h"
 #include "engine/items/RasterWorker.h"
 #include "engine/items/text/TextPainter.h"
+#include "tagKorviaShowPresentPlacement.h"
 #include "tagKorviaShowTextInfo.h"
 
 namespace korvia {
@@ -31,6 +34,12 @@ class TextItems {
   /// Changes the text wherever it shows. An unknown one is left alone.
   void update(const tagKorviaShowTextInfo& info);
 
+  // Placing on the monitors.
+  /// Moves the text wherever it shows. None for an unknown one, and for what is no number.
+  std::optional<tagKorviaShowPresentPlacement> place(const QString& id, double x, double y);
+  /// The texts that show on the buses, from below.
+  void describe(std::vector<PlacedItem>& items) const;
+
   bool isEmpty() const { return items_.empty(); }
   /// Takes a layer that the worker has drawn; false when its key is of another item. Puts the former layer
   /// in its place, which the worker destroys.
@@ -46,6 +55,7 @@ class TextItems {
     tagKorviaShowTextInfo info;
     QString key;  ///< of its requests and layers
     std::array<ItemMotion, kBuses> motions;
+    std::array<quint64, kBuses> turns{};  ///< count of the items that were shown on a bus before
     bool wasDrawn = false;
     bool isChanged = true;  ///< since it was drawn, except for the time
     QString drawnText;      ///< with the time in it
@@ -60,6 +70,7 @@ class TextItems {
   RasterWorker& raster_;
   const std::shared_ptr<TextPainter> painter_;  // the worker's thread
   FrameSize size_;
+  quint64 turn_ = 0;
   std::vector<Item> items_;  // by the order in which they were added first
 };
 

@@ -1,5 +1,7 @@
 #include "MonitorHub.h"
 
+#include <utility>
+
 #include "KorviaShowObjectID.h"
 #include "engine/ThreadName.h"
 #include "engine/ThreadPriority.h"
@@ -78,9 +80,9 @@ void MonitorHub::resizeObject(int objectId, const tagKorviaWindowInfo& info) {
   slots_[window].changed = true;
 }
 
-void MonitorHub::show(Window window, const FrameRef& picture) {
+void MonitorHub::show(Window window, const FrameRef& picture, const MonitorGuides& guides) {
   if (wanted_[window])
-    staged_[window] = picture;
+    staged_[window] = {picture, guides};
 }
 
 void MonitorHub::commit() {
@@ -89,12 +91,12 @@ void MonitorHub::commit() {
   {
     MutexLock lock(mutex_);
     for (int i = 0; i < WindowCount; ++i) {
-      if (!staged_[i])
+      if (!staged_[i].frame)
         continue;
       // The last picture was not fetched yet. Replacing it counts as a drop for a strip.
-      if (slots_[i].next && i >= FirstMedia)
+      if (slots_[i].next.frame && i >= FirstMedia)
         dropped_.fetch_add(1, std::memory_order_relaxed);
-      slots_[i].next = std::move(staged_[i]);
+      slots_[i].next = std::exchange(staged_[i], {});
     }
     committed_ = true;
   }
@@ -105,7 +107,7 @@ void MonitorHub::run() {
   nameThread("kv-monitor");
   runBehind();
   factory_ = makeFactory_();
-  std::array<FrameRef, WindowCount> pictures;
+  std::array<Shown, WindowCount> pictures;
   MutexLock lock(mutex_);
   for (;;) {
     wake_.wait(lock, [this]() REQUIRES(mutex_) { return stop_ || committed_; });
@@ -114,7 +116,7 @@ void MonitorHub::run() {
     committed_ = false;
     for (int i = 0; i < WindowCount; ++i) {
       Slot& slot = slots_[i];
-      pictures[i] = std::move(slot.next);
+      pictures[i] = std::exchange(slot.next, {});
       if (!slot.changed)
         continue;
       slot.changed = false;
@@ -140,24 +142,25 @@ void MonitorHub::run() {
   factory_.reset();
 }
 
-void MonitorHub::showPictures(std::array<FrameRef, WindowCount>& pictures) {
+void MonitorHub::showPictures(std::array<Shown, WindowCount>& pictures) {
   StageClock::Scope scope(stages_, StageClock::Monitors);
   for (int i = 0; i < WindowCount; ++i) {
     // An unchanged picture is still on the screen.
-    if (pictures[i] && surfaces_[i] && (pictures[i] != shown_[i] || surfaces_[i]->isLost()))
-      surfaces_[i]->show(*pictures[i]);
-    if (pictures[i])
+    const bool isNew = pictures[i].frame && pictures[i] != shown_[i];
+    if (surfaces_[i] && (isNew || (pictures[i].frame && surfaces_[i]->isLost())))
+      surfaces_[i]->show(*pictures[i].frame, pictures[i].guides);
+    if (pictures[i].frame)
       shown_[i] = std::move(pictures[i]);
     // Program and preview are shown. When the next frame is here already, the strips of this one are
     // dropped.
-    pictures[i].reset();
-    if (i + 1 >= FirstMedia && i + 1 < WindowCount && pictures[i + 1]) {
+    pictures[i] = {};
+    if (i + 1 >= FirstMedia && i + 1 < WindowCount && pictures[i + 1].frame) {
       MutexLock lock(mutex_);
       if (!committed_)
         continue;
       for (int rest = i + 1; rest < WindowCount; ++rest) {
-        dropped_.fetch_add(pictures[rest] ? 1 : 0, std::memory_order_relaxed);
-        pictures[rest].reset();
+        dropped_.fetch_add(pictures[rest].frame ? 1 : 0, std::memory_order_relaxed);
+        pictures[rest] = {};
       }
       break;
     }

@@ -46,7 +46,7 @@ class MonitorHub {
   void resizeObject(int objectId, const tagKorviaWindowInfo& info);
   bool isShown(Window window) const { return wanted_[window]; }
   /// Sets the next picture of a window; ignored for a window that does not exist.
-  void show(Window window, const FrameRef& picture);
+  void show(Window window, const FrameRef& picture, const MonitorGuides& guides = {});
   /// Shows the pictures that were set for this frame.
   void commit();
 
@@ -54,14 +54,20 @@ class MonitorHub {
   qint64 droppedPictures() const { return dropped_.load(std::memory_order_relaxed); }
 
  private:
+  struct Shown {
+    FrameRef frame;
+    MonitorGuides guides;
+
+    friend bool operator==(const Shown&, const Shown&) = default;
+  };
   struct Slot {
     tagKorviaWindowInfo info;
     bool changed = false;  // size or window
-    FrameRef next;
+    Shown next;
   };
 
   void run();
-  void showPictures(std::array<FrameRef, WindowCount>& pictures) EXCLUDES(mutex_);
+  void showPictures(std::array<Shown, WindowCount>& pictures) EXCLUDES(mutex_);
 
   StageClock& stages_;
   const MakeFactory makeFactory_;
@@ -70,15 +76,15 @@ class MonitorHub {
   std::array<Slot, WindowCount> slots_ GUARDED_BY(mutex_);
   bool committed_ GUARDED_BY(mutex_) = false;
   bool stop_ GUARDED_BY(mutex_) = false;
-  std::array<FrameRef, WindowCount> staged_;  // engine thread
-  std::array<bool, WindowCount> wanted_{};    // engine thread
+  std::array<Shown, WindowCount> staged_;   // engine thread
+  std::array<bool, WindowCount> wanted_{};  // engine thread
   std::thread thread_;
   std::atomic<qint64> dropped_{0};
 
   std::unique_ptr<MonitorSurfaceFactory> factory_;                     // monitor thread
   std::array<std::unique_ptr<MonitorSurface>, WindowCount> surfaces_;  // monitor thread
   std::array<WId, WindowCount> windowIds_{};                           // monitor thread
-  std::array<FrameRef, WindowCount> shown_;                            // monitor thread; the last pictures
+  std::array<Shown, WindowCount> shown_;                               // monitor thread; the last pictures
 };
 
 }  // namespace korvia

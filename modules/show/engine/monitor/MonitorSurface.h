@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "engine/frame/Frame.h"
+#include "engine/monitor/MonitorGuides.h"
 #include "tagKorviaWindowInfo.h"
 
 namespace korvia {
@@ -12,8 +13,8 @@ class MonitorSurface {
   virtual ~MonitorSurface() = default;
   /// The window changed its size.
   virtual void resize(const tagKorviaWindowInfo& window) = 0;
-  /// Shows the picture letterboxed.
-  virtual void show(const Frame& picture) = 0;
+  /// Shows the picture letterboxed, with the guides over it.
+  virtual void show(const Frame& picture, const MonitorGuides& guides) = 0;
   /// Whether the screen may have lost the last picture, so that it must be shown again although it did not
   /// change.
   virtual bool isLost() const = 0;

@@ -6,7 +6,7 @@
 
 namespace korvia {
 
-void WidgetMonitorSurface::show(const Frame& picture) {
+void WidgetMonitorSurface::show(const Frame& picture, const MonitorGuides& guides) {
   const FrameSize size{window_.right - window_.left + 1, window_.bottom - window_.top + 1};
   const MonitorRect rect = monitorRect(picture.size(), size);
   QCoreApplication* application = QCoreApplication::instance();
@@ -16,6 +16,7 @@ void WidgetMonitorSurface::show(const Frame& picture) {
   lost_ = false;
   QImage image(rect.size.width, rect.size.height, QImage::Format_RGB32);
   scaler_.toRgb(picture, rect.size, image.bits(), image.bytesPerLine());
+  drawGuides(guides, rect.size, image.bits(), image.bytesPerLine());
   QMetaObject::invokeMethod(
       application,
       [winId = window_.winId, image, underWay = underWay_] {

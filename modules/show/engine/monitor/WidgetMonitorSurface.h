@@ -16,7 +16,7 @@ class WidgetMonitorSurface final : public MonitorSurface {
     window_ = window;
     lost_ = true;
   }
-  void show(const Frame& picture) override;
+  void show(const Frame& picture, const MonitorGuides& guides) override;
   bool isLost() const override { return lost_; }
 
  private:

@@ -234,12 +234,13 @@ void X11MonitorSurface::fillAround(const MonitorRect& rect) {
   xcb_poly_fill_rectangle(connection_, window_, context_, 4, around);
 }
 
-void X11MonitorSurface::show(const Frame& picture) {
+void X11MonitorSurface::show(const Frame& picture, const MonitorGuides& guides) {
   const MonitorRect rect = monitorRect(picture.size(), windowSize_);
   if (!visible_ || rect.size.isEmpty())
     return;
   prepareImage(rect.size);
   scaler_.toRgb(picture, rect.size, pixels_, rect.size.width * 4);
+  drawGuides(guides, rect.size, pixels_, rect.size.width * 4);
   putImage(rect);
   factory_.drawn_ = true;
   lost_ = false;

@@ -45,7 +45,7 @@ class X11MonitorSurface final : public MonitorSurface {
   X11MonitorSurface(X11MonitorSurfaceFactory& factory, const tagKorviaWindowInfo& window);
   ~X11MonitorSurface() override;
   void resize(const tagKorviaWindowInfo& window) override;
-  void show(const Frame& picture) override;
+  void show(const Frame& picture, const MonitorGuides& guides) override;
   bool isLost() const override { return lost_; }
 
  private:

@@ -88,8 +88,9 @@ class FakeSurface final : public MonitorSurface {
     screen_.note(QString("%1 resized %2").arg(window_).arg(info.right));
     fresh_ = true;
   }
-  void show(const Frame& picture) override {
-    screen_.note(QString("%1 shows %2").arg(window_).arg(picture.plane(Frame::Y)[0]));
+  void show(const Frame& picture, const MonitorGuides& guides) override {
+    const QString what = guides.isShown ? "%1 shows %2 with guides" : "%1 shows %2";
+    screen_.note(what.arg(window_).arg(picture.plane(Frame::Y)[0]));
     fresh_ = false;
     screen_.found(window_);
     screen_.pass(window_);
@@ -162,6 +163,18 @@ class MonitorHubTest : public QObject {
              (QStringList{"1 shows 10", "2 shows 20", "3 shows 30"}));
     QVERIFY(hub_->isShown(MonitorHub::Pgm));
     QVERIFY(!hub_->isShown(MonitorHub::Karaoke));
+  }
+
+  void guidesAreShownAndTakenAwayOverAPictureThatStandsStill() {
+    const FrameRef still = flat(kSize, 10);
+    QCOMPARE(frame(still), QStringList{"1 shows 10"});
+    MonitorGuides guides;
+    guides.isShown = true;
+    hub_->show(MonitorHub::Pgm, still, guides);
+    hub_->commit();
+    QCOMPARE(screen_->waitForFlush(++frames_), QStringList{"1 shows 10 with guides"});
+    QCOMPARE(frame(still), QStringList{"1 shows 10"});
+    QCOMPARE(frame(still), QStringList{});
   }
 
   void aPictureThatStandsStillIsShownOnce() {

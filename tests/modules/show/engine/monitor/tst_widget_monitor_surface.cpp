@@ -56,7 +56,7 @@ class WidgetMonitorSurfaceTest : public QObject {
     MonitorWidget widget({200, 200});
     WidgetMonitorSurface surface(widget.info());
     QVERIFY(surface.isLost());
-    surface.show(*grey(235));
+    surface.show(*grey(235), {});
     QVERIFY(!surface.isLost());
     QTRY_COMPARE(widget.shown, QVector<int>{255});
     QCOMPARE(widget.last, QSize(200, 112));
@@ -66,13 +66,13 @@ class WidgetMonitorSurfaceTest : public QObject {
   void aWidgetThatIsBehindGetsOnePictureAndLosesTheOthers() {
     MonitorWidget widget({64, 36});
     WidgetMonitorSurface surface(widget.info());
-    surface.show(*grey(16));
-    surface.show(*grey(126));
+    surface.show(*grey(16), {});
+    surface.show(*grey(126), {});
     QVERIFY2(surface.isLost(), "the second picture was not shown");
     QCoreApplication::processEvents();
     QCOMPARE(widget.shown, QVector<int>{0});
     // It has caught up: the next one comes.
-    surface.show(*grey(235));
+    surface.show(*grey(235), {});
     QVERIFY(!surface.isLost());
     QCoreApplication::processEvents();
     QCOMPARE(widget.shown, (QVector<int>{0, 255}));
@@ -81,12 +81,12 @@ class WidgetMonitorSurfaceTest : public QObject {
   void aResizedWidgetWantsItsPictureAgain() {
     MonitorWidget widget({64, 36});
     WidgetMonitorSurface surface(widget.info());
-    surface.show(*grey(16));
+    surface.show(*grey(16), {});
     QCoreApplication::processEvents();
     widget.resize(160, 90);
     surface.resize(widget.info());
     QVERIFY(surface.isLost());
-    surface.show(*grey(16));
+    surface.show(*grey(16), {});
     QCoreApplication::processEvents();
     QCOMPARE(widget.last, QSize(160, 90));
   }
@@ -94,17 +94,17 @@ class WidgetMonitorSurfaceTest : public QObject {
   void aWidgetThatIsGoneIsHarmless() {
     auto widget = std::make_unique<MonitorWidget>(QSize(64, 36));
     WidgetMonitorSurface surface(widget->info());
-    surface.show(*grey(16));
+    surface.show(*grey(16), {});
     widget.reset();
     QCoreApplication::processEvents();
-    surface.show(*grey(235));
+    surface.show(*grey(235), {});
     QCoreApplication::processEvents();
   }
 
   void aSurfaceThatIsGoneIsHarmless() {
     MonitorWidget widget({64, 36});
     auto surface = std::make_unique<WidgetMonitorSurface>(widget.info());
-    surface->show(*grey(235));
+    surface->show(*grey(235), {});
     surface.reset();
     QTRY_COMPARE(widget.shown, QVector<int>{255});
   }
@@ -114,7 +114,7 @@ class WidgetMonitorSurfaceTest : public QObject {
     tagKorviaWindowInfo info = widget.info();
     info.right = info.left - 1;
     WidgetMonitorSurface surface(info);
-    surface.show(*grey(235));
+    surface.show(*grey(235), {});
     QVERIFY(surface.isLost());
     QCoreApplication::processEvents();
     QCOMPARE(widget.shown, QVector<int>());

@@ -89,11 +89,11 @@ class X11MonitorSurfaceTest : public QObject {
     QVERIFY(factory);
     const auto surface = factory->create(info);
     QVERIFY(surface->isLost());
-    surface->show(*grey(235));
+    surface->show(*grey(235), {});
     factory->flush();
     QVERIFY(!surface->isLost());
     QCOMPARE(middleOf(info), QRgb(0xFFFFFF));
-    surface->show(*grey(16));
+    surface->show(*grey(16), {});
     factory->flush();
     QCOMPARE(middleOf(info), QRgb(0));
   }
@@ -104,13 +104,13 @@ class X11MonitorSurfaceTest : public QObject {
     const tagKorviaWindowInfo info = windows.open(400, 300);
     const auto factory = X11MonitorSurfaceFactory::connect();
     const auto surface = factory->create(info);
-    surface->show(*grey(128));
+    surface->show(*grey(128), {});
     factory->flush();
     factory->flush();
     QVERIFY(!surface->isLost());
     windows.close(windows.open(200, 200));
     QTRY_VERIFY((factory->flush(), surface->isLost()));
-    surface->show(*grey(128));
+    surface->show(*grey(128), {});
     factory->flush();
     QVERIFY(!surface->isLost());
   }
@@ -152,7 +152,7 @@ class X11MonitorSurfaceTest : public QObject {
     const auto surface = factory->create(info);
     windows.close(info);
     for (int frame = 0; frame < 30; ++frame) {
-      surface->show(*grey(frame));
+      surface->show(*grey(frame), {});
       factory->flush();
     }
     // It is not seen any more, so it takes no pictures.
