@@ -11,7 +11,9 @@
 
 #include "EasingPicture.h"
 #include "EffectPictures.h"
+#include "PresetPictures.h"
 #include "SampleScene.h"
+#include "TextPresetNames.h"
 #include "console/tagKorviaTakeButton.h"
 #include "engine/mix/Easing.h"
 #include "engine/mix/TransitionCatalog.h"
@@ -71,8 +73,23 @@ void addEasings(Thumbnails& all) {
     all.push_back({TransitionCatalogue::easingThumbPath(code), [code] { return drawEasing(code); }});
 }
 
+QString pathBesideTheApplication(const char* folder, const char* name) {
+  return QStringLiteral("%1/res/%2/%3.jpg")
+      .arg(QCoreApplication::applicationDirPath(), QLatin1String(folder), QLatin1String(name));
+}
+
+void addTextPresets(Thumbnails& all) {
+  const auto presets = std::make_shared<PresetPictures>();
+  for (int preset = 0; preset < kTextPresetCount; ++preset)
+    all.push_back(
+        {pathBesideTheApplication("subtitleStyle", kTextPresetNames[static_cast<std::size_t>(preset)]),
+         [presets, preset] {
+           return presets->hasTextures() ? presets->tile(preset, kPresetPictureSize) : QImage();
+         }});
+}
+
 /// Each function adds the pictures of one picker.
-constexpr void (*kPickers[])(Thumbnails&) = {addEffects, addEasings};
+constexpr void (*kPickers[])(Thumbnails&) = {addEffects, addEasings, addTextPresets};
 
 /// PNG is lossless and takes the quality as a degree of compression, so its default is used.
 int qualityFor(const QString& path) {

@@ -27,10 +27,6 @@ int main(int argc, char** argv) {
                                          QStringLiteral("Write a sheet of all presets of text styles."),
                                          QStringLiteral("FILE"));
   parser.addOption(presetsOption);
-  const QCommandLineOption texturesOption(QStringLiteral("textures"),
-                                          QStringLiteral("The folder of the textures for texts."),
-                                          QStringLiteral("FOLDER"));
-  parser.addOption(texturesOption);
   parser.process(application);
 
   const QStringList folders = parser.positionalArguments();
@@ -47,7 +43,7 @@ int main(int argc, char** argv) {
     return 1;
   }
   const QString presets = parser.value(presetsOption);
-  if (parser.isSet(presetsOption) && !korvia::drawPresetSheet(parser.value(texturesOption)).save(presets)) {
+  if (parser.isSet(presetsOption) && !korvia::drawPresetSheet().save(presets)) {
     std::fprintf(stderr, "failed to write %s\n", qPrintable(presets));
     return 1;
   }
