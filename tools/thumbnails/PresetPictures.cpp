@@ -19,6 +19,9 @@ constexpr QRgb kBackgroundTop = 0xff8d97a5;
 constexpr QRgb kBackgroundBottom = 0xff5c6672;
 /// Height of the letters' font as a part of the tile.
 constexpr double kFontShare = 0.62;
+/// Without descenders, letters lie in the lower part of their line. This part of the font's height raises
+/// them into the middle.
+constexpr double kRaise = 0.1;
 
 QImage background(QSize size) {
   QImage image(size, QImage::Format_RGB32);
@@ -44,10 +47,12 @@ TextPicture PresetPictures::text(int preset, const QString& letters, double scal
 }
 
 QImage PresetPictures::tile(int preset, QSize size) {
-  const double scale = kFontShare * size.height() / tagKorviaShowTextStyle().fontSize;
+  const double fontHeight = kFontShare * size.height();
+  const double scale = fontHeight / tagKorviaShowTextStyle().fontSize;
   const TextPicture letters = text(preset, QStringLiteral("Aa"), scale);
   QImage tile = background(size);
-  const QPoint middle(size.width() / 2, size.height() / 2);
+  const QPoint middle(size.width() / 2,
+                      static_cast<int>(std::lround(size.height() / 2.0 - kRaise * fontHeight)));
   QPainter(&tile).drawImage(middle + letters.corner, letters.image);
   return tile;
 }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kBackgrounds = 3;
 constexpr QSize kCell{220, 64};
-constexpr int kLabelWidth = 160;
+constexpr int kLabelWidth = 176;
 constexpr int kBlocks = 2;
 constexpr int kRows = (kTextPresetCount + kBlocks - 1) / kBlocks;
 constexpr int kGap = 4;
@@ -30,7 +30,7 @@ QImage background(int kind) {
   if (kind == 2)
     return drawSceneA(QSize(kCell.width(), kCell.width() * 9 / 16)).copy(QRect({0, 40}, kCell));
   QImage image(kCell, QImage::Format_RGB32);
-  image.fill(kind == 0 ? QColor(24, 26, 30) : QColor(236, 236, 232));
+  image.fill(kind == 0 ? QColor(30, 40, 56) : QColor(236, 236, 232));
   return image;
 }
 

@@ -9,10 +9,12 @@
 #include <memory>
 #include <vector>
 
+#include "AnimationPictures.h"
 #include "EasingPicture.h"
 #include "EffectPictures.h"
 #include "PresetPictures.h"
 #include "SampleScene.h"
+#include "TextAnimations.h"
 #include "TextPresetNames.h"
 #include "console/tagKorviaTakeButton.h"
 #include "engine/mix/Easing.h"
@@ -88,8 +90,20 @@ void addTextPresets(Thumbnails& all) {
          }});
 }
 
+void addTextAnimations(Thumbnails& all) {
+  const auto pictures = std::make_shared<AnimationPictures>(kAnimationPictureSize);
+  const auto add = [&](const char* folder, const TextAnimation& animation) {
+    all.push_back({pathBesideTheApplication(folder, animation.name),
+                   [pictures, effect = animation.effect] { return pictures->tile(effect); }});
+  };
+  for (const TextAnimation& entrance : kTextEntrances)
+    add("overlayAni/entrance", entrance);
+  for (const TextAnimation& exit : kTextExits)
+    add("overlayAni/exit", exit);
+}
+
 /// Each function adds the pictures of one picker.
-constexpr void (*kPickers[])(Thumbnails&) = {addEffects, addEasings, addTextPresets};
+constexpr void (*kPickers[])(Thumbnails&) = {addEffects, addEasings, addTextPresets, addTextAnimations};
 
 /// PNG is lossless and takes the quality as a degree of compression, so its default is used.
 int qualityFor(const QString& path) {

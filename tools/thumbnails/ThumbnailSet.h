@@ -11,6 +11,8 @@ namespace korvia {
 inline constexpr QSize kEffectPictureSize{100, 84};
 /// Size of the picture of a preset of text styles, twice that of its tile.
 inline constexpr QSize kPresetPictureSize{128, 128};
+/// Size of the picture of an entrance or exit, twice that of its tile.
+inline constexpr QSize kAnimationPictureSize{120, 120};
 
 /// Writes the pictures below `programFolder` under the paths that the catalogue gives them beside the
 /// application. False at the first failure, which is logged.
