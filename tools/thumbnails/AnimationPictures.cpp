@@ -2,7 +2,7 @@
 
 #include <QLinearGradient>
 #include <QPainter>
-#include <cmath>
+#include <array>
 
 #include "engine/frame/PictureFrame.h"
 #include "engine/items/ItemAnimation.h"
@@ -29,16 +29,22 @@ constexpr QRgb kLine = 0xff8b95a3;
 constexpr QRgb kFrame = 0xffaab4c0;
 
 // The plate as parts of the picture.
-constexpr double kPlateWidth = 0.46;
-constexpr double kPlateHeight = 0.26;
+constexpr double kPlateWidth = 0.5;
+constexpr double kPlateHeight = 0.28;
 
-/// A moment of a tile, and how strongly the plate is seen there, 0 to 1.
-struct Moment {
-  double position;
-  double strength;
-};
-constexpr Moment kEntranceMoments[] = {{0.25, 0.18}, {0.5, 0.3}, {0.75, 0.45}, {1, 1}};
-constexpr Moment kExitMoments[] = {{0, 0.45}, {0.2, 0.3}, {0.4, 0.3}, {0.6, 1}};
+// A tile shows these many moments. The last one is at full strength.
+constexpr std::array kEntranceMoments{0.3, 0.55, 0.8, 1.0};
+constexpr std::array kExitMoments{0.0, 1 / 3.0, 2 / 3.0, 1.0};
+constexpr std::array kStrengths{0.2, 0.3, 0.45};
+// The lines are thin, so they are stronger than the plates that they surround.
+constexpr std::array kOutlineStrengths{0.4, 0.6, 0.8};
+static_assert(kEntranceMoments.size() == kExitMoments.size());
+static_assert(kStrengths.size() + 1 == kExitMoments.size() && kOutlineStrengths.size() == kStrengths.size());
+
+/// How far an exit has come in its tile: not so far that nothing is left to see, and far enough that a short
+/// move can be seen. An item that appears is gone. By the numbers of the exits, from kFirstExit on.
+constexpr std::array kExitEnds{1.0,  0.5, 0.5,  0.5, 0.5, 0.5,  0.5,  0.85, 0.85,
+                               0.75, 0.6, 0.55, 0.5, 0.4, 0.35, 0.85, 0.85};
 
 FrameSize zoomed(QSize size) {
   return {size.width() * kZoom, size.height() * kZoom};
@@ -53,10 +59,24 @@ FrameRef drawBackground(FrameSize size, const Colors& colors) {
   return frameFromImage(image);
 }
 
-LayerRef drawPlate(FrameSize bus) {
-  const QSize size(static_cast<int>(bus.width * kPlateWidth), static_cast<int>(bus.height * kPlateHeight));
+QSize plateSize(FrameSize bus) {
+  return {static_cast<int>(bus.width * kPlateWidth), static_cast<int>(bus.height * kPlateHeight)};
+}
+
+QImage transparentImage(QSize size) {
   QImage image(size, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
+  return image;
+}
+
+LayerRef inTheMiddle(const QImage& image, FrameSize bus) {
+  const QPoint corner((bus.width - image.width()) / 2, (bus.height - image.height()) / 2);
+  return Layer::makeMovable(image, corner, bus, QRectF(corner, image.size()));
+}
+
+LayerRef drawPlate(FrameSize bus) {
+  const QSize size = plateSize(bus);
+  QImage image = transparentImage(size);
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.scale(size.width(), size.height());
@@ -66,8 +86,24 @@ LayerRef drawPlate(FrameSize bus) {
   drawPart({0.22, 0.2, 0.66, 0.28}, kHeading);
   drawPart({0.22, 0.64, 0.42, 0.16}, kLine);
   painter.end();
-  const QPoint corner((bus.width - size.width()) / 2, (bus.height - size.height()) / 2);
-  return Layer::makeMovable(image, corner, bus, QRectF(corner, size));
+  return inTheMiddle(image, bus);
+}
+
+LayerRef drawOutline(FrameSize bus) {
+  constexpr qreal kHalf = kZoom / 2.0;
+  const QSize size = plateSize(bus);
+  QImage image = transparentImage(size);
+  QPainter painter(&image);
+  painter.setPen(QPen(QColor(kAccent), kZoom, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+  painter.drawRect(QRectF(QPointF(), size).adjusted(kHalf, kHalf, -kHalf, -kHalf));
+  painter.end();
+  return inTheMiddle(image, bus);
+}
+
+double tileMoment(int effect, std::size_t index) {
+  if (effect < kFirstExit)
+    return kEntranceMoments[index];
+  return kExitMoments[index] * kExitEnds[static_cast<std::size_t>(effect - kFirstExit)];
 }
 
 void drawFrameLine(QImage& image) {
@@ -83,7 +119,8 @@ AnimationPictures::AnimationPictures(QSize size)
       frames_(zoomed(size)),
       entranceBackground_(drawBackground(frames_.size(), kEntranceColors)),
       exitBackground_(drawBackground(frames_.size(), kExitColors)),
-      plate_(drawPlate(frames_.size())) {}
+      plate_(drawPlate(frames_.size())),
+      outline_(drawOutline(frames_.size())) {}
 
 LayerPose AnimationPictures::poseAt(int effect, double position) const {
   return effect < kFirstExit ? entrancePose(effect, position, plate_->content, frames_.size())
@@ -104,17 +141,23 @@ QImage AnimationPictures::picture(int effect, double position) {
 
 QImage AnimationPictures::tile(int effect) {
   std::vector<StackedLayer> plates;
-  const auto add = [&](const Moment& moment) {
-    LayerPose pose = poseAt(effect, moment.position);
-    // A fade would be mistaken for the trail.
-    if (pose.opacity > 0)
-      pose.opacity = moment.strength;
+  std::vector<StackedLayer> outlines;
+  const LayerPose last = poseAt(effect, tileMoment(effect, kStrengths.size()));
+  for (std::size_t i = 0; i < kStrengths.size(); ++i) {
+    LayerPose pose = poseAt(effect, tileMoment(effect, i));
+    if (pose == last)
+      continue;
+    // The strengths replace the fade of the pose, which would be mistaken for the trail.
+    pose.opacity = kStrengths[i];
     plates.emplace_back(plate_, pose);
-  };
-  if (effect < kFirstExit)
-    std::for_each(std::begin(kEntranceMoments), std::end(kEntranceMoments), add);
-  else
-    std::for_each(std::begin(kExitMoments), std::end(kExitMoments), add);
+    pose.opacity = kOutlineStrengths[i];
+    outlines.emplace_back(outline_, pose);
+  }
+  plates.emplace_back(plate_, last);
+  if (last.opacity > 0)
+    plates.back().pose.opacity = 1;
+  // Over the last plate, which would hide the smaller ones before it.
+  plates.insert(plates.end(), outlines.begin(), outlines.end());
   return over(effect, plates);
 }
 
