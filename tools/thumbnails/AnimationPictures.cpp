@@ -24,6 +24,7 @@ constexpr Colors kEntranceColors{0xff2b4a6e, 0xff13233a};
 constexpr Colors kExitColors{0xff6b3f3a, 0xff331b20};
 constexpr QRgb kPlate = 0xfff2f5f8;
 constexpr QRgb kAccent = 0xffff9b2e;
+constexpr QRgb kTrail = 0x60f2f5f8;
 constexpr QRgb kHeading = 0xff28323e;
 constexpr QRgb kLine = 0xff8b95a3;
 constexpr QRgb kFrame = 0xffaab4c0;
@@ -35,11 +36,9 @@ constexpr double kPlateHeight = 0.28;
 // A tile shows these many moments. The last one is at full strength.
 constexpr std::array kEntranceMoments{0.3, 0.55, 0.8, 1.0};
 constexpr std::array kExitMoments{0.0, 1 / 3.0, 2 / 3.0, 1.0};
-constexpr std::array kStrengths{0.2, 0.3, 0.45};
-// The lines are thin, so they are stronger than the plates that they surround.
-constexpr std::array kOutlineStrengths{0.4, 0.6, 0.8};
-static_assert(kEntranceMoments.size() == kExitMoments.size());
-static_assert(kStrengths.size() + 1 == kExitMoments.size() && kOutlineStrengths.size() == kStrengths.size());
+constexpr std::array kTrailStrengths{0.35, 0.55, 0.8};
+static_assert(kEntranceMoments.size() == kTrailStrengths.size() + 1);
+static_assert(kExitMoments.size() == kTrailStrengths.size() + 1);
 
 /// How far an exit has come in its tile: not so far that nothing is left to see, and far enough that a short
 /// move can be seen. An item that appears is gone. By the numbers of the exits, from kFirstExit on.
@@ -59,51 +58,51 @@ FrameRef drawBackground(FrameSize size, const Colors& colors) {
   return frameFromImage(image);
 }
 
-QSize plateSize(FrameSize bus) {
-  return {static_cast<int>(bus.width * kPlateWidth), static_cast<int>(bus.height * kPlateHeight)};
-}
+struct PlatePart {
+  QRectF part;  ///< of a plate of 1 x 1
+  QRgb color;
+};
 
-QImage transparentImage(QSize size) {
+LayerRef drawPlate(FrameSize bus, std::initializer_list<PlatePart> parts) {
+  const QSize size(static_cast<int>(bus.width * kPlateWidth), static_cast<int>(bus.height * kPlateHeight));
   QImage image(size, QImage::Format_ARGB32_Premultiplied);
   image.fill(Qt::transparent);
-  return image;
-}
-
-LayerRef inTheMiddle(const QImage& image, FrameSize bus) {
-  const QPoint corner((bus.width - image.width()) / 2, (bus.height - image.height()) / 2);
-  return Layer::makeMovable(image, corner, bus, QRectF(corner, image.size()));
-}
-
-LayerRef drawPlate(FrameSize bus) {
-  const QSize size = plateSize(bus);
-  QImage image = transparentImage(size);
   QPainter painter(&image);
   painter.setRenderHint(QPainter::Antialiasing);
-  painter.scale(size.width(), size.height());
-  const auto drawPart = [&painter](const QRectF& part, QRgb color) { painter.fillRect(part, QColor(color)); };
-  drawPart({0, 0, 1, 1}, kPlate);
-  drawPart({0, 0, 0.12, 1}, kAccent);
-  drawPart({0.22, 0.2, 0.66, 0.28}, kHeading);
-  drawPart({0.22, 0.64, 0.42, 0.16}, kLine);
+  for (const PlatePart& part : parts)
+    painter.fillRect(QTransform::fromScale(size.width(), size.height()).mapRect(part.part),
+                     QColor::fromRgba(part.color));
   painter.end();
-  return inTheMiddle(image, bus);
+  const QPoint corner((bus.width - size.width()) / 2, (bus.height - size.height()) / 2);
+  return Layer::makeMovable(image, corner, bus, QRectF(corner, size));
 }
 
-LayerRef drawOutline(FrameSize bus) {
-  constexpr qreal kHalf = kZoom / 2.0;
-  const QSize size = plateSize(bus);
-  QImage image = transparentImage(size);
-  QPainter painter(&image);
-  painter.setPen(QPen(QColor(kAccent), kZoom, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-  painter.drawRect(QRectF(QPointF(), size).adjusted(kHalf, kHalf, -kHalf, -kHalf));
-  painter.end();
-  return inTheMiddle(image, bus);
+LayerRef drawWholePlate(FrameSize bus) {
+  return drawPlate(bus, {{{0, 0, 1, 1}, kPlate},
+                         {{0, 0, 0.12, 1}, kAccent},
+                         {{0.22, 0.2, 0.66, 0.28}, kHeading},
+                         {{0.22, 0.64, 0.42, 0.16}, kLine}});
+}
+
+/// Without lines, which would be a jumble where plates overlap.
+LayerRef drawTrailPlate(FrameSize bus) {
+  constexpr double kThick = 0.05;
+  constexpr double kThin = kThick * kPlateHeight / kPlateWidth;
+  return drawPlate(bus, {{{0.12, kThick, 0.88 - kThin, 1 - 2 * kThick}, kTrail},
+                         {{0, 0, 0.12, 1}, kAccent},
+                         {{0.12, 0, 0.88, kThick}, kAccent},
+                         {{0.12, 1 - kThick, 0.88, kThick}, kAccent},
+                         {{1 - kThin, kThick, kThin, 1 - 2 * kThick}, kAccent}});
 }
 
 double tileMoment(int effect, std::size_t index) {
   if (effect < kFirstExit)
     return kEntranceMoments[index];
   return kExitMoments[index] * kExitEnds[static_cast<std::size_t>(effect - kFirstExit)];
+}
+
+bool isSmaller(const LayerPose& a, const LayerPose& b) {
+  return a.scaleX < b.scaleX || a.scaleY < b.scaleY;
 }
 
 void drawFrameLine(QImage& image) {
@@ -119,8 +118,8 @@ AnimationPictures::AnimationPictures(QSize size)
       frames_(zoomed(size)),
       entranceBackground_(drawBackground(frames_.size(), kEntranceColors)),
       exitBackground_(drawBackground(frames_.size(), kExitColors)),
-      plate_(drawPlate(frames_.size())),
-      outline_(drawOutline(frames_.size())) {}
+      plate_(drawWholePlate(frames_.size())),
+      trailPlate_(drawTrailPlate(frames_.size())) {}
 
 LayerPose AnimationPictures::poseAt(int effect, double position) const {
   return effect < kFirstExit ? entrancePose(effect, position, plate_->content, frames_.size())
@@ -141,23 +140,21 @@ QImage AnimationPictures::picture(int effect, double position) {
 
 QImage AnimationPictures::tile(int effect) {
   std::vector<StackedLayer> plates;
-  std::vector<StackedLayer> outlines;
-  const LayerPose last = poseAt(effect, tileMoment(effect, kStrengths.size()));
-  for (std::size_t i = 0; i < kStrengths.size(); ++i) {
+  std::vector<StackedLayer> smallerPlates;
+  const LayerPose last = poseAt(effect, tileMoment(effect, kTrailStrengths.size()));
+  for (std::size_t i = 0; i < kTrailStrengths.size(); ++i) {
     LayerPose pose = poseAt(effect, tileMoment(effect, i));
     if (pose == last)
       continue;
-    // The strengths replace the fade of the pose, which would be mistaken for the trail.
-    pose.opacity = kStrengths[i];
-    plates.emplace_back(plate_, pose);
-    pose.opacity = kOutlineStrengths[i];
-    outlines.emplace_back(outline_, pose);
+    // The strength replaces the fade of the pose, which would be mistaken for the trail.
+    pose.opacity = kTrailStrengths[i];
+    (isSmaller(pose, last) ? smallerPlates : plates).emplace_back(trailPlate_, pose);
   }
   plates.emplace_back(plate_, last);
   if (last.opacity > 0)
     plates.back().pose.opacity = 1;
-  // Over the last plate, which would hide the smaller ones before it.
-  plates.insert(plates.end(), outlines.begin(), outlines.end());
+  // The last plate would hide them.
+  plates.insert(plates.end(), smallerPlates.begin(), smallerPlates.end());
   return over(effect, plates);
 }
 

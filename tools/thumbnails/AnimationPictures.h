@@ -16,8 +16,8 @@ class AnimationPictures {
   QSize size() const { return size_; }
   /// The plate at a position of 0 to 1 of an entrance or exit, opaque.
   QImage picture(int effect, double position);
-  /// The whole animation in one picture: the plate at a telling moment, and plates with outlines where it was
-  /// before, the fainter the longer ago.
+  /// The whole animation in one picture: the plate at a telling moment, and paler plates where it was before,
+  /// the fainter the longer ago.
   /// @param effect 0 to 16 or 26 to 42.
   QImage tile(int effect);
 
@@ -30,7 +30,7 @@ class AnimationPictures {
   const FrameRef entranceBackground_;
   const FrameRef exitBackground_;
   const LayerRef plate_;
-  const LayerRef outline_;
+  const LayerRef trailPlate_;
   Compositor compositor_;
 };
 
