@@ -4,8 +4,8 @@
 #include <QPainter>
 #include <array>
 
+#include "TextAnimations.h"
 #include "engine/frame/PictureFrame.h"
-#include "engine/items/ItemAnimation.h"
 #include "engine/output/FrameExport.h"
 
 namespace korvia {
@@ -33,17 +33,56 @@ constexpr QRgb kFrame = 0xffaab4c0;
 constexpr double kPlateWidth = 0.5;
 constexpr double kPlateHeight = 0.28;
 
-// A tile shows these many moments. The last one is at full strength.
-constexpr std::array kEntranceMoments{0.3, 0.55, 0.8, 1.0};
-constexpr std::array kExitMoments{0.0, 1 / 3.0, 2 / 3.0, 1.0};
+/// How strongly a tile shows the earlier plates, in the order of time.
 constexpr std::array kTrailStrengths{0.35, 0.55, 0.8};
-static_assert(kEntranceMoments.size() == kTrailStrengths.size() + 1);
-static_assert(kExitMoments.size() == kTrailStrengths.size() + 1);
 
-/// How far an exit has come in its tile: not so far that nothing is left to see, and far enough that a short
-/// move can be seen. An item that appears is gone. By the numbers of the exits, from kFirstExit on.
-constexpr std::array kExitEnds{1.0,  0.5, 0.5,  0.5, 0.5, 0.5,  0.5,  0.85, 0.85,
-                               0.75, 0.6, 0.55, 0.5, 0.4, 0.35, 0.85, 0.85};
+/// The part of an animation that a tile shows, as positions.
+struct Span {
+  double begin;
+  double end;
+};
+
+// Not so much that plates are out of sight, and enough that a short move can be seen. Most entrances are
+// shown with the plate in its place. By the numbers of the effects; an item that appears is there, or gone.
+constexpr std::array kEntranceSpans{
+    Span{1, 1},       // Appear
+    Span{0.2, 1},     // FlyInFromTop
+    Span{0.2, 1},     // FlyInFromBottom
+    Span{0.2, 1},     // FlyInFromLeft
+    Span{0.2, 1},     // FlyInFromRight
+    Span{0.3, 1},     // FlyInFromTopLeft
+    Span{0.3, 1},     // FlyInFromTopRight
+    Span{0.05, 1},    // FloatFromTopLeft
+    Span{0.05, 1},    // FloatFromTopRight
+    Span{0.3, 1},     // Glide
+    Span{0.25, 1},    // Magnify
+    Span{0.35, 0.8},  // Pinwheel
+    Span{0.3, 1},     // Sling
+    Span{0.2, 0.75},  // Thread
+    Span{0.3, 1},     // Zoom
+    Span{0.05, 1},    // Ascend
+    Span{0.05, 1},    // Descend
+};
+constexpr std::array kExitSpans{
+    Span{0, 1},     // Appear
+    Span{0, 0.5},   // FlyInFromTop
+    Span{0, 0.5},   // FlyInFromBottom
+    Span{0, 0.5},   // FlyOutToLeft
+    Span{0, 0.5},   // FlyOutToRight
+    Span{0, 0.5},   // FlyOutToTopLeft
+    Span{0, 0.5},   // FlyOutToTopRight
+    Span{0, 0.85},  // FloatFromTopLeft
+    Span{0, 0.85},  // FloatFromTopRight
+    Span{0, 0.75},  // Glide
+    Span{0, 0.6},   // Magnify
+    Span{0, 0.55},  // Pinwheel
+    Span{0, 0.5},   // Sling
+    Span{0, 0.4},   // Thread
+    Span{0, 0.35},  // Zoom
+    Span{0, 0.85},  // Ascend
+    Span{0, 0.85},  // Descend
+};
+static_assert(kEntranceSpans.size() == kTextEntrances.size() && kExitSpans.size() == kTextExits.size());
 
 FrameSize zoomed(QSize size) {
   return {size.width() * kZoom, size.height() * kZoom};
@@ -95,10 +134,9 @@ LayerRef drawTrailPlate(FrameSize bus) {
                          {{1 - kThin, kThick, kThin, 1 - 2 * kThick}, kAccent}});
 }
 
-double tileMoment(int effect, std::size_t index) {
-  if (effect < kFirstExit)
-    return kEntranceMoments[index];
-  return kExitMoments[index] * kExitEnds[static_cast<std::size_t>(effect - kFirstExit)];
+Span spanOf(int effect) {
+  return effect < kFirstExit ? kEntranceSpans.at(static_cast<std::size_t>(effect))
+                             : kExitSpans.at(static_cast<std::size_t>(effect - kFirstExit));
 }
 
 bool isSmaller(const LayerPose& a, const LayerPose& b) {
@@ -141,9 +179,11 @@ QImage AnimationPictures::picture(int effect, double position) {
 QImage AnimationPictures::tile(int effect) {
   std::vector<StackedLayer> plates;
   std::vector<StackedLayer> smallerPlates;
-  const LayerPose last = poseAt(effect, tileMoment(effect, kTrailStrengths.size()));
+  const Span span = spanOf(effect);
+  const double step = (span.end - span.begin) / kTrailStrengths.size();
+  const LayerPose last = poseAt(effect, span.end);
   for (std::size_t i = 0; i < kTrailStrengths.size(); ++i) {
-    LayerPose pose = poseAt(effect, tileMoment(effect, i));
+    LayerPose pose = poseAt(effect, span.begin + static_cast<double>(i) * step);
     if (pose == last)
       continue;
     // The strength replaces the fade of the pose, which would be mistaken for the trail.

@@ -11,7 +11,7 @@ namespace korvia {
 namespace {
 
 constexpr int kBackgrounds = 3;
-constexpr QSize kCell{220, 64};
+constexpr QSize kCell{220, 68};
 constexpr int kLabelWidth = 176;
 constexpr int kBlocks = 2;
 constexpr int kRows = (kTextPresetCount + kBlocks - 1) / kBlocks;
@@ -60,9 +60,9 @@ QImage drawPresetSheet() {
     drawLabel(painter, corner, preset);
     const TextPicture text = presets.text(preset, QStringLiteral("Ag 42 新闻"), 1);
     for (int kind = 0; kind < kBackgrounds; ++kind) {
-      const QPoint cell = corner + QPoint(kLabelWidth + kind * (kCell.width() + kGap), 0);
-      painter.drawImage(cell, background(kind));
-      painter.drawImage(cell + QPoint(kCell.width(), kCell.height()) / 2 + text.corner, text.image);
+      QImage cell = background(kind);
+      QPainter(&cell).drawImage(cell.rect().center() + text.corner, text.image);
+      painter.drawImage(corner + QPoint(kLabelWidth + kind * (kCell.width() + kGap), 0), cell);
     }
   }
   return sheet;
