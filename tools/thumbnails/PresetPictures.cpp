@@ -5,11 +5,14 @@
 #include <cmath>
 
 #include "KorviaShowUtil.h"
+#include "TextPresetNames.h"
 #include "TextTextures.h"
 
 namespace korvia {
 
 namespace {
+
+static_assert(kTextPresetCount == TextStyleTexture0004 + 1);
 
 // A text of the default size has letters of its font size in a render picture of this size.
 constexpr FrameSize kFullHd{1920, 1080};
@@ -17,7 +20,7 @@ constexpr FrameSize kFullHd{1920, 1080};
 // Half bright, so that white, black and hollow letters all stand out.
 constexpr QRgb kBackgroundTop = 0xff8d97a5;
 constexpr QRgb kBackgroundBottom = 0xff5c6672;
-/// Height of the letters' font as a part of the tile.
+// Height of the letters' font as a part of the tile.
 constexpr double kFontShare = 0.62;
 /// Without descenders, letters lie in the lower part of their line. This part of the font's height raises
 /// them into the middle.

@@ -14,7 +14,7 @@ class PresetPictures {
   /// Writes the textures into a folder of its own, where the painter finds them.
   PresetPictures();
 
-  /// False, and a line in the log, when the textures could not be written.
+  /// False, with a line on standard error, when the textures could not be written.
   bool hasTextures() const { return hasTextures_; }
   /// @param preset 0 to kTextPresetCount - 1.
   /// @param scale  1 gives letters of 40 pixels.

@@ -107,6 +107,8 @@ class TitlePicturesTest : public QObject {
   Q_OBJECT
 
  private:
+  PresetPictures presets_;
+
   void compareNumberOfPictures(const QString& folder, int count) {
     QCOMPARE(QDir(resource(folder)).entryList(QDir::Files).size(), count);
   }
@@ -184,53 +186,59 @@ class TitlePicturesTest : public QObject {
   }
   void lettersAreInTheMiddle() {
     QFETCH(int, preset);
-    const QImage tile = PresetPictures().tile(preset, kPresetSize);
+    const QImage tile = presets_.tile(preset, kPresetSize);
     const QPointF middle = middleOfDifference(tile, backgroundOf(tile));
     QVERIFY2(std::abs(middle.x()) < 6 && std::abs(middle.y()) < 6,
              qPrintable(QString("%1, %2").arg(middle.x()).arg(middle.y())));
   }
   void texturesFillTheirLetters() {
-    PresetPictures presets;
-    QVERIFY(presets.hasTextures());
+    QVERIFY(presets_.hasTextures());
     for (int preset = TextStyleTexture0001; preset <= TextStyleTexture0004; ++preset)
-      QVERIFY(shareOfOneColor(presets.text(preset, "Aa", 2).image) < 0.3);
-    QVERIFY(shareOfOneColor(presets.text(TextStyleSolidRed, "Aa", 2).image) > 0.5);
+      QVERIFY(shareOfOneColor(presets_.text(preset, "Aa", 2).image) < 0.3);
+    QVERIFY(shareOfOneColor(presets_.text(TextStyleSolidRed, "Aa", 2).image) > 0.5);
   }
 
-  void tilesTellTheDirection_data() {
-    QTest::addColumn<int>("effect");
+  void picturesTellTheDirection_data() {
     QTest::addColumn<QPoint>("direction");
-    QTest::newRow("Appear") << 0 << QPoint(0, 0);
-    QTest::newRow("FlyInFromTop") << 1 << QPoint(0, -1);
-    QTest::newRow("FlyInFromBottom") << 2 << QPoint(0, 1);
-    QTest::newRow("FlyInFromLeft") << 3 << QPoint(-1, 0);
-    QTest::newRow("FlyInFromRight") << 4 << QPoint(1, 0);
-    QTest::newRow("FlyInFromTopLeft") << 5 << QPoint(-1, -1);
-    QTest::newRow("FlyInFromTopRight") << 6 << QPoint(1, -1);
-    QTest::newRow("Glide") << 9 << QPoint(-1, 0);
-    QTest::newRow("Sling") << 12 << QPoint(1, -1);
-    QTest::newRow("Zoom") << 14 << QPoint(0, 0);
-    QTest::newRow("exit Appear") << 26 << QPoint(0, 0);
-    QTest::newRow("exit FlyInFromTop") << 27 << QPoint(0, -1);
-    QTest::newRow("exit FlyInFromBottom") << 28 << QPoint(0, 1);
-    QTest::newRow("FlyOutToLeft") << 29 << QPoint(-1, 0);
-    QTest::newRow("FlyOutToRight") << 30 << QPoint(1, 0);
-    QTest::newRow("FlyOutToTopLeft") << 31 << QPoint(-1, -1);
-    QTest::newRow("FlyOutToTopRight") << 32 << QPoint(1, -1);
-    QTest::newRow("exit FloatFromTopLeft") << 33 << QPoint(-1, -1);
-    QTest::newRow("exit FloatFromTopRight") << 34 << QPoint(1, -1);
-    QTest::newRow("exit Glide") << 35 << QPoint(-1, 0);
-    QTest::newRow("exit Sling") << 38 << QPoint(1, -1);
-    QTest::newRow("exit Ascend") << 41 << QPoint(0, -1);
-    QTest::newRow("exit Descend") << 42 << QPoint(0, 1);
+    QTest::newRow("entrance/Appear") << QPoint(0, 0);
+    QTest::newRow("entrance/FlyInFromTop") << QPoint(0, -1);
+    QTest::newRow("entrance/FlyInFromBottom") << QPoint(0, 1);
+    QTest::newRow("entrance/FlyInFromLeft") << QPoint(-1, 0);
+    QTest::newRow("entrance/FlyInFromRight") << QPoint(1, 0);
+    QTest::newRow("entrance/FlyInFromTopLeft") << QPoint(-1, -1);
+    QTest::newRow("entrance/FlyInFromTopRight") << QPoint(1, -1);
+    QTest::newRow("entrance/FloatFromTopLeft") << QPoint(-1, -1);
+    QTest::newRow("entrance/FloatFromTopRight") << QPoint(1, -1);
+    QTest::newRow("entrance/Glide") << QPoint(-1, 0);
+    QTest::newRow("entrance/Sling") << QPoint(1, -1);
+    QTest::newRow("entrance/Zoom") << QPoint(0, 0);
+    QTest::newRow("entrance/Ascend") << QPoint(0, 1);
+    QTest::newRow("entrance/Descend") << QPoint(0, -1);
+    QTest::newRow("exit/Appear") << QPoint(0, 0);
+    QTest::newRow("exit/FlyInFromTop") << QPoint(0, -1);
+    QTest::newRow("exit/FlyInFromBottom") << QPoint(0, 1);
+    QTest::newRow("exit/FlyOutToLeft") << QPoint(-1, 0);
+    QTest::newRow("exit/FlyOutToRight") << QPoint(1, 0);
+    QTest::newRow("exit/FlyOutToTopLeft") << QPoint(-1, -1);
+    QTest::newRow("exit/FlyOutToTopRight") << QPoint(1, -1);
+    QTest::newRow("exit/FloatFromTopLeft") << QPoint(-1, -1);
+    QTest::newRow("exit/FloatFromTopRight") << QPoint(1, -1);
+    QTest::newRow("exit/Glide") << QPoint(-1, 0);
+    QTest::newRow("exit/Magnify") << QPoint(0, 0);
+    QTest::newRow("exit/Sling") << QPoint(1, -1);
+    QTest::newRow("exit/Ascend") << QPoint(0, -1);
+    QTest::newRow("exit/Descend") << QPoint(0, 1);
   }
-  void tilesTellTheDirection() {
-    QFETCH(int, effect);
+  void picturesTellTheDirection() {
     QFETCH(QPoint, direction);
+    const QString name = QTest::currentDataTag();
+    const QImage picture(resource("overlayAni/" + name + ".jpg"));
+    QCOMPARE(picture.size(), kAnimationSize);
     AnimationPictures pictures(kAnimationSize);
-    const QImage empty = pictures.picture(effect, effect < kFirstExit ? 0 : 1);
-    const QPointF middle = middleOfDifference(pictures.tile(effect), empty);
-    QCOMPARE(QPoint(signOf(middle.x()), signOf(middle.y())), direction);
+    const QImage empty = name.startsWith("exit") ? pictures.picture(kFirstExit, 1) : pictures.picture(0, 0);
+    const QPointF middle = middleOfDifference(picture, empty);
+    QVERIFY2(QPoint(signOf(middle.x()), signOf(middle.y())) == direction,
+             qPrintable(QString("%1, %2").arg(middle.x()).arg(middle.y())));
   }
   void earlierPlatesAreFainter() {
     AnimationPictures pictures(kAnimationSize);
