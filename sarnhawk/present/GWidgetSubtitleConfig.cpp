@@ -42,10 +42,11 @@ GWidgetSubtitleConfig::GWidgetSubtitleConfig(IKorviaSarnhawkPriv* priv, IGWidget
                  {_ui->_widthHorizontalSlider, _ui->_widthLabel, &Info::width},
                  {_ui->_heightHorizontalSlider, _ui->_heightLabel, &Info::height},
                  {_ui->_scrollEndXPosHorizontalSlider, _ui->_scrollEndXPosLabel, &Info::scrollEndX}}};
+  const ItemCatalogue catalogue;
   _enterTiles = buildThumbList(this, _ui->_enterAniListWidget,
-                               ItemCatalogue::entrances(ItemCatalogue::Masks::Without), kTileSize, true);
-  _exitTiles = buildThumbList(this, _ui->_exitAniListWidget,
-                              ItemCatalogue::exits(ItemCatalogue::Masks::Without), kTileSize, true);
+                               catalogue.entrances(ItemCatalogue::Masks::Without), kTileSize, true);
+  _exitTiles = buildThumbList(this, _ui->_exitAniListWidget, catalogue.exits(ItemCatalogue::Masks::Without),
+                              kTileSize, true);
   _ui->_tabWidget->setCurrentIndex(0);
   connectControls();
 }

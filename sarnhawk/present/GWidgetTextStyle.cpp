@@ -52,7 +52,7 @@ GWidgetTextStyle::~GWidgetTextStyle() {
 }
 
 void GWidgetTextStyle::fillLists() {
-  _presetTiles = buildThumbList(this, _ui->_fontStylePresetTypeListWidget, ItemCatalogue::textPresets(),
+  _presetTiles = buildThumbList(this, _ui->_fontStylePresetTypeListWidget, ItemCatalogue().textPresets(),
                                 kTileSize, true);
   _ui->_fontNameComboBox->addItems(_priv->getSystemFontInfo()->families);
   for (int size = kListedSizeMin; size <= kListedSizeMax; size += kFontSizeStep)

@@ -87,36 +87,38 @@ GListWidgetItemInfo animationTile(const char* name, const QString& folder, qint3
 
 }  // namespace
 
-QString ItemCatalogue::folder() {
-  return QStringLiteral("%1/ProductInfo-%2/res/")
-      .arg(QCoreApplication::applicationDirPath(),
-           QFileInfo(QCoreApplication::applicationFilePath()).baseName());
+QString ItemCatalogue::runningProgram() {
+  return QFileInfo(QCoreApplication::applicationFilePath()).baseName();
 }
 
-QList<GListWidgetItemInfo> ItemCatalogue::entrances(Masks masks) {
+ItemCatalogue::ItemCatalogue(const QString& program)
+    : _folder(QStringLiteral("%1/ProductInfo-%2/res/").arg(QCoreApplication::applicationDirPath(), program)) {
+}
+
+QList<GListWidgetItemInfo> ItemCatalogue::entrances(Masks masks) const {
   QList<GListWidgetItemInfo> tiles;
   for (const Animation& animation : kAnimations) {
     if (masks == Masks::With || animation.entrance < kMaskFirst)
-      tiles.append(animationTile(animation.entranceName, folder() + QStringLiteral("overlayAni/entrance/"),
+      tiles.append(animationTile(animation.entranceName, _folder + QStringLiteral("overlayAni/entrance/"),
                                  animation.entrance));
   }
   return tiles;
 }
 
-QList<GListWidgetItemInfo> ItemCatalogue::exits(Masks masks) {
+QList<GListWidgetItemInfo> ItemCatalogue::exits(Masks masks) const {
   QList<GListWidgetItemInfo> tiles;
   for (const Animation& animation : kAnimations) {
     if (masks == Masks::With || animation.entrance < kMaskFirst)
-      tiles.append(animationTile(animation.exitName, folder() + QStringLiteral("overlayAni/exit/"),
+      tiles.append(animationTile(animation.exitName, _folder + QStringLiteral("overlayAni/exit/"),
                                  animation.entrance + kExitOffset));
   }
   return tiles;
 }
 
-QList<GListWidgetItemInfo> ItemCatalogue::textPresets() {
+QList<GListWidgetItemInfo> ItemCatalogue::textPresets() const {
   QList<GListWidgetItemInfo> tiles;
   for (const char* name : kTextPresets)
-    tiles.append({QString(), QStringLiteral("%1subtitleStyle/%2.jpg").arg(folder(), QLatin1String(name)),
+    tiles.append({QString(), QStringLiteral("%1subtitleStyle/%2.jpg").arg(_folder, QLatin1String(name)),
                   tiles.size(), QString(), QVariant()});
   return tiles;
 }

@@ -10,12 +10,17 @@ class ItemCatalogue {
   /// Masks uncover a picture in parts. Texts do without them.
   enum class Masks { Without, With };
 
-  /// In the order of display. Names are not translated.
-  static QList<GListWidgetItemInfo> entrances(Masks masks);
-  static QList<GListWidgetItemInfo> exits(Masks masks);
-  /// The presets of text styles, without captions. The id is a KorviaShowTextStylePreset.
-  static QList<GListWidgetItemInfo> textPresets();
+  /// `program` is the base name of the application file, beside which the pictures lie.
+  explicit ItemCatalogue(const QString& program = runningProgram());
 
-  /// Folder of the pictures, with a slash at its end.
-  static QString folder();
+  /// In the order of display. Names are not translated.
+  QList<GListWidgetItemInfo> entrances(Masks masks) const;
+  QList<GListWidgetItemInfo> exits(Masks masks) const;
+  /// The presets of text styles, without captions. The id is a KorviaShowTextStylePreset.
+  QList<GListWidgetItemInfo> textPresets() const;
+
+ private:
+  static QString runningProgram();
+
+  QString _folder;
 };

@@ -9,12 +9,15 @@
 #include <memory>
 #include <vector>
 
+#include "AnimationPictures.h"
 #include "EasingPicture.h"
 #include "EffectPictures.h"
+#include "PresetPictures.h"
 #include "SampleScene.h"
 #include "console/tagKorviaTakeButton.h"
 #include "engine/mix/Easing.h"
 #include "engine/mix/TransitionCatalog.h"
+#include "present/ItemCatalogue.h"
 #include "transitions/TransitionCatalogue.h"
 
 Q_LOGGING_CATEGORY(lcThumbnails, "korvia.thumbnails")
@@ -71,8 +74,26 @@ void addEasings(Thumbnails& all) {
     all.push_back({TransitionCatalogue::easingThumbPath(code), [code] { return drawEasing(code); }});
 }
 
+void addTextPresets(Thumbnails& all) {
+  const auto presets = std::make_shared<PresetPictures>();
+  const QList<GListWidgetItemInfo> tiles = ItemCatalogue(kPicturedProgram).textPresets();
+  for (const GListWidgetItemInfo& tile : tiles)
+    all.push_back({tile.thumbPath, [presets, preset = tile.id] {
+                     return presets->hasTextures() ? presets->tile(preset, kPresetPictureSize) : QImage();
+                   }});
+}
+
+void addTextAnimations(Thumbnails& all) {
+  const auto pictures = std::make_shared<AnimationPictures>(kAnimationPictureSize);
+  const ItemCatalogue catalogue(kPicturedProgram);
+  const auto masks = ItemCatalogue::Masks::Without;
+  const QList<GListWidgetItemInfo> tiles = catalogue.entrances(masks) + catalogue.exits(masks);
+  for (const GListWidgetItemInfo& tile : tiles)
+    all.push_back({tile.thumbPath, [pictures, effect = tile.id] { return pictures->tile(effect); }});
+}
+
 /// Each function adds the pictures of one picker.
-constexpr void (*kPickers[])(Thumbnails&) = {addEffects, addEasings};
+constexpr void (*kPickers[])(Thumbnails&) = {addEffects, addEasings, addTextPresets, addTextAnimations};
 
 /// PNG is lossless and takes the quality as a degree of compression, so its default is used.
 int qualityFor(const QString& path) {

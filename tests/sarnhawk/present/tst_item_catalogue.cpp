@@ -8,8 +8,8 @@ class ItemCatalogueTest : public QObject {
 
  private slots:
   void exitsHaveTheNumbersOfTheEntrancesPlus26() {
-    const auto entrances = ItemCatalogue::entrances(ItemCatalogue::Masks::With);
-    const auto exits = ItemCatalogue::exits(ItemCatalogue::Masks::With);
+    const auto entrances = ItemCatalogue().entrances(ItemCatalogue::Masks::With);
+    const auto exits = ItemCatalogue().exits(ItemCatalogue::Masks::With);
     QCOMPARE(entrances.size(), 26);
     QCOMPARE(exits.size(), 26);
     QSet<qint32> ids;
@@ -21,8 +21,8 @@ class ItemCatalogueTest : public QObject {
   }
 
   void namesStandInTheOrderOfDisplay() {
-    const auto entrances = ItemCatalogue::entrances(ItemCatalogue::Masks::With);
-    const auto exits = ItemCatalogue::exits(ItemCatalogue::Masks::With);
+    const auto entrances = ItemCatalogue().entrances(ItemCatalogue::Masks::With);
+    const auto exits = ItemCatalogue().exits(ItemCatalogue::Masks::With);
     QCOMPARE(entrances[0].name, QString("Appear"));
     QCOMPARE(entrances[1].name, QString("Box"));
     QCOMPARE(entrances[1].id, 17);
@@ -36,14 +36,15 @@ class ItemCatalogueTest : public QObject {
     QCOMPARE(exits[7].name, QString("FlyInFromBottom"));
     QCOMPARE(exits[8].name, QString("FlyOutToLeft"));
     const QString folder = QCoreApplication::applicationDirPath() + "/ProductInfo-tst_item_catalogue/res/";
-    QCOMPARE(ItemCatalogue::folder(), folder);
     QCOMPARE(entrances[8].thumbPath, folder + "overlayAni/entrance/FlyInFromLeft.jpg");
     QCOMPARE(exits[8].thumbPath, folder + "overlayAni/exit/FlyOutToLeft.jpg");
+    const QString other = QCoreApplication::applicationDirPath() + "/ProductInfo-korvia/res/";
+    QCOMPARE(ItemCatalogue("korvia").textPresets()[0].thumbPath, other + "subtitleStyle/default.jpg");
   }
 
   void textsDoWithoutMasks() {
-    const auto entrances = ItemCatalogue::entrances(ItemCatalogue::Masks::Without);
-    const auto exits = ItemCatalogue::exits(ItemCatalogue::Masks::Without);
+    const auto entrances = ItemCatalogue().entrances(ItemCatalogue::Masks::Without);
+    const auto exits = ItemCatalogue().exits(ItemCatalogue::Masks::Without);
     QCOMPARE(entrances.size(), 17);
     QCOMPARE(exits.size(), 17);
     for (const GListWidgetItemInfo& tile : entrances)
@@ -53,7 +54,7 @@ class ItemCatalogueTest : public QObject {
   }
 
   void presetsAreTilesWithoutCaptions() {
-    const auto presets = ItemCatalogue::textPresets();
+    const auto presets = ItemCatalogue().textPresets();
     QCOMPARE(presets.size(), 31);
     for (int i = 0; i < presets.size(); ++i) {
       QCOMPARE(presets[i].id, i);
