@@ -67,6 +67,35 @@ std::vector<std::uint8_t> meansOfAlpha(const Frame& picture) {
   return means;
 }
 
+std::vector<std::uint8_t> lumaPixelsOf(const Frame& picture) {
+  const PlaneView luma = planeOf(picture, Frame::Y);
+  const PlaneView alpha = planeOf(picture, Frame::A);
+  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(luma.width) * luma.height * 2);
+  std::uint8_t* out = pixels.data();
+  for (int y = 0; y < luma.height; ++y) {
+    for (int x = 0; x < luma.width; ++x) {
+      *out++ = luma.row(y)[x];
+      *out++ = alpha.row(y)[x];
+    }
+  }
+  return pixels;
+}
+
+std::vector<std::uint8_t> chromaPixelsOf(const Layer& layer) {
+  const PlaneView u = planeOf(*layer.picture, Frame::U);
+  const PlaneView v = planeOf(*layer.picture, Frame::V);
+  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(u.width) * u.height * 4);
+  std::uint8_t* out = pixels.data();
+  for (int y = 0; y < u.height; ++y) {
+    for (int x = 0; x < u.width; ++x, out += 4) {
+      out[0] = u.row(y)[x];
+      out[1] = v.row(y)[x];
+      out[2] = layer.alphaRow(Frame::U, y)[x];
+    }
+  }
+  return pixels;
+}
+
 QImage premultiplied(const QImage& image) {
   return image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
@@ -120,8 +149,11 @@ LayerRef Layer::makeMovable(const QImage& image, QPoint at, FrameSize busSize, c
   const FrameRect bordered{left, top, evenBelow(rect.right() + 2 + kBorder) - left,
                            evenBelow(rect.bottom() + 2 + kBorder) - top};
   std::shared_ptr<Layer> layer = layerOf(source, covered, at, bordered, busSize);
-  if (layer)
-    layer->content = content;
+  if (!layer)
+    return {};
+  layer->content = content;
+  layer->lumaPixels = lumaPixelsOf(*layer->picture);
+  layer->chromaPixels = chromaPixelsOf(*layer);
   return layer;
 }
 

@@ -20,6 +20,10 @@ struct Layer {
   FrameRef picture;
   /// The alpha at the size of the chroma planes, in rows of chromaWidth(): means of 2 x 2 samples.
   std::vector<std::uint8_t> chromaAlpha;
+  /// The same samples pixel by pixel, as the kernels of PixelKernels.h take them; empty for a layer that
+  /// cannot be moved.
+  std::vector<std::uint8_t> lumaPixels;
+  std::vector<std::uint8_t> chromaPixels;
   /// The rectangle in the picture of the bus. Its edges are even, so that the chroma samples of both
   /// pictures coincide, or are the edges of the bus's picture. That of a layer that may be moved can lie
   /// outside of the bus's picture.

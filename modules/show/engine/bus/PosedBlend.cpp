@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <optional>
 
 #include "engine/frame/PlaneView.h"
+#include "engine/kernels/PixelKernels.h"
 #include "engine/kernels/RowKernels.h"
 #include "engine/kernels/SampleKernels.h"
 
@@ -16,6 +16,7 @@ namespace {
 // A layer that is scaled below this is not seen.
 constexpr double kLeastScale = 1e-3;
 constexpr double kMostMove = 1e5;
+constexpr int kOpaque = 256;
 
 /// p = linear * q + offset for points of two pictures, in pixels.
 struct Affine {
@@ -109,78 +110,118 @@ Run insideOf(const Ramp& ramp, int size, Run run) {
           static_cast<int>(std::ceil(std::clamp(to, least, most)))};
 }
 
-void fill(const Ramp& ramp, Run run, std::vector<std::int32_t>& out) {
-  // 16 fraction bits more than a sample has keep a row of any length exact.
-  constexpr std::int64_t kMost = (std::int64_t{1} << 30) - 1;
-  const auto limited = [](double value) {
-    return static_cast<std::int64_t>(std::clamp(value, -4e9, 4e9) * 65536.0);
+/// The points of a row from this one on.
+PixelRamp pixelRamp(const Ramp& x, const Ramp& y, int first) {
+  // A part of a row is short enough for 16 fraction bits, and beyond these the layer is not seen.
+  const auto fixed = [](double value) {
+    return static_cast<std::int32_t>(std::lround(std::clamp(value, -32767.0, 32767.0) * 65536));
   };
-  std::int64_t value = limited((ramp.first + ramp.step * run.begin) * kSampleOne);
-  const std::int64_t step = limited(ramp.step * kSampleOne);
-  for (int i = run.begin; i < run.end; ++i, value += step)
-    out[static_cast<std::size_t>(i - run.begin)] =
-        static_cast<std::int32_t>(std::clamp((value + 32768) >> 16, -kMost, kMost));
+  return {fixed(x.first + x.step * first), fixed(y.first + y.step * first), fixed(x.step), fixed(y.step)};
 }
 
-PlaneView alphaOf(const Layer& layer, int plane) {
-  if (plane == Frame::Y)
-    return planeOf(*layer.picture, Frame::A);
-  const FrameSize size = layer.picture->size();
-  return {layer.chromaAlpha.data(), size.chromaWidth(), size.chromaWidth(), size.chromaHeight()};
-}
-
-void fade(std::vector<std::uint8_t>& samples, int count, int black, int weight) {
+void fade(std::uint8_t* samples, int count, int black, int weight) {
+  if (weight == kOpaque)
+    return;
   for (int i = 0; i < count; ++i) {
-    const int value = (samples[static_cast<std::size_t>(i)] - black) * weight;
-    samples[static_cast<std::size_t>(i)] =
-        static_cast<std::uint8_t>(black + (value + (value < 0 ? -128 : 128)) / 256);
+    const int value = (samples[i] - black) * weight;
+    samples[i] = static_cast<std::uint8_t>(black + (value + (value < 0 ? -128 : 128)) / kOpaque);
   }
+}
+
+/// A coordinate of a layer that is only moved: the first sample that it touches, and how far beyond it is.
+struct Shift {
+  int sample = 0;
+  int weight = 0;
+};
+
+Shift shiftOf(double move, int rectEdge, int step) {
+  const auto place = static_cast<int>(std::lround(-(rectEdge + move) / step * kSampleOne));
+  return {place >> kSampleFractionBits, place & (kSampleOne - 1)};
 }
 
 }  // namespace
 
 void PosedBlend::blend(const Layer& layer, const LayerPose& pose, Frame& onto) {
-  if (!isUsable(pose))
+  if (!isUsable(pose) || layer.lumaPixels.empty())
     return;
+  const int weight = static_cast<int>(std::lround(std::min(pose.opacity, 1.0) * kOpaque));
+  if (pose.scaleX == 1 && pose.scaleY == 1 && pose.rotationDegrees == 0)
+    blendMoved(layer, pose, weight, onto);
+  else
+    blendTurned(layer, pose, weight, onto);
+}
+
+void PosedBlend::blendMoved(const Layer& layer, const LayerPose& pose, int weight, Frame& onto) {
+  for (const int plane : kOpaquePlanes) {
+    const int step = stepOf(plane);
+    const PlaneView top = planeOf(*layer.picture, plane);
+    const WritablePlane under = writablePlaneOf(onto, plane);
+    const Shift x = shiftOf(pose.moveX, layer.rect.x, step);
+    const Shift y = shiftOf(pose.moveY, layer.rect.y, step);
+    // The samples at the edges are transparent, so that none beyond them is needed.
+    const int firstColumn = std::max(0, -x.sample);
+    const int endColumn = std::min(under.width, top.width - 1 - x.sample);
+    const int endRow = std::min(under.height, top.height - 1 - y.sample);
+    for (int row = std::max(0, -y.sample); row < endRow; ++row) {
+      const int line = row + y.sample;
+      for (int column = firstColumn; column < endColumn; column += kPixelsMost) {
+        const int count = std::min(kPixelsMost, endColumn - column);
+        const int from = column + x.sample;
+        sampleShiftedRow(top.row(line) + from, top.row(line + 1) + from, x.weight, y.weight, first_.data(),
+                         count);
+        sampleShiftedRow(layer.alphaRow(plane, line) + from, layer.alphaRow(plane, line + 1) + from, x.weight,
+                         y.weight, alpha_.data(), count);
+        fade(first_.data(), count, blackOf(plane), weight);
+        fade(alpha_.data(), count, 0, weight);
+        blendPremultipliedRow(first_.data(), alpha_.data(), blackOf(plane), under.row(row) + column, count);
+      }
+    }
+  }
+}
+
+void PosedBlend::blendTurned(const Layer& layer, const LayerPose& pose, int weight, Frame& onto) {
   const Affine map = shownAt(pose);
   const FrameRect part = touched(layer.rect, map, onto.size());
   if (part.width <= 0 || part.height <= 0)
     return;
   const Affine back = inverse(map);
-  const int weight = static_cast<int>(std::lround(std::min(pose.opacity, 1.0) * 256));
-  for (std::vector<std::int32_t>* row : {&x_, &y_})
-    row->resize(static_cast<std::size_t>(onto.size().width));
-  for (std::vector<std::uint8_t>* row : {&samples_, &alpha_})
-    row->resize(static_cast<std::size_t>(onto.size().width));
-
-  for (const int plane : kOpaquePlanes) {
+  const auto eachPart = [&](int plane, const auto& blendPart) {
     const int step = stepOf(plane);
     const PlaneView top = planeOf(*layer.picture, plane);
-    const PlaneView alpha = alphaOf(layer, plane);
-    const WritablePlane under = writablePlaneOf(onto, plane);
-    const Run columns{part.x / step, std::min(under.width, (part.x + part.width + step - 1) / step)};
-    const int lastRow = std::min(under.height, (part.y + part.height + step - 1) / step);
-    for (int y = part.y / step; y < lastRow; ++y) {
+    const int width = onto.planeWidth(plane);
+    const Run columns{part.x / step, std::min(width, (part.x + part.width + step - 1) / step)};
+    const int lastRow = std::min(onto.planeHeight(plane), (part.y + part.height + step - 1) / step);
+    for (int row = part.y / step; row < lastRow; ++row) {
       // Samples lie in the middle of their pixels.
       const double busX = 0.5 * step;
-      const double busY = (y + 0.5) * step;
+      const double busY = (row + 0.5) * step;
       const Ramp x{(back.xx * busX + back.xy * busY + back.offsetX - layer.rect.x) / step - 0.5, back.xx};
-      const Ramp line{(back.yx * busX + back.yy * busY + back.offsetY - layer.rect.y) / step - 0.5, back.yx};
-      const Run run = insideOf(line, top.height, insideOf(x, top.width, columns));
-      const int count = run.end - run.begin;
-      if (count <= 0)
-        continue;
-      fill(x, run, x_);
-      fill(line, run, y_);
-      sampleRow(top, x_.data(), y_.data(), samples_.data(), count);
-      sampleRow(alpha, x_.data(), y_.data(), alpha_.data(), count);
-      if (weight < 256) {
-        fade(samples_, count, blackOf(plane), weight);
-        fade(alpha_, count, 0, weight);
-      }
-      blendPremultipliedRow(samples_.data(), alpha_.data(), blackOf(plane), under.row(y) + run.begin, count);
+      const Ramp y{(back.yx * busX + back.yy * busY + back.offsetY - layer.rect.y) / step - 0.5, back.yx};
+      const Run run = insideOf(y, top.height, insideOf(x, top.width, columns));
+      for (int column = run.begin; column < run.end; column += kPixelsMost)
+        blendPart(row, column, pixelRamp(x, y, column), std::min(kPixelsMost, run.end - column));
     }
-  }
+  };
+  const FrameSize size = layer.picture->size();
+  const PixelPlane luma{layer.lumaPixels.data(), size.width, size.height};
+  const PixelPlane chroma{layer.chromaPixels.data(), size.chromaWidth(), size.chromaHeight()};
+  eachPart(Frame::Y, [&](int row, int column, const PixelRamp& ramp, int count) {
+    sampleLumaPixels(luma, ramp, first_.data(), alpha_.data(), count);
+    fade(first_.data(), count, blackOf(Frame::Y), weight);
+    fade(alpha_.data(), count, 0, weight);
+    blendPremultipliedRow(first_.data(), alpha_.data(), blackOf(Frame::Y),
+                          writablePlaneOf(onto, Frame::Y).row(row) + column, count);
+  });
+  eachPart(Frame::U, [&](int row, int column, const PixelRamp& ramp, int count) {
+    sampleChromaPixels(chroma, ramp, first_.data(), second_.data(), alpha_.data(), count);
+    fade(first_.data(), count, blackOf(Frame::U), weight);
+    fade(second_.data(), count, blackOf(Frame::V), weight);
+    fade(alpha_.data(), count, 0, weight);
+    blendPremultipliedRow(first_.data(), alpha_.data(), blackOf(Frame::U),
+                          writablePlaneOf(onto, Frame::U).row(row) + column, count);
+    blendPremultipliedRow(second_.data(), alpha_.data(), blackOf(Frame::V),
+                          writablePlaneOf(onto, Frame::V).row(row) + column, count);
+  });
 }
 
 }  // namespace korvia

@@ -1,25 +1,29 @@
 // Blends a layer that is moved, scaled, rotated or faded. Engine thread.
 #pragma once
+#include <array>
 #include <cstdint>
-#include <vector>
 
 #include "engine/bus/Layer.h"
 #include "engine/bus/LayerPose.h"
+#include "engine/kernels/PixelKernels.h"
 
 namespace korvia {
 
-/// Keeps its rows between calls, so that a frame does not allocate.
 class PosedBlend {
  public:
-  /// Blends the layer over `onto`, sampled bilinearly. A layer whose borders are transparent has smooth edges
-  /// at any angle. Poses that are no numbers show nothing.
+  /// Blends a movable layer over `onto`, sampled bilinearly. A layer whose borders are transparent has smooth
+  /// edges at any angle. Poses that are no numbers show nothing.
   void blend(const Layer& layer, const LayerPose& pose, Frame& onto);
 
  private:
-  std::vector<std::int32_t> x_;
-  std::vector<std::int32_t> y_;
-  std::vector<std::uint8_t> samples_;
-  std::vector<std::uint8_t> alpha_;
+  void blendMoved(const Layer& layer, const LayerPose& pose, int weight, Frame& onto);
+  void blendTurned(const Layer& layer, const LayerPose& pose, int weight, Frame& onto);
+
+  // A part of a row: luma or U, V, alpha.
+  using Part = std::array<std::uint8_t, kPixelsMost>;
+  Part first_;
+  Part second_;
+  Part alpha_;
 };
 
 }  // namespace korvia
