@@ -138,7 +138,8 @@ LayerRef Layer::make(const QImage& image, QPoint at, FrameSize busSize) {
              : layerOf(source, covered, at, onChromaGrid(covered.translated(at), busSize), busSize);
 }
 
-LayerRef Layer::makeMovable(const QImage& image, QPoint at, FrameSize busSize, const QRectF& content) {
+LayerRef Layer::makeMovable(const QImage& image, QPoint at, FrameSize busSize, const QRectF& content,
+                            const CrawlPart& part) {
   const QImage source = premultiplied(image);
   const QRect covered = coveredPart(source, source.rect());
   if (covered.isEmpty())
@@ -152,6 +153,7 @@ LayerRef Layer::makeMovable(const QImage& image, QPoint at, FrameSize busSize, c
   if (!layer)
     return {};
   layer->content = content;
+  layer->part = part;
   layer->lumaPixels = lumaPixelsOf(*layer->picture);
   layer->chromaPixels = chromaPixelsOf(*layer);
   return layer;

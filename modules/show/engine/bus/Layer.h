@@ -12,6 +12,14 @@
 
 namespace korvia {
 
+/// Which part of a crawl a layer shows, in pixels from the left of its content. Only its owner uses it.
+struct CrawlPart {
+  int begin = 0;
+  int end = 0;
+  /// Of the text.
+  int revision = 0;
+};
+
 struct Layer;
 using LayerRef = std::shared_ptr<const Layer>;
 
@@ -31,6 +39,7 @@ struct Layer {
   /// What the operator places, without outline and shadow, in pixels of the bus's picture; empty for a layer
   /// that cannot be moved.
   QRectF content;
+  CrawlPart part;
   /// Size of the bus's picture that it was made for. It is not shown over pictures of other sizes.
   FrameSize busSize;
   /// Unique in the process, so that it tells whether a layer changed.
@@ -42,7 +51,8 @@ struct Layer {
   static LayerRef make(const QImage& image, QPoint at, FrameSize busSize);
   /// The same for a layer that will be moved, scaled or rotated: not clipped, and with a transparent border,
   /// which makes its edges smooth. `content` as in the member.
-  static LayerRef makeMovable(const QImage& image, QPoint at, FrameSize busSize, const QRectF& content);
+  static LayerRef makeMovable(const QImage& image, QPoint at, FrameSize busSize, const QRectF& content,
+                              const CrawlPart& part = {});
 
   /// Row `y` of the alpha for a plane, counted within the rectangle.
   const std::uint8_t* alphaRow(int plane, int y) const;

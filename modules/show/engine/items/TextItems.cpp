@@ -24,28 +24,23 @@ std::optional<std::size_t> placeOf(int bus) {
 }
 
 LayerRef layerOf(TextPainter& painter, const tagKorviaShowTextInfo& info, FrameSize size,
-                 const QDateTime& now) {
+                 const QDateTime& now, const TextPart& part = {}, int revision = 0) {
   // Also false for what is no number.
   if (!(std::abs(info.x) < kFarthest && std::abs(info.y) < kFarthest))
     return {};
-  const TextPicture picture = painter.paint(info, size, now);
+  const TextPicture picture = painter.paint(info, size, now, part);
   if (picture.image.isNull())
     return {};
   const QPoint center(static_cast<int>(std::lround(info.x * size.width)),
                       static_cast<int>(std::lround(info.y * size.height)));
-  return Layer::makeMovable(picture.image, center + picture.corner, size, picture.box.translated(center));
+  const CrawlPart drawn{picture.part.begin, picture.part.begin + picture.part.width, revision};
+  return Layer::makeMovable(picture.image, center + picture.corner, size, picture.box.translated(center),
+                            drawn);
 }
 
-/// How far a crawl is to the right of where it was drawn: the leading edge of the text starts at `x`, its
-/// trailing edge ends at `scrollEndX`, and then it begins again.
-double crawlMove(const tagKorviaShowTextInfo& info, const QRectF& content, double width, double shownMs) {
-  if (!(info.scrollTime > 0) || !std::isfinite(info.scrollEndX))
-    return 0;
-  const bool goesLeft = info.scrollEndX < info.x;
-  const double first = goesLeft ? info.x * width : info.x * width - content.width();
-  const double last = goesLeft ? info.scrollEndX * width - content.width() : info.scrollEndX * width;
-  const double rounds = shownMs / (static_cast<double>(info.scrollTime) * 1000);
-  return first + (last - first) * (rounds - std::floor(rounds)) - content.left();
+/// Tells the seconds of a clock apart; of no other meaning.
+qint64 secondOf(const QDateTime& now) {
+  return now.date().toJulianDay() * 86'400 + now.time().msecsSinceStartOfDay() / 1000;
 }
 
 }  // namespace
@@ -75,6 +70,7 @@ void TextItems::add(int bus, const tagKorviaShowTextInfo& info) {
     Item item;
     item.info = info;
     item.key = QStringLiteral("text ") + info.id;
+    item.crawlKeys = {item.key + QStringLiteral(" pvm"), item.key + QStringLiteral(" pgm")};
     items_.push_back(std::move(item));
   }
   Item& shown = *find(info.id);
@@ -112,9 +108,9 @@ std::optional<tagKorviaShowPresentPlacement> TextItems::place(const QString& id,
   placement.key = id;
   placement.x = x;
   placement.y = y;
-  if (item->layer && !size_.isEmpty()) {
-    placement.width = item->layer->content.width() / size_.width;
-    placement.height = item->layer->content.height() / size_.height;
+  if (const LayerRef& layer = item->anyLayer(); layer && !size_.isEmpty()) {
+    placement.width = layer->content.width() / size_.width;
+    placement.height = layer->content.height() / size_.height;
   }
   return placement;
 }
@@ -124,15 +120,16 @@ void TextItems::describe(std::vector<PlacedItem>& items) const {
   for (std::size_t bus = 0; bus < kBuses; ++bus) {
     const auto begin = static_cast<std::ptrdiff_t>(items.size());
     for (const Item& item : items_) {
-      if (!item.motions[bus].isPresent() || !item.layer || item.layer->content.isEmpty())
+      const LayerRef& layer = item.layerOn(bus);
+      if (!item.motions[bus].isPresent() || !layer || layer->content.isEmpty())
         continue;
       PlacedItem placed;
       placed.key = item.info.id;
       placed.bus = bus == 0 ? PVMObject : PGMObject;
-      placed.content = item.layer->content;
+      placed.content = layer->content;
       placed.x = item.info.x;
       placed.y = item.info.y;
-      placed.isCrawl = item.info.scrollTime > 0;
+      placed.isCrawl = CrawlLayers::isCrawl(item.info);
       placed.turn = item.turns[bus];
       // A crawl passes the whole line.
       if (placed.isCrawl)
@@ -144,8 +141,28 @@ void TextItems::describe(std::vector<PlacedItem>& items) const {
   }
 }
 
+const LayerRef& TextItems::Item::layerOn(std::size_t bus) const {
+  const LayerRef& crawl = crawls[bus].shown();
+  // A text that begins or stops to crawl shows its old layer until the new one is drawn.
+  if (CrawlLayers::isCrawl(info))
+    return crawl ? crawl : layer;
+  return layer ? layer : crawl;
+}
+
+const LayerRef& TextItems::Item::anyLayer() const {
+  const LayerRef& first = layerOn(0);
+  return first ? first : layerOn(1);
+}
+
 bool TextItems::take(RasterWorker::Drawn& drawn) {
   for (Item& item : items_) {
+    for (std::size_t bus = 0; bus < kBuses; ++bus) {
+      if (item.crawlKeys[bus] != drawn.key)
+        continue;
+      item.crawls[bus].take(drawn.layer);
+      item.wasDrawn = true;
+      return true;
+    }
     if (item.key == drawn.key) {
       item.layer.swap(drawn.layer);
       item.wasDrawn = true;
@@ -156,26 +173,81 @@ bool TextItems::take(RasterWorker::Drawn& drawn) {
 }
 
 void TextItems::draw(Item& item, const QDateTime& now) {
-  if (!item.isChanged && !showsTime(item.info.text))
-    return;
+  if (!item.isChanged) {
+    // The time is expanded once a second only, unless milliseconds are shown.
+    if (!showsTime(item.info.text) ||
+        (item.drawnSecond == secondOf(now) && !item.info.timeFormat.contains(QLatin1Char('z'))))
+      return;
+  }
+  item.drawnSecond = secondOf(now);
   QString text = expandText(item.info.text, item.info.timeFormat, now);
   if (!std::exchange(item.isChanged, false) && text == item.drawnText)
     return;
   item.drawnText = std::move(text);
+  ++item.revision;
+  if (CrawlLayers::isCrawl(item.info))
+    return;
   raster_.request(item.key, [painter = painter_, info = item.info, size = size_, now] {
     return layerOf(*painter, info, size, now);
   });
 }
 
+void TextItems::drawPart(Item& item, std::size_t bus, const TextPart& part, const QDateTime& now) {
+  raster_.request(item.crawlKeys[bus],
+                  [painter = painter_, info = item.info, size = size_, now, part, revision = item.revision] {
+                    return layerOf(*painter, info, size, now, part, revision);
+                  });
+}
+
 LayerPose TextItems::poseOn(std::size_t bus, const Item& item) const {
   const tagKorviaShowTextInfo& info = item.info;
   const ItemMotion& motion = item.motions[bus];
-  const QRectF& content = item.layer->content;
-  const double move = crawlMove(info, content, size_.width, motion.shownMs());
+  const QRectF& content = item.layerOn(bus)->content;
+  const double move = CrawlLayers::moveOf(info, content, size_.width, motion.shownMs());
   LayerPose pose = motion.pose(info.enter, info.exit, content.translated(move, 0), size_);
   pose.anchorX -= move;
   pose.moveX += move;
   return pose;
+}
+
+void TextItems::show(Item& item, std::size_t bus, const QDateTime& now) {
+  LayerStack& layers = buses_[bus]->layers();
+  const ItemMotion& motion = item.motions[bus];
+  if (!motion.isPresent()) {
+    layers.remove(LayerKind::Text, item.key);
+    return;
+  }
+  if (CrawlLayers::isCrawl(item.info)) {
+    if (const auto part = item.crawls[bus].follow(item.info, size_, motion.shownMs(), item.revision))
+      drawPart(item, bus, *part, now);
+  }
+  if (const LayerRef& layer = item.layerOn(bus))
+    layers.put(LayerKind::Text, item.key, layer, poseOn(bus, item));
+  else
+    layers.put(LayerKind::Text, item.key, {});
+}
+
+void TextItems::discardUnused(Item& item, std::vector<RasterWorker::Drawn>& discarded) {
+  const bool hasCrawl = std::any_of(item.crawls.begin(), item.crawls.end(),
+                                    [](const CrawlLayers& crawl) { return crawl.shown() != nullptr; });
+  if (!hasCrawl || !item.layer)
+    return;
+  if (CrawlLayers::isCrawl(item.info)) {
+    discarded.push_back({item.key, std::move(item.layer)});
+    item.layer.reset();
+  } else {
+    for (CrawlLayers& crawl : item.crawls)
+      crawl.clear(discarded);
+  }
+}
+
+void TextItems::discard(Item& item, std::vector<RasterWorker::Drawn>& discarded) {
+  raster_.withdraw(item.key);
+  for (const QString& key : item.crawlKeys)
+    raster_.withdraw(key);
+  for (CrawlLayers& crawl : item.crawls)
+    crawl.clear(discarded);
+  discarded.push_back({item.key, std::move(item.layer)});
 }
 
 void TextItems::beginFrame(const QDateTime& now, double passedMs,
@@ -183,27 +255,20 @@ void TextItems::beginFrame(const QDateTime& now, double passedMs,
   for (Item& item : items_) {
     draw(item, now);
     for (std::size_t bus = 0; bus < kBuses; ++bus) {
-      ItemMotion& motion = item.motions[bus];
       // An entrance begins when there is something to show.
       if (item.wasDrawn)
-        motion.advance(passedMs, item.info.enter, item.info.exit);
-      if (!motion.isPresent())
-        buses_[bus]->layers().remove(LayerKind::Text, item.key);
-      else if (item.layer)
-        buses_[bus]->layers().put(LayerKind::Text, item.key, item.layer, poseOn(bus, item));
-      else
-        buses_[bus]->layers().put(LayerKind::Text, item.key, {});
+        item.motions[bus].advance(passedMs, item.info.enter, item.info.exit);
+      show(item, bus, now);
     }
+    discardUnused(item, discarded);
   }
   const auto isGone = [](const Item& item) {
     return std::none_of(item.motions.begin(), item.motions.end(),
                         [](const ItemMotion& motion) { return motion.isPresent(); });
   };
   for (Item& item : items_) {
-    if (!isGone(item))
-      continue;
-    raster_.withdraw(item.key);
-    discarded.push_back({item.key, std::move(item.layer)});
+    if (isGone(item))
+      discard(item, discarded);
   }
   items_.erase(std::remove_if(items_.begin(), items_.end(), isGone), items_.end());
 }

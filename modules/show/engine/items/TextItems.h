@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/bus/Bus.h"
+#include "engine/items/CrawlLayers.h"
 #include "engine/items/ItemMotion.h"
 #include "engine/items/PlacedItem.h"
 #include "engine/items/RasterWorker.h"
@@ -53,17 +54,28 @@ class TextItems {
 
   struct Item {
     tagKorviaShowTextInfo info;
-    QString key;  ///< of its requests and layers
+    QString key;                            ///< of its layers, and of the requests of a text that stands
+    std::array<QString, kBuses> crawlKeys;  ///< of the requests of a crawl
     std::array<ItemMotion, kBuses> motions;
     std::array<quint64, kBuses> turns{};  ///< count of the items that were shown on a bus before
     bool wasDrawn = false;
-    bool isChanged = true;  ///< since it was drawn, except for the time
-    QString drawnText;      ///< with the time in it
-    LayerRef layer;         ///< null before it was drawn, and when nothing of it is visible
+    bool isChanged = true;                   ///< since it was drawn, except for the time
+    qint64 drawnSecond = 0;                  ///< of the time in it
+    QString drawnText;                       ///< with the time in it
+    int revision = 0;                        ///< grows when a crawl has to be drawn anew
+    LayerRef layer;                          ///< null before it was drawn, and when nothing of it is visible
+    std::array<CrawlLayers, kBuses> crawls;  ///< in place of the layer, while it crawls
+
+    const LayerRef& layerOn(std::size_t bus) const;
+    const LayerRef& anyLayer() const;
   };
 
   Item* find(const QString& id);
   void draw(Item& item, const QDateTime& now);
+  void drawPart(Item& item, std::size_t bus, const TextPart& part, const QDateTime& now);
+  void show(Item& item, std::size_t bus, const QDateTime& now);
+  void discardUnused(Item& item, std::vector<RasterWorker::Drawn>& discarded);
+  void discard(Item& item, std::vector<RasterWorker::Drawn>& discarded);
   LayerPose poseOn(std::size_t bus, const Item& item) const;
 
   const std::array<Bus*, kBuses> buses_;

@@ -15,6 +15,8 @@ namespace {
 
 constexpr int kMostFontSize = 2048;
 constexpr int kMostSide = 16384;
+/// Of a text that is drawn in parts, in pixels of 1080 lines.
+constexpr double kMostPartedWidth = 2e6;
 /// Limits of lengths in pixels of 1080 lines.
 constexpr double kMostEffect = 128;
 constexpr double kMostBoxShare = 8;
@@ -88,16 +90,34 @@ TextBox boxOf(const tagKorviaShowTextInfo& info, double pictureWidth) {
   return box;
 }
 
+QRect limitedHeight(FrameSize size, const QRect& wanted) {
+  const int height = std::min(2 * size.height, kMostSide);
+  return wanted.height() > height ? wanted & QRect(wanted.left(), -height / 2, wanted.width(), height)
+                                  : wanted;
+}
+
+int mostWidth(FrameSize size, int height) {
+  const qint64 area = 2LL * size.width * size.height;
+  return static_cast<int>(std::clamp<qint64>(area / std::max(1, height), 1, kMostSide));
+}
+
 /// The part of the rectangle that may be drawn: all of it, or what lies around the centre of the item.
 QRect mostDrawn(FrameSize size, const QRect& wanted) {
-  QRect most = wanted;
-  const int height = std::min(2 * size.height, kMostSide);
-  if (most.height() > height)
-    most &= QRect(most.left(), -height / 2, most.width(), height);
-  const qint64 area = 2LL * size.width * size.height;
-  const int width = static_cast<int>(std::clamp<qint64>(area / std::max(1, most.height()), 1, kMostSide));
-  if (most.width() > width)
-    most &= QRect(-width / 2, most.top(), width, most.height());
+  const QRect most = limitedHeight(size, wanted);
+  const int width = mostWidth(size, most.height());
+  return most.width() > width ? most & QRect(-width / 2, most.top(), width, most.height()) : most;
+}
+
+/// The rectangle of a part of the text, which is limited to what may be drawn. What overhangs at the ends of
+/// the text is included.
+QRect drawnPart(FrameSize size, const QRect& wanted, const QRectF& box, TextPart& part) {
+  QRect most = limitedHeight(size, wanted);
+  part.width = std::min(part.width, mostWidth(size, most.height()));
+  const int left = static_cast<int>(std::floor(box.left())) + part.begin;
+  if (part.begin > 0)
+    most.setLeft(left);
+  if (part.begin + part.width < std::ceil(box.width()))
+    most.setRight(left + part.width - 1);
   return most;
 }
 
@@ -136,8 +156,17 @@ void addEffects(const Effects& effects, const GlyphPicture& glyphs, PlacedCovera
 
 }  // namespace
 
-TextPicture TextPainter::paint(const tagKorviaShowTextInfo& info, FrameSize renderSize,
-                               const QDateTime& now) {
+const TextShape& TextPainter::shapeOf(const ShapeKey& key) {
+  if (!shape_ || key != shapeKey_) {
+    shape_ =
+        std::make_unique<TextShape>(key.text, chooseFont(key.fontName, key.fontSize), key.box, key.limits);
+    shapeKey_ = key;
+  }
+  return *shape_;
+}
+
+TextPicture TextPainter::paint(const tagKorviaShowTextInfo& info, FrameSize renderSize, const QDateTime& now,
+                               const TextPart& part) {
   TextPicture result;
   const tagKorviaShowTextStyle& style = info.style;
   const QString text = expandText(info.text, info.timeFormat, now);
@@ -145,8 +174,11 @@ TextPicture TextPainter::paint(const tagKorviaShowTextInfo& info, FrameSize rend
     return result;
   const double scale = renderSize.height / kNominalLines;
   const int fontSize = std::min(style.fontSize, kMostFontSize);
-  const TextShape shape(text, chooseFont(style.fontName, fontSize), boxOf(info, renderSize.width / scale),
-                        kMostSide / scale);
+  const bool isWhole = part.width <= 0;
+  const TextLimits limits =
+      isWhole ? TextLimits{kMostSide / scale} : TextLimits{kMostPartedWidth, kMostTextCharacters};
+  const TextShape& shape =
+      shapeOf({text, style.fontName, fontSize, boxOf(info, renderSize.width / scale), limits});
   result.box = QRectF(shape.box().topLeft() * scale, shape.box().size() * scale);
 
   const Effects effects(style, scale);
@@ -155,9 +187,14 @@ TextPicture TextPainter::paint(const tagKorviaShowTextInfo& info, FrameSize rend
                           .toAlignedRect()
                           .adjusted(-overhang, -overhang, overhang, overhang);
   const int reach = effects.reach();
-  const QRect most = mostDrawn(renderSize, lines.adjusted(-reach, -reach, reach, reach));
+  const QRect wanted = lines.adjusted(-reach, -reach, reach, reach);
+  result.part = part;
+  const QRect most =
+      isWhole ? mostDrawn(renderSize, wanted) : drawnPart(renderSize, wanted, result.box, result.part);
   const QRect clip = clipOf(shape, scale, most, effects.outlineReach());
-  const GlyphPicture glyphs = GlyphPicture::draw(shape, scale, lines & clip);
+  // The glyphs beside a part throw their outline and shadow into it.
+  const QRect glyphClip = isWhole ? clip : clip.adjusted(-reach, 0, reach, 0);
+  const GlyphPicture glyphs = GlyphPicture::draw(shape, scale, lines & glyphClip);
   if (glyphs.rect.isEmpty())
     return result;
 

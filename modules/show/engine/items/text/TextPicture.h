@@ -6,6 +6,13 @@
 
 namespace korvia {
 
+/// A part of a text that is too wide for one picture, from top to bottom.
+struct TextPart {
+  int begin = 0;
+  /// 0 for the whole text.
+  int width = 0;
+};
+
 struct TextPicture {
   /// Premultiplied ARGB; null when nothing is visible.
   QImage image;
@@ -14,6 +21,8 @@ struct TextPicture {
   QPoint corner;
   /// The box of the text, in pixels of the render picture from the centre of the item.
   QRectF box;
+  /// The part that was drawn, in pixels from the left of the box.
+  TextPart part;
 };
 
 }  // namespace korvia

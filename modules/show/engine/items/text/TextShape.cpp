@@ -13,8 +13,6 @@ namespace korvia {
 namespace {
 
 constexpr int kMostLines = 512;
-/// Longer lines are cut before they are set: the shaper takes time for every character.
-constexpr int kMostLineCharacters = 4096;
 /// Wider than any line that is not broken.
 constexpr double kUnbroken = 4e6;
 
@@ -37,18 +35,19 @@ int wholeLength(const QString& text, int length) {
 
 }  // namespace
 
-TextShape::TextShape(const QString& text, const QFont& font, const TextBox& box, double mostWidth) {
+TextShape::TextShape(const QString& text, const QFont& font, const TextBox& box, const TextLimits& limits) {
   for (const QString& paragraph : text.split(QLatin1Char('\n'))) {
     if (lineCount_ >= kMostLines)
       break;
-    addParagraph(paragraph, font, box, mostWidth);
+    addParagraph(paragraph, font, box, limits);
   }
   place(font, box);
 }
 
-void TextShape::addParagraph(const QString& text, const QFont& font, const TextBox& box, double mostWidth) {
+void TextShape::addParagraph(const QString& text, const QFont& font, const TextBox& box,
+                             const TextLimits& limits) {
   const bool breaks = box.width > 0;
-  EmojiText marked = markEmoji(breaks ? text : text.left(wholeLength(text, kMostLineCharacters)), font);
+  EmojiText marked = markEmoji(breaks ? text : text.left(wholeLength(text, limits.characters)), font);
   auto layout = std::make_unique<QTextLayout>(marked.text, font);
   QTextOption option;
   option.setWrapMode(breaks ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::ManualWrap);
@@ -67,9 +66,9 @@ void TextShape::addParagraph(const QString& text, const QFont& font, const TextB
     layout->endLayout();
   };
   setLines();
-  if (!breaks && layout->lineCount() > 0 && layout->lineAt(0).naturalTextWidth() > mostWidth) {
+  if (!breaks && layout->lineCount() > 0 && layout->lineAt(0).naturalTextWidth() > limits.width) {
     // Whatever side the text is written from, as many characters as fit are its first ones.
-    const double share = mostWidth / layout->lineAt(0).naturalTextWidth();
+    const double share = limits.width / layout->lineAt(0).naturalTextWidth();
     const int kept = std::max(1, static_cast<int>(marked.text.size() * share));
     marked.truncate(wholeLength(marked.text, kept));
     layout->setText(marked.text);

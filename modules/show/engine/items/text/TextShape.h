@@ -23,12 +23,23 @@ struct TextBox {
   double height = 0;
   TextSide horizontal = TextSide::Middle;
   TextSide vertical = TextSide::Middle;
+
+  friend bool operator==(const TextBox&, const TextBox&) = default;
+};
+
+/// Of a line that is not broken. Longer ones are cut before they are set, because the shaper takes time for
+/// every character.
+struct TextLimits {
+  double width = 0;
+  int characters = 4096;
+
+  friend bool operator==(const TextLimits&, const TextLimits&) = default;
 };
 
 class TextShape {
  public:
-  /// Lines end at '\n'. Each is cut where it is longer than `mostWidth`, and there are at most 512.
-  TextShape(const QString& text, const QFont& font, const TextBox& box, double mostWidth);
+  /// Lines end at '\n'. Each is cut where it is longer than the limits, and there are at most 512.
+  TextShape(const QString& text, const QFont& font, const TextBox& box, const TextLimits& limits);
 
   /// The box with its measured sides.
   QRectF box() const { return box_; }
@@ -42,7 +53,7 @@ class TextShape {
   void draw(QPainter& painter, const QRectF& visible) const;
 
  private:
-  void addParagraph(const QString& text, const QFont& font, const TextBox& box, double mostWidth);
+  void addParagraph(const QString& text, const QFont& font, const TextBox& box, const TextLimits& limits);
   void place(const QFont& font, const TextBox& box);
 
   std::vector<std::unique_ptr<QTextLayout>> paragraphs_;

@@ -43,6 +43,18 @@ class TextItemsTest : public QObject {
     return {rect.x + rect.width / 2.0, rect.y + rect.height / 2.0};
   }
 
+  /// Whether what is seen of the crawl on program is drawn.
+  bool isCovered() {
+    const StackedLayer& stacked = program_->layers().layers().at(0);
+    if (!stacked.layer)
+      return false;
+    const QRectF& content = stacked.layer->content;
+    const double left = content.left() + stacked.pose.moveX;
+    const double begin = std::clamp(-left, 0.0, content.width());
+    const double end = std::clamp(kSize.width - left, 0.0, content.width());
+    return begin >= end || (stacked.layer->part.begin <= begin && stacked.layer->part.end >= end);
+  }
+
  private slots:
   void init() {
     preview_ = std::make_unique<Bus>();
@@ -251,6 +263,75 @@ class TextItemsTest : public QObject {
       before = now;
     }
     QVERIFY(turns == 2 || turns == 3);
+  }
+
+  void aLongCrawlIsDrawnInParts_data() {
+    QTest::addColumn<double>("x");
+    QTest::addColumn<double>("endX");
+    QTest::newRow("to the left") << 1.0 << 0.0;
+    QTest::newRow("to the right") << 0.0 << 1.0;
+  }
+  void aLongCrawlIsDrawnInParts() {
+    QFETCH(double, x);
+    QFETCH(double, endX);
+    tagKorviaShowTextInfo info = title(QString(10'000, QLatin1Char('w')));
+    info.x = x;
+    info.scrollEndX = endX;
+    info.scrollTime = 60;
+    info.enter.duration = 0;
+    texts().add(PGMObject, info);
+    QVERIFY(firstPose());
+    QSet<quint64> versions;
+    int turns = 0;
+    double before = 0;
+    // The worker gets as long as it takes for every part.
+    for (int frame = 0; frame < 700; ++frame) {
+      stage_->beginFrame(3);
+      const double move = program_->layers().layers().at(0).pose.moveX;
+      turns += frame > 0 && (move - before) * (endX - x) < 0 ? 1 : 0;
+      before = move;
+      QTRY_VERIFY_WITH_TIMEOUT((stage_->beginFrame(0), isCovered()), 20'000);
+      const LayerRef layer = program_->layers().layers().at(0).layer;
+      versions.insert(layer->version);
+      QVERIFY(layer->picture->size().width <= 16384 + 64);
+    }
+    QCOMPARE(turns, 1);
+    QVERIFY2(versions.size() > 5 && versions.size() < 100, QByteArray::number(versions.size()));
+  }
+
+  void aCrawlThatChangesShowsItsNewText() {
+    tagKorviaShowTextInfo info = title(QString(300, QLatin1Char('w')));
+    info.x = 0.9;
+    info.scrollTime = 100;
+    texts().add(PGMObject, info);
+    QVERIFY(firstPose());
+    const double width = program_->layers().layers().at(0).layer->content.width();
+    info.text = QString(200, QLatin1Char('w'));
+    texts().update(info);
+    QTRY_VERIFY(
+        (stage_->beginFrame(), program_->layers().layers().at(0).layer->content.width() < 0.7 * width));
+    // It stops, and the text stands as it was drawn.
+    info.scrollTime = 0;
+    texts().update(info);
+    QTRY_VERIFY((stage_->beginFrame(), program_->layers().layers().at(0).pose.moveX == 0));
+    QVERIFY(program_->layers().layers().at(0).layer);
+    // And crawls again.
+    info.scrollTime = 100;
+    texts().update(info);
+    QTRY_VERIFY((stage_->beginFrame(), program_->layers().layers().at(0).layer->part.end > 0 && isCovered()));
+  }
+
+  void aCrawlHasItsOwnPlaceOnEachBus() {
+    tagKorviaShowTextInfo info = title();
+    info.x = 1;
+    info.scrollTime = 10;
+    texts().add(PVMObject, info);
+    QTRY_VERIFY((stage_->beginFrame(10), preview_->layers().layers().at(0).layer != nullptr));
+    for (int i = 0; i < 5; ++i)
+      stage_->beginFrame(10);
+    texts().add(PGMObject, info);
+    QTRY_VERIFY((stage_->beginFrame(1), program_->layers().layers().at(0).layer != nullptr));
+    QVERIFY(preview_->layers().layers().at(0).pose.moveX < program_->layers().layers().at(0).pose.moveX - 50);
   }
 
   void strangeRecordsShowNothing_data() {

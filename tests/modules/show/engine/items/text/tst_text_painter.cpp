@@ -402,6 +402,62 @@ class TextPainterTest : public QObject {
           QFAIL("a colour is larger than its alpha");
       }
   }
+
+  void partsOfATextAreThoseOfTheWhole_data() {
+    QTest::addColumn<int>("colorMode");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("solid") << int{TextColorSolid} << "A long line that is drawn in parts.";
+    QTest::newRow("gradient") << int{TextColorGradient} << "A long line that is drawn in parts.";
+    QTest::newRow("Chinese, emoji") << int{TextColorSolid}
+                                    << QString::fromUtf8("新闻 news 😀 新闻联播 😀😀 end");
+    QTest::newRow("Arabic") << int{TextColorSolid} << QString::fromUtf8("أخبار اليوم من كل مكان في العالم");
+  }
+  void partsOfATextAreThoseOfTheWhole() {
+    QFETCH(int, colorMode);
+    QFETCH(QString, text);
+    tagKorviaShowTextInfo info;
+    info.text = text;
+    info.style.colorMode = colorMode;
+    info.style.outlineSize = 6;
+    info.style.outlineBlur = 3;
+    info.style.shadowDistanceX = 12;
+    info.style.shadowBlur = 5;
+    const TextPicture whole = painted(info);
+    constexpr int kPart = 97;
+    const int width = static_cast<int>(std::ceil(whole.box.width()));
+    TextPainter painter;
+    QRect drawn;
+    for (int begin = 0; begin < width; begin += kPart) {
+      const TextPicture part = painter.paint(info, kHd, QDateTime(), {begin, kPart});
+      QCOMPARE(part.box, whole.box);
+      QCOMPARE(part.part.begin, begin);
+      QCOMPARE(part.part.width, kPart);
+      const QRect rect(part.corner, part.image.size());
+      QVERIFY((rect & drawn).isEmpty());
+      drawn |= rect;
+      for (int y = rect.top(); y <= rect.bottom(); ++y)
+        for (int x = rect.left(); x <= rect.right(); ++x)
+          QVERIFY2(isNear(pixelAt(part, {x, y}), pixelAt(whole, {x, y}), 1),
+                   qPrintable(QString("%1, %2").arg(x).arg(y)));
+    }
+    // Also what overhangs at the ends.
+    QVERIFY(drawn.contains(inkOf(whole)));
+  }
+
+  void aPartIsNoLargerThanAPicture() {
+    tagKorviaShowTextInfo info = plainText(QString(10'000, QLatin1Char('w')));
+    TextPainter painter;
+    const TextPicture first = painter.paint(info, kHd, QDateTime(), {0, 1'000'000});
+    QCOMPARE(first.part.width, 16384);
+    QVERIFY(first.image.width() <= 16384 + 64);
+    QVERIFY(first.box.width() > 200'000);
+    const int last = static_cast<int>(first.box.width()) - 1000;
+    const TextPicture end = painter.paint(info, kHd, QDateTime(), {last, 3000});
+    QVERIFY(inkOf(end).right() > first.box.right() - 40);
+    info.style.fontSize = 999;
+    const TextPicture tall = painter.paint(info, kHd, QDateTime(), {0, 1'000'000});
+    QVERIFY(qint64{tall.image.width()} * tall.image.height() < qint64{5} * kHd.width * kHd.height);
+  }
 };
 
 QTEST_MAIN(TextPainterTest)

@@ -8,7 +8,7 @@ using namespace korvia;
 
 namespace {
 
-constexpr double kWide = 16384;
+constexpr TextLimits kWide{16384};
 
 QFont font() {
   return chooseFont("DejaVu Sans", 40);
@@ -79,7 +79,7 @@ class TextShapeTest : public QObject {
     QVERIFY(qAbs(shape.lastBaseline() - shape.capTop() - QFontMetricsF(font()).capHeight()) < 0.1);
   }
   void longLinesAreCut() {
-    const TextShape shape(QString(20000, QLatin1Char('w')), font(), {}, 3000);
+    const TextShape shape(QString(20000, QLatin1Char('w')), font(), {}, {3000});
     QVERIFY(shape.lines().width() <= 3000);
     QVERIFY(shape.lines().width() > 2900);
   }
