@@ -1,8 +1,7 @@
 #include "Compositor.h"
 
-#include <libyuv/planar_functions.h>
-
 #include <algorithm>
+#include <cstring>
 
 #include "engine/frame/PlaneView.h"
 #include "engine/kernels/RowKernels.h"
@@ -13,12 +12,6 @@ namespace {
 
 bool covers(const StackedLayer& stacked, const FrameRef& base) {
   return stacked.layer && stacked.layer->busSize == base->size() && stacked.pose.opacity > 0;
-}
-
-void copy(const Frame& from, Frame& to) {
-  for (const int plane : kOpaquePlanes)
-    libyuv::CopyPlane(from.plane(plane), from.stride(plane), to.writablePlane(plane), to.stride(plane),
-                      from.planeWidth(plane), from.planeHeight(plane));
 }
 
 /// The layer where it was drawn. It may reach beyond the picture.
@@ -42,6 +35,25 @@ void blend(const Layer& layer, Frame& onto) {
 
 }  // namespace
 
+// Rows that a layer touches are blended next and stay in the cache. The others are not read again before the
+// monitors and outputs do, so that they bypass it.
+void Compositor::copy(const Frame& from, Frame& to) const {
+  for (const int plane : kOpaquePlanes) {
+    const PlaneView source = planeOf(from, plane);
+    const WritablePlane target = writablePlaneOf(to, plane);
+    for (int y = 0; y < source.height; ++y) {
+      const int line = y * stepOf(plane);
+      const bool isTouched = std::any_of(rows_.begin(), rows_.end(), [line](const RowRange& rows) {
+        return rows.begin <= line && line < rows.end;
+      });
+      if (isTouched)
+        std::memcpy(target.row(y), source.row(y), static_cast<std::size_t>(source.width));
+      else
+        copyRowNonTemporal(source.row(y), target.row(y), source.width);
+    }
+  }
+}
+
 FrameRef Compositor::over(const FrameRef& base, const std::vector<StackedLayer>& layers, FramePool& pool) {
   looks_.clear();
   for (const StackedLayer& stacked : layers) {
@@ -54,6 +66,11 @@ FrameRef Compositor::over(const FrameRef& base, const std::vector<StackedLayer>&
   base_.reset();
   if (looks_.empty())
     return base;
+  rows_.clear();
+  for (const StackedLayer& stacked : layers) {
+    if (covers(stacked, base))
+      rows_.push_back(PosedBlend::rows(*stacked.layer, stacked.pose, base->size()));
+  }
   MutableFrame blended = pool.acquire();
   copy(*base, *blended);
   for (const StackedLayer& stacked : layers) {

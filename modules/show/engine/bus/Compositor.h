@@ -17,6 +17,8 @@ class Compositor {
   FrameRef over(const FrameRef& base, const std::vector<StackedLayer>& layers, FramePool& pool);
 
  private:
+  void copy(const Frame& from, Frame& to) const;
+
   /// What a layer looks like on the bus.
   struct Look {
     std::uint64_t version = 0;
@@ -30,7 +32,9 @@ class Compositor {
   FrameRef base_;
   std::vector<Look> lastLooks_;
   FrameRef result_;
-  std::vector<Look> looks_;  // of this call's layers; kept so that a frame does not allocate
+  // Of this call's layers; kept so that a frame does not allocate.
+  std::vector<Look> looks_;
+  std::vector<RowRange> rows_;
   PosedBlend posed_;
 };
 

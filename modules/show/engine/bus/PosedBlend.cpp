@@ -151,6 +151,13 @@ void PosedBlend::blend(const Layer& layer, const LayerPose& pose, Frame& onto) {
     blendTurned(layer, pose, weight, onto);
 }
 
+RowRange PosedBlend::rows(const Layer& layer, const LayerPose& pose, FrameSize bus) {
+  if (!isUsable(pose))
+    return {};
+  const FrameRect part = touched(layer.rect, shownAt(pose), bus);
+  return {part.y, part.y + part.height};
+}
+
 void PosedBlend::blendMoved(const Layer& layer, const LayerPose& pose, int weight, Frame& onto) {
   for (const int plane : kOpaquePlanes) {
     const int step = stepOf(plane);
