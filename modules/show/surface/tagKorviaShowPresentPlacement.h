@@ -5,7 +5,7 @@
 
 enum KorviaShowPresentKind : qint32 { PresentKindSubtitle = 1, PresentKindLogo = 2, PresentKindOverlay = 3 };
 
-/// Position and size are fractions of the picture.
+/// `x` and `y` are the centre of the item, in fractions of the picture like its size.
 struct tagKorviaShowPresentPlacement {
   /// A KorviaShowPresentKind.
   qint32 kind = 0;

@@ -5,7 +5,8 @@
 
 enum KorviaShowTextColorMode : qint32 { TextColorSolid = 0, TextColorGradient = 1, TextColorTexture = 2 };
 
-/// Colours are ARGB words; sizes and distances are pixels of the picture.
+/// Colours are ARGB words; sizes, distances and blurs are pixels of a picture of 1080 lines. A shadow with a
+/// positive distance lies to the right and above.
 struct tagKorviaShowTextStyle {
   /// The preset that was chosen last.
   qint32 preset = 0;

@@ -116,6 +116,30 @@ class KorviaCommonUtilTest : public QObject {
   }
 
   std::unique_ptr<QTemporaryDir> drive_;
+
+  void filesAreListedByTheirPatterns() {
+    const QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkpath("below/deeper.tga"));
+    for (const char* name : {"b.tga", "A.TGA", "c.mp4", "note.txt", ".hidden.tga", "below/d.tga"}) {
+      QFile file(folder.filePath(name));
+      QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    const auto listed = [&folder](const QString& filter, bool withSubFolders, bool withHidden) {
+      QFileInfoList files;
+      KorviaCommonUtil::collectFileListInExt(folder.path(), filter, files, withSubFolders, withHidden);
+      QStringList names;
+      for (const QFileInfo& file : files)
+        names.append(file.fileName());
+      return names;
+    };
+    QCOMPARE(listed("*.tga", false, false), QStringList({"A.TGA", "b.tga"}));
+    QCOMPARE(listed("*.tga;*.mp4", false, false), QStringList({"A.TGA", "b.tga", "c.mp4"}));
+    QCOMPARE(listed("*.tga", true, false), QStringList({"A.TGA", "b.tga", "d.tga"}));
+    QCOMPARE(listed("*.tga", false, true), QStringList({".hidden.tga", "A.TGA", "b.tga"}));
+    QFileInfoList files{QFileInfo("kept")};
+    KorviaCommonUtil::collectFileListInExt(folder.filePath("missing"), "*", files, true, true);
+    QCOMPARE(files.size(), 1);
+  }
 };
 
 QTEST_GUILESS_MAIN(KorviaCommonUtilTest)

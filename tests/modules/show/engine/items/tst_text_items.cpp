@@ -321,6 +321,18 @@ class TextItemsTest : public QObject {
     QTRY_VERIFY((stage_->beginFrame(), program_->layers().layers().at(0).layer->part.end > 0 && isCovered()));
   }
 
+  void anItemThatIsDrawnIsSeenWithinTwoFrames() {
+    const tagKorviaShowTextInfo info = title();
+    texts().add(PVMObject, info);
+    QVERIFY(shows(*preview_, 1));
+    texts().add(PGMObject, info);
+    stage_->beginFrame();
+    stage_->beginFrame();
+    const StackedLayer& stacked = program_->layers().layers().at(0);
+    QVERIFY(stacked.layer);
+    QVERIFY(stacked.pose.opacity > 0);
+  }
+
   void aCrawlHasItsOwnPlaceOnEachBus() {
     tagKorviaShowTextInfo info = title();
     info.x = 1;
