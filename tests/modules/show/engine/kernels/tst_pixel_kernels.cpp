@@ -37,8 +37,8 @@ double exactly(const std::vector<std::uint8_t>& pixels, int bytes, int channel, 
   const int column = qMin(static_cast<int>(placeX), size.width() - 2);
   const int line = qMin(static_cast<int>(placeY), size.height() - 2);
   const auto at = [&](int right, int below) {
-    return double{
-        pixels[static_cast<std::size_t>(((line + below) * size.width() + column + right) * bytes + channel)]};
+    const int pixel = (line + below) * size.width() + column + right;
+    return static_cast<double>(pixels[static_cast<std::size_t>(pixel * bytes + channel)]);
   };
   const double wx = placeX - column;
   const double wy = placeY - line;
