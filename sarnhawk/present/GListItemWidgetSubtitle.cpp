@@ -1,5 +1,7 @@
 #include "present/GListItemWidgetSubtitle.h"
 
+#include <QMouseEvent>
+
 #include "ui_GListItemWidgetSubtitle.h"
 
 GListItemWidgetSubtitle::GListItemWidgetSubtitle(IKorviaSarnhawkPriv* priv,
@@ -18,6 +20,6 @@ void GListItemWidgetSubtitle::showItem() {
 }
 
 void GListItemWidgetSubtitle::mousePressEvent(QMouseEvent* event) {
-  ItemRow::mousePressEvent(event);
-  QWidget::mousePressEvent(event);
+  ItemRowOf::mousePressEvent(event);
+  event->ignore();
 }

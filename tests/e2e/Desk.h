@@ -23,8 +23,8 @@ inline constexpr QPoint kRecordButton{790, 402};
 inline constexpr QPoint kSnapshotButton{1094, 20};
 inline constexpr QPoint kMinimizeButton{1186, 20};
 inline constexpr QPoint kCloseButton{1258, 20};
-inline constexpr std::array<QPoint, 3> kStripCloseButtons{QPoint(304, 467), QPoint(619, 467),
-                                                          QPoint(942, 467)};
+inline constexpr std::array<QPoint, 3> kStripCloseButtons{QPoint(510, 467), QPoint(756, 467),
+                                                          QPoint(1010, 467)};
 }  // namespace place
 
 /// Places in the transition editor, from its upper left corner.

@@ -10,7 +10,7 @@
 #include <QtTest>
 
 #include "ItemConsole.h"
-#include "present/GListWidgetItem.h"
+#include "Tiles.h"
 #include "present/GWidgetSubtitleConfig.h"
 #include "present/GWidgetTextStyle.h"
 #include "present/IGWidgetSubtitleConfigSink.h"
@@ -43,25 +43,7 @@ class Popup {
   QSlider* slider(const char* name) const { return child<QSlider>(name); }
   QString label(const char* name) const { return child<QLabel>(name)->text(); }
   void click(const char* name) const { child<QPushButton>(name)->click(); }
-  QList<GListWidgetItem*> tiles(const char* list) const {
-    return child<QListWidget>(list)->findChildren<GListWidgetItem*>();
-  }
-  GListWidgetItem* tile(const char* list, qint32 id) const {
-    for (GListWidgetItem* tile : tiles(list)) {
-      if (tile->info().id == id)
-        return tile;
-    }
-    return nullptr;
-  }
-  /// The ids of the tiles that are marked.
-  QList<qint32> marked(const char* list) const {
-    QList<qint32> ids;
-    for (GListWidgetItem* tile : tiles(list)) {
-      if (tile->isSelected())
-        ids.append(tile->info().id);
-    }
-    return ids;
-  }
+  const QListWidget* list(const char* name) const { return child<QListWidget>(name); }
 
   ItemConsole console;
   Sink sink;
@@ -179,8 +161,8 @@ class WidgetSubtitleConfigTest : public QObject {
     QCOMPARE(popup.label("_scrollEndXPosLabel"), QString("150%"));
     QVERIFY(popup.child<QPushButton>("_rightAlignPushButton")->isChecked());
     QVERIFY(popup.child<QPushButton>("_topAlignPushButton")->isChecked());
-    QCOMPARE(popup.marked("_enterAniListWidget"), QList<qint32>{14});
-    QCOMPARE(popup.marked("_exitAniListWidget"), QList<qint32>{28});
+    QCOMPARE(markedOf(popup.list("_enterAniListWidget")), QList<qint32>{14});
+    QCOMPARE(markedOf(popup.list("_exitAniListWidget")), QList<qint32>{28});
   }
 
   void typingFiveCharactersSendsFiveUpdates() {
@@ -287,28 +269,28 @@ class WidgetSubtitleConfigTest : public QObject {
 
   void animationListsOfferSeventeenEffectsEach() {
     Popup popup;
-    QCOMPARE(popup.tiles("_enterAniListWidget").size(), 17);
-    QCOMPARE(popup.tiles("_exitAniListWidget").size(), 17);
+    QCOMPARE(tilesOf(popup.list("_enterAniListWidget")).size(), 17);
+    QCOMPARE(tilesOf(popup.list("_exitAniListWidget")).size(), 17);
     for (qint32 id = 17; id <= 25; ++id) {
-      QVERIFY(!popup.tile("_enterAniListWidget", id));
-      QVERIFY(!popup.tile("_exitAniListWidget", id + 26));
+      QVERIFY(!tileOf(popup.list("_enterAniListWidget"), id));
+      QVERIFY(!tileOf(popup.list("_exitAniListWidget"), id + 26));
     }
-    QCOMPARE(popup.tile("_exitAniListWidget", 42)->info().name, QString("Descend"));
-    QCOMPARE(popup.tile("_enterAniListWidget", 0)->size(), QSize(60, 60));
+    QCOMPARE(tileOf(popup.list("_exitAniListWidget"), 42)->info().name, QString("Descend"));
+    QCOMPARE(tileOf(popup.list("_enterAniListWidget"), 0)->size(), QSize(60, 60));
   }
 
   void aTileChoosesItsEffect() {
     Popup popup;
-    QTest::mouseClick(popup.tile("_enterAniListWidget", 9), Qt::LeftButton);
+    QTest::mouseClick(tileOf(popup.list("_enterAniListWidget"), 9), Qt::LeftButton);
     QCOMPARE(popup.sink.params.size(), 1);
     QCOMPARE(popup.sink.last().enter.effect, 9);
     QCOMPARE(popup.sink.last().exit.effect, 26);
-    QCOMPARE(popup.marked("_enterAniListWidget"), QList<qint32>{9});
-    QCOMPARE(popup.marked("_exitAniListWidget"), QList<qint32>{26});
-    QTest::mouseClick(popup.tile("_exitAniListWidget", 33), Qt::LeftButton);
+    QCOMPARE(markedOf(popup.list("_enterAniListWidget")), QList<qint32>{9});
+    QCOMPARE(markedOf(popup.list("_exitAniListWidget")), QList<qint32>{26});
+    QTest::mouseClick(tileOf(popup.list("_exitAniListWidget"), 33), Qt::LeftButton);
     QCOMPARE(popup.sink.last().exit.effect, 33);
     QCOMPARE(popup.sink.last().enter.effect, 9);
-    QCOMPARE(popup.marked("_exitAniListWidget"), QList<qint32>{33});
+    QCOMPARE(markedOf(popup.list("_exitAniListWidget")), QList<qint32>{33});
     // A list of somebody else.
     QListWidget other;
     popup.widget.onListWidgetItemClicked(&other, nullptr, 5);

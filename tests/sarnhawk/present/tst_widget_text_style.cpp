@@ -13,7 +13,7 @@
 #include "ItemConsole.h"
 #include "KorviaShowUtil.h"
 #include "QColEdit.h"
-#include "present/GListWidgetItem.h"
+#include "Tiles.h"
 #include "present/GWidgetTextStyle.h"
 #include "present/IGWidgetTextStyleSink.h"
 
@@ -46,24 +46,7 @@ class Editor {
   QSlider* slider(const char* name) const { return child<QSlider>(name); }
   QString label(const char* name) const { return child<QLabel>(name)->text(); }
   QPushButton* button(const char* name) const { return child<QPushButton>(name); }
-  QList<GListWidgetItem*> tiles() const {
-    return child<QListWidget>("_fontStylePresetTypeListWidget")->findChildren<GListWidgetItem*>();
-  }
-  GListWidgetItem* tile(qint32 id) const {
-    for (GListWidgetItem* tile : tiles()) {
-      if (tile->info().id == id)
-        return tile;
-    }
-    return nullptr;
-  }
-  QList<qint32> marked() const {
-    QList<qint32> ids;
-    for (GListWidgetItem* tile : tiles()) {
-      if (tile->isSelected())
-        ids.append(tile->info().id);
-    }
-    return ids;
-  }
+  const QListWidget* presets() const { return child<QListWidget>("_fontStylePresetTypeListWidget"); }
   QString texturePath(const QString& name) const {
     return console.folder.path() + "\\Common\\TextTexture\\" + name + ".tga";
   }
@@ -104,10 +87,12 @@ class WidgetTextStyleTest : public QObject {
     QCOMPARE(tabs->tabText(0), QString("Font Color"));
     QCOMPARE(tabs->tabText(1), QString("Shadow"));
     QCOMPARE(tabs->tabText(2), QString("Outline"));
-    QCOMPARE(editor.tiles().size(), 31);
-    QCOMPARE(editor.tile(30)->size(), QSize(64, 64));
-    QCOMPARE(editor.tile(30)->info().name, QString());
-    QVERIFY(editor.tile(12)->info().thumbPath.endsWith("/res/subtitleStyle/solid_outline_black.jpg"));
+    QCOMPARE(tilesOf(editor.presets()).size(), 31);
+    QCOMPARE(tileOf(editor.presets(), 30)->size(), QSize(64, 64));
+    QCOMPARE(tileOf(editor.presets(), 30)->info().name, QString());
+    QVERIFY(tileOf(editor.presets(), 12)
+                ->info()
+                .thumbPath.endsWith("/res/subtitleStyle/solid_outline_black.jpg"));
   }
 
   void thePopupFormHidesTheFontAndStillSendsIt() {
@@ -170,7 +155,7 @@ class WidgetTextStyleTest : public QObject {
     QCOMPARE(sink.styles.size(), 0);
     QVERIFY(widget.style() == style);
     const Editor editor(style);
-    QCOMPARE(editor.marked(), QList<qint32>{7});
+    QCOMPARE(markedOf(editor.presets()), QList<qint32>{7});
     QCOMPARE(editor.combo("_fontNameComboBox")->currentIndex(), 2);
     QCOMPARE(editor.combo("_fontSizeComboBox")->currentText(), QString("33"));
     QVERIFY(editor.child<QRadioButton>("_gradientColorTypeRadioButton")->isChecked());
@@ -324,14 +309,14 @@ class WidgetTextStyleTest : public QObject {
 
   void aPresetWithTheCurrentTextureSendsOnce() {
     Editor editor;
-    QTest::mouseClick(editor.tile(13), Qt::LeftButton);
+    QTest::mouseClick(tileOf(editor.presets(), 13), Qt::LeftButton);
     QCOMPARE(editor.sink.styles.size(), 1);
     tagKorviaShowTextStyle expected;
     KorviaShowUtil::loadTextStylePreset(TextStyleSolidOutlineRed, expected);
     expected.preset = 13;
     expected.texturePath = editor.texturePath("Sand");
     QVERIFY(editor.sink.last() == expected);
-    QCOMPARE(editor.marked(), QList<qint32>{13});
+    QCOMPARE(markedOf(editor.presets()), QList<qint32>{13});
     QCOMPARE(editor.slider("_outlineSizeHorizontalSlider")->value(), expected.outlineSize);
     QListWidget other;
     editor.widget.onListWidgetItemClicked(&other, nullptr, 5);
