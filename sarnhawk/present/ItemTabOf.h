@@ -82,6 +82,7 @@ class ItemTabOf : public QWidget, public ConsolePage, public Traits::RowSink, pu
     Row* row = addRow(param);
     saveChanges();
     onListItemSelected(row, param);
+    _list->scrollToItem(row->listWidgetItem());
   }
   /// Asks, and removes the items of the rows from both buses and from the show.
   void removeItems(const QList<Row*>& targets) {

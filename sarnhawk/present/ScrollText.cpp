@@ -27,6 +27,8 @@ ScrollText::ScrollText(QWidget* parent)
 
 void ScrollText::setText(QString text) {
   _text = std::move(text);
+  _line = _text;
+  _line.replace(QLatin1Char('\n'), QLatin1Char(' '));
   updateText();
   update();
 }
@@ -38,13 +40,13 @@ void ScrollText::setSeparator(QString separator) {
 }
 
 bool ScrollText::fits() const {
-  return fontMetrics().horizontalAdvance(_text) <= width() - _leftMargin;
+  return fontMetrics().horizontalAdvance(_line) <= width() - _leftMargin;
 }
 
 void ScrollText::updateText() {
   _timer.stop();
   const bool scrolls = !fits();
-  _staticText.setText(scrolls ? _text + _separator : _text);
+  _staticText.setText(scrolls ? _line + _separator : _line);
   _staticText.prepare(QTransform(), font());
   _wholeSize = QSize(fontMetrics().horizontalAdvance(_staticText.text()), fontMetrics().height());
   if (scrolls) {

@@ -34,6 +34,7 @@ class ScrollText : public QWidget {
   void paintScrolling(QPainter& painter, int y);
 
   QString _text;
+  QString _line;  // the text without its line breaks
   QString _separator;
   QStaticText _staticText;
   QSize _wholeSize;

@@ -94,6 +94,17 @@ class ScrollTextTest : public QObject {
     label.setText(QString(40, QLatin1Char('m')));
     QTRY_VERIFY(label.position() > -60);
   }
+
+  void aLineBreakIsABlank() {
+    ScrollText broken;
+    ScrollText blank;
+    for (ScrollText* label : {&broken, &blank})
+      label->resize(200, label->height());
+    broken.setText("first\nsecond");
+    blank.setText("first second");
+    QCOMPARE(broken.text(), QString("first\nsecond"));
+    QCOMPARE(broken.grab().toImage(), blank.grab().toImage());
+  }
 };
 
 QTEST_MAIN(ScrollTextTest)

@@ -71,6 +71,13 @@ class WidgetSubtitleTest : public QObject {
     QVERIFY(tab.row(1)->findChild<ScrollText*>()->width() > 100);
   }
 
+  void aRowThatIsAddedIsInView() {
+    Tab tab(12);
+    tab.widget->findChild<QPushButton*>("_addPushButton")->click();
+    const QRect row = tab.list()->visualItemRect(tab.row(12)->listWidgetItem());
+    QVERIFY(tab.list()->viewport()->rect().contains(row));
+  }
+
   void loadAddsARowForEachRecordAndPostsNothing() {
     ItemConsole console;
     console.config.textList = {{}, {}};
