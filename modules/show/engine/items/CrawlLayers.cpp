@@ -15,6 +15,8 @@ constexpr double kLastingMs = 3000;
 constexpr int kLeastAhead = 1024;
 constexpr int kMostAhead = 16384;
 constexpr int kMargin = 64;
+/// Crawls from or to farther away, in pictures, stand.
+constexpr double kFarthest = 1e4;
 
 bool goesLeft(const tagKorviaShowTextInfo& info) {
   return info.scrollEndX < info.x;
@@ -39,75 +41,80 @@ double roundMs(const tagKorviaShowTextInfo& info) {
 
 double CrawlLayers::moveOf(const tagKorviaShowTextInfo& info, const QRectF& content, double width,
                            double shownMs) {
-  if (!isCrawl(info) || !std::isfinite(info.scrollEndX))
+  // Also false for what is no number.
+  const bool isSane = std::abs(info.x) < kFarthest && std::abs(info.scrollEndX) < kFarthest;
+  if (!isCrawl(info) || !isSane)
     return 0;
   const Way way = wayOf(info, content, width);
   const double rounds = shownMs / roundMs(info);
-  return way.first + (way.last - way.first) * (rounds - std::floor(rounds)) - content.left();
+  const double part = std::isfinite(rounds) ? rounds - std::floor(rounds) : 0;
+  return way.first + (way.last - way.first) * part - content.left();
 }
 
 void CrawlLayers::take(LayerRef& layer) {
-  isDrawing_ = false;
+  const CrawlPart part = layer ? layer->part : drawing_.value_or(CrawlPart());
+  drawing_.reset();
   if (layer)
-    (shown_ ? spare_ : shown_).swap(layer);
+    content_ = layer->content;
+  Drawn& place = shown_.isDrawn ? spare_ : shown_;
+  place.layer.swap(layer);
+  place.part = part;
+  place.isDrawn = true;
 }
 
 CrawlLayers::Range CrawlLayers::visible(const tagKorviaShowTextInfo& info, FrameSize bus,
                                         double shownMs) const {
-  const QRectF& content = shown_->content;
-  const double left = content.left() + moveOf(info, content, bus.width, shownMs);
-  const auto within = [&content](double place) { return std::clamp(place, 0.0, content.width()); };
+  const double left = content_.left() + moveOf(info, content_, bus.width, shownMs);
+  const auto within = [this](double place) { return std::clamp(place, 0.0, content_.width()); };
   return {static_cast<int>(std::floor(within(-left))), static_cast<int>(std::ceil(within(bus.width - left)))};
 }
 
-bool CrawlLayers::covers(const LayerRef& layer, const Range& range, int revision) {
-  return layer && layer->part.revision == revision &&
-         (range.isEmpty() || (layer->part.begin <= range.begin && layer->part.end >= range.end));
+bool CrawlLayers::Drawn::covers(const Range& range, int revision) const {
+  return isDrawn && part.revision == revision &&
+         (range.isEmpty() || (part.begin <= range.begin && part.end >= range.end));
 }
 
 TextPart CrawlLayers::partAround(const Range& range, const tagKorviaShowTextInfo& info, FrameSize bus) const {
-  const QRectF& content = shown_->content;
-  const Way way = wayOf(info, content, bus.width);
+  const Way way = wayOf(info, content_, bus.width);
   const double lasting = std::abs(way.last - way.first) / roundMs(info) * kLastingMs;
   const int ahead = static_cast<int>(std::clamp<double>(lasting, kLeastAhead, kMostAhead));
   const int width = range.end - range.begin + 2 * kMargin + ahead;
-  const int begin = goesLeft(info) ? range.begin - kMargin : range.end + kMargin - width;
-  return {begin, std::min(width, kMostAhead)};
+  if (goesLeft(info))
+    return {range.begin - kMargin, width, TextPart::Kept::Left};
+  return {range.end + kMargin - width, width, TextPart::Kept::Right};
+}
+
+TextPart CrawlLayers::beginDrawing(const TextPart& part, int revision) {
+  drawing_ = CrawlPart{part.begin, part.begin + part.width, revision};
+  return part;
 }
 
 std::optional<TextPart> CrawlLayers::follow(const tagKorviaShowTextInfo& info, FrameSize bus, double shownMs,
                                             int revision) {
-  if (!shown_) {
-    if (std::exchange(isDrawing_, true))
-      return std::nullopt;
-    return TextPart{0, bus.width + kLeastAhead};
-  }
   const Range now = visible(info, bus, shownMs);
-  if (!covers(shown_, now, revision) && spare_ &&
-      (covers(spare_, now, revision) || spare_->part.revision > shown_->part.revision))
-    shown_.swap(spare_);
-  if (isDrawing_)
+  if (!shown_.covers(now, revision) && spare_.isDrawn &&
+      (spare_.covers(now, revision) || spare_.part.revision > shown_.part.revision))
+    std::swap(shown_, spare_);
+  if (drawing_)
     return std::nullopt;
+  if (!shown_.isDrawn)
+    return beginDrawing({0, bus.width + kLeastAhead}, revision);
   const Range soon = visible(info, bus, shownMs + kAheadMs);
-  const auto isReady = [&](const Range& range) {
-    return covers(shown_, range, revision) || covers(spare_, range, revision);
-  };
   for (const Range& range : {now, soon}) {
-    if (isReady(range))
-      continue;
-    isDrawing_ = true;
-    return partAround(range, info, bus);
+    if (!shown_.covers(range, revision) && !spare_.covers(range, revision))
+      return beginDrawing(partAround(range, info, bus), revision);
   }
   return std::nullopt;
 }
 
 void CrawlLayers::clear(std::vector<RasterWorker::Drawn>& discarded) {
-  for (LayerRef* layer : {&shown_, &spare_}) {
-    if (*layer)
-      discarded.push_back({{}, std::move(*layer)});
-    layer->reset();
+  for (Drawn* drawn : {&shown_, &spare_}) {
+    if (drawn->layer)
+      discarded.push_back({{}, std::move(drawn->layer)});
+    *drawn = {};
   }
-  isDrawing_ = false;
+  content_ = {};
+  drawing_.reset();
 }
 
 }  // namespace korvia

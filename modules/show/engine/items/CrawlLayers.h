@@ -20,9 +20,11 @@ class CrawlLayers {
   static double moveOf(const tagKorviaShowTextInfo& info, const QRectF& content, double width,
                        double shownMs);
 
-  /// Null before one was drawn.
-  const LayerRef& shown() const { return shown_; }
-  /// Takes a layer that was drawn, and leaves another one that is not needed any more.
+  /// Whether one was drawn, if only to find that there is nothing to be seen.
+  bool isDrawn() const { return shown_.isDrawn; }
+  /// Null when there is nothing to be seen.
+  const LayerRef& shown() const { return shown_.layer; }
+  /// Takes what was drawn, and leaves another layer that is not needed any more.
   void take(LayerRef& layer);
   /// Chooses the layer for this time. Gives the part that must be drawn now, if there is one; the caller has
   /// it drawn and gives it to take().
@@ -37,13 +39,24 @@ class CrawlLayers {
     int end = 0;
     bool isEmpty() const { return begin >= end; }
   };
-  Range visible(const tagKorviaShowTextInfo& info, FrameSize bus, double shownMs) const;
-  static bool covers(const LayerRef& layer, const Range& range, int revision);
-  TextPart partAround(const Range& range, const tagKorviaShowTextInfo& info, FrameSize bus) const;
+  /// A part with its layer, which is null where the text is blank.
+  struct Drawn {
+    LayerRef layer;
+    CrawlPart part;
+    bool isDrawn = false;
 
-  LayerRef shown_;
-  LayerRef spare_;
-  bool isDrawing_ = false;
+    bool covers(const Range& range, int revision) const;
+  };
+  Range visible(const tagKorviaShowTextInfo& info, FrameSize bus, double shownMs) const;
+  TextPart partAround(const Range& range, const tagKorviaShowTextInfo& info, FrameSize bus) const;
+  TextPart beginDrawing(const TextPart& part, int revision);
+
+  Drawn shown_;
+  Drawn spare_;
+  /// Of the whole text, where it was drawn; empty before something of it was seen.
+  QRectF content_;
+  /// What is being drawn.
+  std::optional<CrawlPart> drawing_;
 };
 
 }  // namespace korvia

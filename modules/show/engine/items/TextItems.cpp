@@ -23,16 +23,29 @@ std::optional<std::size_t> placeOf(int bus) {
   return std::nullopt;
 }
 
+QPoint centerOf(const tagKorviaShowTextInfo& info, FrameSize size) {
+  return {static_cast<int>(std::lround(info.x * size.width)),
+          static_cast<int>(std::lround(info.y * size.height))};
+}
+
+bool isNearPicture(const tagKorviaShowTextInfo& info) {
+  // Also false for what is no number.
+  return std::abs(info.x) < kFarthest && std::abs(info.y) < kFarthest;
+}
+
+/// The way from where a layer was drawn to where the record has its centre.
+QPointF movedSince(const QRectF& content, const tagKorviaShowTextInfo& info, FrameSize size) {
+  return isNearPicture(info) ? centerOf(info, size) - content.center() : QPointF();
+}
+
 LayerRef layerOf(TextPainter& painter, const tagKorviaShowTextInfo& info, FrameSize size,
                  const QDateTime& now, const TextPart& part = {}, int revision = 0) {
-  // Also false for what is no number.
-  if (!(std::abs(info.x) < kFarthest && std::abs(info.y) < kFarthest))
+  if (!isNearPicture(info))
     return {};
   const TextPicture picture = painter.paint(info, size, now, part);
   if (picture.image.isNull())
     return {};
-  const QPoint center(static_cast<int>(std::lround(info.x * size.width)),
-                      static_cast<int>(std::lround(info.y * size.height)));
+  const QPoint center = centerOf(info, size);
   const CrawlPart drawn{picture.part.begin, picture.part.begin + picture.part.width, revision};
   return Layer::makeMovable(picture.image, center + picture.corner, size, picture.box.translated(center),
                             drawn);
@@ -126,7 +139,7 @@ void TextItems::describe(std::vector<PlacedItem>& items) const {
       PlacedItem placed;
       placed.key = item.info.id;
       placed.bus = bus == 0 ? PVMObject : PGMObject;
-      placed.content = layer->content;
+      placed.content = layer->content.translated(movedSince(layer->content, item.info, size_));
       placed.x = item.info.x;
       placed.y = item.info.y;
       placed.isCrawl = CrawlLayers::isCrawl(item.info);
@@ -141,12 +154,15 @@ void TextItems::describe(std::vector<PlacedItem>& items) const {
   }
 }
 
+bool TextItems::Item::isDrawnOn(std::size_t bus) const {
+  return isLayerDrawn || crawls[bus].isDrawn();
+}
+
 const LayerRef& TextItems::Item::layerOn(std::size_t bus) const {
-  const LayerRef& crawl = crawls[bus].shown();
   // A text that begins or stops to crawl shows its old layer until the new one is drawn.
-  if (CrawlLayers::isCrawl(info))
-    return crawl ? crawl : layer;
-  return layer ? layer : crawl;
+  const CrawlLayers& crawl = crawls[bus];
+  const bool usesCrawl = CrawlLayers::isCrawl(info) ? crawl.isDrawn() : !isLayerDrawn;
+  return usesCrawl ? crawl.shown() : layer;
 }
 
 const LayerRef& TextItems::Item::anyLayer() const {
@@ -160,12 +176,11 @@ bool TextItems::take(RasterWorker::Drawn& drawn) {
       if (item.crawlKeys[bus] != drawn.key)
         continue;
       item.crawls[bus].take(drawn.layer);
-      item.wasDrawn = true;
       return true;
     }
     if (item.key == drawn.key) {
       item.layer.swap(drawn.layer);
-      item.wasDrawn = true;
+      item.isLayerDrawn = true;
       return true;
     }
   }
@@ -203,10 +218,15 @@ LayerPose TextItems::poseOn(std::size_t bus, const Item& item) const {
   const tagKorviaShowTextInfo& info = item.info;
   const ItemMotion& motion = item.motions[bus];
   const QRectF& content = item.layerOn(bus)->content;
-  const double move = CrawlLayers::moveOf(info, content, size_.width, motion.shownMs());
-  LayerPose pose = motion.pose(info.enter, info.exit, content.translated(move, 0), size_);
-  pose.anchorX -= move;
-  pose.moveX += move;
+  // An item that was moved goes there at once, and is drawn anew there afterwards.
+  QPointF move = movedSince(content, info, size_);
+  if (CrawlLayers::isCrawl(info))
+    move.setX(CrawlLayers::moveOf(info, content, size_.width, motion.shownMs()));
+  LayerPose pose = motion.pose(info.enter, info.exit, content.translated(move), size_);
+  pose.anchorX -= move.x();
+  pose.anchorY -= move.y();
+  pose.moveX += move.x();
+  pose.moveY += move.y();
   return pose;
 }
 
@@ -229,12 +249,13 @@ void TextItems::show(Item& item, std::size_t bus, const QDateTime& now) {
 
 void TextItems::discardUnused(Item& item, std::vector<RasterWorker::Drawn>& discarded) {
   const bool hasCrawl = std::any_of(item.crawls.begin(), item.crawls.end(),
-                                    [](const CrawlLayers& crawl) { return crawl.shown() != nullptr; });
-  if (!hasCrawl || !item.layer)
+                                    [](const CrawlLayers& crawl) { return crawl.isDrawn(); });
+  if (!hasCrawl || !item.isLayerDrawn)
     return;
   if (CrawlLayers::isCrawl(item.info)) {
     discarded.push_back({item.key, std::move(item.layer)});
     item.layer.reset();
+    item.isLayerDrawn = false;
   } else {
     for (CrawlLayers& crawl : item.crawls)
       crawl.clear(discarded);
@@ -256,7 +277,7 @@ void TextItems::beginFrame(const QDateTime& now, double passedMs,
     draw(item, now);
     for (std::size_t bus = 0; bus < kBuses; ++bus) {
       // An entrance begins when there is something to show.
-      if (item.wasDrawn)
+      if (item.isDrawnOn(bus))
         item.motions[bus].advance(passedMs, item.info.enter, item.info.exit);
       show(item, bus, now);
     }

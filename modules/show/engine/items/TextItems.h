@@ -57,15 +57,16 @@ class TextItems {
     QString key;                            ///< of its layers, and of the requests of a text that stands
     std::array<QString, kBuses> crawlKeys;  ///< of the requests of a crawl
     std::array<ItemMotion, kBuses> motions;
-    std::array<quint64, kBuses> turns{};  ///< count of the items that were shown on a bus before
-    bool wasDrawn = false;
+    std::array<quint64, kBuses> turns{};     ///< count of the items that were shown on a bus before
     bool isChanged = true;                   ///< since it was drawn, except for the time
     qint64 drawnSecond = 0;                  ///< of the time in it
     QString drawnText;                       ///< with the time in it
     int revision = 0;                        ///< grows when a crawl has to be drawn anew
+    bool isLayerDrawn = false;               ///< if only to find that there is nothing to be seen
     LayerRef layer;                          ///< null before it was drawn, and when nothing of it is visible
     std::array<CrawlLayers, kBuses> crawls;  ///< in place of the layer, while it crawls
 
+    bool isDrawnOn(std::size_t bus) const;
     const LayerRef& layerOn(std::size_t bus) const;
     const LayerRef& anyLayer() const;
   };

@@ -112,7 +112,12 @@ QRect mostDrawn(FrameSize size, const QRect& wanted) {
 /// the text is included.
 QRect drawnPart(FrameSize size, const QRect& wanted, const QRectF& box, TextPart& part) {
   QRect most = limitedHeight(size, wanted);
-  part.width = std::min(part.width, mostWidth(size, most.height()));
+  // A text that fills the picture is drawn twice as wide as the picture at least, so that the part lasts.
+  const int width =
+      std::min({part.width, std::max(mostWidth(size, most.height()), 2 * size.width), kMostSide});
+  if (part.kept == TextPart::Kept::Right)
+    part.begin += part.width - width;
+  part.width = width;
   const int left = static_cast<int>(std::floor(box.left())) + part.begin;
   if (part.begin > 0)
     most.setLeft(left);

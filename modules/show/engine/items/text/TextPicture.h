@@ -8,9 +8,13 @@ namespace korvia {
 
 /// A part of a text that is too wide for one picture, from top to bottom.
 struct TextPart {
+  enum class Kept { Left, Right };
+
   int begin = 0;
   /// 0 for the whole text.
   int width = 0;
+  /// The side that is drawn of a part that is too large for a picture.
+  Kept kept = Kept::Left;
 };
 
 struct TextPicture {

@@ -321,6 +321,149 @@ class TextItemsTest : public QObject {
     QTRY_VERIFY((stage_->beginFrame(), program_->layers().layers().at(0).layer->part.end > 0 && isCovered()));
   }
 
+  void aCrawlThatBecomesBlankIsGoneAndComesBack_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("fontSize");
+    QTest::newRow("no text") << "" << 40;
+    QTest::newRow("blanks") << "   " << 40;
+    QTest::newRow("no size") << "text" << 0;
+  }
+  void aCrawlThatBecomesBlankIsGoneAndComesBack() {
+    QFETCH(QString, text);
+    QFETCH(int, fontSize);
+    tagKorviaShowTextInfo info = title(QString(300, QLatin1Char('w')));
+    info.x = 0.5;
+    info.scrollTime = 100;
+    texts().add(PGMObject, info);
+    QVERIFY(firstPose());
+    tagKorviaShowTextInfo blank = info;
+    blank.text = text;
+    blank.style.fontSize = fontSize;
+    texts().update(blank);
+    QTRY_VERIFY((stage_->beginFrame(), !program_->layers().layers().at(0).layer));
+    texts().update(info);
+    QTRY_VERIFY((stage_->beginFrame(), program_->layers().layers().at(0).layer && isCovered()));
+    // Also when it stops to crawl meanwhile.
+    texts().update(blank);
+    blank.scrollTime = 0;
+    texts().update(blank);
+    QTRY_VERIFY((stage_->beginFrame(), !program_->layers().layers().at(0).layer));
+  }
+
+  void aCrawlThatWasAlwaysBlankComesWithItsText() {
+    tagKorviaShowTextInfo info = title(" ");
+    info.x = 0.5;
+    info.scrollTime = 100;
+    texts().add(PGMObject, info);
+    for (int i = 0; i < 10; ++i) {
+      stage_->beginFrame();
+      QTest::qWait(2);
+    }
+    info.text = "text";
+    texts().update(info);
+    QTRY_VERIFY((stage_->beginFrame(), program_->layers().layers().at(0).layer && isCovered()));
+    texts().remove(PGMObject, info.id);
+    QTRY_VERIFY((stage_->beginFrame(), program_->layers().layers().empty()));
+  }
+
+  void aFastOrTallCrawlIsCovered_data() {
+    QTest::addColumn<double>("x");
+    QTest::addColumn<double>("endX");
+    QTest::addColumn<int>("fontSize");
+    QTest::addColumn<int>("seconds");
+    QTest::newRow("fast to the left") << 1.0 << 0.0 << 40 << 6;
+    QTest::newRow("fast to the right") << 0.0 << 1.0 << 40 << 6;
+    QTest::newRow("tall to the left") << 1.0 << 0.0 << 900 << 600;
+    QTest::newRow("tall to the right") << 0.0 << 1.0 << 900 << 600;
+    QTest::newRow("taller than the picture") << 0.0 << 1.0 << 1900 << 900;
+  }
+  void aFastOrTallCrawlIsCovered() {
+    QFETCH(double, x);
+    QFETCH(double, endX);
+    QFETCH(int, fontSize);
+    QFETCH(int, seconds);
+    tagKorviaShowTextInfo info = title(QString(6000, QLatin1Char('w')));
+    info.x = x;
+    info.scrollEndX = endX;
+    info.scrollTime = static_cast<float>(seconds);
+    info.style.fontSize = fontSize;
+    texts().add(PGMObject, info);
+    QTRY_VERIFY_WITH_TIMEOUT((stage_->beginFrame(1), !layers(*program_).empty()), 20'000);
+    for (int frame = 0; frame < 30; ++frame) {
+      stage_->beginFrame(2);
+      QTRY_VERIFY_WITH_TIMEOUT((stage_->beginFrame(0), isCovered()), 20'000);
+    }
+  }
+
+  void anEntranceBeginsOnEachBusWithItsFirstLayer() {
+    tagKorviaShowTextInfo info = title(QString(300, QLatin1Char('w')));
+    info.x = 0.5;
+    info.scrollTime = 100;
+    info.enter = {.effect = 1, .duration = 1000};
+    texts().add(PVMObject, info);
+    QVERIFY(shows(*preview_, 1));
+    texts().add(PGMObject, info);
+    double before = 0;
+    QTRY_VERIFY_WITH_TIMEOUT((stage_->beginFrame(), program_->layers().layers().at(0).layer != nullptr),
+                             10'000);
+    before = program_->layers().layers().at(0).pose.moveY;
+    // It flies in from the top, and has gone one frame's way at most.
+    stage_->beginFrame();
+    const double step = program_->layers().layers().at(0).pose.moveY - before;
+    QVERIFY(step > 0);
+    const double way = program_->layers().layers().at(0).layer->content.bottom();
+    QVERIFY2(before < -0.85 * way, QByteArray::number(before / way));
+  }
+
+  void aMovedItemIsThereWithTheNextFrame() {
+    const tagKorviaShowTextInfo info = title();
+    texts().add(PGMObject, info);
+    QVERIFY(shows(*program_, 1));
+    for (int i = 0; i < 30; ++i)
+      stage_->beginFrame();
+    const QPointF drawn = program_->layers().layers().at(0).layer->content.center();
+    texts().place(info.id, 0.25, 0.75);
+    stage_->beginFrame();
+    const StackedLayer& stacked = program_->layers().layers().at(0);
+    const QPointF shown = stacked.layer->content.center() + QPointF(stacked.pose.moveX, stacked.pose.moveY);
+    QCOMPARE(shown, QPointF(160, 270));
+    QVERIFY(shown != drawn);
+    std::vector<PlacedItem> items;
+    texts().describe(items);
+    QCOMPARE(items.at(0).content.center(), QPointF(160, 270));
+  }
+
+  void aCrawlWithoutSensePlacesStands_data() {
+    QTest::addColumn<double>("x");
+    QTest::addColumn<double>("endX");
+    QTest::addColumn<float>("seconds");
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    QTest::newRow("no number as its begin") << nan << 0.0 << 5.0F;
+    QTest::newRow("no number as its end") << 0.5 << nan << 5.0F;
+    QTest::newRow("endless") << 0.5 << 1e300 << 5.0F;
+    QTest::newRow("no time at all") << 0.5 << 0.0 << 1e-42F;
+  }
+  void aCrawlWithoutSensePlacesStands() {
+    QFETCH(double, x);
+    QFETCH(double, endX);
+    QFETCH(float, seconds);
+    tagKorviaShowTextInfo info = title();
+    info.x = 0.5;
+    info.scrollTime = 100;
+    texts().add(PGMObject, info);
+    QVERIFY(firstPose());
+    info.x = x;
+    info.scrollEndX = endX;
+    info.scrollTime = seconds;
+    texts().update(info);
+    for (int i = 0; i < 20; ++i) {
+      stage_->beginFrame();
+      const StackedLayer& stacked = program_->layers().layers().at(0);
+      QVERIFY(std::isfinite(stacked.pose.moveX));
+      QTest::qWait(1);
+    }
+  }
+
   void anItemThatIsDrawnIsSeenWithinTwoFrames() {
     const tagKorviaShowTextInfo info = title();
     texts().add(PVMObject, info);
