@@ -9,12 +9,14 @@ namespace korvia {
 void ItemBoard::publish(std::vector<PlacedItem>& items) {
   MutexLock lock(mutex_);
   items_.swap(items);
+  taken_.clear();
 }
 
 void ItemBoard::take(std::vector<ItemMove>& moves, MonitorGuides& pvm, MonitorGuides& pgm) {
   moves.clear();
   MutexLock lock(mutex_);
   moves_.swap(moves);
+  taken_ = moves;
   pvm = pvmGuides_;
   pgm = pgmGuides_;
 }
@@ -46,8 +48,10 @@ std::optional<PlacedItem> ItemBoard::item(const QString& key) const {
   if (item == items_.end())
     return std::nullopt;
   PlacedItem found = *item;
-  const auto move = std::find_if(moves_.begin(), moves_.end(), hasKey);
-  if (move != moves_.end()) {
+  for (const std::vector<ItemMove>* moves : {&taken_, &moves_}) {
+    const auto move = std::find_if(moves->begin(), moves->end(), hasKey);
+    if (move == moves->end())
+      continue;
     found.content.translate((move->x - found.x) * size_.width, (move->y - found.y) * size_.height);
     found.x = move->x;
     found.y = move->y;

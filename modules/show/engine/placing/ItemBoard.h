@@ -48,6 +48,7 @@ class ItemBoard {
   bool open_ GUARDED_BY(mutex_) = true;
   std::vector<PlacedItem> items_ GUARDED_BY(mutex_);
   std::vector<ItemMove> moves_ GUARDED_BY(mutex_);
+  std::vector<ItemMove> taken_ GUARDED_BY(mutex_);  // moves that the items do not have yet
   MonitorGuides pvmGuides_ GUARDED_BY(mutex_);
   MonitorGuides pgmGuides_ GUARDED_BY(mutex_);
 };

@@ -32,6 +32,8 @@ Attraction attraction(double first, double last, double length, double reach) {
 }  // namespace
 
 bool ItemDrag::take(const QPointF& at) {
+  if (isHeld())
+    release();
   held_ = board_->itemAt(bus_, at);
   takenAt_ = at;
   if (held_)

@@ -40,6 +40,8 @@ void MonitorMouse::watch(const std::shared_ptr<ItemBoard>& board, int bus, WId w
 MonitorMouse::MonitorMouse(const std::shared_ptr<ItemBoard>& board, int bus, QWidget* monitor)
     : QObject(monitor), board_(board), monitor_(monitor), drag_(board, bus) {
   monitor->installEventFilter(this);
+  // A move without the button tells that the release was lost.
+  monitor->setMouseTracking(true);
 }
 
 bool MonitorMouse::eventFilter(QObject*, QEvent* event) {
@@ -49,7 +51,9 @@ bool MonitorMouse::eventFilter(QObject*, QEvent* event) {
     return false;
   }
   switch (event->type()) {
+    // The second press of a double click takes an item too.
     case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
       return press(*static_cast<QMouseEvent*>(event));
     case QEvent::MouseMove:
       return move(*static_cast<QMouseEvent*>(event));
@@ -57,6 +61,8 @@ bool MonitorMouse::eventFilter(QObject*, QEvent* event) {
       return release(*static_cast<QMouseEvent*>(event));
     case QEvent::KeyPress:
       return key(*static_cast<QKeyEvent*>(event));
+    // A window that comes up may get the release.
+    case QEvent::FocusOut:
     case QEvent::Hide:
       if (drag_.isHeld())
         drag_.release();
@@ -79,6 +85,10 @@ bool MonitorMouse::press(const QMouseEvent& event) {
 bool MonitorMouse::move(const QMouseEvent& event) {
   if (!drag_.isHeld())
     return false;
+  if (!event.buttons().testFlag(Qt::LeftButton)) {
+    drag_.release();
+    return false;
+  }
   // A click does not move the item by the trembling of the hand.
   const int distance = (event.pos() - pressedAt_).manhattanLength();
   moved_ = moved_ || distance >= QGuiApplication::styleHints()->startDragDistance();

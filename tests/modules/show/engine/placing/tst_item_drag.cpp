@@ -140,6 +140,7 @@ class ItemDragTest : public QObject {
     straight.isStraight = true;
     drag_->moveTo({400, 165}, straight);
     QCOMPARE(moved(), QPointF(1000, 165));
+    publish({crawl});
     drag_->release();
     QVERIFY(drag_->step({1, 1}));
     QCOMPARE(moved(), QPointF(1000, 151));
@@ -154,6 +155,28 @@ class ItemDragTest : public QObject {
     QCOMPARE(moved(), QPointF(300, 150));
     QVERIFY(!drag_->isHeld());
     QVERIFY(!take().pgm.isShown);
+  }
+
+  void aStepBetweenTakingAndPublishingIsNotLost() {
+    publish({item("a", 0.3, 0.3)});
+    drag_->take({300, 150});
+    drag_->release();
+    drag_->step({1, 0});
+    QCOMPARE(moved(), QPointF(301, 150));
+    // The engine has the move and has not told the new place yet.
+    drag_->step({1, 0});
+    publish({item("a", 0.301, 0.3)});
+    QCOMPARE(moved(), QPointF(302, 150));
+  }
+
+  void aPressBesideEndsADragWhoseReleaseWasLost() {
+    publish({item("a", 0.3, 0.3)});
+    drag_->take({300, 150});
+    drag_->moveTo({400, 150}, {});
+    QVERIFY(take().pgm.isShown);
+    QVERIFY(!drag_->take({900, 450}));
+    QVERIFY(!take().pgm.isShown);
+    QVERIFY(!drag_->isHeld());
   }
 
   void stepsMoveTheItemHeldLast() {

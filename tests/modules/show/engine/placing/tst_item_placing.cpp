@@ -125,6 +125,37 @@ class ItemPlacingTest : public QObject {
     QVERIFY(host_.reports.isEmpty());
   }
 
+  void theSecondPressOfADoubleClickTakesTheItemToo() {
+    QTest::mouseDClick(monitor_.get(), Qt::LeftButton, {}, onMonitor(0.5, 0.5));
+    QMouseEvent again(QEvent::MouseButtonDblClick, onMonitor(0.5, 0.5), Qt::LeftButton, Qt::LeftButton, {});
+    QApplication::sendEvent(monitor_.get(), &again);
+    moveTo(onMonitor(0.7, 0.3));
+    QVERIFY(isNear({lastReport().x, lastReport().y}, {0.7, 0.3}));
+  }
+
+  void aMoveWithoutTheButtonLeavesTheItem() {
+    press(onMonitor(0.5, 0.5));
+    moveTo(onMonitor(0.6, 0.5));
+    frame();
+    // The release went to another window.
+    QMouseEvent hover(QEvent::MouseMove, onMonitor(0.8, 0.5), Qt::NoButton, Qt::NoButton, {});
+    QApplication::sendEvent(monitor_.get(), &hover);
+    moveTo(onMonitor(0.9, 0.5));
+    frame();
+    QCOMPARE(host_.reports.size(), 1);
+    QVERIFY(!placing_->pgmGuides().isShown);
+  }
+
+  void aLostFocusLeavesTheItem() {
+    press(onMonitor(0.5, 0.5));
+    moveTo(onMonitor(0.6, 0.5));
+    frame();
+    QFocusEvent lost(QEvent::FocusOut);
+    QApplication::sendEvent(monitor_.get(), &lost);
+    frame();
+    QVERIFY(!placing_->pgmGuides().isShown);
+  }
+
   void aPressBesideTheItemIsNobodys() {
     press(onMonitor(0.1, 0.9));
     moveTo(onMonitor(0.5, 0.5));
