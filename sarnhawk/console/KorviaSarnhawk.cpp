@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QMenu>
-#include <QScopedValueRollback>
 #include <QTimer>
 
 #include "GLAudioDeviceInfo.h"
@@ -469,9 +468,14 @@ void KorviaSarnhawk::onAction_quit() {
   // The window manager may ask for the close a second time before the question is on the screen.
   if (_isAskedToQuit)
     return;
-  const QScopedValueRollback<bool> asked(_isAskedToQuit, true);
+  _isAskedToQuit = true;
+  const QPointer<KorviaSarnhawk> self(this);
   const QString running = _outputWatch ? _outputWatch->runningText() : QString();
-  if (askOperator(this, tr("Are you sure to quit ?"), running) && parentWidget())
+  const bool isYes = askOperator(this, tr("Are you sure to quit ?"), running);
+  if (!self)
+    return;
+  _isAskedToQuit = false;
+  if (isYes && parentWidget())
     parentWidget()->close();
 }
 
