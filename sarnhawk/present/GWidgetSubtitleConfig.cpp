@@ -4,7 +4,7 @@
 #include <QFileDialog>
 #include <QSignalBlocker>
 
-#include "KorviaShowUtil.h"
+#include "KorviaCommonUtil.h"
 #include "console/IKorviaSarnhawkPriv.h"
 #include "present/GListWidgetItem.h"
 #include "present/GWidgetTextStyle.h"
@@ -95,14 +95,10 @@ void GWidgetSubtitleConfig::setObjectParam(int objectId, const tagKorviaSubtitle
     fraction.slider->setValue(qRound(info.*fraction.field * static_cast<double>(kPercent)));
   }
   showAlignment();
-  _isLoadingStyle = true;
-  _isStyleChangedByLoad = false;
+  // Calls back when another texture becomes current.
   _textStyle->setObjectParam(objectId, info.style);
-  _isLoadingStyle = false;
   markTiles(_enterTiles, info.enter.effect);
   markTiles(_exitTiles, info.exit.effect);
-  if (_isStyleChangedByLoad)
-    collectAndNotify();
   showLabels();
 }
 
@@ -182,11 +178,7 @@ void GWidgetSubtitleConfig::onListWidgetItemClicked(QListWidget* listWidget, GLi
 }
 
 void GWidgetSubtitleConfig::onTextStyleChanged(const tagKorviaShowTextStyle&) {
-  // The editor does not have all of the style yet; it is collected after the load.
-  if (_isLoadingStyle)
-    _isStyleChangedByLoad = true;
-  else
-    collectAndNotify();
+  collectAndNotify();
 }
 
 void GWidgetSubtitleConfig::onEditTextChanged_subtitleUi() {
@@ -223,19 +215,21 @@ void GWidgetSubtitleConfig::onClicked_openTXTPushButton() {
 
 void GWidgetSubtitleConfig::readText(const QString& path) {
   QDir::setCurrent(QFileInfo(path).absolutePath());
-  QString text;
-  QString reason;
-  if (!KorviaShowUtil::readTextFile(path, text, reason))
-    qDebug("failed to read text : %s : %s", qUtf8Printable(path), qUtf8Printable(reason));
-  _ui->_textContentComboBox->setEditText(text);
+  QByteArray content;
+  KorviaCommonUtil::readFileContent(path, content);
+  _ui->_textContentComboBox->setEditText(QString::fromLocal8Bit(content));
 }
 
 void GWidgetSubtitleConfig::onClicked_subScrollTimePushButton() {
-  const int timeMs = _ui->_scrollTimeComboBox->currentText().toInt();
-  _ui->_scrollTimeComboBox->setEditText(QString::number(std::max(timeMs - kScrollStepMs, 0)));
+  stepScrollTime(-kScrollStepMs);
 }
 
 void GWidgetSubtitleConfig::onClicked_addScrollTimePushButton() {
-  const int timeMs = _ui->_scrollTimeComboBox->currentText().toInt();
-  _ui->_scrollTimeComboBox->setEditText(QString::number(std::min(timeMs + kScrollStepMs, kScrollMaxMs)));
+  stepScrollTime(kScrollStepMs);
+}
+
+void GWidgetSubtitleConfig::stepScrollTime(int stepMs) {
+  const qint64 timeMs = qint64{_ui->_scrollTimeComboBox->currentText().toInt()} + stepMs;
+  const qint64 limited = stepMs < 0 ? std::max<qint64>(timeMs, 0) : std::min<qint64>(timeMs, kScrollMaxMs);
+  _ui->_scrollTimeComboBox->setEditText(QString::number(limited));
 }

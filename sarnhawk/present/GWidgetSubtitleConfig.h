@@ -28,7 +28,8 @@ class GWidgetSubtitleConfig : public QWidget, public IGListWidgetItemEventSink, 
   GWidgetSubtitleConfig(IKorviaSarnhawkPriv* priv, IGWidgetSubtitleConfigSink* sink);
   ~GWidgetSubtitleConfig() override;
 
-  /// Loads a subtitle. The sink is called only when the style makes another texture current.
+  /// Loads a subtitle. The sink is called only when the style makes another texture current, and before the
+  /// style's sliders have their new values.
   void setObjectParam(int objectId, const tagKorviaSubtitleParam& param);
   int objectId() const { return _objectId; }
 
@@ -61,6 +62,7 @@ class GWidgetSubtitleConfig : public QWidget, public IGListWidgetItemEventSink, 
   void showLabels();
   void markTiles(const QList<GListWidgetItem*>& tiles, qint32 effect);
   void readText(const QString& path);
+  void stepScrollTime(int stepMs);
 
   std::unique_ptr<Ui::GWidgetSubtitleConfig> _ui;
   IGWidgetSubtitleConfigSink* _sink;
@@ -71,6 +73,4 @@ class GWidgetSubtitleConfig : public QWidget, public IGListWidgetItemEventSink, 
   QList<GListWidgetItem*> _enterTiles;
   QList<GListWidgetItem*> _exitTiles;
   QPointer<QFileDialog> _fileDialog;
-  bool _isLoadingStyle = false;
-  bool _isStyleChangedByLoad = false;
 };

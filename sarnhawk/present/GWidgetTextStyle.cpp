@@ -233,20 +233,28 @@ void GWidgetTextStyle::onSliderReleased_textStyleUi() {
 }
 
 void GWidgetTextStyle::onClicked_prevFontNamePushButton() {
-  _ui->_fontNameComboBox->setCurrentIndex(std::max(_ui->_fontNameComboBox->currentIndex() - 1, 0));
+  QComboBox* fonts = _ui->_fontNameComboBox;
+  if (fonts->count() > 0)
+    fonts->setCurrentIndex(std::max(fonts->currentIndex() - 1, 0));
 }
 
 void GWidgetTextStyle::onClicked_nextFontNamePushButton() {
   QComboBox* fonts = _ui->_fontNameComboBox;
-  fonts->setCurrentIndex(std::min(fonts->currentIndex() + 1, fonts->count() - 1));
+  if (fonts->count() > 0)
+    fonts->setCurrentIndex(std::min(fonts->currentIndex() + 1, fonts->count() - 1));
 }
 
 void GWidgetTextStyle::onClicked_subFontSizePushButton() {
-  const int size = _ui->_fontSizeComboBox->currentText().toInt();
-  _ui->_fontSizeComboBox->setEditText(QString::number(std::max(size - kFontSizeStep, kFontSizeMin)));
+  stepFontSize(-kFontSizeStep);
 }
 
 void GWidgetTextStyle::onClicked_addFontSizePushButton() {
-  const int size = _ui->_fontSizeComboBox->currentText().toInt();
-  _ui->_fontSizeComboBox->setEditText(QString::number(std::min(size + kFontSizeStep, kFontSizeMax)));
+  stepFontSize(kFontSizeStep);
+}
+
+void GWidgetTextStyle::stepFontSize(int step) {
+  const qint64 size = qint64{_ui->_fontSizeComboBox->currentText().toInt()} + step;
+  const qint64 limited =
+      step < 0 ? std::max<qint64>(size, kFontSizeMin) : std::min<qint64>(size, kFontSizeMax);
+  _ui->_fontSizeComboBox->setEditText(QString::number(limited));
 }

@@ -55,6 +55,7 @@ class GWidgetTextStyle : public QWidget, public IGListWidgetItemEventSink {
   /// Makes the item with the texture of the style current. Its signals are not blocked.
   void selectTexture();
   void markPreset();
+  void stepFontSize(int step);
   /// The one routine that moves the form into the style and sends it.
   void collectAndNotify();
   void showSliders();

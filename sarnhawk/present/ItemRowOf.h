@@ -22,7 +22,7 @@ class ItemRowOf : public ItemRow {
     showVisible(_param.pvmVisible != 0, _param.pgmVisible != 0);
     showItem();
   }
-  /// For the report of a move. The editor and the row show no position.
+  /// For the report of a move. A row shows no position.
   void setPosition(double x, double y) {
     _param.info.x = x;
     _param.info.y = y;

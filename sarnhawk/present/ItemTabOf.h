@@ -86,6 +86,7 @@ class ItemTabOf : public QWidget, public ConsolePage, public Traits::RowSink, pu
   }
   /// Asks, and removes the items of the rows from both buses and from the show.
   void removeItems(const QList<Row*>& targets) {
+    // The console may end while it asks, and answers "No" then.
     if (targets.isEmpty() ||
         !askOperator(this, QCoreApplication::translate("ItemKind", Traits::kKind.deleteQuestion), QString()))
       return;

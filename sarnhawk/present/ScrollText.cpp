@@ -13,6 +13,14 @@ constexpr int kFadeWidth = 15;
 constexpr int kFadedWidthMin = 65;
 constexpr int kFadeInPixels = 8;
 
+QString oneLine(QString text) {
+  text.replace(QLatin1String("\r\n"), QLatin1String(" "));
+  for (const QChar end :
+       {QChar('\n'), QChar('\r'), QChar('\t'), QChar(QChar::LineSeparator), QChar(QChar::ParagraphSeparator)})
+    text.replace(end, QLatin1Char(' '));
+  return text;
+}
+
 }  // namespace
 
 ScrollText::ScrollText(QWidget* parent)
@@ -27,8 +35,7 @@ ScrollText::ScrollText(QWidget* parent)
 
 void ScrollText::setText(QString text) {
   _text = std::move(text);
-  _line = _text;
-  _line.replace(QLatin1Char('\n'), QLatin1Char(' '));
+  _line = oneLine(_text);
   updateText();
   update();
 }

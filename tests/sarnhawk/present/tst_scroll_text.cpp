@@ -95,14 +95,23 @@ class ScrollTextTest : public QObject {
     QTRY_VERIFY(label.position() > -60);
   }
 
+  void aLineBreakIsABlank_data() {
+    QTest::addColumn<QString>("between");
+    QTest::newRow("line feed") << "\n";
+    QTest::newRow("carriage return") << "\r";
+    QTest::newRow("both") << "\r\n";
+    QTest::newRow("tab") << "\t";
+    QTest::newRow("separator") << QString(QChar(QChar::LineSeparator));
+  }
   void aLineBreakIsABlank() {
+    QFETCH(QString, between);
     ScrollText broken;
     ScrollText blank;
     for (ScrollText* label : {&broken, &blank})
       label->resize(200, label->height());
-    broken.setText("first\nsecond");
+    broken.setText("first" + between + "second");
     blank.setText("first second");
-    QCOMPARE(broken.text(), QString("first\nsecond"));
+    QCOMPARE(broken.text(), "first" + between + "second");
     QCOMPARE(broken.grab().toImage(), blank.grab().toImage());
   }
 };

@@ -203,6 +203,17 @@ class WidgetSubtitleTest : public QObject {
     QCOMPARE(tab.id(1), other);
   }
 
+  void aTabThatEndsWhileItAsksDeletesNothing() {
+    auto tab = std::make_unique<Tab>(1);
+    tab->list()->setCurrentRow(0);
+    QuestionAnswer end([&](QDialog*) { tab->widget.reset(); });
+    QMetaObject::invokeMethod(tab->widget.get(), [&] { tab->clickDelete(); });
+    QVERIFY(end.wasAsked);
+    QVERIFY(!tab->widget);
+    QCOMPARE(tab->console.config.textList.size(), 1);
+    QCOMPARE(tab->console.log, QStringList());
+  }
+
   void aMoveIsTakenOverAndNothingIsPosted() {
     Tab tab(2);
     tagKorviaShowPresentPlacement placement;

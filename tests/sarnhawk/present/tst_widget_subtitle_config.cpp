@@ -208,6 +208,8 @@ class WidgetSubtitleConfigTest : public QObject {
     QTest::newRow("sub") << "2500" << false << "1500";
     QTest::newRow("sub down to nothing") << "500" << false << "0";
     QTest::newRow("no number counts as 0") << "soon" << true << "1000";
+    QTest::newRow("add to the largest number") << "2147483647" << true << "12000";
+    QTest::newRow("sub from the smallest number") << "-2147483648" << false << "0";
   }
   void scrollTimeButtons() {
     QFETCH(QString, text);
@@ -306,18 +308,25 @@ class WidgetSubtitleConfigTest : public QObject {
     QCOMPARE(popup.sink.last().enter.effect, 14);
   }
 
-  void aLoadWithAnotherTextureSendsTheWholeStyleOnce() {
+  void aLoadWithAnotherTextureSendsOnceInTheMiddle() {
     Popup popup;
     tagKorviaSubtitleParam param = fullRecord();
     param.info.style.outlineSize = 17;
     const int current = popup.combo("_textureComboBox")->currentIndex();
     param.info.style.texturePath = popup.console.folder.path() + "\\Common\\TextTexture\\" +
                                    popup.combo("_textureComboBox")->itemText(1 - current) + ".tga";
+    const int sliderBefore = popup.slider("_outlineSizeHorizontalSlider")->value();
+    QVERIFY(sliderBefore != 17);
     popup.widget.setObjectParam(0x1000, param);
     QCOMPARE(popup.sink.params.size(), 1);
-    QCOMPARE(popup.sink.last().style.outlineSize, 17);
+    // The page of the text is loaded, the sliders of the style are not.
     QCOMPARE(popup.sink.last().text, QString("${Time} o'clock"));
-    QCOMPARE(popup.sink.last().hAlign, 0x20);
+    QCOMPARE(popup.sink.last().style.texturePath, param.info.style.texturePath);
+    QCOMPARE(popup.sink.last().style.outlineSize, sliderBefore);
+    QCOMPARE(popup.slider("_outlineSizeHorizontalSlider")->value(), 17);
+    // The next edit sends what the editor shows.
+    drag(popup.slider("_xPosHorizontalSlider"), 10);
+    QCOMPARE(popup.sink.last().style.outlineSize, 17);
   }
 
   void opensATextFile() {
@@ -343,14 +352,20 @@ class WidgetSubtitleConfigTest : public QObject {
     QDir::setCurrent(before);
   }
 
+  void aFileThatCannotBeReadLeavesNoText_data() {
+    QTest::addColumn<qint64>("bytes");
+    QTest::newRow("larger than can be read") << qint64{64} * 1024 * 1024 + 1;
+    QTest::newRow("gone") << qint64{-1};
+  }
   void aFileThatCannotBeReadLeavesNoText() {
+    QFETCH(qint64, bytes);
     Popup popup;
-    QFile file(popup.console.folder.filePath("huge.txt"));
+    QFile file(popup.console.folder.filePath("chosen.txt"));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(file.resize(qint64{64} * 1024 * 1024));
+    QVERIFY(file.resize(std::max<qint64>(bytes, 0)));
     file.close();
     const QString before = QDir::currentPath();
-    chooseFile(popup, file.fileName());
+    chooseFile(popup, file.fileName(), [&] { return bytes >= 0 || file.remove(); });
     QCOMPARE(popup.sink.last().text, QString());
     QDir::setCurrent(before);
   }
@@ -364,11 +379,14 @@ class WidgetSubtitleConfigTest : public QObject {
     }
     return nullptr;
   }
-  static void chooseFile(const Popup& popup, const QString& path) {
+  static void chooseFile(
+      const Popup& popup, const QString& path,
+      const std::function<bool()>& beforeOpen = [] { return true; }) {
     popup.click("_openTXTPushButton");
     QFileDialog* dialog = fileDialog();
     QVERIFY(dialog);
     dialog->selectFile(path);
+    QVERIFY(beforeOpen());
     static_cast<QDialog*>(dialog)->done(QDialog::Accepted);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   }

@@ -195,6 +195,21 @@ class WidgetTextStyleTest : public QObject {
     QCOMPARE(editor.sink.styles.size(), 3);
   }
 
+  void fontButtonsKeepTheNameWhereThereAreNoFonts() {
+    ItemConsole console;
+    console.fonts.families.clear();
+    Sink sink;
+    QWidget holder;
+    GWidgetTextStyle widget(&console, &sink, &holder);
+    widget.setObjectParam(0x1000, {});
+    sink.styles.clear();
+    widget.findChild<QPushButton*>("_nextFontNamePushButton")->click();
+    widget.findChild<QPushButton*>("_prevFontNamePushButton")->click();
+    QCOMPARE(sink.styles.size(), 0);
+    QCOMPARE(widget.findChild<QComboBox*>("_fontNameComboBox")->currentText(),
+             tagKorviaShowTextStyle().fontName);
+  }
+
   void sizeButtons_data() {
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("adds");
@@ -205,6 +220,8 @@ class WidgetTextStyleTest : public QObject {
     QTest::newRow("sub") << "42" << false << 37;
     QTest::newRow("sub down to the least") << "8" << false << 5;
     QTest::newRow("sub from no number") << "big" << false << 5;
+    QTest::newRow("add to the largest number") << "2147483647" << true << 120;
+    QTest::newRow("sub from the smallest number") << "-2147483648" << false << 5;
   }
   void sizeButtons() {
     QFETCH(QString, text);
