@@ -1,14 +1,12 @@
 // The editor of a subtitle: what it shows of a record, and what each edit makes of it.
-#include <QComboBox>
 #include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QSlider>
 #include <QTabWidget>
 #include <QtTest>
 
+#include "Controls.h"
 #include "ItemConsole.h"
 #include "Tiles.h"
 #include "present/GWidgetSubtitleConfig.h"
@@ -26,7 +24,7 @@ class Sink final : public IGWidgetSubtitleConfigSink {
 };
 
 /// The editor with a record loaded.
-class Popup {
+class Popup : public Controls<Popup> {
  public:
   explicit Popup(const tagKorviaSubtitleParam& param = {}) : widget(&console, &sink) {
     widget.setObjectParam(0x1000, param);
@@ -35,13 +33,6 @@ class Popup {
     widget.show();
   }
 
-  template <class T>
-  T* child(const char* name) const {
-    return widget.findChild<T*>(QLatin1String(name));
-  }
-  QComboBox* combo(const char* name) const { return child<QComboBox>(name); }
-  QSlider* slider(const char* name) const { return child<QSlider>(name); }
-  QString label(const char* name) const { return child<QLabel>(name)->text(); }
   void click(const char* name) const { child<QPushButton>(name)->click(); }
   const QListWidget* list(const char* name) const { return child<QListWidget>(name); }
 

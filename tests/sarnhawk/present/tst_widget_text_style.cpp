@@ -1,15 +1,13 @@
 // The editor of text styles: what it shows of a style, what each edit makes of it, and when the sink hears of
 // it.
-#include <QComboBox>
-#include <QLabel>
 #include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QSlider>
 #include <QTabWidget>
 #include <QtTest>
 
+#include "Controls.h"
 #include "ItemConsole.h"
 #include "KorviaShowUtil.h"
 #include "QColEdit.h"
@@ -28,7 +26,7 @@ class Sink final : public IGWidgetTextStyleSink {
 };
 
 /// The editor, embedded in a window, with a style loaded.
-class Editor {
+class Editor : public Controls<Editor> {
  public:
   explicit Editor(const tagKorviaShowTextStyle& style = {}) : widget(&console, &sink, &holder) {
     holder.resize(440, 460);
@@ -38,13 +36,6 @@ class Editor {
     holder.show();
   }
 
-  template <class T>
-  T* child(const char* name) const {
-    return widget.findChild<T*>(QLatin1String(name));
-  }
-  QComboBox* combo(const char* name) const { return child<QComboBox>(name); }
-  QSlider* slider(const char* name) const { return child<QSlider>(name); }
-  QString label(const char* name) const { return child<QLabel>(name)->text(); }
   QPushButton* button(const char* name) const { return child<QPushButton>(name); }
   const QListWidget* presets() const { return child<QListWidget>("_fontStylePresetTypeListWidget"); }
   QString texturePath(const QString& name) const {

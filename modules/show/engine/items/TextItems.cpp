@@ -33,9 +33,10 @@ bool isNearPicture(const tagKorviaShowTextInfo& info) {
   return std::abs(info.x) < kFarthest && std::abs(info.y) < kFarthest;
 }
 
-/// The way from where a layer was drawn to where the record has its centre.
-QPointF movedSince(const QRectF& content, const tagKorviaShowTextInfo& info, FrameSize size) {
-  return isNearPicture(info) ? centerOf(info, size) - content.center() : QPointF();
+/// The way from where a layer was drawn to where the record has its centre, in whole pixels, since layers are
+/// drawn around whole pixels.
+QPoint movedSince(const QRectF& content, const tagKorviaShowTextInfo& info, FrameSize size) {
+  return isNearPicture(info) ? centerOf(info, size) - content.center().toPoint() : QPoint();
 }
 
 LayerRef layerOf(TextPainter& painter, const tagKorviaShowTextInfo& info, FrameSize size,

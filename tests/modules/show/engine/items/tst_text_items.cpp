@@ -415,6 +415,21 @@ class TextItemsTest : public QObject {
     QVERIFY2(before < -0.85 * way, QByteArray::number(before / way));
   }
 
+  // Else it is sampled, which takes longer and blurs it.
+  void aStandingTextIsShownAsItWasDrawn() {
+    constexpr int kTexts = 40;
+    for (int i = 0; i < kTexts; ++i) {
+      tagKorviaShowTextInfo info = title(QString(i + 1, QLatin1Char('i')));
+      info.enter = info.exit = {};
+      info.x = i / double{kTexts};
+      info.y = 1 - i / double{kTexts};
+      texts().add(PGMObject, info);
+    }
+    QVERIFY(shows(*program_, kTexts));
+    for (const StackedLayer& stacked : program_->layers().layers())
+      QVERIFY2(stacked.pose.isPlain(), QByteArray::number(stacked.pose.moveX));
+  }
+
   void aMovedItemIsThereWithTheNextFrame() {
     const tagKorviaShowTextInfo info = title();
     texts().add(PGMObject, info);
