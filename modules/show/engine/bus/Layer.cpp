@@ -159,6 +159,14 @@ LayerRef Layer::makeMovable(const QImage& image, QPoint at, FrameSize busSize, c
   return layer;
 }
 
+LayerRef Layer::makeBlank(FrameSize busSize, const QRectF& content, const CrawlPart& part) {
+  auto layer = std::make_shared<Layer>();
+  layer->content = content;
+  layer->part = part;
+  layer->busSize = busSize;
+  return layer;
+}
+
 const std::uint8_t* Layer::alphaRow(int plane, int y) const {
   if (plane == Frame::Y)
     return planeOf(*picture, Frame::A).row(y);

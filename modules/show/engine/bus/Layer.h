@@ -24,7 +24,7 @@ struct Layer;
 using LayerRef = std::shared_ptr<const Layer>;
 
 struct Layer {
-  /// Premultiplied, with alpha, of the rectangle's size.
+  /// Premultiplied, with alpha, of the rectangle's size; null for a blank part of a crawl.
   FrameRef picture;
   /// The alpha at the size of the chroma planes, in rows of chromaWidth(): means of 2 x 2 samples.
   std::vector<std::uint8_t> chromaAlpha;
@@ -53,6 +53,10 @@ struct Layer {
   /// which makes its edges smooth. `content` as in the member.
   static LayerRef makeMovable(const QImage& image, QPoint at, FrameSize busSize, const QRectF& content,
                               const CrawlPart& part = {});
+
+  /// A part of a crawl in which nothing is visible: content and part without a picture. It is for the owner
+  /// of the crawl, and not for a stack.
+  static LayerRef makeBlank(FrameSize busSize, const QRectF& content, const CrawlPart& part);
 
   /// Row `y` of the alpha for a plane, counted within the rectangle.
   const std::uint8_t* alphaRow(int plane, int y) const;

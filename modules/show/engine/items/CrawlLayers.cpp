@@ -51,6 +51,11 @@ double CrawlLayers::moveOf(const tagKorviaShowTextInfo& info, const QRectF& cont
   return way.first + (way.last - way.first) * part - content.left();
 }
 
+const LayerRef& CrawlLayers::shown() const {
+  static const LayerRef kNothing;
+  return shown_.layer && shown_.layer->picture ? shown_.layer : kNothing;
+}
+
 void CrawlLayers::take(LayerRef& layer) {
   const CrawlPart part = layer ? layer->part : drawing_.value_or(CrawlPart());
   drawing_.reset();

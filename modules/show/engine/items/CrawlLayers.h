@@ -23,7 +23,7 @@ class CrawlLayers {
   /// Whether one was drawn, if only to find that there is nothing to be seen.
   bool isDrawn() const { return shown_.isDrawn; }
   /// Null when there is nothing to be seen.
-  const LayerRef& shown() const { return shown_.layer; }
+  const LayerRef& shown() const;
   /// Takes what was drawn, and leaves another layer that is not needed any more.
   void take(LayerRef& layer);
   /// Chooses the layer for this time. Gives the part that must be drawn now, if there is one; the caller has
@@ -39,7 +39,7 @@ class CrawlLayers {
     int end = 0;
     bool isEmpty() const { return begin >= end; }
   };
-  /// A part with its layer, which is null where the text is blank.
+  /// A part with its layer, which has no picture where the text is blank, and is null without a text.
   struct Drawn {
     LayerRef layer;
     CrawlPart part;

@@ -44,12 +44,14 @@ LayerRef layerOf(TextPainter& painter, const tagKorviaShowTextInfo& info, FrameS
   if (!isNearPicture(info))
     return {};
   const TextPicture picture = painter.paint(info, size, now, part);
-  if (picture.image.isNull())
-    return {};
   const QPoint center = centerOf(info, size);
+  const QRectF content = picture.box.translated(center);
   const CrawlPart drawn{picture.part.begin, picture.part.begin + picture.part.width, revision};
-  return Layer::makeMovable(picture.image, center + picture.corner, size, picture.box.translated(center),
-                            drawn);
+  LayerRef layer = Layer::makeMovable(picture.image, center + picture.corner, size, content, drawn);
+  // A crawl has to know how long its text is, also when the part is blank or beyond its end.
+  if (!layer && part.width > 0 && !content.isEmpty())
+    layer = Layer::makeBlank(size, content, drawn);
+  return layer;
 }
 
 /// Tells the seconds of a clock apart; of no other meaning.

@@ -321,6 +321,44 @@ class TextItemsTest : public QObject {
     QTRY_VERIFY((stage_->beginFrame(), program_->layers().layers().at(0).layer->part.end > 0 && isCovered()));
   }
 
+  void aCrawlThatBecomesShorterGoesOn_data() {
+    QTest::addColumn<double>("x");
+    QTest::addColumn<double>("endX");
+    QTest::addColumn<bool>("isBlankMeanwhile");
+    QTest::newRow("to the left") << 0.9 << 0.1 << false;
+    QTest::newRow("to the right") << 0.1 << 0.9 << false;
+    QTest::newRow("to the left, blank meanwhile") << 0.9 << 0.1 << true;
+    QTest::newRow("to the right, blank meanwhile") << 0.1 << 0.9 << true;
+  }
+  /// What was seen of the old text lies beyond the end of the new one.
+  void aCrawlThatBecomesShorterGoesOn() {
+    QFETCH(double, x);
+    QFETCH(double, endX);
+    QFETCH(bool, isBlankMeanwhile);
+    tagKorviaShowTextInfo info = title(QString(300, QLatin1Char('w')));
+    info.x = x;
+    info.scrollEndX = endX;
+    info.scrollTime = 40;
+    texts().add(PGMObject, info);
+    QVERIFY(firstPose());
+    for (int frame = 0; frame < 600; ++frame)
+      stage_->beginFrame();
+    if (isBlankMeanwhile) {
+      info.text.clear();
+      texts().update(info);
+      QTRY_VERIFY((stage_->beginFrame(0), !program_->layers().layers().at(0).layer));
+    }
+    info.text = QStringLiteral("short");
+    texts().update(info);
+    const auto isShort = [this] {
+      stage_->beginFrame(0);
+      const LayerRef& layer = program_->layers().layers().at(0).layer;
+      return layer && layer->content.width() < 200;
+    };
+    QTRY_VERIFY(isShort());
+    QVERIFY(isCovered());
+  }
+
   void aCrawlThatBecomesBlankIsGoneAndComesBack_data() {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("fontSize");
