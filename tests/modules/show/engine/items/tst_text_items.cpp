@@ -324,16 +324,18 @@ class TextItemsTest : public QObject {
   void aCrawlThatBecomesShorterGoesOn_data() {
     QTest::addColumn<double>("x");
     QTest::addColumn<double>("endX");
+    QTest::addColumn<int>("frames");
     QTest::addColumn<bool>("isBlankMeanwhile");
-    QTest::newRow("to the left") << 0.9 << 0.1 << false;
-    QTest::newRow("to the right") << 0.1 << 0.9 << false;
-    QTest::newRow("to the left, blank meanwhile") << 0.9 << 0.1 << true;
-    QTest::newRow("to the right, blank meanwhile") << 0.1 << 0.9 << true;
+    QTest::newRow("to the left") << 0.9 << 0.1 << 600 << false;
+    QTest::newRow("to the right") << 0.1 << 0.9 << 200 << false;
+    QTest::newRow("to the left, blank meanwhile") << 0.9 << 0.1 << 600 << true;
+    QTest::newRow("to the right, blank meanwhile") << 0.1 << 0.9 << 200 << true;
   }
-  /// What was seen of the old text lies beyond the end of the new one.
+  /// The part that is drawn of the old text lies beyond the end of the new one.
   void aCrawlThatBecomesShorterGoesOn() {
     QFETCH(double, x);
     QFETCH(double, endX);
+    QFETCH(int, frames);
     QFETCH(bool, isBlankMeanwhile);
     tagKorviaShowTextInfo info = title(QString(300, QLatin1Char('w')));
     info.x = x;
@@ -341,7 +343,7 @@ class TextItemsTest : public QObject {
     info.scrollTime = 40;
     texts().add(PGMObject, info);
     QVERIFY(firstPose());
-    for (int frame = 0; frame < 600; ++frame)
+    for (int frame = 0; frame < frames; ++frame)
       stage_->beginFrame();
     if (isBlankMeanwhile) {
       info.text.clear();
