@@ -1,7 +1,6 @@
 #include "FilmPipeline.h"
 
 #include <fcntl.h>
-#include <gst/app/gstappsink.h>
 #include <gst/audio/audio.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -55,6 +54,47 @@ bool isDefaultStream(GstPad* pad) {
   gst_event_unref(event);
   return flags & GST_STREAM_FLAG_SELECT;
 }
+
+/// Gives each buffer of a probe to `take`, as a sample.
+template <typename Take>
+void takeBuffers(GstPad* pad, GstPadProbeInfo* info, Take take) {
+  GstCaps* caps = gst_pad_get_current_caps(pad);
+  const GstSegment* segment = nullptr;
+  GstEvent* event = gst_pad_get_sticky_event(pad, GST_EVENT_SEGMENT, 0);
+  if (event)
+    gst_event_parse_segment(event, &segment);
+  const auto takeOne = [&](GstBuffer* buffer) {
+    GstSample* sample = gst_sample_new(buffer, caps, segment, nullptr);
+    take(sample);
+    gst_sample_unref(sample);
+  };
+  if (info->type & GST_PAD_PROBE_TYPE_BUFFER_LIST) {
+    GstBufferList* list = gst_pad_probe_info_get_buffer_list(info);
+    for (guint i = 0; i < gst_buffer_list_length(list); ++i)
+      takeOne(gst_buffer_list_get(list, i));
+  } else {
+    takeOne(gst_pad_probe_info_get_buffer(info));
+  }
+  gst_clear_event(&event);
+  gst_clear_caps(&caps);
+}
+
+/// Makes the end of a chain. Its data are taken before they reach the sink: the listener waits, and a sink
+/// that waits holds a lock which the change of its state needs, so that the pipeline would never play.
+/// MediaClock paces the film, so the sink does not synchronise and needs no preroll.
+GstElement* makeSink(GstCaps* caps, QString& reason) {
+  GstElement* sink = makeElement("appsink", reason);
+  if (sink)
+    g_object_set(sink, "caps", caps, "sync", FALSE, "async", FALSE, "enable-last-sample", FALSE, "qos", FALSE,
+                 nullptr);
+  gst_caps_unref(caps);
+  return sink;
+}
+
+constexpr auto kSinkProbe =
+    static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST |
+                                 GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH);
+constexpr int kBufferProbe = GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST;
 
 /// Whether a decoder or parser is installed for the sound of this pad. decodebin would hold up the pictures
 /// when there is none.
@@ -132,37 +172,16 @@ GstElement* FilmPipeline::makeReader(const QString& path, QString& reason) {
 }
 
 bool FilmPipeline::makePictureChain(QString& reason) {
-  pictureSink_ = makeElement("appsink", reason);
+  pictureSink_ = makeSink(gst_caps_new_empty_simple("video/x-raw"), reason);
   if (!pictureSink_)
     return false;
   gst_bin_add(GST_BIN(pipeline_), pictureSink_);
-  GstCaps* caps = gst_caps_new_empty_simple("video/x-raw");
-  // MediaClock paces the film, so the sink does not synchronise and needs no preroll.
-  g_object_set(pictureSink_, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1u,
-               "enable-last-sample", FALSE, "qos", FALSE, nullptr);
-  gst_caps_unref(caps);
-
-  GstAppSinkCallbacks callbacks = {};
-  callbacks.new_sample = [](GstAppSink* sink, gpointer self) -> GstFlowReturn {
-    const HappensBeforeScope scope(self);
-    if (GstSample* sample = gst_app_sink_pull_sample(sink)) {
-      static_cast<FilmPipeline*>(self)->listener_.onPicture(sample);
-      gst_sample_unref(sample);
-    }
-    return GST_FLOW_OK;
-  };
-  callbacks.eos = [](GstAppSink*, gpointer self) {
-    const HappensBeforeScope scope(self);
-    static_cast<FilmPipeline*>(self)->listener_.onEndOfStream();
-  };
-  gst_app_sink_set_callbacks(GST_APP_SINK(pictureSink_), &callbacks, this, nullptr);
-
   GstPad* pad = gst_element_get_static_pad(pictureSink_, "sink");
   gst_pad_add_probe(
-      pad, static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH),
-      [](GstPad*, GstPadProbeInfo* info, gpointer self) {
+      pad, kSinkProbe,
+      [](GstPad* inlet, GstPadProbeInfo* info, gpointer self) {
         const HappensBeforeScope scope(self);
-        return static_cast<FilmPipeline*>(self)->onSinkProbe(info);
+        return static_cast<FilmPipeline*>(self)->onSinkProbe(inlet, info);
       },
       this, nullptr);
   offerPaddedPictures(pad);
@@ -392,34 +411,17 @@ void FilmPipeline::linkSounds(const std::vector<GstPad*>& pads) {
 }
 
 GstElement* FilmPipeline::makeSoundSink(QString& reason) {
-  GstElement* sink = makeElement("appsink", reason);
-  if (!sink)
-    return nullptr;
   GstCaps* caps = gst_caps_from_string("audio/x-raw, format=" GST_AUDIO_NE(F32) ", layout=interleaved");
   gst_caps_set_simple(caps, "rate", G_TYPE_INT, kSampleRate, nullptr);
-  g_object_set(sink, "caps", caps, "sync", FALSE, "async", FALSE, "max-buffers", 1u, "enable-last-sample",
-               FALSE, "qos", FALSE, nullptr);
-  gst_caps_unref(caps);
-  GstAppSinkCallbacks callbacks = {};
-  callbacks.new_sample = [](GstAppSink* from, gpointer self) -> GstFlowReturn {
-    const HappensBeforeScope scope(&static_cast<FilmPipeline*>(self)->soundOrder_);
-    if (GstSample* sample = gst_app_sink_pull_sample(from)) {
-      static_cast<FilmPipeline*>(self)->listener_.onSound(sample);
-      gst_sample_unref(sample);
-    }
-    return GST_FLOW_OK;
-  };
-  callbacks.eos = [](GstAppSink*, gpointer self) {
-    const HappensBeforeScope scope(&static_cast<FilmPipeline*>(self)->soundOrder_);
-    static_cast<FilmPipeline*>(self)->listener_.onSoundEnd();
-  };
-  gst_app_sink_set_callbacks(GST_APP_SINK(sink), &callbacks, this, nullptr);
+  GstElement* sink = makeSink(caps, reason);
+  if (!sink)
+    return nullptr;
   GstPad* pad = gst_element_get_static_pad(sink, "sink");
   gst_pad_add_probe(
-      pad, GST_PAD_PROBE_TYPE_EVENT_FLUSH,
-      [](GstPad*, GstPadProbeInfo* info, gpointer self) {
+      pad, kSinkProbe,
+      [](GstPad* inlet, GstPadProbeInfo* info, gpointer self) {
         const HappensBeforeScope scope(&static_cast<FilmPipeline*>(self)->soundOrder_);
-        return static_cast<FilmPipeline*>(self)->onSoundProbe(info);
+        return static_cast<FilmPipeline*>(self)->onSoundProbe(inlet, info);
       },
       this, nullptr);
   gst_object_unref(pad);
@@ -475,7 +477,11 @@ bool FilmPipeline::linkSound(GstPad* pad, QString& reason) {
   return reason.isEmpty();
 }
 
-GstPadProbeReturn FilmPipeline::onSinkProbe(GstPadProbeInfo* info) {
+GstPadProbeReturn FilmPipeline::onSinkProbe(GstPad* pad, GstPadProbeInfo* info) {
+  if (info->type & kBufferProbe) {
+    takeBuffers(pad, info, [this](GstSample* sample) { listener_.onPicture(sample); });
+    return GST_PAD_PROBE_DROP;
+  }
   GstEvent* event = gst_pad_probe_info_get_event(info);
   switch (GST_EVENT_TYPE(event)) {
     case GST_EVENT_FLUSH_START:
@@ -483,6 +489,9 @@ GstPadProbeReturn FilmPipeline::onSinkProbe(GstPadProbeInfo* info) {
       break;
     case GST_EVENT_FLUSH_STOP:
       listener_.onFlushStop();
+      break;
+    case GST_EVENT_EOS:
+      listener_.onEndOfStream();
       break;
     case GST_EVENT_TAG: {
       GstTagList* tags = nullptr;
@@ -511,7 +520,11 @@ void FilmPipeline::stopSound() {
     closeInlet(bin);
 }
 
-GstPadProbeReturn FilmPipeline::onSoundProbe(GstPadProbeInfo* info) {
+GstPadProbeReturn FilmPipeline::onSoundProbe(GstPad* pad, GstPadProbeInfo* info) {
+  if (info->type & kBufferProbe) {
+    takeBuffers(pad, info, [this](GstSample* sample) { listener_.onSound(sample); });
+    return GST_PAD_PROBE_DROP;
+  }
   if (closing_)
     return GST_PAD_PROBE_OK;
   const GstEventType type = GST_EVENT_TYPE(gst_pad_probe_info_get_event(info));
@@ -519,6 +532,8 @@ GstPadProbeReturn FilmPipeline::onSoundProbe(GstPadProbeInfo* info) {
     listener_.onSoundFlushStart();
   else if (type == GST_EVENT_FLUSH_STOP)
     listener_.onSoundFlushStop();
+  else if (type == GST_EVENT_EOS)
+    listener_.onSoundEnd();
   return GST_PAD_PROBE_OK;
 }
 

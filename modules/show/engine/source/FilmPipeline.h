@@ -80,8 +80,8 @@ class FilmPipeline {
   void onElementAdded(GstElement* element);
   /// At the reduced rate, pictures that no other one refers to do not reach the decoder.
   void thinWhatGoesInto(GstElement* decoder);
-  GstPadProbeReturn onSinkProbe(GstPadProbeInfo* info);
-  GstPadProbeReturn onSoundProbe(GstPadProbeInfo* info);
+  GstPadProbeReturn onSinkProbe(GstPad* pad, GstPadProbeInfo* info);
+  GstPadProbeReturn onSoundProbe(GstPad* pad, GstPadProbeInfo* info);
   void fail(const QString& reason);
   void failSound(const QString& reason);
   void onError(GstMessage* message);
