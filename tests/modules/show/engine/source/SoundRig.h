@@ -54,10 +54,13 @@ class SoundRig : public SourceRig {
     sound_ = {};
   }
 
+  /// The film is silent somewhere, so that a tick cannot wait long for its sound.
+  void expectSilence() { patience_ = std::chrono::milliseconds(100); }
+
   /// Until some ticks' sound is there, or the decoder has no more to give.
   void waitForSound() {
-    const auto give = std::chrono::steady_clock::now() + std::chrono::milliseconds(100);
-    while ((*this)->figures().samplesQueued < 4 * kTickSamples && std::chrono::steady_clock::now() < give)
+    const auto end = std::chrono::steady_clock::now() + patience_;
+    while ((*this)->figures().samplesQueued < 4 * kTickSamples && std::chrono::steady_clock::now() < end)
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 
@@ -81,6 +84,8 @@ class SoundRig : public SourceRig {
   std::vector<int> numbers_;
   Sound sound_;
   bool sounding_ = false;
+  // The ticks are faster than real time, so on a busy machine a decoder needs more than their length.
+  std::chrono::milliseconds patience_{5000};
 };
 
 /// The middle of the energy of a range of samples, in samples.
