@@ -22,8 +22,8 @@ class Janitor {
   /// Takes ownership and destroys the object later.
   template <typename Thing>
   void dispose(Thing thing) {
-    auto holder = std::make_shared<Thing>(std::move(thing));
-    push([holder]() mutable { holder.reset(); });
+    // The job is the only owner, so that the caller never destroys the object.
+    push([holder = std::make_shared<Thing>(std::move(thing))]() mutable { holder.reset(); });
   }
 
  private:

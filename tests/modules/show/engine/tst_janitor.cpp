@@ -43,6 +43,25 @@ class JanitorTest : public QObject {
     QVERIFY(thread.get() != std::this_thread::get_id());
   }
 
+  // The janitor may be done with an object before dispose() returns.
+  void theThreadThatGivesDestroysNothing() {
+    const std::thread::id giver = std::this_thread::get_id();
+    std::atomic<int> ended{0};
+    std::atomic<int> endedOnGiver{0};
+    constexpr int kThings = 100'000;
+    {
+      Janitor janitor;
+      for (int i = 0; i < kThings; ++i) {
+        janitor.dispose(AtItsEnd([&] {
+          ++ended;
+          endedOnGiver += std::this_thread::get_id() == giver ? 1 : 0;
+        }));
+      }
+    }
+    QCOMPARE(ended.load(), kThings);
+    QCOMPARE(endedOnGiver.load(), 0);
+  }
+
   void nobodyWaitsForAnEndThatHangs() {
     std::promise<void> gate;
     const std::shared_future<void> open = gate.get_future().share();
