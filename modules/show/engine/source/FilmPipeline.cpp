@@ -79,9 +79,9 @@ void takeBuffers(GstPad* pad, GstPadProbeInfo* info, Take take) {
   gst_clear_caps(&caps);
 }
 
-/// Makes the end of a chain. Its data are taken before they reach the sink: the listener waits, and a sink
-/// that waits holds a lock which the change of its state needs, so that the pipeline would never play.
-/// MediaClock paces the film, so the sink does not synchronise and needs no preroll.
+/// Makes the end of a chain; takes `caps`. Its data are taken before they reach it: the listener waits, and a
+/// sink that waits holds a lock which its change from paused to playing needs, so that the pipeline would
+/// never play. MediaClock paces the film, so the sink does not synchronise and needs no preroll.
 GstElement* makeSink(GstCaps* caps, QString& reason) {
   GstElement* sink = makeElement("appsink", reason);
   if (sink)
@@ -91,10 +91,14 @@ GstElement* makeSink(GstCaps* caps, QString& reason) {
   return sink;
 }
 
-constexpr auto kSinkProbe =
-    static_cast<GstPadProbeType>(GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST |
-                                 GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM | GST_PAD_PROBE_TYPE_EVENT_FLUSH);
 constexpr int kBufferProbe = GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST;
+constexpr auto kSinkProbe = static_cast<GstPadProbeType>(kBufferProbe | GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM |
+                                                         GST_PAD_PROBE_TYPE_EVENT_FLUSH);
+
+/// Events that the sink would keep for a reader that it does not have.
+bool wouldPileUp(GstEventType type) {
+  return type == GST_EVENT_TAG || type == GST_EVENT_GAP;
+}
 
 /// Whether a decoder or parser is installed for the sound of this pad. decodebin would hold up the pictures
 /// when there is none.
@@ -506,7 +510,7 @@ GstPadProbeReturn FilmPipeline::onSinkProbe(GstPad* pad, GstPadProbeInfo* info) 
     default:
       break;
   }
-  return GST_PAD_PROBE_OK;
+  return wouldPileUp(GST_EVENT_TYPE(event)) ? GST_PAD_PROBE_DROP : GST_PAD_PROBE_OK;
 }
 
 void FilmPipeline::stopSound() {
@@ -534,7 +538,7 @@ GstPadProbeReturn FilmPipeline::onSoundProbe(GstPad* pad, GstPadProbeInfo* info)
     listener_.onSoundFlushStop();
   else if (type == GST_EVENT_EOS)
     listener_.onSoundEnd();
-  return GST_PAD_PROBE_OK;
+  return wouldPileUp(type) ? GST_PAD_PROBE_DROP : GST_PAD_PROBE_OK;
 }
 
 void FilmPipeline::failSound(const QString& reason) {

@@ -44,7 +44,7 @@ class FilmPipelineListener {
 class FilmPipeline {
  public:
   explicit FilmPipeline(FilmPipelineListener& listener);
-  /// Stops; returns when no listener call is running any more.
+  /// Stops; returns when no listener call is running any more. The listener does not wait any more by then.
   ~FilmPipeline();
   FilmPipeline(const FilmPipeline&) = delete;
   FilmPipeline& operator=(const FilmPipeline&) = delete;

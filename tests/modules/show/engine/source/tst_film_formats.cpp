@@ -140,6 +140,8 @@ class FilmFormatsTest : public QObject {
     QFETCH(QString, file);
     SourceRig rig;
     rig.openFilm(clip(file), EndActionStop);
+    // Ticks before that show nothing new.
+    QTRY_COMPARE(rig->getPlayState(), int(Playing));
     FrameRef shown;
     const auto edgeIn = [&shown](int y) {
       int x = 0;
